@@ -1,0 +1,216 @@
+#include "meta_analysis/analysis/MABaseModel.h"
+
+#include "meta_analysis/analysis/MAFixedModelHeterogeneity.h"
+#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <set>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+MAModelRow RowOf(const MAContinousFixEffectModel& model)
+{
+    return {model.GetEstMeanEffectSize(),     model.GetEstEffectSizeVariance(),
+            model.GetEstEffectSizeStdError(), model.GetEstEffectSizeZVal(),
+            model.GetEstEffectSizeSig(),      model.GetEstEffectSizeCILower(),
+            model.GetEstEffectSizeCIUpper()};
+}
+
+MAModelRow RowOf(const MARandomEffectModel& model)
+{
+    return {model.GetEstEffectSize(), model.GetEstESVariance(), std::sqrt(model.GetEstESVariance()),
+            model.GetEstESTestStat(), model.GetEstESSig(),      model.GetEstESCILower(),
+            model.GetEstESCIUpper()};
+}
+
+double Tau2Of(const MAContinousFixEffectModel& /*model*/)
+{
+    return 0.0;
+}
+
+double Tau2Of(const MARandomEffectModel& model)
+{
+    return model.GetBetweenStudyVariance();
+}
+
+} // namespace
+
+MABaseModel::MABaseModel(const MAModelSettings& settings) : settings_(&settings) {}
+MABaseModel::MABaseModel(const MABaseModel&) = default;
+MABaseModel& MABaseModel::operator=(const MABaseModel&) = default;
+MABaseModel::~MABaseModel() = default;
+
+KXStatus MABaseModel::ESCalc(MultiPassRecordIter& /*records*/)
+{
+    return KXStatus();
+}
+
+bool MABaseModel::AddNewWarning(const KXStatus& status, std::vector<KXStatus>& list)
+{
+    if (!status.IsWarning() || std::find(list.begin(), list.end(), status) != list.end())
+        return false;
+    list.push_back(status);
+    return true;
+}
+
+void MABaseModel::CopyRunSettings()
+{
+    modelType_ = settings_->GetModelType();
+    tau2Estimator_ = settings_->GetEstTauType();
+    knappHartung_ = settings_->GetKnapHartAdjustType();
+    weightType_ = settings_->GetWeightType();
+    inputType_ = settings_->GetInputESType();
+}
+
+KXStatus MABaseModel::ReadStudies(MultiPassRecordIter& records)
+{
+    if (inputType_ == MAConst::INPUT_RAW && ESCalc(records).IsError())
+        return status_;
+    return ExtractModelInputData(records);
+}
+
+void MABaseModel::CheckInputSettings()
+{
+    if (modelType_ == MAConst::MODEL_FIXED && !settings_->GetContrastCoefIndex().empty())
+        AddWarning(MAStatusCode::FIXED_MODEL_WITH_CONTRAST);
+    if (studies_.Count() == 1)
+        AddWarning(MAStatusCode::ONE_STUDY);
+    if (studies_.Count() == 2)
+        AddWarning(MAStatusCode::TWO_STUDIES);
+    if (inputType_ == MAConst::INPUT_READY_MADE) {
+        AddWarning(MAStatusCode::READY_MADE_EFFECTS);
+        AddWarning(MAStatusCode::READY_MADE_EFFECTS_AGAIN);
+    }
+}
+
+void MABaseModel::PrepareGroups()
+{
+    groupValues_ = GetUniqGroupElem();
+    groupCount_ = static_cast<int>(groupValues_.size());
+    trimFillRunning_ = false;
+}
+
+std::vector<double> MABaseModel::GetUniqGroupElem() const
+{
+    const std::set<double> distinct(studies_.groupValue.begin(), studies_.groupValue.end());
+    return {distinct.begin(), distinct.end()};
+}
+
+void MABaseModel::BuildOverallModel()
+{
+    BuildModel(studies_.effects.effectSize, studies_.effects.variance);
+    modelRecords_.push_back(studies_.recordNumber);
+}
+
+MAContinousFixEffectModel MABaseModel::NewContFixEffectModel(const std::vector<double>& effectSizes,
+                                                             const std::vector<double>& variances) const
+{
+    MAContinousFixEffectModel model;
+    model.SetEffectSizes(&effectSizes);
+    model.SetVariances(&variances);
+    model.SetNullHypothesis(settings_->GetNullHypothesis());
+    model.SetSignLevel(alpha_);
+    return model;
+}
+
+MARandomEffectModel MABaseModel::NewRandomEffectModel(const std::vector<double>& effectSizes,
+                                                      const std::vector<double>& variances) const
+{
+    MARandomEffectModel model;
+    model.SetEffectSizes(&effectSizes);
+    model.SetVariances(&variances);
+    model.SetEstimationType(tau2Estimator_);
+    model.SetKHAdjType(knappHartung_);
+    model.SetSignLevel(alpha_);
+    model.SetMaxIter(settings_->GetMaxIter());
+    model.SetMaxStepHalving(settings_->GetMaxStepHalving());
+    model.SetConverTol(settings_->GetConnvergenceTol());
+    return model;
+}
+
+KXStatus MABaseModel::BuildModel(const std::vector<double>& effectSizes, const std::vector<double>& variances)
+{
+    return Guarded(status_, [&] {
+        return modelType_ == MAConst::MODEL_FIXED
+                   ? Build(NewContFixEffectModel(effectSizes, variances), variances)
+                   : Build(NewRandomEffectModel(effectSizes, variances), variances);
+    });
+}
+
+KXStatus MABaseModel::BuildOnlyTestModel(const std::vector<double>& effectSizes,
+                                         const std::vector<double>& variances)
+{
+    return Guarded(status_, [&] {
+        return modelType_ == MAConst::MODEL_FIXED ? BuildTest(NewContFixEffectModel(effectSizes, variances))
+                                                  : BuildTest(NewRandomEffectModel(effectSizes, variances));
+    });
+}
+
+template <class Model>
+KXStatus MABaseModel::Build(Model model, const std::vector<double>& variances)
+{
+    status_ = model.EstimateMeanESStats();
+    if (status_.IsError())
+        return status_;
+    results_.models.push_back(RowOf(model));
+    if (RecordsTestOutput())
+        RecordTestOutput(model);
+    if (RecordsWeights(variances.size())) {
+        const double tau2 = Tau2Of(model);
+        weights_.reserve(weights_.size() + variances.size());
+        for (const double variance : variances)
+            weights_.push_back(1.0 / (tau2 + variance));
+    }
+    if (RecordsGroupSize())
+        groupSizes_.push_back(static_cast<int>(variances.size()));
+    return status_;
+}
+
+template <class Model>
+KXStatus MABaseModel::BuildTest(Model model)
+{
+    status_ = model.EstimateMeanESStats();
+    if (!status_.IsError())
+        RecordTestOutput(model);
+    return status_;
+}
+
+void MABaseModel::GetContFixModelTestOutput(const MAContinousFixEffectModel& model)
+{
+    AppendTestOutput(HeterogeneityRowOf(model), KXMV::Missing());
+}
+
+void MABaseModel::GetRandomModelTestOutput(const MARandomEffectModel& model)
+{
+    MAHeterogeneityRow row;
+    row.q = model.GetHomogeneityTestQ();
+    row.df = model.GetHomogeneityTestDf();
+    row.significance = model.GetHomogeneityTestPVal();
+    row.h2 = model.GetHeterogeneityTestH2();
+    row.i2 = model.GetHeterogeneityTestI2();
+    row.piLower = model.GetEstESPILower();
+    row.piUpper = model.GetEstESPIUpper();
+    AppendTestOutput(row, model.GetBetweenStudyVariance());
+}
+
+void MABaseModel::AppendTestOutput(const MAHeterogeneityRow& row, double tau2)
+{
+    heterogeneity_.push_back(row);
+    results_.tau2.push_back(tau2);
+}
+
+std::vector<double> MABaseModel::GetNormalizedWeight() const
+{
+    std::vector<double> normalized = CopyOf(weights_);
+    const double sum = std::accumulate(normalized.begin(), normalized.end(), 0.0);
+    for (double& weight : normalized)
+        weight /= sum;
+    return normalized;
+}
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,156 @@
+// Reading of the studies: ready-made effect sizes, and the variables that give each study its group, its
+// place in a cumulative analysis and its contrast coefficients.
+
+#include "meta_analysis/analysis/MABaseModel.h"
+#include "meta_analysis/analysis/MARecordPass.h"
+#include "meta_analysis/effectsize/MANormalTest.h"
+#include "meta_analysis/platform/common/KXPower.h"
+#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+double ExponentOrZero(double x)
+{
+    double result = 0.0;
+    KXPower::Exponent(x, result);
+    return result;
+}
+
+} // namespace
+
+KXStatus MABaseModel::ExtractModelInputData(MultiPassRecordIter& records)
+{
+    return Guarded(status_, [&] { return status_ = ExtractModelInput(records); });
+}
+
+KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
+{
+    const KXStatus started = StartPass(records);
+    if (started.IsError())
+        return started;
+    alpha_ = 1.0 - settings_->GetCILevel();
+    const std::vector<int> contrastIndices = settings_->GetContrastCoefIndex();
+    studies_.contrastCoefficients.resize(contrastIndices.size());
+
+    KXStatus status;
+    if (inputType_ == MAConst::INPUT_READY_MADE) {
+        const double quantile = TwoSidedNormalQuantile(alpha_);
+        status = ReadPass(records, recordCount_, [&](const Record& record, int recordNumber) {
+            if (ReadReadyMadeStudy(record, recordNumber, quantile))
+                ReadStudyRoles(record, contrastIndices);
+        });
+    } else {
+        status = ReviewComputedStudies(records, contrastIndices);
+    }
+    if (status.IsError())
+        return status;
+    if (settings_->GetInputContrastCoef().size() != static_cast<std::size_t>(recordCount_))
+        AddWarning(MAStatusCode::CONTRAST_COUNT_MISMATCH);
+    return status;
+}
+
+/// Goes once more through the records and drops the studies whose computed effect size cannot be pooled.
+/// Record numbers of records and of studies both ascend, so one index moves along.
+KXStatus MABaseModel::ReviewComputedStudies(MultiPassRecordIter& records,
+                                            const std::vector<int>& contrastIndices)
+{
+    const std::size_t computedCount = studies_.Count();
+    std::vector<bool> kept(computedCount, false);
+    std::size_t keptCount = 0;
+    std::size_t next = 0;
+    const KXStatus status = ReadPass(records, recordCount_, [&](const Record& record, int recordNumber) {
+        if (next == computedCount || studies_.recordNumber[next] != recordNumber)
+            return;
+        kept[next] = CanPool(next);
+        if (kept[next]) {
+            ++keptCount;
+            ReadStudyRoles(record, contrastIndices);
+        } else {
+            ++invalidCount_;
+        }
+        ++next;
+    });
+    if (!status.IsError() && keptCount != computedCount) {
+        studies_.Keep(kept);
+        AddWarning(MAStatusCode::STUDIES_REMOVED);
+    }
+    return status;
+}
+
+/// A study without effect or with a variance that gives no finite weight would make every result NaN.
+bool MABaseModel::CanPool(std::size_t study) const
+{
+    const double effectSize = studies_.effects.effectSize[study];
+    const double variance = studies_.effects.variance[study];
+    return !KXMV::IsMissing(effectSize) && !std::isnan(effectSize) && variance > 0.0;
+}
+
+/// Reads and classifies one ready-made effect size; true when it is a valid study.
+bool MABaseModel::ReadReadyMadeStudy(const Record& record, int recordNumber, double quantile)
+{
+    const bool hasVariance = settings_->GetInputVaranceVarIndex() != -1;
+    const bool hasStdError = settings_->GetInputStdErrorIndex() != -1;
+    const double effectSize = ReadStudyValue(record, settings_->GetInputEffectsizeIndex());
+    const double dispersion = ReadStudyValue(record, hasVariance ? settings_->GetInputVaranceVarIndex()
+                                                                 : settings_->GetInputStdErrorIndex());
+    const bool dispersionGiven = hasVariance || hasStdError;
+    // Missing is tested on what was read, before anything is derived from it.
+    if (KXMV::IsMissing(effectSize) || (dispersionGiven && KXMV::IsMissing(dispersion))) {
+        ++missingCount_;
+        return false;
+    }
+    const bool isImpossibleDifference = std::abs(effectSize) > 1.0 &&
+                                        settings_->GetBinaryEstType() == MAConst::BIN_RISK_DIFFERENCE &&
+                                        settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY;
+    const double variance = hasVariance ? dispersion : dispersion * dispersion;
+    const double stdError = hasVariance ? std::sqrt(dispersion) : dispersion;
+    if (!dispersionGiven || !(variance > 0.0) || !(stdError > 0.0) || isImpossibleDifference) {
+        ++invalidCount_;
+        return false;
+    }
+    studies_.recordNumber.push_back(recordNumber);
+    AppendReadyMadeStudy(effectSize, variance, stdError, quantile);
+    return true;
+}
+
+/// On the ratio scale the variance and the standard error are exponentiated as they stand: they serve
+/// display, not computation.
+void MABaseModel::AppendReadyMadeStudy(double effectSize, double variance, double stdError, double quantile)
+{
+    const double z = effectSize / stdError;
+    const double lower = effectSize - quantile * stdError;
+    const double upper = effectSize + quantile * stdError;
+
+    studies_.effects.effectSize.push_back(effectSize);
+    studies_.effects.variance.push_back(variance);
+    studies_.effects.stdError.push_back(stdError);
+    studies_.effects.ciLower.push_back(lower);
+    studies_.effects.ciUpper.push_back(upper);
+    studies_.zValue.push_back(z);
+    studies_.significance.push_back(TwoSidedNormalSignificance(z));
+
+    studies_.ratioEffects.effectSize.push_back(ExponentOrZero(effectSize));
+    studies_.ratioEffects.variance.push_back(ExponentOrZero(variance));
+    studies_.ratioEffects.stdError.push_back(ExponentOrZero(stdError));
+    studies_.ratioEffects.ciLower.push_back(ExponentOrZero(lower));
+    studies_.ratioEffects.ciUpper.push_back(ExponentOrZero(upper));
+}
+
+/// Contrast coefficients are taken as they are: a NaN among them is a non-zero coefficient.
+void MABaseModel::ReadStudyRoles(const Record& record, const std::vector<int>& contrastIndices)
+{
+    for (std::size_t i = 0; i < contrastIndices.size(); ++i)
+        studies_.contrastCoefficients[i].push_back(record.Get(contrastIndices[i]));
+    const int groupIndex = settings_->GetSubGroupIndex();
+    studies_.groupValue.push_back(groupIndex == -1 ? -1.0 : ReadStudyValue(record, groupIndex));
+    const int cumulativeIndex = settings_->GetCummulativeIndex();
+    if (cumulativeIndex != -1)
+        studies_.cumulativeValue.push_back(ReadStudyValue(record, cumulativeIndex));
+}
+
+} // namespace MA_NAMESPACE

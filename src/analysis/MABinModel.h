@@ -1,0 +1,94 @@
+#pragma once
+
+#include "meta_analysis/analysis/MABaseModel.h"
+#include "meta_analysis/platform/common/KXVarList.h"
+#include "meta_analysis/pooling/MABinaryFixEffectModel.h"
+
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+class MABinaryEffectSize;
+
+/// The analysis of studies that report a 2x2 table: events and non-events in a treatment and a control
+/// group. (Ready-made effect sizes of binary outcomes go through it as well.)
+///
+/// Calling order: fill an `MAModelSettings`, construct, `RUN`, read the getters and `GetWarnings`.
+/// Pooling is by inverse variance, or, for raw tables under the fixed-effect model with weight type 1,
+/// by Mantel and Haenszel (odds ratio, risk ratio, risk difference) or Peto (Peto odds ratio).
+class META_ANALYSIS_EXPORT MABinModel : public MABaseModel
+{
+public:
+    explicit MABinModel(const MAModelSettings& settings);
+    MABinModel(const MABinModel&);
+    MABinModel& operator=(const MABinModel&);
+    ~MABinModel() override;
+
+    /// The whole analysis of the records; returns the final status. Errors end it, and leave what was
+    /// computed before: 460009 one of the four count variables is not given, 460011 the iterator cannot be
+    /// started, 460012 it fails, 460099 memory runs out, and those of the pooling classes.
+    /// Warnings (`GetWarnings`): 460037, 460039 to 460045, 460051, 460074.
+    KXStatus RUN(MultiPassRecordIter& records, const KXVarList& variables);
+
+    /// Effect sizes of the tables. Errors as `RUN`.
+    KXStatus ESCalc(MultiPassRecordIter& records) override;
+
+    /// Reads the tables and counts the records that are missing, invalid or dropped.
+    KXStatus ExtractRawInputData(MultiPassRecordIter& records);
+
+    /// Pools tables by Mantel and Haenszel or Peto and appends the results to the per-model lists. The
+    /// counts are used as they are, without zero-cell correction.
+    KXStatus BuildBinModel(const std::vector<double>& treatmentEvents,
+                           const std::vector<double>& treatmentNonEvents,
+                           const std::vector<double>& controlEvents,
+                           const std::vector<double>& controlNonEvents);
+
+    /// As `BuildBinModel`, but records the heterogeneity output alone.
+    KXStatus BuildBinOnlyTestModel(const std::vector<double>& treatmentEvents,
+                                   const std::vector<double>& treatmentNonEvents,
+                                   const std::vector<double>& controlEvents,
+                                   const std::vector<double>& controlNonEvents);
+
+    /// A pooling object set up from the settings for the given counts, which it does not copy.
+    MABinaryFixEffectModel NewBinFixEffectModel(std::vector<double>& treatmentEvents,
+                                                std::vector<double>& treatmentNonEvents,
+                                                std::vector<double>& controlEvents,
+                                                std::vector<double>& controlNonEvents) const;
+
+    /// Appends a fitted model's heterogeneity output to the per-model lists.
+    void GetBinFixModelTestOutput(const MABinaryFixEffectModel& model);
+
+    MAConst::BINESTYPE GetESType() const { return settings_->GetBinaryEstType(); }
+
+    /// Per study, on the ratio scale; empty for risk differences computed from tables. From tables, the
+    /// variance and the standard error are the exponentials of the log-scale ones, and so they are for
+    /// ready-made effect sizes: they serve display, not computation.
+    std::vector<double> GetExpEffectSize() const { return CopyOf(studies_.ratioEffects.effectSize); }
+    std::vector<double> GetExpVariance() const { return CopyOf(studies_.ratioEffects.variance); }
+    std::vector<double> GetExpStdError() const { return CopyOf(studies_.ratioEffects.stdError); }
+    std::vector<double> GetExpCILower() const { return CopyOf(studies_.ratioEffects.ciLower); }
+    std::vector<double> GetExpCIUpper() const { return CopyOf(studies_.ratioEffects.ciUpper); }
+
+    /// Per model, on the ratio scale; empty for risk differences.
+    std::vector<double> GetEstExpEffectSize() const;
+    std::vector<double> GetEstExpCILower() const;
+    std::vector<double> GetEstExpCIUpper() const;
+    /// The prediction intervals, exponentiated entry by entry; missing stays missing.
+    std::vector<double> GetExpPILower() const;
+    std::vector<double> GetExpPIUpper() const;
+
+private:
+    bool UsesBinaryPooling() const;
+    void ClassifyTable(const Record& record, int recordNumber);
+    void TakeEffectSizes(const MABinaryEffectSize& effectSizes);
+    void AddModelWarnings();
+    void BuildModels();
+    MABinaryFixEffectModel FittedBinModel(MATableColumns& tables);
+    void AppendExponentiated();
+    KXStatus RunSteps(MultiPassRecordIter& records, const KXVarList& variables);
+
+    MAConst::BINESTYPE effectType_ = MAConst::BIN_ODDS_RATIO;
+    MAConst::ZEROADJTYPE zeroAdjustment_ = MAConst::ZERO_ADJUST_EACH; ///< as the effect sizes left it
+};
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,45 @@
+#pragma once
+
+#include "meta_analysis/analysis/MABaseModel.h"
+#include "meta_analysis/platform/common/KXVarList.h"
+
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+class MAContinousEffectSize;
+
+/// The analysis of studies that report a size, a mean and a standard deviation (or variance) for a
+/// treatment and a control group, and of ready-made effect sizes of any kind.
+///
+/// Calling order: fill an `MAModelSettings`, construct, `RUN`, read the getters and `GetWarnings`.
+class META_ANALYSIS_EXPORT MAContModel : public MABaseModel
+{
+public:
+    explicit MAContModel(const MAModelSettings& settings);
+    MAContModel(const MAContModel&);
+    MAContModel& operator=(const MAContModel&);
+    ~MAContModel() override;
+
+    /// The whole analysis of the records; returns the final status. Errors end it, and leave what was
+    /// computed before: 460009 a required size, mean or dispersion variable is not given, 460011 the
+    /// iterator cannot be started, 460012 it fails, 460099 memory runs out, and those of the pooling
+    /// classes. Warnings (`GetWarnings`): 460037, 460039 to 460043, 460074.
+    KXStatus RUN(MultiPassRecordIter& records, const KXVarList& variables);
+
+    /// Effect sizes of the group means. Errors as `RUN`.
+    KXStatus ESCalc(MultiPassRecordIter& records) override;
+
+    /// Reads the groups and counts the records that are missing or invalid.
+    KXStatus ExtractRawInputData(MultiPassRecordIter& records);
+
+    MAConst::CONTESTYPE GetESType() const { return settings_->GetContinousEstType(); }
+
+private:
+    bool HasRequiredIndices() const;
+    void ClassifyMeans(const Record& record, int recordNumber);
+    void TakeEffectSizes(const MAContinousEffectSize& effectSizes);
+    KXStatus RunSteps(MultiPassRecordIter& records, const KXVarList& variables);
+};
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,76 @@
+#pragma once
+
+#include "meta_analysis/platform/common/KXMV.h"
+
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+/// A pooled model's estimate with its test and interval, on the analysis scale.
+struct MAModelRow
+{
+    double estimate = KXMV::Missing();
+    double variance = KXMV::Missing();
+    double stdError = KXMV::Missing();
+    double statistic = KXMV::Missing();
+    double significance = KXMV::Missing();
+    double ciLower = KXMV::Missing();
+    double ciUpper = KXMV::Missing();
+};
+
+/// A pooled model's estimate and interval on the ratio scale.
+struct MAExponentiatedRow
+{
+    double estimate = KXMV::Missing();
+    double ciLower = KXMV::Missing();
+    double ciUpper = KXMV::Missing();
+};
+
+/// A pooled model's heterogeneity output; missing where the model has no such quantity.
+struct MAHeterogeneityRow
+{
+    double q = KXMV::Missing();
+    double df = KXMV::Missing();
+    double significance = KXMV::Missing();
+    double h2 = KXMV::Missing();
+    double h2Lower = KXMV::Missing();
+    double h2Upper = KXMV::Missing();
+    double i2 = KXMV::Missing();
+    double i2Lower = KXMV::Missing();
+    double i2Upper = KXMV::Missing();
+    double piLower = KXMV::Missing();
+    double piUpper = KXMV::Missing();
+};
+
+/// What is kept of the models fitted so far and is reset and set aside together, an entry a model.
+struct MAModelResults
+{
+    std::vector<MAModelRow> models;
+    std::vector<MAExponentiatedRow> exponentiated; ///< only for ratio measures
+    std::vector<double> tau2;                      ///< only of models whose heterogeneity is recorded
+
+    void Reset(bool alsoTau2)
+    {
+        models.clear();
+        exponentiated.clear();
+        if (alsoTau2)
+            tau2.clear();
+    }
+};
+
+/// One field of every row, as a getter returns it: empty when memory runs out, like `CopyOf`.
+template <class Row>
+std::vector<double> ColumnOf(const std::vector<Row>& rows, double Row::*field) noexcept
+{
+    try {
+        std::vector<double> column;
+        column.reserve(rows.size());
+        for (const Row& row : rows)
+            column.push_back(row.*field);
+        return column;
+    } catch (...) {
+        return {};
+    }
+}
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "meta_analysis/platform/common/KXDistFun.h"
+
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+/// Critical value of a two-sided normal test, and of the interval of confidence 1 - alpha.
+inline double TwoSidedNormalQuantile(double alpha) noexcept
+{
+    return KXDistFun::IdfStdNorm(1.0 - alpha * 0.5);
+}
+
+/// Two-sided significance of a standard normal statistic. As the complement of P(Z <= |z|) it is 0
+/// beyond |z| = 8.3, where P rounds to 1.
+inline double TwoSidedNormalSignificance(double z) noexcept
+{
+    return 2.0 * (1.0 - KXDistFun::CdfStdNorm(std::abs(z)));
+}
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,3 @@
+#include "meta_analysis/platform/common/KXQueryCancel.h"
+
+KXQueryCancel::~KXQueryCancel() = default;

@@ -1,0 +1,3 @@
+#include "meta_analysis/platform/common/MultiPassRecordIter.h"
+
+RecordIterator::~RecordIterator() = default;

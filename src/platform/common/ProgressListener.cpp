@@ -1,0 +1,3 @@
+#include "meta_analysis/platform/common/ProgressListener.h"
+
+ProgressListener::~ProgressListener() = default;

@@ -1,0 +1,303 @@
+#include "meta_analysis/pooling/MABinaryFixEffectModel.h"
+
+#include "meta_analysis/effectsize/MABinaryEffectSize.h"
+#include "meta_analysis/effectsize/MAInputCheck.h"
+#include "meta_analysis/effectsize/MANormalTest.h"
+#include "meta_analysis/pooling/MABinaryPooling.h"
+#include "meta_analysis/pooling/MAHeterogeneity.h"
+#include "meta_analysis/settings/Guarded.h"
+
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+MABinaryFixEffectModel::MABinaryFixEffectModel() = default;
+MABinaryFixEffectModel::MABinaryFixEffectModel(const MABinaryFixEffectModel&) = default;
+MABinaryFixEffectModel& MABinaryFixEffectModel::operator=(const MABinaryFixEffectModel&) = default;
+MABinaryFixEffectModel::~MABinaryFixEffectModel() = default;
+
+KXStatus MABinaryFixEffectModel::SetTreatmentGSuccessCounts(std::vector<double>* counts)
+{
+    return StoreStudyVector(counts, treatmentSuccesses_, studyCount_, status_);
+}
+
+KXStatus MABinaryFixEffectModel::SetControlGSuccessCounts(std::vector<double>* counts)
+{
+    return StoreStudyVector(counts, controlSuccesses_, studyCount_, status_);
+}
+
+KXStatus MABinaryFixEffectModel::SetTreatmentGFailureCounts(std::vector<double>* counts)
+{
+    return StoreStudyVector(counts, treatmentFailures_, studyCount_, status_);
+}
+
+KXStatus MABinaryFixEffectModel::SetControlGFailureCounts(std::vector<double>* counts)
+{
+    return StoreStudyVector(counts, controlFailures_, studyCount_, status_);
+}
+
+KXStatus MABinaryFixEffectModel::SetContrastCoef(const std::vector<double>* coefficients)
+{
+    return StoreStudyVector(coefficients, contrastCoefficients_, studyCount_, status_);
+}
+
+KXStatus MABinaryFixEffectModel::SetZeroCountDelta(double delta)
+{
+    return StoreSetting(delta, zeroCountDelta_, status_);
+}
+
+KXStatus MABinaryFixEffectModel::SetNullHypothesis(double value)
+{
+    return StoreSetting(value, nullHypothesis_, status_);
+}
+
+KXStatus MABinaryFixEffectModel::SetSignLevel(double alpha)
+{
+    return StoreSetting(alpha, alpha_, status_);
+}
+
+KXStatus MABinaryFixEffectModel::SetZeroAdjType(MAConst::ZEROADJTYPE type)
+{
+    return StoreSetting(type, zeroAdjustment_, status_);
+}
+
+KXStatus MABinaryFixEffectModel::SetEstimationMethod(MAConst::BINESTYPE method)
+{
+    const KXStatus stored = StoreSetting(method, method_, status_);
+    return stored.IsError() ? stored : KXStatus();
+}
+
+bool MABinaryFixEffectModel::HasCounts() const
+{
+    return HaveLength(studyCount_, treatmentSuccesses_, treatmentFailures_, controlSuccesses_,
+                      controlFailures_);
+}
+
+MATable MABinaryFixEffectModel::TableOf(std::size_t study) const
+{
+    return {(*treatmentSuccesses_)[study], (*treatmentFailures_)[study], (*controlSuccesses_)[study],
+            (*controlFailures_)[study]};
+}
+
+KXStatus MABinaryFixEffectModel::ComputeEffectSizeStatistics()
+{
+    if (status_.IsError())
+        return status_;
+    if (!HasCounts())
+        return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
+    return Guarded(status_, [this] { return ComputeStatistics(); });
+}
+
+KXStatus MABinaryFixEffectModel::ComputeStatistics()
+{
+    FixNullHypothesis();
+    if (ComputeStudyEffects().IsError())
+        return status_;
+    weights_.resize(studyCount_, KXMV::Missing());
+    switch (method_) {
+    case MAConst::BIN_ODDS_RATIO:
+        EstimateOREffectSizeStats();
+        break;
+    case MAConst::BIN_PETO_ODDS_RATIO:
+        EstimatePOREffectSizeStats();
+        break;
+    case MAConst::BIN_RISK_RATIO:
+        EstimateRREffectSizeStats();
+        break;
+    case MAConst::BIN_RISK_DIFFERENCE:
+        EstimateRDEffectSizeStats();
+        break;
+    default:
+        break;
+    }
+    return status_;
+}
+
+/// A null value that cannot be meant for the method is taken as "no effect".
+void MABinaryFixEffectModel::FixNullHypothesis()
+{
+    const bool isDifference = method_ == MAConst::BIN_RISK_DIFFERENCE;
+    if (nullHypothesis_ == 0.0 && !isDifference)
+        nullHypothesis_ = 1.0;
+    else if (nullHypothesis_ == 1.0 && isDifference)
+        nullHypothesis_ = 0.0;
+}
+
+KXStatus MABinaryFixEffectModel::ComputeStudyEffects()
+{
+    MABinaryEffectSize effectSizes;
+    effectSizes.SetTreatmentGSuccessCounts(treatmentSuccesses_);
+    effectSizes.SetTreatmentGFailureCounts(treatmentFailures_);
+    effectSizes.SetControlGSuccessCounts(controlSuccesses_);
+    effectSizes.SetControlGFailureCounts(controlFailures_);
+    effectSizes.SetEstimationMethod(method_);
+    effectSizes.SetZeroAdjType(zeroAdjustment_);
+    status_ = effectSizes.ComputeEffectSizeStatistics();
+    if (status_.IsError())
+        return status_;
+    studyEffects_ = effectSizes.GetEffectSizeVal();
+    studyLogEffects_ = effectSizes.GetLogEffectSizeVal();
+    return status_;
+}
+
+void MABinaryFixEffectModel::EstimateOREffectSizeStats()
+{
+    EstimateBy<MAOddsRatioPooling>();
+}
+
+void MABinaryFixEffectModel::EstimatePOREffectSizeStats()
+{
+    EstimateBy<MAPetoPooling>();
+}
+
+void MABinaryFixEffectModel::EstimateRREffectSizeStats()
+{
+    EstimateBy<MARiskRatioPooling>();
+}
+
+void MABinaryFixEffectModel::EstimateRDEffectSizeStats()
+{
+    EstimateBy<MARiskDifferencePooling>();
+}
+
+template <class Pooling>
+void MABinaryFixEffectModel::EstimateBy()
+{
+    Pooling pooling;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const MATable table = TableOf(i);
+        weights_[i] = Pooling::Weight(table);
+        pooling.Add(table);
+    }
+    const double quantile = TwoSidedNormalQuantile(alpha_);
+    if constexpr (Pooling::onLogScale)
+        StoreLogScaleEstimate(pooling.Estimate(), pooling.Variance(), quantile);
+    else
+        StoreNaturalScaleEstimate(pooling.Estimate(), pooling.Variance(), quantile);
+    if (studyCount_ >= 2)
+        TestHomogeneity<Pooling>(pooling.Estimate(), quantile);
+}
+
+MABinaryFixEffectModel::Scale MABinaryFixEffectModel::TestedScale(double estimate, double variance,
+                                                                  double nullValue, double quantile)
+{
+    const double stdError = std::sqrt(variance);
+    zValue_ = (estimate - nullValue) / stdError;
+    significance_ = TwoSidedNormalSignificance(zValue_);
+    return {estimate, variance, stdError, estimate + quantile * stdError, estimate - quantile * stdError};
+}
+
+void MABinaryFixEffectModel::StoreLogScaleEstimate(double estimate, double variance, double quantile)
+{
+    log_ = TestedScale(estimate, variance, std::log(nullHypothesis_), quantile);
+    natural_.estimate = std::exp(log_.estimate);
+    natural_.variance = std::exp(log_.variance);
+    natural_.stdError = std::sqrt(natural_.variance);
+    natural_.ciUpper = std::exp(log_.ciUpper);
+    natural_.ciLower = std::exp(log_.ciLower);
+}
+
+/// The log members receive the logs of the natural values, NaN for a negative one.
+void MABinaryFixEffectModel::StoreNaturalScaleEstimate(double estimate, double variance, double quantile)
+{
+    natural_ = TestedScale(estimate, variance, nullHypothesis_, quantile);
+    log_ = {std::log(natural_.estimate), std::log(natural_.variance), std::log(natural_.stdError),
+            std::log(natural_.ciUpper), std::log(natural_.ciLower)};
+}
+
+template <class Pooling>
+void MABinaryFixEffectModel::TestHomogeneity(double pooled, double quantile)
+{
+    const std::vector<double>& effects = Pooling::onLogScale ? studyLogEffects_ : studyEffects_;
+    double q = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const double residual = effects[i] - pooled;
+        q += 1.0 / Pooling::EffectVariance(TableOf(i)) * (residual * residual);
+    }
+    q_ = q;
+    df_ = static_cast<int>(studyCount_) - 1;
+    qSignificance_ = HomogeneitySignificance(q_, df_);
+    heterogeneity_ = MeasureHeterogeneity(q_, studyCount_, quantile);
+}
+
+KXStatus MABinaryFixEffectModel::ContrastTest()
+{
+    if (contrastCoefficients_ == nullptr || status_.IsError())
+        return status_;
+    if (!HasCounts() || !HaveLength(studyCount_, &studyEffects_, contrastCoefficients_))
+        return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
+    return Guarded(status_, [this] {
+        switch (method_) {
+        case MAConst::BIN_ODDS_RATIO:
+            return ContrastTestOR();
+        case MAConst::BIN_PETO_ODDS_RATIO:
+            return ContrastTestPOR();
+        case MAConst::BIN_RISK_RATIO:
+            return ContrastTestRR();
+        case MAConst::BIN_RISK_DIFFERENCE:
+            return ContrastTestRD();
+        default:
+            return status_;
+        }
+    });
+}
+
+KXStatus MABinaryFixEffectModel::ContrastTestOR()
+{
+    return ContrastTestBy<MAOddsRatioPooling>();
+}
+
+KXStatus MABinaryFixEffectModel::ContrastTestPOR()
+{
+    return ContrastTestBy<MAPetoPooling>();
+}
+
+KXStatus MABinaryFixEffectModel::ContrastTestRR()
+{
+    return ContrastTestBy<MARiskRatioPooling>();
+}
+
+KXStatus MABinaryFixEffectModel::ContrastTestRD()
+{
+    return ContrastTestBy<MARiskDifferencePooling>();
+}
+
+template <class Pooling>
+KXStatus MABinaryFixEffectModel::ContrastTestBy()
+{
+    if (contrastEffects_.size() != studyCount_)
+        PrepareContrastTerms<Pooling>();
+    KXStatus result = status_;
+    contrast_ = 0.0;
+    contrastVariance_ = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const double coefficient = (*contrastCoefficients_)[i];
+        if (KXMV::IsMissing(coefficient)) {
+            result = KXStatus(MAStatusCode::CONTRAST_COEFFICIENT_MISSING, true);
+            continue;
+        }
+        contrast_ += coefficient * contrastEffects_[i];
+        contrastVariance_ += coefficient * coefficient * contrastVariances_[i];
+    }
+    const double stdError = std::sqrt(contrastVariance_);
+    const double halfWidth = TwoSidedNormalQuantile(alpha_) * stdError;
+    contrastSignificance_ = TwoSidedNormalSignificance(contrast_ / stdError);
+    contrastCIUpper_ = contrast_ + halfWidth;
+    contrastCILower_ = contrast_ - halfWidth;
+    return result;
+}
+
+/// Once for all contrasts of the object: the studies' effects and variances on the scale of the test.
+template <class Pooling>
+void MABinaryFixEffectModel::PrepareContrastTerms()
+{
+    contrastEffects_ = studyEffects_;
+    contrastVariances_.resize(studyCount_);
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        if constexpr (Pooling::onLogScale)
+            contrastEffects_[i] = std::log(studyEffects_[i]);
+        contrastVariances_[i] = Pooling::EffectVariance(TableOf(i));
+    }
+}
+
+} // namespace MA_NAMESPACE

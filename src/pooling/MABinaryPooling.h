@@ -1,0 +1,133 @@
+#pragma once
+
+#include "meta_analysis/effectsize/MATable.h"
+#include "meta_analysis/platform/common/KXMV.h"
+
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+// The fixed-effect methods for 2x2 tables. Each is a set of running sums, to which tables are added one by
+// one and from which the pooled estimate and its variance follow at any time, on the scale of the test:
+// the log scale for ratios, the natural scale for the risk difference. With it go the weight of a table
+// and the variance of a table's own effect on that scale.
+
+/// Mantel and Haenszel (1959), Journal of the National Cancer Institute 22, 719-748; variance of Robins,
+/// Breslow and Greenland (1986), Biometrics 42, 311-323.
+class MAOddsRatioPooling
+{
+public:
+    static constexpr bool onLogScale = true;
+    static double Weight(const MATable& table) { return table.b * table.c / table.Size(); }
+    static double EffectVariance(const MATable& table) { return table.LogOddsRatioVariance(); }
+
+    void Add(const MATable& table)
+    {
+        const double n = table.Size();
+        const double r = table.a * table.d / n;
+        const double s = Weight(table);
+        const double p = (table.a + table.d) / n;
+        const double q = (table.b + table.c) / n;
+        r_ += r;
+        s_ += s;
+        rp_ += r * p;
+        rqsp_ += r * q + s * p;
+        sq_ += s * q;
+    }
+    /// As a ratio of sums, so that a table whose own odds ratio is not defined still counts.
+    double Estimate() const { return std::log(r_ / s_); }
+    double Variance() const
+    {
+        return rp_ / (2.0 * r_ * r_) + rqsp_ / (2.0 * r_ * s_) + sq_ / (2.0 * s_ * s_);
+    }
+
+private:
+    double r_ = 0.0;
+    double s_ = 0.0;
+    double rp_ = 0.0;
+    double rqsp_ = 0.0;
+    double sq_ = 0.0;
+};
+
+/// Mantel-Haenszel risk ratio with the variance of Greenland and Robins (1985), Biometrics 41, 55-68.
+class MARiskRatioPooling
+{
+public:
+    static constexpr bool onLogScale = true;
+    static double Weight(const MATable& table) { return table.TreatmentSize() * table.c / table.Size(); }
+    static double EffectVariance(const MATable& table) { return table.LogRiskRatioVariance(); }
+
+    void Add(const MATable& table)
+    {
+        const double nt = table.TreatmentSize();
+        const double nc = table.ControlSize();
+        const double n = table.Size();
+        r_ += table.a * nc / n;
+        s_ += Weight(table);
+        p_ += (nc * nt * (table.c + table.a) - table.c * table.a * n) / (n * n);
+    }
+    double Estimate() const { return std::log(r_ / s_); }
+    double Variance() const { return p_ / (s_ * r_); }
+
+private:
+    double r_ = 0.0;
+    double s_ = 0.0;
+    double p_ = 0.0;
+};
+
+/// Mantel-Haenszel risk difference with the variance of Greenland and Robins (1985), Biometrics 41, 55-68.
+class MARiskDifferencePooling
+{
+public:
+    static constexpr bool onLogScale = false;
+    static double Weight(const MATable& table)
+    {
+        return table.TreatmentSize() * table.ControlSize() / table.Size();
+    }
+    static double EffectVariance(const MATable& table) { return table.RiskDifferenceVariance(); }
+
+    void Add(const MATable& table)
+    {
+        const double nt = table.TreatmentSize();
+        const double nc = table.ControlSize();
+        const double n = table.Size();
+        weightedDifferences_ += (table.a * nc - table.c * nt) / n;
+        weights_ += Weight(table);
+        weightedVariances_ +=
+            (nt * nt * nt * table.c * table.d + nc * nc * nc * table.a * table.b) / (n * n * nt * nc);
+    }
+    double Estimate() const { return weightedDifferences_ / weights_; }
+    double Variance() const { return weightedVariances_ / (weights_ * weights_); }
+
+private:
+    double weightedDifferences_ = 0.0;
+    double weights_ = 0.0;
+    double weightedVariances_ = 0.0;
+};
+
+/// Peto's one-step odds ratio (Yusuf et al. 1985, Progress in Cardiovascular Diseases 27, 335-371).
+class MAPetoPooling
+{
+public:
+    static constexpr bool onLogScale = true;
+    /// A single person has no variance.
+    static double Weight(const MATable& table)
+    {
+        return table.Size() > 1.0 ? table.HypergeometricVariance() : KXMV::Missing();
+    }
+    static double EffectVariance(const MATable& table) { return 1.0 / table.HypergeometricVariance(); }
+
+    void Add(const MATable& table)
+    {
+        excess_ += table.ExcessEvents();
+        variance_ += table.HypergeometricVariance();
+    }
+    double Estimate() const { return excess_ / variance_; }
+    double Variance() const { return 1.0 / variance_; }
+
+private:
+    double excess_ = 0.0;
+    double variance_ = 0.0;
+};
+
+} // namespace MA_NAMESPACE

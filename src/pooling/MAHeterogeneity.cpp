@@ -1,0 +1,54 @@
+#include "meta_analysis/pooling/MAHeterogeneity.h"
+
+#include "meta_analysis/platform/common/KXDistFun.h"
+#include "meta_analysis/platform/common/KXMV.h"
+
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+/// Not a number for k = 2 with Q <= 2. The count is a double so that its differences can be negative and
+/// its quotients infinite.
+double StdErrorOfLogH(double q, double k)
+{
+    if (q > k)
+        return 0.5 * (std::log(q) - std::log(k - 1.0)) / (std::sqrt(2.0 * q) - std::sqrt(2.0 * k - 3.0));
+    return std::sqrt((1.0 - 1.0 / (3.0 * (k - 2.0) * (k - 2.0))) / (2.0 * (k - 2.0)));
+}
+
+double I2FromH2(double h2)
+{
+    const double i2 = 1.0 - 1.0 / h2;
+    return i2 > 0.0 ? i2 : 0.0;
+}
+
+} // namespace
+
+MAHeterogeneityMeasures MeasureHeterogeneity(double q, std::size_t k, double quantile)
+{
+    const double df = static_cast<double>(k) - 1.0;
+    MAHeterogeneityMeasures measures;
+    measures.h2 = q / df;
+    measures.i2 = q > df ? (q - df) / q : 0.0;
+
+    const double stdError = StdErrorOfLogH(q, static_cast<double>(k));
+    if (!std::isfinite(stdError))
+        return measures;
+    const double logH = std::log(std::sqrt(measures.h2));
+    const double lower = std::exp(logH - quantile * stdError);
+    const double upper = std::exp(logH + quantile * stdError);
+    measures.h2Lower = lower * lower;
+    measures.h2Upper = upper * upper;
+    measures.i2Lower = I2FromH2(measures.h2Lower);
+    measures.i2Upper = I2FromH2(measures.h2Upper);
+    return measures;
+}
+
+double HomogeneitySignificance(double q, int df)
+{
+    return std::isfinite(q) ? 1.0 - KXDistFun::CdfChi(q, df) : KXMV::Missing();
+}
+
+} // namespace MA_NAMESPACE

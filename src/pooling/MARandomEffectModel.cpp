@@ -1,0 +1,190 @@
+#include "meta_analysis/pooling/MARandomEffectModel.h"
+
+#include "meta_analysis/effectsize/MAInputCheck.h"
+#include "meta_analysis/effectsize/MANormalTest.h"
+#include "meta_analysis/platform/common/KXDistFun.h"
+#include "meta_analysis/pooling/MAHeterogeneity.h"
+#include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+double TwoSidedTQuantile(double alpha, double df)
+{
+    return KXDistFun::IdfT(1.0 - alpha * 0.5, df, 1e-20, 1e-12);
+}
+
+} // namespace
+
+MARandomEffectModel::MARandomEffectModel() = default;
+MARandomEffectModel::MARandomEffectModel(const MARandomEffectModel&) = default;
+MARandomEffectModel& MARandomEffectModel::operator=(const MARandomEffectModel&) = default;
+MARandomEffectModel::~MARandomEffectModel() = default;
+
+KXStatus MARandomEffectModel::SetEffectSizes(const std::vector<double>* effectSizes)
+{
+    return StoreStudyVector(effectSizes, effectSizes_, studyCount_, status_);
+}
+
+KXStatus MARandomEffectModel::SetVariances(const std::vector<double>* variances)
+{
+    return StoreStudyVector(variances, variances_, studyCount_, status_);
+}
+
+KXStatus MARandomEffectModel::SetKHAdjType(MAConst::KNAPPHADJTYPE type)
+{
+    return StoreSetting(type, knappHartung_, status_);
+}
+
+KXStatus MARandomEffectModel::SetSignLevel(double alpha)
+{
+    return StoreSetting(alpha, alpha_, status_);
+}
+
+KXStatus MARandomEffectModel::SetMaxIter(int maxIter)
+{
+    return StoreSetting(maxIter, maxIter_, status_);
+}
+
+KXStatus MARandomEffectModel::SetMaxStepHalving(int maxStepHalving)
+{
+    return StoreSetting(maxStepHalving, maxStepHalving_, status_);
+}
+
+KXStatus MARandomEffectModel::SetConverTol(double tolerance)
+{
+    return StoreSetting(tolerance, tolerance_, status_);
+}
+
+KXStatus MARandomEffectModel::SetEstimationType(MAConst::TAU2ESTIMATOR type)
+{
+    return StoreSetting(type, estimator_, status_);
+}
+
+KXStatus MARandomEffectModel::EstimateMeanESStats()
+{
+    if (status_.IsError())
+        return status_;
+    if (EstimateTau2().IsError())
+        return status_;
+    PoolEffectSizes();
+    TestMean();
+    if (knappHartung_ == MAConst::KNAPP_HARTUNG_NONE || studyCount_ >= 3)
+        PredictEffect();
+    if (studyCount_ >= 2)
+        TestHomogeneity();
+    return status_;
+}
+
+KXStatus MARandomEffectModel::EstimateTau2()
+{
+    MATAU2ESTIMATIOR estimator;
+    estimator.SetEffectSizes(effectSizes_);
+    estimator.SetVariances(variances_);
+    estimator.SetMaxIter(maxIter_);
+    estimator.SetMaxStepHalving(maxStepHalving_);
+    estimator.SetConverTol(tolerance_);
+    status_ = estimator.ComputeTau2Variance(estimator_);
+    if (status_.IsError())
+        return status_;
+    // The caller may have changed both vectors since they were set, to the same other length.
+    if (!HaveLength(studyCount_, effectSizes_, variances_))
+        return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
+    tau2_ = estimator.GetBetweenStudyVariannce();
+    if (tau2_ == -1.0)
+        status_ = KXStatus(MAStatusCode::TAU2_FAILED);
+    return status_;
+}
+
+void MARandomEffectModel::PoolEffectSizes()
+{
+    double weightSum = 0.0;
+    double weightedSum = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const double weight = 1.0 / (tau2_ + (*variances_)[i]);
+        weightSum += weight;
+        weightedSum += weight * (*effectSizes_)[i];
+    }
+    mean_ = weightedSum / weightSum;
+    variance_ = 1.0 / weightSum;
+    if (knappHartung_ != MAConst::KNAPP_HARTUNG_NONE)
+        variance_ = KnappHartungFactor() / weightSum;
+}
+
+/// Weighted residual variance about the pooled mean, by which the adjustment scales the variance.
+double MARandomEffectModel::KnappHartungFactor() const
+{
+    double factor = 1.0;
+    if (studyCount_ > 1) {
+        double residualSum = 0.0;
+        for (std::size_t i = 0; i < studyCount_; ++i) {
+            const double residual = (*effectSizes_)[i] - mean_;
+            residualSum += residual * residual / (tau2_ + (*variances_)[i]);
+        }
+        factor = residualSum / (static_cast<double>(studyCount_) - 1.0);
+    }
+    return knappHartung_ == MAConst::KNAPP_HARTUNG_TRUNCATED ? std::max(factor, 1.0) : factor;
+}
+
+void MARandomEffectModel::TestMean()
+{
+    const double stdError = std::sqrt(variance_);
+    statistic_ = mean_ / stdError;
+    double quantile = 0.0;
+    if (knappHartung_ == MAConst::KNAPP_HARTUNG_NONE) {
+        quantile = TwoSidedNormalQuantile(alpha_);
+        significance_ = TwoSidedNormalSignificance(statistic_);
+    } else if (studyCount_ >= 2) {
+        const double df = static_cast<double>(studyCount_) - 1.0;
+        quantile = TwoSidedTQuantile(alpha_, df);
+        significance_ = 2.0 * (1.0 - KXDistFun::CdfT(std::abs(statistic_), df));
+    } else {
+        return;
+    }
+    ciUpper_ = mean_ + stdError * quantile;
+    ciLower_ = mean_ - stdError * quantile;
+}
+
+void MARandomEffectModel::PredictEffect()
+{
+    const double quantile = TwoSidedTQuantile(alpha_, static_cast<double>(studyCount_) - 2.0);
+    const double stdDev = std::sqrt(variance_ + tau2_);
+    piLower_ = mean_ - stdDev * quantile;
+    piUpper_ = mean_ + stdDev * quantile;
+}
+
+/// Q is the weighted residual sum about the fixed-effect mean, which is never negative. The typical
+/// within-study variance s² = (k - 1) / (sum(w) - sum(w²) / sum(w)) of Higgins and Thompson (2002) has its
+/// denominator as twice the sum of the products of all pairs of weights over their sum: no cancellation
+/// when one weight dominates.
+void MARandomEffectModel::TestHomogeneity()
+{
+    double weightSum = 0.0;
+    double weightedSum = 0.0;
+    double pairSum = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const double weight = 1.0 / (*variances_)[i];
+        pairSum += weight * weightSum;
+        weightSum += weight;
+        weightedSum += weight * (*effectSizes_)[i];
+    }
+    const double fixedMean = weightedSum / weightSum;
+    double q = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const double residual = (*effectSizes_)[i] - fixedMean;
+        q += residual * residual / (*variances_)[i];
+    }
+    q_ = q;
+    df_ = static_cast<int>(studyCount_) - 1;
+    qSignificance_ = HomogeneitySignificance(q_, df_);
+
+    const double typicalVariance = df_ * weightSum / (2.0 * pairSum);
+    h2_ = (typicalVariance + tau2_) / typicalVariance;
+    i2_ = tau2_ / (typicalVariance + tau2_);
+}
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,278 @@
+#include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
+
+#include "meta_analysis/effectsize/MAInputCheck.h"
+
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+/// What is not greater than 0, a NaN included, becomes 0.
+double TruncateAtZero(double tau2)
+{
+    return tau2 > 0.0 ? tau2 : 0.0;
+}
+
+double Square(double x)
+{
+    return x * x;
+}
+
+} // namespace
+
+/// Mean of the effect sizes with weights 1 / (v + t), and the sum of these weights.
+struct MATAU2ESTIMATIOR::WeightedMean
+{
+    double mean;
+    double weightSum;
+};
+
+MATAU2ESTIMATIOR::MATAU2ESTIMATIOR() = default;
+MATAU2ESTIMATIOR::MATAU2ESTIMATIOR(const MATAU2ESTIMATIOR&) = default;
+MATAU2ESTIMATIOR& MATAU2ESTIMATIOR::operator=(const MATAU2ESTIMATIOR&) = default;
+MATAU2ESTIMATIOR::~MATAU2ESTIMATIOR() = default;
+
+KXStatus MATAU2ESTIMATIOR::SetEffectSizes(const std::vector<double>* effectSizes)
+{
+    return StoreStudyVector(effectSizes, effectSizes_, studyCount_, status_);
+}
+
+KXStatus MATAU2ESTIMATIOR::SetVariances(const std::vector<double>* variances)
+{
+    return StoreStudyVector(variances, variances_, studyCount_, status_);
+}
+
+KXStatus MATAU2ESTIMATIOR::SetNonRedundantParamSize(int size)
+{
+    if (!status_.IsError() && size > parameterCount_)
+        return status_ = KXStatus(MAStatusCode::TOO_MANY_NONREDUNDANT);
+    return StoreSetting(size, nonRedundantCount_, status_);
+}
+
+KXStatus MATAU2ESTIMATIOR::SetMaxIter(int maxIter)
+{
+    return StoreSetting(maxIter, maxIter_, status_);
+}
+
+KXStatus MATAU2ESTIMATIOR::SetMaxStepHalving(int maxStepHalving)
+{
+    return StoreSetting(maxStepHalving, maxStepHalving_, status_);
+}
+
+KXStatus MATAU2ESTIMATIOR::SetConverTol(double tolerance)
+{
+    return StoreSetting(tolerance, tolerance_, status_);
+}
+
+KXStatus MATAU2ESTIMATIOR::ComputeTau2Variance(MAConst::TAU2ESTIMATOR type)
+{
+    if (status_.IsError())
+        return status_;
+    if (effectSizes_ == nullptr || variances_ == nullptr)
+        return status_ = KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
+    if (!HaveLength(studyCount_, effectSizes_, variances_))
+        return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
+
+    CalcMeanES();
+    switch (type) {
+    case MAConst::TAU2_HE:
+        HEEstimator();
+        break;
+    case MAConst::TAU2_HS:
+        HSEstimator();
+        break;
+    case MAConst::TAU2_DL:
+        DLEstimator();
+        break;
+    case MAConst::TAU2_SJ:
+        SJEstimator();
+        break;
+    case MAConst::TAU2_ML:
+        Tau2IterEstimation([this] { return MLStep(); });
+        break;
+    case MAConst::TAU2_REML:
+        Tau2IterEstimation([this] { return REMLStep(); });
+        break;
+    case MAConst::TAU2_EB:
+        Tau2IterEstimation([this] { return EBStep(); });
+        break;
+    default:
+        break;
+    }
+    return status_;
+}
+
+void MATAU2ESTIMATIOR::CalcMeanES()
+{
+    double sum = 0.0;
+    for (const double y : *effectSizes_)
+        sum += y;
+    meanEffectSize_ = studyCount_ < 1 ? 0.0 : sum / static_cast<double>(studyCount_);
+}
+
+/// The weights of the mean carry the factor t, which cancels but keeps them of order 1 for any t > 0.
+MATAU2ESTIMATIOR::WeightedMean MATAU2ESTIMATIOR::CalcEstES(double t) const
+{
+    const double factor = t == 0.0 ? 1.0 : t;
+    const double* const y = effectSizes_->data();
+    const double* const v = variances_->data();
+    double sum = 0.0;
+    double weightedSum = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const double weight = factor / (t + v[i]);
+        sum += weight;
+        weightedSum += weight * y[i];
+    }
+    return {weightedSum / sum, sum / factor};
+}
+
+/// Expectation of the unweighted sum of squares (Hedges 1983, Psychological Bulletin 93, 388-395).
+void MATAU2ESTIMATIOR::HEEstimator()
+{
+    tau2_ = 0.0;
+    if (studyCount_ < 2)
+        return;
+    const auto k = static_cast<double>(studyCount_);
+    double residualSum = 0.0;
+    double varianceSum = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        residualSum += Square((*effectSizes_)[i] - meanEffectSize_);
+        varianceSum += (*variances_)[i];
+    }
+    tau2_ = TruncateAtZero(residualSum / (k - 1.0) - varianceSum / k);
+}
+
+/// (Q - k) / sum(1 / v) with the fixed-effect Q (Hunter and Schmidt 1990, Methods of Meta-Analysis).
+void MATAU2ESTIMATIOR::HSEstimator()
+{
+    const WeightedMean fixed = CalcEstES(0.0);
+    double q = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i)
+        q += Square((*effectSizes_)[i] - fixed.mean) / (*variances_)[i];
+    tau2_ = TruncateAtZero((q - static_cast<double>(studyCount_)) / fixed.weightSum);
+}
+
+/// (Q - (k - 1)) / c with c = sum(w) - sum(w²) / sum(w), w = 1 / v, and 0 when c is 0.
+/// DerSimonian and Laird (1986), Controlled Clinical Trials 7, 177-188.
+void MATAU2ESTIMATIOR::DLEstimator()
+{
+    const WeightedMean fixed = CalcEstES(0.0);
+    double q = 0.0;
+    double weightSum = 0.0;
+    double pairSum = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const double weight = 1.0 / (*variances_)[i];
+        q += weight * Square((*effectSizes_)[i] - fixed.mean);
+        pairSum += weight * weightSum;
+        weightSum += weight;
+    }
+    // sum(w) - sum(w²) / sum(w) as twice the sum of the products of all pairs: the difference would cancel
+    // when one weight dominates.
+    const double c = 2.0 * pairSum / weightSum;
+    tau2_ = c == 0.0 ? 0.0 : TruncateAtZero((q - (static_cast<double>(studyCount_) - 1.0)) / c);
+}
+
+/// One step from the crude variance of the effects (Sidik and Jonkman 2005, Applied Statistics 54, 367-384).
+void MATAU2ESTIMATIOR::SJEstimator()
+{
+    const auto k = static_cast<double>(studyCount_);
+    double crude = 0.0;
+    for (const double y : *effectSizes_)
+        crude += Square(y - meanEffectSize_);
+    crude /= k;
+
+    const WeightedMean weighted = CalcEstES(crude);
+    double sum = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i)
+        sum += Square((*effectSizes_)[i] - weighted.mean) * crude / (crude + (*variances_)[i]);
+    tau2_ = studyCount_ == 1 ? 0.0 : TruncateAtZero(sum / (k - 1.0));
+}
+
+double MATAU2ESTIMATIOR::MLStep() const
+{
+    const double mean = CalcEstES(tau2_).mean;
+    double w1 = 0.0;
+    double w2 = 0.0;
+    double residualSum = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const double weight = 1.0 / (tau2_ + (*variances_)[i]);
+        w1 += weight;
+        w2 += weight * weight;
+        residualSum += Square(weight * ((*effectSizes_)[i] - mean));
+    }
+    return (residualSum - w1) / w2;
+}
+
+/// (y'PPy - tr P) / tr PP with P = W - W 1 1' W / sum(w): tr P = sum((1 - h) w), and
+/// tr PP = sum((1 - 2h) w²) + (sum(w²) / sum(w))², h = w / sum(w).
+double MATAU2ESTIMATIOR::REMLStep() const
+{
+    const WeightedMean weighted = CalcEstES(tau2_);
+    const double inverseSum = 1.0 / weighted.weightSum;
+    const double* const y = effectSizes_->data();
+    const double* const v = variances_->data();
+    double traceP = 0.0;
+    double tracePP = 0.0;
+    double w2 = 0.0;
+    double residualSum = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const double weight = 1.0 / (tau2_ + v[i]);
+        const double leverage = weight * inverseSum;
+        const double squaredWeight = weight * weight;
+        traceP += (1.0 - leverage) * weight;
+        tracePP += (1.0 - 2.0 * leverage) * squaredWeight;
+        w2 += squaredWeight;
+        residualSum += squaredWeight * Square(y[i] - weighted.mean);
+    }
+    tracePP += Square(w2 * inverseSum);
+    return tracePP == 0.0 ? 0.0 : (residualSum - traceP) / tracePP;
+}
+
+/// Morris (1983), Journal of the American Statistical Association 78, 47-55.
+double MATAU2ESTIMATIOR::EBStep() const
+{
+    const auto k = static_cast<double>(studyCount_);
+    const double mean = CalcEstES(tau2_).mean;
+    double weightSum = 0.0;
+    double residualSum = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const double weight = 1.0 / (tau2_ + (*variances_)[i]);
+        weightSum += weight;
+        residualSum += weight * Square((*effectSizes_)[i] - mean);
+    }
+    return (k / (k - nonRedundantCount_) * residualSum - k) / weightSum;
+}
+
+/// Scoring from the Hedges estimate. Ends at the iteration limit, below the tolerance (that last small
+/// step is not taken), or when no halving makes the step usable, which a NaN or infinite one never is.
+template <class Step>
+void MATAU2ESTIMATIOR::Tau2IterEstimation(Step stepAt)
+{
+    HEEstimator();
+    for (int iteration = 0; iteration < maxIter_; ++iteration) {
+        const double step = stepAt();
+        if (tolerance_ > std::abs(step) || !TakeStep(step))
+            return;
+    }
+}
+
+/// Moves tau² by the step, halved until tau² stays >= 0, at most one time more than the limit. False, and
+/// tau² unchanged, when that does not help.
+bool MATAU2ESTIMATIOR::TakeStep(double step)
+{
+    double fraction = step;
+    for (int halvings = 0; std::isfinite(fraction); ++halvings) {
+        const double candidate = tau2_ + fraction;
+        if (candidate >= 0.0) {
+            tau2_ = candidate;
+            return true;
+        }
+        if (halvings > maxStepHalving_)
+            return false;
+        fraction *= 0.5;
+    }
+    return false;
+}
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,29 @@
+#pragma once
+
+#include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <new>
+#include <utility>
+
+namespace MA_NAMESPACE {
+
+/// The library's boundary for exceptions: runs `operation`, turns what it throws into an error, and stores
+/// that error as the object's status.
+///
+/// The library's own code throws only when memory runs out. Any other exception comes from an object of
+/// the host (an iterator, a listener, a display sink) and is reported as a failure of its data.
+template <class Operation>
+KXStatus Guarded(KXStatus& stored, Operation&& operation) noexcept
+{
+    try {
+        return std::forward<Operation>(operation)();
+    } catch (const std::bad_alloc&) {
+        stored = KXStatus(MAStatusCode::OUT_OF_MEMORY);
+    } catch (...) {
+        stored = KXStatus(MAStatusCode::ITERATOR_FAILED);
+    }
+    return stored;
+}
+
+} // namespace MA_NAMESPACE

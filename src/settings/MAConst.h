@@ -1,0 +1,134 @@
+#pragma once
+
+/// Enumerations of the settings. The numeric values are fixed: hosts store and pass them as numbers.
+/// Every enumeration has the underlying type int, so that a value outside the list is well defined;
+/// what an operation does with one is said there.
+namespace MAConst {
+
+enum OUTCOMETYPE : int
+{
+    OUTCOME_BINARY = 0,
+    OUTCOME_CONTINUOUS = 1
+};
+
+enum INPUTESTYPE : int
+{
+    INPUT_RAW = 0,       ///< effect sizes are computed from the raw study data
+    INPUT_READY_MADE = 1 ///< effect sizes and their variances or standard errors are read from the data
+};
+
+enum WEIGHTYPE : int
+{
+    WEIGHT_INVERSE_VARIANCE = 0,
+    WEIGHT_BINARY_FIXED = 1 ///< Mantel-Haenszel, or Peto for the Peto odds ratio
+};
+
+enum MODELTYPE : int
+{
+    MODEL_FIXED = 0,
+    MODEL_RANDOM = 1
+};
+
+/// Estimators of the between-study variance.
+enum TAU2ESTIMATOR : int
+{
+    TAU2_HE = 0,   ///< Hedges
+    TAU2_HS = 1,   ///< Hunter-Schmidt
+    TAU2_DL = 2,   ///< DerSimonian-Laird
+    TAU2_SJ = 3,   ///< Sidik-Jonkman
+    TAU2_ML = 4,   ///< maximum likelihood
+    TAU2_REML = 5, ///< restricted maximum likelihood
+    TAU2_EB = 6    ///< empirical Bayes
+};
+
+enum CONTESTYPE : int
+{
+    CONT_MEAN_DIFFERENCE = 0,
+    CONT_COHENS_D = 1,
+    CONT_HEDGES_G = 2,
+    CONT_GLASS_DELTA = 3
+};
+
+/// All but the risk difference are analysed on the log scale.
+enum BINESTYPE : int
+{
+    BIN_ODDS_RATIO = 0,
+    BIN_PETO_ODDS_RATIO = 1,
+    BIN_RISK_RATIO = 2,
+    BIN_RISK_DIFFERENCE = 3
+};
+
+enum STUDYGROUPTYPE : int
+{
+    GROUP_TREATMENT = 0,
+    GROUP_CONTROL = 1
+};
+
+/// Adjustment of the random-effects model after Knapp and Hartung.
+enum KNAPPHADJTYPE : int
+{
+    KNAPP_HARTUNG_NONE = 0,     ///< normal test and interval
+    KNAPP_HARTUNG_ADJUSTED = 1, ///< scaled variance, Student's t with k - 1 degrees of freedom
+    KNAPP_HARTUNG_TRUNCATED = 2 ///< as above, the scale factor never below 1
+};
+
+/// Which 2x2 tables receive the zero-count constant in all four cells.
+enum ZEROADJTYPE : int
+{
+    ZERO_ADJUST_EACH = 0,       ///< each table that has a zero cell
+    ZERO_ADJUST_ALL_IF_ANY = 1, ///< every table, when at least one has a zero cell
+    ZERO_ADJUST_ALL = 2,
+    ZERO_ADJUST_NONE = 3
+};
+
+/// Trim-and-fill: which studies are trimmed (their mirror images are filled in on the other side).
+enum TRIMFSIDE : int
+{
+    TRIM_SIDE_AUTO = 0,    ///< decided from the data
+    TRIM_SIDE_LARGEST = 1, ///< the largest effect sizes are trimmed
+    TRIM_SIDE_SMALLEST = 2 ///< the smallest effect sizes are trimmed
+};
+
+/// Trim-and-fill: estimator of the number of missing studies.
+enum TRIMFMETHOD : int
+{
+    TRIM_LINEAR = 0,
+    TRIM_RUN = 1,
+    TRIM_QUADRATIC = 2
+};
+
+/// Order of the studies in a cumulative analysis.
+enum SORTYPE : int
+{
+    SORT_ASCENDING = 0,
+    SORT_DESCENDING = 1
+};
+
+/// Vertical axis of the funnel plot.
+enum FunnelYType : int
+{
+    FUNNEL_STD_ERROR = 0,
+    FUNNEL_PRECISION = 1,
+    FUNNEL_VARIANCE = 2,
+    FUNNEL_INVERSE_VARIANCE = 3
+};
+
+/// Test behind the significance contours of the funnel plot.
+enum FunnelConTourTesType : int
+{
+    CONTOUR_NONE = 0,
+    CONTOUR_TWO_SIDED = 1,
+    CONTOUR_UPPER = 2,
+    CONTOUR_LOWER = 3
+};
+
+/// Regression-based small-study tests.
+enum RegBaseTestType : int
+{
+    REG_TEST_EFFECT_ON_STD_ERROR = 0,
+    REG_TEST_SCORE_VARIANCE = 1,
+    REG_TEST_SCORE_CONTROL = 2,
+    REG_TEST_EFFECT_ON_SIZE = 3
+};
+
+} // namespace MAConst

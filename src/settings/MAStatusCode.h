@@ -1,0 +1,31 @@
+#pragma once
+
+/// The numeric codes of the library's statuses: errors end the operation, warnings are recorded.
+namespace MA_NAMESPACE::MAStatusCode {
+
+// Errors.
+constexpr int LENGTH_MISMATCH = 460001;          ///< an input vector's length differs from the study count
+constexpr int PARAMETER_COUNT_MISMATCH = 460002; ///< a matrix or list has another size than the parameters
+constexpr int INPUT_NOT_GIVEN =
+    460009; ///< a required variable or input is not given, or settings are invalid
+constexpr int TOO_MANY_NONREDUNDANT = 460010; ///< more non-redundant parameters than parameters
+constexpr int ITERATOR_NOT_STARTED = 460011; ///< the record iterator cannot be positioned at its first record
+constexpr int ITERATOR_FAILED = 460012;      ///< the record iterator reports a failure
+constexpr int TOO_FEW_ROWS = 460015;         ///< no more rows than parameters
+constexpr int TAU2_FAILED = 460060;          ///< between-study variance estimation failed
+constexpr int OUT_OF_MEMORY = 460099;        ///< memory ran out; the results hold what was stored before
+
+// Warnings.
+constexpr int CONTRAST_COUNT_MISMATCH = 460037; ///< as many contrast coefficients as records were expected
+constexpr int FIXED_MODEL_WITH_CONTRAST = 460039;
+constexpr int ONE_STUDY = 460040;
+constexpr int TWO_STUDIES = 460041;
+constexpr int READY_MADE_EFFECTS = 460042;       ///< first notice; always followed by the second
+constexpr int READY_MADE_EFFECTS_AGAIN = 460043; ///< second notice
+constexpr int BINARY_FIXED_INVERSE_VARIANCE = 460044;
+constexpr int BINARY_RANDOM_EFFECTS = 460045;
+constexpr int CONTRAST_COEFFICIENT_MISSING = 460050;
+constexpr int ZERO_CELLS_IN_BOTH_ARMS = 460051; ///< and no zero-cell correction
+constexpr int STUDIES_REMOVED = 460074;         ///< after their effect sizes were computed
+
+} // namespace MA_NAMESPACE::MAStatusCode
