@@ -8,17 +8,21 @@ namespace distribution {
 
 namespace {
 
-// From here on seven terms of Stirling's series reach 3e-17.
+// From here on seven terms of Stirling's series (Abramowitz and Stegun 1964, 6.1.41) reach 3e-17.
 constexpr double seriesStart = 10.0;
+
+// Up to here u - log(1 + u) is summed. Beyond, the difference is a tenth of its terms or more, and loses less
+// than a digit.
+constexpr double cancellationLimit = 0.2;
 
 // StirlingRemainder(1/2), (1), (3/2), ... (10): whole degrees of freedom need no others below the series.
 // Computed with 40 digits.
 constexpr std::array halfIntegerRemainders = {
-    0.15342640972002734529,   0.08106146679532725822,   0.054814121051917653896,  0.041340695955409294094,
-    0.033162873519936287485,  0.027677925684998339149,  0.023746163656297495971,  0.020790672103765093112,
-    0.018488450532673185231,  0.016644691189821192163,  0.015134973221917378874,  0.013876128823070747999,
-    0.012810465242920226924,  0.011896709945891770095,  0.011104559758206917327,  0.010411265261972096497,
-    0.0097994161261588032984, 0.0092554621827127329177, 0.008768700134139385463,  0.0083305634333628712565};
+    0.15342640972002734529,   0.08106146679532725822,   0.054814121051917653896, 0.041340695955409294094,
+    0.033162873519936287485,  0.027677925684998339149,  0.023746163656297495971, 0.020790672103765093112,
+    0.018488450532673185231,  0.016644691189821192163,  0.015134973221917378874, 0.013876128823070747999,
+    0.012810465242920226924,  0.011896709945891770095,  0.011104559758206917327, 0.010411265261972096497,
+    0.0097994161261588032984, 0.0092554621827127329177, 0.008768700134139385463, 0.0083305634333628712565};
 
 double StirlingSeries(double x) noexcept
 {
@@ -34,9 +38,8 @@ double ShiftedStirlingSeries(double x) noexcept
     const double steps = std::ceil(seriesStart - x);
     const double end = x + steps;
     double product = 1.0;
-    for (double j = 0.0; j < steps; ++j) {
+    for (double j = 0.0; j < steps; ++j)
         product *= end / (x + j);
-    }
     return StirlingSeries(end) - steps + (x - 0.5) * std::log(end / x) + std::log(product);
 }
 
@@ -44,23 +47,20 @@ double ShiftedStirlingSeries(double x) noexcept
 
 double StirlingRemainder(double x) noexcept
 {
-    if (x > seriesStart) {
+    if (x > seriesStart)
         return StirlingSeries(x);
-    }
     const double halves = 2.0 * x;
-    if (halves >= 1.0 && halves == std::floor(halves)) {
+    if (halves >= 1.0 && halves == std::floor(halves))
         return halfIntegerRemainders[static_cast<std::size_t>(halves) - 1];
-    }
     return ShiftedStirlingSeries(x);
 }
 
-// log(1 + u) = 2 artanh(r) with r = u / (2 + u), and 2 r = u - r u: the leading term cancels on paper. The
-// series stops where |u| <= 0.2, that is r^2 <= 1/81, leaves terms below the rounding of the first.
+// log(1 + u) = 2 artanh(r) with r = u / (2 + u), and 2 r = u - r u: the leading term cancels on paper. With
+// r^2 <= 1/81 the eight terms kept leave nothing above rounding.
 double LogRemainder(double u) noexcept
 {
-    if (std::fabs(u) > 0.2) {
+    if (std::fabs(u) > cancellationLimit)
         return u - std::log1p(u);
-    }
     const double r = u / (2.0 + u);
     const double s = r * r;
     const double high = 1.0 / 11.0 + s * (1.0 / 13.0 + s * (1.0 / 15.0 + s / 17.0));
@@ -70,9 +70,8 @@ double LogRemainder(double u) noexcept
 
 double Deviance(double count, double expected, double difference) noexcept
 {
-    if (std::fabs(difference) < 0.2 * count) {
+    if (std::fabs(difference) < cancellationLimit * count)
         return count * LogRemainder(difference / count);
-    }
     return difference - count * std::log(expected / count);
 }
 

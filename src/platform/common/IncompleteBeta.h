@@ -2,16 +2,22 @@
 
 namespace distribution {
 
+/// A beta distribution and a point of it. The parts depend on each other; they come together because each
+/// of them is known to full relative precision only where the point is formed.
 struct BetaPoint
 {
-    double a;
-    double b;
-    double x;
-    double y;
-    double excess;
+    double a;      ///< first parameter, > 0
+    double b;      ///< second parameter, > 0
+    double x;      ///< the point, in [0, 1]
+    double y;      ///< 1 - x
+    double excess; ///< a y - b x: positive below the mean a / (a + b)
 };
 
-double BetaFraction(const BetaPoint& p) noexcept;
-double LowerBeta(const BetaPoint& p) noexcept;
+/// P(X <= x), for finite parameters.
+double LowerBeta(const BetaPoint& point) noexcept;
+
+/// P(X <= x) B(a, b) / (x^a y^b), by a continued fraction. It is fast for x below the mean, and elsewhere as
+/// long as x is not near 1.
+double BetaFraction(const BetaPoint& point) noexcept;
 
 } // namespace distribution

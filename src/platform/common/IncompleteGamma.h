@@ -2,10 +2,8 @@
 
 namespace distribution {
 
-/// P(X <= x) for a gamma variable X with shape a > 0 and scale 1; x >= 0. Both may be infinite, not together.
+/// P(X <= x) for a gamma variable X with finite shape a > 0 and scale 1; x >= 0 and finite. Accurate in
+/// relative terms down to the smallest probabilities.
 double LowerGamma(double a, double x) noexcept;
-
-/// P(X > x) for the same variable, accurate in relative terms where it is small.
-double UpperGamma(double a, double x) noexcept;
 
 } // namespace distribution

@@ -1,17 +1,108 @@
 #include "meta_analysis/platform/common/KXDistFun.h"
-#include "meta_analysis/platform/common/IncompleteGamma.h"
+
 #include "meta_analysis/platform/common/IncompleteBeta.h"
-#include <cmath>
-double KXDistFun::CdfChi(double x, double df) noexcept { return distribution::LowerGamma(df/2,x/2);}
-double KXDistFun::CdfF(double f, double d1,double d2) noexcept { 
-double a=d1/2,b=d2/2; distribution::BetaPoint p;
-if(f<=1){double r=f*a/b; p={a,b,r/(1+r),1/(1+r),a*(1-f)/(1+r)};}
-else {double g=1/f; double s=b/a*g; p={a,b,1/(1+s),s/(1+s),b*(1-f)/f/(1+s)};}
-return distribution::LowerBeta(p);}
+#include "meta_analysis/platform/common/IncompleteGamma.h"
+#include "meta_analysis/platform/common/NormalQuantile.h"
 #include "meta_analysis/platform/common/StudentT.h"
-double KXDistFun::CdfT(double t, double df) noexcept {
- double L=distribution::StudentT(df).Upper(std::fabs(t));
-return t<0?L:1-L;}
-double KXDistFun::IdfT(double, double , double,double) noexcept {return 0;}
-double KXDistFun::IdfStdNorm(double) noexcept {return 0;}
-double KXDistFun::CdfStdNorm(double z) noexcept {return std::erfc(-z*.70710678118654752440)/2;}
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+// No probability depends on where degrees of freedom lie beyond these limits, infinity included; within them
+// nothing overflows.
+constexpr double smallestDf = 1e-100;
+constexpr double largestDf = 1e100;
+constexpr double largestChi = 1e150; // beyond it no probability is left for any of these
+
+double Limited(double df) noexcept
+{
+    return std::clamp(df, smallestDf, largestDf);
+}
+
+// The point of the beta distribution with parameters df1 / 2 and df2 / 2 that belongs to f. Each side of 1
+// has its form, so that the difference from the mean keeps the digits of 1 - f.
+distribution::BetaPoint BetaPointOf(double f, double df1, double df2) noexcept
+{
+    const double a = 0.5 * df1;
+    const double b = 0.5 * df2;
+    if (f <= 1.0) {
+        const double odds = a / b * f;
+        return {a, b, odds / (1.0 + odds), 1.0 / (1.0 + odds), a * (1.0 - f) / (1.0 + odds)};
+    }
+    const double odds = b / a / f;
+    return {a, b, 1.0 / (1.0 + odds), odds / (1.0 + odds), b * (1.0 / f - 1.0) / (1.0 + odds)};
+}
+
+} // namespace
+
+// In the tail a relative error e of erfc's argument x comes out as 2 x^2 e, up to 700 roundings: the rounding
+// of z / sqrt(2) is recovered and taken out to first order.
+double KXDistFun::CdfStdNorm(double z) noexcept
+{
+    constexpr double invSqrt2 = 0.70710678118654752440;
+    constexpr double invSqrt2Low = -4.8336466567264565e-17; // what the double above leaves of 1 / sqrt(2)
+    const double x = -z * invSqrt2;
+    const double probability = 0.5 * std::erfc(x);
+    if (z > -1.0 || probability == 0.0)
+        return probability;
+    const double rounding = std::fma(-z, invSqrt2, -x) - z * invSqrt2Low;
+    return probability * (1.0 - 2.0 * x * rounding);
+}
+
+double KXDistFun::IdfStdNorm(double p) noexcept
+{
+    if (p > 0.0 && p < 1.0)
+        return distribution::NormalQuantile(p);
+    return p == 0.0 ? -infinity : p == 1.0 ? infinity : notANumber;
+}
+
+double KXDistFun::IdfNorm(double p, double mean, double sd) noexcept
+{
+    return sd > 0.0 ? mean + sd * IdfStdNorm(p) : notANumber;
+}
+
+double KXDistFun::CdfChi(double x, double df) noexcept
+{
+    if (!(df > 0.0) || std::isnan(x))
+        return notANumber;
+    if (x <= 0.0 || std::isinf(x))
+        return x > 0.0 ? 1.0 : 0.0;
+    if (df > largestDf) // all of the distribution lies closer to df than the next double
+        return x < df ? 0.0 : x > df ? 1.0 : 0.5;
+    return distribution::LowerGamma(0.5 * std::max(df, smallestDf), 0.5 * std::min(x, largestChi));
+}
+
+double KXDistFun::CdfT(double t, double df) noexcept
+{
+    if (!(df > 0.0) || std::isnan(t))
+        return notANumber;
+    if (std::isinf(df))
+        return CdfStdNorm(t);
+    const double tail = distribution::StudentT(Limited(df)).Upper(std::fabs(t));
+    return t > 0.0 ? 1.0 - tail : tail;
+}
+
+double KXDistFun::IdfT(double p, double df, double eps, double accuracy) noexcept
+{
+    if (!(df > 0.0) || std::isnan(eps) || std::isnan(accuracy))
+        return notANumber;
+    if (!(p > 0.0 && p < 1.0) || p == 0.5 || std::isinf(df))
+        return IdfStdNorm(p);
+    const distribution::StudentT student(Limited(df));
+    return p < 0.5 ? -student.UpperQuantile(p, eps, accuracy) : student.UpperQuantile(1.0 - p, eps, accuracy);
+}
+
+double KXDistFun::CdfF(double f, double df1, double df2) noexcept
+{
+    if (!(df1 > 0.0) || !(df2 > 0.0) || std::isnan(f))
+        return notANumber;
+    if (f <= 0.0 || std::isinf(f))
+        return f > 0.0 ? 1.0 : 0.0;
+    return distribution::LowerBeta(BetaPointOf(f, Limited(df1), Limited(df2)));
+}

@@ -4,8 +4,11 @@
 
 /// Probability distributions: distribution functions (Cdf...) and quantiles (Idf...).
 ///
-/// Outside a function's domain, and for a NaN argument, the result is NaN. No function allocates,
-/// throws or loops without bound. Measured accuracy: docs/accuracy.md.
+/// Outside a function's domain, and for a NaN argument, the result is NaN; infinite arguments give the
+/// limits. Degrees of freedom need not be whole. Small probabilities are accurate in relative terms: an
+/// upper tail is best taken as the lower tail of the mirrored argument, -z, -t, or 1 / f with df1 and df2
+/// exchanged. No function allocates, throws, keeps state or loops without bound. Measured accuracy:
+/// docs/accuracy.md.
 class META_ANALYSIS_EXPORT KXDistFun
 {
 public:
@@ -21,12 +24,12 @@ public:
     /// P(X <= x) for a chi-square X with df > 0 degrees of freedom; 0 for x <= 0.
     static double CdfChi(double x, double df) noexcept;
 
-    /// P(T <= t) for Student's t with df > 0 degrees of freedom (not necessarily whole).
+    /// P(T <= t) for Student's t with df > 0 degrees of freedom.
     static double CdfT(double t, double df) noexcept;
 
-    /// t with P(T <= t) = p, for p in [0, 1] and df > 0. `accuracy` is the relative step at which the
-    /// iteration stops, `eps` the absolute one (for quantiles at 0); both are bounded below by what a
-    /// double resolves.
+    /// t with P(T <= t) = p, for p in [0, 1] and df > 0; infinite at 0 and 1, and where no double is as
+    /// large. Iterates until the estimated error is at most `accuracy` in relative or `eps` in absolute
+    /// terms, or down to rounding where they ask for more. The error is usually far below the one asked for.
     static double IdfT(double p, double df, double eps = 1e-20, double accuracy = 1e-12) noexcept;
 
     /// P(F <= f) for an F distribution with df1 > 0 and df2 > 0; 0 for f <= 0.

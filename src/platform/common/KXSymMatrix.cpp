@@ -66,21 +66,16 @@ bool KXSymMatrix::UpdateXX(const std::vector<double>& x, double w) noexcept
 {
     if (x.size() != size_)
         return false;
-    double* element = elements_.data();
-    for (std::size_t i = 0; i < size_; ++i) {
-        const double weighted = w * x[i];
-        for (std::size_t j = 0; j <= i; ++j)
-            *element++ += weighted * x[j];
-    }
+    UpdateXX(x.data(), w);
     return true;
 }
 
 // The tolerance alone would let a redundant column pass whose values are small beside those it is computed
-// from: years since 1964 after an intercept and the years themselves have a residual of pure rounding error,
-// yet 1e-10 of their own sum of squares. So the magnitude of the numbers that a column's elements are
-// computed from is carried along. An error of a_ij in proportion to m_i m_j stays so in a sweep, since
-//     a_ij - b_i a_jk - b_j a_ik + b_i b_j a_kk   with b = a_.k / a_kk
-// has one in proportion to (m_i + |b_i| m_k) (m_j + |b_j| m_k).
+// from: years since 1964, after an intercept and the years themselves, have a residual of pure rounding
+// error, yet up to 1e-10 of their own sum of squares. So each column carries the magnitude m of the numbers
+// that it is computed from. If the error e_ij of a_ij is in proportion to m_i m_j, then after a sweep it is,
+// to first order and with b_i = a_ik / a_kk,
+//     e_ij - b_i e_jk - b_j e_ik + b_i b_j e_kk,   in proportion to (m_i + |b_i| m_k) (m_j + |b_j| m_k).
 void KXSymMatrix::SweepOnMany(const std::vector<std::size_t>& columns, double tolerance, KXBitSet& swept)
 {
     swept = KXBitSet(PredictorCount());
@@ -230,17 +225,7 @@ void KXSymMatrix::MultiplyTransposeByLowerTriangle() noexcept
 
 double KXSymMatrix::QuadraticForm(const std::vector<double>& v) const noexcept
 {
-    if (v.size() != size_)
-        return KXMV::Missing();
-    double form = 0.0;
-    for (std::size_t i = 0; i < size_; ++i) {
-        const double* row = Row(i);
-        double below = 0.0;
-        for (std::size_t j = 0; j < i; ++j)
-            below += row[j] * v[j];
-        form += v[i] * (2.0 * below + row[i] * v[i]);
-    }
-    return form;
+    return v.size() == size_ ? QuadraticForm(v.data()) : KXMV::Missing();
 }
 
 void KXSymMatrix::Multiply(const std::vector<double>& v, std::vector<double>& product) const noexcept

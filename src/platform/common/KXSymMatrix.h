@@ -39,12 +39,23 @@ public:
     /// Cost: (p + 1)(p + 2) / 2 multiplications and additions, no allocation.
     bool UpdateXX(const std::vector<double>& x, double w) noexcept;
 
+    /// The same for the Size() values at `x`: for rows that lie in one block.
+    void UpdateXX(const double* x, double w) noexcept
+    {
+        double* element = elements_.data();
+        for (std::size_t i = 0; i < size_; ++i) {
+            const double weighted = w * x[i];
+            for (std::size_t j = 0; j <= i; ++j)
+                *element++ += weighted * x[j];
+        }
+    }
+
     /// Sweeps the predictors `columns` in the order given; `swept` is set to those that could be.
     ///
     /// A column is swept when its pivot, the residual sum of squares of the column on those swept before,
     /// is above `tolerance` times the column's diagonal element before any sweep, and above the rounding
-    /// error of its computation. A column given twice is swept once; the
-    /// dependent and positions outside the matrix are not swept. Cost: O(p²) a column.
+    /// error of its computation. A column given twice is swept once; the dependent and positions outside
+    /// the matrix are not swept. Cost: O(p²) a column.
     /// Goodnight (1979), The American Statistician 33, 149-158.
     void SweepOnMany(const std::vector<std::size_t>& columns, double tolerance, KXBitSet& swept);
 
@@ -65,6 +76,20 @@ public:
 
     /// v'Sv; missing when v has another length than the matrix. No allocation.
     double QuadraticForm(const std::vector<double>& v) const noexcept;
+
+    /// The same for the Size() values at `v`.
+    double QuadraticForm(const double* v) const noexcept
+    {
+        const double* element = elements_.data();
+        double form = 0.0;
+        for (std::size_t i = 0; i < size_; ++i) {
+            double below = 0.0;
+            for (std::size_t j = 0; j < i; ++j)
+                below += *element++ * v[j];
+            form += v[i] * (2.0 * below + *element++ * v[i]);
+        }
+        return form;
+    }
 
     /// outer * inner * outer, of the size of both; empty when the sizes differ. Cost: O(size³), two columns
     /// of workspace.
