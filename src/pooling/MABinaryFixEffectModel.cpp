@@ -90,37 +90,11 @@ KXStatus MABinaryFixEffectModel::ComputeEffectSizeStatistics()
 
 KXStatus MABinaryFixEffectModel::ComputeStatistics()
 {
-    FixNullHypothesis();
     if (ComputeStudyEffects().IsError())
         return status_;
     weights_.resize(studyCount_, KXMV::Missing());
-    switch (method_) {
-    case MAConst::BIN_ODDS_RATIO:
-        EstimateOREffectSizeStats();
-        break;
-    case MAConst::BIN_PETO_ODDS_RATIO:
-        EstimatePOREffectSizeStats();
-        break;
-    case MAConst::BIN_RISK_RATIO:
-        EstimateRREffectSizeStats();
-        break;
-    case MAConst::BIN_RISK_DIFFERENCE:
-        EstimateRDEffectSizeStats();
-        break;
-    default:
-        break;
-    }
+    WithBinaryPooling(method_, [this](auto pooling) { EstimateBy(pooling); });
     return status_;
-}
-
-/// A null value that cannot be meant for the method is taken as "no effect".
-void MABinaryFixEffectModel::FixNullHypothesis()
-{
-    const bool isDifference = method_ == MAConst::BIN_RISK_DIFFERENCE;
-    if (nullHypothesis_ == 0.0 && !isDifference)
-        nullHypothesis_ = 1.0;
-    else if (nullHypothesis_ == 1.0 && isDifference)
-        nullHypothesis_ = 0.0;
 }
 
 KXStatus MABinaryFixEffectModel::ComputeStudyEffects()
@@ -140,69 +114,44 @@ KXStatus MABinaryFixEffectModel::ComputeStudyEffects()
     return status_;
 }
 
-void MABinaryFixEffectModel::EstimateOREffectSizeStats()
-{
-    EstimateBy<MAOddsRatioPooling>();
-}
-
-void MABinaryFixEffectModel::EstimatePOREffectSizeStats()
-{
-    EstimateBy<MAPetoPooling>();
-}
-
-void MABinaryFixEffectModel::EstimateRREffectSizeStats()
-{
-    EstimateBy<MARiskRatioPooling>();
-}
-
-void MABinaryFixEffectModel::EstimateRDEffectSizeStats()
-{
-    EstimateBy<MARiskDifferencePooling>();
-}
-
 template <class Pooling>
-void MABinaryFixEffectModel::EstimateBy()
+void MABinaryFixEffectModel::EstimateBy(Pooling pooling)
 {
-    Pooling pooling;
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const MATable table = TableOf(i);
         weights_[i] = Pooling::Weight(table);
         pooling.Add(table);
     }
     const double quantile = TwoSidedNormalQuantile(alpha_);
-    if constexpr (Pooling::onLogScale)
-        StoreLogScaleEstimate(pooling.Estimate(), pooling.Variance(), quantile);
-    else
-        StoreNaturalScaleEstimate(pooling.Estimate(), pooling.Variance(), quantile);
+    StoreEstimate(pooling, quantile);
     if (studyCount_ >= 2)
         TestHomogeneity<Pooling>(pooling.Estimate(), quantile);
 }
 
-MABinaryFixEffectModel::Scale MABinaryFixEffectModel::TestedScale(double estimate, double variance,
-                                                                  double nullValue, double quantile)
+/// The natural scale of a ratio follows from the log scale. Of the risk difference, the log members receive
+/// the logs of the natural values, NaN for a negative one.
+template <class Pooling>
+void MABinaryFixEffectModel::StoreEstimate(const Pooling& pooling, double quantile)
 {
-    const double stdError = std::sqrt(variance);
-    zValue_ = (estimate - nullValue) / stdError;
-    significance_ = TwoSidedNormalSignificance(zValue_);
-    return {estimate, variance, stdError, estimate + quantile * stdError, estimate - quantile * stdError};
-}
-
-void MABinaryFixEffectModel::StoreLogScaleEstimate(double estimate, double variance, double quantile)
-{
-    log_ = TestedScale(estimate, variance, std::log(nullHypothesis_), quantile);
-    natural_.estimate = std::exp(log_.estimate);
-    natural_.variance = std::exp(log_.variance);
-    natural_.stdError = std::sqrt(natural_.variance);
-    natural_.ciUpper = std::exp(log_.ciUpper);
-    natural_.ciLower = std::exp(log_.ciLower);
-}
-
-/// The log members receive the logs of the natural values, NaN for a negative one.
-void MABinaryFixEffectModel::StoreNaturalScaleEstimate(double estimate, double variance, double quantile)
-{
-    natural_ = TestedScale(estimate, variance, nullHypothesis_, quantile);
-    log_ = {std::log(natural_.estimate), std::log(natural_.variance), std::log(natural_.stdError),
-            std::log(natural_.ciUpper), std::log(natural_.ciLower)};
+    const double estimate = pooling.Estimate();
+    const double variance = pooling.Variance();
+    const MANormalInference inference =
+        InferNormal(estimate, variance, NullOnTestScale<Pooling>(nullHypothesis_), quantile);
+    zValue_ = inference.zValue;
+    significance_ = inference.significance;
+    const Scale tested = {estimate, variance, inference.stdError, inference.ciUpper, inference.ciLower};
+    if constexpr (Pooling::onLogScale) {
+        log_ = tested;
+        natural_.estimate = std::exp(log_.estimate);
+        natural_.variance = std::exp(log_.variance);
+        natural_.stdError = std::sqrt(natural_.variance);
+        natural_.ciUpper = std::exp(log_.ciUpper);
+        natural_.ciLower = std::exp(log_.ciLower);
+    } else {
+        natural_ = tested;
+        log_ = {std::log(natural_.estimate), std::log(natural_.variance), std::log(natural_.stdError),
+                std::log(natural_.ciUpper), std::log(natural_.ciLower)};
+    }
 }
 
 template <class Pooling>
@@ -227,43 +176,14 @@ KXStatus MABinaryFixEffectModel::ContrastTest()
     if (!HasCounts() || !HaveLength(studyCount_, &studyEffects_, contrastCoefficients_))
         return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
     return Guarded(status_, [this] {
-        switch (method_) {
-        case MAConst::BIN_ODDS_RATIO:
-            return ContrastTestOR();
-        case MAConst::BIN_PETO_ODDS_RATIO:
-            return ContrastTestPOR();
-        case MAConst::BIN_RISK_RATIO:
-            return ContrastTestRR();
-        case MAConst::BIN_RISK_DIFFERENCE:
-            return ContrastTestRD();
-        default:
-            return status_;
-        }
+        KXStatus result = status_;
+        WithBinaryPooling(method_, [&](auto pooling) { result = ContrastTestBy(pooling); });
+        return result;
     });
 }
 
-KXStatus MABinaryFixEffectModel::ContrastTestOR()
-{
-    return ContrastTestBy<MAOddsRatioPooling>();
-}
-
-KXStatus MABinaryFixEffectModel::ContrastTestPOR()
-{
-    return ContrastTestBy<MAPetoPooling>();
-}
-
-KXStatus MABinaryFixEffectModel::ContrastTestRR()
-{
-    return ContrastTestBy<MARiskRatioPooling>();
-}
-
-KXStatus MABinaryFixEffectModel::ContrastTestRD()
-{
-    return ContrastTestBy<MARiskDifferencePooling>();
-}
-
 template <class Pooling>
-KXStatus MABinaryFixEffectModel::ContrastTestBy()
+KXStatus MABinaryFixEffectModel::ContrastTestBy(Pooling /*method*/)
 {
     if (contrastEffects_.size() != studyCount_)
         PrepareContrastTerms<Pooling>();

@@ -116,25 +116,15 @@ private:
     MATable TableOf(std::size_t study) const;
     KXStatus ComputeStatistics();
     KXStatus ComputeStudyEffects();
-    void FixNullHypothesis();
-    void EstimateOREffectSizeStats();
-    void EstimatePOREffectSizeStats();
-    void EstimateRREffectSizeStats();
-    void EstimateRDEffectSizeStats();
     template <class Pooling>
-    void EstimateBy();
-    Scale TestedScale(double estimate, double variance, double nullValue, double quantile);
-    void StoreLogScaleEstimate(double estimate, double variance, double quantile);
-    void StoreNaturalScaleEstimate(double estimate, double variance, double quantile);
+    void EstimateBy(Pooling pooling);
+    template <class Pooling>
+    void StoreEstimate(const Pooling& pooling, double quantile);
     template <class Pooling>
     void TestHomogeneity(double pooled, double quantile);
 
-    KXStatus ContrastTestOR();
-    KXStatus ContrastTestPOR();
-    KXStatus ContrastTestRR();
-    KXStatus ContrastTestRD();
     template <class Pooling>
-    KXStatus ContrastTestBy();
+    KXStatus ContrastTestBy(Pooling method);
     template <class Pooling>
     void PrepareContrastTerms();
 

@@ -2,6 +2,7 @@
 
 #include "meta_analysis/effectsize/MATable.h"
 #include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/settings/MAConst.h"
 
 #include <cmath>
 
@@ -129,5 +130,39 @@ private:
     double excess_ = 0.0;
     double variance_ = 0.0;
 };
+
+/// Calls `use` with empty running sums of the method for the effect size; does nothing for a value outside
+/// the enumeration.
+template <class Use>
+void WithBinaryPooling(MAConst::BINESTYPE effect, Use&& use)
+{
+    switch (effect) {
+    case MAConst::BIN_ODDS_RATIO:
+        use(MAOddsRatioPooling());
+        break;
+    case MAConst::BIN_PETO_ODDS_RATIO:
+        use(MAPetoPooling());
+        break;
+    case MAConst::BIN_RISK_RATIO:
+        use(MARiskRatioPooling());
+        break;
+    case MAConst::BIN_RISK_DIFFERENCE:
+        use(MARiskDifferencePooling());
+        break;
+    default:
+        break;
+    }
+}
+
+/// The null value on the scale of the test. On the natural scale 0 is no value for a ratio, nor 1 for a
+/// difference: each is taken as the other, "no effect".
+template <class Pooling>
+double NullOnTestScale(double nullHypothesis)
+{
+    if constexpr (Pooling::onLogScale)
+        return std::log(nullHypothesis == 0.0 ? 1.0 : nullHypothesis);
+    else
+        return nullHypothesis == 1.0 ? 0.0 : nullHypothesis;
+}
 
 } // namespace MA_NAMESPACE

@@ -67,15 +67,16 @@ void MAContinousFixEffectModel::PoolEffectSizes()
     }
     variance_ = 1.0 / weightSum;
     mean_ = weightedSum / weightSum;
-    stdError_ = std::sqrt(variance_);
 }
 
 void MAContinousFixEffectModel::TestMean(double quantile)
 {
-    zValue_ = (mean_ - nullHypothesis_) / stdError_;
-    significance_ = TwoSidedNormalSignificance(zValue_);
-    ciUpper_ = mean_ + quantile * stdError_;
-    ciLower_ = mean_ - quantile * stdError_;
+    const MANormalInference inference = InferNormal(mean_, variance_, nullHypothesis_, quantile);
+    stdError_ = inference.stdError;
+    zValue_ = inference.zValue;
+    significance_ = inference.significance;
+    ciUpper_ = inference.ciUpper;
+    ciLower_ = inference.ciLower;
 }
 
 void MAContinousFixEffectModel::TestHomogeneity(double quantile)

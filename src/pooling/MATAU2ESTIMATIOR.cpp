@@ -1,25 +1,12 @@
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
 
 #include "meta_analysis/effectsize/MAInputCheck.h"
+#include "meta_analysis/pooling/MATau2Steps.h"
+#include "meta_analysis/settings/Guarded.h"
 
 #include <cmath>
 
 namespace MA_NAMESPACE {
-
-namespace {
-
-/// What is not greater than 0, a NaN included, becomes 0.
-double TruncateAtZero(double tau2)
-{
-    return tau2 > 0.0 ? tau2 : 0.0;
-}
-
-double Square(double x)
-{
-    return x * x;
-}
-
-} // namespace
 
 /// Mean of the effect sizes with weights 1 / (v + t), and the sum of these weights.
 struct MATAU2ESTIMATIOR::WeightedMean
@@ -69,6 +56,11 @@ KXStatus MATAU2ESTIMATIOR::ComputeTau2Variance(MAConst::TAU2ESTIMATOR type)
 {
     if (status_.IsError())
         return status_;
+    return Guarded(status_, [&] { return UsesRegression() ? ComputeRegression(type) : ComputePlain(type); });
+}
+
+KXStatus MATAU2ESTIMATIOR::ComputePlain(MAConst::TAU2ESTIMATOR type)
+{
     if (effectSizes_ == nullptr || variances_ == nullptr)
         return status_ = KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
     if (!HaveLength(studyCount_, effectSizes_, variances_))
@@ -89,13 +81,10 @@ KXStatus MATAU2ESTIMATIOR::ComputeTau2Variance(MAConst::TAU2ESTIMATOR type)
         SJEstimator();
         break;
     case MAConst::TAU2_ML:
-        Tau2IterEstimation([this] { return MLStep(); });
-        break;
     case MAConst::TAU2_REML:
-        Tau2IterEstimation([this] { return REMLStep(); });
-        break;
     case MAConst::TAU2_EB:
-        Tau2IterEstimation([this] { return EBStep(); });
+        HEEstimator();
+        Tau2IterEstimation(type, [this] { return PlainSums(); });
         break;
     default:
         break;
@@ -189,72 +178,31 @@ void MATAU2ESTIMATIOR::SJEstimator()
     tau2_ = studyCount_ == 1 ? 0.0 : TruncateAtZero(sum / (k - 1.0));
 }
 
-double MATAU2ESTIMATIOR::MLStep() const
-{
-    const double mean = CalcEstES(tau2_).mean;
-    double w1 = 0.0;
-    double w2 = 0.0;
-    double residualSum = 0.0;
-    for (std::size_t i = 0; i < studyCount_; ++i) {
-        const double weight = 1.0 / (tau2_ + (*variances_)[i]);
-        w1 += weight;
-        w2 += weight * weight;
-        residualSum += Square(weight * ((*effectSizes_)[i] - mean));
-    }
-    return (residualSum - w1) / w2;
-}
-
-/// (y'PPy - tr P) / tr PP with P = W - W 1 1' W / sum(w): tr P = sum((1 - h) w), and
-/// tr PP = sum((1 - 2h) w²) + (sum(w²) / sum(w))², h = w / sum(w).
-double MATAU2ESTIMATIOR::REMLStep() const
+MATAU2ESTIMATIOR::StepSums MATAU2ESTIMATIOR::PlainSums() const
 {
     const WeightedMean weighted = CalcEstES(tau2_);
     const double inverseSum = 1.0 / weighted.weightSum;
     const double* const y = effectSizes_->data();
     const double* const v = variances_->data();
-    double traceP = 0.0;
-    double tracePP = 0.0;
-    double w2 = 0.0;
-    double residualSum = 0.0;
+    StepSums sums;
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const double weight = 1.0 / (tau2_ + v[i]);
-        const double leverage = weight * inverseSum;
-        const double squaredWeight = weight * weight;
-        traceP += (1.0 - leverage) * weight;
-        tracePP += (1.0 - 2.0 * leverage) * squaredWeight;
-        w2 += squaredWeight;
-        residualSum += squaredWeight * Square(y[i] - weighted.mean);
+        sums.Add(weight, y[i] - weighted.mean, weight * inverseSum);
     }
-    tracePP += Square(w2 * inverseSum);
-    return tracePP == 0.0 ? 0.0 : (residualSum - traceP) / tracePP;
+    sums.squaredHatTrace = Square(sums.w2 * inverseSum);
+    return sums;
 }
 
-/// Morris (1983), Journal of the American Statistical Association 78, 47-55.
-double MATAU2ESTIMATIOR::EBStep() const
+/// ML: the score of the profile likelihood over its information. REML: (y'PPy - tr P) / tr PP with
+/// P = W - WX(X'WX)⁻X'W. EB: Morris (1983), Journal of the American Statistical Association 78, 47-55.
+double MATAU2ESTIMATIOR::StepFrom(const StepSums& sums, MAConst::TAU2ESTIMATOR type) const
 {
-    const auto k = static_cast<double>(studyCount_);
-    const double mean = CalcEstES(tau2_).mean;
-    double weightSum = 0.0;
-    double residualSum = 0.0;
-    for (std::size_t i = 0; i < studyCount_; ++i) {
-        const double weight = 1.0 / (tau2_ + (*variances_)[i]);
-        weightSum += weight;
-        residualSum += weight * Square((*effectSizes_)[i] - mean);
-    }
-    return (k / (k - nonRedundantCount_) * residualSum - k) / weightSum;
-}
-
-/// Scoring from the Hedges estimate. Ends at the iteration limit, below the tolerance (that last small
-/// step is not taken), or when no halving makes the step usable, which a NaN or infinite one never is.
-template <class Step>
-void MATAU2ESTIMATIOR::Tau2IterEstimation(Step stepAt)
-{
-    HEEstimator();
-    for (int iteration = 0; iteration < maxIter_; ++iteration) {
-        const double step = stepAt();
-        if (tolerance_ > std::abs(step) || !TakeStep(step))
-            return;
-    }
+    if (type == MAConst::TAU2_ML)
+        return (sums.w2r2 - sums.w1) / sums.w2;
+    if (type == MAConst::TAU2_EB)
+        return (sums.count / (sums.count - nonRedundantCount_) * sums.wr2 - sums.count) / sums.w1;
+    const double tracePP = sums.residualSquares + sums.squaredHatTrace;
+    return tracePP == 0.0 ? 0.0 : (sums.w2r2 - sums.residualTrace) / tracePP;
 }
 
 /// Moves tau² by the step, halved until tau² stays >= 0, at most one time more than the limit. False, and

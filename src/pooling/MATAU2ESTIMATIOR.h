@@ -9,17 +9,26 @@
 
 namespace MA_NAMESPACE {
 
-/// Between-study variance tau² of k effect sizes y with within-study variances v.
+class MADesignMatrix;
+class MARegFit;
+
+/// Between-study variance tau² of k effect sizes y with within-study variances v, or the residual one of a
+/// meta-regression.
 ///
-/// Needs effect sizes and variances (k each; variances in the square of the effects' scale). The vectors
-/// are the caller's and must outlive the object. Hedges (HE), Hunter-Schmidt (HS), DerSimonian-Laird (DL)
+/// Plain path: effect sizes and variances are set (k each; variances in the square of the effects' scale).
+/// Regression path: a design matrix with its rows in memory and the coefficients of a fit are set, for Hedges
+/// and DerSimonian-Laird the leverages of the same fit, for Sidik-Jonkman its weights. What is pointed to is
+/// the caller's and must outlive the object.
+///
+/// Hedges (HE), Hunter-Schmidt (HS), DerSimonian-Laird (DL)
 /// and Sidik-Jonkman (SJ) are closed forms, truncated at 0. Maximum likelihood (ML), restricted maximum
 /// likelihood (REML) and empirical Bayes (EB) start from the Hedges estimate, take scoring steps, halve a
 /// step that would leave tau² negative, and stop when |step| < tolerance. Reaching the iteration limit is
 /// not reported: the last value stands. Very homogeneous data can end at a tiny positive value.
 ///
-/// Cost: O(k) an iteration, no allocation. An object may be used again with another estimator.
-/// Viechtbauer (2005), Journal of Educational and Behavioral Statistics 30, 261-293.
+/// Cost: O(k) an iteration without allocation; O(k p²) with a design matrix of p columns. An object may be
+/// used again with another estimator. Viechtbauer (2005), Journal of Educational and Behavioral Statistics
+/// 30, 261-293.
 ///
 /// The status is sticky: after an error every setter and the computation do nothing and return it.
 class META_ANALYSIS_EXPORT MATAU2ESTIMATIOR
@@ -33,16 +42,24 @@ public:
     /// Study vectors. The first fixes k; error 460001 for another length.
     KXStatus SetEffectSizes(const std::vector<double>* effectSizes);
     KXStatus SetVariances(const std::vector<double>* variances);
-    /// Number of mean parameters p that the data are adjusted for: 1, the mean. Error 460010 above the
-    /// parameter count.
+    /// Design matrix; its columns are the parameters. Error 460002 when their number contradicts the
+    /// coefficients. Set it before the three that follow.
+    KXStatus SetDesignMatrix(const MADesignMatrix* design);
+    /// Coefficients of a fit, one per parameter, missing ones redundant; copied. Error 460002.
+    KXStatus SetRegCoef(const std::vector<double>* coefficients);
+    /// Leverages of the same fit, one per row; copied.
+    KXStatus SetDiagH(const std::vector<double>* leverages);
+    /// Number of parameters p that are not redundant; 1, the mean, without a design matrix. Error 460010
+    /// above the parameter count.
     KXStatus SetNonRedundantParamSize(int size);
     /// Limits of the iterative estimators. With a limit below 1 they return the Hedges estimate.
     KXStatus SetMaxIter(int maxIter);
     KXStatus SetMaxStepHalving(int maxStepHalving);
     KXStatus SetConverTol(double tolerance);
 
-    /// Runs an estimator; a value outside the enumeration does nothing. Errors: 460009 effect sizes or
-    /// variances are not given, 460001 their lengths differ.
+    /// Runs an estimator; a value outside the enumeration does nothing. Errors: 460009 the estimator's inputs
+    /// are not given, or differ in length from the rows; 460001 effect sizes and variances differ in length;
+    /// 460012 the design matrix is not ready, or the host cancels; 460015 no more rows than parameters.
     KXStatus ComputeTau2Variance(MAConst::TAU2ESTIMATOR type);
 
     /// tau² >= 0 of the last computation; -1.0 before it and after an error.
@@ -50,6 +67,12 @@ public:
 
 private:
     struct WeightedMean;
+    struct StepSums;
+
+    KXStatus StoreParameterCount(int count);
+    bool UsesRegression() const { return design_ != nullptr && !coefficients_.empty(); }
+    KXStatus ComputePlain(MAConst::TAU2ESTIMATOR type);
+    KXStatus ComputeRegression(MAConst::TAU2ESTIMATOR type);
 
     void CalcMeanES();
     WeightedMean CalcEstES(double t) const;
@@ -57,16 +80,29 @@ private:
     void HSEstimator();
     void DLEstimator();
     void SJEstimator();
-    double MLStep() const;
-    double REMLStep() const;
-    double EBStep() const;
-    template <class Step>
-    void Tau2IterEstimation(Step stepAt);
+    StepSums PlainSums() const;
+
+    double XBETA(const double* row) const;
+    double ResidualOf(std::size_t row) const;
+    bool HasResidualDf(std::size_t rowCount);
+    void HERegEstimator();
+    void HSRegEstimator();
+    void DLRegEstimator();
+    void SJRegEstimator();
+    void IterateRegression(MAConst::TAU2ESTIMATOR type);
+    StepSums RegressionSums(MARegFit& fit, bool withHatMatrix);
+
+    double StepFrom(const StepSums& sums, MAConst::TAU2ESTIMATOR type) const;
+    template <class Sums>
+    void Tau2IterEstimation(MAConst::TAU2ESTIMATOR type, Sums sumsAtTau2);
     bool TakeStep(double step);
 
     std::size_t studyCount_ = 0;
     const std::vector<double>* effectSizes_ = nullptr;
     const std::vector<double>* variances_ = nullptr;
+    const MADesignMatrix* design_ = nullptr;
+    std::vector<double> coefficients_;
+    std::vector<double> leverages_;
     int parameterCount_ = 1;
     int nonRedundantCount_ = 1;
     int maxIter_ = 100;

@@ -131,4 +131,20 @@ enum RegBaseTestType : int
     REG_TEST_EFFECT_ON_SIZE = 3
 };
 
+/// Meta-regression: distribution of the coefficient tests and confidence intervals. Any value but 0 means
+/// the standard normal.
+enum TESTDISTTYPE : int
+{
+    TEST_STUDENT_T = 0, ///< with the residual degrees of freedom
+    TEST_STANDARD_NORMAL = 1
+};
+
+/// Meta-regression: what the omega-weight variable holds. A study's weight is the inverse of its variance.
+enum OMGWeightType : int
+{
+    OMEGA_WEIGHT = 0,
+    OMEGA_VARIANCE = 1,
+    OMEGA_STD_ERROR = 2
+};
+
 } // namespace MAConst

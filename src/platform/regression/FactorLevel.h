@@ -1,0 +1,12 @@
+#pragma once
+
+#include <limits>
+
+/// The level of a factor that a data value stands for: the nearest integer, halves upwards.
+///
+/// -1, which is the level of no factor, for a negative or missing value, a NaN, and a value beyond int.
+inline int FactorLevel(double value) noexcept
+{
+    constexpr double limit = std::numeric_limits<int>::max();
+    return value >= 0.0 && value < limit ? static_cast<int>(value + 0.5) : -1;
+}

@@ -1,0 +1,16 @@
+#include "meta_analysis/platform/regression/KXLogRegSettings.h"
+
+KXLogRegSettings::KXLogRegSettings() = default;
+KXLogRegSettings::KXLogRegSettings(const KXLogRegSettings&) = default;
+KXLogRegSettings& KXLogRegSettings::operator=(const KXLogRegSettings&) = default;
+KXLogRegSettings::~KXLogRegSettings() = default;
+
+KXConst::KXRegModelType KXLogRegSettings::GetModelType() const
+{
+    return KXConst::REG_MODEL_LINEAR;
+}
+
+KXStatus KXLogRegSettings::IsValidSettings(bool dependentRequired) const
+{
+    return dependentRequired && GetDependent() < 0 ? KXStatus(DEPENDENT_NOT_GIVEN) : KXStatus();
+}

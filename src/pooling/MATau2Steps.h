@@ -1,0 +1,60 @@
+#pragma once
+
+#include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
+
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+/// What is not greater than 0, a NaN included, becomes 0.
+inline double TruncateAtZero(double tau2)
+{
+    return tau2 > 0.0 ? tau2 : 0.0;
+}
+
+inline double Square(double x)
+{
+    return x * x;
+}
+
+/// What the iterative estimators take from the data at the current tau², with w = 1 / (v + tau²), residuals r
+/// and leverages h.
+struct MATAU2ESTIMATIOR::StepSums
+{
+    double count = 0.0;
+    double w1 = 0.0;              ///< sum(w)
+    double w2 = 0.0;              ///< sum(w²)
+    double wr2 = 0.0;             ///< sum(w r²)
+    double w2r2 = 0.0;            ///< sum(w² r²)
+    double residualTrace = 0.0;   ///< sum((1 - h) w)
+    double residualSquares = 0.0; ///< sum((1 - 2h) w²)
+    double squaredHatTrace = 0.0; ///< sum(w² g), g the diagonal of the squared hat quantity
+
+    void Add(double weight, double residual, double leverage)
+    {
+        const double weightedResidual = weight * residual;
+        const double squaredWeight = weight * weight;
+        count += 1.0;
+        w1 += weight;
+        w2 += squaredWeight;
+        wr2 += weightedResidual * residual;
+        w2r2 += weightedResidual * weightedResidual;
+        residualTrace += (1.0 - leverage) * weight;
+        residualSquares += (1.0 - 2.0 * leverage) * squaredWeight;
+    }
+};
+
+/// Scoring from the tau² that is there. Ends at the iteration limit, at an error, below the tolerance (that
+/// last small step is not taken), or when no halving makes the step usable, which a NaN or infinite one never
+/// is.
+template <class Sums>
+void MATAU2ESTIMATIOR::Tau2IterEstimation(MAConst::TAU2ESTIMATOR type, Sums sumsAtTau2)
+{
+    for (int iteration = 0; iteration < maxIter_; ++iteration) {
+        const double step = StepFrom(sumsAtTau2(), type);
+        if (status_.IsError() || tolerance_ > std::abs(step) || !TakeStep(step))
+            return;
+    }
+}
+
+} // namespace MA_NAMESPACE

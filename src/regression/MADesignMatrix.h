@@ -1,0 +1,124 @@
+#pragma once
+
+#include "meta_analysis/platform/common/Export.h"
+#include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/platform/common/MultiPassRecordIter.h"
+#include "meta_analysis/platform/regression/KXFactorCounts.h"
+#include "meta_analysis/regression/MADPStrategy.h"
+#include "meta_analysis/regression/MADataStats.h"
+#include "meta_analysis/regression/MADesignMatrixEffect.h"
+#include "meta_analysis/regression/MADesignRow.h"
+#include "meta_analysis/regression/MAOWStrategy.h"
+#include "meta_analysis/settings/MARegSettings.h"
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+/// The usable rows of a meta-regression in one contiguous block: k rows of p predictors and the dependent.
+struct MADesignRows
+{
+    std::size_t columnCount = 0; ///< p
+    std::vector<double> cells;   ///< row after row; each the p predictors, then the dependent
+    std::vector<double> weights; ///< omega weight of each row: finite and positive
+
+    std::size_t Count() const { return weights.size(); }
+    const double* Row(std::size_t i) const { return cells.data() + i * (columnCount + 1); }
+    double Dependent(std::size_t i) const { return Row(i)[columnCount]; }
+    double Variance(std::size_t i) const { return 1.0 / weights[i]; }
+};
+
+/// Turns records into the rows of a weighted regression: an intercept column where the settings ask for one,
+/// then the columns of the model effects, in order; the dependent value; and the omega weight.
+///
+/// Calling order: `ReadFirstPass` over all records (statistics, levels of the factors, then the columns are
+/// fixed), `AttachIterator`, `CacheRows`. From then on every pass of an estimation runs over `Rows()`, in
+/// memory. The settings are the host's and must outlive the object.
+///
+/// A record is usable when its dependent is there, its omega weight is positive, each factor of the settings
+/// has a level below the factor's size and each covariate of the settings is there, whether or not a model
+/// effect uses it. Warning 460031 stands for a record that is not.
+class META_ANALYSIS_EXPORT MADesignMatrix
+{
+public:
+    explicit MADesignMatrix(const MARegSettings& settings);
+    MADesignMatrix(const MADesignMatrix&) = delete;
+    MADesignMatrix& operator=(const MADesignMatrix&) = delete;
+    virtual ~MADesignMatrix();
+
+    /// Whether the model effects have variables, and all of them are factors or covariates of the settings.
+    bool HasKnownEffects() const;
+
+    /// Builds the row of a record; 460031, and the row as it was, when the record is not usable.
+    virtual KXStatus GetRow(const Record& record, MADesignRow& row, bool skipDependentAndWeight) const;
+
+    /// The row of the next record of the attached iterator, as `GetRow`; `atEnd` when there is none.
+    virtual KXStatus NextRow(MADesignRow& row, bool skipDependentAndWeight, bool& atEnd);
+
+    /// First pass: takes up one record; 460031 when it is not usable.
+    virtual KXStatus Update(const Record& record);
+
+    /// 460031 when the record is not usable. Without dependent and weight, only the predictors are checked.
+    virtual KXStatus CheckRecord(const Record& record, bool skipDependentAndWeight) const;
+
+    /// The whole first pass over a started iterator; fixes the columns at its end. Error 460012 when the
+    /// iterator fails or the host cancels. Warning 460031 when a record was not usable.
+    KXStatus ReadFirstPass(MultiPassRecordIter& records);
+
+    void AttachIterator(MultiPassRecordIter& records);
+    /// Rewinds the attached iterator; error 460012 when it cannot.
+    KXStatus Rewind();
+    /// Reads the attached iterator from its start into `Rows()`. Rows with a bad effect or without a study
+    /// are left out, with the same warning. Errors as `ReadFirstPass`.
+    KXStatus CacheRows();
+
+    /// Whether the rows are cached, so that a regression can be fitted.
+    bool IsReady() const { return rowsCached_; }
+    const MADesignRows& Rows() const { return rows_; }
+
+    const MARegSettings& GetSettings() const { return *settings_; }
+    int GetParamSize() const { return paramSize_; }
+    /// Number of columns when some were taken out of the matrix; 0: none ever are.
+    int GetReducedParamSize() const { return 0; }
+    bool HasIntercept() const { return hasIntercept_; }
+    const std::vector<MADesignMatrixEffect>& GetEffects() const { return effects_; }
+    const MADataStats& GetDataStats() const { return statistics_; }
+    /// Counts over the factors of the settings, and over those that the model effects use.
+    const KXFactorCounts& GetFactorCounts() const { return factorCounts_; }
+    const KXFactorCounts& GetEffectFactorCounts() const { return effectFactorCounts_; }
+    long GetTotalRecords() const { return totalRecords_; }
+    long GetCompleteRecords() const { return completeRecords_; }
+
+    void Display() const;
+
+private:
+    bool HasUsableLevels(const Record& record) const;
+    bool HasCovariates(const Record& record) const;
+    void FixColumns();
+    KXStatus ReadRows();
+    void CacheRow(const MADesignRow& row);
+
+    const MARegSettings* settings_;
+    std::vector<int> factors_;
+    std::vector<int> factorSizes_;
+    std::vector<int> covariates_;
+    std::unique_ptr<IMADPStrategy> dependent_; ///< null without a dependent
+    std::unique_ptr<IMAOWStrategy> omegaWeight_;
+    KXFactorCounts factorCounts_;
+    KXFactorCounts effectFactorCounts_;
+    MADataStats statistics_;
+    long totalRecords_ = 0;
+    long completeRecords_ = 0;
+    double completeFrequency_ = 0.0; ///< sum of frequency weights of complete records: 1 for each
+    int paramSize_ = 0;
+    std::vector<MADesignMatrixEffect> effects_;
+    bool hasIntercept_;
+    bool columnsFixed_ = false;
+    MultiPassRecordIter* records_ = nullptr; ///< attached, not owned
+    MADesignRows rows_;
+    bool rowsCached_ = false;
+};
+
+} // namespace MA_NAMESPACE

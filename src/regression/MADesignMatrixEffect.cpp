@@ -1,0 +1,120 @@
+#include "meta_analysis/regression/MADesignMatrixEffect.h"
+
+#include "meta_analysis/platform/common/KXDisplay_940.h"
+#include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/platform/common/KXPower.h"
+#include "meta_analysis/platform/regression/FactorLevel.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+std::vector<int> LevelsOf(const Record& record, const std::vector<int>& factors)
+{
+    std::vector<int> levels;
+    levels.reserve(factors.size());
+    for (const int factor : factors)
+        levels.push_back(FactorLevel(record.Get(factor)));
+    return levels;
+}
+
+} // namespace
+
+MADesignMatrixEffect::MADesignMatrixEffect(const KXModelEffect& effect, const std::vector<int>& factors,
+                                           const std::vector<int>& factorSizes)
+    : factors_(effect.GetFactors()),
+      covariates_(effect.GetCovariates()),
+      multiplicities_(effect.GetCovMultiplicities())
+{
+    for (const int factor : factors_) {
+        const auto found = std::find(factors.begin(), factors.end(), factor);
+        cellCount_ *=
+            found == factors.end() ? 0 : factorSizes[static_cast<std::size_t>(found - factors.begin())];
+    }
+}
+
+void MADesignMatrixEffect::CollectLevels(const Record& record)
+{
+    if (HasFactors())
+        collected_.insert(LevelsOf(record, factors_));
+}
+
+void MADesignMatrixEffect::FixColumns(int startColumn)
+{
+    start_ = startColumn;
+    if (!HasFactors())
+        return;
+    combinations_.assign(collected_.begin(), collected_.end());
+    collected_.clear();
+    size_ = static_cast<int>(combinations_.size());
+}
+
+bool MADesignMatrixEffect::Code(const Record& record, std::vector<double>& row) const
+{
+    const int column = ColumnOf(record);
+    if (column < 0)
+        return false;
+    const double product = CovariateProduct(record);
+    row[static_cast<std::size_t>(column)] = product;
+    return std::isfinite(product) && !KXMV::IsMissing(product);
+}
+
+/// Missing when a covariate is missing or a power or product cannot be represented.
+double MADesignMatrixEffect::CovariateProduct(const Record& record) const
+{
+    double product = 1.0;
+    for (std::size_t i = 0; i < covariates_.size(); ++i) {
+        double factor = record.Get(covariates_[i]);
+        if (multiplicities_[i] != 1 && !KXPower::Power(factor, multiplicities_[i], factor).IsOK())
+            return KXMV::Missing();
+        if (!KXPower::Multiply(product, factor, product).IsOK())
+            return KXMV::Missing();
+    }
+    return product;
+}
+
+/// -1 for a combination of levels that did not occur in the first pass.
+int MADesignMatrixEffect::ColumnOf(const Record& record) const
+{
+    if (!HasFactors())
+        return start_;
+    const std::vector<int> levels = LevelsOf(record, factors_);
+    const auto found = std::lower_bound(combinations_.begin(), combinations_.end(), levels);
+    if (found == combinations_.end() || *found != levels)
+        return -1;
+    return start_ + static_cast<int>(found - combinations_.begin());
+}
+
+void MADesignMatrixEffect::Display() const
+{
+    KXDisplay_940::DisplayText("MADesignMatrixEffect display start");
+    KXDisplay_940::DisplayIV("Factors", factors_);
+    KXDisplay_940::DisplayIV("Covariates", covariates_);
+    KXDisplay_940::DisplayIV("Multiplicities", multiplicities_);
+    KXDisplay_940::DisplayI("Start", start_);
+    KXDisplay_940::DisplayI("Size", size_);
+    DisplayDictionary();
+    KXDisplay_940::DisplayText("MADesignMatrixEffect display end");
+}
+
+void MADesignMatrixEffect::DisplayDictionary() const
+{
+    std::vector<int> order;
+    for (std::size_t i = 0; i < factors_.size(); ++i)
+        order.push_back(static_cast<int>(i));
+
+    KXDisplay_940::DisplayText("MADictionary display start");
+    KXDisplay_940::DisplayText("Contents of the dictionary:");
+    for (std::size_t i = 0; i < combinations_.size(); ++i)
+        KXDisplay_940::DisplayIV(std::to_string(i), combinations_[i]);
+    KXDisplay_940::DisplayI("Number of key sorting levels", static_cast<int>(factors_.size()));
+    KXDisplay_940::DisplayIV("Sorting order", order);
+    KXDisplay_940::DisplayIV("Original order", order);
+    KXDisplay_940::DisplayText("MADictionary display end");
+}
+
+} // namespace MA_NAMESPACE

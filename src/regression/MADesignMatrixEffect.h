@@ -1,0 +1,61 @@
+#pragma once
+
+#include "meta_analysis/platform/common/Export.h"
+#include "meta_analysis/platform/common/Record.h"
+#include "meta_analysis/platform/regression/KXModelEffect.h"
+
+#include <set>
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+/// One model effect in the design matrix: its columns, and how a record is coded into them.
+///
+/// An effect of covariates alone has one column, the product of their powers. An effect with factors has
+/// one column per combination of their levels that occurs in the data, in ascending order of the level
+/// vectors, first factor first; a record has the product of the effect's covariates (1 without any) in the
+/// column of its combination and 0 elsewhere. Columns that others determine are left to the fit, which
+/// finds them redundant.
+class META_ANALYSIS_EXPORT MADesignMatrixEffect
+{
+public:
+    /// `factors` and `factorSizes`: the factors of the settings with their numbers of levels.
+    MADesignMatrixEffect(const KXModelEffect& effect, const std::vector<int>& factors,
+                         const std::vector<int>& factorSizes);
+
+    /// First pass: takes note of the record's combination of levels.
+    void CollectLevels(const Record& record);
+
+    /// After the first pass: fixes the columns, from `startColumn` on.
+    void FixColumns(int startColumn);
+
+    /// Codes the record into a row of zeros. False when it has no column, or a covariate product that is
+    /// missing or not finite.
+    bool Code(const Record& record, std::vector<double>& row) const;
+
+    bool HasFactors() const { return !factors_.empty(); }
+    int GetStart() const { return start_; }
+    int GetSize() const { return size_; }
+    /// Number of conceivable combinations of levels; 1 without factors.
+    double GetCellCount() const { return cellCount_; }
+    /// The combinations that occur, in column order; empty without factors.
+    const std::vector<std::vector<int>>& GetCombinations() const { return combinations_; }
+
+    void Display() const;
+
+private:
+    double CovariateProduct(const Record& record) const;
+    int ColumnOf(const Record& record) const;
+    void DisplayDictionary() const;
+
+    std::vector<int> factors_;
+    std::vector<int> covariates_;
+    std::vector<int> multiplicities_;
+    double cellCount_ = 1.0;
+    int start_ = -1;
+    int size_ = 1;
+    std::set<std::vector<int>> collected_; ///< during the first pass
+    std::vector<std::vector<int>> combinations_;
+};
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,36 @@
+#pragma once
+
+#include "meta_analysis/platform/common/KXMV.h"
+
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+/// One row of a meta-regression's data, made from one record. Meant to be reused.
+struct MADesignRow
+{
+    std::vector<double> predictors; ///< one value per column of the design
+    double dependent = KXMV::Missing();
+    double omegaWeight = 1.0; ///< inverse of the study's variance
+    bool isBad = false;       ///< an effect of the model could not be coded
+
+    /// Whether there is a study to fit: dependent, weight and its inverse, the variance, are finite, and the
+    /// weight is positive.
+    bool HasStudy() const
+    {
+        return std::isfinite(dependent) && !KXMV::IsMissing(dependent) && omegaWeight > 0.0 &&
+               std::isfinite(omegaWeight) && std::isfinite(1.0 / omegaWeight);
+    }
+
+    void Reset(std::size_t columnCount)
+    {
+        predictors.assign(columnCount, 0.0);
+        dependent = KXMV::Missing();
+        omegaWeight = 1.0;
+        isBad = false;
+    }
+};
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,77 @@
+#include "meta_analysis/regression/MAFEAlgorithm.h"
+
+#include "meta_analysis/regression/MADesignMatrix.h"
+#include "meta_analysis/regression/MARegFit.h"
+#include "meta_analysis/settings/Guarded.h"
+
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+/// A residual Q below it counts as no heterogeneity.
+constexpr double negligibleQ = 1e-12;
+
+} // namespace
+
+MAFEAlgorithm::MAFEAlgorithm(const MARegSettings& settings) : MARegAlgorithm(settings) {}
+MAFEAlgorithm::~MAFEAlgorithm() = default;
+
+KXStatus MAFEAlgorithm::BuildModel(MultiPassRecordIter& records)
+{
+    return Guarded(status_, [&] { return BuildFrom(records); });
+}
+
+KXStatus MAFEAlgorithm::BuildFrom(MultiPassRecordIter& records)
+{
+    if (!Passed(PrepareRows(records)) || !Passed(FitModel()))
+        return status_;
+    modelBuilt_ = true;
+    return status_;
+}
+
+KXStatus MAFEAlgorithm::FitModel()
+{
+    fit_ = std::make_unique<MARegFit>(*design_);
+    if (!Passed(fit_->Fit()))
+        return status_;
+    if (settings_->HasMultiDisper() && !Passed(fit_->ComputeDispersion()))
+        return status_;
+    if (usedByBubblePlot_)
+        return status_;
+    const bool useStudentT =
+        settings_->IsKnapHartAdjust() || settings_->GetTestDistType() == MAConst::TEST_STUDENT_T;
+    fit_->ComputeCoefficientTests(useStudentT);
+    if (usedByRegBaseTest_)
+        return status_;
+    TestModel(false);
+    if (!Passed(fit_->ComputeResidualHeterogeneity()))
+        return status_;
+    MeasureHeterogeneity();
+    return status_;
+}
+
+void MAFEAlgorithm::MeasureHeterogeneity()
+{
+    residualQ_ = fit_->ResidualQ();
+    residualQSignificance_ = fit_->ResidualQSignificance();
+    residualDf_ = fit_->ResidualDf();
+    residualH2_ = 1.0;
+    residualI2_ = 0.0;
+    if (residualDf_ != 0 && std::abs(residualQ_) >= negligibleQ) {
+        residualH2_ = residualQ_ / residualDf_;
+        residualI2_ = std::max(0.0, (residualH2_ - 1.0) / residualH2_);
+    }
+}
+
+/// Scores use the settings' distribution; the Knapp-Hartung flag plays no part here.
+KXStatus MAFEAlgorithm::Score(const Record& record, double& fit, double& stdError, double& lower,
+                              double& upper, double& residual, double& residualStdError,
+                              double& leverage) const
+{
+    return ScoreRecord(record, settings_->GetTestDistType() == MAConst::TEST_STUDENT_T, fit, stdError, lower,
+                       upper, residual, residualStdError, leverage);
+}
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,238 @@
+#include "meta_analysis/regression/MAREAlgorithm.h"
+
+#include "meta_analysis/pooling/MARandomEffectModel.h"
+#include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
+#include "meta_analysis/regression/MADesignMatrix.h"
+#include "meta_analysis/regression/MARegFit.h"
+#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MAEstimatorCode.h"
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <iterator>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+/// Below it a variance, or a sum that divides, counts as zero.
+constexpr double negligible = 1e-12;
+
+/// Weights of the fit from which Hunter and Schmidt's residuals are taken. Their published estimator has
+/// fixed-effect weights here; the unweighted fit makes tau² larger, and with it R² smaller.
+constexpr MAWeightMode hunterSchmidtWeights = MAWeightMode::Unweighted;
+
+/// The number behind an estimator code that is none of the known ones.
+constexpr int unknownEstimator = estimatorCodeCount;
+
+} // namespace
+
+MAREAlgorithm::MAREAlgorithm(const MARegSettings& settings) : MARegAlgorithm(settings) {}
+MAREAlgorithm::~MAREAlgorithm() = default;
+
+int MAREAlgorithm::GetEstTauType() const
+{
+    const char* code = settings_->GetEstTauType();
+    const auto found = std::find_if(std::begin(estimatorCodes), std::end(estimatorCodes),
+                                    [&](const char* known) { return std::strcmp(known, code) == 0; });
+    return static_cast<int>(found - std::begin(estimatorCodes));
+}
+
+bool MAREAlgorithm::UsesStudentT() const
+{
+    return settings_->IsKnapHartAdjust() || settings_->GetTestDistType() == MAConst::TEST_STUDENT_T;
+}
+
+KXStatus MAREAlgorithm::BuildModel(MultiPassRecordIter& records)
+{
+    return Guarded(status_, [&] { return BuildFrom(records); });
+}
+
+KXStatus MAREAlgorithm::BuildFrom(MultiPassRecordIter& records)
+{
+    if (Passed(PrepareRows(records)) && Passed(computeTauSquare()) && Passed(FitModel()))
+        modelBuilt_ = true;
+    return status_;
+}
+
+KXStatus MAREAlgorithm::FitModel()
+{
+    fit_ = std::make_unique<MARegFit>(*design_, MAWeightMode::RandomEffects, tau2_);
+    if (!Passed(fit_->Fit()) || usedByBubblePlot_)
+        return status_;
+    if (settings_->IsKnapHartAdjust())
+        ScaleByKnappHartung();
+    fit_->ComputeCoefficientTests(UsesStudentT());
+    if (usedByRegBaseTest_)
+        return status_;
+    TestModel(settings_->IsKnapHartAdjust());
+    if (!Passed(MeasureHeterogeneity()))
+        return status_;
+    MeasureExplained();
+    return status_;
+}
+
+void MAREAlgorithm::ScaleByKnappHartung()
+{
+    double factor = fit_->KnappHartungFactor();
+    if (settings_->IsTruncAjustValue())
+        factor = KXMV::IsMissing(factor) ? 1.0 : std::max(factor, 1.0);
+    fit_->SetScale(factor);
+}
+
+/// tau² from the residuals of a fit whose weights depend on the estimator.
+KXStatus MAREAlgorithm::computeTauSquare()
+{
+    tau2_ = 0.0;
+    if (design_->Rows().Count() == 0 && design_->GetTotalRecords() > 0)
+        return KXStatus(MAStatusCode::NO_USABLE_STUDY);
+    const int estimator = GetEstTauType();
+    switch (estimator) {
+    case MAConst::TAU2_HS:
+        return computeTauFrom(hunterSchmidtWeights, estimator);
+    case MAConst::TAU2_DL:
+        return computeTauFrom(MAWeightMode::FixedEffect, estimator);
+    case MAConst::TAU2_SJ:
+        return computeTauFromSJ();
+    case unknownEstimator:
+        return KXStatus();
+    default:
+        return computeTauFromHE(estimator);
+    }
+}
+
+/// Hedges' estimator has an unweighted fit; the iterative ones start from it.
+KXStatus MAREAlgorithm::computeTauFromHE(int estimator)
+{
+    return computeTauFrom(MAWeightMode::Unweighted, estimator);
+}
+
+KXStatus MAREAlgorithm::computeTauFrom(MAWeightMode mode, int estimator)
+{
+    MARegFit fit(*design_, mode);
+    const KXStatus fitted = fit.Fit();
+    return fitted.IsError() ? fitted : EstimateTau2(fit, estimator, nullptr);
+}
+
+/// Sidik and Jonkman's one step from the crude variance of the effects, tau²_0: its weights are those of the
+/// fit, tau²_0 / (v + tau²_0).
+KXStatus MAREAlgorithm::computeTauFromSJ()
+{
+    double crude = 0.0;
+    const KXStatus started = computeInitTau2(crude);
+    if (started.IsError() || crude == 0.0)
+        return started;
+    MARegFit fit(*design_, MAWeightMode::ScaledRandom, crude);
+    const KXStatus fitted = fit.Fit();
+    if (fitted.IsError())
+        return fitted;
+    std::vector<double> weights;
+    weights.reserve(design_->Rows().Count());
+    for (std::size_t i = 0; i < design_->Rows().Count(); ++i)
+        weights.push_back(fit.Weight(i));
+    return EstimateTau2(fit, MAConst::TAU2_SJ, &weights);
+}
+
+KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::vector<double>* variances)
+{
+    const std::vector<double> leverages = fit.Leverages();
+    MATAU2ESTIMATIOR estimator;
+    estimator.SetDesignMatrix(design_.get());
+    estimator.SetRegCoef(&fit.Coefficients());
+    estimator.SetNonRedundantParamSize(fit.NonRedundantCount());
+    estimator.SetDiagH(&leverages);
+    if (variances != nullptr)
+        estimator.SetVariances(variances);
+    estimator.SetMaxIter(settings_->GetMaxIterations());
+    estimator.SetMaxStepHalving(settings_->GetMaxStepHalvingValue());
+    estimator.SetConverTol(settings_->GetParameterTolerance());
+    const KXStatus estimated = estimator.ComputeTau2Variance(static_cast<MAConst::TAU2ESTIMATOR>(type));
+    if (!estimated.IsError())
+        tau2_ = estimator.GetBetweenStudyVariannce();
+    return estimated;
+}
+
+/// Crude variance of the effect sizes, with divisor k.
+KXStatus MAREAlgorithm::computeInitTau2(double& tau2) const
+{
+    const MADesignRows& rows = design_->Rows();
+    const auto count = static_cast<double>(rows.Count());
+    if (rows.Count() == 1)
+        return KXStatus(MAStatusCode::ONE_USABLE_STUDY);
+    double sum = 0.0;
+    for (std::size_t i = 0; i < rows.Count(); ++i)
+        sum += rows.Dependent(i);
+    const double mean = sum / count;
+    double squares = 0.0;
+    for (std::size_t i = 0; i < rows.Count(); ++i) {
+        const double deviation = rows.Dependent(i) - mean;
+        squares += deviation * deviation;
+    }
+    tau2 = rows.Count() == 0 ? 0.0 : squares / count;
+    return KXStatus();
+}
+
+/// tau² of the model without predictors.
+KXStatus MAREAlgorithm::computeTau2C(double& tau2) const
+{
+    const MADesignRows& rows = design_->Rows();
+    std::vector<double> effectSizes;
+    std::vector<double> variances;
+    effectSizes.reserve(rows.Count());
+    variances.reserve(rows.Count());
+    for (std::size_t i = 0; i < rows.Count(); ++i) {
+        effectSizes.push_back(rows.Dependent(i));
+        variances.push_back(rows.Variance(i));
+    }
+    MARandomEffectModel model;
+    model.SetEffectSizes(&effectSizes);
+    model.SetVariances(&variances);
+    model.SetEstimationType(static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType()));
+    model.SetMaxIter(settings_->GetMaxIterations());
+    model.SetMaxStepHalving(settings_->GetMaxStepHalvingValue());
+    model.SetConverTol(settings_->GetParameterTolerance());
+    const KXStatus estimated = model.EstimateMeanESStats();
+    tau2 = model.GetBetweenStudyVariance();
+    return estimated;
+}
+
+/// Residual Q comes from the fixed-effect fit, and so does the typical within-study variance s² = (k - p) / T
+/// with T the weighted residual trace, which I² and H² set against tau² (Higgins and Thompson 2002,
+/// Statistics in Medicine 21, 1539-1558).
+KXStatus MAREAlgorithm::MeasureHeterogeneity()
+{
+    MARegFit fixed(*design_);
+    if (!Passed(fixed.Fit()) || !Passed(fixed.ComputeResidualHeterogeneity()))
+        return status_;
+    residualQ_ = fixed.ResidualQ();
+    residualQSignificance_ = fixed.ResidualQSignificance();
+    residualDf_ = fixed.ResidualDf();
+
+    const double trace = fixed.WeightedResidualTrace();
+    const double typicalVariance = std::abs(trace) >= negligible ? residualDf_ / trace : 0.0;
+    const double total = tau2_ + typicalVariance;
+    residualI2_ = std::abs(total) < negligible ? 0.0 : tau2_ / total;
+    residualH2_ = std::abs(typicalVariance) < negligible ? 0.0 : total / typicalVariance;
+    return status_;
+}
+
+/// R²: the part of the between-study variance that the predictors take away; 0 when they do not.
+void MAREAlgorithm::MeasureExplained()
+{
+    double withoutPredictors = 0.0;
+    rSquare_ = 0.0;
+    if (!computeTau2C(withoutPredictors).IsError() && std::abs(withoutPredictors) >= negligible)
+        rSquare_ = std::max(0.0, (withoutPredictors - tau2_) / withoutPredictors);
+}
+
+KXStatus MAREAlgorithm::Score(const Record& record, double& fit, double& stdError, double& lower,
+                              double& upper, double& residual, double& residualStdError,
+                              double& leverage) const
+{
+    return ScoreRecord(record, UsesStudentT(), fit, stdError, lower, upper, residual, residualStdError,
+                       leverage);
+}
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,145 @@
+#pragma once
+
+#include "meta_analysis/platform/common/KXBitSet.h"
+#include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/platform/common/KXSymMatrix.h"
+#include "meta_analysis/regression/MADataPass.h"
+#include "meta_analysis/regression/MADesignMatrix.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+/// Weight of a row in a fit, from its omega weight w and the fit's tau² t.
+enum class MAWeightMode
+{
+    Unweighted = 0,   ///< 1
+    FixedEffect = 1,  ///< w
+    OmegaByTau2 = 2,  ///< 1 / (w t)
+    ScaledRandom = 3, ///< t / (1/w + t)
+    RandomEffects = 4 ///< 1 / (1/w + t)
+};
+
+/// Overall test of a model's parameters other than the intercept.
+struct MAModelTest
+{
+    double statistic = KXMV::Missing();
+    double significance = KXMV::Missing();
+    int df1 = 0;
+    int df2 = 0; ///< of an F test
+};
+
+/// A prediction for one record.
+struct MAPrediction
+{
+    double fit = KXMV::Missing();
+    double stdError = KXMV::Missing();
+    double ciLower = KXMV::Missing();
+    double ciUpper = KXMV::Missing();
+    double residual = KXMV::Missing();
+    double residualStdError = KXMV::Missing();
+    double leverage = KXMV::Missing();
+};
+
+/// Weighted least squares over the rows of a design matrix: what both meta-regression engines and the
+/// between-study variance estimators fit.
+///
+/// With X the predictors, W the weights and M = (X'WX)⁻ (zero rows and columns for redundant predictors):
+/// b = M X'Wy, covariance V = scale M, leverage h_i = w_i x_i'M x_i. Calling order: `Fit`, then what is
+/// wanted of it. The design matrix must have its rows cached; it is not owned.
+class MARegFit
+{
+public:
+    explicit MARegFit(const MADesignMatrix& design, MAWeightMode mode = MAWeightMode::FixedEffect,
+                      double tau2 = 0.0);
+
+    /// Takes another tau² for the next fit.
+    void SetTau2(double tau2) { tau2_ = tau2; }
+
+    /// Forms and sweeps the cross products. Error 460012 when the host cancels. O(k p²), without allocation
+    /// by row.
+    KXStatus Fit();
+    /// As `Fit`, and also forms X'W²X, for `SquaredHatTrace`.
+    KXStatus FitWithSquares();
+
+    double Weight(std::size_t row) const { return WeightOf(design_->Rows().weights[row]); }
+    double WeightOf(double omegaWeight) const;
+    double FittedValue(const double* predictors) const;
+    double Residual(std::size_t row) const;
+    double Leverage(std::size_t row) const;
+    std::vector<double> Leverages() const;
+
+    /// sum(w_i² g_i) with g_i = x_i'M (X'W²X) M x_i, the diagonal of the squared hat quantity; after
+    /// `FitWithSquares`.
+    double SquaredHatTrace() const;
+    /// sum(w_i r_i²) over the good records.
+    double WeightedResidualSum() const;
+    /// sum(w_i (1 - h_i)).
+    double WeightedResidualTrace() const;
+    /// Weighted residual variance q of Knapp and Hartung (2003), Statistics in Medicine 22, 2693-2710;
+    /// missing without residual degrees of freedom.
+    double KnappHartungFactor() const;
+
+    /// Dispersion: weighted residual variance, which becomes the scale of the covariance. Warnings 460047
+    /// as many good records as parameters, 460048 near zero (1 in both cases); error 460073.
+    KXStatus ComputeDispersion();
+    void SetScale(double scale) { scale_ = scale; }
+    /// Standard errors, tests and intervals of the coefficients; normal tests unless `useStudentT`.
+    void ComputeCoefficientTests(bool useStudentT);
+    /// Wald chi-square over the dispersion, or with `asF` the F test with the covariance's scale.
+    MAModelTest TestModel(bool asF) const;
+    /// Residual heterogeneity Q and its significance. Warning 460049 without degrees of freedom; error
+    /// 460073.
+    KXStatus ComputeResidualHeterogeneity();
+    /// Residual, its standard error and leverage only for a row with a study.
+    MAPrediction Predict(const MADesignRow& row, bool hasStudy, bool useStudentT) const;
+
+    const std::vector<double>& Coefficients() const { return coefficients_; }
+    const std::vector<double>& StdErrors() const { return stdErrors_; }
+    const std::vector<double>& Statistics() const { return statistics_; }
+    const std::vector<double>& Significances() const { return significances_; }
+    const std::vector<double>& LowerLimits() const { return lowerLimits_; }
+    const std::vector<double>& UpperLimits() const { return upperLimits_; }
+    const KXBitSet& NonRedundant() const { return nonRedundant_; }
+    int NonRedundantCount() const { return static_cast<int>(nonRedundant_.Count()); }
+    int GoodRecordCount() const { return goodRecords_; }
+    int BadRecordCount() const { return static_cast<int>(design_->GetTotalRecords()) - goodRecords_; }
+    int ResidualDf() const { return goodRecords_ - NonRedundantCount(); }
+    double Dispersion() const { return dispersion_; }
+    double ResidualQ() const { return residualQ_; }
+    double ResidualQSignificance() const { return residualQSignificance_; }
+
+private:
+    template <class VisitRow>
+    void ForEachGoodRow(VisitRow visit) const;
+    KXStatus FitRows(bool withSquares);
+    void Solve();
+    double ResidualStdError(double leverage, double weight) const;
+    double CriticalValue(bool useStudentT) const;
+
+    const MADesignMatrix* design_;
+    MAWeightMode mode_;
+    double tau2_;
+    MADataPass progress_;
+    std::vector<std::size_t> columns_;
+    KXSymMatrix crossProducts_;
+    KXSymMatrix squaredCrossProducts_; ///< with squared weights, the dependent included
+    KXSymMatrix inverse_;              ///< M
+    KXBitSet nonRedundant_;
+    std::vector<double> coefficients_; ///< missing for a redundant column
+    std::vector<double> effective_;    ///< as above, 0 for a redundant column
+    int goodRecords_ = 0;
+    double dispersion_ = 1.0;
+    double scale_ = 1.0;
+    double residualQ_ = KXMV::Missing();
+    double residualQSignificance_ = KXMV::Missing();
+    std::vector<double> stdErrors_;
+    std::vector<double> statistics_;
+    std::vector<double> significances_;
+    std::vector<double> lowerLimits_;
+    std::vector<double> upperLimits_;
+};
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,75 @@
+#pragma once
+
+#include "meta_analysis/platform/common/Export.h"
+#include "meta_analysis/platform/common/KXBitSet.h"
+#include "meta_analysis/platform/regression/KXRegrParameter.h"
+
+#include <memory>
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+class MAFEAlgorithm;
+class MAREAlgorithm;
+class MARegAlgorithm;
+class MARegSettings;
+
+/// The results of a meta-regression, copied from an engine after a successful `BuildModel`.
+///
+/// Vectors have one entry per parameter, in the order of the engine's parameters; a redundant parameter's
+/// entries are missing. What the engine does not compute is 0: tau², R² and the F test for fixed effects, and
+/// the one of the model tests (Wald, or F under the Knapp-Hartung adjustment) that does not apply.
+/// An engine used by the regression-based test or the bubble plot leaves out the model tests and the residual
+/// heterogeneity. Constructing it may throw std::bad_alloc.
+class META_ANALYSIS_EXPORT MARegOutputStats
+{
+public:
+    MARegOutputStats(const MARegSettings& settings, MAFEAlgorithm& engine);
+    MARegOutputStats(const MARegSettings& settings, MAREAlgorithm& engine);
+    MARegOutputStats(const MARegOutputStats&) = delete;
+    MARegOutputStats& operator=(const MARegOutputStats&) = delete;
+    ~MARegOutputStats();
+
+    /// Records used by the fit, and all others.
+    int GetNGoodRecords() const;
+    int GetNBadRecords() const;
+    /// tau² itself, not its square root.
+    double GetTau() const;
+
+    std::vector<double> GetEstimation() const;
+    std::vector<KXRegrParameter> GetParameters() const;
+    /// Set for the parameters that are estimated, not redundant.
+    KXBitSet GetRedundancyInfo() const;
+    std::vector<double> GetBetaStandErr() const;
+    std::vector<double> GetBetaTest() const;
+    std::vector<double> GetBetaTestPValue() const;
+    std::vector<double> GetBetaConfInterValLower() const;
+    std::vector<double> GetBetaConfInterValUpper() const;
+
+    /// Test of all parameters but the intercept; missing when there are none.
+    double GetWaldChiSquareTest() const;
+    int GetWaldDf() const;
+    double GetWaldPValue() const;
+    double GetFTestVal() const;
+    double GetFPValue() const;
+    int GetFDf1() const;
+    int GetFDf2() const;
+
+    double GetMultiDisper() const;
+    /// Residual heterogeneity; for random effects Q is that of the fixed-effect fit. I² and R² are fractions.
+    double GetResHomoChiSqure() const;
+    double GetResHomoDf() const;
+    double GetResHomoPValue() const;
+    double GetHresSquare() const;
+    double GetIresSquare() const;
+    double GetRSquare() const;
+
+private:
+    struct Results;
+
+    explicit MARegOutputStats(const MARegAlgorithm& engine);
+
+    std::unique_ptr<const Results> results_;
+};
+
+} // namespace MA_NAMESPACE
