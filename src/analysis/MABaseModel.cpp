@@ -1,10 +1,11 @@
 #include "meta_analysis/analysis/MABaseModel.h"
 
-#include "meta_analysis/analysis/MAFixedModelHeterogeneity.h"
+#include "meta_analysis/analysis/MAModelBuilder.h"
+#include "meta_analysis/analysis/MAModelRows.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAStatusCode.h"
+#include "meta_analysis/settings/MAWarnings.h"
 
-#include <algorithm>
 #include <cmath>
 #include <numeric>
 #include <set>
@@ -12,21 +13,6 @@
 namespace MA_NAMESPACE {
 
 namespace {
-
-MAModelRow RowOf(const MAContinousFixEffectModel& model)
-{
-    return {model.GetEstMeanEffectSize(),     model.GetEstEffectSizeVariance(),
-            model.GetEstEffectSizeStdError(), model.GetEstEffectSizeZVal(),
-            model.GetEstEffectSizeSig(),      model.GetEstEffectSizeCILower(),
-            model.GetEstEffectSizeCIUpper()};
-}
-
-MAModelRow RowOf(const MARandomEffectModel& model)
-{
-    return {model.GetEstEffectSize(), model.GetEstESVariance(), std::sqrt(model.GetEstESVariance()),
-            model.GetEstESTestStat(), model.GetEstESSig(),      model.GetEstESCILower(),
-            model.GetEstESCIUpper()};
-}
 
 double Tau2Of(const MAContinousFixEffectModel& /*model*/)
 {
@@ -52,10 +38,7 @@ KXStatus MABaseModel::ESCalc(MultiPassRecordIter& /*records*/)
 
 bool MABaseModel::AddNewWarning(const KXStatus& status, std::vector<KXStatus>& list)
 {
-    if (!status.IsWarning() || std::find(list.begin(), list.end(), status) != list.end())
-        return false;
-    list.push_back(status);
-    return true;
+    return AppendNewWarning(status, list);
 }
 
 void MABaseModel::CopyRunSettings()
@@ -101,10 +84,31 @@ std::vector<double> MABaseModel::GetUniqGroupElem() const
     return {distinct.begin(), distinct.end()};
 }
 
-void MABaseModel::BuildOverallModel()
+/// One model of all studies, one per subgroup, or one after each study of a cumulative analysis.
+void MABaseModel::BuildModels(MAModelBuilder& builder)
 {
-    BuildModel(studies_.effects.effectSize, studies_.effects.variance);
-    modelRecords_.push_back(studies_.recordNumber);
+    if (HasCumulativeValues()) {
+        BuildCumulative(builder);
+    } else if (HasGroups()) {
+        BuildSubGroups(builder);
+    } else {
+        builder.BuildAll();
+        modelRecords_.push_back(studies_.recordNumber);
+    }
+}
+
+void MABaseModel::RunTrimFill()
+{
+    trimFillRunning_ = settings_->GetIsTRIMFILL();
+    if (trimFillRunning_)
+        TrimFill();
+}
+
+/// The imputed studies are the last row of the funnel plot, without a contour of their own.
+void MABaseModel::AppendImputedToFunnel()
+{
+    funnel_.x.push_back(imputed_.effectSize);
+    CalcFunnelPlotY(imputed_.variance, true);
 }
 
 MAContinousFixEffectModel MABaseModel::NewContFixEffectModel(const std::vector<double>& effectSizes,
@@ -160,15 +164,19 @@ KXStatus MABaseModel::Build(Model model, const std::vector<double>& variances)
     results_.models.push_back(RowOf(model));
     if (RecordsTestOutput())
         RecordTestOutput(model);
-    if (RecordsWeights(variances.size())) {
-        const double tau2 = Tau2Of(model);
-        weights_.reserve(weights_.size() + variances.size());
-        for (const double variance : variances)
-            weights_.push_back(1.0 / (tau2 + variance));
-    }
+    RecordInverseVarianceWeights(variances, Tau2Of(model));
     if (RecordsGroupSize())
         groupSizes_.push_back(static_cast<int>(variances.size()));
     return status_;
+}
+
+void MABaseModel::RecordInverseVarianceWeights(const std::vector<double>& variances, double tau2)
+{
+    if (!RecordsWeights(variances.size()))
+        return;
+    weights_.reserve(weights_.size() + variances.size());
+    for (const double variance : variances)
+        weights_.push_back(1.0 / (tau2 + variance));
 }
 
 template <class Model>
@@ -187,15 +195,7 @@ void MABaseModel::GetContFixModelTestOutput(const MAContinousFixEffectModel& mod
 
 void MABaseModel::GetRandomModelTestOutput(const MARandomEffectModel& model)
 {
-    MAHeterogeneityRow row;
-    row.q = model.GetHomogeneityTestQ();
-    row.df = model.GetHomogeneityTestDf();
-    row.significance = model.GetHomogeneityTestPVal();
-    row.h2 = model.GetHeterogeneityTestH2();
-    row.i2 = model.GetHeterogeneityTestI2();
-    row.piLower = model.GetEstESPILower();
-    row.piUpper = model.GetEstESPIUpper();
-    AppendTestOutput(row, model.GetBetweenStudyVariance());
+    AppendTestOutput(HeterogeneityRowOf(model), model.GetBetweenStudyVariance());
 }
 
 void MABaseModel::AppendTestOutput(const MAHeterogeneityRow& row, double tau2)

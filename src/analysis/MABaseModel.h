@@ -1,18 +1,25 @@
 #pragma once
 
 #include "meta_analysis/analysis/MAModelResults.h"
+#include "meta_analysis/analysis/MARegTestRun.h"
+#include "meta_analysis/analysis/MASelection.h"
 #include "meta_analysis/analysis/MAStudies.h"
 #include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/MultiPassRecordIter.h"
 #include "meta_analysis/pooling/MAContinousFixEffectModel.h"
 #include "meta_analysis/pooling/MARandomEffectModel.h"
 #include "meta_analysis/settings/MAModelSettings.h"
+#include "meta_analysis/settings/MARegSettings.h"
 
 #include <vector>
 
 namespace MA_NAMESPACE {
+
+class MAModelBuilder;
+class MARegBaseTest;
 
 /// What the analyses of binary and of continuous outcomes share: the studies, the pooled models and all
 /// results, which a host reads through the getters after `RUN` of a derived class.
@@ -60,6 +67,37 @@ public:
     /// Append a fitted model's heterogeneity output to the per-model lists.
     void GetContFixModelTestOutput(const MAContinousFixEffectModel& model);
     void GetRandomModelTestOutput(const MARandomEffectModel& model);
+
+    /// One model per distinct subgroup value, then one of all studies, then the test between the groups.
+    /// Under random effects every group has its own between-study variance. Returns the first model's error.
+    KXStatus BuildSubGroupModel();
+
+    /// Per subgroup (or for all studies) the model of the first 1, 2, ... studies in the order of the
+    /// cumulative variable; with two or more groups also a model of all studies and the test between the
+    /// groups. The per-model lists then hold the last group's steps, or with groups the overall model.
+    KXStatus BuildCumulativeModel();
+
+    /// Fixed-effect test of each contrast variable, whatever the model of the run. A contrast's own failure
+    /// shows in `GetContrastStatus`, not in the status returned.
+    KXStatus FixedModelContrastTest();
+
+    /// Estimates how many studies are missing on one side of the funnel, mirrors as many extreme ones about
+    /// the centre of the rest, and pools all (Duval and Tweedie 2000, Biometrics 56, 455-463). The per-model
+    /// lists keep the overall model. Error 460075 without studies, and those of the pooling classes; warning
+    /// 460038 when the number still changed at the iteration limit.
+    KXStatus TrimFill();
+    /// The studies that trim-and-fill trims, as set or, if automatic, as the data suggest: the largest where
+    /// the regression-based test has a positive slope, else the smallest.
+    MAConst::TRIMFSIDE GetTRimFillSide() const;
+
+    /// Coordinates of the funnel and Galbraith plots: row 0 all studies, then one row per subgroup.
+    KXStatus ComputePlotStatistics();
+
+    /// Regression-based small-study test of the type in the settings: of all studies, or with two or more
+    /// groups of each group and then of all. `settings` gives everything but response and omega weight. A
+    /// test that fails, or has fewer than 3 studies, leaves flag 0 and empty rows, and the others go on.
+    /// Error 460028 fewer than 3 studies in all; the error of the overall test.
+    KXStatus RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables, MARegSettings settings);
 
     MAConst::MODELTYPE GetModelType() const { return modelType_; }
     MAConst::WEIGHTYPE GetWeightType() const { return weightType_; }
@@ -117,11 +155,135 @@ public:
     std::vector<double> GetI2CILower() const { return HeterogeneityColumn(&MAHeterogeneityRow::i2Lower); }
     std::vector<double> GetI2CIUpper() const { return HeterogeneityColumn(&MAHeterogeneityRow::i2Upper); }
 
-    /// Distinct values of the subgroup variable, ascending; -1.0 alone when there is no such variable.
+    /// Distinct values of the subgroup variable, ascending, then -1.0 for the overall model; -1.0 alone when
+    /// there is no such variable.
     std::vector<double> GetUniGroup() const { return CopyOf(groupValues_); }
-    /// Per model: the number of its studies, and their record numbers.
+    /// Per group: the number of its studies, and their record numbers. No entry for the overall model.
     std::vector<int> GetGroupN() const { return CopyOf(groupSizes_); }
     std::vector<std::vector<int>> GetSubGroupStudyID() const { return CopyOf(modelRecords_); }
+    /// Test of heterogeneity between the groups; 0 with fewer than two groups.
+    double GetGDQbVal() const { return betweenGroups_.q; }
+    int GetGDQbDf() const { return betweenGroups_.df; }
+    double GetGDQbSig() const { return betweenGroups_.significance; }
+
+    /// Per contrast: estimate with its test and interval. Of the binary fixed-effect pooling, the z values
+    /// are the standard errors once more.
+    std::vector<double> GetContrastEstES() const { return ColumnOf(contrasts_, &MAContrastRow::estimate); }
+    std::vector<double> GetContrastEstStdError() const
+    {
+        return ColumnOf(contrasts_, &MAContrastRow::stdError);
+    }
+    std::vector<double> GetContrastEstZVal() const { return ColumnOf(contrasts_, &MAContrastRow::zValue); }
+    std::vector<double> GetContrastEstSig() const
+    {
+        return ColumnOf(contrasts_, &MAContrastRow::significance);
+    }
+    std::vector<double> GetContrastEstCILower() const
+    {
+        return ColumnOf(contrasts_, &MAContrastRow::ciLower);
+    }
+    std::vector<double> GetContrastEstCIUpper() const
+    {
+        return ColumnOf(contrasts_, &MAContrastRow::ciUpper);
+    }
+    /// 0 tested, 1 all coefficients are 0, 2 tested with a warning; empty under binary fixed-effect pooling.
+    std::vector<int> GetContrastStatus() const { return CopyOf(contrastStatus_); }
+
+    /// The cumulative variable per study; then per group the values in cumulative order, and per group and
+    /// step the estimate with its test and interval. With groups, a last row for the overall model.
+    std::vector<double> GetCumulative() const { return CopyOf(studies_.cumulativeValue); }
+    std::vector<std::vector<double>> GetEstCumulative() const { return CopyOf(cumulativeOrder_); }
+    std::vector<std::vector<double>> GetCumEstES() const { return CumulativeRows(&MAModelRow::estimate); }
+    std::vector<std::vector<double>> GetCumEstStdErr() const { return CumulativeRows(&MAModelRow::stdError); }
+    std::vector<std::vector<double>> GetCumEstZval() const { return CumulativeRows(&MAModelRow::statistic); }
+    std::vector<std::vector<double>> GetCumEstSig() const
+    {
+        return CumulativeRows(&MAModelRow::significance);
+    }
+    std::vector<std::vector<double>> GetCumEstCiLower() const { return CumulativeRows(&MAModelRow::ciLower); }
+    std::vector<std::vector<double>> GetCumEstCiUpper() const { return CumulativeRows(&MAModelRow::ciUpper); }
+
+    /// Trim-and-fill: number of imputed studies, their effect sizes and standard errors, and the model of
+    /// all; missing when trim-and-fill did not run.
+    int GetTFImputedN0() const { return imputedCount_; }
+    std::vector<double> GetTFImputedEffectSize() const { return CopyOf(imputed_.effectSize); }
+    std::vector<double> GetTFImputedStdError() const { return CopyOf(imputed_.stdError); }
+    double GetOverallTFEffectSize() const { return FilledModel().estimate; }
+    double GetOverallTFStdError() const { return FilledModel().stdError; }
+    double GetOverallTFZVal() const { return FilledModel().statistic; }
+    double GetOverallTFSig() const { return FilledModel().significance; }
+    double GetOverallTFCILower() const { return FilledModel().ciLower; }
+    double GetOverallTFCIUpper() const { return FilledModel().ciUpper; }
+
+    /// Funnel plot, one row per plot: effect sizes and their vertical coordinates, then, after a run with
+    /// trim-and-fill, a row of the imputed studies; the upper confidence line, whose mirror image is the
+    /// lower; the horizontal extent of each contour level at the largest vertical coordinate, which is in
+    /// ContourY.
+    std::vector<std::vector<double>> GetFunnelX() const { return CopyOf(funnel_.x); }
+    std::vector<std::vector<double>> GetFunnelY() const { return CopyOf(funnel_.y); }
+    std::vector<std::vector<double>> GetFunnelCIX() const { return CopyOf(funnel_.lineX); }
+    std::vector<std::vector<double>> GetFunnelCIY() const { return CopyOf(funnel_.lineY); }
+    std::vector<std::vector<double>> GetFunnelContourX() const { return CopyOf(funnel_.contourX); }
+    std::vector<double> GetFunnelContourY() const { return CopyOf(funnel_.yMax); }
+
+    /// Galbraith plot, one row per plot: 1 / s and y / s of each study, s its standard error (row 0) or its
+    /// variance (rows of groups); the slope of the line through the origin; and, despite its name, as
+    /// intercept the critical value by which the two parallels to that line are offset.
+    std::vector<std::vector<double>> GetGalbPlotX() const { return CopyOf(galbraith_.x); }
+    std::vector<std::vector<double>> GetGalbPlotY() const { return CopyOf(galbraith_.y); }
+    std::vector<double> GetGalbRegrSlope() const { return CopyOf(galbraith_.slope); }
+    std::vector<double> GetGalbRegrIntercept() const { return CopyOf(galbraith_.criticalValue); }
+
+    /// Regression-based small-study test of a driver: coefficient of the test covariate with its test and
+    /// interval, missing before a test has succeeded; records used minus parameters estimated, 0 before.
+    MAConst::RegBaseTestType GetRegTesType() const { return settings_->GetRegBaseTestType(); }
+    double GetRegBasedTestCoef() const { return regressionTest_.coefficient; }
+    double GetRegBasedTestStdError() const { return regressionTest_.stdError; }
+    double GetRegBasedTestVal() const { return regressionTest_.statistic; }
+    double GeRegBasedTestSig() const { return regressionTest_.significance; }
+    double GetRegBasedTestDf() const { return regressionTest_.df; }
+    double GetRegBasedTestCILower() const { return regressionTest_.ciLower; }
+    double GetRegBasedTestCIUpper() const { return regressionTest_.ciUpper; }
+
+    /// Tests of `RegBasedTest`, one entry per test: 1 when it succeeded, else 0; and of all its parameters,
+    /// the test covariate last, the coefficients, standard errors, statistics, significances and confidence
+    /// limits, what they are, and which are estimated.
+    std::vector<int> GetIfRegrTestPassFlag() const
+    {
+        return FieldOf(regressionTests_, &MARegTestRun::passed);
+    }
+    std::vector<std::vector<double>> GetRegrTestCoefficient() const
+    {
+        return FieldOf(regressionTests_, &MARegTestRun::coefficients);
+    }
+    std::vector<std::vector<double>> GetRegrTestBetaStandErr() const
+    {
+        return FieldOf(regressionTests_, &MARegTestRun::stdErrors);
+    }
+    std::vector<std::vector<double>> GetRegrBetaTestVal() const
+    {
+        return FieldOf(regressionTests_, &MARegTestRun::statistics);
+    }
+    std::vector<std::vector<double>> GetRegrBetaTestPValue() const
+    {
+        return FieldOf(regressionTests_, &MARegTestRun::significances);
+    }
+    std::vector<std::vector<double>> GetRegrBetaConfInterValLower() const
+    {
+        return FieldOf(regressionTests_, &MARegTestRun::lowerLimits);
+    }
+    std::vector<std::vector<double>> GetRegrBetaConfInterValUpper() const
+    {
+        return FieldOf(regressionTests_, &MARegTestRun::upperLimits);
+    }
+    std::vector<std::vector<KXRegrParameter>> GetRegrCoefParameters() const
+    {
+        return FieldOf(regressionTests_, &MARegTestRun::parameters);
+    }
+    std::vector<KXBitSet> GetRegrCoefRedundancyInfo() const
+    {
+        return FieldOf(regressionTests_, &MARegTestRun::nonRedundant);
+    }
 
 protected:
     /// Adds warnings for combinations of settings and data that deserve a second look.
@@ -133,11 +295,46 @@ protected:
     void CopyRunSettings();
     KXStatus ReadStudies(MultiPassRecordIter& records);
     void PrepareGroups();
-    void BuildOverallModel();
+    void BuildModels(MAModelBuilder& builder);
+    void RunTrimFill();
+    void AppendImputedToFunnel();
+
+    /// The small-study test of a driver; its results go to the single getters.
+    KXStatus RunRegressionTest(MultiPassRecordIter& records, const KXVarList& variables,
+                               MAConst::RegBaseTestType type);
+    /// Runs `test` without letting its failure end the run: the host sees missing test values.
+    template <class Test>
+    void RunOptionalTest(Test test)
+    {
+        const KXStatus before = status_;
+        test();
+        status_ = before;
+    }
+
+    /// The test of heterogeneity between the groups; adds to the stored Q.
+    void ComputeCochranStatistics();
+    /// Empties the per-model lists that later models fill anew, on request the between-study variances too.
+    void ResetEstESStat(bool alsoTau2) { results_.Reset(alsoTau2); }
+    /// Appends the per-model rows that there are as one row of the cumulative lists.
+    void PushCumuStatistics() { cumulativeRows_.push_back(results_.models); }
+    /// Estimate of the number of missing studies from values on the trimmed side's scale, about the estimate
+    /// built last.
+    int CalcN0(std::vector<double> values, MAConst::TRIMFMETHOD method) const;
+    /// One funnel row of vertical coordinates; unless `keepMaximum`, its largest one is recorded.
+    void CalcFunnelPlotY(const std::vector<double>& variances, bool keepMaximum);
+
+    /// Subgroup and cumulative analyses, for either way of pooling.
+    KXStatus BuildSubGroups(MAModelBuilder& builder);
+    KXStatus BuildCumulative(MAModelBuilder& builder);
+    MASelection AllStudies() const;
+    /// The studies of each group, in study order; all of them when there are no groups.
+    std::vector<MASelection> MembersByGroup() const;
 
     void AddWarning(int code) { AddNewWarning(KXStatus(code, true), warnings_); }
     KXStatus SetError(int code) { return status_ = KXStatus(code); }
 
+    bool HasContrasts() const { return !studies_.contrastCoefficients.empty(); }
+    bool HasGroups() const { return groupCount_ > 1; }
     bool HasCumulativeValues() const { return !studies_.cumulativeValue.empty(); }
     /// Whether a model build records its heterogeneity output (else a whole analysis records it once).
     bool RecordsTestOutput() const { return !HasCumulativeValues() && !trimFillRunning_; }
@@ -161,6 +358,8 @@ protected:
     MAConst::KNAPPHADJTYPE knappHartung_ = MAConst::KNAPP_HARTUNG_NONE;
     MAConst::INPUTESTYPE inputType_ = MAConst::INPUT_RAW;
 
+    MAConst::ZEROADJTYPE zeroAdjustment_ =
+        MAConst::ZERO_ADJUST_EACH; ///< of tables, as their effect sizes left it
     bool trimFillRunning_ = false;
 
     MAStudies studies_;
@@ -170,7 +369,7 @@ protected:
     int droppedCount_ = 0;
     std::vector<KXStatus> warnings_;
 
-    std::vector<double> groupValues_;
+    std::vector<double> groupValues_; ///< distinct, ascending; then -1.0 for the overall model
     int groupCount_ = 0;
 
     MAModelResults results_;
@@ -178,8 +377,57 @@ protected:
     std::vector<double> weights_;
     std::vector<int> groupSizes_;
     std::vector<std::vector<int>> modelRecords_;
+    std::vector<MASelection> groups_; ///< studies of each group, in study or cumulative order
+
+    MABetweenGroups betweenGroups_;
+    std::vector<MAContrastRow> contrasts_;
+    std::vector<int> contrastStatus_;
+    std::vector<std::vector<double>> cumulativeOrder_;
+    std::vector<std::vector<MAModelRow>> cumulativeRows_;
+    MAModelResults filledResults_; ///< trim-and-fill's; during it, the overall model's
+    MAImputedStudies imputed_;
+    int imputedCount_ = 0;
+    MAFunnelRows funnel_;
+    double funnelYMax_ = 0.0; ///< of the funnel row computed last
+    double funnelYMin_ = 0.0;
+    MAGalbraithRows galbraith_;
+    MARegTestRow regressionTest_;
+    std::vector<MARegTestRun> regressionTests_;
+
+    class InverseVarianceBuilder;
+
+    /// The label of the overall model among the group values.
+    static constexpr double overallGroup = -1.0;
 
 private:
+    struct RecordColumns;
+
+    void AppendGroup(const MASelection& members);
+    KXStatus BuildCumulativeOverall(MAModelBuilder& builder);
+    MASelection InCumulativeOrder(MASelection members) const;
+
+    RecordColumns ColumnsByRecord(const MASelection& selection) const;
+    KXStatus RequireStudiesForTest(MultiPassRecordIter& records);
+    MARegSettings TestSettings(const KXVarList& variables) const;
+    void SetUpTest(MARegBaseTest& test, const KXVarList& variables, MAConst::RegBaseTestType type) const;
+    void StoreTest(const MARegBaseTest& test);
+    KXStatus TestSelection(MultiPassRecordIter& records, const KXVarList& variables, MARegSettings& settings,
+                           const MASelection& selection);
+
+    KXStatus TrimAndFill();
+    KXStatus TrimIteratively(const std::vector<double>& values, const std::vector<double>& variances);
+    KXStatus FillAndPool(const std::vector<double>& values, const std::vector<double>& variances,
+                         double sign);
+    double PrecisionCovariance() const;
+
+    void PlotAllStudies();
+    void PlotGroup(std::size_t group);
+    double GroupEstimate(std::size_t group) const;
+    void CalcGalbPlotStatistics(const std::vector<double>& effectSizes, const std::vector<double>& scale);
+    void CalcFunnelPlotCILine(double centre);
+    void CalcFunnelPlotContours();
+    double CalcContourXPVal(double yMax, double level) const;
+
     KXStatus ExtractModelInput(MultiPassRecordIter& records);
     bool ReadReadyMadeStudy(const Record& record, int recordNumber, double quantile);
     void AppendReadyMadeStudy(double effectSize, double variance, double stdError, double quantile);
@@ -192,7 +440,13 @@ private:
     KXStatus BuildTest(Model model);
     void RecordTestOutput(const MAContinousFixEffectModel& model) { GetContFixModelTestOutput(model); }
     void RecordTestOutput(const MARandomEffectModel& model) { GetRandomModelTestOutput(model); }
+    void RecordInverseVarianceWeights(const std::vector<double>& variances, double tau2);
 
+    MAModelRow FilledModel() const
+    {
+        return filledResults_.models.empty() ? MAModelRow() : filledResults_.models.back();
+    }
+    std::vector<std::vector<double>> CumulativeRows(double MAModelRow::*field) const;
     std::vector<double> ModelColumn(double MAModelRow::*field) const
     {
         return ColumnOf(results_.models, field);

@@ -1,7 +1,9 @@
 #include "meta_analysis/analysis/MABinModel.h"
 
-#include "meta_analysis/analysis/MAFixedModelHeterogeneity.h"
+#include "meta_analysis/analysis/InverseVarianceBuilder.h"
+#include "meta_analysis/analysis/MAModelRows.h"
 #include "meta_analysis/analysis/MARecordPass.h"
+#include "meta_analysis/analysis/TableBuilder.h"
 #include "meta_analysis/effectsize/MABinaryEffectSize.h"
 #include "meta_analysis/effectsize/MATable.h"
 #include "meta_analysis/platform/common/KXPower.h"
@@ -9,6 +11,7 @@
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
+#include <cmath>
 
 namespace MA_NAMESPACE {
 
@@ -51,7 +54,7 @@ KXStatus MABinModel::RUN(MultiPassRecordIter& records, const KXVarList& variable
     return Guarded(status_, [&] { return RunSteps(records, variables); });
 }
 
-KXStatus MABinModel::RunSteps(MultiPassRecordIter& records, const KXVarList& /*variables*/)
+KXStatus MABinModel::RunSteps(MultiPassRecordIter& records, const KXVarList& variables)
 {
     CopyRunSettings();
     if (ReadStudies(records).IsError())
@@ -59,8 +62,117 @@ KXStatus MABinModel::RunSteps(MultiPassRecordIter& records, const KXVarList& /*v
     CheckInputSettings();
     AddModelWarnings();
     PrepareGroups();
-    BuildModels();
+    if (BuildModelsByMethod().IsError())
+        return status_;
+    if (modelType_ == MAConst::MODEL_FIXED && HasContrasts())
+        UsesBinaryPooling() ? FixedBinModelContrastTest() : FixedModelContrastTest();
+    if (studies_.Count() == 1)
+        return status_;
+    if (variables.Size() > 0 && settings_->GetIsTRIMFILL())
+        RunOptionalTest([&] { RegBasedBinTest(records, variables, MAConst::REG_TEST_EFFECT_ON_STD_ERROR); });
+    RunTrimFillUnlessBinary();
+    if (status_.IsError() || ComputePlotStatistics().IsError())
+        return status_;
+    if (HasLabbePlot() && ComputeLabbePlotStatistics().IsError())
+        return status_;
+    if (trimFillRunning_ && !UsesBinaryPooling())
+        AppendImputedToFunnel();
     return status_;
+}
+
+/// Inverse-variance models of ratio measures get their ratio-scale rows here; binary pooling appends its own.
+KXStatus MABinModel::BuildModelsByMethod()
+{
+    if (UsesBinaryPooling()) {
+        TableBuilder builder(*this);
+        BuildModels(builder);
+    } else {
+        InverseVarianceBuilder builder(*this);
+        BuildModels(builder);
+        if (!status_.IsError())
+            AppendExponentiated();
+    }
+    return status_;
+}
+
+void MABinModel::RunTrimFillUnlessBinary()
+{
+    if (!UsesBinaryPooling()) {
+        RunTrimFill();
+        return;
+    }
+    trimFillRunning_ = settings_->GetIsTRIMFILL();
+    if (trimFillRunning_)
+        AddWarning(MAStatusCode::TRIM_FILL_NOT_RUN);
+}
+
+KXStatus MABinModel::BuildBinSubGroupModel()
+{
+    TableBuilder builder(*this);
+    return Guarded(status_, [&] { return BuildSubGroups(builder); });
+}
+
+KXStatus MABinModel::BuildBinCumulativeModel()
+{
+    TableBuilder builder(*this);
+    return Guarded(status_, [&] { return BuildCumulative(builder); });
+}
+
+KXStatus MABinModel::RegBasedBinTest(MultiPassRecordIter& records, const KXVarList& variables,
+                                     MAConst::RegBaseTestType type)
+{
+    return RunRegressionTest(records, variables, type);
+}
+
+KXStatus MABinModel::FixedBinModelContrastTest()
+{
+    return Guarded(status_, [this] {
+        MATableColumns tables = studies_.tables;
+        MABinaryFixEffectModel model = FittedBinModel(tables);
+        if (status_.IsError())
+            return status_;
+        for (const std::vector<double>& coefficients : studies_.contrastCoefficients) {
+            model.SetContrastCoef(&coefficients);
+            AddNewWarning(model.ContrastTest(), warnings_);
+            // The z values receive the standard error once more, as hosts expect of this path.
+            const double stdError = std::sqrt(model.GetContrastTestStdError());
+            contrasts_.push_back({model.GetContrastTestGMeans(), stdError, stdError,
+                                  model.GetContrastTest2SidedSig(), model.GetContrastTestCILower(),
+                                  model.GetContrastTestCIUpper()});
+        }
+        return status_;
+    });
+}
+
+/// Peto odds ratios have no group ratios, and studies removed after their effect sizes were computed no
+/// longer match them.
+bool MABinModel::HasLabbePlot() const
+{
+    return inputType_ == MAConst::INPUT_RAW && GetESType() != MAConst::BIN_PETO_ODDS_RATIO &&
+           labbeX_.size() == studies_.Count();
+}
+
+KXStatus MABinModel::ComputeLabbePlotStatistics()
+{
+    return Guarded(status_, [this] {
+        labbe_ = MALabbeRows();
+        if (!HasGroups()) {
+            AppendLabbeRow(AllStudies());
+            return status_;
+        }
+        for (const MASelection& members : MembersByGroup()) {
+            if (groupValues_[labbe_.x.size()] != overallGroup)
+                AppendLabbeRow(members);
+        }
+        return status_;
+    });
+}
+
+void MABinModel::AppendLabbeRow(const MASelection& members)
+{
+    labbe_.x.push_back(Selected(labbeX_, members));
+    labbe_.y.push_back(Selected(labbeY_, members));
+    labbe_.weight.push_back(Selected(weights_, members));
 }
 
 KXStatus MABinModel::ExtractRawInputData(MultiPassRecordIter& records)
@@ -143,10 +255,13 @@ KXStatus MABinModel::ESCalc(MultiPassRecordIter& records)
 void MABinModel::TakeEffectSizes(const MABinaryEffectSize& effectSizes)
 {
     zeroAdjustment_ = effectSizes.GetUpdatedZeroAdjType();
+    const bool isDifference = effectType_ == MAConst::BIN_RISK_DIFFERENCE;
+    labbeX_ = isDifference ? effectSizes.GetControlGRatio() : effectSizes.GetLogControlGRatio();
+    labbeY_ = isDifference ? effectSizes.GetTreatmentGRatio() : effectSizes.GetLogTreatmentGRatio();
     const MAEffectColumns natural = {effectSizes.GetEffectSizeVal(), effectSizes.GetEffectSizeVariance(),
                                      effectSizes.GetEffectSizeStdError(), effectSizes.GetEffectSizeCILower(),
                                      effectSizes.GetEffectSizeCIUpper()};
-    if (effectType_ == MAConst::BIN_RISK_DIFFERENCE) {
+    if (isDifference) {
         studies_.effects = natural;
         studies_.zValue = effectSizes.GetEffectSizeZVal();
         studies_.significance = effectSizes.GetEffectSizeSig();
@@ -173,20 +288,6 @@ bool MABinModel::UsesBinaryPooling() const
 {
     return weightType_ == MAConst::WEIGHT_BINARY_FIXED && inputType_ == MAConst::INPUT_RAW &&
            modelType_ == MAConst::MODEL_FIXED;
-}
-
-void MABinModel::BuildModels()
-{
-    if (!UsesBinaryPooling()) {
-        BuildOverallModel();
-        if (!status_.IsError())
-            AppendExponentiated();
-        return;
-    }
-    const MATableColumns& tables = studies_.tables;
-    BuildBinModel(tables.treatmentEvents, tables.treatmentNonEvents, tables.controlEvents,
-                  tables.controlNonEvents);
-    modelRecords_.push_back(studies_.recordNumber);
 }
 
 /// Ratio-scale rows for the models that have none yet.
@@ -298,6 +399,45 @@ std::vector<double> MABinModel::GetExpPILower() const
 std::vector<double> MABinModel::GetExpPIUpper() const
 {
     return Exponentiated(GetPIUpper());
+}
+
+std::vector<double> MABinModel::GetContrastExpEstES() const
+{
+    return Exponentiated(GetContrastEstES());
+}
+
+std::vector<double> MABinModel::GetContrastExpEstCILower() const
+{
+    return Exponentiated(GetContrastEstCILower());
+}
+
+std::vector<double> MABinModel::GetContrastExpEstCIUpper() const
+{
+    return Exponentiated(GetContrastEstCIUpper());
+}
+
+std::vector<std::vector<double>> MABinModel::GetCumExpEstES() const
+{
+    return ExponentiatedRows(GetCumEstES());
+}
+
+std::vector<std::vector<double>> MABinModel::GetCumExpEstCiLower() const
+{
+    return ExponentiatedRows(GetCumEstCiLower());
+}
+
+std::vector<std::vector<double>> MABinModel::GetCumExpEstCiUpper() const
+{
+    return ExponentiatedRows(GetCumEstCiUpper());
+}
+
+std::vector<std::vector<double>> MABinModel::ExponentiatedRows(std::vector<std::vector<double>> rows) const
+{
+    if (GetESType() == MAConst::BIN_RISK_DIFFERENCE)
+        return {};
+    for (std::vector<double>& row : rows)
+        row = Exponentiated(std::move(row));
+    return rows;
 }
 
 } // namespace MA_NAMESPACE

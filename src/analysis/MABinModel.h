@@ -58,6 +58,20 @@ public:
     /// Appends a fitted model's heterogeneity output to the per-model lists.
     void GetBinFixModelTestOutput(const MABinaryFixEffectModel& model);
 
+    /// The binary forms of `BuildSubGroupModel`, `BuildCumulativeModel` and `FixedModelContrastTest`.
+    KXStatus BuildBinSubGroupModel();
+    KXStatus BuildBinCumulativeModel();
+    KXStatus FixedBinModelContrastTest();
+
+    /// Coordinates of the L'Abbé plot: one row of all studies, or one per subgroup.
+    KXStatus ComputeLabbePlotStatistics();
+
+    /// Regression-based small-study test of the given type; its results are in the `GetRegBasedTest...`
+    /// getters. The error of a failing test becomes the status: 460028 fewer than 3 studies, and those of
+    /// `MARegBaseTest`.
+    KXStatus RegBasedBinTest(MultiPassRecordIter& records, const KXVarList& variables,
+                             MAConst::RegBaseTestType type);
+
     MAConst::BINESTYPE GetESType() const { return settings_->GetBinaryEstType(); }
 
     /// Per study, on the ratio scale; empty for risk differences computed from tables. From tables, the
@@ -77,18 +91,51 @@ public:
     std::vector<double> GetExpPILower() const;
     std::vector<double> GetExpPIUpper() const;
 
+    /// Contrasts on the ratio scale, exponentiated entry by entry; so are the cumulative rows, which are
+    /// empty for risk differences, and the trim-and-fill model, missing when that did not run.
+    std::vector<double> GetContrastExpEstES() const;
+    std::vector<double> GetContrastExpEstCILower() const;
+    std::vector<double> GetContrastExpEstCIUpper() const;
+    std::vector<std::vector<double>> GetCumExpEstES() const;
+    std::vector<std::vector<double>> GetCumExpEstCiLower() const;
+    std::vector<std::vector<double>> GetCumExpEstCiUpper() const;
+    double GetOverallTFExpEffectSize() const { return FilledExponentiated().estimate; }
+    double GetOverallTFExpCILower() const { return FilledExponentiated().ciLower; }
+    double GetOverallTFExpCIUpper() const { return FilledExponentiated().ciUpper; }
+
+    /// L'Abbé plot, one row per plot: the outcome of the control group (x) and of the treatment group (y),
+    /// log odds or log risks, or risks for the risk difference, so that y - x is the study's effect size; and
+    /// the weights.
+    std::vector<std::vector<double>> GetLabbePlotX() const { return CopyOf(labbe_.x); }
+    std::vector<std::vector<double>> GetLabbePlotY() const { return CopyOf(labbe_.y); }
+    std::vector<std::vector<double>> GetLabbePlotW() const { return CopyOf(labbe_.weight); }
+
 private:
+    class TableBuilder;
+
+    KXStatus BuildModelsByMethod();
+    void RunTrimFillUnlessBinary();
+    bool HasLabbePlot() const;
+    void AppendLabbeRow(const MASelection& members);
+    MAExponentiatedRow FilledExponentiated() const
+    {
+        return filledResults_.exponentiated.empty() ? MAExponentiatedRow()
+                                                    : filledResults_.exponentiated.back();
+    }
+    std::vector<std::vector<double>> ExponentiatedRows(std::vector<std::vector<double>> rows) const;
     bool UsesBinaryPooling() const;
     void ClassifyTable(const Record& record, int recordNumber);
     void TakeEffectSizes(const MABinaryEffectSize& effectSizes);
     void AddModelWarnings();
-    void BuildModels();
     MABinaryFixEffectModel FittedBinModel(MATableColumns& tables);
     void AppendExponentiated();
     KXStatus RunSteps(MultiPassRecordIter& records, const KXVarList& variables);
 
     MAConst::BINESTYPE effectType_ = MAConst::BIN_ODDS_RATIO;
-    MAConst::ZEROADJTYPE zeroAdjustment_ = MAConst::ZERO_ADJUST_EACH; ///< as the effect sizes left it
+    std::vector<double>
+        labbeX_; ///< of the control group, one entry per study for which effects were computed
+    std::vector<double> labbeY_; ///< of the treatment group
+    MALabbeRows labbe_;
 };
 
 } // namespace MA_NAMESPACE

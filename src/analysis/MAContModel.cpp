@@ -1,5 +1,6 @@
 #include "meta_analysis/analysis/MAContModel.h"
 
+#include "meta_analysis/analysis/InverseVarianceBuilder.h"
 #include "meta_analysis/analysis/MARecordPass.h"
 #include "meta_analysis/effectsize/MAContinousEffectSize.h"
 #include "meta_analysis/settings/Guarded.h"
@@ -35,14 +36,29 @@ KXStatus MAContModel::RUN(MultiPassRecordIter& records, const KXVarList& variabl
     return Guarded(status_, [&] { return RunSteps(records, variables); });
 }
 
-KXStatus MAContModel::RunSteps(MultiPassRecordIter& records, const KXVarList& /*variables*/)
+KXStatus MAContModel::RunSteps(MultiPassRecordIter& records, const KXVarList& variables)
 {
     CopyRunSettings();
     if (ReadStudies(records).IsError())
         return status_;
     CheckInputSettings();
     PrepareGroups();
-    BuildOverallModel();
+
+    InverseVarianceBuilder builder(*this);
+    BuildModels(builder);
+    if (status_.IsError())
+        return status_;
+    if (modelType_ == MAConst::MODEL_FIXED && HasContrasts())
+        FixedModelContrastTest();
+    if (studies_.Count() == 1)
+        return status_;
+    if (variables.Size() > 0 && settings_->GetIsTRIMFILL())
+        RunOptionalTest([&] { RegBasedContTest(records, variables); });
+    RunTrimFill();
+    if (status_.IsError() || ComputePlotStatistics().IsError())
+        return status_;
+    if (trimFillRunning_)
+        AppendImputedToFunnel();
     return status_;
 }
 
@@ -58,6 +74,11 @@ KXStatus MAContModel::ExtractRawInputData(MultiPassRecordIter& records)
                    ClassifyMeans(record, recordNumber);
                });
     });
+}
+
+KXStatus MAContModel::RegBasedContTest(MultiPassRecordIter& records, const KXVarList& variables)
+{
+    return RunRegressionTest(records, variables, MAConst::REG_TEST_EFFECT_ON_STD_ERROR);
 }
 
 bool MAContModel::HasRequiredIndices() const

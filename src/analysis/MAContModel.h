@@ -33,6 +33,11 @@ public:
     /// Reads the groups and counts the records that are missing or invalid.
     KXStatus ExtractRawInputData(MultiPassRecordIter& records);
 
+    /// Regression of the effect sizes on their standard errors; its results are in the `GetRegBasedTest...`
+    /// getters. The error of a failing test becomes the status: 460028 fewer than 3 studies, and those of
+    /// `MARegBaseTest`.
+    KXStatus RegBasedContTest(MultiPassRecordIter& records, const KXVarList& variables);
+
     MAConst::CONTESTYPE GetESType() const { return settings_->GetContinousEstType(); }
 
 private:

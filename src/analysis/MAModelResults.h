@@ -42,6 +42,73 @@ struct MAHeterogeneityRow
     double piUpper = KXMV::Missing();
 };
 
+/// Test of heterogeneity between subgroups.
+struct MABetweenGroups
+{
+    double q = 0.0;
+    int df = 0;
+    double significance = 0.0;
+};
+
+/// A contrast's estimate with its test and interval.
+struct MAContrastRow
+{
+    double estimate;
+    double stdError;
+    double zValue;
+    double significance;
+    double ciLower;
+    double ciUpper;
+};
+
+/// The test covariate's coefficient of a regression-based small-study test.
+struct MARegTestRow
+{
+    double coefficient = KXMV::Missing();
+    double stdError = KXMV::Missing();
+    double statistic = KXMV::Missing();
+    double significance = KXMV::Missing();
+    double ciLower = KXMV::Missing();
+    double ciUpper = KXMV::Missing();
+    int df = 0; ///< good records minus non-redundant parameters
+};
+
+/// The studies that trim-and-fill adds, in the order of filling.
+struct MAImputedStudies
+{
+    std::vector<double> effectSize;
+    std::vector<double> variance;
+    std::vector<double> stdError;
+};
+
+/// Coordinates of funnel plots, one row per plot.
+struct MAFunnelRows
+{
+    std::vector<std::vector<double>> x;
+    std::vector<std::vector<double>> y;
+    std::vector<std::vector<double>> lineX;
+    std::vector<std::vector<double>> lineY;
+    std::vector<std::vector<double>> contourX;
+    std::vector<double> yMax;
+};
+
+/// Coordinates of Galbraith plots, one row per plot.
+struct MAGalbraithRows
+{
+    std::vector<std::vector<double>> x;
+    std::vector<std::vector<double>> y;
+    std::vector<double> slope;
+    std::vector<double> criticalValue;
+};
+
+/// Coordinates and weights of L'Abbé plots, one row per plot.
+struct MALabbeRows
+{
+    std::vector<std::vector<double>> x;
+    std::vector<std::vector<double>> y;
+    std::vector<std::vector<double>> weight;
+};
+
 /// What is kept of the models fitted so far and is reset and set aside together, an entry a model.
 struct MAModelResults
 {

@@ -1,8 +1,29 @@
 #pragma once
 
 #include "meta_analysis/analysis/MAModelResults.h"
+#include "meta_analysis/pooling/MAContinousFixEffectModel.h"
+#include "meta_analysis/pooling/MARandomEffectModel.h"
+
+#include <cmath>
 
 namespace MA_NAMESPACE {
+
+// The rows that fitted models leave in the per-model lists.
+
+inline MAModelRow RowOf(const MAContinousFixEffectModel& model)
+{
+    return {model.GetEstMeanEffectSize(),     model.GetEstEffectSizeVariance(),
+            model.GetEstEffectSizeStdError(), model.GetEstEffectSizeZVal(),
+            model.GetEstEffectSizeSig(),      model.GetEstEffectSizeCILower(),
+            model.GetEstEffectSizeCIUpper()};
+}
+
+inline MAModelRow RowOf(const MARandomEffectModel& model)
+{
+    return {model.GetEstEffectSize(), model.GetEstESVariance(), std::sqrt(model.GetEstESVariance()),
+            model.GetEstESTestStat(), model.GetEstESSig(),      model.GetEstESCILower(),
+            model.GetEstESCIUpper()};
+}
 
 /// Heterogeneity output of either fixed-effect model; these have no prediction interval.
 template <class FixedModel>
@@ -18,6 +39,20 @@ MAHeterogeneityRow HeterogeneityRowOf(const FixedModel& model)
     row.i2 = model.GetHeterogeneityTestI2();
     row.i2Lower = model.GetHeterogeneityTestI2CILower();
     row.i2Upper = model.GetHeterogeneityTestI2CIUpper();
+    return row;
+}
+
+/// Its H² and I² come without bounds.
+inline MAHeterogeneityRow HeterogeneityRowOf(const MARandomEffectModel& model)
+{
+    MAHeterogeneityRow row;
+    row.q = model.GetHomogeneityTestQ();
+    row.df = model.GetHomogeneityTestDf();
+    row.significance = model.GetHomogeneityTestPVal();
+    row.h2 = model.GetHeterogeneityTestH2();
+    row.i2 = model.GetHeterogeneityTestI2();
+    row.piLower = model.GetEstESPILower();
+    row.piUpper = model.GetEstESPIUpper();
     return row;
 }
 

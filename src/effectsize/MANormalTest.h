@@ -19,4 +19,23 @@ inline double TwoSidedNormalSignificance(double z) noexcept
     return 2.0 * (1.0 - KXDistFun::CdfStdNorm(std::abs(z)));
 }
 
+/// Two-sided z test of an estimate, and its confidence interval.
+struct MANormalInference
+{
+    double stdError;
+    double zValue;
+    double significance;
+    double ciLower;
+    double ciUpper;
+};
+
+inline MANormalInference InferNormal(double estimate, double variance, double nullValue,
+                                     double quantile) noexcept
+{
+    const double stdError = std::sqrt(variance);
+    const double z = (estimate - nullValue) / stdError;
+    const double halfWidth = quantile * stdError;
+    return {stdError, z, TwoSidedNormalSignificance(z), estimate - halfWidth, estimate + halfWidth};
+}
+
 } // namespace MA_NAMESPACE

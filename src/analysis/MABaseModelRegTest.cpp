@@ -1,0 +1,163 @@
+// Regression-based small-study tests on the studies of an analysis.
+
+#include "meta_analysis/analysis/MABaseModel.h"
+#include "meta_analysis/analysis/MARegBaseTest.h"
+#include "meta_analysis/regression/MAIterator.h"
+#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MAEstimatorCode.h"
+#include "meta_analysis/settings/MAStatusCode.h"
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+constexpr std::size_t fewestStudies = 3;
+
+/// Last element: the test covariate's.
+void StoreLast(const std::vector<double>& values, double& stored)
+{
+    if (!values.empty())
+        stored = values.back();
+}
+
+} // namespace
+
+/// Effect sizes and variances as a regression reads them: an entry per record, missing for the records that
+/// are no study.
+struct MABaseModel::RecordColumns
+{
+    RecordColumns(int recordCount)
+        : effectSizes(static_cast<std::size_t>(recordCount), KXMV::Missing()), variances(effectSizes)
+    {}
+    std::vector<double> effectSizes;
+    std::vector<double> variances;
+};
+
+MABaseModel::RecordColumns MABaseModel::ColumnsByRecord(const MASelection& selection) const
+{
+    RecordColumns columns(recordCount_);
+    for (const std::size_t study : selection) {
+        const auto record = static_cast<std::size_t>(studies_.recordNumber[study]);
+        columns.effectSizes[record] = studies_.effects.effectSize[study];
+        columns.variances[record] = studies_.effects.variance[study];
+    }
+    return columns;
+}
+
+/// Reads the studies when nothing was read yet; a run that found none is not repeated. Error 460028 for fewer
+/// than three.
+KXStatus MABaseModel::RequireStudiesForTest(MultiPassRecordIter& records)
+{
+    if (recordCount_ == 0 && studies_.Count() == 0) {
+        CopyRunSettings();
+        if ((inputType_ == MAConst::INPUT_RAW ? ESCalc(records) : ExtractModelInputData(records)).IsError())
+            return status_;
+    }
+    return studies_.Count() < fewestStudies ? SetError(MAStatusCode::TOO_FEW_FOR_TEST) : KXStatus();
+}
+
+KXStatus MABaseModel::RunRegressionTest(MultiPassRecordIter& records, const KXVarList& variables,
+                                        MAConst::RegBaseTestType type)
+{
+    return Guarded(status_, [&] {
+        if (RequireStudiesForTest(records).IsError())
+            return status_;
+        const RecordColumns columns = ColumnsByRecord(AllStudies());
+        MAIterator iterator(records, variables, columns.effectSizes, columns.variances);
+        const MARegSettings settings = TestSettings(iterator.GetVarList());
+        MARegBaseTest test(settings, iterator.GetVarList());
+        SetUpTest(test, iterator.GetVarList(), type);
+        status_ = test.Test(iterator);
+        if (!status_.IsError())
+            StoreTest(test);
+        return status_;
+    });
+}
+
+MARegSettings MABaseModel::TestSettings(const KXVarList& variables) const
+{
+    MARegSettings settings;
+    settings.SetInterceptUse(settings_->GetIsUseIntercept());
+    settings.SetConfidenceLevel(settings_->GetCILevel());
+    settings.SetOMWVarIndex(variables.FindVariable("$variance$"));
+    settings.SetOMWVarType(MAConst::OMEGA_VARIANCE);
+    settings.SetMultiDiser(settings_->GetMultiDisper());
+    settings.SetParameterTolerance(settings_->GetConnvergenceTol());
+    settings.SetMaxIterations(settings_->GetMaxIter());
+    settings.SetMaxStepHalvingValue(settings_->GetMaxStepHalving());
+    const int estimator = settings_->GetEstTauType();
+    if (estimator >= 0 && estimator < estimatorCodeCount)
+        settings.SetEstTauType(estimatorCodes[estimator]);
+    settings.SetKnapHartAdjust(settings_->GetKnapHartAdjustType() != MAConst::KNAPP_HARTUNG_NONE);
+    settings.SetTruncAjustValue(settings_->GetKnapHartAdjustType() == MAConst::KNAPP_HARTUNG_TRUNCATED);
+    settings.SetTreatmentSuccess(settings_->GetTreatmentSuccessVarIndex());
+    settings.SetTreatmentFailure(settings_->GetTreatmentFailureVarIndex());
+    settings.SetControlSuccess(settings_->GetControlSuccessVarIndex());
+    settings.SetControlFailure(settings_->GetControlFailureVarIndex());
+    return settings;
+}
+
+void MABaseModel::SetUpTest(MARegBaseTest& test, const KXVarList& variables,
+                            MAConst::RegBaseTestType type) const
+{
+    test.SetEffectSizeIndex(variables.FindVariable("$effectSize$"));
+    test.SetTestRegModelType(modelType_);
+    test.SetTestType(type);
+    test.SetAdjustType(zeroAdjustment_);
+    test.SetDropBinZero(false);
+}
+
+void MABaseModel::StoreTest(const MARegBaseTest& test)
+{
+    StoreLast(test.GetCoefficient(), regressionTest_.coefficient);
+    StoreLast(test.GetBetaStandErr(), regressionTest_.stdError);
+    StoreLast(test.GetBetaTest(), regressionTest_.statistic);
+    StoreLast(test.GetBetaTestPValue(), regressionTest_.significance);
+    StoreLast(test.GetBetaConfInterValLower(), regressionTest_.ciLower);
+    StoreLast(test.GetBetaConfInterValUpper(), regressionTest_.ciUpper);
+    if (!test.GetCoefficient().empty())
+        regressionTest_.df = test.GetResidualDf();
+}
+
+KXStatus MABaseModel::RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
+                                   MARegSettings settings)
+{
+    return Guarded(status_, [&] {
+        if (RequireStudiesForTest(records).IsError())
+            return status_;
+        if (HasGroups()) {
+            for (const MASelection& members : MembersByGroup())
+                TestSelection(records, variables, settings, members);
+        }
+        return status_ = TestSelection(records, variables, settings, AllStudies());
+    });
+}
+
+/// One test on some of the studies, appended to the tests' lists also when it fails.
+KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarList& variables,
+                                    MARegSettings& settings, const MASelection& selection)
+{
+    regressionTests_.emplace_back();
+    if (selection.size() < fewestStudies)
+        return KXStatus(MAStatusCode::TOO_FEW_FOR_TEST);
+    const RecordColumns columns = ColumnsByRecord(selection);
+    MAIterator iterator(records, variables, columns.effectSizes, columns.variances);
+    settings.SetOMWVarIndex(iterator.GetVarList().FindVariable("$variance$"));
+    settings.SetOMWVarType(MAConst::OMEGA_VARIANCE);
+    MARegBaseTest test(settings, iterator.GetVarList());
+    SetUpTest(test, iterator.GetVarList(), settings_->GetRegBaseTestType());
+    const KXStatus tested = test.Test(iterator);
+    if (!tested.IsError())
+        regressionTests_.back() = {1,
+                                   test.GetCoefficient(),
+                                   test.GetBetaStandErr(),
+                                   test.GetBetaTest(),
+                                   test.GetBetaTestPValue(),
+                                   test.GetBetaConfInterValLower(),
+                                   test.GetBetaConfInterValUpper(),
+                                   test.GetParameters(),
+                                   test.GetRedundancyInfo()};
+    return tested;
+}
+
+} // namespace MA_NAMESPACE
