@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/analysis/MABubbleRows.h"
 #include "meta_analysis/analysis/MAModelResults.h"
 #include "meta_analysis/analysis/MARegTestRun.h"
 #include "meta_analysis/analysis/MASelection.h"
@@ -20,6 +21,7 @@ namespace MA_NAMESPACE {
 
 class MAModelBuilder;
 class MARegBaseTest;
+struct MARecordColumns;
 
 /// What the analyses of binary and of continuous outcomes share: the studies, the pooled models and all
 /// results, which a host reads through the getters after `RUN` of a derived class.
@@ -99,6 +101,13 @@ public:
     /// Error 460028 fewer than 3 studies in all; the error of the overall test.
     KXStatus RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables, MARegSettings settings);
 
+    /// Bubble plot of the studies over each covariate of `settings`: a regression on that covariate alone,
+    /// under the model of the run, after `RUN`. Appends an entry per covariate to the bubble lists. Errors:
+    /// 460009 a covariate is not in the variable list, 460011 the iterator cannot be started, 460012 it
+    /// fails.
+    KXStatus BubblePlot(MultiPassRecordIter& records, const KXVarList& variables,
+                        const MARegSettings& settings);
+
     MAConst::MODELTYPE GetModelType() const { return modelType_; }
     MAConst::WEIGHTYPE GetWeightType() const { return weightType_; }
     MAConst::INPUTESTYPE GetInputESType() const { return inputType_; }
@@ -168,24 +177,18 @@ public:
 
     /// Per contrast: estimate with its test and interval. Of the binary fixed-effect pooling, the z values
     /// are the standard errors once more.
-    std::vector<double> GetContrastEstES() const { return ColumnOf(contrasts_, &MAContrastRow::estimate); }
+    std::vector<double> GetContrastEstES() const { return FieldOf(contrasts_, &MAContrastRow::estimate); }
     std::vector<double> GetContrastEstStdError() const
     {
-        return ColumnOf(contrasts_, &MAContrastRow::stdError);
+        return FieldOf(contrasts_, &MAContrastRow::stdError);
     }
-    std::vector<double> GetContrastEstZVal() const { return ColumnOf(contrasts_, &MAContrastRow::zValue); }
+    std::vector<double> GetContrastEstZVal() const { return FieldOf(contrasts_, &MAContrastRow::zValue); }
     std::vector<double> GetContrastEstSig() const
     {
-        return ColumnOf(contrasts_, &MAContrastRow::significance);
+        return FieldOf(contrasts_, &MAContrastRow::significance);
     }
-    std::vector<double> GetContrastEstCILower() const
-    {
-        return ColumnOf(contrasts_, &MAContrastRow::ciLower);
-    }
-    std::vector<double> GetContrastEstCIUpper() const
-    {
-        return ColumnOf(contrasts_, &MAContrastRow::ciUpper);
-    }
+    std::vector<double> GetContrastEstCILower() const { return FieldOf(contrasts_, &MAContrastRow::ciLower); }
+    std::vector<double> GetContrastEstCIUpper() const { return FieldOf(contrasts_, &MAContrastRow::ciUpper); }
     /// 0 tested, 1 all coefficients are 0, 2 tested with a warning; empty under binary fixed-effect pooling.
     std::vector<int> GetContrastStatus() const { return CopyOf(contrastStatus_); }
 
@@ -283,6 +286,31 @@ public:
     std::vector<KXBitSet> GetRegrCoefRedundancyInfo() const
     {
         return FieldOf(regressionTests_, &MARegTestRun::nonRedundant);
+    }
+
+    /// Bubble plots, one entry per covariate; see `MABubbleRows`. Flag 1 where the regression could be
+    /// fitted, else 0 and empty rows. Per-study rows have an entry per valid study.
+    std::vector<int> GetBubbleFlags() const { return FieldOf(bubbles_, &MABubbleRows::fitted); }
+    std::vector<std::vector<double>> GetBubbleCoefs() const
+    {
+        return BubbleRows(&MABubbleRows::coefficients);
+    }
+    std::vector<std::vector<double>> GetBubbleXs() const { return BubbleRows(&MABubbleRows::x); }
+    std::vector<std::vector<double>> GetBubblePredVals() const
+    {
+        return BubbleRows(&MABubbleRows::predicted);
+    }
+    std::vector<std::vector<double>> GetBubbleW() const { return BubbleRows(&MABubbleRows::weight); }
+    std::vector<std::vector<double>> GetBubbleCILower() const { return BubbleRows(&MABubbleRows::ciLower); }
+    std::vector<std::vector<double>> GetBubbleCIUpper() const { return BubbleRows(&MABubbleRows::ciUpper); }
+    std::vector<std::vector<double>> GetBubbleCICurveX() const { return BubbleRows(&MABubbleRows::curveX); }
+    std::vector<std::vector<double>> GetBubbleCICurveLower() const
+    {
+        return BubbleRows(&MABubbleRows::curveLower);
+    }
+    std::vector<std::vector<double>> GetBubbleCICurveUpper() const
+    {
+        return BubbleRows(&MABubbleRows::curveUpper);
     }
 
 protected:
@@ -393,6 +421,7 @@ protected:
     MAGalbraithRows galbraith_;
     MARegTestRow regressionTest_;
     std::vector<MARegTestRun> regressionTests_;
+    std::vector<MABubbleRows> bubbles_; ///< one entry per covariate
 
     class InverseVarianceBuilder;
 
@@ -400,19 +429,23 @@ protected:
     static constexpr double overallGroup = -1.0;
 
 private:
-    struct RecordColumns;
-
     void AppendGroup(const MASelection& members);
     KXStatus BuildCumulativeOverall(MAModelBuilder& builder);
     MASelection InCumulativeOrder(MASelection members) const;
 
-    RecordColumns ColumnsByRecord(const MASelection& selection) const;
+    MARecordColumns ColumnsByRecord(const MASelection& selection) const;
     KXStatus RequireStudiesForTest(MultiPassRecordIter& records);
     MARegSettings TestSettings(const KXVarList& variables) const;
     void SetUpTest(MARegBaseTest& test, const KXVarList& variables, MAConst::RegBaseTestType type) const;
     void StoreTest(const MARegBaseTest& test);
     KXStatus TestSelection(MultiPassRecordIter& records, const KXVarList& variables, MARegSettings& settings,
                            const MASelection& selection);
+
+    MABubbleRows OfStudies(MABubbleRows rows) const;
+    std::vector<std::vector<double>> BubbleRows(std::vector<double> MABubbleRows::*field) const
+    {
+        return FieldOf(bubbles_, field);
+    }
 
     KXStatus TrimAndFill();
     KXStatus TrimIteratively(const std::vector<double>& values, const std::vector<double>& variances);
@@ -449,11 +482,11 @@ private:
     std::vector<std::vector<double>> CumulativeRows(double MAModelRow::*field) const;
     std::vector<double> ModelColumn(double MAModelRow::*field) const
     {
-        return ColumnOf(results_.models, field);
+        return FieldOf(results_.models, field);
     }
     std::vector<double> HeterogeneityColumn(double MAHeterogeneityRow::*field) const
     {
-        return ColumnOf(heterogeneity_, field);
+        return FieldOf(heterogeneity_, field);
     }
 };
 

@@ -64,7 +64,7 @@ std::vector<std::vector<double>> MABaseModel::CumulativeRows(double MAModelRow::
         std::vector<std::vector<double>> rows;
         rows.reserve(cumulativeRows_.size());
         for (const std::vector<MAModelRow>& row : cumulativeRows_)
-            rows.push_back(ColumnOf(row, field));
+            rows.push_back(FieldOf(row, field));
         return rows;
     } catch (...) {
         return {};

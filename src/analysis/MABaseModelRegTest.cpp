@@ -1,6 +1,7 @@
 // Regression-based small-study tests on the studies of an analysis.
 
 #include "meta_analysis/analysis/MABaseModel.h"
+#include "meta_analysis/analysis/MARecordColumns.h"
 #include "meta_analysis/analysis/MARegBaseTest.h"
 #include "meta_analysis/regression/MAIterator.h"
 #include "meta_analysis/settings/Guarded.h"
@@ -22,20 +23,9 @@ void StoreLast(const std::vector<double>& values, double& stored)
 
 } // namespace
 
-/// Effect sizes and variances as a regression reads them: an entry per record, missing for the records that
-/// are no study.
-struct MABaseModel::RecordColumns
+MARecordColumns MABaseModel::ColumnsByRecord(const MASelection& selection) const
 {
-    RecordColumns(int recordCount)
-        : effectSizes(static_cast<std::size_t>(recordCount), KXMV::Missing()), variances(effectSizes)
-    {}
-    std::vector<double> effectSizes;
-    std::vector<double> variances;
-};
-
-MABaseModel::RecordColumns MABaseModel::ColumnsByRecord(const MASelection& selection) const
-{
-    RecordColumns columns(recordCount_);
+    MARecordColumns columns(recordCount_);
     for (const std::size_t study : selection) {
         const auto record = static_cast<std::size_t>(studies_.recordNumber[study]);
         columns.effectSizes[record] = studies_.effects.effectSize[study];
@@ -62,7 +52,7 @@ KXStatus MABaseModel::RunRegressionTest(MultiPassRecordIter& records, const KXVa
     return Guarded(status_, [&] {
         if (RequireStudiesForTest(records).IsError())
             return status_;
-        const RecordColumns columns = ColumnsByRecord(AllStudies());
+        const MARecordColumns columns = ColumnsByRecord(AllStudies());
         MAIterator iterator(records, variables, columns.effectSizes, columns.variances);
         const MARegSettings settings = TestSettings(iterator.GetVarList());
         MARegBaseTest test(settings, iterator.GetVarList());
@@ -140,7 +130,7 @@ KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarLis
     regressionTests_.emplace_back();
     if (selection.size() < fewestStudies)
         return KXStatus(MAStatusCode::TOO_FEW_FOR_TEST);
-    const RecordColumns columns = ColumnsByRecord(selection);
+    const MARecordColumns columns = ColumnsByRecord(selection);
     MAIterator iterator(records, variables, columns.effectSizes, columns.variances);
     settings.SetOMWVarIndex(iterator.GetVarList().FindVariable("$variance$"));
     settings.SetOMWVarType(MAConst::OMEGA_VARIANCE);

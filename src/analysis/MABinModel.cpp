@@ -378,17 +378,17 @@ void MABinModel::GetBinFixModelTestOutput(const MABinaryFixEffectModel& model)
 
 std::vector<double> MABinModel::GetEstExpEffectSize() const
 {
-    return ColumnOf(results_.exponentiated, &MAExponentiatedRow::estimate);
+    return FieldOf(results_.exponentiated, &MAExponentiatedRow::estimate);
 }
 
 std::vector<double> MABinModel::GetEstExpCILower() const
 {
-    return ColumnOf(results_.exponentiated, &MAExponentiatedRow::ciLower);
+    return FieldOf(results_.exponentiated, &MAExponentiatedRow::ciLower);
 }
 
 std::vector<double> MABinModel::GetEstExpCIUpper() const
 {
-    return ColumnOf(results_.exponentiated, &MAExponentiatedRow::ciUpper);
+    return FieldOf(results_.exponentiated, &MAExponentiatedRow::ciUpper);
 }
 
 std::vector<double> MABinModel::GetExpPILower() const

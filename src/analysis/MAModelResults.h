@@ -126,15 +126,15 @@ struct MAModelResults
 };
 
 /// One field of every row, as a getter returns it: empty when memory runs out, like `CopyOf`.
-template <class Row>
-std::vector<double> ColumnOf(const std::vector<Row>& rows, double Row::*field) noexcept
+template <class Row, class Field>
+std::vector<Field> FieldOf(const std::vector<Row>& rows, Field Row::*field) noexcept
 {
     try {
-        std::vector<double> column;
-        column.reserve(rows.size());
+        std::vector<Field> fields;
+        fields.reserve(rows.size());
         for (const Row& row : rows)
-            column.push_back(row.*field);
-        return column;
+            fields.push_back(row.*field);
+        return fields;
     } catch (...) {
         return {};
     }

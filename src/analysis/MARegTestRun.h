@@ -21,19 +21,4 @@ struct MARegTestRun
     KXBitSet nonRedundant;
 };
 
-/// One field of every test, as a getter returns it: empty when memory runs out.
-template <class Field>
-std::vector<Field> FieldOf(const std::vector<MARegTestRun>& tests, Field MARegTestRun::*field) noexcept
-{
-    try {
-        std::vector<Field> fields;
-        fields.reserve(tests.size());
-        for (const MARegTestRun& test : tests)
-            fields.push_back(test.*field);
-        return fields;
-    } catch (...) {
-        return {};
-    }
-}
-
 } // namespace MA_NAMESPACE
