@@ -348,8 +348,9 @@ protected:
     /// Estimate of the number of missing studies from values on the trimmed side's scale, about the estimate
     /// built last.
     int CalcN0(std::vector<double> values, MAConst::TRIMFMETHOD method) const;
-    /// One funnel row of vertical coordinates; unless `keepMaximum`, its largest one is recorded.
-    void CalcFunnelPlotY(const std::vector<double>& variances, bool keepMaximum);
+    /// One funnel row of vertical coordinates; unless `withoutContour`, its largest one is recorded as the
+    /// height of the contours.
+    void CalcFunnelPlotY(const std::vector<double>& variances, bool withoutContour);
 
     /// Subgroup and cumulative analyses, for either way of pooling.
     KXStatus BuildSubGroups(MAModelBuilder& builder);

@@ -114,7 +114,7 @@ void MABaseModel::CalcGalbPlotStatistics(const std::vector<double>& effectSizes,
     galbraith_.criticalValue.push_back(TwoSidedNormalQuantile(alpha_));
 }
 
-void MABaseModel::CalcFunnelPlotY(const std::vector<double>& variances, bool keepMaximum)
+void MABaseModel::CalcFunnelPlotY(const std::vector<double>& variances, bool withoutContour)
 {
     const MAConst::FunnelYType type = settings_->GetFunnelYType();
     std::vector<double> y;
@@ -126,7 +126,7 @@ void MABaseModel::CalcFunnelPlotY(const std::vector<double>& variances, bool kee
         funnelYMax_ = std::max(funnelYMax_, y.back());
         funnelYMin_ = std::min(funnelYMin_, y.back());
     }
-    if (!keepMaximum)
+    if (!withoutContour)
         funnel_.yMax.push_back(funnelYMax_);
     funnel_.y.push_back(std::move(y));
 }
