@@ -71,12 +71,14 @@ public:
     void GetRandomModelTestOutput(const MARandomEffectModel& model);
 
     /// One model per distinct subgroup value, then one of all studies, then the test between the groups.
-    /// Under random effects every group has its own between-study variance. Returns the first model's error.
+    /// Under random effects every group has its own between-study variance. Returns the first model's error;
+    /// 460001 when the studies are not complete yet.
     KXStatus BuildSubGroupModel();
 
     /// Per subgroup (or for all studies) the model of the first 1, 2, ... studies in the order of the
     /// cumulative variable; with two or more groups also a model of all studies and the test between the
-    /// groups. The per-model lists then hold the last group's steps, or with groups the overall model.
+    /// groups. The per-model lists then hold the last group's steps, or with groups the overall model. Error
+    /// 460001 also when the studies have no cumulative values.
     KXStatus BuildCumulativeModel();
 
     /// Fixed-effect test of each contrast variable, whatever the model of the run. A contrast's own failure
@@ -356,7 +358,7 @@ protected:
     KXStatus BuildSubGroups(MAModelBuilder& builder);
     KXStatus BuildCumulative(MAModelBuilder& builder);
     MASelection AllStudies() const;
-    /// The studies of each group, in study order; all of them when there are no groups.
+    /// The studies of each group, in study order; without a subgroup variable all are one group.
     std::vector<MASelection> MembersByGroup() const;
 
     void AddWarning(int code) { AddNewWarning(KXStatus(code, true), warnings_); }
@@ -364,6 +366,9 @@ protected:
 
     bool HasContrasts() const { return !studies_.contrastCoefficients.empty(); }
     bool HasGroups() const { return groupCount_ > 1; }
+    /// Whether every study has its group value. A public build that is called before the studies are complete
+    /// finds it otherwise.
+    bool HasGroupValues() const { return studies_.groupValue.size() == studies_.Count(); }
     bool HasCumulativeValues() const { return !studies_.cumulativeValue.empty(); }
     /// Whether a model build records its heterogeneity output (else a whole analysis records it once).
     bool RecordsTestOutput() const { return !HasCumulativeValues() && !trimFillRunning_; }

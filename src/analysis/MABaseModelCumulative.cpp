@@ -3,6 +3,7 @@
 #include "meta_analysis/analysis/InverseVarianceBuilder.h"
 #include "meta_analysis/analysis/MABaseModel.h"
 #include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
 
@@ -16,6 +17,8 @@ KXStatus MABaseModel::BuildCumulativeModel()
 
 KXStatus MABaseModel::BuildCumulative(MAModelBuilder& builder)
 {
+    if (!HasGroupValues() || studies_.cumulativeValue.size() != studies_.Count())
+        return SetError(MAStatusCode::LENGTH_MISMATCH);
     for (const MASelection& members : MembersByGroup()) {
         ResetEstESStat(false);
         const MASelection ordered = InCumulativeOrder(members);

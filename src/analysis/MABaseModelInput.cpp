@@ -38,7 +38,7 @@ KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
     studies_.contrastCoefficients.resize(contrastIndices.size());
 
     KXStatus status;
-    if (inputType_ == MAConst::INPUT_READY_MADE) {
+    if (settings_->GetInputESType() == MAConst::INPUT_READY_MADE) {
         const double quantile = TwoSidedNormalQuantile(alpha_);
         status = ReadPass(records, recordCount_, [&](const Record& record, int recordNumber) {
             if (ReadReadyMadeStudy(record, recordNumber, quantile))

@@ -51,10 +51,9 @@ KXStatus MABaseModel::ComputePlotStatistics()
 {
     return Guarded(status_, [this] {
         PlotAllStudies();
-        if (HasGroups()) {
-            for (std::size_t g = 0; g < groups_.size(); ++g)
-                PlotGroup(g);
-        }
+        const std::size_t groupCount = std::min(groups_.size(), static_cast<std::size_t>(groupCount_));
+        for (std::size_t g = 0; HasGroups() && g < groupCount; ++g)
+            PlotGroup(g);
         return status_;
     });
 }

@@ -14,6 +14,32 @@ namespace {
 
 constexpr std::size_t fewestStudies = 3;
 
+/// The records that have an effect size. Tests 1 and 2 take their response from the tables, so that missing
+/// effect sizes outside a group would not keep them to it.
+class RecordsWithEffect : public MultiPassRecordIter
+{
+public:
+    RecordsWithEffect(MultiPassRecordIter& source, int effectSizeIndex)
+        : source_(&source), effectSizeIndex_(effectSizeIndex)
+    {}
+
+    bool Start() override { return source_->Start(); }
+    bool Reset() override { return source_->Reset(); }
+    int GetError() const override { return source_->GetError(); }
+
+    const Record* Next() override
+    {
+        const Record* record = source_->Next();
+        while (record != nullptr && KXMV::IsMissing(record->Get(effectSizeIndex_)))
+            record = source_->Next();
+        return record;
+    }
+
+private:
+    MultiPassRecordIter* source_;
+    int effectSizeIndex_;
+};
+
 /// Last element: the test covariate's.
 void StoreLast(const std::vector<double>& values, double& stored)
 {
@@ -136,7 +162,9 @@ KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarLis
     settings.SetOMWVarType(MAConst::OMEGA_VARIANCE);
     MARegBaseTest test(settings, iterator.GetVarList());
     SetUpTest(test, iterator.GetVarList(), settings_->GetRegBaseTestType());
-    const KXStatus tested = test.Test(iterator);
+    RecordsWithEffect ofGroup(iterator, iterator.GetVarList().FindVariable("$effectSize$"));
+    const bool isGroup = selection.size() < studies_.Count();
+    const KXStatus tested = isGroup ? test.Test(ofGroup) : test.Test(iterator);
     if (!tested.IsError())
         regressionTests_.back() = {1,
                                    test.GetCoefficient(),

@@ -4,6 +4,7 @@
 #include "meta_analysis/analysis/MABaseModel.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
 #include <cmath>
@@ -35,6 +36,8 @@ KXStatus MABaseModel::BuildSubGroupModel()
 
 KXStatus MABaseModel::BuildSubGroups(MAModelBuilder& builder)
 {
+    if (!HasGroupValues())
+        return SetError(MAStatusCode::LENGTH_MISMATCH);
     for (const MASelection& members : MembersByGroup()) {
         if (builder.Build(members).IsError())
             return status_;
@@ -47,17 +50,17 @@ KXStatus MABaseModel::BuildSubGroups(MAModelBuilder& builder)
     return builder.BuildAll();
 }
 
-/// The studies of every group of `groupValues_`, in study order: one search per study among the distinct
-/// values.
+/// One search per study among the distinct values.
 std::vector<MASelection> MABaseModel::MembersByGroup() const
 {
-    if (settings_->GetSubGroupIndex() == -1)
-        return std::vector<MASelection>(groupValues_.size(), AllStudies());
-    std::vector<MASelection> members(groupValues_.size());
-    for (std::size_t study = 0; study < studies_.Count(); ++study) {
-        const auto group = std::lower_bound(groupValues_.begin(), groupValues_.begin() + groupCount_,
-                                            studies_.groupValue[study]);
-        members[static_cast<std::size_t>(group - groupValues_.begin())].push_back(study);
+    std::vector<MASelection> members(static_cast<std::size_t>(groupCount_));
+    const auto first = groupValues_.begin();
+    const auto last = first + groupCount_;
+    const std::size_t count = std::min(studies_.Count(), studies_.groupValue.size());
+    for (std::size_t study = 0; study < count; ++study) {
+        const auto group = std::lower_bound(first, last, studies_.groupValue[study]);
+        if (group != last && *group == studies_.groupValue[study])
+            members[static_cast<std::size_t>(group - first)].push_back(study);
     }
     return members;
 }

@@ -84,7 +84,9 @@ int MABaseModel::CalcN0(std::vector<double> values, MAConst::TRIMFMETHOD method)
         return 0;
     if (!std::is_sorted(values.begin(), values.end()))
         std::sort(values.begin(), values.end());
-    const DeviationRanks ranks = RankDeviations(values, results_.models.front().estimate);
+    // A mean lies among its values. Rounding may put that of equal ones beside them, and all would deviate.
+    const double centre = std::clamp(results_.models.front().estimate, values.front(), values.back());
+    const DeviationRanks ranks = RankDeviations(values, centre);
     const auto n = static_cast<double>(values.size());
     const double t = ranks.positiveRankSum;
     double missing = 0.0;
@@ -108,13 +110,16 @@ MAConst::TRIMFSIDE MABaseModel::GetTRimFillSide() const
     return PrecisionCovariance() > 0.0 ? MAConst::TRIM_SIDE_LARGEST : MAConst::TRIM_SIDE_SMALLEST;
 }
 
-/// Sum of products, about their means, of effect size and standard error, each weighted by 1 / variance.
+/// Sum of products, about their means, of effect size and standard error, each weighted by 1 / variance. The
+/// errors are counted from the first one, so that equal ones give 0 and not the sign of a rounding error.
 double MABaseModel::PrecisionCovariance() const
 {
     const MAEffectColumns& effects = studies_.effects;
     const auto n = static_cast<double>(studies_.Count());
     const auto weightedEffect = [&](std::size_t i) { return effects.effectSize[i] / effects.variance[i]; };
-    const auto weightedError = [&](std::size_t i) { return effects.stdError[i] / effects.variance[i]; };
+    const auto weightedError = [&](std::size_t i) {
+        return effects.stdError[i] / effects.variance[i] - effects.stdError[0] / effects.variance[0];
+    };
     double effectMean = 0.0;
     double errorMean = 0.0;
     for (std::size_t i = 0; i < studies_.Count(); ++i) {

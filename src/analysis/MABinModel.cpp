@@ -105,12 +105,16 @@ void MABinModel::RunTrimFillUnlessBinary()
 
 KXStatus MABinModel::BuildBinSubGroupModel()
 {
+    if (!HasTables())
+        return SetError(MAStatusCode::LENGTH_MISMATCH);
     TableBuilder builder(*this);
     return Guarded(status_, [&] { return BuildSubGroups(builder); });
 }
 
 KXStatus MABinModel::BuildBinCumulativeModel()
 {
+    if (!HasTables())
+        return SetError(MAStatusCode::LENGTH_MISMATCH);
     TableBuilder builder(*this);
     return Guarded(status_, [&] { return BuildCumulative(builder); });
 }
@@ -153,13 +157,13 @@ KXStatus MABinModel::ComputeLabbePlotStatistics()
 {
     return Guarded(status_, [this] {
         labbe_ = MALabbeRows();
-        if (!HasGroups()) {
-            AppendLabbeRow(AllStudies());
-            return status_;
-        }
-        for (const MASelection& members : MembersByGroup()) {
-            if (groupValues_[labbe_.x.size()] != overallGroup)
-                AppendLabbeRow(members);
+        const std::size_t count = studies_.Count();
+        if (labbeX_.size() != count || weights_.size() < count || !HasGroupValues())
+            return SetError(MAStatusCode::LENGTH_MISMATCH);
+        const std::vector<MASelection> groups = MembersByGroup();
+        for (std::size_t g = 0; g < groups.size(); ++g) {
+            if (!HasGroups() || groupValues_[g] != overallGroup)
+                AppendLabbeRow(groups[g]);
         }
         return status_;
     });

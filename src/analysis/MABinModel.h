@@ -58,12 +58,14 @@ public:
     /// Appends a fitted model's heterogeneity output to the per-model lists.
     void GetBinFixModelTestOutput(const MABinaryFixEffectModel& model);
 
-    /// The binary forms of `BuildSubGroupModel`, `BuildCumulativeModel` and `FixedModelContrastTest`.
+    /// The binary forms of `BuildSubGroupModel`, `BuildCumulativeModel` and `FixedModelContrastTest`. Error
+    /// 460001 also when the studies have no tables.
     KXStatus BuildBinSubGroupModel();
     KXStatus BuildBinCumulativeModel();
     KXStatus FixedBinModelContrastTest();
 
-    /// Coordinates of the L'Abbé plot: one row of all studies, or one per subgroup.
+    /// Coordinates of the L'Abbé plot: one row of all studies, or one per subgroup (none for a group value
+    /// of -1.0, the label of the overall model). Error 460001 when the studies lack them or their weights.
     KXStatus ComputeLabbePlotStatistics();
 
     /// Regression-based small-study test of the given type; its results are in the `GetRegBasedTest...`
@@ -115,6 +117,8 @@ private:
 
     KXStatus BuildModelsByMethod();
     void RunTrimFillUnlessBinary();
+    /// False for ready-made effect sizes.
+    bool HasTables() const { return studies_.tables.treatmentEvents.size() == studies_.Count(); }
     bool HasLabbePlot() const;
     void AppendLabbeRow(const MASelection& members);
     MAExponentiatedRow FilledExponentiated() const

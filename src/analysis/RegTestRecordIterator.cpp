@@ -76,7 +76,8 @@ bool RegTestRecordIterator::AppendColumns(const Record& source)
         return true;
     }
     MATable table{};
-    if (test_ > MAConst::REG_TEST_EFFECT_ON_SIZE || !ReadTable(source, table))
+    if (test_ < MAConst::REG_TEST_SCORE_VARIANCE || test_ > MAConst::REG_TEST_EFFECT_ON_SIZE ||
+        !ReadTable(source, table))
         return false;
     AppendTableColumns(table);
     return true;

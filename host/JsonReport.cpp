@@ -1,0 +1,82 @@
+#include "host/JsonReport.h"
+
+#include "host/OptionDefinitions.h"
+#include "host/ProgramInfo.h"
+#include "host/Results.h"
+#include "host/StatusText.h"
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+constexpr int SCHEMA = 1;
+
+Json SettingsOf(Options options)
+{
+    Json settings;
+    for (const OptionDefinition& definition : DefineOptions(options))
+        settings[definition.name] = definition.value();
+    return settings;
+}
+
+Json RecordsOf(const DataTable& table, const MABaseModel& model)
+{
+    const std::vector<int> used = model.GetNonMissingStudyID();
+    return {{"read", table.RowCount()},       {"used", used.size()},
+            {"missing", model.GetNMissing()}, {"invalid", model.GetNInvalid()},
+            {"dropped", model.GetNDropped()}, {"numbers", used}};
+}
+
+Json StatusOf(const KXStatus& status)
+{
+    const char* const kind = status.IsError() ? "error" : status.IsWarning() ? "warning" : "ok";
+    return {{"code", status.GetCode()}, {"kind", kind}};
+}
+
+/// An object has a line for each of its members; everything else, long arrays above all, takes one line.
+void Append(std::string& text, const Json& value, const std::string& indent = "")
+{
+    if (!value.is_object()) {
+        // Arguments and column names are the user's bytes, which need not be UTF-8.
+        text += value.dump(-1, ' ', false, Json::error_handler_t::replace);
+        return;
+    }
+    const char* separator = "{\n";
+    for (const auto& [key, member] : value.items()) {
+        text += separator + indent + "  " + Json(key).dump() + ": ";
+        Append(text, member, indent + "  ");
+        separator = ",\n";
+    }
+    text += '\n' + indent + '}';
+}
+
+} // namespace
+
+std::string RenderJson(const Options& options, const DataTable& table, const Analysis& analysis)
+{
+    Json codes = Json::array();
+    Json sentences = Json::array();
+    for (const KXStatus& warning : analysis.Base().GetWarnings()) {
+        codes.push_back(warning.GetCode());
+        sentences.push_back(SentenceOf(warning.GetCode()));
+    }
+    const Json report = {{"schema", SCHEMA},
+                         {"program", PROGRAM_NAME},
+                         {"version", PROGRAM_VERSION},
+                         {"command", options.arguments},
+                         {"settings", SettingsOf(options)},
+                         {"records", RecordsOf(table, analysis.Base())},
+                         {"status", StatusOf(analysis.status)},
+                         {"warnings", codes},
+                         {"messages", sentences},
+                         {"results", ResultsOf(analysis)}};
+    std::string text;
+    Append(text, report);
+    return text + '\n';
+}
+
+} // namespace host

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// What stands for a missing value and for NaN.
+inline constexpr const char* NO_VALUE = "-";
+
+/// A number with `decimals` digits behind the point, for columns; a huge one in scientific form.
+std::string FixedText(double value, int decimals);
+
+/// A number of any size: four decimals, or three significant digits where those would show less than two.
+std::string NumberText(double value);
+
+/// A probability with four decimals, or "< 0.0001": a small one may have underflowed to 0, but is not 0.
+std::string PValueText(double p);
+
+/// The numbers times 100; missing stays missing.
+std::vector<double> InPercent(std::vector<double> fractions);
+
+/// Decimals that suit effects with these standard errors: three significant digits of the smallest, but no
+/// less than four.
+int DecimalsFor(const std::vector<double>& stdErrors);
+
+/// Estimates with their intervals, entry by entry, or intervals alone where there are no estimates.
+struct Estimates
+{
+    std::vector<double> values;
+    std::vector<double> lower;
+    std::vector<double> upper;
+};
+
+/// "0.4746 [0.3296, 0.6835]" for each entry, or "[0.3296, 0.6835]"; each part as wide in all entries. With
+/// `decimals`, numbers are fixed texts, else number texts.
+std::vector<std::string> EstimateTexts(const Estimates& estimates, int decimals);
+std::vector<std::string> EstimateTexts(const Estimates& estimates);
+
+} // namespace host

@@ -1,0 +1,59 @@
+#pragma once
+
+#include "meta_analysis/settings/MAModelSettings.h"
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+enum class Command
+{
+    BINARY,     ///< 2x2 tables
+    CONTINUOUS, ///< group sizes, means and standard deviations
+    EFFECTS     ///< ready-made effect sizes
+};
+
+/// The name of a column; none when the option is not given.
+using ColumnName = std::optional<std::string>;
+
+/// What the command line asks for, complete with defaults. What the library has settings for stands in
+/// `settings`, with the library's defaults; missing there are the positions of the columns alone, which
+/// depend on the data.
+struct Options
+{
+    explicit Options(Command ofCommand);
+
+    Command command;
+    std::vector<std::string> arguments; ///< as given
+    std::string dataPath;
+    std::optional<std::string> jsonPath; ///< "-" for standard output
+
+    ColumnName study;
+    ColumnName treatmentEvents;
+    ColumnName treatmentNonEvents;
+    ColumnName controlEvents;
+    ColumnName controlNonEvents;
+    ColumnName treatmentSize;
+    ColumnName treatmentMean;
+    ColumnName treatmentStdDev;
+    ColumnName treatmentVariance;
+    ColumnName controlSize;
+    ColumnName controlMean;
+    ColumnName controlStdDev;
+    ColumnName controlVariance;
+    ColumnName effectSize;
+    ColumnName variance;
+    ColumnName stdError;
+
+    /// Kind of a ready-made effect size as given; which names there are depends on the outcome.
+    std::optional<std::string> readyMadeEffect;
+
+    MA_NAMESPACE::MAModelSettings settings;
+};
+
+/// Checks what depends on several options, and completes the settings. Throws UnusableInput.
+void Resolve(Options& options);
+
+} // namespace host

@@ -1,0 +1,57 @@
+#include "host/Program.h"
+
+#include "host/Analysis.h"
+#include "host/CommandLine.h"
+#include "host/DataTable.h"
+#include "host/Output.h"
+#include "host/ProgramInfo.h"
+#include "host/Request.h"
+
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <variant>
+
+namespace host {
+
+namespace {
+
+int Analyse(const Options& options)
+{
+    CheckOutputPlaces(options);
+    const DataTable table = DataTable::Read(options.dataPath);
+    Request request = MakeRequest(options, table);
+    const Analysis analysis = RunAnalysis(request);
+    return WriteOutput(options, table, request, analysis);
+}
+
+int Run(int argc, const char* const* argv)
+{
+    const std::variant<Options, TextToShow> commandLine = ParseCommandLine(argc, argv);
+    if (const auto* const shown = std::get_if<TextToShow>(&commandLine)) {
+        WriteStandardOutput(shown->text);
+        return EXIT_RAN;
+    }
+    return Analyse(std::get<Options>(commandLine));
+}
+
+int Complain(const char* problem) noexcept
+{
+    std::fprintf(stderr, "%s: %s\n", PROGRAM_NAME, problem);
+    return EXIT_UNUSABLE;
+}
+
+} // namespace
+
+int RunProgram(int argc, const char* const* argv) noexcept
+{
+    try {
+        return Run(argc, argv);
+    } catch (const std::bad_alloc&) {
+        return Complain("Memory ran out.");
+    } catch (const std::exception& problem) {
+        return Complain(problem.what());
+    }
+}
+
+} // namespace host

@@ -1,0 +1,21 @@
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+
+namespace host {
+
+/// `text` without the blanks around it.
+std::string_view Trimmed(std::string_view text) noexcept;
+
+/// Number of line ends in `text`: LF, CRLF or CR.
+std::size_t LineEndsIn(std::string_view text) noexcept;
+
+/// The finite number that `text` is as a whole, blanks around it aside: digits with '.' as decimal point and
+/// an optional exponent, whatever the locale. Throws UnusableInput with a sentence that quotes the text.
+double ParseNumber(std::string_view text);
+
+/// As ParseNumber, for whole numbers of the range of int.
+int ParseWholeNumber(std::string_view text);
+
+} // namespace host

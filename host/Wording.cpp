@@ -1,0 +1,134 @@
+#include "host/Wording.h"
+
+#include <fmt/format.h>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+EffectWording WordingOf(MAConst::BINESTYPE effect)
+{
+    switch (effect) {
+    case MAConst::BIN_ODDS_RATIO:
+        return {"odds ratio", "OR", true};
+    case MAConst::BIN_PETO_ODDS_RATIO:
+        return {"Peto odds ratio", "Peto OR", true};
+    case MAConst::BIN_RISK_RATIO:
+        return {"risk ratio", "RR", true};
+    case MAConst::BIN_RISK_DIFFERENCE:
+        return {"risk difference", "RD", false};
+    }
+    return {};
+}
+
+EffectWording WordingOf(MAConst::CONTESTYPE effect)
+{
+    switch (effect) {
+    case MAConst::CONT_MEAN_DIFFERENCE:
+        return {"mean difference", "MD", false};
+    case MAConst::CONT_COHENS_D:
+        return {"Cohen's d", "d", false};
+    case MAConst::CONT_HEDGES_G:
+        return {"Hedges' g", "g", false};
+    case MAConst::CONT_GLASS_DELTA:
+        return {"Glass's delta", "delta", false};
+    }
+    return {};
+}
+
+std::string WordingOf(MAConst::TAU2ESTIMATOR estimator)
+{
+    switch (estimator) {
+    case MAConst::TAU2_HE:
+        return "Hedges";
+    case MAConst::TAU2_HS:
+        return "Hunter-Schmidt";
+    case MAConst::TAU2_DL:
+        return "DerSimonian-Laird";
+    case MAConst::TAU2_SJ:
+        return "Sidik-Jonkman";
+    case MAConst::TAU2_ML:
+        return "maximum likelihood";
+    case MAConst::TAU2_REML:
+        return "restricted maximum likelihood";
+    case MAConst::TAU2_EB:
+        return "empirical Bayes";
+    }
+    return {};
+}
+
+std::string WordingOf(MAConst::KNAPPHADJTYPE adjustment)
+{
+    switch (adjustment) {
+    case MAConst::KNAPP_HARTUNG_NONE:
+        return "";
+    case MAConst::KNAPP_HARTUNG_ADJUSTED:
+        return ", Knapp-Hartung adjustment";
+    case MAConst::KNAPP_HARTUNG_TRUNCATED:
+        return ", truncated Knapp-Hartung adjustment";
+    }
+    return {};
+}
+
+std::string FixedMethod(const MAModelSettings& settings)
+{
+    if (!PoolsTables(settings))
+        return "inverse variance";
+    return settings.GetBinaryEstType() == MAConst::BIN_PETO_ODDS_RATIO ? "Peto" : "Mantel-Haenszel";
+}
+
+bool IsRandom(const MAModelSettings& settings)
+{
+    return settings.GetModelType() == MAConst::MODEL_RANDOM;
+}
+
+} // namespace
+
+EffectWording WordingOfEffect(const MAModelSettings& settings)
+{
+    return settings.GetOutcomesType() == MAConst::OUTCOME_BINARY ? WordingOf(settings.GetBinaryEstType())
+                                                                 : WordingOf(settings.GetContinousEstType());
+}
+
+std::string WordingOfModel(const MAModelSettings& settings)
+{
+    if (!IsRandom(settings))
+        return fmt::format("fixed-effect model ({})", FixedMethod(settings));
+    return fmt::format("random-effects model ({}){}", WordingOf(settings.GetEstTauType()),
+                       WordingOf(settings.GetKnapHartAdjustType()));
+}
+
+bool PoolsTables(const MAModelSettings& settings)
+{
+    return settings.GetOutcomesType() == MAConst::OUTCOME_BINARY &&
+           settings.GetInputESType() == MAConst::INPUT_RAW && !IsRandom(settings) &&
+           settings.GetWeightType() == MAConst::WEIGHT_BINARY_FIXED;
+}
+
+std::string WordingOfStatistic(const MAModelSettings& settings)
+{
+    const bool isT = IsRandom(settings) && settings.GetKnapHartAdjustType() != MAConst::KNAPP_HARTUNG_NONE;
+    return isT ? "t" : "z";
+}
+
+std::string WordingOfNullHypothesis(const MAModelSettings& settings)
+{
+    const double null = settings.GetNullHypothesis();
+    if (null == 0)
+        return {};
+    const EffectWording effect = WordingOfEffect(settings);
+    if (IsRandom(settings))
+        return fmt::format("--null {} is for the fixed-effect model; the null hypothesis here is {} = 0.",
+                           null, effect.AnalysisSymbol());
+    return fmt::format("The null hypothesis is {} = {}.",
+                       PoolsTables(settings) ? effect.symbol : effect.AnalysisSymbol(), null);
+}
+
+std::string WordingOfLevel(const MAModelSettings& settings)
+{
+    return fmt::format("{:.12g}%", 100 * settings.GetCILevel());
+}
+
+} // namespace host

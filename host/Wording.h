@@ -1,0 +1,37 @@
+#pragma once
+
+#include "meta_analysis/settings/MAModelSettings.h"
+
+#include <string>
+
+namespace host {
+
+/// What people call the effect size of an analysis.
+struct EffectWording
+{
+    std::string name;   ///< "odds ratio"
+    std::string symbol; ///< "OR"
+    bool isRatio;       ///< analysed on the log scale
+
+    /// The symbol on the scale of the analysis: "log OR", or the symbol itself.
+    std::string AnalysisSymbol() const { return isRatio ? "log " + symbol : symbol; }
+};
+
+EffectWording WordingOfEffect(const MA_NAMESPACE::MAModelSettings& settings);
+
+/// The pooling model with its method: "random-effects model (restricted maximum likelihood)".
+std::string WordingOfModel(const MA_NAMESPACE::MAModelSettings& settings);
+
+/// Whether the fixed-effect model pools the tables themselves, after Mantel and Haenszel or Peto.
+bool PoolsTables(const MA_NAMESPACE::MAModelSettings& settings);
+
+/// The symbol of the pooled effect's test statistic.
+std::string WordingOfStatistic(const MA_NAMESPACE::MAModelSettings& settings);
+
+/// What the test of the pooled effect has as null hypothesis, when that is not simply 0; else empty.
+std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& settings);
+
+/// The confidence level in percent: "95%".
+std::string WordingOfLevel(const MA_NAMESPACE::MAModelSettings& settings);
+
+} // namespace host

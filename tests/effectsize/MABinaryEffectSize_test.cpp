@@ -1,0 +1,214 @@
+#include "support/Compare.h"
+#include "support/StudyVectors.h"
+#include "support/Tables.h"
+
+#include "meta_analysis/effectsize/MABinaryEffectSize.h"
+
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <vector>
+
+using namespace MA_NAMESPACE;
+using namespace MAConst;
+
+namespace {
+
+MABinaryEffectSize Computed(Tables& tables, BINESTYPE method, ZEROADJTYPE adjustment = ZERO_ADJUST_NONE)
+{
+    MABinaryEffectSize effectSizes;
+    tables.GiveTo(effectSizes);
+    effectSizes.SetZeroAdjType(adjustment);
+    effectSizes.SetEstimationMethod(method);
+    EXPECT_TRUE(effectSizes.ComputeEffectSizeStatistics().IsOK());
+    return effectSizes;
+}
+
+struct Correction
+{
+    const char* name;
+    ZEROADJTYPE type;
+    Rows before;
+    Rows after; ///< with a constant of 0.25
+    ZEROADJTYPE typeAfter;
+};
+
+const Row full = {1, 2, 3, 4};
+const Row withZero = {1, 0, 3, 4};
+const Row fullCorrected = {1.25, 2.25, 3.25, 4.25};
+const Row zeroCorrected = {1.25, 0.25, 3.25, 4.25};
+const Correction corrections[] = {
+    {"each with a zero", ZERO_ADJUST_EACH, {full, withZero}, {full, zeroCorrected}, ZERO_ADJUST_EACH},
+    {"all, a zero",
+     ZERO_ADJUST_ALL_IF_ANY,
+     {full, withZero},
+     {fullCorrected, zeroCorrected},
+     ZERO_ADJUST_ALL},
+    {"all if any, no zero", ZERO_ADJUST_ALL_IF_ANY, {full, full}, {full, full}, ZERO_ADJUST_ALL_IF_ANY},
+    {"all", ZERO_ADJUST_ALL, {full, full}, {fullCorrected, fullCorrected}, ZERO_ADJUST_ALL},
+    {"none", ZERO_ADJUST_NONE, {full, withZero}, {full, withZero}, ZERO_ADJUST_NONE},
+    {"unknown type", static_cast<ZEROADJTYPE>(9), {withZero}, {withZero}, static_cast<ZEROADJTYPE>(9)},
+    // The product of these counts underflows, but none of them is zero.
+    {"tiny counts", ZERO_ADJUST_EACH, {Row(4, 1e-100)}, {Row(4, 1e-100)}, ZERO_ADJUST_EACH},
+    {"no studies", ZERO_ADJUST_ALL_IF_ANY, {}, {}, ZERO_ADJUST_ALL_IF_ANY},
+};
+
+/// What an uncorrected table leaves undefined.
+struct Undefined
+{
+    const char* name;
+    BINESTYPE method;
+    Row table;
+    double effect;
+    double logEffect;
+    double logVariance;
+    double treatmentRatio;
+    double controlRatio;
+};
+
+const Undefined undefinedCases[] = {
+    // The odds ratio is 0 although its logarithm is not defined.
+    {"no treatment events", BIN_ODDS_RATIO, {0, 10, 5, 10}, 0, missing, missing, 0, 0.5},
+    {"no control non-events", BIN_ODDS_RATIO, {5, 10, 5, 0}, 0, missing, missing, 0.5, infinity},
+    {"no treatment non-events", BIN_ODDS_RATIO, {5, 0, 5, 5}, missing, missing, missing, missing, missing},
+    {"no control events", BIN_ODDS_RATIO, {5, 5, 0, 5}, missing, missing, missing, missing, missing},
+    {"no treatment events", BIN_RISK_RATIO, {0, 10, 5, 15}, missing, missing, missing, missing, 0.25},
+    {"no control events", BIN_RISK_RATIO, {5, 15, 0, 10}, missing, missing, missing, 0.25, missing},
+    {"empty treatment group", BIN_RISK_RATIO, {0, 0, 5, 5}, missing, missing, missing, missing, 0.5},
+    {"events only", BIN_RISK_RATIO, {1, 0, 106, 0}, 1, 0, 0, 1, 1},
+    {"a single person", BIN_PETO_ODDS_RATIO, {1, 0, 0, 0}, missing, missing, missing, missing, missing},
+    {"no events", BIN_PETO_ODDS_RATIO, {0, 9, 0, 8}, missing, missing, missing, missing, missing},
+    {"empty group", BIN_PETO_ODDS_RATIO, {0, 0, 4, 8}, missing, missing, missing, missing, missing},
+};
+
+} // namespace
+
+TEST(MABinaryEffectSize, ZeroCellCorrectionChangesTheCallersCounts)
+{
+    for (const Correction& row : corrections) {
+        SCOPED_TRACE(row.name);
+        Tables tables(row.before);
+        MABinaryEffectSize effectSizes;
+        tables.GiveTo(effectSizes);
+        effectSizes.SetZeroCountDelta(0.25);
+        effectSizes.SetZeroAdjType(row.type);
+        effectSizes.SetEstimationMethod(BIN_PETO_ODDS_RATIO);
+        EXPECT_TRUE(effectSizes.ComputeEffectSizeStatistics().IsOK());
+        EXPECT_EQ(tables.ToRows(), row.after);
+        EXPECT_EQ(effectSizes.GetUpdatedZeroAdjType(), row.typeAfter);
+    }
+}
+
+TEST(MABinaryEffectSize, UndefinedEntriesAreMissing)
+{
+    for (const Undefined& row : undefinedCases) {
+        SCOPED_TRACE(row.name);
+        Tables tables({row.table});
+        const MABinaryEffectSize effectSizes = Computed(tables, row.method);
+        EXPECT_TRUE(Same(effectSizes.GetEffectSizeVal(), {row.effect}));
+        EXPECT_TRUE(Same(effectSizes.GetLogEffectSizeVal(), {row.logEffect}));
+        EXPECT_TRUE(Same(effectSizes.GetLogEffectSizeVariance(), {row.logVariance}));
+        if (row.method != BIN_PETO_ODDS_RATIO) {
+            // Risks come from their logarithms.
+            constexpr double tolerance = 4 * machineEpsilon;
+            EXPECT_TRUE(Close(effectSizes.GetTreatmentGRatio(), {row.treatmentRatio}, tolerance));
+            EXPECT_TRUE(Close(effectSizes.GetControlGRatio(), {row.controlRatio}, tolerance));
+        }
+        const bool isDefined = row.logVariance != missing;
+        EXPECT_TRUE(Same(effectSizes.GetEffectSizeVariance(), {isDefined ? 1.0 : missing}));
+        EXPECT_TRUE(Same(effectSizes.GetEffectSizeCIUpper(), {isDefined ? row.effect : missing}));
+        EXPECT_TRUE(Same(effectSizes.GetLogEffectSizeCILower(), {isDefined ? row.logEffect : missing}));
+        // Missing by missing is 1, or 0 by 0.
+        EXPECT_TRUE(Same(effectSizes.GetLogEffectSizeZVal(), {isDefined ? notANumber : 1.0}));
+    }
+}
+
+TEST(MABinaryEffectSize, NaturalScaleOfRatiosIsTheExponentialOfTheLogScale)
+{
+    for (const BINESTYPE method : {BIN_ODDS_RATIO, BIN_PETO_ODDS_RATIO, BIN_RISK_RATIO}) {
+        Tables tables({{4, 119, 11, 128}});
+        const MABinaryEffectSize e = Computed(tables, method);
+        EXPECT_TRUE(Close(e.GetEffectSizeVal()[0], std::exp(e.GetLogEffectSizeVal()[0]), 1e-15, 4.0));
+        EXPECT_DOUBLE_EQ(e.GetEffectSizeVariance()[0], std::exp(e.GetLogEffectSizeVariance()[0]));
+        EXPECT_DOUBLE_EQ(e.GetEffectSizeStdError()[0], std::exp(e.GetLogEffectSizeStdError()[0]));
+        EXPECT_DOUBLE_EQ(e.GetEffectSizeZVal()[0], std::exp(e.GetLogEffectSizeZVal()[0]));
+        EXPECT_DOUBLE_EQ(e.GetEffectSizeSig()[0], std::exp(e.GetLogEffectSizeSig()[0]));
+        const double z = e.GetLogEffectSizeVal()[0] / std::sqrt(e.GetLogEffectSizeVariance()[0]);
+        EXPECT_DOUBLE_EQ(e.GetLogEffectSizeZVal()[0], z);
+        EXPECT_NEAR(e.GetLogEffectSizeSig()[0], std::erfc(std::abs(z) / std::sqrt(2.0)), 1e-15);
+    }
+}
+
+TEST(MABinaryEffectSize, RiskDifferenceHasZeroForUndefinedEntries)
+{
+    Tables tables({{3, 7, 2, 18}, {0, 0, 4, 12}});
+    MABinaryEffectSize effectSizes;
+    tables.GiveTo(effectSizes);
+    effectSizes.SetZeroAdjType(ZERO_ADJUST_NONE);
+    effectSizes.SetEstimationMethod(BIN_RISK_DIFFERENCE);
+    effectSizes.SetSignLevel(0.1);
+    effectSizes.ComputeEffectSizeStatistics();
+
+    const double variance = 0.3 * 0.7 / 10 + 0.1 * 0.9 / 20;
+    const double halfWidth = 1.6448536269514722 * std::sqrt(variance);
+    EXPECT_NEAR(effectSizes.GetEffectSizeVal()[0], 0.2, 1e-16);
+    EXPECT_NEAR(effectSizes.GetEffectSizeVariance()[0], variance, 1e-17);
+    EXPECT_NEAR(effectSizes.GetEffectSizeCIUpper()[0], 0.2 + halfWidth, 1e-15);
+    EXPECT_NEAR(effectSizes.GetEffectSizeCILower()[0], 0.2 - halfWidth, 1e-15);
+    EXPECT_NEAR(effectSizes.GetEffectSizeZVal()[0], 0.2 / std::sqrt(variance), 1e-15);
+
+    EXPECT_EQ(effectSizes.GetEffectSizeVal()[1], 0.0);
+    EXPECT_EQ(effectSizes.GetEffectSizeVariance()[1], 0.0);
+    EXPECT_EQ(effectSizes.GetTreatmentGRatio()[1], 0.0);
+    EXPECT_EQ(effectSizes.GetControlGRatio()[1], 0.25);
+    EXPECT_TRUE(effectSizes.GetLogEffectSizeVal().empty());
+    EXPECT_TRUE(effectSizes.GetLogEffectSizeZVal().empty());
+}
+
+TEST(MABinaryEffectSize, HostileTablesAndUnknownMethod)
+{
+    const Rows hostile = {Row(4, 0),           Row(4, 1e308),       Row(4, 1e-308),
+                          Row(4, -1),          Row(4, notANumber),  Row(4, missing),
+                          {infinity, 1, 1, 1}, {1, 1, 1, infinity}, {1e-300, 1, 1, 1e300},
+                          {1, 0, 0, 1}};
+    for (int method = BIN_ODDS_RATIO; method <= BIN_RISK_DIFFERENCE + 1; ++method) {
+        for (int type = ZERO_ADJUST_EACH; type <= ZERO_ADJUST_NONE; ++type) {
+            Tables tables(hostile);
+            const MABinaryEffectSize effectSizes =
+                Computed(tables, static_cast<BINESTYPE>(method), static_cast<ZEROADJTYPE>(type));
+            const std::size_t count = method <= BIN_RISK_DIFFERENCE ? hostile.size() : 0;
+            EXPECT_EQ(effectSizes.GetEffectSizeVal().size(), count);
+            EXPECT_EQ(effectSizes.GetEffectSizeSig().size(), count);
+            EXPECT_EQ(effectSizes.GetEffectSizeCIUpper().size(), count);
+        }
+    }
+}
+
+TEST(MABinaryEffectSize, StudyVectorsAreChecked)
+{
+    using C = MABinaryEffectSize;
+    using Setter = KXStatus (C::*)(std::vector<double>*);
+    const std::vector<Setter> setters = {&C::SetTreatmentGSuccessCounts, &C::SetControlGSuccessCounts,
+                                         &C::SetTreatmentGFailureCounts, &C::SetControlGFailureCounts};
+    StudyVectors<C, Setter>(setters, &C::ComputeEffectSizeStatistics, MAStatusCode::LENGTH_MISMATCH)
+        .ExpectChecked();
+}
+
+TEST(MABinaryEffectSize, AfterAnErrorNothingChanges)
+{
+    Tables tables({withZero});
+    MABinaryEffectSize effectSizes;
+    EXPECT_TRUE(effectSizes.SetEstimationMethod(BIN_RISK_RATIO).IsOK());
+    effectSizes.SetZeroAdjType(ZERO_ADJUST_EACH);
+    tables.GiveTo(effectSizes);
+    std::vector<double> two(2);
+    const KXStatus refused = effectSizes.SetControlGSuccessCounts(&two);
+    EXPECT_EQ(refused, KXStatus(MAStatusCode::LENGTH_MISMATCH));
+    EXPECT_EQ(effectSizes.SetZeroAdjType(ZERO_ADJUST_NONE), refused);
+    EXPECT_EQ(effectSizes.SetZeroCountDelta(1), refused);
+    EXPECT_EQ(effectSizes.SetSignLevel(0.1), refused);
+    EXPECT_EQ(effectSizes.SetEstimationMethod(BIN_ODDS_RATIO), refused);
+    EXPECT_EQ(effectSizes.ComputeEffectSizeStatistics(), refused);
+    EXPECT_EQ(effectSizes.GetUpdatedZeroAdjType(), ZERO_ADJUST_EACH);
+    EXPECT_EQ(tables.ToRows(), Rows{withZero});
+}

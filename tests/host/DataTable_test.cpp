@@ -1,0 +1,138 @@
+#include "host/DataTable.h"
+#include "host/UnusableInput.h"
+#include "support/Compare.h"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+#include <string>
+#include <vector>
+
+using host::DataTable;
+using host::UnusableInput;
+
+namespace {
+
+using Fields = std::vector<std::string>;
+
+std::string MessageOf(const std::function<void()>& operation)
+{
+    try {
+        operation();
+    } catch (const UnusableInput& problem) {
+        return problem.what();
+    }
+    return "(nothing thrown)";
+}
+
+struct ReadableText
+{
+    const char* what;
+    std::string text;
+    std::vector<Fields> rows; ///< of the columns a and b
+};
+
+class ReadableTexts : public testing::TestWithParam<ReadableText>
+{};
+
+TEST_P(ReadableTexts, GiveTheirFields)
+{
+    const DataTable table = DataTable::Parse(GetParam().text, "t.csv");
+    const std::size_t a = table.PositionOf("a");
+    const std::size_t b = table.PositionOf("b");
+    std::vector<Fields> rows;
+    for (std::size_t row = 0; row < table.RowCount(); ++row)
+        rows.push_back({std::string(table.Text(row, a)), std::string(table.Text(row, b))});
+    EXPECT_EQ(rows, GetParam().rows) << GetParam().what;
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    DataTable, ReadableTexts,
+    testing::Values(ReadableText{"plain", "a,b\n1,2\n3,4\n", {{"1", "2"}, {"3", "4"}}},
+                    ReadableText{"no line end at the end", "a,b\n1,2", {{"1", "2"}}},
+                    ReadableText{"CRLF", "a,b\r\n1,2\r\n", {{"1", "2"}}},
+                    ReadableText{"CR", "a,b\r1,2\r3,4", {{"1", "2"}, {"3", "4"}}},
+                    ReadableText{"byte-order mark",
+                                 "\xEF\xBB\xBF"
+                                 "a,b\n1,2\n",
+                                 {{"1", "2"}}},
+                    ReadableText{
+                        "empty lines", "\n a , b \n\n1,2\n \t\r\n\n3,4\n\n", {{"1", "2"}, {"3", "4"}}},
+                    ReadableText{"empty fields", "a,b\n,\n1,\n", {{"", ""}, {"1", ""}}},
+                    ReadableText{"quotes",
+                                 "\"a\",\"b\"\n\"x, y\",\"say \"\"z\"\"\"\n\"two\nlines\",\"\"\n",
+                                 {{"x, y", "say \"z\""}, {"two\nlines", ""}}},
+                    ReadableText{"columns in another order", "b,c,a\n2,0,1\n", {{"1", "2"}}}));
+
+TEST(DataTableNumber, IsReadWholeAndWhateverTheLocale)
+{
+    const DataTable table = DataTable::Parse("x\n-1.5e-3\n+2\n\" 7 \"\n.5\nNA\n.\n\" \"\n"
+                                             "0.1000000000000000055511151231257827\n1e308\n",
+                                             "t.csv");
+    std::vector<double> numbers;
+    for (std::size_t row = 0; row < table.RowCount(); ++row)
+        numbers.push_back(table.Number(row, 0));
+    EXPECT_TRUE(Same(numbers, {-1.5e-3, 2, 7, 0.5, missing, missing, missing, 0.1, 1e308}));
+}
+
+TEST(DataTableNumber, NamesTheLineAndTheColumnOfATextThatIsNone)
+{
+    const char* const texts[] = {"abc", "1,5", "1.5x", "1 2",  "0x10",  "--1",    "+-1",
+                                 "1e",  "-",   "inf",  "-nan", "1e999", "1e-999", "-1.7976931348623157e308",
+                                 "N/A"};
+    for (const std::string text : texts) {
+        const DataTable table =
+            DataTable::Parse("label,x\n\"a\r\nb\r\nc\",1\n\n\"d\ne\",\"" + text + "\"\n", "t.csv");
+        EXPECT_EQ(table.Number(0, 1), 1);
+        EXPECT_THAT(MessageOf([&] { table.Number(1, 1); }),
+                    testing::StartsWith("t.csv, line 7, column 'x': '" + text + "' is "));
+    }
+}
+
+struct UnreadableText
+{
+    std::string text;
+    std::string message;
+};
+
+TEST(DataTable, NamesTheLineThatCannotBeRead)
+{
+    const std::vector<UnreadableText> cases = {
+        {"", "t.csv is empty"},
+        {"\n\n", "t.csv is empty"},
+        {"\xEF\xBB\xBF", "t.csv is empty"},
+        {"a,b\n", "t.csv has a header line and no data rows"},
+        {"a,b\n1,2\n1\n", "t.csv, line 3: 1 field, but the header has 2"},
+        {"a,b\n\"1\n\n\",2\n\n1,2,3\n", "t.csv, line 6: 3 fields, but the header has 2"},
+        {"a,b\n1,2\n3,\"4\n5,6\n", "t.csv, line 3: the quoted field that starts here is never closed"},
+        {"a,b\n\"1\n2\",\"3\n", "t.csv, line 3: the quoted field that starts here is never closed"},
+        {"a,\"b\n", "t.csv, line 1: the quoted field that starts here is never closed"},
+        {"a,b\n1,5\" tall\n", "t.csv, line 2: a misplaced double quote"},
+        {"a,b\n1,\"x\"y\n", "t.csv, line 2: a misplaced double quote"},
+        {std::string("a,b\n1,\0\n", 8), "t.csv, line 2: a byte of value 0"},
+    };
+    for (const UnreadableText& unreadable : cases)
+        EXPECT_THAT(MessageOf([&] { DataTable::Parse(unreadable.text, "t.csv"); }),
+                    testing::StartsWith(unreadable.message));
+}
+
+TEST(DataTable, FindsColumnsByExactAndUniqueNames)
+{
+    const DataTable table = DataTable::Parse("a,b,a,\"two\nlines\"\n1,2,3,4\n", "t.csv");
+    EXPECT_EQ(table.PositionOf("b"), 1U);
+    EXPECT_EQ(table.PositionOf("two\nlines"), 3U);
+    EXPECT_THAT(MessageOf([&] { table.PositionOf("B"); }),
+                testing::StartsWith("t.csv has no column 'B'. Its columns are: a, b, a, two"));
+    EXPECT_EQ(MessageOf([&] { table.PositionOf("a"); }),
+              "t.csv, line 1: column 1 and column 3 are both named 'a'.");
+}
+
+TEST(DataTable, SaysThatAFileCannotBeRead)
+{
+    EXPECT_THAT(MessageOf([] { DataTable::Read("/no/such/file.csv"); }),
+                testing::HasSubstr("'/no/such/file.csv' cannot be opened: No such file"));
+    EXPECT_THAT(MessageOf([] { DataTable::Read(TESTS_DIR); }),
+                testing::HasSubstr("cannot be read: Is a directory"));
+}
+
+} // namespace

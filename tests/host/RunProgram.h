@@ -1,0 +1,76 @@
+#pragma once
+
+#include "host/TemporaryFolder.h"
+
+#include <gtest/gtest.h>
+#include <nlohmann/json.hpp>
+#include <sys/wait.h>
+
+#include <cstdlib>
+#include <string>
+#include <vector>
+
+// Runs the program as its users do: as a process.
+
+using Arguments = std::vector<std::string>;
+
+struct ProgramRun
+{
+    int exitStatus;
+    std::string output;
+    std::string errors;
+
+    nlohmann::json Json() const { return nlohmann::json::parse(output); }
+};
+
+inline std::string ShellQuoted(const std::string& text)
+{
+    std::string quoted = "'";
+    for (const char c : text)
+        quoted += c == '\'' ? std::string("'\\''") : std::string(1, c);
+    return quoted + "'";
+}
+
+/// Runs the program; standard output goes to `outputPlace` if that is given, and is not read then.
+inline ProgramRun RunProgram(const Arguments& arguments, const std::string& outputPlace = "")
+{
+    const TemporaryFolder folder;
+    std::string command = ShellQuoted(META_ANALYSIS_PROGRAM);
+    for (const std::string& argument : arguments)
+        command += ' ' + ShellQuoted(argument);
+    command += " >" + ShellQuoted(outputPlace.empty() ? folder.PathOf("output") : outputPlace);
+    command += " 2>" + ShellQuoted(folder.PathOf("errors"));
+    const int status = std::system(command.c_str());
+    return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder.Read("output"), folder.Read("errors")};
+}
+
+inline Arguments operator+(Arguments left, const Arguments& right)
+{
+    left.insert(left.end(), right.begin(), right.end());
+    return left;
+}
+
+/// The commands on the data sets of the tests, which name their columns alike.
+inline Arguments Binary(const std::string& data)
+{
+    return {"binary",           TESTS_DIR "/data/" + data, "--treatment-events",
+            "treatment_events", "--treatment-nonevents",   "treatment_nonevents",
+            "--control-events", "control_events",          "--control-nonevents",
+            "control_nonevents"};
+}
+
+inline Arguments Continuous(const std::string& data)
+{
+    return {"continuous",       TESTS_DIR "/data/" + data,
+            "--treatment-n",    "treatment_n",
+            "--treatment-mean", "treatment_mean",
+            "--treatment-sd",   "treatment_sd",
+            "--control-n",      "control_n",
+            "--control-mean",   "control_mean",
+            "--control-sd",     "control_sd"};
+}
+
+inline Arguments Effects(const std::string& data)
+{
+    return {"effects", TESTS_DIR "/data/" + data, "--effect-size", "effect", "--variance", "variance"};
+}

@@ -1,0 +1,70 @@
+#include "host/NumberText.h"
+#include "host/TextReport.h"
+#include "support/Compare.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <vector>
+
+using namespace host;
+
+namespace {
+
+using Texts = std::vector<std::string>;
+
+TEST(NumberText, KeepsDigitsOfSmallNumbersAndShortensHugeOnes)
+{
+    const std::vector<double> numbers = {0,    -0.74519, 0.0001234,  -1.5e-9,  123456.78901,
+                                         1e10, missing,  notANumber, -infinity};
+    Texts texts;
+    for (const double number : numbers)
+        texts.push_back(NumberText(number));
+    EXPECT_EQ(texts,
+              (Texts{"0.0000", "-0.7452", "0.000123", "-1.5e-09", "123456.7890", "1e+10", "-", "-", "-inf"}));
+}
+
+TEST(NumberText, NeverShowsAProbabilityOfZero)
+{
+    EXPECT_EQ(PValueText(0), "< 0.0001");
+    EXPECT_EQ(PValueText(0.99e-4), "< 0.0001");
+    EXPECT_EQ(PValueText(1e-4), "0.0001");
+    EXPECT_EQ(PValueText(1), "1.0000");
+    EXPECT_EQ(PValueText(missing), "-");
+}
+
+TEST(NumberText, ShowsThreeDigitsOfTheSmallestStandardError)
+{
+    EXPECT_EQ(DecimalsFor({12.0, 3.0}), 4);
+    EXPECT_EQ(DecimalsFor({0.5, 0.00123}), 5); // 0.00123
+    EXPECT_EQ(DecimalsFor({missing, notANumber, 0.0, infinity}), 4);
+    EXPECT_EQ(DecimalsFor({1e-300}), 12);
+}
+
+TEST(NumberText, AlignsEstimatesAndTheirIntervals)
+{
+    EXPECT_EQ(EstimateTexts({{-1, 10, missing}, {-2.5, 9, missing}, {0.5, 11, missing}}, 1),
+              (Texts{"-1.0 [-2.5,  0.5]", "10.0 [ 9.0, 11.0]", "   - [   -,    -]"}));
+    EXPECT_EQ(EstimateTexts({{}, {-1}, {0.0005}}), (Texts{"[-1.0000, 0.0005]"}));
+}
+
+TEST(TextReport, AlignsColumnsByCharacters)
+{
+    const Report report = {
+        "Title",
+        {{"Part", {{"Study", {"Müller", "Ng", "東京"}, true}, {"x", {"1.0", "-12.0", "-"}}}, {}},
+         {"Remarks", {}, {"One.", "Two."}}}};
+    EXPECT_EQ(RenderText(report), "Title\n"
+                                  "\n"
+                                  "Part\n"
+                                  "Study       x\n"
+                                  "Müller    1.0\n"
+                                  "Ng      -12.0\n"
+                                  "東京          -\n"
+                                  "\n"
+                                  "Remarks\n"
+                                  "One.\n"
+                                  "Two.\n");
+}
+
+} // namespace

@@ -1,0 +1,251 @@
+#include "support/DisplayOf.h"
+#include "support/Regression.h"
+
+#include "meta_analysis/regression/MADesignMatrix.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+using namespace MA_NAMESPACE;
+
+namespace {
+
+using Levels = std::vector<std::vector<int>>;
+
+/// A model over factors 2 (three levels) and 3 (two levels) and covariates 4 and 5.
+MARegSettings SettingsFor(const std::vector<KXModelEffect>& effects)
+{
+    MARegSettings settings;
+    settings.SetDependent(0);
+    settings.SetOMWVarIndex(1);
+    settings.SetInterceptUse(true);
+    settings.AddFactor(2, 3);
+    settings.AddFactor(3, 2);
+    settings.AddCovariate(4);
+    settings.AddCovariate(5);
+    for (const KXModelEffect& effect : effects)
+        settings.AddModelEffect(effect);
+    return settings;
+}
+
+const Rows studies = {{0.1, 0.5, 2, 0, 3, -2}, {0.2, 0.25, 0, 1, -1, 5}, {0.3, 0.2, 2, 1, 4, 0}};
+
+struct Matrix
+{
+    explicit Matrix(const MARegSettings& given, const Rows& rows = studies)
+        : settings(given), records(rows), design(settings)
+    {
+        EXPECT_TRUE(records.Start());
+        status = design.ReadFirstPass(records);
+        design.AttachIterator(records);
+    }
+
+    MARegSettings settings;
+    VectorRecordIter records;
+    MADesignMatrix design;
+    KXStatus status;
+};
+
+KXModelEffect Power(int covariate, int multiplicity)
+{
+    KXModelEffect effect;
+    effect.AddCovariate(covariate, multiplicity);
+    return effect;
+}
+
+} // namespace
+
+TEST(MADesignMatrix, CodesEffects)
+{
+    struct Case
+    {
+        const char* name;
+        KXModelEffect effect;
+        Levels combinations;
+        Rows columns; ///< of the effect, for each study
+    };
+    const Case cases[] = {
+        {"covariate", EffectOf({}, {4}), {}, {{3}, {-1}, {4}}},
+        {"power", Power(4, 3), {}, {{27}, {-1}, {64}}},
+        {"product", EffectOf({}, {4, 5, 4}), {}, {{-18}, {5}, {0}}},
+        {"factor", EffectOf({2}, {}), {{0}, {2}}, {{0, 1}, {1, 0}, {0, 1}}},
+        {"two factors", EffectOf({2, 3}, {}), {{0, 1}, {2, 0}, {2, 1}}, {{0, 1, 0}, {1, 0, 0}, {0, 0, 1}}},
+        {"the other one first",
+         EffectOf({3, 2}, {}),
+         {{0, 2}, {1, 0}, {1, 2}},
+         {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
+        {"factor by covariate", EffectOf({3}, {5}), {{0}, {1}}, {{-2, 0}, {0, 5}, {0, 0}}},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Matrix matrix(SettingsFor({EffectOf({}, {5}), c.effect}));
+        ASSERT_TRUE(matrix.status.IsOK());
+        const MADesignMatrixEffect& effect = matrix.design.GetEffects()[1];
+        EXPECT_EQ(effect.GetStart(), 2) << "after the intercept and the first effect";
+        EXPECT_EQ(effect.GetSize(), static_cast<int>(c.columns[0].size()));
+        EXPECT_EQ(effect.GetCombinations(), c.combinations);
+        EXPECT_EQ(matrix.design.GetParamSize(), 2 + effect.GetSize());
+        ASSERT_TRUE(matrix.design.CacheRows().IsOK());
+        const MADesignRows& rows = matrix.design.Rows();
+        ASSERT_EQ(rows.Count(), studies.size());
+        for (std::size_t i = 0; i < studies.size(); ++i) {
+            Row expected = {1.0, studies[i][5]};
+            expected.insert(expected.end(), c.columns[i].begin(), c.columns[i].end());
+            EXPECT_EQ(Row(rows.Row(i), rows.Row(i) + rows.columnCount), expected);
+            EXPECT_EQ(rows.Dependent(i), studies[i][0]);
+            EXPECT_EQ(rows.weights[i], 1.0 / studies[i][1]);
+        }
+    }
+}
+
+/// The same record is unusable wherever it comes; the predictors alone may be usable.
+TEST(MADesignMatrix, ChecksRecords)
+{
+    constexpr double huge = std::numeric_limits<double>::max();
+    struct Case
+    {
+        const char* name;
+        int variable;
+        double value;
+        bool isUsable;
+        bool arePredictorsUsable;
+    };
+    const Case cases[] = {
+        {"missing effect", 0, missing, false, true},
+        {"NaN effect", 0, notANumber, false, true},
+        {"infinite effect", 0, infinity, false, true},
+        {"missing variance", 1, missing, false, true},
+        {"zero variance", 1, 0.0, false, true},
+        {"negative variance", 1, -0.1, false, true},
+        {"NaN variance", 1, notANumber, false, true},
+        {"infinite variance", 1, infinity, false, true},
+        {"weight overflows", 1, 1e-310, false, true},
+        {"level 2.4", 2, 2.4, true, true},
+        {"level 2.5", 2, 2.5, false, false},
+        {"level -0.1", 2, -0.1, false, false},
+        {"level -0", 2, -0.0, true, true},
+        {"level 3", 2, 3.0, false, false},
+        {"huge level", 2, huge, false, false},
+        {"level beyond int", 2, 4294967297.0, false, false},
+        {"missing level", 2, missing, false, false},
+        {"NaN level", 2, notANumber, false, false},
+        {"infinite level", 2, infinity, false, false},
+        {"unused factor", 3, 2.0, false, false},
+        {"missing covariate", 4, missing, false, false},
+        {"NaN covariate", 4, notANumber, false, false},
+        {"infinite covariate", 4, infinity, false, false},
+        {"square overflows", 4, 1e200, false, false},
+        {"unused covariate", 5, missing, false, false},
+        {"level not seen before", 2, 1.0, false, false},
+    };
+    const MARegSettings settings = SettingsFor({EffectOf({2}, {}), Power(4, 2)});
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        Row row = studies[0];
+        row[static_cast<std::size_t>(c.variable)] = c.value;
+        FERegression regression(settings, studies);
+        const Scores scores(regression.engine, row);
+        EXPECT_EQ(scores.status, c.arePredictorsUsable ? KXStatus() : KXStatus(460031, true));
+        EXPECT_EQ(Same(scores.fit, missing), !c.arePredictorsUsable);
+        EXPECT_EQ(Same(scores.leverage, missing), !c.isUsable);
+        if (c.value == 1.0)
+            continue; // in the data themselves it is a level like any other
+
+        Rows rows = studies;
+        rows.insert(rows.begin() + 1, row);
+        const FERegression with(settings, rows);
+        EXPECT_EQ(with.output->GetNGoodRecords(), c.isUsable ? 4 : 3);
+        EXPECT_EQ(with.output->GetNBadRecords(), c.isUsable ? 0 : 1);
+        EXPECT_EQ(with.engine.GetNBadRecords(), c.isUsable ? 0 : 1);
+        if (c.isUsable)
+            continue;
+        EXPECT_EQ(with.WarningCodes(), (std::vector<int>{460031, 460049}));
+        EXPECT_TRUE(Same(with.output->GetEstimation(), regression.output->GetEstimation()));
+    }
+    const FERegression shortRecord(settings, {studies[0], {0.1, 0.5, 2, 0, 3}, studies[2]});
+    EXPECT_EQ(shortRecord.output->GetNBadRecords(), 1);
+}
+
+TEST(MADesignMatrix, OmegaWeights)
+{
+    struct Case
+    {
+        int index;
+        int type;
+        double value;
+        double weight; ///< missing for an unusable record
+    };
+    const Case cases[] = {{-1, 0, -5.0, 1.0},      {1, 0, 4.0, 4.0},          {1, 1, 4.0, 0.25},
+                          {1, 2, 4.0, 0.0625},     {1, 7, 4.0, 1.0},          {1, 0, 0.0, missing},
+                          {1, 1, 0.0, missing},    {1, 2, 0.0, missing},      {1, 2, -4.0, missing},
+                          {1, 7, -4.0, missing},   {1, 0, infinity, missing}, {1, 2, 1e200, missing},
+                          {1, 2, 1e-200, missing}, {1, 0, missing, missing},  {9, 0, 4.0, missing}};
+    for (const Case& c : cases) {
+        SCOPED_TRACE(testing::Message() << c.index << ' ' << c.type << ' ' << c.value);
+        MARegSettings settings = RegressionOn({});
+        settings.SetOMWVarIndex(c.index);
+        settings.SetOMWVarType(static_cast<MAConst::OMGWeightType>(c.type));
+        Matrix matrix(settings, {{0.5, c.value}});
+        matrix.design.CacheRows();
+        const MADesignRows& rows = matrix.design.Rows();
+        EXPECT_TRUE(Same(rows.weights, c.weight == missing ? Row() : Row{c.weight}));
+    }
+}
+
+TEST(MADesignMatrix, StrategiesOnTheirOwn)
+{
+    MADesignRow row;
+    const MAOWVar variance(0, MAConst::OMEGA_VARIANCE);
+    EXPECT_FALSE(variance.check(Record(Row{0.0})));
+    variance.apply(Record(Row{0.0}), row);
+    EXPECT_TRUE(KXMV::IsMissing(row.omegaWeight));
+
+    const Record negative(Row{-1.0});
+    EXPECT_TRUE(MADPSingle(0).check(negative));
+    EXPECT_FALSE(MADPSingle(0, true).check(negative));
+    EXPECT_FALSE(MADPSingle(1).check(negative));
+}
+
+/// Without a dependent no record can be used, but predictors can.
+TEST(MADesignMatrix, WithoutDependent)
+{
+    MARegSettings settings;
+    settings.SetInterceptUse(true);
+    Matrix matrix(settings);
+    EXPECT_EQ(matrix.status, KXStatus(460031, true));
+    EXPECT_EQ(matrix.design.CacheRows(), KXStatus(460031, true));
+    EXPECT_EQ(matrix.design.GetTotalRecords(), 3);
+    EXPECT_EQ(matrix.design.GetCompleteRecords(), 0);
+    EXPECT_EQ(matrix.design.Rows().Count(), 0U);
+    MADesignRow row;
+    EXPECT_TRUE(matrix.design.GetRow(Record(studies[0]), row, true).IsOK());
+    EXPECT_EQ(row.predictors, Row{1.0});
+    EXPECT_TRUE(KXMV::IsMissing(row.dependent));
+}
+
+/// Counts are over the complete records: of the settings' factors, and of those that the effects use.
+TEST(MADesignMatrix, DisplayAndFactorCounts)
+{
+    KXModelEffect effect = EffectOf({3}, {});
+    effect.AddCovariate(5, 2);
+    const MARegSettings settings = SettingsFor({effect});
+    Rows rows = studies;
+    rows.push_back({missing, 0.2, 2, 0, 1, 1});
+    const Matrix matrix(settings, rows);
+    EXPECT_EQ(matrix.design.GetFactorCounts().GetCount(0, 2), 2.0);
+    EXPECT_EQ(matrix.design.GetFactorCounts().GetCount(1, 0), 1.0);
+    EXPECT_EQ(matrix.design.GetEffectFactorCounts().GetFactors(), std::vector<int>{3});
+    EXPECT_EQ(matrix.design.GetEffectFactorCounts().GetCount(0, 1), 2.0);
+    EXPECT_EQ(
+        DisplayOf(matrix.design),
+        "MADesignMatrix display start; Data statistics; " + DisplayOf(matrix.design.GetDataStats()) +
+            "Total number of records in data set 4; Number of complete records 3; "
+            "Sum of frequency weights in complete cases 3; Parameter size 3; Effects: ; "
+            "MADesignMatrixEffect display start; Factors 3; Covariates 5; Multiplicities 2; Start 1; "
+            "Size 2; MADictionary display start; Contents of the dictionary:; 0 0; 1 1; "
+            "Number of key sorting levels 1; Sorting order 0; Original order 0; MADictionary display end; "
+            "MADesignMatrixEffect display end; MADesignMatrix display end; ");
+}

@@ -1,0 +1,78 @@
+#include "support/Compare.h"
+#include "support/Data.h"
+#include "support/FaultyRecordIter.h"
+
+#include "meta_analysis/regression/MAIterator.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+using MA_NAMESPACE::MAIterator;
+
+namespace {
+
+KXVarList HostVariables()
+{
+    KXVarList variables;
+    variables.AddCatVar("region", "Region");
+    variables.AddContVar("year", "Year");
+    return variables;
+}
+
+Rows ReadAll(MAIterator& iterator)
+{
+    Rows rows;
+    while (const Record* record = iterator.Next()) {
+        rows.emplace_back();
+        for (std::size_t i = 0; i < record->Size(); ++i)
+            rows.back().push_back(record->Get(static_cast<int>(i)));
+    }
+    return rows;
+}
+
+} // namespace
+
+/// Longer host records are cut, shorter ones filled up, records beyond the arrays get missing values; and
+/// every pass is the same.
+TEST(MAIterator, AppendsEffectSizeAndVarianceToTheHostsRecords)
+{
+    const std::vector<double> effects = {0.1, 0.2, 0.3};
+    const std::vector<double> variances = {1.0, 2.0};
+    VectorRecordIter source(Rows{{1, 1990, 5, 6}, {2}, {}, {3, 1991}});
+    MAIterator iterator(source, HostVariables(), effects, variances);
+    const KXVarList& list = iterator.GetVarList();
+    ASSERT_EQ(list.Size(), 4);
+    EXPECT_EQ(list.GetVarAt(0).type, KXVar::CATEGORICAL);
+    EXPECT_EQ(list.GetVarAt(1).name, "year");
+    EXPECT_EQ(list.FindVariable("$effectSize$"), 2);
+    EXPECT_EQ(list.GetVarAt(2).label, "effect Size");
+    EXPECT_EQ(list.FindVariable("$variance$"), 3);
+    EXPECT_EQ(list.GetVarAt(3).label, "variance");
+
+    EXPECT_FALSE(iterator.Reset()) << "not started";
+    EXPECT_TRUE(ReadAll(iterator).empty());
+    const Rows expected = {{1, 1990, 0.1, 1.0},
+                           {2, missing, 0.2, 2.0},
+                           {missing, missing, 0.3, missing},
+                           {3, 1991, missing, missing}};
+    EXPECT_TRUE(iterator.Start());
+    EXPECT_EQ(iterator.Next()->Get(2), 0.1);
+    EXPECT_TRUE(iterator.Start());
+    EXPECT_EQ(ReadAll(iterator), expected);
+    EXPECT_TRUE(iterator.Reset());
+    EXPECT_EQ(ReadAll(iterator), expected);
+    EXPECT_EQ(iterator.GetError(), 0);
+}
+
+TEST(MAIterator, PassesTheHostsFailuresOn)
+{
+    const std::vector<double> none;
+    FaultyRecordIter refusing({{1, 2}, {3, 4}}, FaultyRecordIter::REFUSES_START, 1);
+    EXPECT_FALSE(MAIterator(refusing, HostVariables(), none, none).Start());
+    FaultyRecordIter breaking({{1, 2}, {3, 4}}, FaultyRecordIter::BREAKS_OFF, 1);
+    MAIterator iterator(breaking, HostVariables(), none, none);
+    EXPECT_TRUE(iterator.Start());
+    EXPECT_EQ(ReadAll(iterator).size(), 1U);
+    EXPECT_EQ(iterator.GetError(), 5);
+}

@@ -1,0 +1,290 @@
+// What must hold of a meta-regression whatever the data.
+
+#include "support/LeastSquares.h"
+#include "support/Regression.h"
+
+#include "meta_analysis/pooling/MARandomEffectModel.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <numeric>
+#include <string>
+#include <vector>
+
+using namespace MA_NAMESPACE;
+using namespace MAConst;
+
+namespace {
+
+const char* const codes[] = {"HE", "HS", "DL", "SJ", "ML", "REML", "EB"};
+
+/// Sums of a few dozen terms of like size, in another order or by another formula.
+constexpr double rounding = 1e-13;
+/// Both iterations end at a step below 1e-12, from the same start but with rounding of their own.
+constexpr double iteration = 1e-11;
+
+MARandomEffectModel Pooled(const Rows& rows, int estimator, KNAPPHADJTYPE adjustment)
+{
+    std::vector<double> effects, variances;
+    for (const Row& row : rows) {
+        effects.push_back(row[0]);
+        variances.push_back(row[1]);
+    }
+    MARandomEffectModel model;
+    model.SetEffectSizes(&effects);
+    model.SetVariances(&variances);
+    model.SetEstimationType(static_cast<TAU2ESTIMATOR>(estimator));
+    model.SetKHAdjType(adjustment);
+    model.SetConverTol(1e-12);
+    model.SetMaxIter(10000);
+    EXPECT_TRUE(model.EstimateMeanESStats().IsOK());
+    return model;
+}
+
+void ExpectEqualsPooled(const MARegOutputStats& output, const MARandomEffectModel& pooled)
+{
+    const double stdError = std::sqrt(pooled.GetEstESVariance());
+    EXPECT_NEAR(output.GetTau(), pooled.GetBetweenStudyVariance(), iteration);
+    EXPECT_TRUE(Close(output.GetEstimation().at(0), pooled.GetEstEffectSize(), iteration, stdError));
+    EXPECT_TRUE(Close(output.GetBetaStandErr().at(0), stdError, iteration));
+    EXPECT_TRUE(Close(output.GetBetaTest().at(0), pooled.GetEstESTestStat(), iteration));
+    EXPECT_NEAR(output.GetBetaTestPValue().at(0), pooled.GetEstESSig(), iteration);
+    EXPECT_TRUE(
+        Close(output.GetBetaConfInterValUpper().at(0), pooled.GetEstESCIUpper(), iteration, stdError));
+    EXPECT_TRUE(Close(output.GetResHomoChiSqure(), pooled.GetHomogeneityTestQ(), rounding));
+    EXPECT_TRUE(Close(output.GetHresSquare(), pooled.GetHeterogeneityTestH2(), iteration));
+    EXPECT_TRUE(Close(output.GetIresSquare(), pooled.GetHeterogeneityTestI2(), iteration, 1.0));
+    EXPECT_NEAR(output.GetRSquare(), 0.0, iteration);
+}
+
+} // namespace
+
+/// Of all estimators but Hunter and Schmidt's, whose residuals are those of an unweighted fit here.
+TEST(MetaRegressionIdentities, InterceptOnlyEqualsThePlainEstimate)
+{
+    for (unsigned seed = 1; seed <= 20; ++seed) {
+        const Rows rows = RandomStudies(seed, 5 + seed, 0);
+        for (const int estimator : {TAU2_HE, TAU2_DL, TAU2_SJ, TAU2_ML, TAU2_REML, TAU2_EB}) {
+            for (const KNAPPHADJTYPE adjustment :
+                 {KNAPP_HARTUNG_NONE, KNAPP_HARTUNG_ADJUSTED, KNAPP_HARTUNG_TRUNCATED}) {
+                SCOPED_TRACE(testing::Message()
+                             << codes[estimator] << ' ' << adjustment << ", seed " << seed);
+                MARegSettings settings = RegressionOn({});
+                settings.SetEstTauType(codes[estimator]);
+                settings.SetTestDistType(TEST_STANDARD_NORMAL); // which the adjustment overrides
+                settings.SetKnapHartAdjust(adjustment != KNAPP_HARTUNG_NONE);
+                settings.SetTruncAjustValue(adjustment == KNAPP_HARTUNG_TRUNCATED);
+                const RERegression regression(settings, rows);
+                ExpectEqualsPooled(*regression.output, Pooled(rows, estimator, adjustment));
+            }
+        }
+    }
+}
+
+TEST(MetaRegressionIdentities, OneFactorWithoutInterceptGivesTheSubgroupMeans)
+{
+    Rows rows = RandomStudies(3, 17, 0);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        rows[i].push_back(static_cast<double>((i * 5) % 4));
+    MARegSettings settings = RegressionOn({}, {2}, 4);
+    settings.SetInterceptUse(false);
+    const FERegression regression(settings, rows);
+    ASSERT_EQ(regression.output->GetEstimation().size(), 4U);
+    double q = 0.0;
+    for (std::size_t level = 0; level < 4; ++level) {
+        double weightSum = 0.0, sum = 0.0, squares = 0.0;
+        for (const Row& row : rows) {
+            if (row[2] == static_cast<double>(level)) {
+                weightSum += 1.0 / row[1];
+                sum += row[0] / row[1];
+                squares += row[0] * row[0] / row[1];
+            }
+        }
+        q += squares - sum * sum / weightSum;
+        EXPECT_TRUE(Close(regression.output->GetEstimation()[level], sum / weightSum, rounding));
+        EXPECT_TRUE(Close(regression.output->GetBetaStandErr()[level], 1.0 / std::sqrt(weightSum), rounding));
+    }
+    EXPECT_TRUE(Close(regression.output->GetResHomoChiSqure(), q, 1e-12)) << "a difference of squares here";
+    EXPECT_EQ(regression.output->GetResHomoDf(), 13);
+    EXPECT_EQ(regression.output->GetWaldDf(), 4) << "there is no intercept to leave out";
+}
+
+namespace {
+
+/// Three moderators and a factor: the third is made of the others, a level of the factor of its cells.
+Rows RedundantStudies()
+{
+    Rows rows = RandomStudies(11, 20, 2);
+    for (std::size_t i = 0; i < rows.size(); ++i) {
+        rows[i].push_back(2 * rows[i][2] - 0.5 * rows[i][3] + 1);
+        rows[i].push_back(static_cast<double>(i % 3));
+    }
+    return rows;
+}
+
+template <class Engine>
+void ExpectLeveragesOfOneFit(const MARegSettings& settings, const Rows& rows, double scale)
+{
+    const Regression<Engine> regression(settings, rows);
+    ASSERT_TRUE(regression.status.IsOK());
+    const double tau2 = regression.output->GetTau();
+    double sum = 0.0;
+    for (const Row& row : rows) {
+        const Scores scores(regression.engine, row);
+        sum += scores.leverage;
+        const double variance = row[1] + tau2;
+        EXPECT_TRUE(Close(scores.stdError * scores.stdError, scale * scores.leverage * variance, rounding));
+        EXPECT_TRUE(
+            Close(scores.stdError * scores.stdError + scores.residualStdError * scores.residualStdError,
+                  scale * variance, rounding));
+        EXPECT_TRUE(Close(scores.fit + scores.residual, row[0], rounding, 1.0));
+    }
+    EXPECT_NEAR(sum, static_cast<double>(regression.output->GetRedundancyInfo().Count()), 1e-12);
+    EXPECT_EQ(regression.output->GetRedundancyInfo().Count(), 5U);
+}
+
+} // namespace
+
+/// A scale of the covariance stays out of the leverages.
+TEST(MetaRegressionIdentities, LeveragesAddUpToTheParameters)
+{
+    const Rows rows = RedundantStudies();
+    MARegSettings settings = RegressionOn({2, 3, 4}, {5});
+    ExpectLeveragesOfOneFit<MAFEAlgorithm>(settings, rows, 1.0);
+    ExpectLeveragesOfOneFit<MAREAlgorithm>(settings, rows, 1.0);
+
+    settings.SetMultiDiser(true);
+    const FERegression dispersed(settings, rows);
+    EXPECT_GT(dispersed.output->GetMultiDisper(), 1.1);
+    ExpectLeveragesOfOneFit<MAFEAlgorithm>(settings, rows, dispersed.output->GetMultiDisper());
+
+    const RERegression plain(settings, rows);
+    settings.SetKnapHartAdjust(true);
+    const RERegression adjusted(settings, rows);
+    const double ratio = adjusted.output->GetBetaStandErr()[0] / plain.output->GetBetaStandErr()[0];
+    EXPECT_GT(std::abs(ratio - 1.0), 1e-3);
+    ExpectLeveragesOfOneFit<MAREAlgorithm>(settings, rows, ratio * ratio);
+}
+
+/// A power of two scales without rounding, and so must everything computed from it, the choice of the
+/// redundant columns included.
+TEST(MetaRegressionIdentities, ScaleOfACovariateScalesItsCoefficientAndNothingElse)
+{
+    const Rows rows = RandomStudies(5, 15, 2);
+    for (const char* const code : codes) {
+        MARegSettings settings = RegressionOn({2, 3});
+        settings.SetEstTauType(code);
+        settings.SetKnapHartAdjust(true);
+        const RERegression original(settings, rows);
+        for (const double factor : {std::ldexp(1.0, 60), std::ldexp(1.0, -60), -1.0}) {
+            SCOPED_TRACE(testing::Message() << code << " times " << factor);
+            Rows scaled = rows;
+            for (Row& row : scaled)
+                row[2] *= factor;
+            const RERegression regression(settings, scaled);
+            std::vector<double> expected = original.output->GetEstimation();
+            expected[1] /= factor;
+            EXPECT_TRUE(Same(regression.output->GetEstimation(), expected));
+            expected = original.output->GetBetaStandErr();
+            expected[1] /= std::abs(factor);
+            EXPECT_TRUE(Same(regression.output->GetBetaStandErr(), expected));
+            EXPECT_EQ(regression.output->GetTau(), original.output->GetTau());
+            EXPECT_EQ(regression.output->GetFTestVal(), original.output->GetFTestVal());
+            EXPECT_EQ(regression.output->GetResHomoChiSqure(), original.output->GetResHomoChiSqure());
+            for (std::size_t i = 0; i < rows.size(); ++i)
+                EXPECT_TRUE(Same(Scores(regression.engine, scaled[i]).Values(),
+                                 Scores(original.engine, rows[i]).Values()));
+        }
+    }
+}
+
+TEST(MetaRegressionIdentities, OrderOfTheRecordsDoesNotMatter)
+{
+    const Rows rows = RedundantStudies();
+    for (const char* const code : codes) {
+        SCOPED_TRACE(code);
+        MARegSettings settings = RegressionOn({2, 3, 4}, {5});
+        settings.SetEstTauType(code);
+        const RERegression original(settings, rows);
+        Rows shuffled = rows;
+        std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(7));
+        const RERegression regression(settings, shuffled);
+        EXPECT_NEAR(regression.output->GetTau(), original.output->GetTau(), iteration);
+        EXPECT_EQ(regression.output->GetRedundancyInfo(), original.output->GetRedundancyInfo());
+        for (std::size_t j = 0; j < original.output->GetEstimation().size(); ++j) {
+            const double stdError = original.output->GetBetaStandErr()[j];
+            EXPECT_EQ(regression.output->GetParameters()[j].GetCategories(),
+                      original.output->GetParameters()[j].GetCategories());
+            EXPECT_TRUE(Close(regression.output->GetEstimation()[j], original.output->GetEstimation()[j],
+                              iteration, stdError));
+            EXPECT_TRUE(Close(regression.output->GetBetaStandErr()[j], stdError, iteration));
+        }
+        EXPECT_TRUE(Close(regression.output->GetWaldChiSquareTest(), original.output->GetWaldChiSquareTest(),
+                          iteration));
+    }
+}
+
+namespace {
+
+/// Rounding errors of the normal equations, in proportion to their condition with columns scaled alike: p
+/// times the largest inflation of a coefficient's variance bounds it.
+double ToleranceOf(const LeastSquares& exact)
+{
+    const std::size_t p = exact.Coefficients().size();
+    long double inflation = 1;
+    for (std::size_t j = 0; j < p; ++j)
+        inflation = std::max(inflation, exact.InverseDiagonal(j) * exact.SquaredNorm(j));
+    return 8 * machineEpsilon * static_cast<double>(p * inflation);
+}
+
+void ExpectExact(const Rows& rows)
+{
+    LeastSquares::Vector weights;
+    for (const Row& row : rows)
+        weights.push_back(1 / static_cast<long double>(row[1]));
+    const LeastSquares exact(rows, weights);
+    const double tolerance = ToleranceOf(exact);
+    const FERegression regression(RegressionOn({2, 3}), rows);
+    const MARegOutputStats& output = *regression.output;
+    ASSERT_LT(tolerance, 1e-4) << "there must be something to compare";
+    ASSERT_EQ(output.GetRedundancyInfo().Count(), 3U) << "tolerance " << tolerance;
+
+    // One error for the shares of all columns in the fitted values.
+    long double share = 0;
+    for (std::size_t j = 0; j < 3; ++j)
+        share = std::max(share, std::abs(exact.Coefficients()[j]) * std::sqrt(exact.SquaredNorm(j)));
+    for (std::size_t j = 0; j < 3; ++j) {
+        const auto scale = static_cast<double>(share / std::sqrt(exact.SquaredNorm(j)));
+        const auto b = static_cast<double>(exact.Coefficients()[j]);
+        const auto stdError = static_cast<double>(std::sqrt(exact.InverseDiagonal(j)));
+        EXPECT_TRUE(Close(output.GetEstimation()[j], b, tolerance, scale)) << j;
+        EXPECT_TRUE(Close(output.GetBetaStandErr()[j], stdError, tolerance)) << j;
+    }
+    EXPECT_TRUE(Close(output.GetWaldChiSquareTest(), static_cast<double>(exact.ExplainedSum()), tolerance,
+                      static_cast<double>(share * share)));
+}
+
+} // namespace
+
+/// Calendar years as they are, beside a moderator of the scale 1e-6; and a moderator that differs from
+/// another by a small part only. None may be found redundant, or lose more digits than the condition costs.
+TEST(MetaRegressionIdentities, BadlyScaledAndNearlyCollinearCovariates)
+{
+    for (unsigned seed = 1; seed <= 20; ++seed) {
+        SCOPED_TRACE(seed);
+        Rows scaled = RandomStudies(seed, 30, 2);
+        for (Row& row : scaled) {
+            row[2] = std::round(1975 + 12 * row[2]);
+            row[3] *= 1e-6;
+        }
+        ExpectExact(scaled);
+        for (const double difference : {1e-2, 1e-3, 1e-4}) {
+            Rows collinear = RandomStudies(seed, 30, 2);
+            for (Row& row : collinear)
+                row[3] = row[2] + difference * row[3];
+            ExpectExact(collinear);
+        }
+    }
+}

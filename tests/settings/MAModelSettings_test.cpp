@@ -1,0 +1,100 @@
+#include "meta_analysis/settings/MAModelSettings.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+using S = MA_NAMESPACE::MAModelSettings;
+
+namespace {
+
+struct IndexAccessors
+{
+    void (S::*set)(int);
+    int (S::*get)() const;
+};
+
+const IndexAccessors indices[] = {
+    {&S::SetTreatmentNIndex, &S::GetTreatmentNVarIndex},
+    {&S::SetControlNIndex, &S::GetControlNVarIndex},
+    {&S::SetTreatmentMeanIndex, &S::GetTreatmentMeanVarIndex},
+    {&S::SetControlMeanIndex, &S::GetControlMeanVarIndex},
+    {&S::SetTreatmentVarianceIndex, &S::GetTreatMentVarianceIndex},
+    {&S::SetControlVarianceIndex, &S::GetControlVarianceIndex},
+    {&S::SetTreatmentStdErrorIndex, &S::GetTreatmentStdErrorIndex},
+    {&S::SetControlStdErrorIndex, &S::GetControlStdErrorIndex},
+    {&S::SetTreatmentSuccessIndex, &S::GetTreatmentSuccessVarIndex},
+    {&S::SetTreatmentFailureIndex, &S::GetTreatmentFailureVarIndex},
+    {&S::SetControlSuccessIndex, &S::GetControlSuccessVarIndex},
+    {&S::SetControlFailureIndex, &S::GetControlFailureVarIndex},
+    {&S::SetInputEffectSizeIndex, &S::GetInputEffectsizeIndex},
+    {&S::SetInputVarianceIndex, &S::GetInputVaranceVarIndex},
+    {&S::SetInputStdErrorIndex, &S::GetInputStdErrorIndex},
+    {&S::SetSubGroupIndex, &S::GetSubGroupIndex},
+    {&S::SetCommulativeIndex, &S::GetCummulativeIndex},
+};
+
+std::vector<double> CutoffsOf(const S& settings)
+{
+    std::vector<double> out = {7, 8, 9, 10}; // must not survive
+    settings.GetSetFunnelConTourCutoff(out);
+    return out;
+}
+
+} // namespace
+
+TEST(MAModelSettings, Defaults)
+{
+    const S s;
+    const std::vector<int> types = {s.GetOutcomesType(),    s.GetInputESType(),
+                                    s.GetWeightType(),      s.GetModelType(),
+                                    s.GetEstTauType(),      s.GetContinousEstType(),
+                                    s.GetBinaryEstType(),   s.GetGlassDsVarDependentGroup(),
+                                    s.GetRegBaseTestType(), s.GetIsUseIntercept(),
+                                    s.GetMultiDisper()};
+    EXPECT_EQ(types, (std::vector<int>{0, 0, 0, 1, 5, 1, 0, 1, 0, 1, 0}));
+    const std::vector<int> estimation = {
+        s.GetSortType(),           s.GetMaxIter(),        s.GetMaxStepHalving(), s.GetVarEqualAssumption(),
+        s.GetVarianceAdjustment(), s.GetBinZeroAdjType(), s.GetDropBinZero(),    s.GetKnapHartAdjustType()};
+    EXPECT_EQ(estimation, (std::vector<int>{0, 100, 5, 0, 0, 0, 0, 0}));
+    const std::vector<double> values = {s.GetCILevel(), s.GetConnvergenceTol(), s.GetNullHypothesis(),
+                                        s.GetZeroCountDelta()};
+    EXPECT_EQ(values, (std::vector<double>{0.95, 1e-6, 0.0, 0.5}));
+    const std::vector<int> trimFill = {s.GetTrimFillSide(), s.GetTrimFillMethod(),
+                                       s.GetIsTRIMFILL(),   s.GetTFModelType(),
+                                       s.GetTFEstTauType(), s.GetTFKnapHartAdjustType()};
+    EXPECT_EQ(trimFill, (std::vector<int>{0, 0, 0, 1, 5, 0}));
+    const std::vector<int> plots = {s.GetFunnelNPoints(), s.GetFunnelYType(), s.GetFunnelConTourTesType(),
+                                    s.GetCenterBubblePlot(), s.GetBubbleCurveNPoints()};
+    EXPECT_EQ(plots, (std::vector<int>{100, 0, 0, 0, 100}));
+    for (const IndexAccessors& index : indices)
+        EXPECT_EQ((s.*index.get)(), -1);
+    EXPECT_TRUE(s.GetContrastCoefIndex().empty());
+    EXPECT_TRUE(s.GetInputContrastCoef().empty());
+    EXPECT_EQ(CutoffsOf(s), (std::vector<double>{0.01, 0.05, 0.1}));
+}
+
+/// Copies have every index and vector, and are independent; no index shares its place with another.
+TEST(MAModelSettings, Copies)
+{
+    S original;
+    int position = 1;
+    for (const IndexAccessors& index : indices)
+        (original.*index.set)(position++);
+    original.SetContrastCoefIndex({5, 6});
+    original.SetInputContrastCoef({1, -1});
+    original.SetFunnelConTourCutoff({0.2});
+    const S copied = original;
+    S assigned;
+    assigned = original;
+    original.SetContrastCoefIndex({});
+    original.SetFunnelConTourCutoff({});
+    for (const S& copy : {copied, assigned}) {
+        position = 1;
+        for (const IndexAccessors& index : indices)
+            EXPECT_EQ((copy.*index.get)(), position++);
+        EXPECT_EQ(copy.GetContrastCoefIndex(), (std::vector<int>{5, 6}));
+        EXPECT_EQ(copy.GetInputContrastCoef(), (std::vector<double>{1, -1}));
+        EXPECT_EQ(CutoffsOf(copy), std::vector<double>{0.2});
+    }
+}

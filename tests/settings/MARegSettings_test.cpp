@@ -1,0 +1,185 @@
+#include "meta_analysis/platform/common/KXDisplay_940.h"
+#include "meta_analysis/platform/common/KXQueryCancel.h"
+#include "meta_analysis/settings/MARegSettings.h"
+
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <string>
+#include <vector>
+
+using MA_NAMESPACE::MARegSettings;
+using ::testing::AllOf;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using Indices = std::vector<int>;
+
+namespace {
+
+KXModelEffect Effect(const Indices& factors, const Indices& covariates)
+{
+    KXModelEffect effect;
+    for (const int factor : factors)
+        effect.AddFactor(factor);
+    for (const int covariate : covariates)
+        effect.AddCovariate(covariate);
+    return effect;
+}
+
+struct NeverCancel : KXQueryCancel
+{
+    bool IsCancelled() override { return false; }
+};
+
+struct Listing : KXDisplay_940::Sink
+{
+    void Line(const std::string& line) override { text += line + "; "; }
+    std::string text;
+};
+
+std::string DisplayOf(const MARegSettings& settings)
+{
+    Listing listing;
+    KXDisplay_940::SetSink(&listing);
+    settings.Display();
+    KXDisplay_940::SetSink(nullptr);
+    return listing.text;
+}
+
+} // namespace
+
+TEST(MARegSettings, AVariableIsDependentFactorOrCovariateButMayAlsoBeAWeight)
+{
+    constexpr int maxInt = std::numeric_limits<int>::max();
+    MARegSettings settings;
+    EXPECT_EQ(settings.GetMaxIndex(), -1);
+    EXPECT_FALSE(settings.SetDependent(-1));
+    EXPECT_EQ(settings.GetDependentType(), KXConst::DEPENDENT_NONE);
+    EXPECT_TRUE(settings.SetDependent(9));
+    EXPECT_TRUE(settings.SetSingleDependent(1)) << "in place of the one before";
+    EXPECT_EQ(settings.AddFactor(4, 3), 0);
+    EXPECT_EQ(settings.AddFactor(2, 5), 1);
+    EXPECT_EQ(settings.AddFactor(4, 3), 0) << "once more";
+    EXPECT_EQ(settings.AddCovariate(9), 0) << "not the dependent any more";
+    EXPECT_EQ(settings.AddCovariate(6), 1);
+    EXPECT_EQ(settings.AddCovariate(9), 0) << "once more";
+
+    EXPECT_EQ(settings.AddFactor(4, 2), -1) << "another size";
+    EXPECT_EQ(settings.AddFactor(3, 0), -1) << "no level";
+    for (const int taken : {-1, 1, 9})
+        EXPECT_EQ(settings.AddFactor(taken, 3), -1) << taken;
+    for (const int taken : {-1, 1, 4})
+        EXPECT_EQ(settings.AddCovariate(taken), -1) << taken;
+    for (const int taken : {-1, 2, 6})
+        EXPECT_FALSE(settings.SetDependent(taken)) << taken;
+    EXPECT_EQ(settings.GetFactors(), (Indices{4, 2}));
+    EXPECT_EQ(settings.GetFactorSizes(), (Indices{3, 5}));
+    EXPECT_EQ(settings.GetCovariates(), (Indices{9, 6}));
+
+    settings.SetFreqWeightVar(6);
+    settings.SetRegrWeightVar(maxInt);
+    EXPECT_EQ(settings.GetMaxIndex(), maxInt);
+    for (const int used : {1, 2, 4, 6, 9})
+        EXPECT_TRUE(settings.HasVariable(used)) << used;
+    for (const int unused : {-1, 0, 3, maxInt})
+        EXPECT_FALSE(settings.HasVariable(unused)) << unused;
+}
+
+TEST(MARegSettings, EffectsListTheirVariablesOnceInOrderOfFirstUse)
+{
+    MARegSettings settings;
+    EXPECT_TRUE(settings.IsEmptyModel());
+    settings.AddFactor(1, 2);
+    settings.AddFactor(2, 5);
+    settings.AddCovariate(4);
+    for (const KXModelEffect& effect : {Effect({2}, {4}), Effect({2, 1}, {}), Effect({7}, {8, 4})})
+        EXPECT_TRUE(settings.AddModelEffect(effect));
+    const MARegSettings copy = settings;
+    EXPECT_TRUE(settings.AddModelEffect(settings.GetModelEffects()[0]));
+
+    EXPECT_EQ(settings.GetNumOfModelEffects(), 4);
+    EXPECT_EQ(copy.GetNumOfModelEffects(), 3);
+    EXPECT_FALSE(settings.IsEmptyModel());
+    EXPECT_TRUE(settings.IsValid())
+        << "7 and 8, which are not in the settings, are left to the design matrix";
+    for (const MARegSettings& each : {settings, copy}) {
+        EXPECT_EQ(each.GetEffectFactors(), (Indices{2, 1, 7}));
+        EXPECT_EQ(each.GetEffectFactorSizes(), (Indices{5, 2, 0}));
+        EXPECT_EQ(each.GetEffectCovariates(), (Indices{4, 8}));
+    }
+}
+
+TEST(MARegSettings, IsValidWithUsableTolerancesAndStepHalving)
+{
+    const double notANumber = std::numeric_limits<double>::quiet_NaN();
+    struct Case
+    {
+        double logLikelihoodTolerance, parameterTolerance;
+        int maxStepHalving, maxIterations, code;
+    };
+    const Case cases[] = {{0.0, 1e-6, 5, 100, 0},        {1e-6, 0.0, 1, 0, 0},
+                          {0.0, 0.0, 5, 100, 460009},    {-1e-9, 1e-6, 5, 100, 460009},
+                          {1e-6, -1e-9, 5, 100, 460009}, {0.0, notANumber, 5, 100, 0},
+                          {0.0, 1e-6, 0, 100, 460009}};
+    for (const Case& c : cases) {
+        MARegSettings settings;
+        ASSERT_TRUE(settings.IsValid());
+        settings.SetLogLikelihoodTolerance(c.logLikelihoodTolerance);
+        settings.SetParameterTolerance(c.parameterTolerance);
+        settings.SetMaxStepHalvingValue(c.maxStepHalving);
+        settings.SetMaxIterations(c.maxIterations);
+        SCOPED_TRACE(&c - cases);
+        EXPECT_EQ(settings.IsValid(), c.code == 0);
+        EXPECT_EQ(settings.IsValidSettings(false).GetCode(), c.code);
+        EXPECT_EQ(settings.IsValidSettings(true).GetCode(), 460009) << "no dependent";
+        settings.SetDependent(0);
+        EXPECT_EQ(settings.IsValidSettings(true).GetCode(), c.code);
+    }
+}
+
+TEST(MARegSettings, KeepsTheEstimatorCodeByItsPointer)
+{
+    MARegSettings settings;
+    EXPECT_STREQ(settings.GetEstTauType(), "HE");
+    char code[] = "REML";
+    settings.SetEstTauType(code);
+    EXPECT_EQ(MARegSettings(settings).GetEstTauType(), code);
+    settings.SetEstTauType(nullptr);
+    EXPECT_STREQ(settings.GetEstTauType(), "");
+}
+
+TEST(MARegSettings, DisplaysEverySettingInOrder)
+{
+    NeverCancel cancel;
+    MARegSettings settings;
+    EXPECT_THAT(DisplayOf(settings),
+                AllOf(Not(HasSubstr("Dependent index")), Not(HasSubstr("weight index"))));
+    settings.SetCancelObject(&cancel);
+    settings.SetTempDirectory("/tmp");
+    EXPECT_TRUE(settings.SetNSkippedReports(3));
+    EXPECT_FALSE(settings.SetNSkippedReports(-1));
+    settings.SetDependent(3);
+    settings.SetDependentSize(4);
+    EXPECT_EQ(settings.GetDependentSize(), 0);
+    settings.AddFactor(4, 2);
+    settings.AddCovariate(5);
+    settings.SetFreqWeightVar(0);
+    settings.SetRegrWeightVar(7);
+    settings.AddModelEffect(Effect({4}, {5}));
+
+    EXPECT_EQ(
+        DisplayOf(settings),
+        "MARegSettings display start; Iteration progress listener for model building is not defined; "
+        "Record progress listener is not defined; Number of progress reports to skip 3; "
+        "Cancel object is defined; Temporary file directory: /tmp; Factors 4; Factors sizes 2; "
+        "Covariates 5; Dependent type 1; Dependent index 3; Dependent number of categories 4; "
+        "Dependent reference category 0; Frequency weight index 0; Omega weight index 7; "
+        "Intercept in the model indicator false; Number of model effects:  1; KXModelEffect display start; "
+        "Factors 4; Covariates 5; Multiplicities 1; KXModelEffect display end; "
+        "Max steps in step-halving method 5; Max number of iterations 100; "
+        "Loglikelihood convergence tolerance 0; Parameter convergence tolerance 1e-06; "
+        "Computational tolerance 1e-12; Estimator type of parameter estimate covariance matrix 0; "
+        "Parameter for m-dependent working correlation matrix 0; Confidence interval level 0.95; "
+        "Frequency of showing iteration history 0; MARegSettings display end; ");
+}

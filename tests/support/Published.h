@@ -1,0 +1,48 @@
+#pragma once
+
+#include "support/Data.h"
+#include "support/Reference.h"
+
+#include "meta_analysis/analysis/MABinModel.h"
+#include "meta_analysis/analysis/MAContModel.h"
+
+#include <string>
+
+/// A data set with its reference figures, and the settings for its effects: log risk ratios of the trials of
+/// BCG, log odds ratios of those of magnesium, else the ready-made effects. Iterations end below a step of
+/// 1e-12.
+struct Published
+{
+    explicit Published(const std::string& name) : data(name), figures(LoadReference(name))
+    {
+        isBinary = figures.contains("tables");
+        if (isBinary) {
+            const bool hasRiskRatios = figures.contains("risk_ratio");
+            settings = TableSettings(data.IndexOf("treatment_events"));
+            settings.SetBinaryEstType(hasRiskRatios ? MAConst::BIN_RISK_RATIO : MAConst::BIN_ODDS_RATIO);
+            figures = nlohmann::json(figures.at(hasRiskRatios ? "risk_ratio" : "log_odds_ratio"));
+        } else {
+            settings = EffectSettings(data.IndexOf("effect"));
+        }
+        settings.SetConvergenceTol(1e-12);
+    }
+
+    /// Calls `use` with a null pointer to the driver of these data.
+    template <class Use>
+    void WithDriver(Use use) const
+    {
+        if (isBinary)
+            use(static_cast<MA_NAMESPACE::MABinModel*>(nullptr));
+        else
+            use(static_cast<MA_NAMESPACE::MAContModel*>(nullptr));
+    }
+
+    DataSet data;
+    nlohmann::json figures;
+    bool isBinary = false;
+    MA_NAMESPACE::MAModelSettings settings;
+};
+
+/// The data sets with figures of trim-and-fill and of the regression on the standard error.
+inline const char* const biasDataSets[] = {"bcg_vaccine", "magnesium", "passive_smoking",
+                                           "teacher_expectancy", "writing_to_learn"};
