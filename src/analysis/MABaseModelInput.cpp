@@ -59,7 +59,7 @@ KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
 KXStatus MABaseModel::ReviewComputedStudies(MultiPassRecordIter& records,
                                             const std::vector<int>& contrastIndices)
 {
-    const std::size_t computedCount = studies_.Count();
+    const std::size_t computedCount = studies_.recordNumber.size();
     std::vector<bool> kept(computedCount, false);
     std::size_t keptCount = 0;
     std::size_t next = 0;
@@ -85,6 +85,8 @@ KXStatus MABaseModel::ReviewComputedStudies(MultiPassRecordIter& records,
 /// A study without effect or with a variance that gives no finite weight would make every result NaN.
 bool MABaseModel::CanPool(std::size_t study) const
 {
+    if (study >= studies_.Count())
+        return false; // an unknown measure has no effect sizes at all
     const double effectSize = studies_.effects.effectSize[study];
     const double variance = studies_.effects.variance[study];
     return !KXMV::IsMissing(effectSize) && !std::isnan(effectSize) && variance > 0.0;

@@ -68,7 +68,7 @@ public:
     std::vector<double> GetEffectSizeCIUpper() const { return CopyOf(natural_.ciUpper); }
     std::vector<double> GetEffectSizeCILower() const { return CopyOf(natural_.ciLower); }
 
-    /// Log scale, one entry per study, missing where undefined; empty for the risk difference.
+    /// Log scale, one entry per study, missing where undefined; of the risk difference empty, or all missing.
     std::vector<double> GetLogEffectSizeVal() const { return CopyOf(log_.value); }
     std::vector<double> GetLogTreatmentGRatio() const { return CopyOf(log_.treatmentRatio); }
     std::vector<double> GetLogControlGRatio() const { return CopyOf(log_.controlRatio); }

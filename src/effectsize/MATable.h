@@ -21,11 +21,9 @@ struct MATable
     /// Variance of the log odds ratio (Woolf 1955, Annals of Human Genetics 19, 251-253).
     double LogOddsRatioVariance() const { return 1.0 / b + 1.0 / a + 1.0 / c + 1.0 / d; }
 
-    /// Variance of the log risk ratio.
-    double LogRiskRatioVariance() const
-    {
-        return 1.0 / c + 1.0 / a - 1.0 / TreatmentSize() - 1.0 / ControlSize();
-    }
+    /// Variance of the log risk ratio, 1/a - 1/(a + b) + 1/c - 1/(c + d). In this form it is exactly 0 where
+    /// all persons have events, which as a difference of inverses rounding turns into a tiny variance.
+    double LogRiskRatioVariance() const { return b / a / TreatmentSize() + d / c / ControlSize(); }
 
     /// Variance of the risk difference.
     double RiskDifferenceVariance() const
@@ -35,8 +33,9 @@ struct MATable
         return d * c / (nc * nc * nc) + b * a / (nt * nt * nt);
     }
 
-    /// Events in the treatment group beyond those expected with the margins given.
-    double ExcessEvents() const { return a - (a + c) * TreatmentSize() / Size(); }
+    /// Events in the treatment group beyond those expected with the margins given: a - (a + c)(a + b) / N, in
+    /// the form that does not cancel for large counts.
+    double ExcessEvents() const { return (a * d - b * c) / Size(); }
 
     /// Hypergeometric variance of the treatment events; its inverse is the variance of the log Peto odds
     /// ratio (Yusuf et al. 1985, Progress in Cardiovascular Diseases 27, 335-371).

@@ -93,6 +93,7 @@ KXStatus MABinaryFixEffectModel::ComputeStatistics()
     if (ComputeStudyEffects().IsError())
         return status_;
     weights_.resize(studyCount_, KXMV::Missing());
+    contrastEffects_.clear();
     WithBinaryPooling(method_, [this](auto pooling) { EstimateBy(pooling); });
     return status_;
 }
@@ -173,8 +174,6 @@ KXStatus MABinaryFixEffectModel::ContrastTest()
 {
     if (contrastCoefficients_ == nullptr || status_.IsError())
         return status_;
-    if (!HasCounts() || !HaveLength(studyCount_, &studyEffects_, contrastCoefficients_))
-        return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
     return Guarded(status_, [this] {
         KXStatus result = status_;
         WithBinaryPooling(method_, [&](auto pooling) { result = ContrastTestBy(pooling); });
@@ -185,6 +184,8 @@ KXStatus MABinaryFixEffectModel::ContrastTest()
 template <class Pooling>
 KXStatus MABinaryFixEffectModel::ContrastTestBy(Pooling /*method*/)
 {
+    if (!HasCounts() || !HaveLength(studyCount_, &studyEffects_, contrastCoefficients_))
+        return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
     if (contrastEffects_.size() != studyCount_)
         PrepareContrastTerms<Pooling>();
     KXStatus result = status_;

@@ -178,6 +178,9 @@ void MATAU2ESTIMATIOR::SJEstimator()
     tau2_ = studyCount_ == 1 ? 0.0 : TruncateAtZero(sum / (k - 1.0));
 }
 
+/// P = W - W 1 1' W / sum(w) has the diagonal w (sum(w) - w) / sum(w). The traces are taken as sums of
+/// positive terms, over the diagonal and over pairs of studies: written with leverages they would cancel
+/// where one weight dominates, and for one study leave a quotient of rounding errors in place of 0.
 MATAU2ESTIMATIOR::StepSums MATAU2ESTIMATIOR::PlainSums() const
 {
     const WeightedMean weighted = CalcEstES(tau2_);
@@ -185,11 +188,18 @@ MATAU2ESTIMATIOR::StepSums MATAU2ESTIMATIOR::PlainSums() const
     const double* const y = effectSizes_->data();
     const double* const v = variances_->data();
     StepSums sums;
+    double pairs = 0.0;
+    double squaredPairs = 0.0;
+    double squaredDiagonal = 0.0;
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const double weight = 1.0 / (tau2_ + v[i]);
-        sums.Add(weight, y[i] - weighted.mean, weight * inverseSum);
+        pairs += weight * sums.w1;
+        squaredPairs += weight * weight * sums.w2;
+        squaredDiagonal += Square(weight * (weighted.weightSum - weight) * inverseSum);
+        sums.Add(weight, y[i] - weighted.mean);
     }
-    sums.squaredHatTrace = Square(sums.w2 * inverseSum);
+    sums.traceP = 2.0 * pairs * inverseSum;
+    sums.tracePP = squaredDiagonal + 2.0 * squaredPairs * Square(inverseSum);
     return sums;
 }
 
@@ -201,8 +211,7 @@ double MATAU2ESTIMATIOR::StepFrom(const StepSums& sums, MAConst::TAU2ESTIMATOR t
         return (sums.w2r2 - sums.w1) / sums.w2;
     if (type == MAConst::TAU2_EB)
         return (sums.count / (sums.count - nonRedundantCount_) * sums.wr2 - sums.count) / sums.w1;
-    const double tracePP = sums.residualSquares + sums.squaredHatTrace;
-    return tracePP == 0.0 ? 0.0 : (sums.w2r2 - sums.residualTrace) / tracePP;
+    return sums.tracePP == 0.0 ? 0.0 : (sums.w2r2 - sums.traceP) / sums.tracePP;
 }
 
 /// Moves tau² by the step, halved until tau² stays >= 0, at most one time more than the limit. False, and

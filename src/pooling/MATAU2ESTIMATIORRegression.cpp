@@ -203,11 +203,18 @@ MATAU2ESTIMATIOR::StepSums MATAU2ESTIMATIOR::RegressionSums(MARegFit& fit, bool 
     }
     const MADesignRows& rows = design_->Rows();
     for (std::size_t i = 0; i < rows.Count(); ++i) {
-        if (rows.weights[i] > minimumWeight && rows.Variance(i) > minimumWeight)
-            sums.Add(fit.Weight(i), fit.Residual(i), withHatMatrix ? fit.Leverage(i) : 0.0);
+        if (!(rows.weights[i] > minimumWeight && rows.Variance(i) > minimumWeight))
+            continue;
+        const double weight = fit.Weight(i);
+        sums.Add(weight, fit.Residual(i));
+        if (withHatMatrix) {
+            const double leverage = fit.Leverage(i);
+            sums.traceP += (1.0 - leverage) * weight;
+            sums.tracePP += (1.0 - 2.0 * leverage) * weight * weight;
+        }
     }
     if (withHatMatrix)
-        sums.squaredHatTrace = fit.SquaredHatTrace();
+        sums.tracePP += fit.SquaredHatTrace();
     return sums;
 }
 

@@ -22,15 +22,15 @@ inline double Square(double x)
 struct MATAU2ESTIMATIOR::StepSums
 {
     double count = 0.0;
-    double w1 = 0.0;              ///< sum(w)
-    double w2 = 0.0;              ///< sum(w²)
-    double wr2 = 0.0;             ///< sum(w r²)
-    double w2r2 = 0.0;            ///< sum(w² r²)
-    double residualTrace = 0.0;   ///< sum((1 - h) w)
-    double residualSquares = 0.0; ///< sum((1 - 2h) w²)
-    double squaredHatTrace = 0.0; ///< sum(w² g), g the diagonal of the squared hat quantity
+    double w1 = 0.0;     ///< sum(w)
+    double w2 = 0.0;     ///< sum(w²)
+    double wr2 = 0.0;    ///< sum(w r²)
+    double w2r2 = 0.0;   ///< sum(w² r²)
+    double traceP = 0.0; ///< tr P = sum((1 - h) w), P the weighted residual projection; for REML
+    double tracePP =
+        0.0; ///< tr PP = sum((1 - 2h) w²) + sum(w² g), g the diagonal of the squared hat quantity
 
-    void Add(double weight, double residual, double leverage)
+    void Add(double weight, double residual)
     {
         const double weightedResidual = weight * residual;
         const double squaredWeight = weight * weight;
@@ -39,8 +39,6 @@ struct MATAU2ESTIMATIOR::StepSums
         w2 += squaredWeight;
         wr2 += weightedResidual * residual;
         w2r2 += weightedResidual * weightedResidual;
-        residualTrace += (1.0 - leverage) * weight;
-        residualSquares += (1.0 - 2.0 * leverage) * squaredWeight;
     }
 };
 

@@ -5,20 +5,21 @@
 #include <new>
 #include <stdexcept>
 
-/// A host's records that go wrong in one pass over them (the first is 1).
+/// A host's records that go wrong in one pass over them (the first is 1): before it begins, at its start, or
+/// after its first record.
 class FaultyRecordIter : public VectorRecordIter
 {
 public:
     enum Fault
     {
-        REPORTS_ERROR, ///< ... before the pass begins
-        REFUSES_START,
-        BREAKS_OFF, ///< ... after the first record, and reports an error
-        THROWS_IN_START,
-        THROWS_IN_NEXT, ///< ... after the first record
+        REPORTS_ERROR,
         THROWS_IN_GET_ERROR,
-        THROWS_A_NUMBER,    ///< ... after the first record
-        RUNS_OUT_OF_MEMORY, ///< ... after the first record
+        REFUSES_START,
+        THROWS_IN_START,
+        BREAKS_OFF, ///< and reports an error
+        THROWS_IN_NEXT,
+        THROWS_A_NUMBER,
+        RUNS_OUT_OF_MEMORY,
         NO_FAULT
     };
 

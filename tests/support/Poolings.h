@@ -57,19 +57,20 @@ inline const Column heterogeneityColumns[] = {&BinModel::GetHomoTestChisquareQ,
 inline const Column ratioColumns[] = {&BinModel::GetEstExpEffectSize, &BinModel::GetEstExpCILower,
                                       &BinModel::GetEstExpCIUpper};
 
-/// Whether an entry of the columns is the same number as an entry of another run's.
+/// Whether an entry of each column is the same number as an entry of another run's.
 template <std::size_t count>
 testing::AssertionResult SameEntries(const Column (&columns)[count], const BinModel& actual, std::size_t i,
-                                     const BinModel& expected, std::size_t j, double tolerance = 0.0)
+                                     const BinModel& expected, std::size_t j)
 {
-    for (std::size_t c = 0; c < count; ++c) {
-        const std::vector<double> left = (actual.*columns[c])();
-        const std::vector<double> right = (expected.*columns[c])();
+    for (const Column& column : columns) {
+        const std::vector<double> left = (actual.*column)();
+        const std::vector<double> right = (expected.*column)();
+        const auto position = &column - columns;
         if (i >= left.size() || j >= right.size())
-            return testing::AssertionFailure() << "column " << c << " has no such entry";
-        const testing::AssertionResult result = Close(left[i], right[j], tolerance, tolerance == 0 ? 0 : 1);
+            return testing::AssertionFailure() << "column " << position << " has no such entry";
+        const testing::AssertionResult result = Same(left[i], right[j]);
         if (!result)
-            return testing::AssertionFailure() << "column " << c << " " << result.message();
+            return testing::AssertionFailure() << "column " << position << " " << result.message();
     }
     return testing::AssertionSuccess();
 }
