@@ -1,5 +1,6 @@
 #include "meta_analysis/regression/MARegAlgorithm.h"
 
+#include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/KXDisplay_940.h"
 #include "meta_analysis/regression/MADesignMatrix.h"
 #include "meta_analysis/regression/MARegFit.h"
@@ -22,7 +23,7 @@ const MARegSettings& MARegAlgorithm::GetSettings() const
 
 std::vector<KXRegrParameter> MARegAlgorithm::GetParameters() const
 {
-    return parameters_;
+    return CopyOf(parameters_);
 }
 
 bool MARegAlgorithm::AreParamsCreated() const
@@ -47,7 +48,7 @@ KXStatus MARegAlgorithm::GetStatus() const
 
 std::vector<MAEffectInfo> MARegAlgorithm::GetEffectInfo() const
 {
-    return effectInfo_;
+    return CopyOf(effectInfo_);
 }
 
 void MARegAlgorithm::SetNumOfPredictors(int count)
@@ -62,7 +63,11 @@ int MARegAlgorithm::GetNBadRecords() const
 
 KXStatus MARegAlgorithm::CreateParameters(MultiPassRecordIter& records)
 {
-    return Guarded(status_, [&] { return CreateParametersFrom(records); });
+    return Guarded(status_, [&] {
+        status_ = settingsStatus_;
+        Passed(CreateParametersFrom(records));
+        return status_;
+    });
 }
 
 KXStatus MARegAlgorithm::CreateParametersFrom(MultiPassRecordIter& records)
@@ -115,9 +120,10 @@ void MARegAlgorithm::AppendParameters(const KXModelEffect& effect, const MAEffec
 
 KXStatus MARegAlgorithm::PrepareRows(MultiPassRecordIter& records)
 {
+    status_ = settingsStatus_; // an error of an earlier build does not stand in the way
+    modelBuilt_ = false;
     if (status_.IsError())
         return status_;
-    modelBuilt_ = false;
     if (!records.Start())
         return KXStatus(MAStatusCode::ITERATOR_NOT_STARTED);
     if (!parametersCreated_) {
