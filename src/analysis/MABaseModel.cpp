@@ -38,7 +38,11 @@ KXStatus MABaseModel::ESCalc(MultiPassRecordIter& /*records*/)
 
 bool MABaseModel::AddNewWarning(const KXStatus& status, std::vector<KXStatus>& list)
 {
-    return AppendNewWarning(status, list);
+    try {
+        return AppendNewWarning(status, list);
+    } catch (...) {
+        return false; // without memory for it
+    }
 }
 
 void MABaseModel::CopyRunSettings()
@@ -52,9 +56,8 @@ void MABaseModel::CopyRunSettings()
 
 KXStatus MABaseModel::ReadStudies(MultiPassRecordIter& records)
 {
-    if (inputType_ == MAConst::INPUT_RAW && ESCalc(records).IsError())
-        return status_;
-    return ExtractModelInputData(records);
+    const KXStatus computed = inputType_ == MAConst::INPUT_RAW ? ESCalc(records) : KXStatus();
+    return computed.IsError() ? status_ = computed : ExtractModelInputData(records);
 }
 
 void MABaseModel::CheckInputSettings()
@@ -200,8 +203,12 @@ void MABaseModel::GetRandomModelTestOutput(const MARandomEffectModel& model)
 
 void MABaseModel::AppendTestOutput(const MAHeterogeneityRow& row, double tau2)
 {
-    heterogeneity_.push_back(row);
-    results_.tau2.push_back(tau2);
+    Guarded(status_, [&] {
+        results_.tau2.reserve(results_.tau2.size() + 1); // so that both lists grow, or neither
+        heterogeneity_.push_back(row);
+        results_.tau2.push_back(tau2);
+        return status_;
+    });
 }
 
 std::vector<double> MABaseModel::GetNormalizedWeight() const

@@ -31,9 +31,9 @@ struct MARecordColumns;
 /// one entry per fitted model. Effects are on the analysis scale: the log scale for odds and risk
 /// ratios, else the natural scale. A quantity that cannot be computed is `KXMV::Missing()`.
 ///
-/// The object keeps a pointer to the settings it is constructed from, which must outlive it. It serves
-/// one run: the lists of a second one would be appended behind the first one's. One object must not be
-/// used by two threads at once.
+/// The object keeps a pointer to the settings it is constructed from, which must outlive it. A run begins
+/// afresh; operations called one by one append to the lists. One object must not be used by two threads at
+/// once. Copying an object may throw std::bad_alloc.
 class META_ANALYSIS_EXPORT MABaseModel
 {
 public:
@@ -166,8 +166,8 @@ public:
     std::vector<double> GetI2CILower() const { return HeterogeneityColumn(&MAHeterogeneityRow::i2Lower); }
     std::vector<double> GetI2CIUpper() const { return HeterogeneityColumn(&MAHeterogeneityRow::i2Upper); }
 
-    /// Distinct values of the subgroup variable, ascending, then -1.0 for the overall model; -1.0 alone when
-    /// there is no such variable.
+    /// Distinct values of the subgroup variable, ascending; with two or more of them then -1.0 for the
+    /// overall model. -1.0 alone when there is no such variable; empty without studies.
     std::vector<double> GetUniGroup() const { return CopyOf(groupValues_); }
     /// Per group: the number of its studies, and their record numbers. No entry for the overall model.
     std::vector<int> GetGroupN() const { return CopyOf(groupSizes_); }
@@ -324,6 +324,13 @@ protected:
     /// The steps that the runs of the derived classes share.
     void CopyRunSettings();
     KXStatus ReadStudies(MultiPassRecordIter& records);
+    /// Before studies are read anew: forgets those that there are, and what counts their records.
+    void ForgetStudies();
+    /// Passes on the result of reading studies. When memory ran out on the way, their columns may differ in
+    /// length, and they are forgotten.
+    KXStatus ForgetIfBroken(const KXStatus& result);
+    /// After effect sizes were taken from an object that computed them: throws when a copy failed.
+    void RequireEffectCopies() const;
     void PrepareGroups();
     void BuildModels(MAModelBuilder& builder);
     void RunTrimFill();
@@ -472,6 +479,7 @@ private:
     void AppendReadyMadeStudy(double effectSize, double variance, double stdError, double quantile);
     KXStatus ReviewComputedStudies(MultiPassRecordIter& records, const std::vector<int>& contrastIndices);
     bool CanPool(std::size_t study) const;
+    void ForgetStudyRoles();
     void ReadStudyRoles(const Record& record, const std::vector<int>& contrastIndices);
     template <class Model>
     KXStatus Build(Model model, const std::vector<double>& variances);

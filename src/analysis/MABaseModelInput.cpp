@@ -21,11 +21,17 @@ double ExponentOrZero(double x)
     return result;
 }
 
+bool IsPoolable(double effectSize, double variance)
+{
+    return std::isfinite(effectSize) && std::isfinite(variance) && variance > 0.0 &&
+           std::isfinite(1.0 / variance);
+}
+
 } // namespace
 
 KXStatus MABaseModel::ExtractModelInputData(MultiPassRecordIter& records)
 {
-    return Guarded(status_, [&] { return status_ = ExtractModelInput(records); });
+    return ForgetIfBroken(Guarded(status_, [&] { return status_ = ExtractModelInput(records); }));
 }
 
 KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
@@ -34,17 +40,19 @@ KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
     if (started.IsError())
         return started;
     alpha_ = 1.0 - settings_->GetCILevel();
+    ForgetStudyRoles();
     const std::vector<int> contrastIndices = settings_->GetContrastCoefIndex();
-    studies_.contrastCoefficients.resize(contrastIndices.size());
-
     KXStatus status;
     if (settings_->GetInputESType() == MAConst::INPUT_READY_MADE) {
+        ForgetStudies();
+        studies_.contrastCoefficients.resize(contrastIndices.size());
         const double quantile = TwoSidedNormalQuantile(alpha_);
         status = ReadPass(records, recordCount_, [&](const Record& record, int recordNumber) {
             if (ReadReadyMadeStudy(record, recordNumber, quantile))
                 ReadStudyRoles(record, contrastIndices);
         });
     } else {
+        studies_.contrastCoefficients.resize(contrastIndices.size());
         status = ReviewComputedStudies(records, contrastIndices);
     }
     if (status.IsError())
@@ -55,7 +63,8 @@ KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
 }
 
 /// Goes once more through the records and drops the studies whose computed effect size cannot be pooled.
-/// Record numbers of records and of studies both ascend, so one index moves along.
+/// Record numbers of records and of studies both ascend, so one index moves along. A pass of another length
+/// than the one from which the effect sizes were computed is a failure of the iterator.
 KXStatus MABaseModel::ReviewComputedStudies(MultiPassRecordIter& records,
                                             const std::vector<int>& contrastIndices)
 {
@@ -63,6 +72,7 @@ KXStatus MABaseModel::ReviewComputedStudies(MultiPassRecordIter& records,
     std::vector<bool> kept(computedCount, false);
     std::size_t keptCount = 0;
     std::size_t next = 0;
+    const int computedFrom = recordCount_;
     const KXStatus status = ReadPass(records, recordCount_, [&](const Record& record, int recordNumber) {
         if (next == computedCount || studies_.recordNumber[next] != recordNumber)
             return;
@@ -75,6 +85,8 @@ KXStatus MABaseModel::ReviewComputedStudies(MultiPassRecordIter& records,
         }
         ++next;
     });
+    if (!status.IsError() && computedFrom != 0 && recordCount_ != computedFrom)
+        return KXStatus(MAStatusCode::ITERATOR_FAILED);
     if (!status.IsError() && keptCount != computedCount) {
         studies_.Keep(kept);
         AddWarning(MAStatusCode::STUDIES_REMOVED);
@@ -82,14 +94,46 @@ KXStatus MABaseModel::ReviewComputedStudies(MultiPassRecordIter& records,
     return status;
 }
 
-/// A study without effect or with a variance that gives no finite weight would make every result NaN.
+/// A study without a finite effect or a positive finite variance would make every result NaN.
 bool MABaseModel::CanPool(std::size_t study) const
 {
     if (study >= studies_.Count())
         return false; // an unknown measure has no effect sizes at all
     const double effectSize = studies_.effects.effectSize[study];
     const double variance = studies_.effects.variance[study];
-    return !KXMV::IsMissing(effectSize) && !std::isnan(effectSize) && variance > 0.0;
+    return !KXMV::IsMissing(effectSize) && IsPoolable(effectSize, variance);
+}
+
+void MABaseModel::ForgetStudies()
+{
+    studies_ = MAStudies();
+    groups_.clear();
+    recordCount_ = 0;
+    missingCount_ = 0;
+    invalidCount_ = 0;
+    droppedCount_ = 0;
+}
+
+void MABaseModel::RequireEffectCopies() const
+{
+    const MAEffectColumns& effects = studies_.effects;
+    RequireLength(effects.effectSize.size(), effects.variance, effects.stdError, effects.ciLower,
+                  effects.ciUpper, studies_.zValue, studies_.significance);
+}
+
+KXStatus MABaseModel::ForgetIfBroken(const KXStatus& result)
+{
+    if (result.GetCode() == MAStatusCode::OUT_OF_MEMORY)
+        ForgetStudies();
+    return result;
+}
+
+void MABaseModel::ForgetStudyRoles()
+{
+    studies_.groupValue.clear();
+    studies_.cumulativeValue.clear();
+    studies_.contrastCoefficients.clear();
+    groups_.clear();
 }
 
 /// Reads and classifies one ready-made effect size; true when it is a valid study.
@@ -111,7 +155,8 @@ bool MABaseModel::ReadReadyMadeStudy(const Record& record, int recordNumber, dou
                                         settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY;
     const double variance = hasVariance ? dispersion : dispersion * dispersion;
     const double stdError = hasVariance ? std::sqrt(dispersion) : dispersion;
-    if (!dispersionGiven || !(variance > 0.0) || !(stdError > 0.0) || isImpossibleDifference) {
+    if (!dispersionGiven || !(stdError > 0.0) || !IsPoolable(effectSize, variance) ||
+        isImpossibleDifference) {
         ++invalidCount_;
         return false;
     }

@@ -8,6 +8,8 @@
 #include "meta_analysis/settings/MAEstimatorCode.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
+#include <algorithm>
+
 namespace MA_NAMESPACE {
 
 namespace {
@@ -51,7 +53,9 @@ void StoreLast(const std::vector<double>& values, double& stored)
 
 MARecordColumns MABaseModel::ColumnsByRecord(const MASelection& selection) const
 {
-    MARecordColumns columns(recordCount_);
+    // Record numbers ascend; those of a pass that failed may go beyond the records counted before.
+    const int lastRecord = studies_.recordNumber.empty() ? -1 : studies_.recordNumber.back();
+    MARecordColumns columns(std::max(recordCount_, lastRecord + 1));
     for (const std::size_t study : selection) {
         const auto record = static_cast<std::size_t>(studies_.recordNumber[study]);
         columns.effectSizes[record] = studies_.effects.effectSize[study];

@@ -48,7 +48,10 @@ MABinModel::~MABinModel() = default;
 
 KXStatus MABinModel::RUN(MultiPassRecordIter& records, const KXVarList& variables)
 {
-    return Guarded(status_, [&] { return RunSteps(records, variables); });
+    return Guarded(status_, [&] {
+        *this = MABinModel(*settings_);
+        return RunSteps(records, variables);
+    });
 }
 
 KXStatus MABinModel::RunSteps(MultiPassRecordIter& records, const KXVarList& variables)
@@ -127,6 +130,8 @@ KXStatus MABinModel::RegBasedBinTest(MultiPassRecordIter& records, const KXVarLi
 
 KXStatus MABinModel::FixedBinModelContrastTest()
 {
+    if (!HasTables())
+        return SetError(MAStatusCode::LENGTH_MISMATCH);
     return Guarded(status_, [this] {
         MATableColumns tables = studies_.tables;
         MABinaryFixEffectModel model = FittedBinModel(tables);
@@ -222,6 +227,7 @@ KXStatus MABinModel::BuildBinModel(const std::vector<double>& treatmentEvents,
             GetBinFixModelTestOutput(model);
         if (RecordsWeights(treatmentEvents.size())) {
             const std::vector<double> weights = model.GetEstWeight();
+            RequireLength(treatmentEvents.size(), weights);
             weights_.insert(weights_.end(), weights.begin(), weights.end());
         }
         if (RecordsGroupSize())

@@ -24,10 +24,11 @@ public:
     MABinModel& operator=(const MABinModel&);
     ~MABinModel() override;
 
-    /// The whole analysis of the records; returns the final status. Errors end it, and leave what was
+    /// The whole analysis of the records, afresh; returns the final status. Errors end it, and leave what was
     /// computed before: 460009 one of the four count variables is not given, 460011 the iterator cannot be
-    /// started, 460012 it fails, 460099 memory runs out, and those of the pooling classes.
-    /// Warnings (`GetWarnings`): 460037, 460039 to 460045, 460051, 460074.
+    /// started, 460012 it fails or the passes differ, 460075 trim-and-fill without studies, 460099 memory
+    /// runs out, and those of the pooling classes. Warnings (`GetWarnings`): 460037 to 460046, 460050,
+    /// 460051, 460074.
     KXStatus RUN(MultiPassRecordIter& records, const KXVarList& variables);
 
     /// Effect sizes of the tables. Errors as `RUN`.

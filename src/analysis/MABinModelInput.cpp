@@ -11,7 +11,7 @@ namespace MA_NAMESPACE {
 
 KXStatus MABinModel::ExtractRawInputData(MultiPassRecordIter& records)
 {
-    return Guarded(status_, [&] {
+    return ForgetIfBroken(Guarded(status_, [&] {
         status_ = StartPass(records);
         if (status_.IsError())
             return status_;
@@ -21,10 +21,11 @@ KXStatus MABinModel::ExtractRawInputData(MultiPassRecordIter& records)
             if (index == -1)
                 return SetError(MAStatusCode::INPUT_NOT_GIVEN);
         }
+        ForgetStudies();
         return status_ = ReadPass(records, recordCount_, [this](const Record& record, int recordNumber) {
                    ClassifyTable(record, recordNumber);
                });
-    });
+    }));
 }
 
 void MABinModel::ClassifyTable(const Record& record, int recordNumber)
@@ -63,7 +64,7 @@ void MABinModel::ClassifyTable(const Record& record, int recordNumber)
 
 KXStatus MABinModel::ESCalc(MultiPassRecordIter& records)
 {
-    return Guarded(status_, [&] {
+    return ForgetIfBroken(Guarded(status_, [&] {
         if (ExtractRawInputData(records).IsError())
             return status_;
         effectType_ = settings_->GetBinaryEstType();
@@ -83,7 +84,7 @@ KXStatus MABinModel::ESCalc(MultiPassRecordIter& records)
         if (!status_.IsError())
             TakeEffectSizes(effectSizes);
         return status_;
-    });
+    }));
 }
 
 void MABinModel::TakeEffectSizes(const MABinaryEffectSize& effectSizes)
@@ -92,6 +93,7 @@ void MABinModel::TakeEffectSizes(const MABinaryEffectSize& effectSizes)
     const bool isDifference = effectType_ == MAConst::BIN_RISK_DIFFERENCE;
     labbeX_ = isDifference ? effectSizes.GetControlGRatio() : effectSizes.GetLogControlGRatio();
     labbeY_ = isDifference ? effectSizes.GetTreatmentGRatio() : effectSizes.GetLogTreatmentGRatio();
+    RequireLength(labbeX_.size(), labbeY_);
     const MAEffectColumns natural = {effectSizes.GetEffectSizeVal(), effectSizes.GetEffectSizeVariance(),
                                      effectSizes.GetEffectSizeStdError(), effectSizes.GetEffectSizeCILower(),
                                      effectSizes.GetEffectSizeCIUpper()};
@@ -99,6 +101,7 @@ void MABinModel::TakeEffectSizes(const MABinaryEffectSize& effectSizes)
         studies_.effects = natural;
         studies_.zValue = effectSizes.GetEffectSizeZVal();
         studies_.significance = effectSizes.GetEffectSizeSig();
+        RequireEffectCopies();
         return;
     }
     studies_.ratioEffects = natural;
@@ -107,6 +110,7 @@ void MABinModel::TakeEffectSizes(const MABinaryEffectSize& effectSizes)
                         effectSizes.GetLogEffectSizeCIUpper()};
     studies_.zValue = effectSizes.GetLogEffectSizeZVal();
     studies_.significance = effectSizes.GetLogEffectSizeSig();
+    RequireEffectCopies();
 }
 
 } // namespace MA_NAMESPACE

@@ -33,7 +33,10 @@ MAContModel::~MAContModel() = default;
 
 KXStatus MAContModel::RUN(MultiPassRecordIter& records, const KXVarList& variables)
 {
-    return Guarded(status_, [&] { return RunSteps(records, variables); });
+    return Guarded(status_, [&] {
+        *this = MAContModel(*settings_);
+        return RunSteps(records, variables);
+    });
 }
 
 KXStatus MAContModel::RunSteps(MultiPassRecordIter& records, const KXVarList& variables)
@@ -64,16 +67,17 @@ KXStatus MAContModel::RunSteps(MultiPassRecordIter& records, const KXVarList& va
 
 KXStatus MAContModel::ExtractRawInputData(MultiPassRecordIter& records)
 {
-    return Guarded(status_, [&] {
+    return ForgetIfBroken(Guarded(status_, [&] {
         status_ = StartPass(records);
         if (status_.IsError())
             return status_;
         if (!HasRequiredIndices())
             return SetError(MAStatusCode::INPUT_NOT_GIVEN);
+        ForgetStudies();
         return status_ = ReadPass(records, recordCount_, [this](const Record& record, int recordNumber) {
                    ClassifyMeans(record, recordNumber);
                });
-    });
+    }));
 }
 
 KXStatus MAContModel::RegBasedContTest(MultiPassRecordIter& records, const KXVarList& variables)
@@ -125,7 +129,7 @@ void MAContModel::ClassifyMeans(const Record& record, int recordNumber)
 
 KXStatus MAContModel::ESCalc(MultiPassRecordIter& records)
 {
-    return Guarded(status_, [&] {
+    return ForgetIfBroken(Guarded(status_, [&] {
         if (ExtractRawInputData(records).IsError())
             return status_;
         alpha_ = 1.0 - settings_->GetCILevel();
@@ -146,7 +150,7 @@ KXStatus MAContModel::ESCalc(MultiPassRecordIter& records)
         if (!status_.IsError())
             TakeEffectSizes(effectSizes);
         return status_;
-    });
+    }));
 }
 
 void MAContModel::TakeEffectSizes(const MAContinousEffectSize& effectSizes)
@@ -156,6 +160,7 @@ void MAContModel::TakeEffectSizes(const MAContinousEffectSize& effectSizes)
                         effectSizes.GetEffectSizeCIUpper()};
     studies_.zValue = effectSizes.GetEffectSizeZVal();
     studies_.significance = effectSizes.GetEffectSizeSig();
+    RequireEffectCopies();
 }
 
 } // namespace MA_NAMESPACE

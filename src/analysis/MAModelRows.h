@@ -25,13 +25,20 @@ inline MAModelRow RowOf(const MARandomEffectModel& model)
             model.GetEstESCIUpper()};
 }
 
+/// Degrees of freedom of a homogeneity test that was made; a model of one study makes none.
+template <class Model>
+double HomogeneityDf(const Model& model)
+{
+    return KXMV::IsMissing(model.GetHomogeneityTestQ()) ? KXMV::Missing() : model.GetHomogeneityTestDf();
+}
+
 /// Heterogeneity output of either fixed-effect model; these have no prediction interval.
 template <class FixedModel>
 MAHeterogeneityRow HeterogeneityRowOf(const FixedModel& model)
 {
     MAHeterogeneityRow row;
     row.q = model.GetHomogeneityTestQ();
-    row.df = model.GetHomogeneityTestDf();
+    row.df = HomogeneityDf(model);
     row.significance = model.GetHomogeneityTestPVal();
     row.h2 = model.GetHeterogeneityTestH2();
     row.h2Lower = model.GetHeterogeneityTestH2CILower();
@@ -47,7 +54,7 @@ inline MAHeterogeneityRow HeterogeneityRowOf(const MARandomEffectModel& model)
 {
     MAHeterogeneityRow row;
     row.q = model.GetHomogeneityTestQ();
-    row.df = model.GetHomogeneityTestDf();
+    row.df = HomogeneityDf(model);
     row.significance = model.GetHomogeneityTestPVal();
     row.h2 = model.GetHeterogeneityTestH2();
     row.i2 = model.GetHeterogeneityTestI2();

@@ -20,15 +20,19 @@ inline KXStatus StartPass(MultiPassRecordIter& records)
     return KXStatus();
 }
 
-/// Calls `visit(record, recordNumber)` for every record of a started pass, and counts them. Error 460012
-/// when the iterator failed on the way: a broken pass must not look like the end of the data.
+/// Calls `visit(record, recordNumber)` for every record of a started pass, and stores their number when it
+/// comes to its end. Error 460012 when the iterator failed on the way: a broken pass must not look like the
+/// end of the data.
 template <class Visit>
 KXStatus ReadPass(MultiPassRecordIter& records, int& recordCount, Visit visit)
 {
-    recordCount = 0;
+    int count = 0;
     while (const Record* record = records.Next())
-        visit(*record, recordCount++);
-    return records.GetError() != 0 ? KXStatus(MAStatusCode::ITERATOR_FAILED) : KXStatus();
+        visit(*record, count++);
+    if (records.GetError() != 0)
+        return KXStatus(MAStatusCode::ITERATOR_FAILED);
+    recordCount = count;
+    return KXStatus();
 }
 
 /// A study quantity of a record. A NaN counts as missing: a single one would make every pooled number NaN

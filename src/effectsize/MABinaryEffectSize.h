@@ -57,7 +57,7 @@ public:
 
     /// Natural scale, one entry per study. Of a ratio measure, the variance, standard error, z value and
     /// significance are the exponentials of the log-scale ones. Undefined entries are missing, or 0 for the
-    /// risk difference.
+    /// risk difference; their z values and significances mean nothing.
     std::vector<double> GetEffectSizeVal() const { return CopyOf(natural_.value); }
     std::vector<double> GetTreatmentGRatio() const { return CopyOf(natural_.treatmentRatio); }
     std::vector<double> GetControlGRatio() const { return CopyOf(natural_.controlRatio); }

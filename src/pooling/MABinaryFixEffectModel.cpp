@@ -118,6 +118,7 @@ KXStatus MABinaryFixEffectModel::ComputeStudyEffects()
 template <class Pooling>
 void MABinaryFixEffectModel::EstimateBy(Pooling pooling)
 {
+    RequireLength(studyCount_, Pooling::onLogScale ? studyLogEffects_ : studyEffects_);
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const MATable table = TableOf(i);
         weights_[i] = Pooling::Weight(table);
@@ -185,7 +186,7 @@ template <class Pooling>
 KXStatus MABinaryFixEffectModel::ContrastTestBy(Pooling /*method*/)
 {
     if (!HasCounts() || !HaveLength(studyCount_, &studyEffects_, contrastCoefficients_))
-        return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
+        return KXStatus(MAStatusCode::LENGTH_MISMATCH);
     if (contrastEffects_.size() != studyCount_)
         PrepareContrastTerms<Pooling>();
     KXStatus result = status_;

@@ -33,7 +33,8 @@ public:
     /// Study vectors. The first fixes the study count k; error 460001 for another length.
     KXStatus SetEffectSizes(const std::vector<double>* effectSizes);
     KXStatus SetVariances(const std::vector<double>* variances);
-    /// Under an adjustment, tests and intervals use Student's t with k - 1 degrees of freedom.
+    /// Under an adjustment, the test and the confidence interval use Student's t with k - 1 degrees of
+    /// freedom.
     KXStatus SetKHAdjType(MAConst::KNAPPHADJTYPE type);
     /// 1 - confidence level.
     KXStatus SetSignLevel(double alpha);

@@ -61,6 +61,8 @@ KXStatus MATAU2ESTIMATIOR::ComputeTau2Variance(MAConst::TAU2ESTIMATOR type)
 
 KXStatus MATAU2ESTIMATIOR::ComputePlain(MAConst::TAU2ESTIMATOR type)
 {
+    if (type < MAConst::TAU2_HE || type > MAConst::TAU2_EB)
+        return status_;
     if (effectSizes_ == nullptr || variances_ == nullptr)
         return status_ = KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
     if (!HaveLength(studyCount_, effectSizes_, variances_))

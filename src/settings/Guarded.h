@@ -3,6 +3,7 @@
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
+#include <cstddef>
 #include <new>
 #include <utility>
 
@@ -24,6 +25,15 @@ KXStatus Guarded(KXStatus& stored, Operation&& operation) noexcept
         stored = KXStatus(MAStatusCode::ITERATOR_FAILED);
     }
     return stored;
+}
+
+/// For copies taken through getters within a guarded operation: a getter that runs out of memory returns an
+/// empty vector, which must not pass for a result.
+template <class... Vectors>
+void RequireLength(std::size_t length, const Vectors&... copies)
+{
+    if (!((copies.size() == length) && ...))
+        throw std::bad_alloc();
 }
 
 } // namespace MA_NAMESPACE
