@@ -11,7 +11,9 @@
 namespace MA_NAMESPACE {
 
 MARegAlgorithm::MARegAlgorithm(const MARegSettings& settings)
-    : settings_(&settings), status_(settings.IsValid() ? KXStatus() : KXStatus(MAStatusCode::INPUT_NOT_GIVEN))
+    : settings_(&settings),
+      settingsStatus_(settings.IsValid() ? KXStatus() : KXStatus(MAStatusCode::INPUT_NOT_GIVEN)),
+      status_(settingsStatus_)
 {}
 
 MARegAlgorithm::~MARegAlgorithm() = default;

@@ -126,7 +126,7 @@ void ExpectPattern(const MABaseModel& model, std::size_t k, const MAModelSetting
     EXPECT_TRUE(!isRandom || k > 1 || model.GetTau2Var()[0] == 0.0);
     EXPECT_EQ(IsNumber(model.GetHomoTestChisquareQ()[0]), k > 1);
     EXPECT_EQ(model.GetHomoTestSig()[0] == missing, k < 2);
-    EXPECT_EQ(model.GetHomoTestdf()[0], k > 1 ? static_cast<double>(k) - 1 : 0.0);
+    EXPECT_EQ(model.GetHomoTestdf()[0], k > 1 ? static_cast<double>(k) - 1 : missing);
     EXPECT_EQ(IsNumber(model.GetI2Index()[0]), k > 1);
     EXPECT_EQ(IsNumber(model.GetI2CIUpper()[0]), !isRandom && k > 2); // Q is below 2 for the first two
     EXPECT_EQ(model.GetGroupN(), k > 0 ? std::vector<int>{static_cast<int>(k)} : std::vector<int>{});
@@ -290,12 +290,16 @@ TEST(MABaseModel, WeightsCopiesAndSecondRun)
             EXPECT_DOUBLE_EQ(run.model.GetNormalizedWeight().at(i), weights[i] / sum);
         }
 
-        // An object serves one run; another one appends, to a copy alone.
+        // A run begins afresh, with other data as well; a copy is a copy.
         auto copy = run.model;
         EXPECT_EQ(copy.GetWarnings(), run.model.GetWarnings());
         VectorRecordIter records(rows);
         EXPECT_TRUE(copy.RUN(records, KXVarList()).IsOK());
-        EXPECT_EQ(copy.GetEstEffectSize().size(), 2U);
-        EXPECT_EQ(run.model.GetEstEffectSize().size(), 1U);
+        EXPECT_EQ(copy.GetEstEffectSize(), run.model.GetEstEffectSize());
+        EXPECT_EQ(copy.GetWeight(), weights);
+        VectorRecordIter fewer(Rows(rows.begin(), rows.begin() + 1));
+        EXPECT_TRUE(copy.RUN(fewer, KXVarList()).IsOK());
+        EXPECT_EQ(copy.GetEffectSize().size(), 1U);
+        EXPECT_EQ(run.model.GetEffectSize().size(), rows.size());
     });
 }
