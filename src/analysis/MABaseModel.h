@@ -448,8 +448,8 @@ private:
 
     MARecordColumns ColumnsByRecord(const MASelection& selection) const;
     KXStatus RequireStudiesForTest(MultiPassRecordIter& records);
-    MARegSettings TestSettings(const KXVarList& variables) const;
-    void SetUpTest(MARegBaseTest& test, const KXVarList& variables, MAConst::RegBaseTestType type) const;
+    MARegSettings TestSettings(int varianceIndex) const;
+    void SetUpTest(MARegBaseTest& test, int effectSizeIndex, MAConst::RegBaseTestType type) const;
     void StoreTest(const MARegBaseTest& test);
     KXStatus TestSelection(MultiPassRecordIter& records, const KXVarList& variables, MARegSettings& settings,
                            const MASelection& selection);

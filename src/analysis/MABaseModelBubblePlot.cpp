@@ -17,8 +17,8 @@ KXStatus MABaseModel::BubblePlot(MultiPassRecordIter& records, const KXVarList& 
         MARegSettings plotSettings(settings);
         plotSettings.SetConfidenceLevel(settings_->GetCILevel());
         MABubblePlot plot(plotSettings, iterator.GetVarList());
-        plot.SetEffectSizeIndex(iterator.GetVarList().FindVariable("$effectSize$"));
-        plot.SetVarianceIndex(iterator.GetVarList().FindVariable("$variance$"));
+        plot.SetEffectSizeIndex(iterator.GetEffectSizeIndex());
+        plot.SetVarianceIndex(iterator.GetVarianceIndex());
         plot.SetModelType(modelType_);
         plot.SetCenter(settings_->GetCenterBubblePlot());
         plot.SetCurveNPoints(settings_->GetBubbleCurveNPoints());

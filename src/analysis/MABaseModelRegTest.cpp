@@ -70,7 +70,7 @@ KXStatus MABaseModel::RequireStudiesForTest(MultiPassRecordIter& records)
 {
     if (recordCount_ == 0 && studies_.Count() == 0) {
         CopyRunSettings();
-        if ((inputType_ == MAConst::INPUT_RAW ? ESCalc(records) : ExtractModelInputData(records)).IsError())
+        if (ReadStudies(records).IsError())
             return status_;
     }
     return studies_.Count() < fewestStudies ? SetError(MAStatusCode::TOO_FEW_FOR_TEST) : KXStatus();
@@ -84,9 +84,9 @@ KXStatus MABaseModel::RunRegressionTest(MultiPassRecordIter& records, const KXVa
             return status_;
         const MARecordColumns columns = ColumnsByRecord(AllStudies());
         MAIterator iterator(records, variables, columns.effectSizes, columns.variances);
-        const MARegSettings settings = TestSettings(iterator.GetVarList());
+        const MARegSettings settings = TestSettings(iterator.GetVarianceIndex());
         MARegBaseTest test(settings, iterator.GetVarList());
-        SetUpTest(test, iterator.GetVarList(), type);
+        SetUpTest(test, iterator.GetEffectSizeIndex(), type);
         status_ = test.Test(iterator);
         if (!status_.IsError())
             StoreTest(test);
@@ -94,12 +94,12 @@ KXStatus MABaseModel::RunRegressionTest(MultiPassRecordIter& records, const KXVa
     });
 }
 
-MARegSettings MABaseModel::TestSettings(const KXVarList& variables) const
+MARegSettings MABaseModel::TestSettings(int varianceIndex) const
 {
     MARegSettings settings;
     settings.SetInterceptUse(settings_->GetIsUseIntercept());
     settings.SetConfidenceLevel(settings_->GetCILevel());
-    settings.SetOMWVarIndex(variables.FindVariable("$variance$"));
+    settings.SetOMWVarIndex(varianceIndex);
     settings.SetOMWVarType(MAConst::OMEGA_VARIANCE);
     settings.SetMultiDiser(settings_->GetMultiDisper());
     settings.SetParameterTolerance(settings_->GetConnvergenceTol());
@@ -117,10 +117,9 @@ MARegSettings MABaseModel::TestSettings(const KXVarList& variables) const
     return settings;
 }
 
-void MABaseModel::SetUpTest(MARegBaseTest& test, const KXVarList& variables,
-                            MAConst::RegBaseTestType type) const
+void MABaseModel::SetUpTest(MARegBaseTest& test, int effectSizeIndex, MAConst::RegBaseTestType type) const
 {
-    test.SetEffectSizeIndex(variables.FindVariable("$effectSize$"));
+    test.SetEffectSizeIndex(effectSizeIndex);
     test.SetTestRegModelType(modelType_);
     test.SetTestType(type);
     test.SetAdjustType(zeroAdjustment_);
@@ -162,14 +161,14 @@ KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarLis
         return KXStatus(MAStatusCode::TOO_FEW_FOR_TEST);
     const MARecordColumns columns = ColumnsByRecord(selection);
     MAIterator iterator(records, variables, columns.effectSizes, columns.variances);
-    settings.SetOMWVarIndex(iterator.GetVarList().FindVariable("$variance$"));
+    settings.SetOMWVarIndex(iterator.GetVarianceIndex());
     settings.SetOMWVarType(MAConst::OMEGA_VARIANCE);
     MARegBaseTest test(settings, iterator.GetVarList());
-    SetUpTest(test, iterator.GetVarList(), settings_->GetRegBaseTestType());
-    RecordsWithEffect ofGroup(iterator, iterator.GetVarList().FindVariable("$effectSize$"));
+    SetUpTest(test, iterator.GetEffectSizeIndex(), settings_->GetRegBaseTestType());
+    RecordsWithEffect ofGroup(iterator, iterator.GetEffectSizeIndex());
     const bool isGroup = selection.size() < studies_.Count();
     const KXStatus tested = isGroup ? test.Test(ofGroup) : test.Test(iterator);
-    if (!tested.IsError())
+    if (!tested.IsError() && !test.GetCoefficient().empty())
         regressionTests_.back() = {1,
                                    test.GetCoefficient(),
                                    test.GetBetaStandErr(),

@@ -4,7 +4,9 @@
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/settings/Guarded.h"
 
+#include <algorithm>
 #include <cmath>
+#include <memory>
 
 namespace MA_NAMESPACE {
 

@@ -26,6 +26,9 @@ public:
 
     /// The host's variables and the two that are added.
     const KXVarList& GetVarList() const { return variables_; }
+    /// Positions of the two in the list and in the records, whatever the host's variables are called.
+    int GetEffectSizeIndex() const { return sourceSize_; }
+    int GetVarianceIndex() const { return sourceSize_ + 1; }
 
     bool Start() override;
     bool Reset() override;

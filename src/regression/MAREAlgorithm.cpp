@@ -86,8 +86,6 @@ void MAREAlgorithm::ScaleByKnappHartung()
 KXStatus MAREAlgorithm::computeTauSquare()
 {
     tau2_ = 0.0;
-    if (design_->Rows().Count() == 0 && design_->GetTotalRecords() > 0)
-        return KXStatus(MAStatusCode::NO_USABLE_STUDY);
     const int estimator = GetEstTauType();
     switch (estimator) {
     case MAConst::TAU2_HS:

@@ -124,6 +124,11 @@ KXStatus MARegAlgorithm::PrepareRows(MultiPassRecordIter& records)
 {
     status_ = settingsStatus_; // an error of an earlier build does not stand in the way
     modelBuilt_ = false;
+    waldTest_.reset();
+    fTest_.reset();
+    residualQ_ = residualQSignificance_ = residualH2_ = residualI2_ = KXMV::Missing();
+    residualDf_ = 0;
+    rSquare_ = 0.0;
     if (status_.IsError())
         return status_;
     if (!records.Start())
@@ -134,7 +139,10 @@ KXStatus MARegAlgorithm::PrepareRows(MultiPassRecordIter& records)
             return created;
     }
     design_->AttachIterator(records);
-    return design_->CacheRows();
+    const KXStatus cached = design_->CacheRows();
+    if (!cached.IsError() && design_->Rows().Count() == 0 && design_->GetTotalRecords() > 0)
+        return KXStatus(MAStatusCode::NO_USABLE_STUDY);
+    return cached;
 }
 
 bool MARegAlgorithm::Passed(const KXStatus& status)

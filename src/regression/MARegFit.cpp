@@ -175,8 +175,6 @@ double MARegFit::KnappHartungFactor() const
 KXStatus MARegFit::ComputeDispersion()
 {
     dispersion_ = 1.0;
-    if (goodRecords_ == 0 && BadRecordCount() > 0)
-        return KXStatus(MAStatusCode::NO_USABLE_STUDY);
     if (ResidualDf() == 0)
         return KXStatus(MAStatusCode::AS_MANY_STUDIES_AS_PARAMETERS, true);
     const double dispersion = WeightedResidualSum() / ResidualDf();
@@ -252,8 +250,6 @@ MAModelTest MARegFit::TestModel(bool asF) const
 
 KXStatus MARegFit::ComputeResidualHeterogeneity()
 {
-    if (goodRecords_ == 0 && BadRecordCount() > 0)
-        return KXStatus(MAStatusCode::NO_USABLE_STUDY);
     residualQ_ = WeightedResidualSum();
     if (ResidualDf() == 0)
         return KXStatus(MAStatusCode::NO_RESIDUAL_DF, true);

@@ -83,15 +83,14 @@ public:
     double KnappHartungFactor() const;
 
     /// Dispersion: weighted residual variance, which becomes the scale of the covariance. Warnings 460047
-    /// as many good records as parameters, 460048 near zero (1 in both cases); error 460073.
+    /// as many good records as parameters, 460048 near zero (1 in both cases).
     KXStatus ComputeDispersion();
     void SetScale(double scale) { scale_ = scale; }
     /// Standard errors, tests and intervals of the coefficients; normal tests unless `useStudentT`.
     void ComputeCoefficientTests(bool useStudentT);
     /// Wald chi-square over the dispersion, or with `asF` the F test with the covariance's scale.
     MAModelTest TestModel(bool asF) const;
-    /// Residual heterogeneity Q and its significance. Warning 460049 without degrees of freedom; error
-    /// 460073.
+    /// Residual heterogeneity Q and its significance. Warning 460049 without degrees of freedom.
     KXStatus ComputeResidualHeterogeneity();
     /// Residual, its standard error and leverage only for a row with a study.
     MAPrediction Predict(const MADesignRow& row, bool hasStudy, bool useStudentT) const;

@@ -10,8 +10,9 @@ constexpr int INPUT_NOT_GIVEN =
     460009; ///< a required variable or input is not given, or settings are invalid
 constexpr int TOO_MANY_NONREDUNDANT = 460010; ///< more non-redundant parameters than parameters
 constexpr int ITERATOR_NOT_STARTED = 460011; ///< the record iterator cannot be positioned at its first record
-constexpr int ITERATOR_FAILED = 460012;      ///< the record iterator reports a failure
-constexpr int TOO_FEW_ROWS = 460015;         ///< no more rows than parameters
+constexpr int ITERATOR_FAILED = 460012; ///< the record iterator fails (its passes differ, it throws), the
+                                        ///< host cancels, or rows are not ready
+constexpr int TOO_FEW_ROWS = 460015;    ///< no more rows than parameters
 constexpr int TEST_DEPENDENT_REFUSED = 460022; ///< by the regression settings of a small-study test
 constexpr int TEST_TYPE_UNDEFINED = 460023;    ///< regression-based test type 4
 constexpr int TEST_COVARIATE_REFUSED = 460024; ///< the test covariate cannot be added
