@@ -17,6 +17,8 @@ struct Pooling
         settings.SetWeightType(weight);
         return settings;
     }
+    bool IsBinary() const { return weight == MAConst::WEIGHT_BINARY_FIXED; }
+    bool IsRatio() const { return effect != MAConst::BIN_RISK_DIFFERENCE; }
 
     const char* name;
     MAConst::BINESTYPE effect;
@@ -32,45 +34,46 @@ inline const Pooling poolings[] = {
     {"risk ratio", MAConst::BIN_RISK_RATIO, MAConst::MODEL_FIXED, MAConst::WEIGHT_BINARY_FIXED},
     {"risk difference", MAConst::BIN_RISK_DIFFERENCE, MAConst::MODEL_FIXED, MAConst::WEIGHT_BINARY_FIXED},
 };
+inline const Pooling& randomEffects = poolings[1];
 
 using BinModel = MA_NAMESPACE::MABinModel;
 using BinRun = FinishedRun<BinModel>;
 using Column = std::vector<double> (BinModel::*)() const;
+using Columns = std::vector<Column>;
 
-/// What a model build appends always, and what it appends as its heterogeneity output.
-inline const Column estimateColumns[] = {&BinModel::GetEstEffectSize, &BinModel::GetEstStdError,
-                                         &BinModel::GetEstZVal,       &BinModel::GetEstSig,
-                                         &BinModel::GetEstCILower,    &BinModel::GetEstCIUpper};
-inline const Column heterogeneityColumns[] = {&BinModel::GetHomoTestChisquareQ,
-                                              &BinModel::GetHomoTestdf,
-                                              &BinModel::GetHomoTestSig,
-                                              &BinModel::GetH2Index,
-                                              &BinModel::GetH2CILower,
-                                              &BinModel::GetH2CIUpper,
-                                              &BinModel::GetI2Index,
-                                              &BinModel::GetI2CILower,
-                                              &BinModel::GetI2CIUpper,
-                                              &BinModel::GetTau2Var,
-                                              &BinModel::GetPILower,
-                                              &BinModel::GetPIUpper};
-/// ... and as well, for a ratio.
-inline const Column ratioColumns[] = {&BinModel::GetEstExpEffectSize, &BinModel::GetEstExpCILower,
-                                      &BinModel::GetEstExpCIUpper};
+/// What a model build appends always, and what as its heterogeneity output.
+inline const Columns estimateColumns = {&BinModel::GetEstEffectSize, &BinModel::GetEstStdError,
+                                        &BinModel::GetEstZVal,       &BinModel::GetEstSig,
+                                        &BinModel::GetEstCILower,    &BinModel::GetEstCIUpper};
+inline const Columns heterogeneityColumns = {&BinModel::GetHomoTestChisquareQ,
+                                             &BinModel::GetHomoTestdf,
+                                             &BinModel::GetHomoTestSig,
+                                             &BinModel::GetH2Index,
+                                             &BinModel::GetH2CILower,
+                                             &BinModel::GetH2CIUpper,
+                                             &BinModel::GetI2Index,
+                                             &BinModel::GetI2CILower,
+                                             &BinModel::GetI2CIUpper,
+                                             &BinModel::GetTau2Var,
+                                             &BinModel::GetPILower,
+                                             &BinModel::GetPIUpper};
+/// ... and for a ratio.
+inline const Columns ratioColumns = {&BinModel::GetEstExpEffectSize, &BinModel::GetEstExpCILower,
+                                     &BinModel::GetEstExpCIUpper};
 
-/// Whether an entry of each column is the same number as an entry of another run's.
-template <std::size_t count>
-testing::AssertionResult SameEntries(const Column (&columns)[count], const BinModel& actual, std::size_t i,
-                                     const BinModel& expected, std::size_t j)
+/// Whether entry i of each column is, to the last digit, entry j of another run's.
+inline testing::AssertionResult SameEntries(const Columns& columns, const BinModel& actual, std::size_t i,
+                                            const BinModel& expected, std::size_t j)
 {
-    for (const Column& column : columns) {
+    for (std::size_t c = 0; c < columns.size(); ++c) {
+        const Column column = columns[c];
         const std::vector<double> left = (actual.*column)();
         const std::vector<double> right = (expected.*column)();
-        const auto position = &column - columns;
         if (i >= left.size() || j >= right.size())
-            return testing::AssertionFailure() << "column " << position << " has no such entry";
+            return testing::AssertionFailure() << "column " << c << " has no such entry";
         const testing::AssertionResult result = Same(left[i], right[j]);
         if (!result)
-            return testing::AssertionFailure() << "column " << position << " " << result.message();
+            return testing::AssertionFailure() << "column " << c << " " << result.message();
     }
     return testing::AssertionSuccess();
 }

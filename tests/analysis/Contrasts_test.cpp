@@ -1,0 +1,127 @@
+#include "support/Poolings.h"
+
+#include "meta_analysis/analysis/MAContModel.h"
+#include "meta_analysis/platform/common/KXDistFun.h"
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <vector>
+
+using namespace MA_NAMESPACE;
+using namespace MAConst;
+
+namespace {
+
+using ContRun = FinishedRun<MAContModel>;
+
+/// Effect and variance, then contrasts: zeros alone, weights, one with a missing coefficient, one with a NaN,
+/// and missing ones alone.
+const Rows effects = {{0.5, 0.04, 0, 1, 1, 1, missing},
+                      {0.1, 0.25, 0, -2, missing, 0, missing},
+                      {-0.3, 0.01, 0, 0.5, 3, notANumber, missing},
+                      {0.7, 0.09, 0, 0, -1, 1, missing}};
+
+MAModelSettings ContrastSettings(MAModelSettings settings, const std::vector<int>& contrasts)
+{
+    settings.SetModelType(MODEL_FIXED);
+    settings.SetCILevel(0.9);
+    settings.SetContrastCoefIndex(contrasts);
+    return settings;
+}
+
+int MissingWarnings(const std::vector<int>& codes)
+{
+    return static_cast<int>(
+        std::count(codes.begin(), codes.end(), MAStatusCode::CONTRAST_COEFFICIENT_MISSING));
+}
+
+/// Contrast i is the sum over the coefficients that are there. `scale`: the size of the terms, whose last
+/// digits depend on the order of the operations.
+void ExpectContrast(const MABaseModel& model, std::size_t i, const Rows& rows, std::size_t column,
+                    bool zIsStdError, double scale)
+{
+    double estimate = 0.0;
+    double variance = 0.0;
+    for (std::size_t study = 0; study < rows.size(); ++study) {
+        const double c = rows[study][column] == missing ? 0.0 : rows[study][column];
+        estimate += c * model.GetEffectSize()[study];
+        variance += c * c * model.GetVariance()[study];
+    }
+    constexpr double tolerance = 4 * machineEpsilon;
+    const double stdError = std::sqrt(variance);
+    const double z = estimate / stdError;
+    const double halfWidth = 1.6448536269514722 * stdError;
+    EXPECT_TRUE(Close(model.GetContrastEstES().at(i), estimate, tolerance, scale));
+    EXPECT_TRUE(Close(model.GetContrastEstStdError().at(i), stdError, tolerance));
+    EXPECT_TRUE(Close(model.GetContrastEstZVal().at(i), zIsStdError ? stdError : z, tolerance, scale));
+    EXPECT_TRUE(Close(model.GetContrastEstSig().at(i), 2 * KXDistFun::CdfStdNorm(-std::abs(z)), tolerance,
+                      std::max(scale, 1.0)));
+    EXPECT_TRUE(Close(model.GetContrastEstCILower().at(i), estimate - halfWidth, tolerance, scale));
+    EXPECT_TRUE(Close(model.GetContrastEstCIUpper().at(i), estimate + halfWidth, tolerance, scale));
+}
+
+} // namespace
+
+TEST(Contrasts, OfInverseVarianceModels)
+{
+    const MAModelSettings settings = ContrastSettings(EffectSettings(), {2, 3, 4, 5, 6});
+    const ContRun run(settings, effects);
+    const MAContModel& model = run.model;
+    EXPECT_TRUE(run.status.IsOK());
+    EXPECT_EQ(model.GetContrastStatus(), (std::vector<int>{1, 0, 2, 0, 2}));
+    EXPECT_EQ(MissingWarnings(run.WarningCodes()), 1);
+    ExpectContrast(model, 1, effects, 3, false, 1.0);
+    ExpectContrast(model, 2, effects, 4, false, 1.0);
+    // Nothing to test: sums of 0, but no z and no significance.
+    EXPECT_EQ(model.GetContrastEstES()[0], 0.0);
+    EXPECT_EQ(model.GetContrastEstCIUpper()[0], 0.0);
+    EXPECT_EQ(model.GetContrastEstZVal()[0], missing);
+    EXPECT_EQ(model.GetContrastEstSig()[0], missing);
+    EXPECT_TRUE(std::isnan(model.GetContrastEstES()[3]));
+    EXPECT_EQ(model.GetContrastEstStdError()[4], 0.0);
+}
+
+/// A run under random effects has no contrasts; the test itself is a fixed-effect one whatever the model. Of
+/// one study the contrast is tested, and nothing else that comes after the model.
+TEST(Contrasts, AreOfFixedEffects)
+{
+    MAModelSettings settings = ContrastSettings(EffectSettings(), {3, 4});
+    const ContRun fixed(settings, effects);
+    const ContRun one(settings, {effects[0]});
+    EXPECT_EQ(one.model.GetContrastEstES(), (Row{0.5, 0.5}));
+    EXPECT_TRUE(one.model.GetFunnelX().empty());
+    settings.SetModelType(MODEL_RANDOM);
+    ContRun random(settings, effects);
+    EXPECT_TRUE(random.model.GetContrastEstES().empty());
+    EXPECT_TRUE(random.model.FixedModelContrastTest().IsOK());
+    EXPECT_EQ(random.model.GetContrastEstSig(), fixed.model.GetContrastEstSig());
+    EXPECT_EQ(random.model.GetContrastStatus(), (std::vector<int>{0, 2}));
+}
+
+/// Contrasts of tables are of the studies' own effects; their z values are the standard errors once more.
+TEST(Contrasts, OfTables)
+{
+    const Rows tables = {
+        {12, 88, 20, 80, 0, 1, 1}, {15, 85, 25, 75, 0, -2, missing}, {9, 91, 8, 92, 0, 0.5, 3}};
+    for (const Pooling& pooling : poolings) {
+        if (!pooling.IsBinary())
+            continue;
+        SCOPED_TRACE(pooling.name);
+        const MAModelSettings settings = ContrastSettings(pooling.Of(TableSettings()), {5, 6, 4});
+        const BinRun run(settings, tables);
+        const MABinModel& model = run.model;
+        EXPECT_TRUE(run.status.IsOK());
+        EXPECT_TRUE(model.GetContrastStatus().empty());
+        EXPECT_EQ(MissingWarnings(run.WarningCodes()), 1);
+        ExpectContrast(model, 0, tables, 5, true, 10.0); // logarithms of counts
+        ExpectContrast(model, 1, tables, 6, true, 10.0);
+        EXPECT_EQ(model.GetContrastEstStdError()[2], 0.0);
+        EXPECT_DOUBLE_EQ(model.GetContrastExpEstES()[0], std::exp(model.GetContrastEstES()[0]));
+        EXPECT_DOUBLE_EQ(model.GetContrastExpEstCILower()[1], std::exp(model.GetContrastEstCILower()[1]));
+        EXPECT_DOUBLE_EQ(model.GetContrastExpEstCIUpper()[1], std::exp(model.GetContrastEstCIUpper()[1]));
+    }
+}
