@@ -1,5 +1,7 @@
 #include "host/Analysis.h"
 
+#include "host/RegressionSettings.h"
+
 using namespace MA_NAMESPACE;
 
 namespace host {
@@ -9,8 +11,51 @@ namespace {
 Analysis NewAnalysis(const MAModelSettings& settings)
 {
     if (settings.GetOutcomesType() == MAConst::OUTCOME_BINARY)
-        return {MABinModel(settings), KXStatus()};
-    return {MAContModel(settings), KXStatus()};
+        return {.model = MABinModel(settings), .status = {}, .testStatus = {}, .bubbleStatus = {}};
+    return {.model = MAContModel(settings), .status = {}, .testStatus = {}, .bubbleStatus = {}};
+}
+
+KXStatus TestOverall(MABinModel& model, Request& request)
+{
+    return model.RegBasedBinTest(request.records, request.variables, request.settings.GetRegBaseTestType());
+}
+
+/// Has one type of test.
+KXStatus TestOverall(MAContModel& model, Request& request)
+{
+    return model.RegBasedContTest(request.records, request.variables);
+}
+
+/// As the test of all studies has them.
+MARegSettings TestSettings(const MAModelSettings& settings)
+{
+    MARegSettings test = RegressionSettings(settings);
+    test.SetInterceptUse(settings.GetIsUseIntercept());
+    test.SetMultiDiser(settings.GetMultiDisper());
+    test.SetTreatmentSuccess(settings.GetTreatmentSuccessVarIndex());
+    test.SetTreatmentFailure(settings.GetTreatmentFailureVarIndex());
+    test.SetControlSuccess(settings.GetControlSuccessVarIndex());
+    test.SetControlFailure(settings.GetControlFailureVarIndex());
+    return test;
+}
+
+/// The test of all studies, then that of each group and of all with all their parameters.
+template <class Model>
+KXStatus RunSmallStudyTest(Model& model, Request& request)
+{
+    const KXStatus status = TestOverall(model, request);
+    if (status.IsError())
+        return status;
+    return model.RegBasedTest(request.records, request.variables, TestSettings(request.settings));
+}
+
+KXStatus PlotBubbles(MABaseModel& model, Request& request)
+{
+    MARegSettings settings = RegressionSettings(request.settings);
+    settings.SetMultiDiser(request.settings.GetMultiDisper());
+    for (const int covariate : request.bubbleCovariates)
+        settings.AddCovariate(covariate);
+    return model.BubblePlot(request.records, request.variables, settings);
 }
 
 } // namespace
@@ -20,11 +65,36 @@ const MABaseModel& Analysis::Base() const
     return std::visit([](const MABaseModel& base) -> const MABaseModel& { return base; }, model);
 }
 
+KXStatus Analysis::FinalStatus() const
+{
+    if (status.IsError())
+        return status;
+    if (HasFailedTest())
+        return *testStatus;
+    return bubbleStatus.IsError() ? bubbleStatus : status;
+}
+
+RecordUse Analysis::Records(std::size_t read) const
+{
+    const MABaseModel& base = Base();
+    return {read, base.GetNonMissingStudyID(), base.GetNMissing(), base.GetNInvalid(), base.GetNDropped()};
+}
+
 Analysis RunAnalysis(Request& request)
 {
     Analysis analysis = NewAnalysis(request.settings);
-    analysis.status = std::visit(
-        [&request](auto& model) { return model.RUN(request.records, request.variables); }, analysis.model);
+    std::visit(
+        [&](auto& model) {
+            analysis.status = model.RUN(request.records, request.variables);
+            if (analysis.status.IsError())
+                return;
+            analysis.trimmedSide = model.GetTRimFillSide();
+            if (request.runsSmallStudyTest)
+                analysis.testStatus = RunSmallStudyTest(model, request);
+            if (!request.bubbleCovariates.empty())
+                analysis.bubbleStatus = PlotBubbles(model, request);
+        },
+        analysis.model);
     return analysis;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/PictureFormat.h"
 #include "host/UnusableInput.h"
 
 #include "meta_analysis/settings/MAConst.h"
@@ -76,6 +77,50 @@ inline constexpr std::array ZERO_CELL_CHOICES{
 inline constexpr std::array GLASS_GROUP_CHOICES{
     Choice{"control", MAConst::GROUP_CONTROL},
     Choice{"treatment", MAConst::GROUP_TREATMENT},
+};
+
+inline constexpr std::array TRIM_FILL_CHOICES{
+    Choice{"linear", MAConst::TRIM_LINEAR},
+    Choice{"run", MAConst::TRIM_RUN},
+    Choice{"quadratic", MAConst::TRIM_QUADRATIC},
+};
+
+inline constexpr std::array TRIM_SIDE_CHOICES{
+    Choice{"auto", MAConst::TRIM_SIDE_AUTO},
+    Choice{"1", MAConst::TRIM_SIDE_LARGEST},
+    Choice{"2", MAConst::TRIM_SIDE_SMALLEST},
+};
+
+inline constexpr std::array SMALL_STUDY_TEST_CHOICES{
+    Choice{"0", MAConst::REG_TEST_EFFECT_ON_STD_ERROR},
+    Choice{"1", MAConst::REG_TEST_SCORE_VARIANCE},
+    Choice{"2", MAConst::REG_TEST_SCORE_CONTROL},
+    Choice{"3", MAConst::REG_TEST_EFFECT_ON_SIZE},
+};
+
+inline constexpr std::array SWITCH_CHOICES{
+    Choice{"on", true},
+    Choice{"off", false},
+};
+
+inline constexpr std::array FUNNEL_Y_CHOICES{
+    Choice{"std-error", MAConst::FUNNEL_STD_ERROR},
+    Choice{"precision", MAConst::FUNNEL_PRECISION},
+    Choice{"variance", MAConst::FUNNEL_VARIANCE},
+    Choice{"inverse-variance", MAConst::FUNNEL_INVERSE_VARIANCE},
+};
+
+inline constexpr std::array CONTOUR_CHOICES{
+    Choice{"none", MAConst::CONTOUR_NONE},
+    Choice{"two-sided", MAConst::CONTOUR_TWO_SIDED},
+    Choice{"upper", MAConst::CONTOUR_UPPER},
+    Choice{"lower", MAConst::CONTOUR_LOWER},
+};
+
+inline constexpr std::array PICTURE_FORMAT_CHOICES{
+    Choice{"svg", PictureFormat::SVG},
+    Choice{"png", PictureFormat::PNG},
+    Choice{"pdf", PictureFormat::PDF},
 };
 
 /// The names, in the order of the list.

@@ -1,5 +1,6 @@
 #include "host/CommandLine.h"
 
+#include "host/Choices.h"
 #include "host/OptionDefinitions.h"
 #include "host/ProgramInfo.h"
 #include "host/UnusableInput.h"
@@ -30,7 +31,7 @@ constexpr const char* EXIT_STATUSES =
     "Exit status: 0 the analysis ran, with warnings or without; 1 the library returned an error (its code "
     "and a\n"
     "sentence are on standard error; --json holds what was computed before); 2 unusable arguments or data\n"
-    "(nothing is written).";
+    "(nothing is written), or the pictures could not be drawn (everything else is written).";
 
 /// Help with a usage line that names the data file like any other argument.
 class HelpFormatter : public CLI::Formatter
@@ -57,12 +58,13 @@ struct CommandParser
 
 using CommandParsers = std::deque<CommandParser>; // its elements stay where they are
 
-void StoreArgument(const OptionDefinition& definition, const CLI::results_t& arguments)
+void StoreArguments(const OptionDefinition& definition, const CLI::results_t& arguments)
 {
-    if (arguments.size() != 1)
+    if (arguments.size() != 1 && !definition.isRepeatable)
         throw UnusableInput(fmt::format("--{} is given {} times.", definition.name, arguments.size()));
     try {
-        definition.store(arguments.front());
+        for (const std::string& argument : arguments)
+            definition.store(argument);
     } catch (const UnusableInput& problem) {
         throw UnusableInput(fmt::format("--{}: {}", definition.name, problem.what()));
     }
@@ -79,7 +81,7 @@ void AddOption(CLI::App& app, const OptionDefinition& definition)
         return;
     }
     const CLI::callback_t store = [definition](const CLI::results_t& arguments) {
-        StoreArgument(definition, arguments);
+        StoreArguments(definition, arguments);
         return true;
     };
     app.add_option(name, store, definition.help)
@@ -89,14 +91,44 @@ void AddOption(CLI::App& app, const OptionDefinition& definition)
 }
 
 /// Where the output goes is no setting of the analysis, so that DefineOptions has nothing of it.
-OptionDefinition JsonOption(Options& options)
+OptionDefinition OutputOption(const char* name, const char* argument, const char* help,
+                              std::optional<std::string>& place)
 {
-    return {.name = "json",
-            .argument = "FILE",
-            .help = "write all results as JSON; - for standard output, without report",
+    return {.name = name,
+            .argument = argument,
+            .help = help,
             .group = "Output",
-            .store = [&options](const std::string& text) { options.jsonPath = text; },
+            .store = [&place](const std::string& text) { place = text; },
             .value = {}};
+}
+
+OptionDefinition PlotFormatOption(Options& options)
+{
+    return {.name = "plot-format",
+            .argument = "NAME",
+            .help = fmt::format("kind of the files of --plots: {} (default svg)",
+                                NamesOf(PICTURE_FORMAT_CHOICES)),
+            .group = "Output",
+            .store =
+                [&options](const std::string& text) {
+                    options.plotFormat = ValueOf(PICTURE_FORMAT_CHOICES, text);
+                },
+            .value = {}};
+}
+
+/// The library has no plots of a meta-regression.
+std::vector<OptionDefinition> OutputOptions(Options& options)
+{
+    std::vector<OptionDefinition> all = {
+        OutputOption("json", "FILE", "write all results as JSON; - for standard output, without report",
+                     options.jsonPath),
+        OutputOption("html", "FILE", "write one page with tables and pictures", options.htmlPath)};
+    if (options.command == Command::REGRESSION)
+        return all;
+    all.push_back(OutputOption("plots", "FOLDER", "write a picture of each plot into the folder",
+                               options.plotsFolder));
+    all.push_back(PlotFormatOption(options));
+    return all;
 }
 
 void AddOptions(CommandParser& parser)
@@ -106,7 +138,8 @@ void AddOptions(CommandParser& parser)
     app.add_option("DATA", parser.options.dataPath, "CSV file with the data")->type_name("FILE");
     for (const OptionDefinition& definition : DefineOptions(parser.options))
         AddOption(app, definition);
-    AddOption(app, JsonOption(parser.options));
+    for (const OptionDefinition& definition : OutputOptions(parser.options))
+        AddOption(app, definition);
     app.footer(EXIT_STATUSES);
 }
 
@@ -118,6 +151,8 @@ void AddCommands(CLI::App& program, CommandParsers& parsers)
                          "Sizes, means and standard deviations of two groups");
     parsers.emplace_back(program, Command::EFFECTS, "effects",
                          "Ready-made effect sizes with their variances or standard errors");
+    parsers.emplace_back(program, Command::REGRESSION, "regression",
+                         "Meta-regression of ready-made effect sizes on covariates and factors");
     for (CommandParser& parser : parsers)
         AddOptions(parser);
 }
@@ -136,9 +171,9 @@ void DescribeProgram(CLI::App& program)
     const std::vector<std::string> arguments = program.remaining();
     const std::string problem =
         arguments.empty() ? "No command is given" : fmt::format("'{}' is no command", arguments.front());
-    throw UnusableInput(
-        fmt::format("{}. The commands are binary, continuous and effects; '{} --help' tells more.", problem,
-                    PROGRAM_NAME));
+    throw UnusableInput(fmt::format(
+        "{}. The commands are binary, continuous, effects and regression; '{} --help' tells more.", problem,
+        PROGRAM_NAME));
 }
 
 /// Fails on arguments that the command has no use for.

@@ -1,11 +1,10 @@
 #include "host/JsonReport.h"
 
+#include "host/JsonValue.h"
 #include "host/OptionDefinitions.h"
 #include "host/ProgramInfo.h"
 #include "host/Results.h"
 #include "host/StatusText.h"
-
-using namespace MA_NAMESPACE;
 
 namespace host {
 
@@ -23,12 +22,10 @@ Json SettingsOf(Options options)
     return settings;
 }
 
-Json RecordsOf(const DataTable& table, const MABaseModel& model)
+Json RecordsOf(const RecordUse& records)
 {
-    const std::vector<int> used = model.GetNonMissingStudyID();
-    return {{"read", table.RowCount()},       {"used", used.size()},
-            {"missing", model.GetNMissing()}, {"invalid", model.GetNInvalid()},
-            {"dropped", model.GetNDropped()}, {"numbers", used}};
+    return {{"read", records.read},       {"used", records.used.size()}, {"missing", records.missing},
+            {"invalid", records.invalid}, {"dropped", records.dropped},  {"numbers", records.used}};
 }
 
 Json StatusOf(const KXStatus& status)
@@ -56,27 +53,30 @@ void Append(std::string& text, const Json& value, const std::string& indent = ""
 
 } // namespace
 
-std::string RenderJson(const Options& options, const DataTable& table, const Analysis& analysis)
+std::string RenderJson(const Options& options, const JsonParts& parts)
 {
-    Json codes = Json::array();
     Json sentences = Json::array();
-    for (const KXStatus& warning : analysis.Base().GetWarnings()) {
-        codes.push_back(warning.GetCode());
+    for (const KXStatus& warning : parts.warnings)
         sentences.push_back(SentenceOf(warning.GetCode()));
-    }
     const Json report = {{"schema", SCHEMA},
                          {"program", PROGRAM_NAME},
                          {"version", PROGRAM_VERSION},
                          {"command", options.arguments},
                          {"settings", SettingsOf(options)},
-                         {"records", RecordsOf(table, analysis.Base())},
-                         {"status", StatusOf(analysis.status)},
-                         {"warnings", codes},
+                         {"records", RecordsOf(parts.records)},
+                         {"status", StatusOf(parts.status)},
+                         {"warnings", ToJson(parts.warnings)},
                          {"messages", sentences},
-                         {"results", ResultsOf(analysis)}};
+                         {"results", parts.results}};
     std::string text;
     Append(text, report);
     return text + '\n';
+}
+
+std::string RenderJson(const Options& options, const DataTable& table, const Analysis& analysis)
+{
+    return RenderJson(options, {analysis.Records(table.RowCount()), analysis.FinalStatus(),
+                                analysis.Base().GetWarnings(), ResultsOf(analysis)});
 }
 
 } // namespace host

@@ -1,13 +1,7 @@
 #include "host/OptionDefinitions.h"
 
-#include "host/Choices.h"
-#include "host/TextParsing.h"
-
-#include <fmt/format.h>
-
-#include <array>
-#include <cstddef>
-#include <utility>
+#include "host/AnalysisOptions.h"
+#include "host/OptionKinds.h"
 
 using namespace MA_NAMESPACE;
 
@@ -18,95 +12,6 @@ namespace {
 using Settings = MAModelSettings;
 using Definitions = std::vector<OptionDefinition>;
 using Json = nlohmann::ordered_json;
-
-/// Which numbers an option takes: a test, and the test in words.
-struct Domain
-{
-    bool (*contains)(double);
-    const char* words;
-};
-
-constexpr Domain ANY_NUMBER = {[](double) { return true; }, "a number"};
-constexpr Domain POSITIVE = {[](double x) { return x > 0; }, "above 0"};
-constexpr Domain NOT_NEGATIVE = {[](double x) { return x >= 0; }, "0 or above"};
-constexpr Domain BETWEEN_0_AND_1 = {[](double x) { return x > 0 && x < 1; }, "between 0 and 1"};
-
-template <class Value>
-Value RequireInside(const Domain& domain, Value value)
-{
-    if (!domain.contains(value))
-        throw UnusableInput(fmt::format("{} is not {}.", value, domain.words));
-    return value;
-}
-
-OptionDefinition Column(const char* name, ColumnName& target, const char* help)
-{
-    return {.name = name,
-            .argument = "COLUMN",
-            .help = help,
-            .store = [&target](const std::string& text) { target = text; },
-            .value = [&target] { return target ? Json(*target) : Json(); }};
-}
-
-OptionDefinition Required(OptionDefinition option)
-{
-    option.need = OptionDefinition::Need::REQUIRED;
-    return option;
-}
-
-OptionDefinition ThisOrNext(OptionDefinition option)
-{
-    option.need = OptionDefinition::Need::THIS_OR_NEXT;
-    return option;
-}
-
-template <class Value, std::size_t N>
-OptionDefinition OneOf(const char* name, const std::array<Choice<Value>, N>& choices, Settings& settings,
-                       Value (Settings::*get)() const, void (Settings::*set)(Value), const char* help)
-{
-    const std::string preset = NameOf(choices, (settings.*get)());
-    return {.name = name,
-            .argument = "NAME",
-            .help = fmt::format("{}: {} (default {})", help, NamesOf(choices), preset),
-            .store = [&settings, &choices,
-                      set](const std::string& text) { (settings.*set)(ValueOf(choices, text)); },
-            .value = [&settings, &choices, get] { return Json(NameOf(choices, (settings.*get)())); }};
-}
-
-OptionDefinition Number(const char* name, const Domain& domain, Settings& settings,
-                        double (Settings::*get)() const, void (Settings::*set)(double), const char* help)
-{
-    return {.name = name,
-            .argument = "NUMBER",
-            .help = fmt::format("{} (default {})", help, (settings.*get)()),
-            .store =
-                [&settings, &domain, set](const std::string& text) {
-                    (settings.*set)(RequireInside(domain, ParseNumber(text)));
-                },
-            .value = [&settings, get] { return Json((settings.*get)()); }};
-}
-
-OptionDefinition Count(const char* name, Settings& settings, int (Settings::*get)() const,
-                       void (Settings::*set)(int), const char* help)
-{
-    return {.name = name,
-            .argument = "COUNT",
-            .help = fmt::format("{} (default {})", help, (settings.*get)()),
-            .store =
-                [&settings, set](const std::string& text) {
-                    (settings.*set)(RequireInside(NOT_NEGATIVE, ParseWholeNumber(text)));
-                },
-            .value = [&settings, get] { return Json((settings.*get)()); }};
-}
-
-OptionDefinition Flag(const char* name, Settings& settings, bool (Settings::*get)() const,
-                      void (Settings::*set)(bool), const char* help)
-{
-    return {.name = name,
-            .help = help,
-            .store = [&settings, set](const std::string&) { (settings.*set)(true); },
-            .value = [&settings, get] { return Json((settings.*get)()); }};
-}
 
 /// The kinds of ready-made effect sizes: the outcome, which may be given later, says which are allowed.
 OptionDefinition ReadyMadeEffect(Options& options)
@@ -167,6 +72,8 @@ Definitions ColumnsOf(Options& options)
         return ContinuousColumns(options);
     case Command::EFFECTS:
         return EffectsColumns(options);
+    case Command::REGRESSION:
+        return RegressionColumns(options);
     }
     return {};
 }
@@ -217,6 +124,8 @@ Definitions EffectsOf(Options& options)
         return ContinuousEffect(options.settings);
     case Command::EFFECTS:
         return ReadyMadeEffects(options);
+    case Command::REGRESSION:
+        break;
     }
     return {};
 }
@@ -226,14 +135,20 @@ Definitions ModelOf(Settings& settings)
     return {
         OneOf("model", MODEL_CHOICES, settings, &Settings::GetModelType, &Settings::SetModelType,
               "pooling model"),
-        OneOf("weights", WEIGHT_CHOICES, settings, &Settings::GetWeightType, &Settings::SetWeightType,
-              "study weights"),
         OneOf("tau2", TAU2_CHOICES, settings, &Settings::GetEstTauType, &Settings::SetEstTauType,
               "between-study variance estimator"),
         OneOf("knapp-hartung", KNAPP_HARTUNG_CHOICES, settings, &Settings::GetKnapHartAdjustType,
               &Settings::SetKnapHartAdjustType, "adjustment of the random model"),
         Number("level", BETWEEN_0_AND_1, settings, &Settings::GetCILevel, &Settings::SetCILevel,
                "confidence level, a fraction"),
+    };
+}
+
+Definitions PoolingOf(Settings& settings)
+{
+    return {
+        OneOf("weights", WEIGHT_CHOICES, settings, &Settings::GetWeightType, &Settings::SetWeightType,
+              "study weights"),
         Number("null", ANY_NUMBER, settings, &Settings::GetNullHypothesis, &Settings::SetNullHypothesis,
                "effect under the null hypothesis, for the fixed model"),
     };
@@ -251,14 +166,6 @@ Definitions IterationOf(Settings& settings)
     };
 }
 
-void AppendGroup(Definitions& all, const char* group, Definitions options)
-{
-    for (OptionDefinition& option : options) {
-        option.group = group;
-        all.push_back(std::move(option));
-    }
-}
-
 } // namespace
 
 std::vector<OptionDefinition> DefineOptions(Options& options)
@@ -268,8 +175,15 @@ std::vector<OptionDefinition> DefineOptions(Options& options)
     AppendGroup(all, "Columns",
                 {Column("study", options.study, "labels of the studies (default: record numbers from 1)")});
     AppendGroup(all, "Effect size", EffectsOf(options));
+    if (options.command == Command::REGRESSION)
+        AppendGroup(all, "Predictors", RegressionTerms(options.regression));
     AppendGroup(all, "Model", ModelOf(options.settings));
+    AppendGroup(all, "Model",
+                options.command == Command::REGRESSION ? RegressionTests(options.regression)
+                                                       : PoolingOf(options.settings));
     AppendGroup(all, "Iteration", IterationOf(options.settings));
+    if (options.command != Command::REGRESSION)
+        AppendAnalysisOptions(all, options);
     return all;
 }
 

@@ -18,7 +18,7 @@ struct OptionDefinition
     {
         NONE,
         REQUIRED,
-        THIS_OR_NEXT ///< exactly one of this option and the one declared behind it
+        THIS_OR_NEXT ///< exactly one of this option and those declared behind it, up to one without this
     };
 
     std::string name;          ///< without the dashes
@@ -26,8 +26,9 @@ struct OptionDefinition
     std::string help;
     std::string group = {};
     Need need = Need::NONE;
+    bool isRepeatable = false;
 
-    /// Stores the argument's text (of a flag: nothing). Throws UnusableInput that does not name the option.
+    /// Stores an argument's text (of a flag: nothing). Throws UnusableInput that does not name the option.
     std::function<void(const std::string&)> store;
     /// The value as resolved; null when it is not given and has no default.
     std::function<nlohmann::ordered_json()> value;

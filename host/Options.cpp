@@ -3,6 +3,8 @@
 #include "host/Choices.h"
 #include "host/OptionDefinitions.h"
 
+#include <algorithm>
+
 using namespace MA_NAMESPACE;
 
 namespace host {
@@ -14,22 +16,32 @@ bool IsGiven(const OptionDefinition& column)
     return !column.value().is_null();
 }
 
-void RequireOneOf(const OptionDefinition& first, const OptionDefinition& second)
+using Definition = std::vector<OptionDefinition>::const_iterator;
+
+/// Exactly one of the options [first, last).
+void RequireOneOf(Definition first, Definition last)
 {
-    if (IsGiven(first) == IsGiven(second))
-        throw UnusableInput(
-            fmt::format("Exactly one of --{} and --{} is required.", first.name, second.name));
+    if (std::count_if(first, last, IsGiven) == 1)
+        return;
+    std::string names = "--" + first->name;
+    for (Definition option = first + 1; option != last; ++option)
+        names += fmt::format("{}--{}", option + 1 == last ? " and " : ", ", option->name);
+    throw UnusableInput(fmt::format("Exactly one of {} is required.", names));
 }
 
 void RequireColumns(Options& options)
 {
+    using Need = OptionDefinition::Need;
     const std::vector<OptionDefinition> definitions = DefineOptions(options);
-    for (std::size_t i = 0; i < definitions.size(); ++i) {
-        const OptionDefinition& option = definitions[i];
-        if (option.need == OptionDefinition::Need::REQUIRED && !IsGiven(option))
-            throw UnusableInput(fmt::format("--{} is required.", option.name));
-        if (option.need == OptionDefinition::Need::THIS_OR_NEXT)
-            RequireOneOf(option, definitions[i + 1]);
+    for (Definition option = definitions.begin(); option != definitions.end(); ++option) {
+        if (option->need == Need::REQUIRED && !IsGiven(*option))
+            throw UnusableInput(fmt::format("--{} is required.", option->name));
+        if (option->need == Need::THIS_OR_NEXT) {
+            const Definition first = option;
+            while (option->need == Need::THIS_OR_NEXT)
+                ++option;
+            RequireOneOf(first, option + 1);
+        }
     }
 }
 
@@ -47,18 +59,40 @@ void ResolveReadyMadeEffect(const std::string& name, MAModelSettings& settings)
     }
 }
 
+/// Only tables have the counts that the other types need.
+void CheckSmallStudyTest(const Options& options)
+{
+    const MAConst::RegBaseTestType type = options.settings.GetRegBaseTestType();
+    if (options.command != Command::BINARY && type != MAConst::REG_TEST_EFFECT_ON_STD_ERROR)
+        throw UnusableInput(fmt::format("--small-study-test: type {} needs the tables of the command binary.",
+                                        NameOf(SMALL_STUDY_TEST_CHOICES, type)));
+}
+
+/// A column would have one plot, however often it is named.
+void CheckBubbles(const std::vector<std::string>& columns)
+{
+    for (auto column = columns.begin(); column != columns.end(); ++column)
+        if (std::find(columns.begin(), column, *column) != column)
+            throw UnusableInput(fmt::format("--bubble: column '{}' is given twice.", *column));
+}
+
 } // namespace
 
 Options::Options(Command ofCommand) : command(ofCommand)
 {
+    const bool hasTables = command == Command::BINARY || command == Command::CONTINUOUS;
     settings.SetOutcomesType(command == Command::BINARY ? MAConst::OUTCOME_BINARY
                                                         : MAConst::OUTCOME_CONTINUOUS);
-    settings.SetInputESType(command == Command::EFFECTS ? MAConst::INPUT_READY_MADE : MAConst::INPUT_RAW);
+    settings.SetInputESType(hasTables ? MAConst::INPUT_RAW : MAConst::INPUT_READY_MADE);
 }
 
 void Resolve(Options& options)
 {
     RequireColumns(options);
+    if (options.command == Command::REGRESSION)
+        CheckRegression(options);
+    CheckSmallStudyTest(options);
+    CheckBubbles(options.bubbles);
     if (options.readyMadeEffect)
         ResolveReadyMadeEffect(*options.readyMadeEffect, options.settings);
 }

@@ -1,5 +1,8 @@
 #pragma once
 
+#include "host/PictureFormat.h"
+#include "host/RegressionOptions.h"
+
 #include "meta_analysis/settings/MAModelSettings.h"
 
 #include <optional>
@@ -12,7 +15,8 @@ enum class Command
 {
     BINARY,     ///< 2x2 tables
     CONTINUOUS, ///< group sizes, means and standard deviations
-    EFFECTS     ///< ready-made effect sizes
+    EFFECTS,    ///< ready-made effect sizes
+    REGRESSION  ///< ready-made effect sizes on covariates and factors
 };
 
 /// The name of a column; none when the option is not given.
@@ -29,6 +33,9 @@ struct Options
     std::vector<std::string> arguments; ///< as given
     std::string dataPath;
     std::optional<std::string> jsonPath; ///< "-" for standard output
+    std::optional<std::string> htmlPath;
+    std::optional<std::string> plotsFolder;
+    PictureFormat plotFormat = PictureFormat::SVG;
 
     ColumnName study;
     ColumnName treatmentEvents;
@@ -46,9 +53,19 @@ struct Options
     ColumnName effectSize;
     ColumnName variance;
     ColumnName stdError;
+    ColumnName weight;
+
+    ColumnName subgroup;
+    ColumnName cumulative;
+    std::vector<std::string> contrasts; ///< columns
+    std::vector<std::string> bubbles;   ///< columns
+    std::vector<double> contourLevels;  ///< as given; empty for the library's own
+    bool runsSmallStudyTest = false;    ///< of the type in the settings
 
     /// Kind of a ready-made effect size as given; which names there are depends on the outcome.
     std::optional<std::string> readyMadeEffect;
+
+    RegressionOptions regression;
 
     MA_NAMESPACE::MAModelSettings settings;
 };

@@ -2,7 +2,6 @@
 
 #include "host/JsonReport.h"
 #include "host/ProgramInfo.h"
-#include "host/Report.h"
 #include "host/StatusText.h"
 #include "host/TextReport.h"
 #include "host/UnusableInput.h"
@@ -62,18 +61,27 @@ void CheckOutputPlaces(const Options& options)
         throw UnusableInput(fmt::format("--json: '{}' is the data file.", *options.jsonPath));
 }
 
+ExitStatus WriteOutput(const Options& options, const RunOutput& output)
+{
+    const bool isError = output.status.IsError();
+    const bool hasReport = !isError && !WritesJsonToStandardOutput(options);
+    const std::string report = hasReport ? RenderText(output.report()) : "";
+    if (options.jsonPath)
+        WriteJson(options, output.json());
+    WriteStandardOutput(report);
+    const KXStatus& status = isError ? output.status : output.furtherStatus;
+    if (!status.IsError())
+        return EXIT_RAN;
+    WriteLibraryError(status.GetCode());
+    return EXIT_LIBRARY_ERROR;
+}
+
 ExitStatus WriteOutput(const Options& options, const DataTable& table, const Request& request,
                        const Analysis& analysis)
 {
-    const bool isError = analysis.status.IsError();
-    const bool hasReport = !isError && !WritesJsonToStandardOutput(options);
-    const std::string report = hasReport ? RenderText(MakeReport(options, table, request, analysis)) : "";
-    if (options.jsonPath)
-        WriteJson(options, RenderJson(options, table, analysis));
-    WriteStandardOutput(report);
-    if (isError)
-        WriteLibraryError(analysis.status.GetCode());
-    return isError ? EXIT_LIBRARY_ERROR : EXIT_RAN;
+    return WriteOutput(options,
+                       {analysis.status, [&] { return MakeReport(options, table, request, analysis); },
+                        [&] { return RenderJson(options, table, analysis); }, analysis.FinalStatus()});
 }
 
 void WriteStandardOutput(const std::string& text)

@@ -4,8 +4,10 @@
 #include "host/DataTable.h"
 #include "host/ExitStatus.h"
 #include "host/Options.h"
+#include "host/Report.h"
 #include "host/Request.h"
 
+#include <functional>
 #include <string>
 
 namespace host {
@@ -13,9 +15,19 @@ namespace host {
 /// Throws UnusableInput when an output would replace the data.
 void CheckOutputPlaces(const Options& options);
 
-/// Writes what the options ask for: the report, the JSON; of an analysis that ended with an error, the JSON
-/// and a sentence on standard error. Everything is rendered before the first byte is written. Throws
-/// UnusableInput when a place cannot be written to.
+/// What a run has to show, whichever the command. A form is made when the options ask for it.
+struct RunOutput
+{
+    KXStatus status;
+    std::function<Report()> report;
+    std::function<std::string()> json;
+    KXStatus furtherStatus = {}; ///< of what is beyond the main analysis: its error leaves the report
+};
+
+/// Writes what the options ask for: the report, the JSON; of a run that ended with an error, the JSON
+/// and a sentence on standard error; of one with an error beyond the main analysis, all three. Everything is
+/// rendered before the first byte is written. Throws UnusableInput when a place cannot be written to.
+ExitStatus WriteOutput(const Options& options, const RunOutput& output);
 ExitStatus WriteOutput(const Options& options, const DataTable& table, const Request& request,
                        const Analysis& analysis);
 

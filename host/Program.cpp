@@ -3,8 +3,11 @@
 #include "host/Analysis.h"
 #include "host/CommandLine.h"
 #include "host/DataTable.h"
+#include "host/JsonReport.h"
 #include "host/Output.h"
 #include "host/ProgramInfo.h"
+#include "host/RegressionReport.h"
+#include "host/RegressionResults.h"
 #include "host/Request.h"
 
 #include <cstdio>
@@ -16,10 +19,24 @@ namespace host {
 
 namespace {
 
+int AnalyseRegression(const Options& options, const DataTable& table)
+{
+    const RegressionRequest request = MakeRegressionRequest(options, table);
+    const RegressionAnalysis analysis = RunRegression(request, options.settings.GetModelType());
+    const auto makeReport = [&] { return MakeRegressionReport(options, request, analysis); };
+    const auto makeJson = [&] {
+        return RenderJson(
+            options, {analysis.records, analysis.status, analysis.warnings, ResultsOf(request, analysis)});
+    };
+    return WriteOutput(options, {analysis.status, makeReport, makeJson});
+}
+
 int Analyse(const Options& options)
 {
     CheckOutputPlaces(options);
     const DataTable table = DataTable::Read(options.dataPath);
+    if (options.command == Command::REGRESSION)
+        return AnalyseRegression(options, table);
     Request request = MakeRequest(options, table);
     const Analysis analysis = RunAnalysis(request);
     return WriteOutput(options, table, request, analysis);

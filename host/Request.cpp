@@ -1,5 +1,6 @@
 #include "host/Request.h"
 
+#include "host/ColumnCoding.h"
 #include "host/Variables.h"
 
 #include <utility>
@@ -9,6 +10,30 @@ using namespace MA_NAMESPACE;
 namespace host {
 
 namespace {
+
+std::vector<int> PositionsOf(const std::vector<std::string>& columns, Variables& variables)
+{
+    std::vector<int> positions;
+    positions.reserve(columns.size());
+    for (const std::string& column : columns)
+        positions.push_back(variables.PositionOf(column));
+    return positions;
+}
+
+/// Position of a column of numbers or texts, -1 when none is named; completes its labels.
+int LabelledPosition(const ColumnName& column, const DataTable& table, Variables& variables,
+                     ValueLabels& labels)
+{
+    if (!column)
+        return -1;
+    labels.column = *column;
+    const std::size_t position = table.PositionOf(*column);
+    if (table.HoldsNumbers(position))
+        return variables.PositionOf(column);
+    ColumnCoding coding = CodeColumn(table, position);
+    labels.texts = std::move(coding.levels);
+    return variables.AddCoded(*column, std::move(coding.codes));
+}
 
 /// Columns that the command does not have are not named, and so not given to the library.
 MAModelSettings SettingsWithPositions(const Options& options, Variables& variables)
@@ -32,6 +57,28 @@ MAModelSettings SettingsWithPositions(const Options& options, Variables& variabl
     return settings;
 }
 
+} // namespace
+
+Request MakeRequest(const Options& options, const DataTable& table)
+{
+    Variables variables(table);
+    MAModelSettings settings = SettingsWithPositions(options, variables);
+    ValueLabels subgroup;
+    ValueLabels cumulative;
+    settings.SetSubGroupIndex(LabelledPosition(options.subgroup, table, variables, subgroup));
+    settings.SetCommulativeIndex(LabelledPosition(options.cumulative, table, variables, cumulative));
+    settings.SetContrastCoefIndex(PositionsOf(options.contrasts, variables));
+    std::vector<int> bubbleCovariates = PositionsOf(options.bubbles, variables);
+    return {.settings = settings,
+            .variables = variables.List(),
+            .records = VectorRecordIter(variables.Records()),
+            .studyLabels = StudyLabels(options.study, table),
+            .subgroup = std::move(subgroup),
+            .cumulative = std::move(cumulative),
+            .bubbleCovariates = std::move(bubbleCovariates),
+            .runsSmallStudyTest = options.runsSmallStudyTest};
+}
+
 std::vector<std::string> StudyLabels(const ColumnName& column, const DataTable& table)
 {
     std::vector<std::string> labels;
@@ -45,16 +92,6 @@ std::vector<std::string> StudyLabels(const ColumnName& column, const DataTable& 
     for (std::size_t row = 0; row < table.RowCount(); ++row)
         labels.emplace_back(table.Text(row, position));
     return labels;
-}
-
-} // namespace
-
-Request MakeRequest(const Options& options, const DataTable& table)
-{
-    Variables variables(table);
-    MAModelSettings settings = SettingsWithPositions(options, variables);
-    return {std::move(settings), variables.List(), VectorRecordIter(variables.Records()),
-            StudyLabels(options.study, table)};
 }
 
 } // namespace host

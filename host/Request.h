@@ -2,6 +2,7 @@
 
 #include "host/DataTable.h"
 #include "host/Options.h"
+#include "host/ValueLabels.h"
 
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
@@ -19,9 +20,16 @@ struct Request
     KXVarList variables;
     VectorRecordIter records;
     std::vector<std::string> studyLabels; ///< one a record
+    ValueLabels subgroup;                 ///< of the columns that part and order the studies, if given
+    ValueLabels cumulative;
+    std::vector<int> bubbleCovariates; ///< variables
+    bool runsSmallStudyTest = false;
 };
 
 /// Picks the columns that the options name. Throws UnusableInput.
 Request MakeRequest(const Options& options, const DataTable& table);
+
+/// The texts of the column, one a record; without a column the numbers of the records, from 1.
+std::vector<std::string> StudyLabels(const ColumnName& column, const DataTable& table);
 
 } // namespace host

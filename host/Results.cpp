@@ -1,10 +1,7 @@
 #include "host/Results.h"
 
-#include "meta_analysis/platform/common/KXMV.h"
-
-#include <cmath>
-#include <type_traits>
-#include <vector>
+#include "host/JsonValue.h"
+#include "host/Wording.h"
 
 using namespace MA_NAMESPACE;
 
@@ -14,35 +11,21 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-Json ToJson(double value)
+/// The parameters of the small-study tests as texts.
+Json TestParameters(const MABaseModel& model)
 {
-    if (KXMV::IsMissing(value) || std::isnan(value))
-        return nullptr;
-    if (std::isinf(value))
-        return value > 0 ? "inf" : "-inf";
-    return value;
+    const std::string covariate = WordingOfTestCovariate(model.GetRegTesType());
+    Json tests = Json::array();
+    for (const std::vector<KXRegrParameter>& parameters : model.GetRegrCoefParameters()) {
+        Json texts = Json::array();
+        for (const KXRegrParameter& parameter : parameters)
+            texts.push_back(parameter.IsIntercept() ? "(intercept)" : covariate);
+        tests.push_back(std::move(texts));
+    }
+    return tests;
 }
 
-Json ToJson(int value)
-{
-    return value;
-}
-
-Json ToJson(const KXStatus& status)
-{
-    return status.GetCode();
-}
-
-template <class Element>
-Json ToJson(const std::vector<Element>& values)
-{
-    Json array = Json::array();
-    for (const Element& value : values)
-        array.push_back(ToJson(value));
-    return array;
-}
-
-void AddBaseResults(Json& results, const MABaseModel& model)
+void AddModels(Json& results, const MABaseModel& model)
 {
     results["ModelType"] = ToJson(model.GetModelType());
     results["WeightType"] = ToJson(model.GetWeightType());
@@ -83,6 +66,86 @@ void AddBaseResults(Json& results, const MABaseModel& model)
     results["UniGroup"] = ToJson(model.GetUniGroup());
     results["GroupN"] = ToJson(model.GetGroupN());
     results["SubGroupStudyID"] = ToJson(model.GetSubGroupStudyID());
+    results["GDQbVal"] = ToJson(model.GetGDQbVal());
+    results["GDQbDf"] = ToJson(model.GetGDQbDf());
+    results["GDQbSig"] = ToJson(model.GetGDQbSig());
+}
+
+void AddContrastsAndCumulative(Json& results, const MABaseModel& model)
+{
+    results["ContrastEstES"] = ToJson(model.GetContrastEstES());
+    results["ContrastEstStdError"] = ToJson(model.GetContrastEstStdError());
+    results["ContrastEstZVal"] = ToJson(model.GetContrastEstZVal());
+    results["ContrastEstSig"] = ToJson(model.GetContrastEstSig());
+    results["ContrastEstCILower"] = ToJson(model.GetContrastEstCILower());
+    results["ContrastEstCIUpper"] = ToJson(model.GetContrastEstCIUpper());
+    results["ContrastStatus"] = ToJson(model.GetContrastStatus());
+    results["Cumulative"] = ToJson(model.GetCumulative());
+    results["EstCumulative"] = ToJson(model.GetEstCumulative());
+    results["CumEstES"] = ToJson(model.GetCumEstES());
+    results["CumEstStdErr"] = ToJson(model.GetCumEstStdErr());
+    results["CumEstZval"] = ToJson(model.GetCumEstZval());
+    results["CumEstSig"] = ToJson(model.GetCumEstSig());
+    results["CumEstCiLower"] = ToJson(model.GetCumEstCiLower());
+    results["CumEstCiUpper"] = ToJson(model.GetCumEstCiUpper());
+}
+
+void AddTrimFill(Json& results, const MABaseModel& model)
+{
+    results["TFImputedN0"] = ToJson(model.GetTFImputedN0());
+    results["TFImputedEffectSize"] = ToJson(model.GetTFImputedEffectSize());
+    results["TFImputedStdError"] = ToJson(model.GetTFImputedStdError());
+    results["OverallTFEffectSize"] = ToJson(model.GetOverallTFEffectSize());
+    results["OverallTFStdError"] = ToJson(model.GetOverallTFStdError());
+    results["OverallTFZVal"] = ToJson(model.GetOverallTFZVal());
+    results["OverallTFSig"] = ToJson(model.GetOverallTFSig());
+    results["OverallTFCILower"] = ToJson(model.GetOverallTFCILower());
+    results["OverallTFCIUpper"] = ToJson(model.GetOverallTFCIUpper());
+}
+
+void AddSmallStudyTest(Json& results, const MABaseModel& model)
+{
+    results["RegTesType"] = ToJson(model.GetRegTesType());
+    results["RegBasedTestCoef"] = ToJson(model.GetRegBasedTestCoef());
+    results["RegBasedTestStdError"] = ToJson(model.GetRegBasedTestStdError());
+    results["RegBasedTestVal"] = ToJson(model.GetRegBasedTestVal());
+    results["GeRegBasedTestSig"] = ToJson(model.GeRegBasedTestSig());
+    results["RegBasedTestDf"] = ToJson(model.GetRegBasedTestDf());
+    results["RegBasedTestCILower"] = ToJson(model.GetRegBasedTestCILower());
+    results["RegBasedTestCIUpper"] = ToJson(model.GetRegBasedTestCIUpper());
+    results["IfRegrTestPassFlag"] = ToJson(model.GetIfRegrTestPassFlag());
+    results["RegrTestCoefficient"] = ToJson(model.GetRegrTestCoefficient());
+    results["RegrTestBetaStandErr"] = ToJson(model.GetRegrTestBetaStandErr());
+    results["RegrBetaTestVal"] = ToJson(model.GetRegrBetaTestVal());
+    results["RegrBetaTestPValue"] = ToJson(model.GetRegrBetaTestPValue());
+    results["RegrBetaConfInterValLower"] = ToJson(model.GetRegrBetaConfInterValLower());
+    results["RegrBetaConfInterValUpper"] = ToJson(model.GetRegrBetaConfInterValUpper());
+    results["RegrCoefParameters"] = TestParameters(model);
+    results["RegrCoefRedundancyInfo"] = ToJson(model.GetRegrCoefRedundancyInfo());
+}
+
+void AddPlots(Json& results, const MABaseModel& model)
+{
+    results["FunnelX"] = ToJson(model.GetFunnelX());
+    results["FunnelY"] = ToJson(model.GetFunnelY());
+    results["FunnelCIX"] = ToJson(model.GetFunnelCIX());
+    results["FunnelCIY"] = ToJson(model.GetFunnelCIY());
+    results["FunnelContourX"] = ToJson(model.GetFunnelContourX());
+    results["FunnelContourY"] = ToJson(model.GetFunnelContourY());
+    results["GalbPlotX"] = ToJson(model.GetGalbPlotX());
+    results["GalbPlotY"] = ToJson(model.GetGalbPlotY());
+    results["GalbRegrSlope"] = ToJson(model.GetGalbRegrSlope());
+    results["GalbRegrIntercept"] = ToJson(model.GetGalbRegrIntercept());
+    results["BubbleFlags"] = ToJson(model.GetBubbleFlags());
+    results["BubbleCoefs"] = ToJson(model.GetBubbleCoefs());
+    results["BubbleXs"] = ToJson(model.GetBubbleXs());
+    results["BubblePredVals"] = ToJson(model.GetBubblePredVals());
+    results["BubbleW"] = ToJson(model.GetBubbleW());
+    results["BubbleCILower"] = ToJson(model.GetBubbleCILower());
+    results["BubbleCIUpper"] = ToJson(model.GetBubbleCIUpper());
+    results["BubbleCICurveX"] = ToJson(model.GetBubbleCICurveX());
+    results["BubbleCICurveLower"] = ToJson(model.GetBubbleCICurveLower());
+    results["BubbleCICurveUpper"] = ToJson(model.GetBubbleCICurveUpper());
 }
 
 void AddOwnResults(Json& results, const MABinModel& model)
@@ -98,6 +161,18 @@ void AddOwnResults(Json& results, const MABinModel& model)
     results["EstExpCIUpper"] = ToJson(model.GetEstExpCIUpper());
     results["ExpPILower"] = ToJson(model.GetExpPILower());
     results["ExpPIUpper"] = ToJson(model.GetExpPIUpper());
+    results["ContrastExpEstES"] = ToJson(model.GetContrastExpEstES());
+    results["ContrastExpEstCILower"] = ToJson(model.GetContrastExpEstCILower());
+    results["ContrastExpEstCIUpper"] = ToJson(model.GetContrastExpEstCIUpper());
+    results["CumExpEstES"] = ToJson(model.GetCumExpEstES());
+    results["CumExpEstCiLower"] = ToJson(model.GetCumExpEstCiLower());
+    results["CumExpEstCiUpper"] = ToJson(model.GetCumExpEstCiUpper());
+    results["OverallTFExpEffectSize"] = ToJson(model.GetOverallTFExpEffectSize());
+    results["OverallTFExpCILower"] = ToJson(model.GetOverallTFExpCILower());
+    results["OverallTFExpCIUpper"] = ToJson(model.GetOverallTFExpCIUpper());
+    results["LabbePlotX"] = ToJson(model.GetLabbePlotX());
+    results["LabbePlotY"] = ToJson(model.GetLabbePlotY());
+    results["LabbePlotW"] = ToJson(model.GetLabbePlotW());
 }
 
 void AddOwnResults(Json& results, const MAContModel& model)
@@ -110,7 +185,13 @@ void AddOwnResults(Json& results, const MAContModel& model)
 Json ResultsOf(const Analysis& analysis)
 {
     Json results;
-    AddBaseResults(results, analysis.Base());
+    const MABaseModel& base = analysis.Base();
+    AddModels(results, base);
+    AddContrastsAndCumulative(results, base);
+    results["TRimFillSide"] = ToJson(analysis.trimmedSide);
+    AddTrimFill(results, base);
+    AddSmallStudyTest(results, base);
+    AddPlots(results, base);
     std::visit([&results](const auto& model) { AddOwnResults(results, model); }, analysis.model);
     return results;
 }

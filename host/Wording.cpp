@@ -113,6 +113,37 @@ std::string WordingOfStatistic(const MAModelSettings& settings)
     return isT ? "t" : "z";
 }
 
+std::string WordingOfTest(MAConst::RegBaseTestType type)
+{
+    switch (type) {
+    case MAConst::REG_TEST_EFFECT_ON_STD_ERROR:
+        return "effect on standard error";
+    case MAConst::REG_TEST_SCORE_VARIANCE:
+        return "odds-ratio score over its variance on standard error";
+    case MAConst::REG_TEST_SCORE_CONTROL:
+        return "risk-ratio score over its variance on standard error";
+    case MAConst::REG_TEST_EFFECT_ON_SIZE:
+        return "effect on 1 / sample size";
+    }
+    return {};
+}
+
+std::string WordingOfTestCovariate(MAConst::RegBaseTestType type)
+{
+    return type == MAConst::REG_TEST_EFFECT_ON_SIZE ? "1 / sample size" : "standard error";
+}
+
+/// It always pools by inverse variance.
+std::string WordingOfTrimmingModel(const MAModelSettings& settings)
+{
+    MAModelSettings trimming = settings;
+    trimming.SetModelType(settings.GetTFModelType());
+    trimming.SetEstTauType(settings.GetTFEstTauType());
+    trimming.SetKnapHartAdjustType(settings.GetTFKnapHartAdjustType());
+    trimming.SetWeightType(MAConst::WEIGHT_INVERSE_VARIANCE);
+    return WordingOfModel(trimming);
+}
+
 std::string WordingOfNullHypothesis(const MAModelSettings& settings)
 {
     const double null = settings.GetNullHypothesis();

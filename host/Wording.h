@@ -28,6 +28,13 @@ bool PoolsTables(const MA_NAMESPACE::MAModelSettings& settings);
 /// The symbol of the pooled effect's test statistic.
 std::string WordingOfStatistic(const MA_NAMESPACE::MAModelSettings& settings);
 
+/// What the regression-based small-study test regresses on what, and the latter alone.
+std::string WordingOfTest(MAConst::RegBaseTestType type);
+std::string WordingOfTestCovariate(MAConst::RegBaseTestType type);
+
+/// The pooling model with its method while trim-and-fill trims.
+std::string WordingOfTrimmingModel(const MA_NAMESPACE::MAModelSettings& settings);
+
 /// What the test of the pooled effect has as null hypothesis, when that is not simply 0; else empty.
 std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& settings);
 

@@ -1,3 +1,4 @@
+#include "host/Getters.h"
 #include "host/JsonReport.h"
 #include "host/Output.h"
 #include "host/Request.h"
@@ -6,10 +7,6 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <algorithm>
-#include <fstream>
-#include <iterator>
-#include <regex>
 #include <string>
 #include <vector>
 
@@ -17,21 +14,6 @@ using namespace host;
 using nlohmann::json;
 
 namespace {
-
-/// The keys that the public getters without arguments of a header ask for.
-std::vector<std::string> KeysOfGetters(const std::string& header)
-{
-    std::ifstream file(TESTS_DIR "/../src/analysis/" + header);
-    std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    text.resize(std::min({text.find("protected:"), text.find("private:"), text.size()}));
-    const std::regex getter(R"(\b(Ge[tA-Z]\w*)\(\) const)");
-    std::vector<std::string> keys;
-    for (std::sregex_iterator match(text.begin(), text.end(), getter), end; match != end; ++match) {
-        const std::string name = (*match)[1];
-        keys.push_back(name.starts_with("Get") ? name.substr(3) : name);
-    }
-    return keys;
-}
 
 /// An analysis of ready-made effect sizes in a table with the columns y and v.
 struct EffectsAnalysis
@@ -60,9 +42,10 @@ TEST(JsonReport, HasAKeyForEveryGetter)
     {
         MAConst::OUTCOMETYPE outcome;
         const char* header;
-    } drivers[] = {{MAConst::OUTCOME_BINARY, "MABinModel.h"}, {MAConst::OUTCOME_CONTINUOUS, "MAContModel.h"}};
+    } drivers[] = {{MAConst::OUTCOME_BINARY, "analysis/MABinModel.h"},
+                   {MAConst::OUTCOME_CONTINUOUS, "analysis/MAContModel.h"}};
     for (const auto& driver : drivers) {
-        std::vector<std::string> keys = KeysOfGetters("MABaseModel.h");
+        std::vector<std::string> keys = KeysOfGetters("analysis/MABaseModel.h");
         EXPECT_GT(keys.size(), 35U);
         for (const std::string& key : KeysOfGetters(driver.header))
             keys.push_back(key);

@@ -114,7 +114,12 @@ TEST(Program, DescribesTheRunInItsJson)
         "control-events": "control_events", "control-nonevents": "control_nonevents", "study": "study",
         "effect": "peto", "zero-cells": "each", "zero-delta": 0.5, "drop-double-zero": true,
         "model": "random", "weights": "inverse-variance", "tau2": "reml", "knapp-hartung": "none",
-        "level": 0.9, "null": -0.5, "max-iterations": 100, "max-step-halving": 5, "tolerance": 1e-6})"));
+        "level": 0.9, "null": -0.5, "max-iterations": 100, "max-step-halving": 5, "tolerance": 1e-6,
+        "subgroup": null, "cumulative": null, "descending": false, "contrast": [], "trim-fill": null,
+        "side": "auto", "trim-fill-model": "random", "trim-fill-tau2": "reml",
+        "trim-fill-knapp-hartung": "none", "small-study-test": null, "test-intercept": "on",
+        "test-dispersion": false, "funnel-y": "std-error", "funnel-points": 100, "contours": "none",
+        "contour-level": [0.01, 0.05, 0.1], "bubble": [], "center-bubble": false, "bubble-points": 100})"));
 }
 
 /// Every value of every option reaches the library's setting of its name.

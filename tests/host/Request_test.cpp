@@ -122,6 +122,96 @@ TEST(Request, HasTheFlagsAndNumbersOfTheCommandLine)
     EXPECT_FALSE(RequestOf(equal).settings.GetVarianceAdjustment());
 }
 
+TEST(Request, HasTheAnalysesOfTheCommandLine)
+{
+    const Words words = {"effects",
+                         "t.csv",
+                         "--effect-size",
+                         "a",
+                         "--variance",
+                         "b",
+                         "--trim-fill",
+                         "quadratic",
+                         "--side",
+                         "2",
+                         "--trim-fill-model",
+                         "fixed",
+                         "--trim-fill-tau2",
+                         "eb",
+                         "--trim-fill-knapp-hartung",
+                         "truncated",
+                         "--small-study-test",
+                         "0",
+                         "--test-intercept",
+                         "off",
+                         "--test-dispersion",
+                         "--funnel-y",
+                         "variance",
+                         "--funnel-points",
+                         "7",
+                         "--contours",
+                         "upper",
+                         "--contour-level",
+                         "0.3",
+                         "--contour-level",
+                         "0.2",
+                         "--center-bubble",
+                         "--bubble-points",
+                         "9",
+                         "--descending",
+                         "--contrast",
+                         "f",
+                         "--contrast",
+                         "a",
+                         "--bubble",
+                         "d"};
+    const Request request = RequestOf(words);
+    const MAModelSettings& settings = request.settings;
+    EXPECT_TRUE(settings.GetIsTRIMFILL());
+    EXPECT_EQ(settings.GetTrimFillMethod(), MAConst::TRIM_QUADRATIC);
+    EXPECT_EQ(settings.GetTrimFillSide(), MAConst::TRIM_SIDE_SMALLEST);
+    EXPECT_EQ(settings.GetTFModelType(), MAConst::MODEL_FIXED);
+    EXPECT_EQ(settings.GetTFEstTauType(), MAConst::TAU2_EB);
+    EXPECT_EQ(settings.GetTFKnapHartAdjustType(), MAConst::KNAPP_HARTUNG_TRUNCATED);
+    EXPECT_TRUE(request.runsSmallStudyTest);
+    EXPECT_FALSE(settings.GetIsUseIntercept());
+    EXPECT_TRUE(settings.GetMultiDisper());
+    EXPECT_EQ(settings.GetFunnelYType(), MAConst::FUNNEL_VARIANCE);
+    EXPECT_EQ(settings.GetFunnelNPoints(), 7);
+    EXPECT_EQ(settings.GetFunnelConTourTesType(), MAConst::CONTOUR_UPPER);
+    std::vector<double> levels;
+    settings.GetSetFunnelConTourCutoff(levels);
+    EXPECT_EQ(levels, (std::vector<double>{0.3, 0.2}));
+    EXPECT_TRUE(settings.GetCenterBubblePlot());
+    EXPECT_EQ(settings.GetBubbleCurveNPoints(), 9);
+    EXPECT_EQ(settings.GetSortType(), MAConst::SORT_DESCENDING);
+    ASSERT_EQ(settings.GetContrastCoefIndex().size(), 2U);
+    EXPECT_EQ(ColumnAt(request, settings.GetContrastCoefIndex()[0]), "f");
+    EXPECT_EQ(ColumnAt(request, settings.GetContrastCoefIndex()[1]), "a");
+    ASSERT_EQ(request.bubbleCovariates.size(), 1U);
+    EXPECT_EQ(ColumnAt(request, request.bubbleCovariates[0]), "d");
+    EXPECT_EQ(settings.GetSubGroupIndex(), -1);
+    EXPECT_EQ(settings.GetCummulativeIndex(), -1);
+}
+
+TEST(Request, CodesTextsAndKeepsNumbers)
+{
+    const Words words = {"effects",    "t.csv", "--effect-size", "y",   "--variance", "y",
+                         "--subgroup", "place", "--cumulative",  "year"};
+    Request request =
+        MakeRequest(OptionsOf(words), DataTable::Parse("y,place,year\n1,b,1990\n2,NA,\n3,a,1e3\n", "t.csv"));
+    std::vector<std::string> places;
+    std::vector<std::string> years;
+    ASSERT_TRUE(request.records.Start());
+    while (const Record* record = request.records.Next()) {
+        places.push_back(request.subgroup.LabelOf(record->Get(request.settings.GetSubGroupIndex())));
+        years.push_back(request.cumulative.LabelOf(record->Get(request.settings.GetCummulativeIndex())));
+    }
+    EXPECT_EQ(places, (std::vector<std::string>{"b", "(missing)", "a"}));
+    EXPECT_EQ(years, (std::vector<std::string>{"1990", "(missing)", "1000"}));
+    EXPECT_EQ(request.subgroup.texts, (std::vector<std::string>{"a", "b"}));
+}
+
 TEST(Wording, SaysWhatTheLibraryDoesWithTheSettings)
 {
     const Words tables = {

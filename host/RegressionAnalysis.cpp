@@ -1,0 +1,71 @@
+#include "host/RegressionAnalysis.h"
+
+#include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/platform/common/VectorRecordIter.h"
+#include "meta_analysis/regression/MAFEAlgorithm.h"
+#include "meta_analysis/regression/MAREAlgorithm.h"
+
+#include <algorithm>
+#include <cstddef>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+bool HasMissing(const Record& record)
+{
+    for (std::size_t i = 0; i < record.Size(); ++i)
+        if (KXMV::IsMissing(record.Get(static_cast<int>(i))))
+            return true;
+    return false;
+}
+
+template <class Engine>
+std::optional<Score> ScoreOf(const Engine& engine, const Record& record)
+{
+    Score score{};
+    const KXStatus status = engine.Score(record, score.fit, score.stdError, score.lower, score.upper,
+                                         score.residual, score.residualStdError, score.leverage);
+    return status.IsOK() ? std::optional(score) : std::nullopt;
+}
+
+/// The engine tells how many records it could not use, and a leverage tells that it used one.
+RecordUse UseOf(const std::vector<Record>& records, const RegressionAnalysis& analysis)
+{
+    RecordUse use;
+    use.read = records.size();
+    for (std::size_t i = 0; i < records.size(); ++i)
+        if (analysis.scores[i] && !KXMV::IsMissing(analysis.scores[i]->leverage))
+            use.used.push_back(static_cast<int>(i));
+    use.missing = static_cast<int>(std::count_if(records.begin(), records.end(), HasMissing));
+    // An error may come before the engine counts.
+    use.invalid = std::max(0, analysis.output->GetNBadRecords() - use.missing);
+    return use;
+}
+
+template <class Engine>
+RegressionAnalysis Run(const RegressionRequest& request)
+{
+    Engine engine(request.settings);
+    VectorRecordIter records(request.records);
+    RegressionAnalysis analysis;
+    analysis.status = engine.BuildModel(records);
+    analysis.warnings = engine.GetWarnings();
+    analysis.output = std::make_unique<const MARegOutputStats>(request.settings, engine);
+    analysis.scores.reserve(request.records.size());
+    for (const Record& record : request.records)
+        analysis.scores.push_back(ScoreOf(engine, record));
+    analysis.records = UseOf(request.records, analysis);
+    return analysis;
+}
+
+} // namespace
+
+RegressionAnalysis RunRegression(const RegressionRequest& request, MAConst::MODELTYPE model)
+{
+    return model == MAConst::MODEL_FIXED ? Run<MAFEAlgorithm>(request) : Run<MAREAlgorithm>(request);
+}
+
+} // namespace host

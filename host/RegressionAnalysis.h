@@ -1,0 +1,40 @@
+#pragma once
+
+#include "host/RecordUse.h"
+#include "host/RegressionRequest.h"
+
+#include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/regression/MARegOutputStats.h"
+
+#include <memory>
+#include <optional>
+#include <vector>
+
+namespace host {
+
+/// The prediction for a record, in the order of the engine's arguments; what is not known is missing.
+struct Score
+{
+    double fit;
+    double stdError;
+    double lower;
+    double upper;
+    double residual;
+    double residualStdError;
+    double leverage;
+};
+
+/// What a meta-regression gave.
+struct RegressionAnalysis
+{
+    KXStatus status;
+    std::vector<KXStatus> warnings;
+    std::unique_ptr<const MA_NAMESPACE::MARegOutputStats> output; ///< also after an error: what there is
+    std::vector<std::optional<Score>> scores;                     ///< one a record; none for an unusable one
+    RecordUse records;
+};
+
+/// Runs the engine of the model, fixed or random, and scores every record.
+RegressionAnalysis RunRegression(const RegressionRequest& request, MAConst::MODELTYPE model);
+
+} // namespace host

@@ -1,0 +1,54 @@
+#include "host/ReportParts.h"
+
+#include "host/NumberText.h"
+#include "host/StatusText.h"
+
+#include "meta_analysis/platform/common/KXMV.h"
+
+#include <fmt/format.h>
+
+#include <cmath>
+
+namespace host {
+
+ReportSection RecordsSection(const std::string& dataPath, const RecordUse& records)
+{
+    ReportSection section = {"Records", {}, {}};
+    section.sentences.push_back(fmt::format("{}: {} read, {} used, {} missing, {} invalid, {} dropped",
+                                            dataPath, records.read, records.used.size(), records.missing,
+                                            records.invalid, records.dropped));
+    if (records.used.empty())
+        section.sentences.push_back("No record could be used: there is nothing to analyse.");
+    return section;
+}
+
+ReportSection WarningsSection(const std::vector<KXStatus>& warnings)
+{
+    ReportSection section = {"Warnings", {}, {}};
+    for (const KXStatus& warning : warnings)
+        section.sentences.push_back(fmt::format("{}: {}", warning.GetCode(), SentenceOf(warning.GetCode())));
+    return section;
+}
+
+std::vector<ReportSection> WithoutEmpty(std::vector<ReportSection> sections)
+{
+    std::erase_if(sections, [](const ReportSection& section) {
+        return section.table.empty() && section.sentences.empty();
+    });
+    return sections;
+}
+
+std::string LabelText(std::string label)
+{
+    std::replace_if(
+        label.begin(), label.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    return label.empty() ? NO_VALUE : label;
+}
+
+bool HasAnyValue(const std::vector<double>& values)
+{
+    return std::any_of(values.begin(), values.end(),
+                       [](double value) { return !KXMV::IsMissing(value) && !std::isnan(value); });
+}
+
+} // namespace host
