@@ -20,10 +20,10 @@ using ContRun = FinishedRun<MAContModel>;
 
 /// Effect and variance, then contrasts: zeros alone, weights, one with a missing coefficient, one with a NaN,
 /// and missing ones alone.
-const Rows effects = {{0.5, 0.04, 0, 1, 1, 1, missing},
+const Rows effects = {{0.5, 0.04, 0, 1, 1, 0, missing},
                       {0.1, 0.25, 0, -2, missing, 0, missing},
                       {-0.3, 0.01, 0, 0.5, 3, notANumber, missing},
-                      {0.7, 0.09, 0, 0, -1, 1, missing}};
+                      {0.7, 0.09, 0, 0, -1, 0, missing}};
 
 MAModelSettings ContrastSettings(MAModelSettings settings, const std::vector<int>& contrasts)
 {

@@ -236,6 +236,7 @@ TEST(Plots, LabbeOfTables)
         const BinRun run(settings, tables);
         const BinRun groups(grouped, tables);
         if (pooling.effect == BIN_PETO_ODDS_RATIO) {
+            EXPECT_TRUE(run.status.IsOK());
             EXPECT_TRUE(run.model.GetLabbePlotX().empty());
             continue;
         }
@@ -257,7 +258,9 @@ TEST(Plots, NoLabbe)
     EXPECT_TRUE(BinRun(settings, {}).model.GetLabbePlotX().empty());
     settings.SetBinZeroAdjType(ZERO_ADJUST_NONE);
     const Rows removed = {{1, 9, 2, 8}, {0, 9, 2, 8}, {3, 7, 1, 9}};
-    EXPECT_TRUE(BinRun(settings, removed).model.GetLabbePlotX().empty());
+    const BinRun run(settings, removed);
+    EXPECT_TRUE(run.status.IsOK());
+    EXPECT_TRUE(run.model.GetLabbePlotX().empty());
     settings.SetBinZeroAdjType(ZERO_ADJUST_EACH);
     EXPECT_EQ(BinRun(settings, removed).model.GetLabbePlotX().size(), 1U);
 }

@@ -201,13 +201,18 @@ TEST(SmallStudyTests, RecordsOfTheTests)
             VectorRecordIter source({row.counts});
             RegTestRecordIterator records(source, 4, static_cast<RegBaseTestType>(test));
             records.SetCountIndices(0, 1, 2, 3);
+            records.SetOmegaWeight(0, static_cast<OMGWeightType>(row.adjustment));
             records.SetDropBinZero(row.drops);
             records.SetAdjustType(static_cast<ZEROADJTYPE>(row.adjustment));
             ASSERT_TRUE(records.ResizeRecord());
             ASSERT_TRUE(records.Start());
             const Record* record = records.Next();
             ASSERT_EQ(record != nullptr, test == 0 || (test > 0 && test < 4 && row.added >= 0));
-            if (record != nullptr && test > 0) {
+            if (test == 0) {
+                const double omega = row.counts[0];
+                const double ofKinds[] = {std::sqrt(1 / omega), std::sqrt(omega), omega, omega};
+                EXPECT_EQ(record->Get(4), ofKinds[row.adjustment]);
+            } else if (record != nullptr) {
                 const TestedTable expected(row.counts, test, row.added, missing);
                 const int covariate = test == 3 ? 4 : 5;
                 EXPECT_TRUE(Close(record->Get(covariate), expected.covariate, 4 * machineEpsilon));
@@ -244,6 +249,10 @@ TEST(SmallStudyTests, WhenThereIsOne)
     EXPECT_EQ(run.model.GetRegBasedTestCoef(), slope);
 
     ContTest effects(EffectSettings(), {{0.1, 1}, {0.4, 2}, {0.2, 3}, {0.9, 4}});
+    const MAModelSettings plain = EffectSettings();
+    MAContModel effectsWithoutTrimFill(plain);
+    EXPECT_TRUE(effectsWithoutTrimFill.RUN(effects.records, effects.variables).IsOK());
+    EXPECT_TRUE(HasNoTest(effectsWithoutTrimFill));
     MAContModel directEffects(effects.settings);
     EXPECT_TRUE(directEffects.RegBasedContTest(effects.records, effects.variables).IsOK());
     EXPECT_EQ(directEffects.GetRegBasedTestCoef(), effects.model.GetRegBasedTestCoef());

@@ -126,9 +126,18 @@ void ExpectOverallModelInPlace(MODELTYPE model, int group, const Rows& rows)
     EXPECT_EQ(run.model.GetWeight(), plain.model.GetWeight());
     EXPECT_EQ(run.model.GetGroupN(), plain.model.GetGroupN());
 
+    // The rows ascend: the last ones are trimmed, and mirrored about the trimming model of the others.
+    MAModelSettings trimming = without;
+    trimming.SetModelType(settings.GetTFModelType());
+    trimming.SetEstTauType(TAU2_HE);
+    trimming.SetSubGroupIndex(-1);
+    const BinRun trimmed(trimming, Rows(rows.begin(), rows.end() - run.model.GetTFImputedN0()));
+    const Row imputed = run.model.GetTFImputedEffectSize();
     Rows filled = rows;
-    for (std::size_t i = 0; i < run.model.GetTFImputedEffectSize().size(); ++i)
-        filled.push_back({run.model.GetTFImputedEffectSize()[i], run.model.GetFunnelY().back()[i], 0});
+    for (std::size_t i = 0; i < imputed.size(); ++i) {
+        EXPECT_EQ(imputed[i], 2 * trimmed.model.GetEstEffectSize()[0] - rows[rows.size() - 1 - i][0]);
+        filled.push_back({imputed[i], run.model.GetFunnelY().back()[i], 0});
+    }
     without.SetSubGroupIndex(-1);
     const BinModel whole = BinRun(without, filled).model;
     EXPECT_EQ(run.model.GetOverallTFEffectSize(), whole.GetEstEffectSize()[0]);
@@ -178,8 +187,8 @@ TEST(TrimFill, MeetsTheReferenceFigures)
 /// of all studies.
 TEST(TrimFill, Examples)
 {
-    const Row equal = {0.1, 0.7}; // sums of these round to other means
-    const Rows equalEffects = {equal, {0.1, 1.9}, {0.1, 0.6}, {0.1, 1.1}, {0.1, 0.3}};
+    const Row equal = {0.1, 0.3};
+    const Rows equalEffects = {equal, equal, {0.1, 0.5}}; // their mean rounds to a smaller number
     const Rows strongly = {{-1, 0.2}, {2, 1}, {3, 1}};
     const Example examples[] = {
         {"(4 * 40 - 110) / 19 = 2.63", skewed, TRIM_LINEAR, 1, {-10, -9, -8}},
@@ -192,8 +201,9 @@ TEST(TrimFill, Examples)
         {"equal effects", equalEffects, TRIM_LINEAR, 100, {}},
         {"equal studies", Rows(6, equal), TRIM_LINEAR, 100, {}},
         {"equal effects, quadratic", equalEffects, TRIM_QUADRATIC, 100, {}},
-        {"equal effects: 5 - 1 - 1", equalEffects, TRIM_RUN, 100, {0.1, 0.1, 0.1}},
+        {"equal effects: 3 - 1 - 1", equalEffects, TRIM_RUN, 100, {0.1}},
         {"(4 * 2 - 6) / 3, then 3 about 1", {{1, 1}, {3, 2}}, TRIM_LINEAR, 100, {-1}},
+        {"1.5 - sqrt(0.25)", {{1, 1}, {3, 2}}, TRIM_QUADRATIC, 100, {-1}},
         {"two studies, run", {{1, 1}, {3, 2}}, TRIM_RUN, 100, {}},
         {"symmetric", {{-2, 1}, {0, 1}, {2, 1}}, TRIM_LINEAR, 1, {}},
         {"no iteration", skewed, TRIM_LINEAR, 0, {}},

@@ -277,7 +277,7 @@ TEST(Regression, ScoresTheRecordsAndCountsThem)
 TEST(Regression, DescribesTheRunInItsJson)
 {
     const Arguments arguments = {"regression",
-                                 TESTS_DIR "/data/teacher_expectancy.csv",
+                                 std::string(TESTS_DIR) + "/data/teacher_expectancy.csv",
                                  "--effect-size",
                                  "effect",
                                  "--std-error",

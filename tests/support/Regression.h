@@ -70,8 +70,7 @@ inline Rows RandomStudies(unsigned seed, std::size_t count, std::size_t moderato
 template <class Engine>
 struct Regression
 {
-    Regression(MA_NAMESPACE::MARegSettings given, const Rows& rows)
-        : settings(std::move(given)), engine(settings)
+    Regression(const MA_NAMESPACE::MARegSettings& given, const Rows& rows) : settings(given), engine(settings)
     {
         VectorRecordIter records(rows);
         status = engine.BuildModel(records);

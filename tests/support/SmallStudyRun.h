@@ -22,8 +22,8 @@ inline KXVarList VariablesOf(const Rows& rows)
 template <class Driver>
 struct SmallStudyRun
 {
-    SmallStudyRun(MA_NAMESPACE::MAModelSettings given, const Rows& rows)
-        : settings(std::move(given)), model(settings), records(rows), variables(VariablesOf(rows))
+    SmallStudyRun(const MA_NAMESPACE::MAModelSettings& given, const Rows& rows)
+        : settings(given), model(settings), records(rows), variables(VariablesOf(rows))
     {
         settings.SetIsTRIMFILL(true);
         status = model.RUN(records, variables);
