@@ -10,7 +10,7 @@ namespace MA_NAMESPACE {
 namespace {
 
 constexpr double zeroCountConstant = 0.5;
-constexpr int largestComputedColumnCount = 3;
+constexpr std::size_t largestComputedColumnCount = 3;
 
 } // namespace
 
@@ -38,7 +38,7 @@ void RegTestRecordIterator::SetOmegaWeight(int index, MAConst::OMGWeightType typ
 
 bool RegTestRecordIterator::ResizeRecord()
 {
-    return record_.Resize(static_cast<std::size_t>(columnCount_ + largestComputedColumnCount));
+    return record_.Resize(static_cast<std::size_t>(columnCount_) + largestComputedColumnCount);
 }
 
 bool RegTestRecordIterator::Start()
