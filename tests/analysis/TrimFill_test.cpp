@@ -37,8 +37,8 @@ const Rows skewed = {{-7, 0.3}, {10, 0.8}, {-1, 0.3}, {5, 0.8}, {8, 0.8},
                      {-4, 0.3}, {2, 0.8},  {9, 0.8},  {6, 0.8}, {-3, 0.3}};
 
 /// Effect, variance, group: the small studies have the large effects.
-const Rows leaning = {{0.1, 0.002, 0}, {0.15, 0.003, 1}, {0.2, 0.004, 0}, {0.25, 0.006, 1},
-                      {0.7, 0.02, 0},  {0.9, 0.03, 1},   {1.2, 0.04, 0},  {1.5, 0.05, 1}};
+const Rows leaning = {{0.05, 0.005, 0}, {0.2, 0.01, 1},  {0.35, 0.02, 0}, {0.55, 0.045, 1},
+                      {1, 0.05, 0},     {1.15, 0.08, 1}, {1.4, 0.115, 0}, {1.7, 0.13, 1}};
 
 /// Effects that lean to one side: every second one is its magnitude.
 Rows LeaningStudies(unsigned seed)
