@@ -1,6 +1,5 @@
 #pragma once
 
-#include "host/PictureFormat.h"
 #include "host/RegressionOptions.h"
 
 #include "meta_analysis/settings/MAModelSettings.h"
@@ -33,9 +32,6 @@ struct Options
     std::vector<std::string> arguments; ///< as given
     std::string dataPath;
     std::optional<std::string> jsonPath; ///< "-" for standard output
-    std::optional<std::string> htmlPath;
-    std::optional<std::string> plotsFolder;
-    PictureFormat plotFormat = PictureFormat::SVG;
 
     ColumnName study;
     ColumnName treatmentEvents;
