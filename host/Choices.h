@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/PictureFormat.h"
 #include "host/UnusableInput.h"
 
 #include "meta_analysis/settings/MAConst.h"
@@ -114,6 +115,12 @@ inline constexpr std::array CONTOUR_CHOICES{
     Choice{"two-sided", MAConst::CONTOUR_TWO_SIDED},
     Choice{"upper", MAConst::CONTOUR_UPPER},
     Choice{"lower", MAConst::CONTOUR_LOWER},
+};
+
+inline constexpr std::array PICTURE_FORMAT_CHOICES{
+    Choice{"svg", PictureFormat::SVG},
+    Choice{"png", PictureFormat::PNG},
+    Choice{"pdf", PictureFormat::PDF},
 };
 
 /// The names, in the order of the list.

@@ -102,10 +102,32 @@ OptionDefinition OutputOption(const char* name, const char* argument, const char
             .value = {}};
 }
 
+OptionDefinition PlotFormatOption(Options& options)
+{
+    return {
+        .name = "plot-format",
+        .argument = "NAME",
+        .help =
+            fmt::format("kind of the files of --plots: {} (default svg)", NamesOf(PICTURE_FORMAT_CHOICES)),
+        .group = "Output",
+        .store = [&options](
+                     const std::string& text) { options.plotFormat = ValueOf(PICTURE_FORMAT_CHOICES, text); },
+        .value = {}};
+}
+
+/// The library has no plots of a meta-regression.
 std::vector<OptionDefinition> OutputOptions(Options& options)
 {
-    return {OutputOption("json", "FILE", "write all results as JSON; - for standard output, without report",
-                         options.jsonPath)};
+    std::vector<OptionDefinition> all = {
+        OutputOption("json", "FILE", "write all results as JSON; - for standard output, without report",
+                     options.jsonPath),
+        OutputOption("html", "FILE", "write one page with tables and pictures", options.htmlPath)};
+    if (options.command == Command::REGRESSION)
+        return all;
+    all.push_back(
+        OutputOption("plots", "FOLDER", "write a picture of each plot into the folder", options.plotsFolder));
+    all.push_back(PlotFormatOption(options));
+    return all;
 }
 
 void AddOptions(CommandParser& parser)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/PictureFormat.h"
 #include "host/RegressionOptions.h"
 
 #include "meta_analysis/settings/MAModelSettings.h"
@@ -32,6 +33,9 @@ struct Options
     std::vector<std::string> arguments; ///< as given
     std::string dataPath;
     std::optional<std::string> jsonPath; ///< "-" for standard output
+    std::optional<std::string> htmlPath;
+    std::optional<std::string> plotsFolder;
+    PictureFormat plotFormat = PictureFormat::SVG;
 
     ColumnName study;
     ColumnName treatmentEvents;

@@ -4,15 +4,17 @@
 #include "host/DataTable.h"
 #include "host/ExitStatus.h"
 #include "host/Options.h"
+#include "host/Picture.h"
 #include "host/Report.h"
 #include "host/Request.h"
 
 #include <functional>
 #include <string>
+#include <vector>
 
 namespace host {
 
-/// Throws UnusableInput when an output would replace the data.
+/// Throws UnusableInput when an output would replace the data or another output, or cannot be a folder.
 void CheckOutputPlaces(const Options& options);
 
 /// What a run has to show, whichever the command. A form is made when the options ask for it.
@@ -22,11 +24,13 @@ struct RunOutput
     std::function<Report()> report;
     std::function<std::string()> json;
     KXStatus furtherStatus = {}; ///< of what is beyond the main analysis: its error leaves the report
+    std::function<std::vector<Picture>()> pictures = {};
 };
 
-/// Writes what the options ask for: the report, the JSON; of a run that ended with an error, the JSON
-/// and a sentence on standard error; of one with an error beyond the main analysis, all three. Everything is
-/// rendered before the first byte is written. Throws UnusableInput when a place cannot be written to.
+/// Writes what the options ask for: the report, the JSON, the page and the pictures; of a run that ended with
+/// an error, the JSON and a sentence on standard error; of one with an error beyond the main analysis, all of
+/// it. Everything is rendered before the first byte is written. Throws UnusableInput when a place cannot be
+/// written to, and, behind all that can be written, when pictures could not be drawn.
 ExitStatus WriteOutput(const Options& options, const RunOutput& output);
 ExitStatus WriteOutput(const Options& options, const DataTable& table, const Request& request,
                        const Analysis& analysis);

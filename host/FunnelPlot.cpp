@@ -1,0 +1,226 @@
+#include "host/FunnelPlot.h"
+
+#include "host/PlotAxes.h"
+#include "host/ScatterPlot.h"
+
+#include "meta_analysis/platform/common/KXMV.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <numeric>
+#include <utility>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+constexpr double DOT_RADIUS = 3.6;
+/// From the most significant region on; the least significant one is white.
+constexpr std::array SHADES = {"#c4c4c4", "#d6d6d6", "#e6e6e6", "#f2f2f2"};
+
+std::string VerticalTitle(MAConst::FunnelYType type)
+{
+    switch (type) {
+    case MAConst::FUNNEL_STD_ERROR:
+        return "standard error";
+    case MAConst::FUNNEL_PRECISION:
+        return "1 / standard error";
+    case MAConst::FUNNEL_VARIANCE:
+        return "variance";
+    case MAConst::FUNNEL_INVERSE_VARIANCE:
+        return "1 / variance";
+    }
+    return {};
+}
+
+/// Makes one funnel plot.
+class Funnel
+{
+public:
+    Funnel(const ReportSource& source, const PlotOfGroup& plot);
+
+    Picture Draw() const;
+
+private:
+    using Rows = std::vector<std::vector<double>>;
+
+    std::vector<Point> RowOf(const Rows& x, const Rows& y, std::size_t row) const;
+    std::vector<Point> Imputed() const;
+    std::vector<Point> Mirrored(std::vector<Point> line) const;
+    bool HasContours() const;
+    void SetAxes(Picture& picture) const;
+    std::vector<Layer> Contours(const Picture& picture) const;
+    std::vector<Point> InsignificantRegion(const Picture& picture, double slope) const;
+    std::string ContourLegend(double from, double to) const;
+
+    const ReportSource& source_;
+    const MABaseModel& base_;
+    const PlotOfGroup& plot_;
+    MAConst::FunnelYType type_;
+    bool isFilled_; ///< whether imputed studies count in the pooled effect
+    double center_;
+    std::vector<Point> studies_;
+    std::vector<Point> imputed_;
+    std::vector<Point> upperLimit_;
+    std::vector<Point> lowerLimit_;
+};
+
+Funnel::Funnel(const ReportSource& source, const PlotOfGroup& plot)
+    : source_(source),
+      base_(source.base),
+      plot_(plot),
+      type_(source.settings.GetFunnelYType()),
+      isFilled_(plot.row == 0 && IsNumber(base_.GetOverallTFEffectSize())),
+      center_(isFilled_ ? base_.GetOverallTFEffectSize() : plot.estimate),
+      studies_(RowOf(base_.GetFunnelX(), base_.GetFunnelY(), plot.row)),
+      imputed_(Imputed()),
+      upperLimit_(RowOf(base_.GetFunnelCIX(), base_.GetFunnelCIY(), plot.row)),
+      lowerLimit_(Mirrored(upperLimit_))
+{}
+
+std::vector<Point> Funnel::RowOf(const Rows& x, const Rows& y, std::size_t row) const
+{
+    return row < x.size() ? DrawablePoints(x[row], y[row]) : std::vector<Point>();
+}
+
+/// They have the row behind those of all studies and of the groups.
+std::vector<Point> Funnel::Imputed() const
+{
+    if (!isFilled_)
+        return {};
+    return RowOf(base_.GetFunnelX(), base_.GetFunnelY(), 1 + source_.groupLabels.size());
+}
+
+std::vector<Point> Funnel::Mirrored(std::vector<Point> line) const
+{
+    for (Point& point : line)
+        point.x = center_ - (point.x - center_);
+    return line;
+}
+
+/// The library gives their extent at the largest standard error; over other vertical axes that is no line.
+bool Funnel::HasContours() const
+{
+    return type_ == MAConst::FUNNEL_STD_ERROR && plot_.row < base_.GetFunnelContourX().size();
+}
+
+void Funnel::SetAxes(Picture& picture) const
+{
+    Extent x;
+    Extent y;
+    for (const std::vector<Point>* points : {&studies_, &imputed_, &upperLimit_, &lowerLimit_}) {
+        x.Cover(*points, &Point::x);
+        y.Cover(*points, &Point::y);
+    }
+    x.Cover(center_);
+    if (HasContours())
+        x.Cover(0);
+    const bool pointsDown = type_ == MAConst::FUNNEL_STD_ERROR || type_ == MAConst::FUNNEL_VARIANCE;
+    x.Pad(0.04);
+    y.Pad(0.05);
+    if (pointsDown)
+        y.StartAt(0);
+    picture.x = EffectAxis(source_.effect, source_.effect.name, x);
+    picture.y = NumberAxis(Capitalised(VerticalTitle(type_)), y);
+    if (pointsDown)
+        std::swap(picture.y.first, picture.y.last);
+}
+
+/// Where a test at the level of the contour does not reject: the part of the picture on the null's side of
+/// the line, or the two lines, from the null at standard error 0.
+std::vector<Point> Funnel::InsignificantRegion(const Picture& picture, double slope) const
+{
+    const double bottom = picture.y.first;
+    const Point end = {slope * bottom, bottom};
+    switch (source_.settings.GetFunnelConTourTesType()) {
+    case MAConst::CONTOUR_UPPER:
+        return {{picture.x.first, 0}, {0, 0}, end, {picture.x.first, bottom}};
+    case MAConst::CONTOUR_LOWER:
+        return {{picture.x.last, 0}, {0, 0}, end, {picture.x.last, bottom}};
+    default:
+        return {{-end.x, bottom}, {0, 0}, end};
+    }
+}
+
+std::string Funnel::ContourLegend(double from, double to) const
+{
+    if (from == 0)
+        return fmt::format("p < {:g}", to);
+    return to == 1 ? fmt::format("p > {:g}", from) : fmt::format("{:g} < p < {:g}", from, to);
+}
+
+/// Regions from the most significant one on, which fills the frame.
+std::vector<Layer> Funnel::Contours(const Picture& picture) const
+{
+    std::vector<double> levels;
+    source_.settings.GetSetFunnelConTourCutoff(levels);
+    const std::vector<double> extents = base_.GetFunnelContourX()[plot_.row];
+    const double height = base_.GetFunnelContourY()[plot_.row];
+    std::vector<std::size_t> order(levels.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::sort(order.begin(), order.end(), [&](auto a, auto b) { return levels[a] < levels[b]; });
+
+    const Axis& x = picture.x;
+    const Axis& y = picture.y;
+    std::vector<Point> region = {{x.first, y.first}, {x.first, y.last}, {x.last, y.last}, {x.last, y.first}};
+    std::vector<Layer> regions;
+    double from = 0;
+    for (const std::size_t i : order) {
+        const char* const shade = SHADES[std::min(regions.size(), SHADES.size() - 1)];
+        regions.push_back(
+            {Layer::Kind::AREA, shade, {std::move(region)}, {}, 0, ContourLegend(from, levels[i])});
+        region = InsignificantRegion(picture, extents[i] / height);
+        from = levels[i];
+    }
+    regions.push_back({Layer::Kind::AREA, color::WHITE, {std::move(region)}, {}, 0, ContourLegend(from, 1)});
+    return regions;
+}
+
+Picture Funnel::Draw() const
+{
+    Picture picture = NewScatterPlot(NameOfGroupPlot({"funnel", "Funnel plot", ""}, plot_));
+    SetAxes(picture);
+    if (HasContours())
+        picture.layers = Contours(picture);
+    picture.layers.push_back({Layer::Kind::DASHED_LINE,
+                              color::INK,
+                              {upperLimit_, lowerLimit_},
+                              {},
+                              1.2,
+                              source_.level + " limits"});
+    picture.layers.push_back(LineBetween({center_, picture.y.first}, {center_, picture.y.last},
+                                         Layer::Kind::LINE, color::ACCENT,
+                                         imputed_.empty() ? "Pooled effect" : "Effect with imputed studies"));
+    if (!imputed_.empty()) {
+        const std::vector<double> radii(imputed_.size(), DOT_RADIUS);
+        picture.layers.push_back({Layer::Kind::RINGS, color::INK, {imputed_}, radii, 1.2, "Imputed study"});
+    }
+    picture.layers.push_back({Layer::Kind::DISCS,
+                              color::POOLED,
+                              {studies_},
+                              std::vector<double>(studies_.size(), DOT_RADIUS),
+                              1,
+                              "Study"});
+    picture.description =
+        fmt::format("{}: {} by {} and {}{}; the pooled effect and its {} limits form a funnel.",
+                    picture.title, CountOfStudies(studies_.size()), source_.effect.name, VerticalTitle(type_),
+                    imputed_.empty() ? "" : fmt::format(", and {} imputed", imputed_.size()), source_.level);
+    return Finished(std::move(picture));
+}
+
+} // namespace
+
+std::vector<Picture> FunnelPictures(const ReportSource& source)
+{
+    std::vector<Picture> pictures;
+    for (const PlotOfGroup& plot : AllAndGroups(source, source.base.GetFunnelX().size()))
+        pictures.push_back(Funnel(source, plot).Draw());
+    return pictures;
+}
+
+} // namespace host

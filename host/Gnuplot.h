@@ -1,0 +1,14 @@
+#pragma once
+
+#include "host/Picture.h"
+#include "host/PictureFormat.h"
+
+#include <string>
+
+namespace host {
+
+/// The picture as a script for gnuplot that writes the file to standard output. Texts are data in it, never
+/// commands and never markup.
+std::string GnuplotScript(const Picture& picture, PictureFormat format);
+
+} // namespace host

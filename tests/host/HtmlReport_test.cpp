@@ -1,0 +1,128 @@
+#include "host/RunProgram.h"
+
+#include <gmock/gmock.h>
+#include <pugixml.hpp>
+
+#include <cstdlib>
+#include <set>
+#include <string>
+#include <vector>
+
+using testing::Each;
+using testing::HasSubstr;
+using testing::Not;
+
+namespace {
+
+/// The page of a run; its void elements are closed, so that it reads as XML.
+class HtmlPage
+{
+public:
+    explicit HtmlPage(const Arguments& arguments)
+    {
+        const TemporaryFolder folder;
+        const ProgramRun run = RunProgram(arguments + Arguments{"--html", folder.PathOf("page.html")});
+        EXPECT_EQ(run.exitStatus, 0) << run.errors;
+        source_ = folder.Read("page.html");
+        const pugi::xml_parse_result result = document_.load_string(source_.c_str());
+        EXPECT_TRUE(result) << result.description();
+    }
+
+    const std::string& Source() const { return source_; }
+    pugi::xpath_node_set Select(const char* path) const { return document_.select_nodes(path); }
+    std::vector<std::string> Texts(const char* path) const
+    {
+        std::vector<std::string> texts;
+        for (const pugi::xpath_node& found : Select(path))
+            texts.emplace_back(found.node().text().get());
+        return texts;
+    }
+
+private:
+    std::string source_;
+    pugi::xml_document document_;
+};
+
+Arguments Bcg(const Arguments& more = {})
+{
+    return Binary("bcg_vaccine.csv") + Arguments{"--study", "study"} + more;
+}
+
+TEST(HtmlReport, HasEveryPartOfTheReportAndEveryPicture)
+{
+    const HtmlPage page(Bcg({"--subgroup", "allocation", "--bubble", "latitude", "--trim-fill", "linear"}));
+    EXPECT_EQ(page.Select("//h1").size(), 1U);
+    EXPECT_THAT(page.Texts("//h2"), testing::IsSupersetOf({"Records", "Studies", "Pooled effect", "Warnings",
+                                                           "Pictures", "Settings", "Command line"}));
+    EXPECT_THAT(page.Texts("//caption"), testing::Contains("Table 1. Studies"));
+    EXPECT_EQ(page.Select("//table").size(), page.Select("//table[caption]").size());
+    EXPECT_EQ(page.Select("//table[caption='Table 1. Studies']/tbody/tr").size(), 13U);
+    EXPECT_EQ(page.Select("//figure").size(), 13U);
+    EXPECT_EQ(page.Select("//figure[figcaption]//svg[@role='img'][title][desc]").size(), 13U);
+    EXPECT_THAT(page.Texts("//td"), testing::Contains("allocation"));
+}
+
+/// Nothing to fetch, nothing to run, and no identifier twice although all pictures stand in one document.
+TEST(HtmlReport, StandsAlone)
+{
+    const HtmlPage page(Bcg({"--bubble", "latitude", "--bubble", "year"}));
+    EXPECT_EQ(page.Select("//script | //link | //img | //iframe | //@src | //@href").size(), 0U);
+    std::set<std::string> identifiers;
+    for (const pugi::xpath_node& found : page.Select("//@id"))
+        EXPECT_TRUE(identifiers.insert(found.attribute().value()).second) << found.attribute().value();
+    for (const pugi::xpath_node& found : page.Select("//@*[name()='xlink:href']")) {
+        const std::string link = found.attribute().value();
+        EXPECT_EQ(link.front(), '#');
+        EXPECT_TRUE(identifiers.count(link.substr(1))) << link;
+    }
+}
+
+TEST(HtmlReport, ShowsHostileTextsAsTexts)
+{
+    const std::string label = "</td><script>alert(1)</script> & \"q\" 'a'";
+    const std::string column = "group <b> & \"";
+    const TemporaryFolder folder;
+    const std::string path =
+        folder.Write("a b'$(c).csv", "study,effect,variance,\"group <b> & \"\"\"\n"
+                                     "\"</td><script>alert(1)</script> & \"\"q\"\" 'a'\",0.1,0.2,<i>\n"
+                                     "M\xFCller,0.3,0.1,<i>\nC,0.2,0.1,&amp;\nD,0.2,0.1,&amp;\n");
+    const HtmlPage page({"effects", path, "--study", "study", "--effect-size", "effect", "--variance",
+                         "variance", "--subgroup", column});
+    EXPECT_THAT(page.Texts("//tbody/tr/th"),
+                testing::IsSupersetOf(
+                    {label, std::string("M\xEF\xBF\xBDller"), std::string("<i>"), std::string("&amp;")}));
+    EXPECT_THAT(page.Texts("//thead/tr/th"), testing::Contains(column));
+    EXPECT_EQ(page.Select("//script | //i | //b").size(), 0U);
+}
+
+/// The command line at the end is what a shell runs again.
+TEST(HtmlReport, EndsWithTheCommandLine)
+{
+    const TemporaryFolder folder;
+    const std::string path = folder.Write("it's $HOME.csv", "effect,variance\n0.1,0.2\n0.3,0.1\n");
+    const HtmlPage page({"effects", path, "--effect-size", "effect", "--variance", "variance"});
+    const std::vector<std::string> lines = page.Texts("//pre/code");
+    ASSERT_EQ(lines.size(), 1U);
+    EXPECT_THAT(lines.front(), testing::StartsWith("meta-analysis effects "));
+    const std::string arguments = lines.front().substr(std::string("meta-analysis ").size());
+    const std::string echo = "printf '%s\\n' " + arguments + " >" + ShellQuoted(folder.PathOf("echo"));
+    ASSERT_EQ(std::system(echo.c_str()), 0);
+    EXPECT_THAT(
+        folder.Read("echo"),
+        testing::StartsWith("effects\n" + path + "\n--effect-size\neffect\n--variance\nvariance\n--html\n"));
+}
+
+TEST(HtmlReport, IsThereForEveryCommand)
+{
+    const HtmlPage regression({"regression", TESTS_DIR "/data/passive_smoking.csv", "--effect-size", "effect",
+                               "--variance", "variance", "--covariate", "year"});
+    EXPECT_THAT(regression.Texts("//h2"),
+                testing::IsSupersetOf({"Coefficients", "Settings", "Command line"}));
+    EXPECT_THAT(regression.Texts("//h2"), Not(testing::Contains("Pictures")));
+    const HtmlPage continuous(Continuous("stroke_length_of_stay.csv"));
+    EXPECT_EQ(continuous.Select("//figure").size(), 3U);
+    const HtmlPage unusable(Effects("passive_smoking.csv") + Arguments{"--level", "0.9"});
+    EXPECT_THAT(unusable.Texts("//h1"), Each(HasSubstr("90% level")));
+}
+
+} // namespace
