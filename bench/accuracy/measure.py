@@ -1,0 +1,369 @@
+#!/usr/bin/env python3
+"""Measures the errors of the estimators: what the program prints for tests/data against 50-digit arithmetic.
+
+usage: measure.py PROGRAM
+
+Prints a table of the largest error of each quantity over all analyses, and where it occurred. Errors are
+relative; of effects, estimates, coefficients and bounds they are relative to the standard error, for these
+are differences; of significances, I² and R² they are absolute.
+"""
+
+import csv
+import json
+import subprocess
+import sys
+import tempfile
+from pathlib import Path
+
+from mpmath import mp, mpf
+
+import exact
+
+DATA = Path(__file__).resolve().parents[2] / "tests" / "data"
+TIGHT = ["--tolerance", "1e-14", "--max-iterations", "10000", "--max-step-halving", "100"]
+CELLS = ["treatment_events", "treatment_nonevents", "control_events", "control_nonevents"]
+MEANS = ["treatment_n", "treatment_mean", "treatment_sd", "control_n", "control_mean", "control_sd"]
+Z = exact.normal_quantile(mpf("0.975"))
+
+
+def upper_normal(z):
+    return mp.erfc(z / mp.sqrt(2)) / 2
+
+
+class Quantiles(dict):
+    """Quantiles of t for 95% intervals, by degrees of freedom."""
+
+    def __missing__(self, df):
+        self[df] = exact.t_quantile(mpf("0.975"), df)
+        return self[df]
+
+
+T = Quantiles()
+PROGRAM = sys.argv[1]
+worst = {}  # by quantity: largest error, where, number of values
+analyses = 0
+
+
+def note(quantity, where, actual, expected, scale=None):
+    """Takes up an error; without a scale a relative one."""
+    if expected is None or actual is None:
+        raise ArithmeticError("%s of %s: %s, expected %s" % (quantity, where, actual, expected))
+    size = abs(expected) if scale is None else scale
+    error = abs(mpf(actual) - expected) / size if size != 0 else abs(mpf(actual))
+    largest, place, count = worst.get(quantity, (mpf(-1), "", 0))
+    worst[quantity] = (max(error, largest), where if error > largest else place, count + 1)
+
+
+def run(arguments):
+    global analyses
+    analyses += 1
+    done = subprocess.run([PROGRAM, *arguments, "--json", "-"], capture_output=True, text=True, check=True)
+    return json.loads(done.stdout)["results"]
+
+
+def read(name):
+    with open(DATA / (name + ".csv"), encoding="utf-8") as file:
+        return list(csv.DictReader(file))
+
+
+def values(row, columns):
+    return [mpf(float(row[column])) for column in columns]
+
+
+def corrected(table):
+    return [cell + mpf("0.5") for cell in table] if 0 in table else table
+
+
+class Studies:
+    """Arguments for the program, and the exact effects and variances that it should find."""
+
+    kind = "pooling"
+
+    def __init__(self, name, arguments, effects, tables=None, effect=None):
+        self.name, self.arguments, self.tables, self.effect = name, arguments, tables, effect
+        self.y = [e for e, _ in effects]
+        self.v = [v for _, v in effects]
+        self.x = [[mpf(1)]] * len(effects)
+
+
+def path_of(name):
+    return str(DATA / (name + ".csv"))
+
+
+def options_of(columns):
+    """An option for each column, named as it is."""
+    return [part for column in columns for part in ("--" + column.replace("_", "-"), column)]
+
+
+def studies_with_tables():
+    for name in ["bcg_vaccine", "magnesium", "beta_blockers"]:
+        tables = [corrected(values(row, CELLS)) for row in read(name)]
+        for effect in ["odds-ratio", "peto", "risk-ratio", "risk-difference"]:
+            yield Studies("%s, %s" % (name, effect),
+                          ["binary", path_of(name), *options_of(CELLS), "--effect", effect],
+                          [exact.table_effect(effect, table) for table in tables], tables, effect)
+
+
+def studies_with_means():
+    forms = [("mean-difference", ["--equal-variances"]), ("cohens-d", ["--variance-adjustment"]),
+             ("hedges-g", ["--variance-adjustment"]), ("glass-delta", ["--glass-group", "treatment"])]
+    for name in ["stroke_length_of_stay", "elevated_co2"]:
+        groups = [values(row, MEANS) for row in read(name)]
+        for effect, option in forms:
+            for chosen in [[], option]:
+                yield Studies("%s, %s" % (name, " ".join([effect, *chosen])),
+                              ["continuous", path_of(name), *options_of(MEANS), "--effect", effect, *chosen],
+                              [exact.means_effect(effect, bool(chosen), group) for group in groups])
+
+
+def studies_with_effects():
+    for name in ["passive_smoking", "teacher_expectancy", "writing_to_learn"]:
+        yield Studies(name, ["effects", path_of(name), "--effect-size", "effect", "--variance", "variance"],
+                      [values(row, ["effect", "variance"]) for row in read(name)])
+
+
+def note_estimate(kind, where, found, estimate, variance, quantile, significance):
+    error = mp.sqrt(variance)
+    note(kind + ": estimate", where, found["EstEffectSize"][0], estimate, error)
+    note(kind + ": standard error", where, found["EstStdError"][0], error)
+    note(kind + ": bounds", where, found["EstCILower"][0], estimate - quantile * error, error)
+    note(kind + ": bounds", where, found["EstCIUpper"][0], estimate + quantile * error, error)
+    note("significances (absolute)", where, found["EstSig"][0], 2 * significance(abs(estimate / error)), 1)
+
+
+def note_fixed_heterogeneity(where, found, q, k):
+    note("Q", where, found["HomoTestChisquareQ"][0], q)
+    note("significances (absolute)", where, found["HomoTestSig"][0], exact.upper_chi(q, k - 1), 1)
+    h2, i2 = exact.heterogeneity(q, k)
+    for key, h, i in zip(["Index", "CILower", "CIUpper"], h2, i2):
+        note("H² and bounds, fixed effects", where, found["H2" + key][0], h)
+        note("I² and bounds, fixed effects (absolute)", where, found["I2" + key][0], i, 1)
+
+
+def measure_effects(studies, found):
+    for i, (y, v) in enumerate(zip(studies.y, studies.v)):
+        kind = "effects of tables" if studies.tables else "effects of means"
+        note(kind + ": effect", studies.name, found["EffectSize"][i], y, mp.sqrt(v))
+        note(kind + ": variance", studies.name, found["Variance"][i], v)
+
+
+def measure_fixed(studies):
+    found = run([*studies.arguments, "--model", "fixed"])
+    if studies.arguments[0] != "effects":
+        measure_effects(studies, found)
+    fit = exact.Fit(studies.x, studies.y, [1 / v for v in studies.v])
+    note_estimate("fixed effects", studies.name, found, fit.b[0], fit.inverse[0, 0], Z, upper_normal)
+    note_fixed_heterogeneity(studies.name, found, fit.squares(), len(studies.y))
+
+
+def measure_tables(studies):
+    found = run([*studies.arguments, "--model", "fixed", "--weights", "mantel-haenszel"])
+    estimate, variance = exact.pool_tables(studies.effect, studies.tables)
+    note_estimate("Mantel-Haenszel, Peto", studies.name, found, estimate, variance, Z, upper_normal)
+    q = sum((y - estimate)**2 / v for y, v in zip(studies.y, studies.v))
+    note_fixed_heterogeneity(studies.name, found, q, len(studies.y))
+
+
+def note_tau2(studies, estimator, tight, loose, expected):
+    where = "%s, %s" % (studies.name, estimator.upper())
+    if estimator not in exact.ITERATIVE:
+        note(studies.kind + ": τ², closed forms", where, tight, expected)
+        return
+    typical = sorted(studies.v)[len(studies.v) // 2]
+    if expected == 0:
+        note(studies.kind + ": τ² where 0 is exact, over the median v", where, loose, expected, typical)
+    else:
+        note(studies.kind + ": τ², iterative, tolerance 1e-14", where, tight, expected)
+        note(studies.kind + ": τ², iterative, by default (absolute)", where, loose, expected, 1)
+
+
+def measure_random(studies, estimator):
+    loose = run([*studies.arguments, "--tau2", estimator])["Tau2Var"][0]
+    tight = run([*studies.arguments, "--tau2", estimator, *TIGHT])
+    expected = exact.tau2(estimator, studies.x, studies.y, studies.v, mpf(tight["Tau2Var"][0]))
+    note_tau2(studies, estimator, tight["Tau2Var"][0], loose, expected)
+    # What follows from τ² is measured from the program's τ² on; how far that one is off was noted before.
+    measure_pooled(studies, estimator, "none", tight)
+    for adjustment in ["adjusted", "truncated"]:
+        found = run([*studies.arguments, "--tau2", estimator, "--knapp-hartung", adjustment, *TIGHT])
+        measure_pooled(studies, estimator, adjustment, found)
+
+
+def measure_pooled(studies, estimator, adjustment, found):
+    where = "%s, %s, %s" % (studies.name, estimator.upper(), adjustment)
+    k, t = len(studies.y), mpf(found["Tau2Var"][0])
+    fit = exact.Fit(studies.x, studies.y, [1 / (v + t) for v in studies.v])
+    factor = fit.squares() / (k - 1) if adjustment != "none" else mpf(1)
+    variance = fit.inverse[0, 0] * (max(factor, mpf(1)) if adjustment == "truncated" else factor)
+    if adjustment == "none":
+        note_estimate("random effects", where, found, fit.b[0], variance, Z, upper_normal)
+    else:
+        note_estimate("Knapp and Hartung", where, found, fit.b[0], variance, T[k - 1],
+                      lambda t: exact.upper_t(t, k - 1))
+    spread = mp.sqrt(variance + t)
+    for key, sign in [("PILower", -1), ("PIUpper", 1)]:
+        note("prediction interval", where, found[key][0], fit.b[0] + sign * T[k - 2] * spread, spread)
+    fixed = exact.Fit(studies.x, studies.y, [1 / v for v in studies.v])
+    typical = (k - 1) / fixed.trace()
+    note("H² and I², random effects", where, found["H2Index"][0], (typical + t) / typical)
+    note("H² and I², random effects", where, found["I2Index"][0], t / (typical + t))
+
+
+def measure_small_study_test(studies):
+    for option, dispersed in [([], False), (["--test-dispersion"], True)]:
+        found = run([*studies.arguments, "--model", "fixed", "--small-study-test", "0", *option])
+        fit = exact.Fit([[mpf(1), mp.sqrt(v)] for v in studies.v], studies.y, [1 / v for v in studies.v])
+        variance = fit.inverse[1, 1] * (fit.squares() / fit.df if dispersed else 1)
+        error = mp.sqrt(variance)
+        note("small-study test: slope", studies.name, found["RegrTestCoefficient"][0][1], fit.b[1], error)
+        note("small-study test: standard error", studies.name, found["RegrTestBetaStandErr"][0][1], error)
+
+
+def measure_trim_fill(studies, method, side):
+    """By the fixed-effect model, so that nothing is iterated but the trimming."""
+    found = run([*studies.arguments, "--model", "fixed", "--trim-fill", method, "--side", side,
+                 "--trim-fill-model", "fixed"])
+    sign = 1 if side == "1" else -1
+    ordered = sorted(zip([sign * y for y in studies.y], studies.v), key=lambda study: study[0])
+    missing = 0
+    for _ in range(100):
+        kept = ordered[:len(ordered) - missing]
+        centre = sum(y / v for y, v in kept) / sum(1 / v for _, v in kept)
+        previous, missing = missing, exact.missing_studies(method, [y for y, _ in ordered], centre)
+        if missing == previous:
+            break
+    filled = ordered + [(2 * centre - y, v) for y, v in ordered[len(ordered) - missing:]]
+    where = "%s, %s, side %s" % (studies.name, method, side)
+    note("trim-and-fill: number of studies (absolute)", where, found["TFImputedN0"], mpf(missing), 1)
+    weight = sum(1 / v for _, v in filled)
+    note("trim-and-fill: estimate", where, found["OverallTFEffectSize"],
+         sign * sum(y / v for y, v in filled) / weight, 1 / mp.sqrt(weight))
+
+
+class Regression:
+    """A meta-regression's data, written to a file with all digits."""
+
+    kind = "meta-regression"
+
+    def __init__(self, name, rows, covariates, folder):
+        self.name, self.covariates = name, covariates
+        self.y = [mpf(row[0]) for row in rows]
+        self.v = [mpf(row[1]) for row in rows]
+        self.x = [[mpf(1), *map(mpf, row[2:])] for row in rows]
+        self.path = Path(folder) / (name.split(",")[0] + ".csv")
+        with open(self.path, "w", encoding="utf-8") as file:
+            csv.writer(file).writerows([["y", "v", *covariates], *rows])
+        self.arguments = ["regression", str(self.path), "--effect-size", "y", "--variance", "v"]
+        for covariate in covariates:
+            self.arguments += ["--covariate", covariate]
+
+
+def all_regressions(folder):
+    rows = read("bcg_vaccine")
+    ratios = [[float(part) for part in exact.table_effect("risk-ratio", values(row, CELLS))] for row in rows]
+    for name, covariates in [("bcg_1, on latitude", ["latitude"]),
+                             ("bcg_2, on latitude and year", ["latitude", "year"])]:
+        yield Regression(name, [ratio + [float(row[column]) for column in covariates]
+                                for ratio, row in zip(ratios, rows)], covariates, folder)
+    for name, covariates in [("teacher_expectancy", ["weeks"]),
+                             ("writing_to_learn", ["length", "wic", "feedback"])]:
+        columns = ["effect", "variance", *covariates]
+        complete = [row for row in read(name) if all(row[column] for column in columns)]
+        yield Regression("%s, on %s" % (name, " and ".join(covariates)),
+                         [[float(row[column]) for column in columns] for row in complete], covariates, folder)
+
+
+def note_coefficients(where, found, fit, scale):
+    for j in range(fit.p):
+        error = mp.sqrt(scale * fit.inverse[j, j])
+        note("meta-regression: coefficients", where, found["Estimation"][j], fit.b[j], error)
+        note("meta-regression: standard errors", where, found["BetaStandErr"][j], error)
+        note("meta-regression: bounds", where, found["BetaConfInterValLower"][j],
+             fit.b[j] - T[fit.df] * error, error)
+        note("meta-regression: significances (absolute)", where, found["BetaTestPValue"][j],
+             2 * exact.upper_t(abs(fit.b[j] / error), fit.df), 1)
+
+
+def wald(fit):
+    kept = range(1, fit.p)
+    part = mp.matrix([[fit.inverse[i, j] for j in kept] for i in kept])**-1
+    return sum(fit.b[i] * part[i - 1, j - 1] * fit.b[j] for i in kept for j in kept)
+
+
+def measure_regression(regression, estimator):
+    where = "%s, %s" % (regression.name, estimator.upper())
+    found = run([*regression.arguments, "--tau2", estimator, *TIGHT])
+    loose = run([*regression.arguments, "--tau2", estimator])
+    expected = exact.tau2(estimator, regression.x, regression.y, regression.v, mpf(found["Tau"]))
+    note_tau2(regression, estimator, found["Tau"], loose["Tau"], expected)
+    t = mpf(found["Tau"])
+    fit = exact.Fit(regression.x, regression.y, [1 / (v + t) for v in regression.v])
+    note_coefficients(where, found, fit, mpf(1))
+    note("meta-regression: model tests", where, found["WaldChiSquareTest"], wald(fit))
+    adjusted = run([*regression.arguments, "--tau2", estimator, "--knapp-hartung", "adjusted", *TIGHT])
+    scale = fit.squares() / fit.df
+    note_coefficients(where + ", adjusted", adjusted, fit, scale)
+    note("meta-regression: model tests", where, adjusted["FTestVal"], wald(fit) / (scale * (fit.p - 1)))
+    note("meta-regression: significances (absolute)", where, adjusted["FPValue"],
+         exact.upper_f(wald(fit) / (scale * (fit.p - 1)), fit.p - 1, fit.df), 1)
+    measure_residual_heterogeneity(where, regression, found, estimator, t)
+
+
+def measure_residual_heterogeneity(where, regression, found, estimator, t):
+    fixed = exact.Fit(regression.x, regression.y, [1 / v for v in regression.v])
+    typical = fixed.df / fixed.trace()
+    note("meta-regression: Q", where, found["ResHomoChiSqure"], fixed.squares())
+    note("meta-regression: H²", where, found["HresSquare"], (typical + t) / typical)
+    note("meta-regression: I² (absolute)", where, found["IresSquare"], t / (typical + t), 1)
+    constant = [[mpf(1)]] * len(regression.y)
+    pooled = run(["effects", *regression.arguments[1:6], "--tau2", estimator, *TIGHT])
+    without = exact.tau2(estimator, constant, regression.y, regression.v, mpf(pooled["Tau2Var"][0]))
+    note("meta-regression: R² (absolute)", where, found["RSquare"], max(mpf(0), (without - t) / without), 1)
+
+
+def measure_fixed_regression(regression):
+    fit = exact.Fit(regression.x, regression.y, [1 / v for v in regression.v])
+    for option, scale in [([], mpf(1)), (["--dispersion"], fit.squares() / fit.df)]:
+        found = run([*regression.arguments, "--model", "fixed", *option])
+        note_coefficients(regression.name + ", fixed", found, fit, scale)
+        note("meta-regression: model tests", regression.name, found["WaldChiSquareTest"], wald(fit) / scale)
+
+
+def measure_all():
+    for studies in [*studies_with_tables(), *studies_with_means(), *studies_with_effects()]:
+        print(studies.name, file=sys.stderr)
+        measure_fixed(studies)
+        if studies.tables:
+            measure_tables(studies)
+        for estimator in exact.ESTIMATORS:
+            measure_random(studies, estimator)
+        measure_small_study_test(studies)
+        for method in ["linear", "run", "quadratic"]:
+            for side in ["1", "2"]:
+                measure_trim_fill(studies, method, side)
+    with tempfile.TemporaryDirectory() as folder:
+        for regression in all_regressions(folder):
+            print(regression.name, file=sys.stderr)
+            measure_fixed_regression(regression)
+            for estimator in exact.ESTIMATORS:
+                measure_regression(regression, estimator)
+
+
+def position(quantity):
+    """Of a quantity's row in the table."""
+    parts = ["effects of", "fixed effects", "Mantel-Haenszel", "Q", "H² and bounds", "I² and bounds",
+             "pooling", "random effects", "Knapp", "prediction", "H² and I²", "significances", "small-study",
+             "trim", "meta-regression"]
+    return next(i for i, part in enumerate(parts) if quantity.startswith(part))
+
+
+def print_table():
+    print("Errors in %d analyses." % analyses)
+    print("\n| quantity | values | largest error | where |\n|---|---|---|---|")
+    for quantity, (error, where, count) in sorted(worst.items(), key=lambda item: position(item[0])):
+        size, place = (mp.nstr(error, 2), where) if error > 0 else ("0", "")
+        print("| %s | %d | %s | %s |" % (quantity, count, size, place))
+
+
+measure_all()
+print_table()
