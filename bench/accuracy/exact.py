@@ -69,6 +69,17 @@ def means_effect(name, option, groups):
     return delta, delta**2 / (2 * (size - 1)) + null
 
 
+def tested_table(test, table, y):
+    """Response, covariate and weight of a small-study test on tables."""
+    a, b, c, d = table
+    n1, n2, e, f, n = a + b, c + d, a + c, b + d, a + b + c + d
+    if test == 3:
+        return y, 1 / n, e * f / n
+    z, v = ((n * a - e * n1) / n, n1 * n2 * e * f / (n**2 * (n - 1))) if test == 1 else (
+        (n * a - e * n1) / f, n1 * n2 * e / (f * n))
+    return z / v, 1 / mp.sqrt(v), v
+
+
 def pool_tables(name, tables):
     """Mantel and Haenszel, or Peto: estimate and variance."""
     rows = [(a, b, c, d, a + b, c + d, a + b + c + d) for a, b, c, d in tables]
@@ -178,6 +189,14 @@ def heterogeneity(q, k):
         s = mp.sqrt((1 - 1 / (3 * mpf(k - 2)**2)) / (2 * (k - 2)))
     bounds = [mp.exp(mp.log(h2) + sign * 2 * normal_quantile(mpf("0.975")) * s) for sign in (-1, 1)]
     return [h2, *bounds], [max(mpf(0), 1 - 1 / h) for h in [h2, *bounds]]
+
+
+def between_groups(groups, tau2s):
+    """Q between groups of (y, v), each with its own τ²."""
+    weights = [sum(1 / (v + t) for _, v in group) for group, t in zip(groups, tau2s)]
+    means = [sum(y / (v + t) for y, v in group) / w for group, t, w in zip(groups, tau2s, weights)]
+    mean = sum(w * m for w, m in zip(weights, means)) / sum(weights)
+    return sum(w * (m - mean)**2 for w, m in zip(weights, means))
 
 
 def missing_studies(method, values, centre):

@@ -209,14 +209,40 @@ def measure_pooled(studies, estimator, adjustment, found):
     note("H² and I², random effects", where, found["I2Index"][0], t / (typical + t))
 
 
-def measure_small_study_test(studies):
-    for option, dispersed in [([], False), (["--test-dispersion"], True)]:
-        found = run([*studies.arguments, "--model", "fixed", "--small-study-test", "0", *option])
-        fit = exact.Fit([[mpf(1), mp.sqrt(v)] for v in studies.v], studies.y, [1 / v for v in studies.v])
-        variance = fit.inverse[1, 1] * (fit.squares() / fit.df if dispersed else 1)
-        error = mp.sqrt(variance)
-        note("small-study test: slope", studies.name, found["RegrTestCoefficient"][0][1], fit.b[1], error)
-        note("small-study test: standard error", studies.name, found["RegrTestBetaStandErr"][0][1], error)
+def measure_small_study_test(studies, test):
+    rows = [(y, mp.sqrt(v), 1 / v) for y, v in zip(studies.y, studies.v)]
+    if test != 0:
+        rows = [exact.tested_table(test, table, y) for table, y in zip(studies.tables, studies.y)]
+    fit = exact.Fit([[mpf(1), covariate] for _, covariate, _ in rows], [row[0] for row in rows],
+                    [row[2] for row in rows])
+    where = "%s, test %d" % (studies.name, test)
+    for option, scale in [([], 1), (["--test-dispersion"], fit.squares() / fit.df)]:
+        found = run([*studies.arguments, "--model", "fixed", "--small-study-test", str(test), *option])
+        error = mp.sqrt(fit.inverse[1, 1] * scale)
+        note("small-study tests: slope", where, found["RegrTestCoefficient"][0][1], fit.b[1], error)
+        note("small-study tests: standard error", where, found["RegrTestBetaStandErr"][0][1], error)
+
+
+def measure_groups(studies, column, rows):
+    labels = [row[column] for row in rows]
+    groups = [[study for study, of in zip(zip(studies.y, studies.v), labels) if of == label]
+              for label in sorted(set(labels))]
+    for model in ["fixed", "random"]:
+        found = run([*studies.arguments, "--model", model, "--subgroup", column, *TIGHT])
+        tau2s = [mpf(t or 0) for t in found["Tau2Var"]]
+        q = exact.between_groups(groups, tau2s)
+        where = "%s, %s, %s" % (studies.name, column, model)
+        note("subgroups: Q between", where, found["GDQbVal"], q)
+        note("significances (absolute)", where, found["GDQbSig"], exact.upper_chi(q, len(groups) - 1), 1)
+
+
+def measure_contrast(studies, column, rows):
+    found = run([*studies.arguments, "--model", "fixed", "--contrast", column])
+    coefficients = [mpf(float(row[column])) for row in rows]
+    error = mp.sqrt(sum(c**2 * v for c, v in zip(coefficients, studies.v)))
+    note("contrasts: estimate", studies.name, found["ContrastEstES"][0],
+         sum(c * y for c, y in zip(coefficients, studies.y)), error)
+    note("contrasts: standard error", studies.name, found["ContrastEstStdError"][0], error)
 
 
 def measure_trim_fill(studies, method, side):
@@ -299,6 +325,7 @@ def measure_regression(regression, estimator):
     t = mpf(found["Tau"])
     fit = exact.Fit(regression.x, regression.y, [1 / (v + t) for v in regression.v])
     note_coefficients(where, found, fit, mpf(1))
+    note_predictions(where, regression, found, fit)
     note("meta-regression: model tests", where, found["WaldChiSquareTest"], wald(fit))
     adjusted = run([*regression.arguments, "--tau2", estimator, "--knapp-hartung", "adjusted", *TIGHT])
     scale = fit.squares() / fit.df
@@ -307,6 +334,16 @@ def measure_regression(regression, estimator):
     note("meta-regression: significances (absolute)", where, adjusted["FPValue"],
          exact.upper_f(wald(fit) / (scale * (fit.p - 1)), fit.p - 1, fit.df), 1)
     measure_residual_heterogeneity(where, regression, found, estimator, t)
+
+
+def note_predictions(where, regression, found, fit):
+    for row, y, w, h, residual, score in zip(regression.x, regression.y, fit.w, fit.h, fit.r, found["Score"]):
+        error = mp.sqrt(h / w)
+        note("meta-regression: predictions", where, score[0], y - residual, error)
+        note("meta-regression: predictions' bounds", where, score[2], y - residual - T[fit.df] * error, error)
+        note("meta-regression: predictions' standard errors", where, score[1], error)
+        note("meta-regression: residuals' standard errors", where, score[5], mp.sqrt((1 - h) / w))
+        note("meta-regression: leverages", where, score[6], h)
 
 
 def measure_residual_heterogeneity(where, regression, found, estimator, t):
@@ -337,7 +374,11 @@ def measure_all():
             measure_tables(studies)
         for estimator in exact.ESTIMATORS:
             measure_random(studies, estimator)
-        measure_small_study_test(studies)
+        for test in [0, 1, 2, 3] if studies.tables else [0]:
+            measure_small_study_test(studies, test)
+        if "bcg_vaccine" in studies.name:
+            measure_groups(studies, "allocation", read("bcg_vaccine"))
+            measure_contrast(studies, "latitude", read("bcg_vaccine"))
         for method in ["linear", "run", "quadratic"]:
             for side in ["1", "2"]:
                 measure_trim_fill(studies, method, side)
@@ -352,8 +393,8 @@ def measure_all():
 def position(quantity):
     """Of a quantity's row in the table."""
     parts = ["effects of", "fixed effects", "Mantel-Haenszel", "Q", "H² and bounds", "I² and bounds",
-             "pooling", "random effects", "Knapp", "prediction", "H² and I²", "significances", "small-study",
-             "trim", "meta-regression"]
+             "pooling", "random effects", "Knapp", "prediction", "H² and I²", "significances", "subgroups",
+             "contrasts", "small-study", "trim", "meta-regression"]
     return next(i for i, part in enumerate(parts) if quantity.startswith(part))
 
 
