@@ -1,7 +1,7 @@
 """The methods of docs/methods.md in 50-digit arithmetic.
 
-Written from the formulas, not from the library's sources: sums are formed as they stand there, for with 50
-digits it does not matter whether they cancel. Pooling is regression on a constant.
+The formulas are computed as they stand there, for with 50 digits it does not matter whether a difference
+cancels. Pooling is regression on a constant.
 """
 
 from mpmath import mp, mpf, matrix
