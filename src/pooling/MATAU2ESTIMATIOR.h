@@ -91,6 +91,8 @@ private:
     void SJRegEstimator();
     void IterateRegression(MAConst::TAU2ESTIMATOR type);
     StepSums RegressionSums(MARegFit& fit, bool withHatMatrix);
+    void AddHatTraces(MARegFit& fit, StepSums& sums) const;
+    bool HasWeight(std::size_t row) const;
 
     double StepFrom(const StepSums& sums, MAConst::TAU2ESTIMATOR type) const;
     template <class Sums>

@@ -133,7 +133,7 @@ void MATAU2ESTIMATIOR::HERegEstimator()
         return;
     double sum = 0.0;
     for (std::size_t i = 0; i < n; ++i)
-        sum += Square(ResidualOf(i)) - (1.0 - leverages_[i]) * rows.Variance(i);
+        sum += Square(ResidualOf(i)) - (1.0 - leverages_[i]) * rows.variances[i];
     tau2_ = TruncateAtZero(sum / (static_cast<double>(n) - nonRedundantCount_));
 }
 
@@ -201,21 +201,35 @@ MATAU2ESTIMATIOR::StepSums MATAU2ESTIMATIOR::RegressionSums(MARegFit& fit, bool 
         status_ = fitted;
         return sums;
     }
-    const MADesignRows& rows = design_->Rows();
-    for (std::size_t i = 0; i < rows.Count(); ++i) {
-        if (!(rows.weights[i] > minimumWeight && rows.Variance(i) > minimumWeight))
-            continue;
-        const double weight = fit.Weight(i);
-        sums.Add(weight, fit.Residual(i));
-        if (withHatMatrix) {
-            const double leverage = fit.Leverage(i);
-            sums.traceP += (1.0 - leverage) * weight;
-            sums.tracePP += (1.0 - 2.0 * leverage) * weight * weight;
-        }
+    for (std::size_t i = 0; i < fit.Weights().size(); ++i) {
+        if (HasWeight(i))
+            sums.Add(fit.Weights()[i], fit.Residuals()[i]);
     }
     if (withHatMatrix)
-        sums.tracePP += fit.SquaredHatTrace();
+        AddHatTraces(fit, sums);
     return sums;
+}
+
+/// In a loop of its own: all sums together are more than the registers hold.
+void MATAU2ESTIMATIOR::AddHatTraces(MARegFit& fit, StepSums& sums) const
+{
+    const std::vector<double>& leverages = fit.ComputeLeverages();
+    double traceP = 0.0;
+    double tracePP = 0.0;
+    for (std::size_t i = 0; i < leverages.size(); ++i) {
+        if (!HasWeight(i))
+            continue;
+        const double weight = fit.Weights()[i];
+        traceP += (1.0 - leverages[i]) * weight;
+        tracePP += (1.0 - 2.0 * leverages[i]) * weight * weight;
+    }
+    sums.traceP = traceP;
+    sums.tracePP = tracePP + fit.SquaredHatTrace();
+}
+
+bool MATAU2ESTIMATIOR::HasWeight(std::size_t row) const
+{
+    return design_->Rows().weights[row] > minimumWeight && design_->Rows().variances[row] > minimumWeight;
 }
 
 } // namespace MA_NAMESPACE

@@ -185,6 +185,7 @@ KXStatus MADesignMatrix::CacheRows()
     const auto expected = static_cast<std::size_t>(completeRecords_);
     rows_.cells.reserve(expected * (rows_.columnCount + 1));
     rows_.weights.reserve(expected);
+    rows_.variances.reserve(expected);
 
     const KXStatus read = ReadRows();
     rowsCached_ = !read.IsError();
@@ -212,9 +213,11 @@ KXStatus MADesignMatrix::ReadRows()
 
 void MADesignMatrix::CacheRow(const MADesignRow& row)
 {
-    rows_.cells.insert(rows_.cells.end(), row.predictors.begin(), row.predictors.end());
+    for (const double predictor : row.predictors)
+        rows_.cells.push_back(predictor);
     rows_.cells.push_back(row.dependent);
     rows_.weights.push_back(row.omegaWeight);
+    rows_.variances.push_back(1.0 / row.omegaWeight);
 }
 
 void MADesignMatrix::Display() const

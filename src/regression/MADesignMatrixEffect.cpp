@@ -71,7 +71,9 @@ double MADesignMatrixEffect::CovariateProduct(const Record& record) const
         double factor = record.Get(covariates_[i]);
         if (multiplicities_[i] != 1 && !KXPower::Power(factor, multiplicities_[i], factor).IsOK())
             return KXMV::Missing();
-        if (!KXPower::Multiply(product, factor, product).IsOK())
+        if (i == 0)
+            product = factor; // what most effects are: a covariate alone
+        else if (!KXPower::Multiply(product, factor, product).IsOK())
             return KXMV::Missing();
     }
     return product;

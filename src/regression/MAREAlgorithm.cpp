@@ -1,6 +1,5 @@
 #include "meta_analysis/regression/MAREAlgorithm.h"
 
-#include "meta_analysis/pooling/MARandomEffectModel.h"
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
 #include "meta_analysis/regression/MADesignMatrix.h"
 #include "meta_analysis/regression/MARegFit.h"
@@ -126,26 +125,19 @@ KXStatus MAREAlgorithm::computeTauFromSJ()
     const KXStatus fitted = fit.Fit();
     if (fitted.IsError())
         return fitted;
-    std::vector<double> weights;
-    weights.reserve(design_->Rows().Count());
-    for (std::size_t i = 0; i < design_->Rows().Count(); ++i)
-        weights.push_back(fit.Weight(i));
-    return EstimateTau2(fit, MAConst::TAU2_SJ, &weights);
+    return EstimateTau2(fit, MAConst::TAU2_SJ, &fit.Weights());
 }
 
-KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::vector<double>* variances)
+KXStatus MAREAlgorithm::EstimateTau2(MARegFit& fit, int type, const std::vector<double>* variances)
 {
-    const std::vector<double> leverages = fit.Leverages();
     MATAU2ESTIMATIOR estimator;
     estimator.SetDesignMatrix(design_.get());
     estimator.SetRegCoef(&fit.Coefficients());
     estimator.SetNonRedundantParamSize(fit.NonRedundantCount());
-    estimator.SetDiagH(&leverages);
+    estimator.SetDiagH(&fit.ComputeLeverages());
     if (variances != nullptr)
         estimator.SetVariances(variances);
-    estimator.SetMaxIter(settings_->GetMaxIterations());
-    estimator.SetMaxStepHalving(settings_->GetMaxStepHalvingValue());
-    estimator.SetConverTol(settings_->GetParameterTolerance());
+    SetIterationLimits(estimator);
     const KXStatus estimated = estimator.ComputeTau2Variance(static_cast<MAConst::TAU2ESTIMATOR>(type));
     if (!estimated.IsError())
         tau2_ = estimator.GetBetweenStudyVariannce();
@@ -177,23 +169,24 @@ KXStatus MAREAlgorithm::computeTau2C(double& tau2) const
 {
     const MADesignRows& rows = design_->Rows();
     std::vector<double> effectSizes;
-    std::vector<double> variances;
     effectSizes.reserve(rows.Count());
-    variances.reserve(rows.Count());
-    for (std::size_t i = 0; i < rows.Count(); ++i) {
+    for (std::size_t i = 0; i < rows.Count(); ++i)
         effectSizes.push_back(rows.Dependent(i));
-        variances.push_back(rows.Variance(i));
-    }
-    MARandomEffectModel model;
-    model.SetEffectSizes(&effectSizes);
-    model.SetVariances(&variances);
-    model.SetEstimationType(static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType()));
-    model.SetMaxIter(settings_->GetMaxIterations());
-    model.SetMaxStepHalving(settings_->GetMaxStepHalvingValue());
-    model.SetConverTol(settings_->GetParameterTolerance());
-    const KXStatus estimated = model.EstimateMeanESStats();
-    tau2 = model.GetBetweenStudyVariance();
+    MATAU2ESTIMATIOR estimator;
+    estimator.SetEffectSizes(&effectSizes);
+    estimator.SetVariances(&rows.variances);
+    SetIterationLimits(estimator);
+    const KXStatus estimated =
+        estimator.ComputeTau2Variance(static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType()));
+    tau2 = estimator.GetBetweenStudyVariannce();
     return estimated;
+}
+
+void MAREAlgorithm::SetIterationLimits(MATAU2ESTIMATIOR& estimator) const
+{
+    estimator.SetMaxIter(settings_->GetMaxIterations());
+    estimator.SetMaxStepHalving(settings_->GetMaxStepHalvingValue());
+    estimator.SetConverTol(settings_->GetParameterTolerance());
 }
 
 /// Residual Q comes from the fixed-effect fit, and so does the typical within-study variance s² = (k - p) / T
@@ -221,7 +214,7 @@ void MAREAlgorithm::MeasureExplained()
 {
     double withoutPredictors = 0.0;
     rSquare_ = 0.0;
-    if (!computeTau2C(withoutPredictors).IsError() && std::abs(withoutPredictors) >= negligible)
+    if (!computeTau2C(withoutPredictors).IsError() && withoutPredictors >= negligible)
         rSquare_ = std::max(0.0, (withoutPredictors - tau2_) / withoutPredictors);
 }
 

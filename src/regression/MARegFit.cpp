@@ -2,6 +2,7 @@
 
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/platform/common/KXMathFun.h"
+#include "meta_analysis/platform/common/UnrolledSize.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -48,60 +49,58 @@ MARegFit::MARegFit(const MADesignMatrix& design, MAWeightMode mode, double tau2)
     std::iota(columns_.begin(), columns_.end(), std::size_t{0});
 }
 
-double MARegFit::WeightOf(double omegaWeight) const
+double MARegFit::WeightOf(double omegaWeight, double variance) const
 {
     switch (mode_) {
     case MAWeightMode::Unweighted:
         return 1.0;
-    case MAWeightMode::OmegaByTau2:
-        return omegaWeight == 0.0 ? KXMV::Missing() : 1.0 / (omegaWeight * tau2_);
     case MAWeightMode::ScaledRandom:
-        return omegaWeight == 0.0 ? KXMV::Missing() : tau2_ / (1.0 / omegaWeight + tau2_);
+        return tau2_ / (variance + tau2_);
     case MAWeightMode::RandomEffects:
-        return omegaWeight == 0.0 ? KXMV::Missing() : 1.0 / (1.0 / omegaWeight + tau2_);
+        return 1.0 / (variance + tau2_);
     case MAWeightMode::FixedEffect:
         break;
     }
     return omegaWeight;
 }
 
-/// Calls `visit(row, weight)` for the rows whose weight is a finite number.
-template <class VisitRow>
-void MARegFit::ForEachGoodRow(VisitRow visit) const
+void MARegFit::WeighRows()
 {
-    const std::size_t count = design_->Rows().Count();
-    for (std::size_t i = 0; i < count; ++i) {
-        const double weight = Weight(i);
-        if (!KXMV::IsMissing(weight) && std::isfinite(weight))
-            visit(i, weight);
+    const MADesignRows& rows = design_->Rows();
+    weights_.resize(rows.Count());
+    goodRecords_ = 0;
+    for (std::size_t i = 0; i < weights_.size(); ++i) {
+        const double weight = WeightOf(rows.weights[i], rows.variances[i]);
+        const bool isGood = std::isfinite(weight);
+        weights_[i] = isGood ? weight : 0.0;
+        goodRecords_ += isGood ? 1 : 0;
     }
 }
 
 KXStatus MARegFit::Fit()
 {
-    return FitRows(false);
+    WeighRows();
+    FormCrossProducts(weights_, crossProducts_);
+    Solve();
+    ComputeResiduals();
+    return progress_.Step() ? KXStatus() : KXStatus(MAStatusCode::ITERATOR_FAILED);
 }
 
 KXStatus MARegFit::FitWithSquares()
 {
-    return FitRows(true);
+    const KXStatus fitted = Fit();
+    squaredWeights_.resize(weights_.size());
+    std::transform(weights_.begin(), weights_.end(), squaredWeights_.begin(),
+                   [](double weight) { return weight * weight; });
+    FormCrossProducts(squaredWeights_, squaredCrossProducts_);
+    return fitted;
 }
 
-KXStatus MARegFit::FitRows(bool withSquares)
+void MARegFit::FormCrossProducts(const std::vector<double>& weights, KXSymMatrix& products) const
 {
     const MADesignRows& rows = design_->Rows();
-    crossProducts_.Resize(rows.columnCount + 1);
-    if (withSquares)
-        squaredCrossProducts_.Resize(rows.columnCount + 1);
-    goodRecords_ = 0;
-    ForEachGoodRow([&](std::size_t i, double weight) {
-        crossProducts_.UpdateXX(rows.Row(i), weight);
-        if (withSquares)
-            squaredCrossProducts_.UpdateXX(rows.Row(i), weight * weight);
-        ++goodRecords_;
-    });
-    Solve();
-    return progress_.Step() ? KXStatus() : KXStatus(MAStatusCode::ITERATOR_FAILED);
+    products.Resize(rows.columnCount + 1);
+    products.UpdateXX(rows.cells.data(), weights.data(), weights.size());
 }
 
 void MARegFit::Solve()
@@ -118,29 +117,32 @@ void MARegFit::Solve()
 
 double MARegFit::FittedValue(const double* predictors) const
 {
-    double fit = 0.0;
-    for (std::size_t j = 0; j < effective_.size(); ++j)
-        fit += predictors[j] * effective_[j];
-    return fit;
+    return std::inner_product(effective_.begin(), effective_.end(), predictors, 0.0);
 }
 
-double MARegFit::Residual(std::size_t row) const
+void MARegFit::ComputeResiduals()
 {
-    const double* cells = design_->Rows().Row(row);
-    return cells[effective_.size()] - FittedValue(cells);
+    const double* cells = design_->Rows().cells.data();
+    residuals_.resize(weights_.size());
+    WithUnrolledSize(effective_.size(), [&](auto size) {
+        for (std::size_t i = 0; i < residuals_.size(); ++i) {
+            const double* row = cells + i * (size + 1);
+            double fitted = 0.0;
+            for (std::size_t j = 0; j < size; ++j)
+                fitted += row[j] * effective_[j];
+            residuals_[i] = row[size] - fitted;
+        }
+    });
 }
 
-double MARegFit::Leverage(std::size_t row) const
+const std::vector<double>& MARegFit::ComputeLeverages()
 {
-    return Weight(row) * inverse_.QuadraticForm(design_->Rows().Row(row));
-}
-
-std::vector<double> MARegFit::Leverages() const
-{
-    std::vector<double> leverages;
-    leverages.reserve(static_cast<std::size_t>(goodRecords_));
-    ForEachGoodRow([&](std::size_t i, double) { leverages.push_back(Leverage(i)); });
-    return leverages;
+    const MADesignRows& rows = design_->Rows();
+    leverages_.resize(weights_.size());
+    inverse_.QuadraticForms(rows.cells.data(), rows.columnCount + 1, leverages_.size(), leverages_.data());
+    for (std::size_t i = 0; i < leverages_.size(); ++i)
+        leverages_[i] *= weights_[i];
+    return leverages_;
 }
 
 /// sum(w_i² x_i'N x_i) = tr(N X'W²X) with N = M X'W²X M: no row is visited again.
@@ -153,17 +155,17 @@ double MARegFit::SquaredHatTrace() const
 double MARegFit::WeightedResidualSum() const
 {
     double sum = 0.0;
-    ForEachGoodRow([&](std::size_t i, double weight) {
-        const double residual = Residual(i);
-        sum += weight * residual * residual;
-    });
+    for (std::size_t i = 0; i < weights_.size(); ++i)
+        sum += weights_[i] * residuals_[i] * residuals_[i];
     return sum;
 }
 
-double MARegFit::WeightedResidualTrace() const
+double MARegFit::WeightedResidualTrace()
 {
+    const std::vector<double>& leverages = ComputeLeverages();
     double trace = 0.0;
-    ForEachGoodRow([&](std::size_t i, double weight) { trace += weight * (1.0 - Leverage(i)); });
+    for (std::size_t i = 0; i < weights_.size(); ++i)
+        trace += weights_[i] * (1.0 - leverages[i]);
     return trace;
 }
 
@@ -276,7 +278,7 @@ MAPrediction MARegFit::Predict(const MADesignRow& row, bool hasStudy, bool useSt
     if (row.isBad || row.predictors.size() != effective_.size())
         return prediction;
     const double spread = inverse_.QuadraticForm(row.predictors);
-    const double weight = WeightOf(row.omegaWeight);
+    const double weight = WeightOf(row.omegaWeight, 1.0 / row.omegaWeight);
     prediction.fit = FittedValue(row.predictors.data());
     if (hasStudy) {
         prediction.residual = row.dependent - prediction.fit;

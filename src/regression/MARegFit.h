@@ -15,11 +15,10 @@ namespace MA_NAMESPACE {
 /// Weight of a row in a fit, from its omega weight w and the fit's tau² t.
 enum class MAWeightMode
 {
-    Unweighted = 0,   ///< 1
-    FixedEffect = 1,  ///< w
-    OmegaByTau2 = 2,  ///< 1 / (w t)
-    ScaledRandom = 3, ///< t / (1/w + t)
-    RandomEffects = 4 ///< 1 / (1/w + t)
+    Unweighted,   ///< 1
+    FixedEffect,  ///< w
+    ScaledRandom, ///< t / (1/w + t)
+    RandomEffects ///< 1 / (1/w + t)
 };
 
 /// Overall test of a model's parameters other than the intercept.
@@ -64,20 +63,19 @@ public:
     /// As `Fit`, and also forms X'W²X, for `SquaredHatTrace`.
     KXStatus FitWithSquares();
 
-    double Weight(std::size_t row) const { return WeightOf(design_->Rows().weights[row]); }
-    double WeightOf(double omegaWeight) const;
-    double FittedValue(const double* predictors) const;
-    double Residual(std::size_t row) const;
-    double Leverage(std::size_t row) const;
-    std::vector<double> Leverages() const;
+    /// One entry per row; a weight that is not a finite number is 0, which leaves the row out of the fit.
+    const std::vector<double>& Weights() const { return weights_; }
+    const std::vector<double>& Residuals() const { return residuals_; }
+    /// Computed by each call, in O(k p²); valid until the next.
+    const std::vector<double>& ComputeLeverages();
 
     /// sum(w_i² g_i) with g_i = x_i'M (X'W²X) M x_i, the diagonal of the squared hat quantity; after
     /// `FitWithSquares`.
     double SquaredHatTrace() const;
-    /// sum(w_i r_i²) over the good records.
+    /// sum(w_i r_i²).
     double WeightedResidualSum() const;
     /// sum(w_i (1 - h_i)).
-    double WeightedResidualTrace() const;
+    double WeightedResidualTrace();
     /// Weighted residual variance q of Knapp and Hartung (2003), Statistics in Medicine 22, 2693-2710;
     /// missing without residual degrees of freedom.
     double KnappHartungFactor() const;
@@ -111,10 +109,12 @@ public:
     double ResidualQSignificance() const { return residualQSignificance_; }
 
 private:
-    template <class VisitRow>
-    void ForEachGoodRow(VisitRow visit) const;
-    KXStatus FitRows(bool withSquares);
+    double WeightOf(double omegaWeight, double variance) const;
+    void WeighRows();
+    void FormCrossProducts(const std::vector<double>& weights, KXSymMatrix& products) const;
     void Solve();
+    void ComputeResiduals();
+    double FittedValue(const double* predictors) const;
     double ResidualStdError(double leverage, double weight) const;
     double CriticalValue(bool useStudentT) const;
 
@@ -127,6 +127,10 @@ private:
     KXSymMatrix squaredCrossProducts_; ///< with squared weights, the dependent included
     KXSymMatrix inverse_;              ///< M
     KXBitSet nonRedundant_;
+    std::vector<double> weights_;
+    std::vector<double> squaredWeights_;
+    std::vector<double> residuals_;
+    std::vector<double> leverages_;
     std::vector<double> coefficients_; ///< missing for a redundant column
     std::vector<double> effective_;    ///< as above, 0 for a redundant column
     int goodRecords_ = 0;
