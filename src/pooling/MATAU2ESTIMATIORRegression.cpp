@@ -14,7 +14,8 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// The iterative estimators leave out rows whose weight or variance is not above it.
+/// The iterative estimators leave out rows whose weight or variance is not above it: such a row tells
+/// nothing, or would decide alone, with squared weights beyond 1e24.
 constexpr double minimumWeight = 1e-12;
 
 } // namespace

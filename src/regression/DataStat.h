@@ -16,8 +16,8 @@ public:
     /// `variableIndex` -1: the variable is not used, and the statistics stay at their initial values.
     explicit DataStat(int variableIndex = -1) : variableIndex_(variableIndex) {}
 
-    /// Takes up a value with its weight; a missing value is passed over. Inline, for it is called for each variable
-    /// of each record.
+    /// Takes up a value with its weight; a missing value is passed over. Inline, for it is called for each
+    /// variable of each record.
     void Update(double value, double weight);
 
     int GetVariableIndex() const { return variableIndex_; }

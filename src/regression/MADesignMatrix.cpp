@@ -3,7 +3,7 @@
 #include "meta_analysis/platform/common/KXDisplay_940.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/regression/FactorLevel.h"
-#include "meta_analysis/regression/MADataPass.h"
+#include "meta_analysis/regression/MAProgress.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -115,13 +115,13 @@ KXStatus MADesignMatrix::Update(const Record& record)
 
 KXStatus MADesignMatrix::ReadFirstPass(MultiPassRecordIter& records)
 {
-    MADataPass pass(*settings_, settings_->GetRecProgressListener());
+    MAProgress progress(*settings_, settings_->GetRecProgressListener());
     KXStatus result;
     while (const Record* record = records.Next()) {
         const KXStatus usable = Update(*record);
         if (!usable.IsOK())
             result = usable;
-        if (!pass.Step())
+        if (!progress.Step())
             return KXStatus(MAStatusCode::ITERATOR_FAILED);
     }
     if (records.GetError() != 0)
@@ -194,7 +194,7 @@ KXStatus MADesignMatrix::CacheRows()
 
 KXStatus MADesignMatrix::ReadRows()
 {
-    MADataPass pass(*settings_, settings_->GetRecProgressListener());
+    MAProgress progress(*settings_, settings_->GetRecProgressListener());
     MADesignRow row;
     KXStatus result;
     for (bool atEnd = false;;) {
@@ -205,7 +205,7 @@ KXStatus MADesignMatrix::ReadRows()
             CacheRow(row);
         else
             result = unusableRecord;
-        if (!pass.Step())
+        if (!progress.Step())
             return KXStatus(MAStatusCode::ITERATOR_FAILED);
     }
     return records_->GetError() != 0 ? KXStatus(MAStatusCode::ITERATOR_FAILED) : result;

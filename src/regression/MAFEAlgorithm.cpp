@@ -1,10 +1,10 @@
 #include "meta_analysis/regression/MAFEAlgorithm.h"
 
+#include "meta_analysis/pooling/MAHeterogeneity.h"
 #include "meta_analysis/regression/MADesignMatrix.h"
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/settings/Guarded.h"
 
-#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -12,7 +12,8 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// A residual Q below it counts as no heterogeneity.
+/// A residual Q below it, which is of the order of its degrees of freedom otherwise, counts as no
+/// heterogeneity: the fit is exact.
 constexpr double negligibleQ = 1e-12;
 
 } // namespace
@@ -62,8 +63,9 @@ void MAFEAlgorithm::MeasureHeterogeneity()
     residualH2_ = 1.0;
     residualI2_ = 0.0;
     if (residualDf_ != 0 && std::abs(residualQ_) >= negligibleQ) {
-        residualH2_ = residualQ_ / residualDf_;
-        residualI2_ = std::max(0.0, (residualH2_ - 1.0) / residualH2_);
+        const MAHeterogeneityMeasures measures = HeterogeneityFromQ(residualQ_, residualDf_);
+        residualH2_ = measures.h2;
+        residualI2_ = measures.i2;
     }
 }
 

@@ -1,5 +1,7 @@
 #include "meta_analysis/regression/MAREAlgorithm.h"
 
+#include "meta_analysis/pooling/MAHeterogeneity.h"
+#include "meta_analysis/pooling/MAKnappHartung.h"
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
 #include "meta_analysis/regression/MADesignMatrix.h"
 #include "meta_analysis/regression/MARegFit.h"
@@ -16,7 +18,8 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// Below it a variance, or a sum that divides, counts as zero.
+/// Below it a variance, or a sum that divides, counts as zero: of effects of order 1, squared rounding errors leave
+/// less.
 constexpr double negligible = 1e-12;
 
 /// Weights of the fit from which Hunter and Schmidt's residuals are taken. Their published estimator has
@@ -73,12 +76,15 @@ KXStatus MAREAlgorithm::FitModel()
     return status_;
 }
 
+/// Without residual degrees of freedom there is no factor, and the truncated one is 1.
 void MAREAlgorithm::ScaleByKnappHartung()
 {
-    double factor = fit_->KnappHartungFactor();
-    if (settings_->IsTruncAjustValue())
-        factor = KXMV::IsMissing(factor) ? 1.0 : std::max(factor, 1.0);
-    fit_->SetScale(factor);
+    const bool truncated = settings_->IsTruncAjustValue();
+    const int df = fit_->ResidualDf();
+    if (df == 0)
+        fit_->SetScale(truncated ? 1.0 : KXMV::Missing());
+    else
+        fit_->SetScale(KnappHartungFactor(fit_->WeightedResidualSum(), df, truncated));
 }
 
 /// tau² from the residuals of a fit whose weights depend on the estimator.
@@ -203,9 +209,9 @@ KXStatus MAREAlgorithm::MeasureHeterogeneity()
 
     const double trace = fixed.WeightedResidualTrace();
     const double typicalVariance = std::abs(trace) >= negligible ? residualDf_ / trace : 0.0;
-    const double total = tau2_ + typicalVariance;
-    residualI2_ = std::abs(total) < negligible ? 0.0 : tau2_ / total;
-    residualH2_ = std::abs(typicalVariance) < negligible ? 0.0 : total / typicalVariance;
+    const MAHeterogeneityMeasures measures = HeterogeneityFromTau2(tau2_, typicalVariance);
+    residualI2_ = std::abs(tau2_ + typicalVariance) < negligible ? 0.0 : measures.i2;
+    residualH2_ = std::abs(typicalVariance) < negligible ? 0.0 : measures.h2;
     return status_;
 }
 

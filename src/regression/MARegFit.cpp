@@ -1,8 +1,10 @@
 #include "meta_analysis/regression/MARegFit.h"
 
+#include "meta_analysis/effectsize/MANormalTest.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/platform/common/KXMathFun.h"
 #include "meta_analysis/platform/common/UnrolledSize.h"
+#include "meta_analysis/pooling/MAStudentTest.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -13,7 +15,9 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// Below it a dispersion counts as zero: the fit is exact.
+/// Below it a dispersion counts as zero: the fit is exact. Weighted residuals are of order 1 when a model
+/// fits, and the square of the rounding error of one is some 1e-32; this leaves room for variances far
+/// from 1.
 constexpr double negligibleDispersion = 1e-12;
 
 /// The blocks of p x p elements, without the dependent's row.
@@ -169,11 +173,6 @@ double MARegFit::WeightedResidualTrace()
     return trace;
 }
 
-double MARegFit::KnappHartungFactor() const
-{
-    return ResidualDf() == 0 ? KXMV::Missing() : WeightedResidualSum() / ResidualDf();
-}
-
 KXStatus MARegFit::ComputeDispersion()
 {
     dispersion_ = 1.0;
@@ -190,10 +189,10 @@ KXStatus MARegFit::ComputeDispersion()
 /// 0 without residual degrees of freedom for Student's t, so that intervals shrink to a point.
 double MARegFit::CriticalValue(bool useStudentT) const
 {
-    const double probability = 1.0 - (1.0 - design_->GetSettings().GetConfidenceLevel()) * 0.5;
+    const double alpha = 1.0 - design_->GetSettings().GetConfidenceLevel();
     if (!useStudentT)
-        return KXDistFun::IdfNorm(probability, 0.0, 1.0);
-    return ResidualDf() == 0 ? 0.0 : KXDistFun::IdfT(probability, ResidualDf(), 1e-20, 1e-12);
+        return TwoSidedNormalQuantile(alpha);
+    return ResidualDf() == 0 ? 0.0 : TwoSidedTQuantile(alpha, ResidualDf());
 }
 
 void MARegFit::ComputeCoefficientTests(bool useStudentT)
@@ -214,11 +213,10 @@ void MARegFit::ComputeCoefficientTests(bool useStudentT)
         if (!(stdErrors_[j] > 0.0)) // an exact fit under Knapp and Hartung
             continue;
         statistics_[j] = coefficients_[j] / stdErrors_[j];
-        const double magnitude = std::abs(statistics_[j]);
         if (!useStudentT)
-            significances_[j] = 2.0 * (1.0 - KXDistFun::CdfStdNorm(magnitude));
+            significances_[j] = TwoSidedNormalSignificance(statistics_[j]);
         else if (ResidualDf() != 0)
-            significances_[j] = 2.0 * (1.0 - KXDistFun::CdfT(magnitude, ResidualDf()));
+            significances_[j] = TwoSidedTSignificance(statistics_[j], ResidualDf());
     }
 }
 

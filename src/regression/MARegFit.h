@@ -4,8 +4,8 @@
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/platform/common/KXSymMatrix.h"
-#include "meta_analysis/regression/MADataPass.h"
 #include "meta_analysis/regression/MADesignMatrix.h"
+#include "meta_analysis/regression/MAProgress.h"
 
 #include <cstddef>
 #include <vector>
@@ -76,9 +76,6 @@ public:
     double WeightedResidualSum() const;
     /// sum(w_i (1 - h_i)).
     double WeightedResidualTrace();
-    /// Weighted residual variance q of Knapp and Hartung (2003), Statistics in Medicine 22, 2693-2710;
-    /// missing without residual degrees of freedom.
-    double KnappHartungFactor() const;
 
     /// Dispersion: weighted residual variance, which becomes the scale of the covariance. Warnings 460047
     /// as many good records as parameters, 460048 near zero (1 in both cases).
@@ -121,7 +118,7 @@ private:
     const MADesignMatrix* design_;
     MAWeightMode mode_;
     double tau2_;
-    MADataPass progress_;
+    MAProgress progress_;
     std::vector<std::size_t> columns_;
     KXSymMatrix crossProducts_;
     KXSymMatrix squaredCrossProducts_; ///< with squared weights, the dependent included
