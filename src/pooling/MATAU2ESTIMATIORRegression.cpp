@@ -202,30 +202,40 @@ MATAU2ESTIMATIOR::StepSums MATAU2ESTIMATIOR::RegressionSums(MARegFit& fit, bool 
         status_ = fitted;
         return sums;
     }
-    for (std::size_t i = 0; i < fit.Weights().size(); ++i) {
-        if (HasWeight(i))
-            sums.Add(fit.Weights()[i], fit.Residuals()[i]);
-    }
+    fit.VisitRows(withHatMatrix, [&](const MAFittedRows& rows) {
+        AddResiduals(rows, sums);
+        if (withHatMatrix)
+            AddLeverages(rows, sums);
+    });
     if (withHatMatrix)
-        AddHatTraces(fit, sums);
+        sums.tracePP += fit.SquaredHatTrace();
     return sums;
 }
 
-/// In a loop of its own: all sums together are more than the registers hold.
-void MATAU2ESTIMATIOR::AddHatTraces(MARegFit& fit, StepSums& sums) const
+/// On a copy, which registers can hold; all sums together are more than they hold.
+void MATAU2ESTIMATIOR::AddResiduals(const MAFittedRows& rows, StepSums& sums) const
 {
-    const std::vector<double>& leverages = fit.ComputeLeverages();
-    double traceP = 0.0;
-    double tracePP = 0.0;
-    for (std::size_t i = 0; i < leverages.size(); ++i) {
-        if (!HasWeight(i))
+    StepSums added = sums;
+    for (std::size_t i = 0; i < rows.count; ++i) {
+        if (HasWeight(rows.first + i))
+            added.Add(rows.weights[i], rows.residuals[i]);
+    }
+    sums = added;
+}
+
+void MATAU2ESTIMATIOR::AddLeverages(const MAFittedRows& rows, StepSums& sums) const
+{
+    double traceP = sums.traceP;
+    double tracePP = sums.tracePP;
+    for (std::size_t i = 0; i < rows.count; ++i) {
+        if (!HasWeight(rows.first + i))
             continue;
-        const double weight = fit.Weights()[i];
-        traceP += (1.0 - leverages[i]) * weight;
-        tracePP += (1.0 - 2.0 * leverages[i]) * weight * weight;
+        const double weight = rows.weights[i];
+        traceP += (1.0 - rows.leverages[i]) * weight;
+        tracePP += (1.0 - 2.0 * rows.leverages[i]) * weight * weight;
     }
     sums.traceP = traceP;
-    sums.tracePP = tracePP + fit.SquaredHatTrace();
+    sums.tracePP = tracePP;
 }
 
 bool MATAU2ESTIMATIOR::HasWeight(std::size_t row) const

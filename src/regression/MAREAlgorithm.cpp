@@ -134,13 +134,14 @@ KXStatus MAREAlgorithm::computeTauFromSJ()
     return EstimateTau2(fit, MAConst::TAU2_SJ, &fit.Weights());
 }
 
-KXStatus MAREAlgorithm::EstimateTau2(MARegFit& fit, int type, const std::vector<double>* variances)
+KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::vector<double>* variances)
 {
+    const std::vector<double> leverages = fit.Leverages();
     MATAU2ESTIMATIOR estimator;
     estimator.SetDesignMatrix(design_.get());
     estimator.SetRegCoef(&fit.Coefficients());
     estimator.SetNonRedundantParamSize(fit.NonRedundantCount());
-    estimator.SetDiagH(&fit.ComputeLeverages());
+    estimator.SetDiagH(&leverages);
     if (variances != nullptr)
         estimator.SetVariances(variances);
     SetIterationLimits(estimator);

@@ -36,7 +36,7 @@ private:
     KXStatus computeTauFromSJ();
     KXStatus computeInitTau2(double& tau2) const;
     KXStatus computeTau2C(double& tau2) const;
-    KXStatus EstimateTau2(MARegFit& fit, int type, const std::vector<double>* variances);
+    KXStatus EstimateTau2(const MARegFit& fit, int type, const std::vector<double>* variances);
     void SetIterationLimits(MATAU2ESTIMATIOR& estimator) const;
     void ScaleByKnappHartung();
     KXStatus MeasureHeterogeneity();

@@ -68,12 +68,38 @@ double MARegFit::WeightOf(double omegaWeight, double variance) const
     return omegaWeight;
 }
 
-void MARegFit::WeighRows()
+KXStatus MARegFit::Fit()
+{
+    return FitRows(false);
+}
+
+KXStatus MARegFit::FitWithSquares()
+{
+    return FitRows(true);
+}
+
+KXStatus MARegFit::FitRows(bool withSquares)
 {
     const MADesignRows& rows = design_->Rows();
+    crossProducts_.Resize(rows.columnCount + 1);
+    squaredCrossProducts_.Resize(withSquares ? rows.columnCount + 1 : 0);
     weights_.resize(rows.Count());
     goodRecords_ = 0;
-    for (std::size_t i = 0; i < weights_.size(); ++i) {
+    for (std::size_t first = 0; first < weights_.size(); first += stretch) {
+        const std::size_t count = std::min(stretch, weights_.size() - first);
+        WeighRows(first, count);
+        crossProducts_.UpdateXX(rows.Row(first), weights_.data() + first, count);
+        if (withSquares)
+            AddSquares(first, count);
+    }
+    Solve();
+    return progress_.Step() ? KXStatus() : KXStatus(MAStatusCode::ITERATOR_FAILED);
+}
+
+void MARegFit::WeighRows(std::size_t first, std::size_t count)
+{
+    const MADesignRows& rows = design_->Rows();
+    for (std::size_t i = first; i < first + count; ++i) {
         const double weight = WeightOf(rows.weights[i], rows.variances[i]);
         const bool isGood = std::isfinite(weight);
         weights_[i] = isGood ? weight : 0.0;
@@ -81,30 +107,12 @@ void MARegFit::WeighRows()
     }
 }
 
-KXStatus MARegFit::Fit()
+void MARegFit::AddSquares(std::size_t first, std::size_t count)
 {
-    WeighRows();
-    FormCrossProducts(weights_, crossProducts_);
-    Solve();
-    ComputeResiduals();
-    return progress_.Step() ? KXStatus() : KXStatus(MAStatusCode::ITERATOR_FAILED);
-}
-
-KXStatus MARegFit::FitWithSquares()
-{
-    const KXStatus fitted = Fit();
-    squaredWeights_.resize(weights_.size());
-    std::transform(weights_.begin(), weights_.end(), squaredWeights_.begin(),
-                   [](double weight) { return weight * weight; });
-    FormCrossProducts(squaredWeights_, squaredCrossProducts_);
-    return fitted;
-}
-
-void MARegFit::FormCrossProducts(const std::vector<double>& weights, KXSymMatrix& products) const
-{
-    const MADesignRows& rows = design_->Rows();
-    products.Resize(rows.columnCount + 1);
-    products.UpdateXX(rows.cells.data(), weights.data(), weights.size());
+    std::array<double, stretch> squares;
+    for (std::size_t i = 0; i < count; ++i)
+        squares[i] = weights_[first + i] * weights_[first + i];
+    squaredCrossProducts_.UpdateXX(design_->Rows().Row(first), squares.data(), count);
 }
 
 void MARegFit::Solve()
@@ -124,29 +132,34 @@ double MARegFit::FittedValue(const double* predictors) const
     return std::inner_product(effective_.begin(), effective_.end(), predictors, 0.0);
 }
 
-void MARegFit::ComputeResiduals()
+void MARegFit::ComputeResiduals(std::size_t first, std::size_t count, double* residuals) const
 {
-    const double* cells = design_->Rows().cells.data();
-    residuals_.resize(weights_.size());
-    WithUnrolledSize(effective_.size(), [&](auto size) {
-        for (std::size_t i = 0; i < residuals_.size(); ++i) {
-            const double* row = cells + i * (size + 1);
+    const double* rows = design_->Rows().Row(first);
+    const double* coefficients = effective_.data();
+    WithUnrolledSize(effective_.size(), [=](auto size) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const double* row = rows + i * (size + 1);
             double fitted = 0.0;
             for (std::size_t j = 0; j < size; ++j)
-                fitted += row[j] * effective_[j];
-            residuals_[i] = row[size] - fitted;
+                fitted += row[j] * coefficients[j];
+            residuals[i] = row[size] - fitted;
         }
     });
 }
 
-const std::vector<double>& MARegFit::ComputeLeverages()
+void MARegFit::ComputeLeverages(std::size_t first, std::size_t count, double* leverages) const
 {
     const MADesignRows& rows = design_->Rows();
-    leverages_.resize(weights_.size());
-    inverse_.QuadraticForms(rows.cells.data(), rows.columnCount + 1, leverages_.size(), leverages_.data());
-    for (std::size_t i = 0; i < leverages_.size(); ++i)
-        leverages_[i] *= weights_[i];
-    return leverages_;
+    inverse_.QuadraticForms(rows.Row(first), rows.columnCount + 1, count, leverages);
+    for (std::size_t i = 0; i < count; ++i)
+        leverages[i] *= weights_[first + i];
+}
+
+std::vector<double> MARegFit::Leverages() const
+{
+    std::vector<double> leverages(weights_.size());
+    ComputeLeverages(0, leverages.size(), leverages.data());
+    return leverages;
 }
 
 /// sum(w_i² x_i'N x_i) = tr(N X'W²X) with N = M X'W²X M: no row is visited again.
@@ -159,17 +172,20 @@ double MARegFit::SquaredHatTrace() const
 double MARegFit::WeightedResidualSum() const
 {
     double sum = 0.0;
-    for (std::size_t i = 0; i < weights_.size(); ++i)
-        sum += weights_[i] * residuals_[i] * residuals_[i];
+    VisitRows(false, [&sum](const MAFittedRows& rows) {
+        for (std::size_t i = 0; i < rows.count; ++i)
+            sum += rows.weights[i] * rows.residuals[i] * rows.residuals[i];
+    });
     return sum;
 }
 
-double MARegFit::WeightedResidualTrace()
+double MARegFit::WeightedResidualTrace() const
 {
-    const std::vector<double>& leverages = ComputeLeverages();
     double trace = 0.0;
-    for (std::size_t i = 0; i < weights_.size(); ++i)
-        trace += weights_[i] * (1.0 - leverages[i]);
+    VisitRows(true, [&trace](const MAFittedRows& rows) {
+        for (std::size_t i = 0; i < rows.count; ++i)
+            trace += rows.weights[i] * (1.0 - rows.leverages[i]);
+    });
     return trace;
 }
 

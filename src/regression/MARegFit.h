@@ -7,6 +7,8 @@
 #include "meta_analysis/regression/MADesignMatrix.h"
 #include "meta_analysis/regression/MAProgress.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <vector>
 
@@ -42,6 +44,16 @@ struct MAPrediction
     double leverage = KXMV::Missing();
 };
 
+/// A stretch of a fit's rows, one entry each.
+struct MAFittedRows
+{
+    std::size_t first; ///< number of its first row
+    std::size_t count;
+    const double* weights;
+    const double* residuals;
+    const double* leverages; ///< null unless asked for
+};
+
 /// Weighted least squares over the rows of a design matrix: what both meta-regression engines and the
 /// between-study variance estimators fit.
 ///
@@ -65,9 +77,12 @@ public:
 
     /// One entry per row; a weight that is not a finite number is 0, which leaves the row out of the fit.
     const std::vector<double>& Weights() const { return weights_; }
-    const std::vector<double>& Residuals() const { return residuals_; }
-    /// Computed by each call, in O(k p²); valid until the next.
-    const std::vector<double>& ComputeLeverages();
+    std::vector<double> Leverages() const;
+
+    /// Calls `visit(rows)` for stretch after stretch, in the order of the rows, of a length at which the
+    /// fastest cache holds them. Leverages cost O(p²) a row.
+    template <class Visit>
+    void VisitRows(bool withLeverages, Visit visit) const;
 
     /// sum(w_i² g_i) with g_i = x_i'M (X'W²X) M x_i, the diagonal of the squared hat quantity; after
     /// `FitWithSquares`.
@@ -75,7 +90,7 @@ public:
     /// sum(w_i r_i²).
     double WeightedResidualSum() const;
     /// sum(w_i (1 - h_i)).
-    double WeightedResidualTrace();
+    double WeightedResidualTrace() const;
 
     /// Dispersion: weighted residual variance, which becomes the scale of the covariance. Warnings 460047
     /// as many good records as parameters, 460048 near zero (1 in both cases).
@@ -106,11 +121,15 @@ public:
     double ResidualQSignificance() const { return residualQSignificance_; }
 
 private:
+    static constexpr std::size_t stretch = 256;
+
     double WeightOf(double omegaWeight, double variance) const;
-    void WeighRows();
-    void FormCrossProducts(const std::vector<double>& weights, KXSymMatrix& products) const;
+    KXStatus FitRows(bool withSquares);
+    void WeighRows(std::size_t first, std::size_t count);
+    void AddSquares(std::size_t first, std::size_t count);
     void Solve();
-    void ComputeResiduals();
+    void ComputeResiduals(std::size_t first, std::size_t count, double* residuals) const;
+    void ComputeLeverages(std::size_t first, std::size_t count, double* leverages) const;
     double FittedValue(const double* predictors) const;
     double ResidualStdError(double leverage, double weight) const;
     double CriticalValue(bool useStudentT) const;
@@ -125,9 +144,6 @@ private:
     KXSymMatrix inverse_;              ///< M
     KXBitSet nonRedundant_;
     std::vector<double> weights_;
-    std::vector<double> squaredWeights_;
-    std::vector<double> residuals_;
-    std::vector<double> leverages_;
     std::vector<double> coefficients_; ///< missing for a redundant column
     std::vector<double> effective_;    ///< as above, 0 for a redundant column
     int goodRecords_ = 0;
@@ -141,5 +157,20 @@ private:
     std::vector<double> lowerLimits_;
     std::vector<double> upperLimits_;
 };
+
+template <class Visit>
+void MARegFit::VisitRows(bool withLeverages, Visit visit) const
+{
+    std::array<double, stretch> residuals;
+    std::array<double, stretch> leverages;
+    for (std::size_t first = 0; first < weights_.size(); first += stretch) {
+        const std::size_t count = std::min(stretch, weights_.size() - first);
+        ComputeResiduals(first, count, residuals.data());
+        if (withLeverages)
+            ComputeLeverages(first, count, leverages.data());
+        visit(MAFittedRows{first, count, weights_.data() + first, residuals.data(),
+                           withLeverages ? leverages.data() : nullptr});
+    }
+}
 
 } // namespace MA_NAMESPACE
