@@ -30,7 +30,8 @@ KXStatus MAFEAlgorithm::BuildFrom(MultiPassRecordIter& records)
 {
     if (!Passed(PrepareRows(records)) || !Passed(FitModel()))
         return status_;
-    modelBuilt_ = true;
+    // Scores use the settings' distribution; the Knapp-Hartung flag plays no part in them.
+    FinishBuild(settings_->GetTestDistType() == MAConst::TEST_STUDENT_T);
     return status_;
 }
 
@@ -69,13 +70,11 @@ void MAFEAlgorithm::MeasureHeterogeneity()
     }
 }
 
-/// Scores use the settings' distribution; the Knapp-Hartung flag plays no part here.
 KXStatus MAFEAlgorithm::Score(const Record& record, double& fit, double& stdError, double& lower,
                               double& upper, double& residual, double& residualStdError,
                               double& leverage) const
 {
-    return ScoreRecord(record, settings_->GetTestDistType() == MAConst::TEST_STUDENT_T, fit, stdError, lower,
-                       upper, residual, residualStdError, leverage);
+    return ScoreRecord(record, fit, stdError, lower, upper, residual, residualStdError, leverage);
 }
 
 } // namespace MA_NAMESPACE

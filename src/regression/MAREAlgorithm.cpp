@@ -18,8 +18,8 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// Below it a variance, or a sum that divides, counts as zero: of effects of order 1, squared rounding errors leave
-/// less.
+/// Below it a variance, or a sum that divides, counts as zero: of effects of order 1, squared rounding errors
+/// leave less.
 constexpr double negligible = 1e-12;
 
 /// Weights of the fit from which Hunter and Schmidt's residuals are taken. Their published estimator has
@@ -55,7 +55,7 @@ KXStatus MAREAlgorithm::BuildModel(MultiPassRecordIter& records)
 KXStatus MAREAlgorithm::BuildFrom(MultiPassRecordIter& records)
 {
     if (Passed(PrepareRows(records)) && Passed(computeTauSquare()) && Passed(FitModel()))
-        modelBuilt_ = true;
+        FinishBuild(UsesStudentT());
     return status_;
 }
 
@@ -229,8 +229,7 @@ KXStatus MAREAlgorithm::Score(const Record& record, double& fit, double& stdErro
                               double& upper, double& residual, double& residualStdError,
                               double& leverage) const
 {
-    return ScoreRecord(record, UsesStudentT(), fit, stdError, lower, upper, residual, residualStdError,
-                       leverage);
+    return ScoreRecord(record, fit, stdError, lower, upper, residual, residualStdError, leverage);
 }
 
 } // namespace MA_NAMESPACE

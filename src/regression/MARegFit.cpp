@@ -286,7 +286,7 @@ double MARegFit::ResidualStdError(double leverage, double weight) const
 
 /// The leverage belongs to the unscaled fit, so that the leverages sum to the number of parameters whatever
 /// the scale. Without a scale there is no standard error, but still a fit.
-MAPrediction MARegFit::Predict(const MADesignRow& row, bool hasStudy, bool useStudentT) const
+MAPrediction MARegFit::Predict(const MADesignRow& row, bool hasStudy, double criticalValue) const
 {
     MAPrediction prediction;
     if (row.isBad || row.predictors.size() != effective_.size())
@@ -301,7 +301,7 @@ MAPrediction MARegFit::Predict(const MADesignRow& row, bool hasStudy, bool useSt
     if (KXMV::IsMissing(scale_))
         return prediction;
     prediction.stdError = std::sqrt(scale_ * spread);
-    const double halfWidth = CriticalValue(useStudentT) * prediction.stdError;
+    const double halfWidth = criticalValue * prediction.stdError;
     prediction.ciLower = prediction.fit - halfWidth;
     prediction.ciUpper = prediction.fit + halfWidth;
     if (hasStudy)

@@ -103,7 +103,9 @@ public:
     /// Residual heterogeneity Q and its significance. Warning 460049 without degrees of freedom.
     KXStatus ComputeResidualHeterogeneity();
     /// Residual, its standard error and leverage only for a row with a study.
-    MAPrediction Predict(const MADesignRow& row, bool hasStudy, bool useStudentT) const;
+    MAPrediction Predict(const MADesignRow& row, bool hasStudy, double criticalValue) const;
+    /// Half the width of an interval, in standard errors.
+    double CriticalValue(bool useStudentT) const;
 
     const std::vector<double>& Coefficients() const { return coefficients_; }
     const std::vector<double>& StdErrors() const { return stdErrors_; }
@@ -132,7 +134,6 @@ private:
     void ComputeLeverages(std::size_t first, std::size_t count, double* leverages) const;
     double FittedValue(const double* predictors) const;
     double ResidualStdError(double leverage, double weight) const;
-    double CriticalValue(bool useStudentT) const;
 
     const MADesignMatrix* design_;
     MAWeightMode mode_;
