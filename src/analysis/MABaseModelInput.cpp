@@ -64,6 +64,7 @@ KXStatus MABaseModel::ReviewComputedStudies(MultiPassRecordIter& records,
                                             const std::vector<int>& contrastIndices)
 {
     const std::size_t computedCount = studies_.recordNumber.size();
+    studies_.groupValue.reserve(computedCount);
     std::vector<bool> kept(computedCount, false);
     std::size_t keptCount = 0;
     std::size_t next = 0;

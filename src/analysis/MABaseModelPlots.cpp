@@ -151,6 +151,8 @@ void MABaseModel::CalcFunnelPlotCILine(double centre)
     const double step = (Largest(funnel_.y.back()) - start) / (points - 1.0);
     std::vector<double> x;
     std::vector<double> y;
+    x.reserve(static_cast<std::size_t>(std::max(points, 0)));
+    y.reserve(x.capacity());
     for (int k = 0; k < points; ++k) {
         const double t = k * step + start;
         const double stdError = StdErrorAt(type, t);
