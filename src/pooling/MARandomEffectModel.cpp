@@ -145,6 +145,8 @@ void MARandomEffectModel::TestMean()
     } else {
         return;
     }
+    if (stdError == 0.0) // equal effects under Knapp and Hartung: an interval of no width, and no test
+        statistic_ = significance_ = KXMV::Missing();
     ciUpper_ = mean_ + stdError * quantile;
     ciLower_ = mean_ - stdError * quantile;
 }
