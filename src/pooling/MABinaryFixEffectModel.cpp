@@ -203,7 +203,8 @@ KXStatus MABinaryFixEffectModel::ContrastTestBy(Pooling /*method*/)
     }
     const double stdError = std::sqrt(contrastVariance_);
     const double halfWidth = TwoSidedNormalQuantile(alpha_) * stdError;
-    contrastSignificance_ = TwoSidedNormalSignificance(contrast_ / stdError);
+    contrastSignificance_ =
+        contrastVariance_ > 0.0 ? TwoSidedNormalSignificance(contrast_ / stdError) : KXMV::Missing();
     contrastCIUpper_ = contrast_ + halfWidth;
     contrastCILower_ = contrast_ - halfWidth;
     return result;
