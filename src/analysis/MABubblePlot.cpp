@@ -182,7 +182,7 @@ void MABubblePlot::DescribeStudies(const Engine& engine, const std::vector<Study
     }
     for (double& weight : rows_.weight) {
         if (!KXMV::IsMissing(weight))
-            weight *= 100.0 / weightSum;
+            weight = weight / weightSum * 100.0; // a sum of tiny weights has no inverse
     }
 }
 
