@@ -163,7 +163,8 @@ double MARegFit::WeightedResidualSum() const
 double MARegFit::WeightedResidualTrace() const
 {
     double trace = 0.0;
-    ForEachGoodRow([&](std::size_t i, double weight) { trace += weight * (1.0 - Leverage(i)); });
+    // Rounding can carry a leverage beyond 1, and a large weight its excess to a negative trace.
+    ForEachGoodRow([&](std::size_t i, double weight) { trace += weight * std::max(0.0, 1.0 - Leverage(i)); });
     return trace;
 }
 
