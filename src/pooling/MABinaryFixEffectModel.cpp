@@ -118,7 +118,9 @@ KXStatus MABinaryFixEffectModel::ComputeStudyEffects()
 template <class Pooling>
 void MABinaryFixEffectModel::EstimateBy(Pooling pooling)
 {
-    RequireLength(studyCount_, Pooling::onLogScale ? studyLogEffects_ : studyEffects_);
+    RequireLength(studyCount_, studyEffects_);
+    if constexpr (Pooling::onLogScale)
+        RequireLength(studyCount_, studyLogEffects_);
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const MATable table = TableOf(i);
         weights_[i] = Pooling::Weight(table);
