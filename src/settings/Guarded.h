@@ -27,8 +27,8 @@ KXStatus Guarded(KXStatus& stored, Operation&& operation) noexcept
     return stored;
 }
 
-/// For operations that report by their return value that memory ran out, called within a guarded one, and whose
-/// other failures are not its own.
+/// For operations that report by their return value that memory ran out, called within a guarded one, and
+/// whose other failures are not its own.
 inline void RequireMemory(bool sufficed)
 {
     if (!sufficed)
