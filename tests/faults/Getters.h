@@ -7,127 +7,71 @@
 // Calls `visit(name, getter)` for every getter of numbers that an analysis or a regression's output has; the
 // second is a pointer to a member function.
 
-#define VISIT(getter) visit(#getter, &Source::getter)
+template <class Visit>
+void VisitEach(Visit& /*visit*/)
+{}
+
+template <class Visit, class Getter, class... Rest>
+void VisitEach(Visit& visit, const char* name, Getter getter, Rest... rest)
+{
+    visit(name, getter);
+    VisitEach(visit, rest...);
+}
+
+#define NAMED(getter) #getter, &Source::getter
 
 template <class Source, class Visit>
 void VisitStudies(Visit& visit)
 {
-    VISIT(GetNMissing);
-    VISIT(GetNInvalid);
-    VISIT(GetNDropped);
-    VISIT(GetNonMissingStudyID);
-    VISIT(GetEffectSize);
-    VISIT(GetVariance);
-    VISIT(GetStdError);
-    VISIT(GetZVal);
-    VISIT(GetSig);
-    VISIT(GetCILower);
-    VISIT(GetCIUpper);
-    VISIT(GetSampSize);
-    VISIT(GetWeight);
-    VISIT(GetNormalizedWeight);
+    VisitEach(visit, NAMED(GetNMissing), NAMED(GetNInvalid), NAMED(GetNDropped), NAMED(GetNonMissingStudyID),
+              NAMED(GetEffectSize), NAMED(GetVariance), NAMED(GetStdError), NAMED(GetZVal), NAMED(GetSig),
+              NAMED(GetCILower), NAMED(GetCIUpper), NAMED(GetSampSize), NAMED(GetWeight),
+              NAMED(GetNormalizedWeight));
 }
 
 template <class Source, class Visit>
 void VisitModels(Visit& visit)
 {
-    VISIT(GetEstEffectSize);
-    VISIT(GetEstStdError);
-    VISIT(GetEstZVal);
-    VISIT(GetEstSig);
-    VISIT(GetEstCILower);
-    VISIT(GetEstCIUpper);
-    VISIT(GetPILower);
-    VISIT(GetPIUpper);
-    VISIT(GetTau2Var);
-    VISIT(GetHomoTestChisquareQ);
-    VISIT(GetHomoTestdf);
-    VISIT(GetHomoTestSig);
-    VISIT(GetH2Index);
-    VISIT(GetH2CILower);
-    VISIT(GetH2CIUpper);
-    VISIT(GetI2Index);
-    VISIT(GetI2CILower);
-    VISIT(GetI2CIUpper);
-    VISIT(GetUniGroup);
-    VISIT(GetGroupN);
-    VISIT(GetSubGroupStudyID);
-    VISIT(GetGDQbVal);
-    VISIT(GetGDQbDf);
-    VISIT(GetGDQbSig);
+    VisitEach(visit, NAMED(GetEstEffectSize), NAMED(GetEstStdError), NAMED(GetEstZVal), NAMED(GetEstSig),
+              NAMED(GetEstCILower), NAMED(GetEstCIUpper), NAMED(GetPILower), NAMED(GetPIUpper),
+              NAMED(GetTau2Var), NAMED(GetHomoTestChisquareQ), NAMED(GetHomoTestdf), NAMED(GetHomoTestSig),
+              NAMED(GetH2Index), NAMED(GetH2CILower), NAMED(GetH2CIUpper), NAMED(GetI2Index),
+              NAMED(GetI2CILower), NAMED(GetI2CIUpper), NAMED(GetUniGroup), NAMED(GetGroupN),
+              NAMED(GetSubGroupStudyID), NAMED(GetGDQbVal), NAMED(GetGDQbDf), NAMED(GetGDQbSig));
 }
 
 template <class Source, class Visit>
 void VisitFurtherAnalyses(Visit& visit)
 {
-    VISIT(GetContrastEstES);
-    VISIT(GetContrastEstStdError);
-    VISIT(GetContrastEstZVal);
-    VISIT(GetContrastEstSig);
-    VISIT(GetContrastEstCILower);
-    VISIT(GetContrastEstCIUpper);
-    VISIT(GetContrastStatus);
-    VISIT(GetCumulative);
-    VISIT(GetEstCumulative);
-    VISIT(GetCumEstES);
-    VISIT(GetCumEstStdErr);
-    VISIT(GetCumEstZval);
-    VISIT(GetCumEstSig);
-    VISIT(GetCumEstCiLower);
-    VISIT(GetCumEstCiUpper);
-    VISIT(GetTFImputedN0);
-    VISIT(GetTFImputedEffectSize);
-    VISIT(GetTFImputedStdError);
-    VISIT(GetOverallTFEffectSize);
-    VISIT(GetOverallTFStdError);
-    VISIT(GetOverallTFZVal);
-    VISIT(GetOverallTFSig);
-    VISIT(GetOverallTFCILower);
-    VISIT(GetOverallTFCIUpper);
+    VisitEach(visit, NAMED(GetContrastEstES), NAMED(GetContrastEstStdError), NAMED(GetContrastEstZVal),
+              NAMED(GetContrastEstSig), NAMED(GetContrastEstCILower), NAMED(GetContrastEstCIUpper),
+              NAMED(GetContrastStatus), NAMED(GetCumulative), NAMED(GetEstCumulative), NAMED(GetCumEstES),
+              NAMED(GetCumEstStdErr), NAMED(GetCumEstZval), NAMED(GetCumEstSig), NAMED(GetCumEstCiLower),
+              NAMED(GetCumEstCiUpper), NAMED(GetTFImputedN0), NAMED(GetTFImputedEffectSize),
+              NAMED(GetTFImputedStdError), NAMED(GetOverallTFEffectSize), NAMED(GetOverallTFStdError),
+              NAMED(GetOverallTFZVal), NAMED(GetOverallTFSig), NAMED(GetOverallTFCILower),
+              NAMED(GetOverallTFCIUpper));
 }
 
 template <class Source, class Visit>
 void VisitPlots(Visit& visit)
 {
-    VISIT(GetFunnelX);
-    VISIT(GetFunnelY);
-    VISIT(GetFunnelCIX);
-    VISIT(GetFunnelCIY);
-    VISIT(GetFunnelContourX);
-    VISIT(GetFunnelContourY);
-    VISIT(GetGalbPlotX);
-    VISIT(GetGalbPlotY);
-    VISIT(GetGalbRegrSlope);
-    VISIT(GetGalbRegrIntercept);
-    VISIT(GetBubbleFlags);
-    VISIT(GetBubbleCoefs);
-    VISIT(GetBubbleXs);
-    VISIT(GetBubblePredVals);
-    VISIT(GetBubbleW);
-    VISIT(GetBubbleCILower);
-    VISIT(GetBubbleCIUpper);
-    VISIT(GetBubbleCICurveX);
-    VISIT(GetBubbleCICurveLower);
-    VISIT(GetBubbleCICurveUpper);
+    VisitEach(visit, NAMED(GetFunnelX), NAMED(GetFunnelY), NAMED(GetFunnelCIX), NAMED(GetFunnelCIY),
+              NAMED(GetFunnelContourX), NAMED(GetFunnelContourY), NAMED(GetGalbPlotX), NAMED(GetGalbPlotY),
+              NAMED(GetGalbRegrSlope), NAMED(GetGalbRegrIntercept), NAMED(GetBubbleFlags),
+              NAMED(GetBubbleCoefs), NAMED(GetBubbleXs), NAMED(GetBubblePredVals), NAMED(GetBubbleW),
+              NAMED(GetBubbleCILower), NAMED(GetBubbleCIUpper), NAMED(GetBubbleCICurveX),
+              NAMED(GetBubbleCICurveLower), NAMED(GetBubbleCICurveUpper));
 }
 
 template <class Source, class Visit>
 void VisitTests(Visit& visit)
 {
-    VISIT(GetRegBasedTestCoef);
-    VISIT(GetRegBasedTestStdError);
-    VISIT(GetRegBasedTestVal);
-    VISIT(GeRegBasedTestSig);
-    VISIT(GetRegBasedTestDf);
-    VISIT(GetRegBasedTestCILower);
-    VISIT(GetRegBasedTestCIUpper);
-    VISIT(GetIfRegrTestPassFlag);
-    VISIT(GetRegrTestCoefficient);
-    VISIT(GetRegrTestBetaStandErr);
-    VISIT(GetRegrBetaTestVal);
-    VISIT(GetRegrBetaTestPValue);
-    VISIT(GetRegrBetaConfInterValLower);
-    VISIT(GetRegrBetaConfInterValUpper);
+    VisitEach(visit, NAMED(GetRegBasedTestCoef), NAMED(GetRegBasedTestStdError), NAMED(GetRegBasedTestVal),
+              NAMED(GeRegBasedTestSig), NAMED(GetRegBasedTestDf), NAMED(GetRegBasedTestCILower),
+              NAMED(GetRegBasedTestCIUpper), NAMED(GetIfRegrTestPassFlag), NAMED(GetRegrTestCoefficient),
+              NAMED(GetRegrTestBetaStandErr), NAMED(GetRegrBetaTestVal), NAMED(GetRegrBetaTestPValue),
+              NAMED(GetRegrBetaConfInterValLower), NAMED(GetRegrBetaConfInterValUpper));
 }
 
 template <class Visit>
@@ -150,57 +94,25 @@ void VisitGetters(const MA_NAMESPACE::MABinModel* /*of*/, Visit visit)
     VisitFurtherAnalyses<Source>(visit);
     VisitPlots<Source>(visit);
     VisitTests<Source>(visit);
-    VISIT(GetExpEffectSize);
-    VISIT(GetExpVariance);
-    VISIT(GetExpStdError);
-    VISIT(GetExpCILower);
-    VISIT(GetExpCIUpper);
-    VISIT(GetEstExpEffectSize);
-    VISIT(GetEstExpCILower);
-    VISIT(GetEstExpCIUpper);
-    VISIT(GetExpPILower);
-    VISIT(GetExpPIUpper);
-    VISIT(GetContrastExpEstES);
-    VISIT(GetContrastExpEstCILower);
-    VISIT(GetContrastExpEstCIUpper);
-    VISIT(GetCumExpEstES);
-    VISIT(GetCumExpEstCiLower);
-    VISIT(GetCumExpEstCiUpper);
-    VISIT(GetOverallTFExpEffectSize);
-    VISIT(GetOverallTFExpCILower);
-    VISIT(GetOverallTFExpCIUpper);
-    VISIT(GetLabbePlotX);
-    VISIT(GetLabbePlotY);
-    VISIT(GetLabbePlotW);
+    VisitEach(visit, NAMED(GetExpEffectSize), NAMED(GetExpVariance), NAMED(GetExpStdError),
+              NAMED(GetExpCILower), NAMED(GetExpCIUpper), NAMED(GetEstExpEffectSize), NAMED(GetEstExpCILower),
+              NAMED(GetEstExpCIUpper), NAMED(GetExpPILower), NAMED(GetExpPIUpper), NAMED(GetContrastExpEstES),
+              NAMED(GetContrastExpEstCILower), NAMED(GetContrastExpEstCIUpper), NAMED(GetCumExpEstES),
+              NAMED(GetCumExpEstCiLower), NAMED(GetCumExpEstCiUpper), NAMED(GetOverallTFExpEffectSize),
+              NAMED(GetOverallTFExpCILower), NAMED(GetOverallTFExpCIUpper), NAMED(GetLabbePlotX),
+              NAMED(GetLabbePlotY), NAMED(GetLabbePlotW));
 }
 
 template <class Visit>
 void VisitGetters(const MA_NAMESPACE::MARegOutputStats* /*of*/, Visit visit)
 {
     using Source = MA_NAMESPACE::MARegOutputStats;
-    VISIT(GetNGoodRecords);
-    VISIT(GetNBadRecords);
-    VISIT(GetTau);
-    VISIT(GetEstimation);
-    VISIT(GetBetaStandErr);
-    VISIT(GetBetaTest);
-    VISIT(GetBetaTestPValue);
-    VISIT(GetBetaConfInterValLower);
-    VISIT(GetBetaConfInterValUpper);
-    VISIT(GetWaldChiSquareTest);
-    VISIT(GetWaldDf);
-    VISIT(GetWaldPValue);
-    VISIT(GetFTestVal);
-    VISIT(GetFDf1);
-    VISIT(GetFDf2);
-    VISIT(GetFPValue);
-    VISIT(GetMultiDisper);
-    VISIT(GetResHomoChiSqure);
-    VISIT(GetResHomoDf);
-    VISIT(GetResHomoPValue);
-    VISIT(GetHresSquare);
-    VISIT(GetIresSquare);
-    VISIT(GetRSquare);
+    VisitEach(visit, NAMED(GetNGoodRecords), NAMED(GetNBadRecords), NAMED(GetTau), NAMED(GetEstimation),
+              NAMED(GetBetaStandErr), NAMED(GetBetaTest), NAMED(GetBetaTestPValue),
+              NAMED(GetBetaConfInterValLower), NAMED(GetBetaConfInterValUpper), NAMED(GetWaldChiSquareTest),
+              NAMED(GetWaldDf), NAMED(GetWaldPValue), NAMED(GetFTestVal), NAMED(GetFDf1), NAMED(GetFDf2),
+              NAMED(GetFPValue), NAMED(GetMultiDisper), NAMED(GetResHomoChiSqure), NAMED(GetResHomoDf),
+              NAMED(GetResHomoPValue), NAMED(GetHresSquare), NAMED(GetIresSquare), NAMED(GetRSquare));
 }
 
-#undef VISIT
+#undef NAMED
