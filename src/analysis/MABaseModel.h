@@ -111,8 +111,8 @@ protected:
     KXStatus ReadStudies(MultiPassRecordIter& records);
     /// Before studies are read anew: forgets those that there are, and what counts their records.
     void ForgetStudies();
-    /// Passes on the result of reading studies. When memory ran out on the way, their columns may differ in
-    /// length, and they are forgotten.
+    /// Passes on the result of reading studies. After an error on the way their columns may differ in length,
+    /// and they are forgotten.
     KXStatus ForgetIfBroken(const KXStatus& result);
     /// After effect sizes were taken from an object that computed them: throws when a copy failed.
     void RequireEffectCopies() const;

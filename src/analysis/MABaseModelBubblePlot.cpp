@@ -5,6 +5,7 @@
 #include "meta_analysis/analysis/MARecordColumns.h"
 #include "meta_analysis/regression/MAIterator.h"
 #include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MAStatusCode.h"
 
 namespace MA_NAMESPACE {
 
@@ -15,6 +16,8 @@ KXStatus MABaseModel::BubblePlot(MultiPassRecordIter& records, const KXVarList& 
         const MARecordColumns columns = ColumnsByRecord(AllStudies());
         MAIterator iterator(records, variables, columns.effectSizes, columns.variances);
         MARegSettings plotSettings(settings);
+        if (!plotSettings.IsComplete())
+            return SetError(MAStatusCode::OUT_OF_MEMORY);
         plotSettings.SetConfidenceLevel(settings_->GetCILevel());
         MABubblePlot plot(plotSettings, iterator.GetVarList());
         plot.SetEffectSizeIndex(iterator.GetEffectSizeIndex());

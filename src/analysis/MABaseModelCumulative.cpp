@@ -25,7 +25,9 @@ KXStatus MABaseModel::BuildCumulative(MAModelBuilder& builder)
         AppendGroup(ordered);
         if (builder.BuildPrefixes(ordered).IsError())
             return status_;
-        if (!builder.BuildTest(ordered).IsError())
+        const KXStatus tested = builder.BuildTest(ordered);
+        RequireMemory(tested);
+        if (!tested.IsError())
             groupSizes_.push_back(static_cast<int>(ordered.size()));
         cumulativeOrder_.push_back(Selected(studies_.cumulativeValue, ordered));
         PushCumuStatistics();

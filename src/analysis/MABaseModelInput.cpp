@@ -31,6 +31,8 @@ KXStatus MABaseModel::ExtractModelInputData(MultiPassRecordIter& records)
 
 KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
 {
+    if (!settings_->IsComplete())
+        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
     const KXStatus started = StartPass(records);
     if (started.IsError())
         return started;
@@ -116,7 +118,8 @@ void MABaseModel::RequireEffectCopies() const
 
 KXStatus MABaseModel::ForgetIfBroken(const KXStatus& result)
 {
-    if (result.GetCode() == MAStatusCode::OUT_OF_MEMORY)
+    const bool lacksEffects = result.IsError() && studies_.Count() != studies_.recordNumber.size();
+    if (lacksEffects || result.GetCode() == MAStatusCode::OUT_OF_MEMORY)
         ForgetStudies();
     return result;
 }

@@ -170,8 +170,7 @@ void MABaseModel::CalcFunnelPlotContours()
 {
     if (settings_->GetFunnelConTourTesType() == MAConst::CONTOUR_NONE)
         return;
-    std::vector<double> levels;
-    settings_->GetSetFunnelConTourCutoff(levels);
+    const std::vector<double>& levels = settings_->GetFunnelConTourCutoff();
     std::vector<double> extents;
     extents.reserve(levels.size());
     const double yMax = Largest(funnel_.y.back());

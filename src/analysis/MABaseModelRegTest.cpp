@@ -42,11 +42,24 @@ private:
     int effectSizeIndex_;
 };
 
-/// Last element: the test covariate's.
-void StoreLast(const std::vector<double>& values, double& stored)
+/// The results of a test that has succeeded, complete.
+MARegTestRun ResultsOf(const MARegBaseTest& test)
 {
-    if (!values.empty())
-        stored = values.back();
+    MARegTestRun run = {1,
+                        test.GetCoefficient(),
+                        test.GetBetaStandErr(),
+                        test.GetBetaTest(),
+                        test.GetBetaTestPValue(),
+                        test.GetBetaConfInterValLower(),
+                        test.GetBetaConfInterValUpper(),
+                        test.GetParameters(),
+                        test.GetRedundancyInfo()};
+    const std::size_t count =
+        std::max<std::size_t>(1, run.coefficients.size()); // the covariate is always there
+    RequireLength(count, run.coefficients, run.stdErrors, run.statistics, run.significances, run.lowerLimits,
+                  run.upperLimits, run.parameters);
+    RequireMemory(run.nonRedundant.Size() == count);
+    return run;
 }
 
 } // namespace
@@ -128,19 +141,19 @@ void MABaseModel::SetUpTest(MARegBaseTest& test, int effectSizeIndex, MAConst::R
 
 void MABaseModel::StoreTest(const MARegBaseTest& test)
 {
-    StoreLast(test.GetCoefficient(), regressionTest_.coefficient);
-    StoreLast(test.GetBetaStandErr(), regressionTest_.stdError);
-    StoreLast(test.GetBetaTest(), regressionTest_.statistic);
-    StoreLast(test.GetBetaTestPValue(), regressionTest_.significance);
-    StoreLast(test.GetBetaConfInterValLower(), regressionTest_.ciLower);
-    StoreLast(test.GetBetaConfInterValUpper(), regressionTest_.ciUpper);
-    if (!test.GetCoefficient().empty())
-        regressionTest_.df = test.GetResidualDf();
+    if (!test.HasResults())
+        return;
+    const MARegTestRun run = ResultsOf(test);
+    regressionTest_ = {run.coefficients.back(),  run.stdErrors.back(),   run.statistics.back(),
+                       run.significances.back(), run.lowerLimits.back(), run.upperLimits.back(),
+                       test.GetResidualDf()};
 }
 
 KXStatus MABaseModel::RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
                                    MARegSettings settings)
 {
+    if (!settings.IsComplete())
+        return SetError(MAStatusCode::OUT_OF_MEMORY);
     return Guarded(status_, [&] {
         if (RequireStudiesForTest(records).IsError())
             return status_;
@@ -168,16 +181,8 @@ KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarLis
     RecordsWithEffect ofGroup(iterator, iterator.GetEffectSizeIndex());
     const bool isGroup = selection.size() < studies_.Count();
     const KXStatus tested = isGroup ? test.Test(ofGroup) : test.Test(iterator);
-    if (!tested.IsError() && !test.GetCoefficient().empty())
-        regressionTests_.back() = {1,
-                                   test.GetCoefficient(),
-                                   test.GetBetaStandErr(),
-                                   test.GetBetaTest(),
-                                   test.GetBetaTestPValue(),
-                                   test.GetBetaConfInterValLower(),
-                                   test.GetBetaConfInterValUpper(),
-                                   test.GetParameters(),
-                                   test.GetRedundancyInfo()};
+    if (!tested.IsError() && test.HasResults())
+        regressionTests_.back() = ResultsOf(test);
     return tested;
 }
 

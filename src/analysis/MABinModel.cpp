@@ -55,8 +55,9 @@ KXStatus MABinModel::RunSteps(MultiPassRecordIter& records, const KXVarList& var
     PrepareGroups();
     if (BuildModelsByMethod().IsError())
         return status_;
-    if (modelType_ == MAConst::MODEL_FIXED && HasContrasts())
-        UsesBinaryPooling() ? FixedBinModelContrastTest() : FixedModelContrastTest();
+    if (modelType_ == MAConst::MODEL_FIXED && HasContrasts() &&
+        (UsesBinaryPooling() ? FixedBinModelContrastTest() : FixedModelContrastTest()).IsError())
+        return status_;
     if (studies_.Count() == 1)
         return status_;
     if (variables.Size() > 0 && settings_->GetIsTRIMFILL())
@@ -130,7 +131,9 @@ KXStatus MABinModel::FixedBinModelContrastTest()
             return status_;
         for (const std::vector<double>& coefficients : studies_.contrastCoefficients) {
             model.SetContrastCoef(&coefficients);
-            AddNewWarning(model.ContrastTest(), warnings_);
+            const KXStatus tested = model.ContrastTest();
+            RequireMemory(tested);
+            AddNewWarning(tested, warnings_);
             // The z values receive the standard error once more, as hosts expect of this path.
             const double stdError = std::sqrt(model.GetContrastTestStdError());
             contrasts_.push_back({model.GetContrastTestGMeans(), stdError, stdError,

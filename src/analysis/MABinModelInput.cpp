@@ -111,6 +111,8 @@ void MABinModel::TakeEffectSizes(const MABinaryEffectSize& effectSizes)
     studies_.zValue = effectSizes.GetLogEffectSizeZVal();
     studies_.significance = effectSizes.GetLogEffectSizeSig();
     RequireEffectCopies();
+    RequireLength(studies_.Count(), natural.effectSize, natural.variance, natural.stdError, natural.ciLower,
+                  natural.ciUpper);
 }
 
 } // namespace MA_NAMESPACE

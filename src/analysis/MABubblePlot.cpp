@@ -38,7 +38,9 @@ Band BandAt(const Engine& engine, double x)
     Band band;
     double unused = 0.0;
     const Record record({KXMV::Missing(), KXMV::Missing(), x});
-    engine.Score(record, band.fit, unused, band.lower, band.upper, unused, unused, unused);
+    const KXStatus scored =
+        engine.Score(record, band.fit, unused, band.lower, band.upper, unused, unused, unused);
+    RequireMemory(scored);
     return band;
 }
 
@@ -120,9 +122,8 @@ MARegSettings MABubblePlot::SimpleRegression() const
     simple.SetOMWVarIndex(varianceColumn);
     simple.SetOMWVarType(MAConst::OMEGA_VARIANCE);
     KXModelEffect effect;
-    effect.AddCovariate(covariateColumn);
-    simple.AddCovariate(covariateColumn);
-    simple.AddModelEffect(effect);
+    RequireMemory(effect.AddCovariate(covariateColumn) && simple.AddCovariate(covariateColumn) != -1 &&
+                  simple.AddModelEffect(effect));
 
     simple.SetInterceptUse(settings_->GetInterceptUse());
     simple.SetComputationalTolerance(settings_->GetComputationalTolerance());
@@ -153,11 +154,14 @@ void MABubblePlot::Fit(const std::vector<Study>& studies)
     const MARegSettings simple = SimpleRegression();
     Engine engine(simple);
     engine.setUsedByRegBaseTest(true);
-    if (engine.BuildModel(records).IsError())
+    const KXStatus built = engine.BuildModel(records);
+    RequireMemory(built);
+    if (built.IsError())
         return;
     const MARegOutputStats output(simple, engine);
     const std::vector<double> coefficients = output.GetEstimation();
-    if (coefficients.empty() || KXMV::IsMissing(coefficients.back()))
+    RequireMemory(!coefficients.empty());
+    if (KXMV::IsMissing(coefficients.back()))
         return;
     rows_.fitted = 1;
     rows_.coefficients = coefficients;
@@ -182,7 +186,7 @@ void MABubblePlot::DescribeStudies(const Engine& engine, const std::vector<Study
     }
     for (double& weight : rows_.weight) {
         if (!KXMV::IsMissing(weight))
-            weight *= 100.0 / weightSum;
+            weight = weight / weightSum * 100.0; // a sum of tiny weights has no inverse
     }
 }
 

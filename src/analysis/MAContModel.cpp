@@ -51,8 +51,8 @@ KXStatus MAContModel::RunSteps(MultiPassRecordIter& records, const KXVarList& va
     BuildModels(builder);
     if (status_.IsError())
         return status_;
-    if (modelType_ == MAConst::MODEL_FIXED && HasContrasts())
-        FixedModelContrastTest();
+    if (modelType_ == MAConst::MODEL_FIXED && HasContrasts() && FixedModelContrastTest().IsError())
+        return status_;
     if (studies_.Count() == 1)
         return status_;
     if (variables.Size() > 0 && settings_->GetIsTRIMFILL())

@@ -65,6 +65,8 @@ KXStatus MARegBaseTest::RunTest(MultiPassRecordIter& records)
         return KXStatus(MAStatusCode::RECORD_NOT_RESIZED);
 
     MARegSettings testSettings(*settings_);
+    if (!testSettings.IsComplete())
+        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
     const KXStatus copied = copySettings(columns, testSettings);
     return copied.IsError() ? copied : RegModelTest(testSettings, testRecords, true);
 }
@@ -96,7 +98,8 @@ KXStatus MARegBaseTest::RegModelTest(MARegSettings& testSettings, RegTestRecordI
         built = BuildWith<MAFEAlgorithm>(testSettings, records, usedByTest);
     else if (model_ == MAConst::MODEL_RANDOM)
         built = BuildWith<MAREAlgorithm>(testSettings, records, usedByTest);
-    return output_ == nullptr ? KXStatus(MAStatusCode::TEST_WITHOUT_OUTPUT) : built;
+    const bool isLost = built.GetCode() == MAStatusCode::OUT_OF_MEMORY;
+    return output_ == nullptr && !isLost ? KXStatus(MAStatusCode::TEST_WITHOUT_OUTPUT) : built;
 }
 
 template <class Engine>
@@ -106,8 +109,12 @@ KXStatus MARegBaseTest::BuildWith(MARegSettings& testSettings, RegTestRecordIter
     Engine engine(testSettings);
     engine.setUsedByRegBaseTest(usedByTest);
     const KXStatus built = engine.BuildModel(records);
-    if (!built.IsError())
-        output_ = std::make_unique<MARegOutputStats>(testSettings, engine);
+    if (built.IsError())
+        return built;
+    auto output = std::make_unique<MARegOutputStats>(testSettings, engine);
+    if (!output->IsComplete())
+        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
+    output_ = std::move(output);
     return built;
 }
 

@@ -50,7 +50,9 @@ public:
     /// those of the meta-regression. When it fails, the results of an earlier test are kept.
     KXStatus Test(MultiPassRecordIter& records);
 
-    /// Results, one entry per parameter; empty before a test has succeeded.
+    /// Whether a test has succeeded.
+    bool HasResults() const { return output_ != nullptr; }
+    /// Results, one entry per parameter; empty before a test has succeeded, and when memory runs out.
     std::vector<double> GetCoefficient() const;
     std::vector<double> GetBetaStandErr() const;
     std::vector<double> GetBetaTest() const;

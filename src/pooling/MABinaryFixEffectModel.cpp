@@ -118,7 +118,9 @@ KXStatus MABinaryFixEffectModel::ComputeStudyEffects()
 template <class Pooling>
 void MABinaryFixEffectModel::EstimateBy(Pooling pooling)
 {
-    RequireLength(studyCount_, Pooling::onLogScale ? studyLogEffects_ : studyEffects_);
+    RequireLength(studyCount_, studyEffects_);
+    if constexpr (Pooling::onLogScale)
+        RequireLength(studyCount_, studyLogEffects_);
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const MATable table = TableOf(i);
         weights_[i] = Pooling::Weight(table);
@@ -203,7 +205,8 @@ KXStatus MABinaryFixEffectModel::ContrastTestBy(Pooling /*method*/)
     }
     const double stdError = std::sqrt(contrastVariance_);
     const double halfWidth = TwoSidedNormalQuantile(alpha_) * stdError;
-    contrastSignificance_ = TwoSidedNormalSignificance(contrast_ / stdError);
+    contrastSignificance_ =
+        contrastVariance_ > 0.0 ? TwoSidedNormalSignificance(contrast_ / stdError) : KXMV::Missing();
     contrastCIUpper_ = contrast_ + halfWidth;
     contrastCILower_ = contrast_ - halfWidth;
     return result;

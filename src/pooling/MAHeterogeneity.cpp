@@ -3,6 +3,7 @@
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/platform/common/KXMV.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace MA_NAMESPACE {
@@ -49,13 +50,13 @@ MAHeterogeneityMeasures MeasureHeterogeneity(double q, std::size_t k, double qua
     const double stdError = StdErrorOfLogH(q, static_cast<double>(k));
     if (!std::isfinite(stdError))
         return measures;
-    const double logH = std::log(std::sqrt(measures.h2));
-    const double lower = std::exp(logH - quantile * stdError);
-    const double upper = std::exp(logH + quantile * stdError);
-    measures.h2Lower = lower * lower;
-    measures.h2Upper = upper * upper;
-    measures.i2Lower = I2FromH2(measures.h2Lower);
-    measures.i2Upper = I2FromH2(measures.h2Upper);
+    // As factors and not through log H, so that H² lies between its bounds whatever the rounding; I², which
+    // is not computed from H², is kept there.
+    const double factor = std::exp(quantile * stdError);
+    measures.h2Lower = measures.h2 / factor / factor;
+    measures.h2Upper = measures.h2 * factor * factor;
+    measures.i2Lower = std::min(I2FromH2(measures.h2Lower), measures.i2);
+    measures.i2Upper = std::max(I2FromH2(measures.h2Upper), measures.i2);
     return measures;
 }
 

@@ -135,6 +135,8 @@ void MARandomEffectModel::TestMean()
     } else {
         return;
     }
+    if (std::isnan(statistic_)) // effects of 0 alone under Knapp and Hartung: an interval of no width, no test
+        statistic_ = significance_ = KXMV::Missing();
     ciUpper_ = mean_ + stdError * quantile;
     ciLower_ = mean_ - stdError * quantile;
 }

@@ -1,6 +1,7 @@
 #include "meta_analysis/regression/MAIterator.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 namespace MA_NAMESPACE {
@@ -22,8 +23,8 @@ MAIterator::MAIterator(MultiPassRecordIter& source, const KXVarList& variables,
       effectSizes_(&effectSizes),
       variances_(&variances)
 {
-    variables_.AddContVar("$effectSize$", "effect Size");
-    variables_.AddContVar("$variance$", "variance");
+    RequireMemory(variables_.AddContVar("$effectSize$", "effect Size") != -1 &&
+                  variables_.AddContVar("$variance$", "variance") != -1);
     if (!record_.Resize(static_cast<std::size_t>(sourceSize_) + 2))
         error_ = MAStatusCode::RECORD_NOT_RESIZED;
 }

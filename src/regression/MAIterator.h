@@ -19,7 +19,7 @@ class META_ANALYSIS_EXPORT MAIterator : public MultiPassRecordIter
 {
 public:
     /// `effectSizes` and `variances` have an entry per record, in record order; a record beyond them gets
-    /// missing values.
+    /// missing values. Throws std::bad_alloc when memory runs out for the variable list.
     MAIterator(MultiPassRecordIter& source, const KXVarList& variables,
                const std::vector<double>& effectSizes, const std::vector<double>& variances);
     ~MAIterator() override;

@@ -10,10 +10,19 @@
 
 namespace MA_NAMESPACE {
 
+namespace {
+
+KXStatus StatusOf(const MARegSettings& settings)
+{
+    if (!settings.IsComplete())
+        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
+    return settings.IsValid() ? KXStatus() : KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
+}
+
+} // namespace
+
 MARegAlgorithm::MARegAlgorithm(const MARegSettings& settings)
-    : settings_(&settings),
-      settingsStatus_(settings.IsValid() ? KXStatus() : KXStatus(MAStatusCode::INPUT_NOT_GIVEN)),
-      status_(settingsStatus_)
+    : settings_(&settings), settingsStatus_(StatusOf(settings)), status_(settingsStatus_)
 {}
 
 MARegAlgorithm::~MARegAlgorithm() = default;
@@ -35,7 +44,12 @@ bool MARegAlgorithm::AreParamsCreated() const
 
 KXFactorCounts MARegAlgorithm::GetFactorCounts() const
 {
-    return design_ == nullptr ? KXFactorCounts({}, {}, -1, -1) : design_->GetFactorCounts();
+    const KXFactorCounts none({}, {}, -1, -1);
+    try {
+        return design_ == nullptr ? none : design_->GetFactorCounts();
+    } catch (const std::exception&) {
+        return none;
+    }
 }
 
 bool MARegAlgorithm::IsModelBuilt() const

@@ -92,7 +92,7 @@ protected:
     void TestModel(bool asF);
 
     const MARegSettings* settings_; ///< the host's, not owned
-    KXStatus settingsStatus_;       ///< 460009 when the settings were invalid at construction
+    KXStatus settingsStatus_;       ///< 460009 or 460099 when they could not be used at construction
     KXStatus status_;
     std::unique_ptr<MADesignMatrix> design_;
     std::unique_ptr<MARegFit> fit_;

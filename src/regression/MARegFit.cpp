@@ -182,9 +182,10 @@ double MARegFit::WeightedResidualSum() const
 double MARegFit::WeightedResidualTrace() const
 {
     double trace = 0.0;
+    // Rounding can carry a leverage beyond 1, and a large weight its excess to a negative trace.
     VisitRows(true, [&trace](const MAFittedRows& rows) {
         for (std::size_t i = 0; i < rows.count; ++i)
-            trace += rows.weights[i] * (1.0 - rows.leverages[i]);
+            trace += rows.weights[i] * std::max(0.0, 1.0 - rows.leverages[i]);
     });
     return trace;
 }

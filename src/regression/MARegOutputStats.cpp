@@ -5,6 +5,8 @@
 #include "meta_analysis/regression/MAREAlgorithm.h"
 #include "meta_analysis/regression/MARegFit.h"
 
+#include <exception>
+
 namespace MA_NAMESPACE {
 
 struct MARegOutputStats::Results
@@ -31,169 +33,186 @@ struct MARegOutputStats::Results
     double rSquare = 0.0;
 };
 
-MARegOutputStats::MARegOutputStats(const MARegSettings& /*settings*/, MAFEAlgorithm& engine)
+MARegOutputStats::MARegOutputStats(const MARegSettings& /*settings*/, MAFEAlgorithm& engine) noexcept
     : MARegOutputStats(static_cast<const MARegAlgorithm&>(engine))
 {}
 
-MARegOutputStats::MARegOutputStats(const MARegSettings& /*settings*/, MAREAlgorithm& engine)
+MARegOutputStats::MARegOutputStats(const MARegSettings& /*settings*/, MAREAlgorithm& engine) noexcept
     : MARegOutputStats(static_cast<const MARegAlgorithm&>(engine))
 {}
 
-MARegOutputStats::MARegOutputStats(const MARegAlgorithm& engine)
+MARegOutputStats::MARegOutputStats(const MARegAlgorithm& engine) noexcept : results_(ResultsOf(engine)) {}
+
+std::unique_ptr<const MARegOutputStats::Results>
+MARegOutputStats::ResultsOf(const MARegAlgorithm& engine) noexcept
 {
-    auto results = std::make_unique<Results>();
-    results->parameters = engine.parameters_;
-    results->tau2 = engine.tau2_;
-    results->rSquare = engine.rSquare_;
-    results->residualQ = engine.residualQ_;
-    results->residualQSignificance = engine.residualQSignificance_;
-    results->residualDf = engine.residualDf_;
-    results->residualH2 = engine.residualH2_;
-    results->residualI2 = engine.residualI2_;
-    if (engine.waldTest_ != nullptr)
-        results->wald = *engine.waldTest_;
-    if (engine.fTest_ != nullptr)
-        results->f = *engine.fTest_;
-    if (const MARegFit* fit = engine.fit_.get()) {
-        results->goodRecords = fit->GoodRecordCount();
-        results->badRecords = fit->BadRecordCount();
-        results->coefficients = fit->Coefficients();
-        results->nonRedundant = fit->NonRedundant();
-        results->stdErrors = fit->StdErrors();
-        results->statistics = fit->Statistics();
-        results->significances = fit->Significances();
-        results->lowerLimits = fit->LowerLimits();
-        results->upperLimits = fit->UpperLimits();
-        results->dispersion = fit->Dispersion();
+    try {
+        auto results = std::make_unique<Results>();
+        results->parameters = engine.parameters_;
+        results->tau2 = engine.tau2_;
+        results->rSquare = engine.rSquare_;
+        results->residualQ = engine.residualQ_;
+        results->residualQSignificance = engine.residualQSignificance_;
+        results->residualDf = engine.residualDf_;
+        results->residualH2 = engine.residualH2_;
+        results->residualI2 = engine.residualI2_;
+        if (engine.waldTest_ != nullptr)
+            results->wald = *engine.waldTest_;
+        if (engine.fTest_ != nullptr)
+            results->f = *engine.fTest_;
+        if (const MARegFit* fit = engine.fit_.get()) {
+            results->goodRecords = fit->GoodRecordCount();
+            results->badRecords = fit->BadRecordCount();
+            results->coefficients = fit->Coefficients();
+            results->nonRedundant = fit->NonRedundant();
+            results->stdErrors = fit->StdErrors();
+            results->statistics = fit->Statistics();
+            results->significances = fit->Significances();
+            results->lowerLimits = fit->LowerLimits();
+            results->upperLimits = fit->UpperLimits();
+            results->dispersion = fit->Dispersion();
+        }
+        return results;
+    } catch (const std::exception&) {
+        return nullptr;
     }
-    results_ = std::move(results);
+}
+
+const MARegOutputStats::Results& MARegOutputStats::Get() const noexcept
+{
+    static const Results none;
+    return results_ == nullptr ? none : *results_;
 }
 
 MARegOutputStats::~MARegOutputStats() = default;
 
 int MARegOutputStats::GetNGoodRecords() const
 {
-    return results_->goodRecords;
+    return Get().goodRecords;
 }
 
 int MARegOutputStats::GetNBadRecords() const
 {
-    return results_->badRecords;
+    return Get().badRecords;
 }
 
 double MARegOutputStats::GetTau() const
 {
-    return results_->tau2;
+    return Get().tau2;
 }
 
 std::vector<double> MARegOutputStats::GetEstimation() const
 {
-    return CopyOf(results_->coefficients);
+    return CopyOf(Get().coefficients);
 }
 
 std::vector<KXRegrParameter> MARegOutputStats::GetParameters() const
 {
-    return CopyOf(results_->parameters);
+    return CopyOf(Get().parameters);
 }
 
 KXBitSet MARegOutputStats::GetRedundancyInfo() const
 {
-    return results_->nonRedundant;
+    try {
+        return Get().nonRedundant;
+    } catch (const std::exception&) {
+        return KXBitSet();
+    }
 }
 
 std::vector<double> MARegOutputStats::GetBetaStandErr() const
 {
-    return CopyOf(results_->stdErrors);
+    return CopyOf(Get().stdErrors);
 }
 
 std::vector<double> MARegOutputStats::GetBetaTest() const
 {
-    return CopyOf(results_->statistics);
+    return CopyOf(Get().statistics);
 }
 
 std::vector<double> MARegOutputStats::GetBetaTestPValue() const
 {
-    return CopyOf(results_->significances);
+    return CopyOf(Get().significances);
 }
 
 std::vector<double> MARegOutputStats::GetBetaConfInterValLower() const
 {
-    return CopyOf(results_->lowerLimits);
+    return CopyOf(Get().lowerLimits);
 }
 
 std::vector<double> MARegOutputStats::GetBetaConfInterValUpper() const
 {
-    return CopyOf(results_->upperLimits);
+    return CopyOf(Get().upperLimits);
 }
 
 double MARegOutputStats::GetWaldChiSquareTest() const
 {
-    return results_->wald.statistic;
+    return Get().wald.statistic;
 }
 
 int MARegOutputStats::GetWaldDf() const
 {
-    return results_->wald.df1;
+    return Get().wald.df1;
 }
 
 double MARegOutputStats::GetWaldPValue() const
 {
-    return results_->wald.significance;
+    return Get().wald.significance;
 }
 
 double MARegOutputStats::GetFTestVal() const
 {
-    return results_->f.statistic;
+    return Get().f.statistic;
 }
 
 double MARegOutputStats::GetFPValue() const
 {
-    return results_->f.significance;
+    return Get().f.significance;
 }
 
 int MARegOutputStats::GetFDf1() const
 {
-    return results_->f.df1;
+    return Get().f.df1;
 }
 
 int MARegOutputStats::GetFDf2() const
 {
-    return results_->f.df2;
+    return Get().f.df2;
 }
 
 double MARegOutputStats::GetMultiDisper() const
 {
-    return results_->dispersion;
+    return Get().dispersion;
 }
 
 double MARegOutputStats::GetResHomoChiSqure() const
 {
-    return results_->residualQ;
+    return Get().residualQ;
 }
 
 double MARegOutputStats::GetResHomoDf() const
 {
-    return results_->residualDf;
+    return Get().residualDf;
 }
 
 double MARegOutputStats::GetResHomoPValue() const
 {
-    return results_->residualQSignificance;
+    return Get().residualQSignificance;
 }
 
 double MARegOutputStats::GetHresSquare() const
 {
-    return results_->residualH2;
+    return Get().residualH2;
 }
 
 double MARegOutputStats::GetIresSquare() const
 {
-    return results_->residualI2;
+    return Get().residualI2;
 }
 
 double MARegOutputStats::GetRSquare() const
 {
-    return results_->rSquare;
+    return Get().rSquare;
 }
 
 } // namespace MA_NAMESPACE

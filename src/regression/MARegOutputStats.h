@@ -20,15 +20,18 @@ class MARegSettings;
 /// entries are missing. What the engine does not compute is 0: tau², R² and the F test for fixed effects, and
 /// the one of the model tests (Wald, or F under the Knapp-Hartung adjustment) that does not apply.
 /// An engine used by the regression-based test or the bubble plot leaves out the model tests and the residual
-/// heterogeneity. Constructing it may throw std::bad_alloc.
+/// heterogeneity. When memory runs out on the way the results are those of an engine that has built nothing.
 class META_ANALYSIS_EXPORT MARegOutputStats
 {
 public:
-    MARegOutputStats(const MARegSettings& settings, MAFEAlgorithm& engine);
-    MARegOutputStats(const MARegSettings& settings, MAREAlgorithm& engine);
+    MARegOutputStats(const MARegSettings& settings, MAFEAlgorithm& engine) noexcept;
+    MARegOutputStats(const MARegSettings& settings, MAREAlgorithm& engine) noexcept;
     MARegOutputStats(const MARegOutputStats&) = delete;
     MARegOutputStats& operator=(const MARegOutputStats&) = delete;
     ~MARegOutputStats();
+
+    /// False when memory ran out for the copy of the engine's results.
+    bool IsComplete() const noexcept { return results_ != nullptr; }
 
     /// Records used by the fit, and all others.
     int GetNGoodRecords() const;
@@ -38,7 +41,7 @@ public:
 
     std::vector<double> GetEstimation() const;
     std::vector<KXRegrParameter> GetParameters() const;
-    /// Set for the parameters that are estimated, not redundant.
+    /// Set for the parameters that are estimated, not redundant; empty when memory runs out.
     KXBitSet GetRedundancyInfo() const;
     std::vector<double> GetBetaStandErr() const;
     std::vector<double> GetBetaTest() const;
@@ -67,9 +70,11 @@ public:
 private:
     struct Results;
 
-    explicit MARegOutputStats(const MARegAlgorithm& engine);
+    explicit MARegOutputStats(const MARegAlgorithm& engine) noexcept;
+    static std::unique_ptr<const Results> ResultsOf(const MARegAlgorithm& engine) noexcept;
+    const Results& Get() const noexcept;
 
-    std::unique_ptr<const Results> results_;
+    std::unique_ptr<const Results> results_; ///< null when memory ran out
 };
 
 } // namespace MA_NAMESPACE

@@ -27,13 +27,24 @@ KXStatus Guarded(KXStatus& stored, Operation&& operation) noexcept
     return stored;
 }
 
+/// For operations that report by their return value that memory ran out, called within a guarded one, and
+/// whose other failures are not its own.
+inline void RequireMemory(bool sufficed)
+{
+    if (!sufficed)
+        throw std::bad_alloc();
+}
+inline void RequireMemory(const KXStatus& status)
+{
+    RequireMemory(status.GetCode() != MAStatusCode::OUT_OF_MEMORY);
+}
+
 /// For copies taken through getters within a guarded operation: a getter that runs out of memory returns an
 /// empty vector, which must not pass for a result.
 template <class... Vectors>
 void RequireLength(std::size_t length, const Vectors&... copies)
 {
-    if (!((copies.size() == length) && ...))
-        throw std::bad_alloc();
+    RequireMemory(((copies.size() == length) && ...));
 }
 
 } // namespace MA_NAMESPACE

@@ -2,9 +2,9 @@
 
 namespace MA_NAMESPACE {
 
-MAModelSettings::MAModelSettings() = default;
-MAModelSettings::MAModelSettings(const MAModelSettings&) = default;
-MAModelSettings& MAModelSettings::operator=(const MAModelSettings&) = default;
+MAModelSettings::MAModelSettings() noexcept = default;
+MAModelSettings::MAModelSettings(const MAModelSettings&) noexcept = default;
+MAModelSettings& MAModelSettings::operator=(const MAModelSettings&) noexcept = default;
 MAModelSettings::~MAModelSettings() = default;
 
 } // namespace MA_NAMESPACE

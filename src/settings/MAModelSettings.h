@@ -1,6 +1,8 @@
 #pragma once
 
+#include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/Export.h"
+#include "meta_analysis/platform/common/Kept.h"
 #include "meta_analysis/settings/MAConst.h"
 
 #include <vector>
@@ -12,15 +14,22 @@ namespace MA_NAMESPACE {
 ///
 /// The object validates nothing and computes nothing: setters store, getters return. An analysis object
 /// keeps a pointer to the settings it is constructed from, reads them during its run and never writes to
-/// them; they must outlive it. A getter's name is its setter's, but for the few uneven pairs, which
-/// hosts rely on. Meanings and defaults stand beside the members below.
+/// them; they must outlive it. Nothing here throws. A getter's name is its setter's, but for the few uneven
+/// pairs, which hosts rely on. Meanings and defaults stand beside the members below.
 class META_ANALYSIS_EXPORT MAModelSettings
 {
 public:
-    MAModelSettings();
-    MAModelSettings(const MAModelSettings&);
-    MAModelSettings& operator=(const MAModelSettings&);
+    MAModelSettings() noexcept;
+    MAModelSettings(const MAModelSettings&) noexcept;
+    MAModelSettings& operator=(const MAModelSettings&) noexcept;
     virtual ~MAModelSettings();
+
+    /// False when memory ran out for a list that was set or copied; a run of such settings gives error
+    /// 460099.
+    bool IsComplete() const noexcept
+    {
+        return !contrastCoefIndex_.IsLost() && !inputContrastCoef_.IsLost() && !funnelConTourCutoff_.IsLost();
+    }
 
     void SetOutcomesType(MAConst::OUTCOMETYPE value) { outcomesType_ = value; }
     MAConst::OUTCOMETYPE GetOutcomesType() const { return outcomesType_; }
@@ -75,10 +84,10 @@ public:
     int GetInputVaranceVarIndex() const { return inputVarianceIndex_; }
     void SetInputStdErrorIndex(int value) { inputStdErrorIndex_ = value; }
     int GetInputStdErrorIndex() const { return inputStdErrorIndex_; }
-    void SetContrastCoefIndex(const std::vector<int>& values) { contrastCoefIndex_ = values; }
-    std::vector<int> GetContrastCoefIndex() const { return contrastCoefIndex_; }
-    void SetInputContrastCoef(const std::vector<double>& values) { inputContrastCoef_ = values; }
-    std::vector<double> GetInputContrastCoef() const { return inputContrastCoef_; }
+    void SetContrastCoefIndex(const std::vector<int>& values) noexcept { contrastCoefIndex_ = values; }
+    const std::vector<int>& GetContrastCoefIndex() const noexcept { return *contrastCoefIndex_; }
+    void SetInputContrastCoef(const std::vector<double>& values) noexcept { inputContrastCoef_ = values; }
+    const std::vector<double>& GetInputContrastCoef() const noexcept { return *inputContrastCoef_; }
     void SetSubGroupIndex(int value) { subGroupIndex_ = value; }
     int GetSubGroupIndex() const { return subGroupIndex_; }
     void SetCommulativeIndex(int value) { commulativeIndex_ = value; }
@@ -126,9 +135,13 @@ public:
     MAConst::FunnelYType GetFunnelYType() const { return funnelYType_; }
     void SetFunnelConTourTesType(MAConst::FunnelConTourTesType value) { funnelConTourTesType_ = value; }
     MAConst::FunnelConTourTesType GetFunnelConTourTesType() const { return funnelConTourTesType_; }
-    void SetFunnelConTourCutoff(const std::vector<double>& levels) { funnelConTourCutoff_ = levels; }
-    /// Overwrites `out` with the stored levels.
-    void GetSetFunnelConTourCutoff(std::vector<double>& out) const { out = funnelConTourCutoff_; }
+    void SetFunnelConTourCutoff(const std::vector<double>& levels) noexcept { funnelConTourCutoff_ = levels; }
+    const std::vector<double>& GetFunnelConTourCutoff() const noexcept { return *funnelConTourCutoff_; }
+    /// Overwrites `out` with the stored levels; with none when memory runs out.
+    void GetSetFunnelConTourCutoff(std::vector<double>& out) const noexcept
+    {
+        out = CopyOf(*funnelConTourCutoff_);
+    }
     void SetCenterBubblePlot(bool value) { centerBubblePlot_ = value; }
     bool GetCenterBubblePlot() const { return centerBubblePlot_; }
     void SetBubbleCurveNPoints(int value) { bubbleCurveNPoints_ = value; }
@@ -167,9 +180,9 @@ private:
     int inputEffectSizeIndex_ = -1;   ///< ready-made effect size, on the analysis scale
     int inputVarianceIndex_ = -1;     ///< its variance; wins over the standard error when both are given
     int inputStdErrorIndex_ = -1;     ///< its standard error
-    std::vector<int> contrastCoefIndex_; ///< one variable of coefficients per contrast
+    Kept<std::vector<int>> contrastCoefIndex_; ///< one variable of coefficients per contrast
     /// Coefficients given directly; only their number is checked, against the records.
-    std::vector<double> inputContrastCoef_;
+    Kept<std::vector<double>> inputContrastCoef_;
     int subGroupIndex_ = -1;    ///< subgroup variable
     int commulativeIndex_ = -1; ///< ordering variable of the cumulative analysis
 
@@ -198,9 +211,9 @@ private:
     MAConst::FunnelYType funnelYType_ = MAConst::FUNNEL_STD_ERROR; ///< vertical axis of the funnel plot
     /// Test behind the funnel plot's contours.
     MAConst::FunnelConTourTesType funnelConTourTesType_ = MAConst::CONTOUR_NONE;
-    std::vector<double> funnelConTourCutoff_{0.01, 0.05, 0.1}; ///< significance levels of the contours
-    bool centerBubblePlot_ = false;                            ///< bubble plot: centre the covariate
-    int bubbleCurveNPoints_ = 100;                             ///< bubble plot: points of the fitted curve
+    Kept<std::vector<double>> funnelConTourCutoff_{0.01, 0.05, 0.1}; ///< significance levels of the contours
+    bool centerBubblePlot_ = false;                                  ///< bubble plot: centre the covariate
+    int bubbleCurveNPoints_ = 100; ///< bubble plot: points of the fitted curve
 };
 
 } // namespace MA_NAMESPACE

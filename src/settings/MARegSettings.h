@@ -24,9 +24,9 @@ namespace MA_NAMESPACE {
 class META_ANALYSIS_EXPORT MARegSettings : public KXLogRegSettings
 {
 public:
-    MARegSettings();
-    MARegSettings(const MARegSettings&);
-    MARegSettings& operator=(const MARegSettings&);
+    MARegSettings() noexcept;
+    MARegSettings(const MARegSettings&) noexcept;
+    MARegSettings& operator=(const MARegSettings&) noexcept;
     ~MARegSettings() override;
 
     /// The base's status if that is an error. Error 460009: the step-halving limit is below 1, a convergence
@@ -45,6 +45,10 @@ public:
     /// Writes all settings to the debug display.
     void Display() const override;
 
+    /// False when memory ran out for a copy of these settings, whose lists are then empty: an engine made
+    /// from it gives error 460099.
+    bool IsComplete() const noexcept { return KXLogRegSettings::IsComplete() && !effectVariables_.IsLost(); }
+
     /// As `IsValidSettings` without requiring a dependent.
     bool IsValid() const;
 
@@ -58,11 +62,11 @@ public:
     int GetNumOfFactors() const { return static_cast<int>(GetFactors().size()); }
     int GetNumOfCovariates() const { return static_cast<int>(GetCovariates().size()); }
     int GetNumOfModelEffects() const { return static_cast<int>(GetModelEffects().size()); }
-    const std::vector<int>& GetEffectFactors() const { return effectVariables_.factors; }
-    const std::vector<int>& GetEffectFactorSizes() const { return effectVariables_.factorSizes; }
-    const std::vector<int>& GetEffectCovariates() const { return effectVariables_.covariates; }
-    int GetNumOfEffectFactors() const { return static_cast<int>(effectVariables_.factors.size()); }
-    int GetNumOfEffectCovariates() const { return static_cast<int>(effectVariables_.covariates.size()); }
+    const std::vector<int>& GetEffectFactors() const { return effectVariables_->factors; }
+    const std::vector<int>& GetEffectFactorSizes() const { return effectVariables_->factorSizes; }
+    const std::vector<int>& GetEffectCovariates() const { return effectVariables_->covariates; }
+    int GetNumOfEffectFactors() const { return static_cast<int>(effectVariables_->factors.size()); }
+    int GetNumOfEffectCovariates() const { return static_cast<int>(effectVariables_->covariates.size()); }
 
     void SetIterProgressListener(ProgressListener* listener) { iterProgressListener_ = listener; }
     ProgressListener* GetIterProgressListener() const { return iterProgressListener_; }
@@ -133,7 +137,7 @@ private:
     /// Omega-weight variable; -1: every study has weight 1. Not the base's regression weight, of which only
     /// statistics are kept.
     int omwVarIndex_ = -1;
-    EffectVariables effectVariables_;
+    Kept<EffectVariables> effectVariables_;
     double mDependentParameter_ = 0.0; ///< working correlation, for the debug display alone
     int modelID_ = 0;
     bool multiDisper_ = false;      ///< fixed effects: multiply the covariance by the dispersion

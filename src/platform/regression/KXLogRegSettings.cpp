@@ -1,8 +1,8 @@
 #include "meta_analysis/platform/regression/KXLogRegSettings.h"
 
-KXLogRegSettings::KXLogRegSettings() = default;
-KXLogRegSettings::KXLogRegSettings(const KXLogRegSettings&) = default;
-KXLogRegSettings& KXLogRegSettings::operator=(const KXLogRegSettings&) = default;
+KXLogRegSettings::KXLogRegSettings() noexcept = default;
+KXLogRegSettings::KXLogRegSettings(const KXLogRegSettings&) noexcept = default;
+KXLogRegSettings& KXLogRegSettings::operator=(const KXLogRegSettings&) noexcept = default;
 KXLogRegSettings::~KXLogRegSettings() = default;
 
 KXConst::KXRegModelType KXLogRegSettings::GetModelType() const

@@ -11,9 +11,9 @@ public:
     /// Error of `IsValidSettings`: there is no dependent.
     static constexpr int DEPENDENT_NOT_GIVEN = 460009;
 
-    KXLogRegSettings();
-    KXLogRegSettings(const KXLogRegSettings&);
-    KXLogRegSettings& operator=(const KXLogRegSettings&);
+    KXLogRegSettings() noexcept;
+    KXLogRegSettings(const KXLogRegSettings&) noexcept;
+    KXLogRegSettings& operator=(const KXLogRegSettings&) noexcept;
     ~KXLogRegSettings() override;
 
     /// Linear in the coefficients.

@@ -3,6 +3,7 @@
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXConst.h"
 #include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/platform/common/Kept.h"
 #include "meta_analysis/platform/regression/KXModelEffect.h"
 
 #include <string>
@@ -29,9 +30,9 @@ public:
         ROLE_WEIGHT = 8 ///< frequency or regression weight
     };
 
-    KXRegSettings();
-    KXRegSettings(const KXRegSettings&);
-    KXRegSettings& operator=(const KXRegSettings&);
+    KXRegSettings() noexcept;
+    KXRegSettings(const KXRegSettings&) noexcept;
+    KXRegSettings& operator=(const KXRegSettings&) noexcept;
     virtual ~KXRegSettings();
 
     virtual KXConst::KXRegModelType GetModelType() const = 0;
@@ -50,6 +51,10 @@ public:
     /// Appends a copy of an effect to the model. False, and nothing changed, when memory runs out.
     virtual bool AddModelEffect(const KXModelEffect& effect);
 
+    /// False when memory ran out for a copy of these settings, whose lists are then empty; what uses them
+    /// gives error 460099. No operation throws.
+    bool IsComplete() const noexcept { return !lists_.IsLost(); }
+
     /// Writes the settings to the debug display.
     virtual void Display() const = 0;
 
@@ -59,13 +64,13 @@ public:
     int AddFactor(int index, int size) noexcept;
 
     int GetDependent() const noexcept { return dependent_; }
-    const std::vector<int>& GetFactors() const noexcept { return factors_; }
+    const std::vector<int>& GetFactors() const noexcept { return lists_->factors; }
     /// Number of levels of each factor.
-    const std::vector<int>& GetFactorSizes() const noexcept { return factorSizes_; }
+    const std::vector<int>& GetFactorSizes() const noexcept { return lists_->factorSizes; }
     /// Number of levels of the factor with this variable index; 0 when it is no factor.
     int GetFactorSize(int index) const noexcept;
-    const std::vector<int>& GetCovariates() const noexcept { return covariates_; }
-    const std::vector<KXModelEffect>& GetModelEffects() const noexcept { return modelEffects_; }
+    const std::vector<int>& GetCovariates() const noexcept { return lists_->covariates; }
+    const std::vector<KXModelEffect>& GetModelEffects() const noexcept { return lists_->modelEffects; }
 
     /// All roles of a variable, a sum of `VariableRole`; 0 for none.
     int GetVariableRoles(int index) const noexcept;
@@ -84,20 +89,26 @@ public:
     double GetConfidenceLevel() const noexcept { return confidenceLevel_; }
     void SetCancelObject(KXQueryCancel* cancel) noexcept { cancel_ = cancel; }
     KXQueryCancel* GetCancelObject() const noexcept { return cancel_; }
-    void SetTempDirectory(std::string directory) noexcept { tempDirectory_ = std::move(directory); }
-    const std::string& GetTempDirectory() const noexcept { return tempDirectory_; }
+    void SetTempDirectory(std::string directory) noexcept { lists_->tempDirectory = std::move(directory); }
+    const std::string& GetTempDirectory() const noexcept { return lists_->tempDirectory; }
 
 private:
+    /// What needs memory of its own.
+    struct Lists
+    {
+        std::vector<int> factors;
+        std::vector<int> factorSizes; ///< parallel to the factors
+        std::vector<int> covariates;
+        std::vector<KXModelEffect> modelEffects;
+        std::string tempDirectory;
+    };
+
     int dependent_ = -1;
-    std::vector<int> factors_;
-    std::vector<int> factorSizes_; ///< parallel to the factors
-    std::vector<int> covariates_;
+    Kept<Lists> lists_;
     int freqWeightVar_ = -1; ///< how many cases a record stands for
     int regrWeightVar_ = -1; ///< weight of a record in the regression
     bool interceptUse_ = true;
     double computationalTolerance_ = 1e-12; ///< singularity tolerance of the sweep
-    std::vector<KXModelEffect> modelEffects_;
-    double confidenceLevel_ = 0.95;   ///< a fraction
-    KXQueryCancel* cancel_ = nullptr; ///< asked during passes over the data; the host's, null for none
-    std::string tempDirectory_;
+    double confidenceLevel_ = 0.95;         ///< a fraction
+    KXQueryCancel* cancel_ = nullptr;       ///< asked during passes over the data; the host's, null for none
 };

@@ -1,0 +1,9 @@
+#pragma once
+
+#include "faults/GeneratedCase.h"
+#include "faults/Violations.h"
+
+/// Runs an analysis with the small-study tests and bubble plots after it, and checks what holds for any.
+/// `Driver` is MABinModel or MAContModel.
+template <class Driver>
+void CheckAnalysis(const AnalysisCase& made, Violations& violations);

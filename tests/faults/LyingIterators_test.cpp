@@ -1,0 +1,197 @@
+// Records that are not the same in every pass, or not what a pass said they were.
+
+#include "faults/Violations.h"
+#include "support/Regression.h"
+#include "support/SmallStudyRun.h"
+
+#include "meta_analysis/analysis/MABinModel.h"
+#include "meta_analysis/analysis/MAContModel.h"
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+using namespace MA_NAMESPACE;
+using namespace MAConst;
+
+namespace {
+
+enum Lie : int
+{
+    FEWER_RECORDS,
+    MORE_RECORDS,
+    NO_RECORDS,
+    SHORTER_RECORDS,
+    OTHER_VALUES,
+    OTHER_ORDER,
+    PAUSE,     ///< null once after the first record, and then the others
+    LATE_ERROR ///< after all records
+};
+
+const Lie lies[] = {FEWER_RECORDS, MORE_RECORDS, NO_RECORDS, SHORTER_RECORDS,
+                    OTHER_VALUES,  OTHER_ORDER,  PAUSE,      LATE_ERROR};
+
+/// Lies in one pass, of which the first is 1; every start and every rewind begins a pass.
+class LyingRecordIter : public MultiPassRecordIter
+{
+public:
+    LyingRecordIter(const Rows& rows, Lie lie, int pass) : rows_(rows), lie_(lie), pass_(pass) {}
+
+    bool Start() override
+    {
+        ++passes_;
+        next_ = 0;
+        hasPaused_ = false;
+        return true;
+    }
+    bool Reset() override { return Start(); }
+    int GetError() const override { return Lies(LATE_ERROR) && next_ == rows_.size() ? 7 : 0; }
+
+    const Record* Next() override
+    {
+        if (Lies(PAUSE) && next_ == 1 && !hasPaused_) {
+            hasPaused_ = true;
+            return nullptr;
+        }
+        if (next_ == Count())
+            return nullptr;
+        const std::size_t position = Lies(OTHER_ORDER) ? rows_.size() - 1 - next_ : next_ % rows_.size();
+        Row row = rows_[position];
+        if (Lies(SHORTER_RECORDS))
+            row.resize(1);
+        for (double& value : row)
+            value = Lies(OTHER_VALUES) ? 2.0 * value + 1.0 : value;
+        ++next_;
+        record_ = Record(row);
+        return &record_;
+    }
+
+private:
+    bool Lies(Lie lie) const { return lie_ == lie && passes_ == pass_; }
+    std::size_t Count() const
+    {
+        if (Lies(FEWER_RECORDS))
+            return rows_.size() - 1;
+        if (Lies(NO_RECORDS))
+            return 0;
+        return rows_.size() + (Lies(MORE_RECORDS) ? 1 : 0);
+    }
+
+    Rows rows_;
+    Lie lie_;
+    int pass_;
+    int passes_ = 0;
+    std::size_t next_ = 0;
+    bool hasPaused_ = false;
+    Record record_;
+};
+
+/// Groups, contrast and covariate behind the data.
+const Rows tables = {{12, 88, 20, 80, 1, 1, 0.2}, {15, 85, 25, 75, 1, -1, 0.5}, {9, 91, 8, 92, 2, 0, 0.1},
+                     {11, 70, 18, 60, 1, 1, 0.9}, {25, 85, 15, 75, 2, 0, 0.4},  {5, 31, 8, 40, 2, -1, 0.3}};
+
+MAModelSettings Everything(MAModelSettings settings, MODELTYPE model)
+{
+    settings.SetModelType(model);
+    settings.SetSubGroupIndex(4);
+    settings.SetContrastCoefIndex({5});
+    settings.SetIsTRIMFILL(true);
+    return settings;
+}
+
+template <class Driver>
+void ExpectSound(const Driver& model)
+{
+    const Results results = ResultsOf(model);
+    Violations violations;
+    const Expectations expect{results, true, violations};
+    expect.Lengths({"GetVariance", "GetStdError", "GetZVal", "GetSig", "GetCILower", "GetCIUpper",
+                    "GetNonMissingStudyID"},
+                   model.GetEffectSize().size());
+    expect.Ordered("GetEstCILower", "GetEstEffectSize", "GetEstCIUpper");
+    expect.SameShape({"GetFunnelX", "GetFunnelY"});
+    expect.SameShape({"GetBubbleXs", "GetBubbleW"});
+    expect.Between({"GetEstSig", "GetHomoTestSig", "GetNormalizedWeight"}, 0.0, 1.0);
+    EXPECT_EQ(violations.Texts(), std::vector<std::string>());
+}
+
+template <class Driver>
+struct LyingRun
+{
+    LyingRun(const MAModelSettings& settings, Lie lie, int pass) : records(tables, lie, pass), model(settings)
+    {
+        status = model.RUN(records, VariablesOf(tables));
+        ExpectSound(model);
+        const MARegSettings regression = RegressionOn({6});
+        model.RegBasedTest(records, VariablesOf(tables), regression);
+        model.BubblePlot(records, VariablesOf(tables), regression);
+        ExpectSound(model);
+    }
+
+    LyingRecordIter records;
+    Driver model;
+    KXStatus status;
+};
+
+/// Whether the second of two passes has the number of records of the first.
+bool HasSameCount(Lie lie)
+{
+    return lie != FEWER_RECORDS && lie != MORE_RECORDS && lie != NO_RECORDS && lie != PAUSE;
+}
+
+template <class Engine>
+void ExpectEngineSound(Lie lie, int pass)
+{
+    const MARegSettings settings = RegressionOn({2}, {3});
+    const Rows rows = {{0.1, 1, 1, 0}, {0.4, 2, 3, 1}, {0.2, 3, 2, 2},
+                       {0.9, 4, 5, 0}, {0.3, 1, 4, 1}, {0.7, 2, 2, 2}};
+    LyingRecordIter records(rows, lie, pass);
+    Engine engine(settings);
+    const KXStatus status = engine.BuildModel(records);
+    const MARegOutputStats output(settings, engine);
+    EXPECT_EQ(engine.IsModelBuilt(), !status.IsError());
+    const std::size_t count =
+        status.IsError() ? output.GetEstimation().size() : engine.GetParameters().size();
+    EXPECT_EQ(output.GetEstimation().size(), count);
+    EXPECT_EQ(output.GetBetaConfInterValUpper().size(), count);
+    for (const Row& row : rows)
+        Scores(engine, row);
+    EXPECT_TRUE(lie != LATE_ERROR || pass < 2 || pass > 3 ||
+                status == KXStatus(MAStatusCode::ITERATOR_FAILED));
+}
+
+} // namespace
+
+/// A run reads raw data in its first pass and what goes with the studies in its second; the small-study tests
+/// and the bubble plots have the others.
+TEST(LyingIterators, Analyses)
+{
+    for (const Lie lie : lies) {
+        for (int pass = 1; pass <= 9; ++pass) {
+            for (const MODELTYPE model : {MODEL_FIXED, MODEL_RANDOM}) {
+                SCOPED_TRACE(testing::Message()
+                             << "lie " << lie << " in pass " << pass << ", model " << model);
+                const LyingRun<MABinModel> ofTables(Everything(TableSettings(), model), lie, pass);
+                const bool looksUnread = pass == 1 && lie == NO_RECORDS; // and not as a pass over none
+                const bool isFound = pass <= 2 && !looksUnread && (!HasSameCount(lie) || lie == LATE_ERROR);
+                EXPECT_EQ(ofTables.status == KXStatus(MAStatusCode::ITERATOR_FAILED), isFound);
+                const LyingRun<MAContModel> ofMeans(Everything(MeansSettings(), model), lie, pass);
+                const LyingRun<MAContModel> ofEffects(Everything(EffectSettings(), model), lie, pass);
+                EXPECT_EQ(ofEffects.status == KXStatus(MAStatusCode::ITERATOR_FAILED),
+                          pass == 1 && lie == LATE_ERROR);
+            }
+        }
+    }
+}
+
+TEST(LyingIterators, Regressions)
+{
+    for (const Lie lie : lies) {
+        for (int pass = 1; pass <= 4; ++pass) {
+            SCOPED_TRACE(testing::Message() << "lie " << lie << " in pass " << pass);
+            ExpectEngineSound<MAFEAlgorithm>(lie, pass);
+            ExpectEngineSound<MAREAlgorithm>(lie, pass);
+        }
+    }
+}

@@ -1,0 +1,339 @@
+// Every allocation of an operation fails in turn, alone and with all after it. An executable of its own, for
+// it replaces operator new.
+
+#include "faults/FailingMemory.h"
+#include "faults/Getters.h"
+#include "faults/Results.h"
+#include "support/Regression.h"
+#include "support/SmallStudyRun.h"
+
+#include "meta_analysis/analysis/MABinModel.h"
+#include "meta_analysis/analysis/MAContModel.h"
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+using namespace MA_NAMESPACE;
+using namespace MAConst;
+
+namespace {
+
+using Codes = std::vector<int>;
+
+/// What an operation returned, and what it leaves when that is no error.
+struct Outcome
+{
+    KXStatus status;
+    Results results;
+};
+
+/// Something to do, when memory is short.
+using Operation = std::function<Outcome()>;
+
+void ExpectSurvives(const Operation& operation, const Results& complete, const Codes& errors)
+{
+    Outcome outcome;
+    EXPECT_NO_THROW(outcome = operation());
+    FailingMemory::Relent();
+    if (outcome.status.IsError())
+        EXPECT_NE(std::find(errors.begin(), errors.end(), outcome.status.GetCode()), errors.end())
+            << outcome.status.GetCode();
+    else
+        EXPECT_EQ(FirstDifference(outcome.results, complete), "") << "is not what it would be";
+}
+
+/// Makes the operation anew, has each of its allocations fail in turn, and expects one of the errors or,
+/// where it can do without, all of its results; and every byte back.
+void ExpectSurvivesShortage(const std::string& name, const std::function<Operation()>& make,
+                            const Codes& errors = {MAStatusCode::OUT_OF_MEMORY})
+{
+    if (testing::Test::HasFailure())
+        return; // a failure takes memory for its message
+    SCOPED_TRACE(name);
+    const Results complete = make()().results;
+    FailingMemory::Relent();
+    for (const bool forGood : {false, true}) {
+        bool hasFailed = true;
+        for (long n = 1; hasFailed && !testing::Test::HasFailure(); ++n) {
+            SCOPED_TRACE(testing::Message() << "allocation " << n << (forGood ? " and all after it" : ""));
+            const long before = FailingMemory::LiveCount();
+            {
+                const Operation operation = make();
+                FailingMemory::FailAt(n, forGood);
+                ExpectSurvives(operation, complete, errors);
+                hasFailed = FailingMemory::HasFailed();
+            }
+            EXPECT_EQ(FailingMemory::LiveCount(), before) << "something is leaked";
+        }
+    }
+}
+
+/// Without the small-study tests that may fail without an error: that of a run, and those of groups, which
+/// have a flag; and without the warnings.
+template <class Driver>
+Results EssentialResults(const Driver& model)
+{
+    FailingMemory::Relent();
+    Results results = ResultsOf(model);
+    const bool isGrouped = model.GetUniGroup().size() > 1;
+    std::erase_if(results, [&](const Result& result) {
+        const bool isOfGroups = result.name.starts_with("GetRegr") || result.name.starts_with("GetIfRegr");
+        return result.name.find("RegBasedTest") != std::string::npos || result.name == "GetWarnings" ||
+               (isGrouped && isOfGroups);
+    });
+    return results;
+}
+
+const Rows tables = {{12, 88, 20, 80, 1, 3, 1, 0.2}, {15, 85, 25, 75, 1, 2, -1, 0.5},
+                     {9, 91, 8, 92, 1, 5, 0, 0.1},   {11, 70, 18, 60, 2, 1, 1, 0.9},
+                     {25, 85, 15, 75, 2, 6, 0, 0.4}, {5, 31, 8, 40, 2, 4, -1, 0.3}};
+const Rows means = {{10, 3, 2, 10, 2, 2, 1, 2, 1, 0.5},
+                    {20, 5, 4, 22, 4, 3, 1, 1, 0, 0.1},
+                    {15, 1, 2, 12, 1, 2, 2, 4, -1, 0.8},
+                    {15, 9, 2, 12, 1, 2, 2, 3, 0, 0.2}};
+
+/// The roles that variables have behind the data: group, rank, contrast, covariate.
+struct Everything
+{
+    const char* name;
+    MODELTYPE model;
+    WEIGHTYPE weight;
+    bool isGrouped;
+    bool isCumulative;
+};
+
+const Everything everything[] = {
+    {"random effects", MODEL_RANDOM, WEIGHT_INVERSE_VARIANCE, false, false},
+    {"random effects of groups", MODEL_RANDOM, WEIGHT_INVERSE_VARIANCE, true, false},
+    {"random effects, cumulative", MODEL_RANDOM, WEIGHT_INVERSE_VARIANCE, true, true},
+    {"fixed effect", MODEL_FIXED, WEIGHT_INVERSE_VARIANCE, false, false},
+    {"Mantel-Haenszel of groups", MODEL_FIXED, WEIGHT_BINARY_FIXED, true, false},
+    {"Mantel-Haenszel, cumulative", MODEL_FIXED, WEIGHT_BINARY_FIXED, true, true},
+};
+
+MAModelSettings With(const Everything& wish, MAModelSettings settings, int firstRole)
+{
+    settings.SetModelType(wish.model);
+    settings.SetWeightType(wish.weight);
+    if (wish.isGrouped)
+        settings.SetSubGroupIndex(firstRole);
+    if (wish.isCumulative)
+        settings.SetCommulativeIndex(firstRole + 1);
+    settings.SetContrastCoefIndex({firstRole + 2});
+    settings.SetIsTRIMFILL(true);
+    settings.SetTrimFillSide(TRIM_SIDE_LARGEST);
+    settings.SetFunnelConTourTesType(CONTOUR_TWO_SIDED);
+    settings.SetFunnelNPoints(3);
+    settings.SetBubbleCurveNPoints(3);
+    return settings;
+}
+
+/// A run, and what may follow it.
+template <class Driver>
+class Analysis
+{
+public:
+    Analysis(const Everything& wish, const MAModelSettings& data, const Rows& rows, int firstRole)
+        : settings_(With(wish, data, firstRole)),
+          records_(rows),
+          variables_(VariablesOf(rows)),
+          finished_(settings_)
+    {
+        finished_.RUN(records_, variables_);
+        regression_.SetInterceptUse(true);
+        regression_.SetEstTauType("REML");
+        regression_.AddCovariate(firstRole + 3);
+    }
+
+    void ExpectSurvivesShortage()
+    {
+        ::ExpectSurvivesShortage("RUN", [this] {
+            return [this, model = std::make_shared<Driver>(settings_)] {
+                const KXStatus status = model->RUN(records_, variables_);
+                return Outcome{status, EssentialResults(*model)};
+            };
+        });
+        // A record that cannot be made is a failure of the iterator that makes it.
+        const Codes ofTest = {MAStatusCode::OUT_OF_MEMORY,       MAStatusCode::TAU2_FAILED,
+                              MAStatusCode::ITERATOR_FAILED,     MAStatusCode::RECORD_NOT_RESIZED,
+                              MAStatusCode::TEST_WITHOUT_OUTPUT, MAStatusCode::TEST_COVARIATE_REFUSED};
+        ::ExpectSurvivesShortage(
+            "RegBasedTest",
+            [this] {
+                return [this, model = std::make_shared<Driver>(finished_), regression = regression_] {
+                    const KXStatus status = model->RegBasedTest(records_, variables_, regression);
+                    return Outcome{status, EssentialResults(*model)};
+                };
+            },
+            ofTest);
+        ::ExpectSurvivesShortage(
+            "BubblePlot",
+            [this] {
+                return [this, model = std::make_shared<Driver>(finished_)] {
+                    const KXStatus status = model->BubblePlot(records_, variables_, regression_);
+                    return Outcome{status, EssentialResults(*model)};
+                };
+            },
+            ofTest);
+    }
+
+    /// Copies taken through getters are empty when there is no memory for them.
+    void ExpectGettersSurvive()
+    {
+        VisitGetters(&finished_, [this](const char* name, auto getter) {
+            for (long n = 1; n < 20; ++n) {
+                SCOPED_TRACE(name);
+                const long before = FailingMemory::LiveCount();
+                FailingMemory::FailAt(n, true);
+                EXPECT_NO_THROW((finished_.*getter)());
+                FailingMemory::Relent();
+                EXPECT_EQ(FailingMemory::LiveCount(), before);
+            }
+        });
+    }
+
+private:
+    MAModelSettings settings_;
+    MARegSettings regression_;
+    VectorRecordIter records_;
+    KXVarList variables_;
+    Driver finished_;
+};
+
+template <class Engine>
+void ExpectEngineSurvives(const MARegSettings& settings, const Rows& rows)
+{
+    VectorRecordIter records(rows);
+    const auto make = [&] {
+        return [&, engine = std::make_shared<Engine>(settings)] {
+            const KXStatus status = engine->BuildModel(records);
+            FailingMemory::Relent();
+            return Outcome{status, ResultsOf(MARegOutputStats(settings, *engine))};
+        };
+    };
+    ExpectSurvivesShortage("BuildModel", make);
+
+    Engine built(settings);
+    ASSERT_TRUE(built.BuildModel(records).IsOK());
+    const Record record(rows[0]);
+    ExpectSurvivesShortage("Score", [&] {
+        return [&] {
+            double fit = 0.0;
+            double unused = 0.0;
+            const KXStatus status = built.Score(record, fit, unused, unused, unused, unused, unused, unused);
+            FailingMemory::Relent();
+            return Outcome{status, {{"fit", {{fit}}}}};
+        };
+    });
+    ExpectSurvivesShortage("MARegOutputStats", [&] {
+        return [&] {
+            const MARegOutputStats output(settings, built);
+            FailingMemory::Relent();
+            return Outcome{output.IsComplete() ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY),
+                           ResultsOf(output)};
+        };
+    });
+    const MARegOutputStats output(settings, built);
+    FailingMemory::FailAt(1, true);
+    EXPECT_NO_THROW(output.GetRedundancyInfo());
+    EXPECT_NO_THROW(output.GetParameters());
+    EXPECT_NO_THROW(built.GetParameters());
+    EXPECT_NO_THROW(built.GetEffectInfo());
+    EXPECT_NO_THROW(built.GetFactorCounts());
+    FailingMemory::Relent();
+}
+
+} // namespace
+
+TEST(OutOfMemory, Analyses)
+{
+    for (const Everything& wish : everything) {
+        SCOPED_TRACE(wish.name);
+        Analysis<MABinModel> ofTables(wish, TableSettings(), tables, 4);
+        ofTables.ExpectSurvivesShortage();
+        ofTables.ExpectGettersSurvive();
+        if (wish.weight == WEIGHT_BINARY_FIXED)
+            continue; // which is for tables alone
+        Analysis<MAContModel>(wish, MeansSettings(), means, 6).ExpectSurvivesShortage();
+        Analysis<MAContModel>(wish, EffectSettings(1), means, 6).ExpectSurvivesShortage();
+    }
+}
+
+TEST(OutOfMemory, Regressions)
+{
+    Rows rows = RandomStudies(1, 9, 1);
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        rows[i].push_back(static_cast<double>(i % 3));
+    for (const char* const code : {"DL", "SJ", "REML"}) {
+        SCOPED_TRACE(code);
+        MARegSettings settings = RegressionOn({2}, {3});
+        settings.SetEstTauType(code);
+        ExpectEngineSurvives<MAFEAlgorithm>(settings, rows);
+        ExpectEngineSurvives<MAREAlgorithm>(settings, rows);
+    }
+}
+
+/// Settings are made, filled and copied in the host's own time, without a status: they remember, and so do
+/// their copies, and the run of such settings has the status.
+TEST(OutOfMemory, Settings)
+{
+    const std::vector<int> indices = {6};
+    const std::vector<double> numbers(6, 0.5);
+    const auto runOf = [](const MAModelSettings& settings) {
+        FailingMemory::Relent();
+        const MAModelSettings copy(settings);
+        VectorRecordIter records(tables);
+        MABinModel model(copy);
+        const KXStatus status = model.RUN(records, KXVarList());
+        EXPECT_EQ(status.IsError(), !settings.IsComplete());
+        return Outcome{status, EssentialResults(model)};
+    };
+    ExpectSurvivesShortage("filled", [&] {
+        return [&] {
+            MAModelSettings settings = TableSettings();
+            settings.SetContrastCoefIndex(indices);
+            settings.SetInputContrastCoef(numbers);
+            settings.SetFunnelConTourCutoff(numbers);
+            return runOf(settings);
+        };
+    });
+    MAModelSettings filled = TableSettings();
+    filled.SetContrastCoefIndex(indices);
+    ExpectSurvivesShortage("copied", [&] { return [&] { return runOf(MAModelSettings(filled)); }; });
+    ExpectSurvivesShortage("assigned", [&] {
+        return [&, settings = std::make_shared<MAModelSettings>()] {
+            *settings = filled;
+            return runOf(*settings);
+        };
+    });
+}
+
+TEST(OutOfMemory, RegressionSettings)
+{
+    const Rows rows = RandomStudies(1, 9, 1);
+    const MARegSettings filled = RegressionOn({2});
+    ExpectSurvivesShortage("copied", [&] {
+        return [&] {
+            const MARegSettings settings(filled);
+            FailingMemory::Relent();
+            const FERegression regression(settings, rows);
+            return Outcome{regression.status, ResultsOf(*regression.output)};
+        };
+    });
+    ExpectSurvivesShortage("filled", [&] {
+        return [&] {
+            MARegSettings settings;
+            KXModelEffect effect;
+            const bool isFilled = settings.SetDependent(0) && settings.AddCovariate(2) == 0 &&
+                                  settings.AddFactor(3, 2) == 0 && effect.AddCovariate(2) &&
+                                  settings.AddModelEffect(effect);
+            return Outcome{isFilled ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY), {}};
+        };
+    });
+}

@@ -1,0 +1,100 @@
+// Separate objects in separate threads that share their settings. Built once more under the thread sanitizer.
+
+#include "faults/Results.h"
+#include "support/Regression.h"
+#include "support/SmallStudyRun.h"
+
+#include "meta_analysis/analysis/MABinModel.h"
+#include "meta_analysis/analysis/MAContModel.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <thread>
+#include <vector>
+
+using namespace MA_NAMESPACE;
+using namespace MAConst;
+
+namespace {
+
+/// Tables, then a group, a contrast coefficient and a covariate.
+const Rows tables = {{12, 88, 20, 80, 1, 1, 0.2}, {15, 85, 25, 75, 1, -1, 0.5}, {9, 91, 8, 92, 2, 0, 0.1},
+                     {11, 70, 18, 60, 1, 1, 0.9}, {25, 85, 15, 75, 2, 0, 0.4},  {5, 31, 8, 40, 2, -1, 0.3}};
+
+/// What all threads read.
+struct Shared
+{
+    Shared()
+        : random(TableSettings()),
+          fixed(TableSettings()),
+          ofEffects(EffectSettings(5)),
+          regression(RegressionOn({2})),
+          rows(RandomStudies(7, 40, 1)),
+          variables(VariablesOf(tables))
+    {
+        random.SetSubGroupIndex(4);
+        random.SetIsTRIMFILL(true);
+        random.SetFunnelConTourTesType(CONTOUR_TWO_SIDED);
+        fixed.SetModelType(MODEL_FIXED);
+        fixed.SetWeightType(WEIGHT_BINARY_FIXED);
+        fixed.SetContrastCoefIndex({5});
+        ofEffects.SetKnapHartAdjustType(KNAPP_HARTUNG_ADJUSTED);
+        regression.SetEstTauType("REML");
+    }
+
+    MAModelSettings random;
+    MAModelSettings fixed;
+    MAModelSettings ofEffects;
+    MARegSettings regression;
+    Rows rows;
+    KXVarList variables;
+};
+
+template <class Driver>
+Results Analysed(const Shared& shared, const MAModelSettings& settings)
+{
+    VectorRecordIter records(tables);
+    Driver model(settings);
+    EXPECT_TRUE(model.RUN(records, shared.variables).IsOK());
+    EXPECT_TRUE(model.BubblePlot(records, shared.variables, shared.regression).IsOK());
+    return ResultsOf(model);
+}
+
+const std::function<Results(const Shared&)> tasks[] = {
+    [](const Shared& shared) { return Analysed<MABinModel>(shared, shared.random); },
+    [](const Shared& shared) { return Analysed<MABinModel>(shared, shared.fixed); },
+    [](const Shared& shared) { return Analysed<MAContModel>(shared, shared.ofEffects); },
+    [](const Shared& shared) { return ResultsOf(*FERegression(shared.regression, shared.rows).output); },
+    [](const Shared& shared) { return ResultsOf(*RERegression(shared.regression, shared.rows).output); },
+};
+
+} // namespace
+
+TEST(Threads, DoNotDisturbOneAnother)
+{
+    constexpr int threadCount = 6;
+    constexpr int rounds = 10;
+    const Shared shared;
+    const auto work = [&](std::vector<Results>& done) {
+        for (int round = 0; round < rounds; ++round) {
+            for (const auto& task : tasks)
+                done.push_back(task(shared));
+        }
+    };
+    std::vector<std::vector<Results>> done(threadCount);
+    std::vector<std::thread> threads;
+    for (std::vector<Results>& ofThread : done)
+        threads.emplace_back(work, std::ref(ofThread));
+    for (std::thread& thread : threads)
+        thread.join();
+
+    std::vector<Results> expected;
+    work(expected);
+    for (const std::vector<Results>& ofThread : done) {
+        ASSERT_EQ(ofThread.size(), expected.size());
+        for (std::size_t i = 0; i < expected.size(); ++i)
+            EXPECT_EQ(FirstDifference(ofThread[i], expected[i]), "")
+                << "differs in task " << i % std::size(tasks);
+    }
+}

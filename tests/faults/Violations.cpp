@@ -1,0 +1,121 @@
+#include "faults/Violations.h"
+
+#include "support/Compare.h"
+
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <cmath>
+#include <iomanip>
+#include <sstream>
+#include <stdexcept>
+
+using namespace MA_NAMESPACE;
+
+namespace {
+
+constexpr int errors[] = {MAStatusCode::LENGTH_MISMATCH,      MAStatusCode::PARAMETER_COUNT_MISMATCH,
+                          MAStatusCode::INPUT_NOT_GIVEN,      MAStatusCode::TOO_MANY_NONREDUNDANT,
+                          MAStatusCode::ITERATOR_NOT_STARTED, MAStatusCode::ITERATOR_FAILED,
+                          MAStatusCode::TOO_FEW_ROWS,         MAStatusCode::TEST_DEPENDENT_REFUSED,
+                          MAStatusCode::TEST_TYPE_UNDEFINED,  MAStatusCode::TEST_COVARIATE_REFUSED,
+                          MAStatusCode::TEST_WITHOUT_OUTPUT,  MAStatusCode::RECORD_NOT_RESIZED,
+                          MAStatusCode::TOO_FEW_FOR_TEST,     MAStatusCode::ONE_USABLE_STUDY,
+                          MAStatusCode::TAU2_FAILED,          MAStatusCode::NO_USABLE_STUDY,
+                          MAStatusCode::NO_ANALYSED_STUDY,    MAStatusCode::OUT_OF_MEMORY};
+
+std::string Text(double lower, double value, double upper)
+{
+    std::ostringstream text;
+    text << std::setprecision(17) << " lies between its bounds: " << lower << " <= " << value
+         << " <= " << upper;
+    return text.str();
+}
+
+bool IsNumber(double value)
+{
+    return std::isfinite(value) && !KXMV::IsMissing(value);
+}
+
+} // namespace
+
+void ExpectKnownStatus(const KXStatus& status, const std::string& operation, Violations& violations)
+{
+    const bool isKnown =
+        std::find(std::begin(errors), std::end(errors), status.GetCode()) != std::end(errors);
+    if (status.IsError() && !isKnown)
+        violations.Add(operation + " returns the unknown error " + std::to_string(status.GetCode()));
+}
+
+const std::vector<std::vector<double>>& Expectations::Rows(const std::string& name) const
+{
+    const auto found = std::find_if(results.begin(), results.end(),
+                                    [&](const Result& result) { return result.name == name; });
+    if (found == results.end())
+        throw std::invalid_argument("no result " + name);
+    return found->rows;
+}
+
+std::vector<double> Expectations::Values(const std::string& name) const
+{
+    std::vector<double> values;
+    for (const std::vector<double>& row : Rows(name))
+        values.insert(values.end(), row.begin(), row.end());
+    return values;
+}
+
+void Expectations::Numbers(const std::vector<std::string>& except) const
+{
+    for (const Result& result : results) {
+        if (std::find(except.begin(), except.end(), result.name) != except.end())
+            continue;
+        for (const double value : Values(result.name)) {
+            if (!std::isfinite(value))
+                violations.Add(result.name + " are numbers for ordinary data");
+        }
+    }
+}
+
+void Expectations::Lengths(const std::vector<std::string>& names, std::size_t length) const
+{
+    for (const std::string& name : names) {
+        if (Values(name).size() != length)
+            violations.Add(name + " has as many entries as its companions");
+    }
+}
+
+void Expectations::SameShape(const std::vector<std::string>& names) const
+{
+    const auto& first = Rows(names.front());
+    for (const std::string& name : names) {
+        const auto& rows = Rows(name);
+        if (!std::equal(rows.begin(), rows.end(), first.begin(), first.end(),
+                        [](const auto& a, const auto& b) { return a.size() == b.size(); }))
+            violations.Add(name + " has the rows of " + names.front());
+    }
+}
+
+void Expectations::Between(const std::vector<std::string>& names, double least, double most) const
+{
+    for (const std::string& name : names) {
+        for (const double value : Values(name)) {
+            if (!KXMV::IsMissing(value) && (value < least || value > most))
+                violations.Add(name + " is " + std::to_string(value) + ", not in its range");
+        }
+    }
+}
+
+void Expectations::Ordered(const std::string& lower, const std::string& middle,
+                           const std::string& upper) const
+{
+    const std::vector<double> least = Values(lower);
+    const std::vector<double> values = Values(middle);
+    const std::vector<double> most = Values(upper);
+    if (least.size() != values.size() || values.size() != most.size())
+        violations.Add(middle + " has as many entries as its bounds");
+    for (std::size_t i = 0; hasLevel && i < std::min({least.size(), values.size(), most.size()}); ++i) {
+        if (!IsNumber(values[i]) || !IsNumber(least[i]) || !IsNumber(most[i]))
+            continue;
+        if (!(least[i] <= values[i] && values[i] <= most[i]))
+            violations.Add(middle + Text(least[i], values[i], most[i]));
+    }
+}
