@@ -135,7 +135,7 @@ void MARandomEffectModel::TestMean()
     } else {
         return;
     }
-    if (std::isnan(statistic_)) // effects of 0 alone under Knapp and Hartung: an interval of no width, no test
+    if (stdError == 0.0 && mean_ == 0.0) // all effects are 0, under Knapp and Hartung: there is no test
         statistic_ = significance_ = KXMV::Missing();
     ciUpper_ = mean_ + stdError * quantile;
     ciLower_ = mean_ - stdError * quantile;
