@@ -77,14 +77,6 @@ void TrimAndFill(benchmark::State& state)
 }
 BENCHMARK(TrimAndFill)->Arg(1000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-void CumulativeFixed(benchmark::State& state)
-{
-    MAModelSettings settings = ReadyMadeSettings(MAConst::MODEL_FIXED);
-    settings.SetCommulativeIndex(ORDER);
-    TimeRuns(state, settings);
-}
-BENCHMARK(CumulativeFixed)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
-
 void CumulativeReml(benchmark::State& state)
 {
     MAModelSettings settings = ReadyMadeSettings(MAConst::MODEL_RANDOM);

@@ -1,5 +1,6 @@
 #include "host/Gnuplot.h"
 
+#include "host/FontCoverage.h"
 #include "host/PlainText.h"
 
 #include <fmt/format.h>
@@ -50,6 +51,7 @@ struct Terminal
 {
     std::string command;
     double pixelsPerPointSize;
+    bool drawsLetters; ///< with the installed fonts; in an SVG, whoever shows it does
 };
 
 Terminal TerminalOf(const Picture& picture, PictureFormat format)
@@ -62,18 +64,18 @@ Terminal TerminalOf(const Picture& picture, PictureFormat format)
     case PictureFormat::SVG:
         return {fmt::format("svg size {:.0f},{:.0f} noenhanced font 'sans-serif,{}' background '#ffffff'",
                             width, height, FONT_SIZE),
-                4.5};
+                4.5, false};
     case PictureFormat::PNG:
         return {fmt::format("pngcairo size {0:.0f},{1:.0f} noenhanced font 'sans-serif,{2}' fontscale {3} "
                             "pointscale {3} linewidth {3}",
                             SHARPNESS * width, SHARPNESS * height, POINTS * FONT_SIZE, SHARPNESS),
-                3};
+                3, true};
     case PictureFormat::PDF:
         return {fmt::format("pdfcairo size {:.4f},{:.4f} noenhanced font 'sans-serif,{}' fontscale {} "
                             "pointscale {} linewidth {}",
                             width * POINTS / 72, height * POINTS / 72, POINTS * FONT_SIZE, POINTS, POINTS,
                             2 * POINTS),
-                3};
+                3, true};
     }
     return {};
 }
@@ -111,7 +113,7 @@ private:
 
 std::string ScriptWriter::TextReference(const std::string& text)
 {
-    texts_ += '|' + PlainText(text) + '\n';
+    texts_ += '|' + (terminal_.drawsLetters ? DrawableText(text) : PlainText(text)) + '\n';
     return fmt::format("$texts[{}][2:*]", ++textCount_);
 }
 

@@ -91,6 +91,17 @@ std::string PlainText(std::string_view text)
     return TextOf(codePoints.begin(), codePoints.end());
 }
 
+std::string WithoutCharacters(std::string_view text, char replacement,
+                              const std::function<bool(char32_t)>& isUnwanted)
+{
+    CodePoints codePoints = CodePointsOf(text);
+    std::replace_if(
+        codePoints.begin(), codePoints.end(),
+        [&](utf8proc_int32_t codePoint) { return isUnwanted(static_cast<char32_t>(codePoint)); },
+        replacement);
+    return TextOf(codePoints.begin(), codePoints.end());
+}
+
 double TextWidth(std::string_view text, bool isBold)
 {
     const CodePoints codePoints = CodePointsOf(text);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 
@@ -8,6 +9,10 @@ namespace host {
 /// The text as one line of valid UTF-8 that may stand in XML and HTML: control characters become spaces,
 /// bytes that are no UTF-8 and code points that are no characters become the replacement character.
 std::string PlainText(std::string_view text);
+
+/// The text as PlainText() makes it, with `replacement` for each character that is unwanted.
+std::string WithoutCharacters(std::string_view text, char replacement,
+                              const std::function<bool(char32_t)>& isUnwanted);
 
 /// Upper bound of the text's width in a sans-serif font, in units of the font's size.
 double TextWidth(std::string_view text, bool isBold = false);

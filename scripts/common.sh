@@ -3,6 +3,12 @@
 set -euo pipefail
 cd "$(dirname "${BASH_SOURCE[0]}")/.."
 
+# The analysis that the scripts show: 13 trials of BCG vaccination (sources: tests/data/README.md).
+# shellcheck disable=SC2034
+bcg_vaccine=(binary tests/data/bcg_vaccine.csv --study study
+    --treatment-events treatment_events --treatment-nonevents treatment_nonevents
+    --control-events control_events --control-nonevents control_nonevents)
+
 # quietly TITLE COMMAND...: shows the title alone while the command succeeds, and all it said when it fails.
 quietly() {
     local title=$1 log status=0

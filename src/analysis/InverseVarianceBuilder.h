@@ -6,7 +6,7 @@
 namespace MA_NAMESPACE {
 
 /// Builds the models of an analysis by inverse variance, under the fixed-effect or random-effects model.
-class MABaseModel::InverseVarianceBuilder : public MAModelBuilder
+class META_ANALYSIS_HIDDEN MABaseModel::InverseVarianceBuilder : public MAModelBuilder
 {
 public:
     explicit InverseVarianceBuilder(MABaseModel& analysis) : analysis_(analysis) {}

@@ -7,7 +7,6 @@
 #include "meta_analysis/settings/MAWarnings.h"
 
 #include <cmath>
-#include <numeric>
 #include <set>
 
 namespace MA_NAMESPACE {
@@ -26,7 +25,7 @@ double Tau2Of(const MARandomEffectModel& model)
 
 } // namespace
 
-MABaseModel::MABaseModel(const MAModelSettings& settings) : settings_(&settings) {}
+MABaseModel::MABaseModel(const MAModelSettings& settings) : MAAnalysisResults(settings) {}
 MABaseModel::MABaseModel(const MABaseModel&) = default;
 MABaseModel& MABaseModel::operator=(const MABaseModel&) = default;
 MABaseModel::~MABaseModel() = default;
@@ -209,15 +208,6 @@ void MABaseModel::AppendTestOutput(const MAHeterogeneityRow& row, double tau2)
         results_.tau2.push_back(tau2);
         return status_;
     });
-}
-
-std::vector<double> MABaseModel::GetNormalizedWeight() const
-{
-    std::vector<double> normalized = CopyOf(weights_);
-    const double sum = std::accumulate(normalized.begin(), normalized.end(), 0.0);
-    for (double& weight : normalized)
-        weight /= sum;
-    return normalized;
 }
 
 } // namespace MA_NAMESPACE

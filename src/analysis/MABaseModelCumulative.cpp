@@ -63,17 +63,4 @@ MASelection MABaseModel::InCumulativeOrder(MASelection members) const
     return members;
 }
 
-std::vector<std::vector<double>> MABaseModel::CumulativeRows(double MAModelRow::*field) const
-{
-    try {
-        std::vector<std::vector<double>> rows;
-        rows.reserve(cumulativeRows_.size());
-        for (const std::vector<MAModelRow>& row : cumulativeRows_)
-            rows.push_back(FieldOf(row, field));
-        return rows;
-    } catch (...) {
-        return {};
-    }
-}
-
 } // namespace MA_NAMESPACE

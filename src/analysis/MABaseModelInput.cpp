@@ -4,6 +4,7 @@
 #include "meta_analysis/analysis/MABaseModel.h"
 #include "meta_analysis/analysis/MARecordPass.h"
 #include "meta_analysis/effectsize/MANormalTest.h"
+#include "meta_analysis/effectsize/MAPoolable.h"
 #include "meta_analysis/platform/common/KXPower.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -19,12 +20,6 @@ double ExponentOrZero(double x)
     double result = 0.0;
     KXPower::Exponent(x, result);
     return result;
-}
-
-bool IsPoolable(double effectSize, double variance)
-{
-    return std::isfinite(effectSize) && std::isfinite(variance) && variance > 0.0 &&
-           std::isfinite(1.0 / variance);
 }
 
 } // namespace
@@ -71,6 +66,7 @@ KXStatus MABaseModel::ReviewComputedStudies(MultiPassRecordIter& records,
                                             const std::vector<int>& contrastIndices)
 {
     const std::size_t computedCount = studies_.recordNumber.size();
+    studies_.groupValue.reserve(computedCount);
     std::vector<bool> kept(computedCount, false);
     std::size_t keptCount = 0;
     std::size_t next = 0;
@@ -96,14 +92,11 @@ KXStatus MABaseModel::ReviewComputedStudies(MultiPassRecordIter& records,
     return status;
 }
 
-/// A study without a finite effect or a positive finite variance would make every result NaN.
+/// A measure outside the enumeration has no effect sizes at all.
 bool MABaseModel::CanPool(std::size_t study) const
 {
-    if (study >= studies_.Count())
-        return false; // an unknown measure has no effect sizes at all
-    const double effectSize = studies_.effects.effectSize[study];
-    const double variance = studies_.effects.variance[study];
-    return !KXMV::IsMissing(effectSize) && IsPoolable(effectSize, variance);
+    return study < studies_.Count() &&
+           IsPoolable(studies_.effects.effectSize[study], studies_.effects.variance[study]);
 }
 
 void MABaseModel::ForgetStudies()

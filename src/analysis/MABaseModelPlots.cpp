@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numeric>
 
 namespace MA_NAMESPACE {
 
@@ -43,6 +44,18 @@ double StdErrorAt(MAConst::FunnelYType type, double y)
         return 1.0 / std::sqrt(y);
     }
     return 0.0;
+}
+
+/// Of coordinates, which are no less than 0; 0 when there are none.
+double Largest(const std::vector<double>& y)
+{
+    return std::accumulate(y.begin(), y.end(), 0.0, [](double a, double b) { return std::max(a, b); });
+}
+
+double Smallest(const std::vector<double>& y)
+{
+    return std::accumulate(y.begin(), y.end(), std::numeric_limits<double>::max(),
+                           [](double a, double b) { return std::min(a, b); });
 }
 
 } // namespace
@@ -118,30 +131,28 @@ void MABaseModel::CalcFunnelPlotY(const std::vector<double>& variances, bool wit
     const MAConst::FunnelYType type = settings_->GetFunnelYType();
     std::vector<double> y;
     y.reserve(variances.size());
-    funnelYMax_ = 0.0;
-    funnelYMin_ = std::numeric_limits<double>::max();
-    for (const double variance : variances) {
+    for (const double variance : variances)
         y.push_back(FunnelY(type, variance));
-        funnelYMax_ = std::max(funnelYMax_, y.back());
-        funnelYMin_ = std::min(funnelYMin_, y.back());
-    }
     if (!withoutContour)
-        funnel_.yMax.push_back(funnelYMax_);
+        funnel_.yMax.push_back(Largest(y));
     funnel_.y.push_back(std::move(y));
 }
 
-/// The line on the upper side of the centre, from the vertical origin (or, on an inverted axis, from the
-/// smallest coordinate) to the largest coordinate. A single point divides by zero and becomes a NaN.
+/// The line on the upper side of the centre, for the row of vertical coordinates computed last: from the
+/// origin (or, on an inverted axis, from the smallest coordinate) to the largest coordinate. A single point
+/// divides by zero and becomes a NaN.
 void MABaseModel::CalcFunnelPlotCILine(double centre)
 {
     const MAConst::FunnelYType type = settings_->GetFunnelYType();
     const bool isInverted = type == MAConst::FUNNEL_PRECISION || type == MAConst::FUNNEL_INVERSE_VARIANCE;
     const double z = TwoSidedNormalQuantile(alpha_);
-    const double start = isInverted ? funnelYMin_ : 0.0;
+    const double start = isInverted ? Smallest(funnel_.y.back()) : 0.0;
     const int points = settings_->GetFunnelNPoints();
-    const double step = (funnelYMax_ - start) / (points - 1.0);
+    const double step = (Largest(funnel_.y.back()) - start) / (points - 1.0);
     std::vector<double> x;
     std::vector<double> y;
+    x.reserve(static_cast<std::size_t>(std::max(points, 0)));
+    y.reserve(x.capacity());
     for (int k = 0; k < points; ++k) {
         const double t = k * step + start;
         const double stdError = StdErrorAt(type, t);
@@ -162,8 +173,9 @@ void MABaseModel::CalcFunnelPlotContours()
     const std::vector<double>& levels = settings_->GetFunnelConTourCutoff();
     std::vector<double> extents;
     extents.reserve(levels.size());
+    const double yMax = Largest(funnel_.y.back());
     for (const double level : levels)
-        extents.push_back(CalcContourXPVal(funnelYMax_, level));
+        extents.push_back(CalcContourXPVal(yMax, level));
     funnel_.contourX.push_back(std::move(extents));
 }
 

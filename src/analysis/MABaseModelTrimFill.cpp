@@ -1,7 +1,7 @@
 // Trim-and-fill (Duval and Tweedie 2000, Biometrics 56, 455-463).
 
 #include "meta_analysis/analysis/MABaseModel.h"
-#include "meta_analysis/platform/common/KXPower.h"
+#include "meta_analysis/analysis/MAModelRows.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -14,13 +14,6 @@
 namespace MA_NAMESPACE {
 
 namespace {
-
-double ExponentOrMissing(double x)
-{
-    double result = KXMV::Missing();
-    KXPower::Exponent(x, result);
-    return result;
-}
 
 /// The studies on the scale of the trimmed side, ascending: the largest values are the ones to trim.
 struct TrimOrder
@@ -211,11 +204,8 @@ KXStatus MABaseModel::FillAndPool(const std::vector<double>& values, const std::
     if (BuildModel(filledEffects, filledVariances).IsError())
         return status_;
     if (settings_->GetBinaryEstType() != MAConst::BIN_RISK_DIFFERENCE &&
-        settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY && results_.exponentiated.empty()) {
-        const MAModelRow& row = results_.models.front();
-        results_.exponentiated.push_back({ExponentOrMissing(row.estimate), ExponentOrMissing(row.ciLower),
-                                          ExponentOrMissing(row.ciUpper)});
-    }
+        settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY && results_.exponentiated.empty())
+        results_.exponentiated.push_back(Exponentiated(results_.models.front()));
     std::swap(results_, filledResults_);
     return status_;
 }

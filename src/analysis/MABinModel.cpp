@@ -3,7 +3,6 @@
 #include "meta_analysis/analysis/InverseVarianceBuilder.h"
 #include "meta_analysis/analysis/MAModelRows.h"
 #include "meta_analysis/analysis/TableBuilder.h"
-#include "meta_analysis/platform/common/KXPower.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -13,14 +12,6 @@
 namespace MA_NAMESPACE {
 
 namespace {
-
-/// Missing for a missing value and where the exponential overflows.
-double ExponentOrMissing(double x)
-{
-    double result = KXMV::Missing();
-    KXPower::Exponent(x, result);
-    return result;
-}
 
 std::vector<double> Exponentiated(std::vector<double> values)
 {
@@ -204,11 +195,8 @@ void MABinModel::AppendExponentiated()
 {
     if (GetESType() == MAConst::BIN_RISK_DIFFERENCE)
         return;
-    for (std::size_t i = results_.exponentiated.size(); i < results_.models.size(); ++i) {
-        const MAModelRow& row = results_.models[i];
-        results_.exponentiated.push_back({ExponentOrMissing(row.estimate), ExponentOrMissing(row.ciLower),
-                                          ExponentOrMissing(row.ciUpper)});
-    }
+    for (std::size_t i = results_.exponentiated.size(); i < results_.models.size(); ++i)
+        results_.exponentiated.push_back(Exponentiated(results_.models[i]));
 }
 
 KXStatus MABinModel::BuildBinModel(const std::vector<double>& treatmentEvents,

@@ -1,6 +1,7 @@
 #include "meta_analysis/analysis/MABubblePlot.h"
 
 #include "meta_analysis/analysis/MARecordPass.h"
+#include "meta_analysis/effectsize/MAPoolable.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 #include "meta_analysis/regression/MAFEAlgorithm.h"
 #include "meta_analysis/regression/MAREAlgorithm.h"
@@ -54,8 +55,7 @@ struct MABubblePlot::Study
 
     bool IsUsable() const
     {
-        return !KXMV::IsMissing(effectSize) && variance > 0.0 && !KXMV::IsMissing(x) &&
-               std::isfinite(effectSize) && std::isfinite(1.0 / variance) && std::isfinite(x);
+        return IsPoolable(effectSize, variance) && std::isfinite(x) && !KXMV::IsMissing(x);
     }
 };
 

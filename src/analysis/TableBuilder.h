@@ -6,7 +6,7 @@
 namespace MA_NAMESPACE {
 
 /// Builds the models of an analysis from its 2x2 tables, by Mantel and Haenszel or Peto.
-class MABinModel::TableBuilder : public MAModelBuilder
+class META_ANALYSIS_HIDDEN MABinModel::TableBuilder : public MAModelBuilder
 {
 public:
     explicit TableBuilder(MABinModel& analysis) : analysis_(analysis) {}

@@ -302,6 +302,9 @@ void MABinaryEffectSize::ComputeTests()
 {
     const bool isRatio = method_ != MAConst::BIN_RISK_DIFFERENCE;
     const Scale& tested = isRatio ? log_ : natural_;
+    for (std::vector<double>* list :
+         {&log_.zValue, &log_.significance, &natural_.zValue, &natural_.significance})
+        list->reserve(list->size() + studyCount_);
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const double z = tested.value[i] / tested.stdError[i];
         const double significance = TwoSidedNormalSignificance(z);

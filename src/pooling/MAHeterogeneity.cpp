@@ -27,13 +27,26 @@ double I2FromH2(double h2)
 
 } // namespace
 
-MAHeterogeneityMeasures MeasureHeterogeneity(double q, std::size_t k, double quantile)
+MAHeterogeneityMeasures HeterogeneityFromQ(double q, double df)
 {
-    const double df = static_cast<double>(k) - 1.0;
     MAHeterogeneityMeasures measures;
     measures.h2 = q / df;
     measures.i2 = q > df ? (q - df) / q : 0.0;
+    return measures;
+}
 
+MAHeterogeneityMeasures HeterogeneityFromTau2(double tau2, double typicalVariance)
+{
+    const double total = typicalVariance + tau2;
+    MAHeterogeneityMeasures measures;
+    measures.h2 = total / typicalVariance;
+    measures.i2 = tau2 / total;
+    return measures;
+}
+
+MAHeterogeneityMeasures MeasureHeterogeneity(double q, std::size_t k, double quantile)
+{
+    MAHeterogeneityMeasures measures = HeterogeneityFromQ(q, static_cast<double>(k) - 1.0);
     const double stdError = StdErrorOfLogH(q, static_cast<double>(k));
     if (!std::isfinite(stdError))
         return measures;

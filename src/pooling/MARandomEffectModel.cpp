@@ -2,23 +2,14 @@
 
 #include "meta_analysis/effectsize/MAInputCheck.h"
 #include "meta_analysis/effectsize/MANormalTest.h"
-#include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/pooling/MAHeterogeneity.h"
+#include "meta_analysis/pooling/MAKnappHartung.h"
+#include "meta_analysis/pooling/MAStudentTest.h"
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace MA_NAMESPACE {
-
-namespace {
-
-double TwoSidedTQuantile(double alpha, double df)
-{
-    return KXDistFun::IdfT(1.0 - alpha * 0.5, df, 1e-20, 1e-12);
-}
-
-} // namespace
 
 MARandomEffectModel::MARandomEffectModel() = default;
 MARandomEffectModel::MARandomEffectModel(const MARandomEffectModel&) = default;
@@ -112,22 +103,21 @@ void MARandomEffectModel::PoolEffectSizes()
     mean_ = weightedSum / weightSum;
     variance_ = 1.0 / weightSum;
     if (knappHartung_ != MAConst::KNAPP_HARTUNG_NONE)
-        variance_ = KnappHartungFactor() / weightSum;
+        variance_ = VarianceFactor() / weightSum;
 }
 
-/// Weighted residual variance about the pooled mean, by which the adjustment scales the variance.
-double MARandomEffectModel::KnappHartungFactor() const
+/// A single study has no residual, and keeps its variance.
+double MARandomEffectModel::VarianceFactor() const
 {
-    double factor = 1.0;
-    if (studyCount_ > 1) {
-        double residualSum = 0.0;
-        for (std::size_t i = 0; i < studyCount_; ++i) {
-            const double residual = (*effectSizes_)[i] - mean_;
-            residualSum += residual * residual / (tau2_ + (*variances_)[i]);
-        }
-        factor = residualSum / (static_cast<double>(studyCount_) - 1.0);
+    if (studyCount_ < 2)
+        return 1.0;
+    double residualSum = 0.0;
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const double residual = (*effectSizes_)[i] - mean_;
+        residualSum += residual * residual / (tau2_ + (*variances_)[i]);
     }
-    return knappHartung_ == MAConst::KNAPP_HARTUNG_TRUNCATED ? std::max(factor, 1.0) : factor;
+    return KnappHartungFactor(residualSum, static_cast<double>(studyCount_) - 1.0,
+                              knappHartung_ == MAConst::KNAPP_HARTUNG_TRUNCATED);
 }
 
 void MARandomEffectModel::TestMean()
@@ -141,11 +131,11 @@ void MARandomEffectModel::TestMean()
     } else if (studyCount_ >= 2) {
         const double df = static_cast<double>(studyCount_) - 1.0;
         quantile = TwoSidedTQuantile(alpha_, df);
-        significance_ = 2.0 * (1.0 - KXDistFun::CdfT(std::abs(statistic_), df));
+        significance_ = TwoSidedTSignificance(statistic_, df);
     } else {
         return;
     }
-    if (stdError == 0.0) // equal effects under Knapp and Hartung: an interval of no width, and no test
+    if (std::isnan(statistic_)) // effects of 0 alone under Knapp and Hartung: an interval of no width, no test
         statistic_ = significance_ = KXMV::Missing();
     ciUpper_ = mean_ + stdError * quantile;
     ciLower_ = mean_ - stdError * quantile;
@@ -185,8 +175,9 @@ void MARandomEffectModel::TestHomogeneity()
     qSignificance_ = HomogeneitySignificance(q_, df_);
 
     const double typicalVariance = df_ * weightSum / (2.0 * pairSum);
-    h2_ = (typicalVariance + tau2_) / typicalVariance;
-    i2_ = tau2_ / (typicalVariance + tau2_);
+    const MAHeterogeneityMeasures measures = HeterogeneityFromTau2(tau2_, typicalVariance);
+    h2_ = measures.h2;
+    i2_ = measures.i2;
 }
 
 } // namespace MA_NAMESPACE

@@ -74,7 +74,7 @@ public:
 private:
     KXStatus EstimateTau2();
     void PoolEffectSizes();
-    double KnappHartungFactor() const;
+    double VarianceFactor() const;
     void TestMean();
     void PredictEffect();
     void TestHomogeneity();

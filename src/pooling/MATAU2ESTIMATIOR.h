@@ -11,6 +11,7 @@ namespace MA_NAMESPACE {
 
 class MADesignMatrix;
 class MARegFit;
+struct MAFittedRows;
 
 /// Between-study variance tau² of k effect sizes y with within-study variances v, or the residual one of a
 /// meta-regression.
@@ -91,6 +92,9 @@ private:
     void SJRegEstimator();
     void IterateRegression(MAConst::TAU2ESTIMATOR type);
     StepSums RegressionSums(MARegFit& fit, bool withHatMatrix);
+    void AddResiduals(const MAFittedRows& rows, StepSums& sums) const;
+    void AddLeverages(const MAFittedRows& rows, StepSums& sums) const;
+    bool HasWeight(std::size_t row) const;
 
     double StepFrom(const StepSums& sums, MAConst::TAU2ESTIMATOR type) const;
     template <class Sums>

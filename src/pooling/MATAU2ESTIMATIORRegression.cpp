@@ -14,7 +14,8 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// The iterative estimators leave out rows whose weight or variance is not above it.
+/// The iterative estimators leave out rows whose weight or variance is not above it: such a row tells
+/// nothing, or would decide alone, with squared weights beyond 1e24.
 constexpr double minimumWeight = 1e-12;
 
 } // namespace
@@ -133,7 +134,7 @@ void MATAU2ESTIMATIOR::HERegEstimator()
         return;
     double sum = 0.0;
     for (std::size_t i = 0; i < n; ++i)
-        sum += Square(ResidualOf(i)) - (1.0 - leverages_[i]) * rows.Variance(i);
+        sum += Square(ResidualOf(i)) - (1.0 - leverages_[i]) * rows.variances[i];
     tau2_ = TruncateAtZero(sum / (static_cast<double>(n) - nonRedundantCount_));
 }
 
@@ -201,21 +202,45 @@ MATAU2ESTIMATIOR::StepSums MATAU2ESTIMATIOR::RegressionSums(MARegFit& fit, bool 
         status_ = fitted;
         return sums;
     }
-    const MADesignRows& rows = design_->Rows();
-    for (std::size_t i = 0; i < rows.Count(); ++i) {
-        if (!(rows.weights[i] > minimumWeight && rows.Variance(i) > minimumWeight))
-            continue;
-        const double weight = fit.Weight(i);
-        sums.Add(weight, fit.Residual(i));
-        if (withHatMatrix) {
-            const double leverage = fit.Leverage(i);
-            sums.traceP += (1.0 - leverage) * weight;
-            sums.tracePP += (1.0 - 2.0 * leverage) * weight * weight;
-        }
-    }
+    fit.VisitRows(withHatMatrix, [&](const MAFittedRows& rows) {
+        AddResiduals(rows, sums);
+        if (withHatMatrix)
+            AddLeverages(rows, sums);
+    });
     if (withHatMatrix)
         sums.tracePP += fit.SquaredHatTrace();
     return sums;
+}
+
+/// On a copy, which registers can hold; all sums together are more than they hold.
+void MATAU2ESTIMATIOR::AddResiduals(const MAFittedRows& rows, StepSums& sums) const
+{
+    StepSums added = sums;
+    for (std::size_t i = 0; i < rows.count; ++i) {
+        if (HasWeight(rows.first + i))
+            added.Add(rows.weights[i], rows.residuals[i]);
+    }
+    sums = added;
+}
+
+void MATAU2ESTIMATIOR::AddLeverages(const MAFittedRows& rows, StepSums& sums) const
+{
+    double traceP = sums.traceP;
+    double tracePP = sums.tracePP;
+    for (std::size_t i = 0; i < rows.count; ++i) {
+        if (!HasWeight(rows.first + i))
+            continue;
+        const double weight = rows.weights[i];
+        traceP += (1.0 - rows.leverages[i]) * weight;
+        tracePP += (1.0 - 2.0 * rows.leverages[i]) * weight * weight;
+    }
+    sums.traceP = traceP;
+    sums.tracePP = tracePP;
+}
+
+bool MATAU2ESTIMATIOR::HasWeight(std::size_t row) const
+{
+    return design_->Rows().weights[row] > minimumWeight && design_->Rows().variances[row] > minimumWeight;
 }
 
 } // namespace MA_NAMESPACE

@@ -3,7 +3,7 @@
 #include "meta_analysis/platform/common/KXDisplay_940.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/regression/FactorLevel.h"
-#include "meta_analysis/regression/MADataPass.h"
+#include "meta_analysis/regression/MAProgress.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -115,13 +115,13 @@ KXStatus MADesignMatrix::Update(const Record& record)
 
 KXStatus MADesignMatrix::ReadFirstPass(MultiPassRecordIter& records)
 {
-    MADataPass pass(*settings_, settings_->GetRecProgressListener());
+    MAProgress progress(*settings_, settings_->GetRecProgressListener());
     KXStatus result;
     while (const Record* record = records.Next()) {
         const KXStatus usable = Update(*record);
         if (!usable.IsOK())
             result = usable;
-        if (!pass.Step())
+        if (!progress.Step())
             return KXStatus(MAStatusCode::ITERATOR_FAILED);
     }
     if (records.GetError() != 0)
@@ -185,6 +185,7 @@ KXStatus MADesignMatrix::CacheRows()
     const auto expected = static_cast<std::size_t>(completeRecords_);
     rows_.cells.reserve(expected * (rows_.columnCount + 1));
     rows_.weights.reserve(expected);
+    rows_.variances.reserve(expected);
 
     const KXStatus read = ReadRows();
     rowsCached_ = !read.IsError();
@@ -193,7 +194,7 @@ KXStatus MADesignMatrix::CacheRows()
 
 KXStatus MADesignMatrix::ReadRows()
 {
-    MADataPass pass(*settings_, settings_->GetRecProgressListener());
+    MAProgress progress(*settings_, settings_->GetRecProgressListener());
     MADesignRow row;
     KXStatus result;
     for (bool atEnd = false;;) {
@@ -204,7 +205,7 @@ KXStatus MADesignMatrix::ReadRows()
             CacheRow(row);
         else
             result = unusableRecord;
-        if (!pass.Step())
+        if (!progress.Step())
             return KXStatus(MAStatusCode::ITERATOR_FAILED);
     }
     return records_->GetError() != 0 ? KXStatus(MAStatusCode::ITERATOR_FAILED) : result;
@@ -212,9 +213,11 @@ KXStatus MADesignMatrix::ReadRows()
 
 void MADesignMatrix::CacheRow(const MADesignRow& row)
 {
-    rows_.cells.insert(rows_.cells.end(), row.predictors.begin(), row.predictors.end());
+    for (const double predictor : row.predictors)
+        rows_.cells.push_back(predictor);
     rows_.cells.push_back(row.dependent);
     rows_.weights.push_back(row.omegaWeight);
+    rows_.variances.push_back(1.0 / row.omegaWeight);
 }
 
 void MADesignMatrix::Display() const

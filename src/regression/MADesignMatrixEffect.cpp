@@ -11,19 +11,6 @@
 
 namespace MA_NAMESPACE {
 
-namespace {
-
-std::vector<int> LevelsOf(const Record& record, const std::vector<int>& factors)
-{
-    std::vector<int> levels;
-    levels.reserve(factors.size());
-    for (const int factor : factors)
-        levels.push_back(FactorLevel(record.Get(factor)));
-    return levels;
-}
-
-} // namespace
-
 MADesignMatrixEffect::MADesignMatrixEffect(const KXModelEffect& effect, const std::vector<int>& factors,
                                            const std::vector<int>& factorSizes)
     : factors_(effect.GetFactors()),
@@ -39,8 +26,13 @@ MADesignMatrixEffect::MADesignMatrixEffect(const KXModelEffect& effect, const st
 
 void MADesignMatrixEffect::CollectLevels(const Record& record)
 {
-    if (HasFactors())
-        collected_.insert(LevelsOf(record, factors_));
+    if (!HasFactors())
+        return;
+    levels_.clear();
+    for (const int factor : factors_)
+        levels_.push_back(FactorLevel(record.Get(factor)));
+    if (collected_.count(levels_) == 0) // a set would allocate for a copy before it looks
+        collected_.insert(levels_);
 }
 
 void MADesignMatrixEffect::FixColumns(int startColumn)
@@ -71,7 +63,9 @@ double MADesignMatrixEffect::CovariateProduct(const Record& record) const
         double factor = record.Get(covariates_[i]);
         if (multiplicities_[i] != 1 && !KXPower::Power(factor, multiplicities_[i], factor).IsOK())
             return KXMV::Missing();
-        if (!KXPower::Multiply(product, factor, product).IsOK())
+        if (i == 0)
+            product = factor; // what most effects are: a covariate alone
+        else if (!KXPower::Multiply(product, factor, product).IsOK())
             return KXMV::Missing();
     }
     return product;
@@ -82,11 +76,23 @@ int MADesignMatrixEffect::ColumnOf(const Record& record) const
 {
     if (!HasFactors())
         return start_;
-    const std::vector<int> levels = LevelsOf(record, factors_);
-    const auto found = std::lower_bound(combinations_.begin(), combinations_.end(), levels);
-    if (found == combinations_.end() || *found != levels)
+    const auto found = std::partition_point(
+        combinations_.begin(), combinations_.end(),
+        [&](const std::vector<int>& combination) { return CompareLevels(combination, record) < 0; });
+    if (found == combinations_.end() || CompareLevels(*found, record) != 0)
         return -1;
     return start_ + static_cast<int>(found - combinations_.begin());
+}
+
+/// Below, at or above 0 for a combination that comes before, is, or comes after that of the record.
+int MADesignMatrixEffect::CompareLevels(const std::vector<int>& combination, const Record& record) const
+{
+    for (std::size_t i = 0; i < factors_.size(); ++i) {
+        const int level = FactorLevel(record.Get(factors_[i]));
+        if (combination[i] != level)
+            return combination[i] < level ? -1 : 1;
+    }
+    return 0;
 }
 
 void MADesignMatrixEffect::Display() const

@@ -46,6 +46,7 @@ public:
 private:
     double CovariateProduct(const Record& record) const;
     int ColumnOf(const Record& record) const;
+    int CompareLevels(const std::vector<int>& combination, const Record& record) const;
     void DisplayDictionary() const;
 
     std::vector<int> factors_;
@@ -55,6 +56,7 @@ private:
     int start_ = -1;
     int size_ = 1;
     std::set<std::vector<int>> collected_; ///< during the first pass
+    std::vector<int> levels_;              ///< of its record; kept for the memory
     std::vector<std::vector<int>> combinations_;
 };
 

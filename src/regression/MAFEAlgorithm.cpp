@@ -1,10 +1,10 @@
 #include "meta_analysis/regression/MAFEAlgorithm.h"
 
+#include "meta_analysis/pooling/MAHeterogeneity.h"
 #include "meta_analysis/regression/MADesignMatrix.h"
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/settings/Guarded.h"
 
-#include <algorithm>
 #include <cmath>
 #include <memory>
 
@@ -12,7 +12,8 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// A residual Q below it counts as no heterogeneity.
+/// A residual Q below it, which is of the order of its degrees of freedom otherwise, counts as no
+/// heterogeneity: the fit is exact.
 constexpr double negligibleQ = 1e-12;
 
 } // namespace
@@ -29,7 +30,8 @@ KXStatus MAFEAlgorithm::BuildFrom(MultiPassRecordIter& records)
 {
     if (!Passed(PrepareRows(records)) || !Passed(FitModel()))
         return status_;
-    modelBuilt_ = true;
+    // Scores use the settings' distribution; the Knapp-Hartung flag plays no part in them.
+    FinishBuild(settings_->GetTestDistType() == MAConst::TEST_STUDENT_T);
     return status_;
 }
 
@@ -62,18 +64,17 @@ void MAFEAlgorithm::MeasureHeterogeneity()
     residualH2_ = 1.0;
     residualI2_ = 0.0;
     if (residualDf_ != 0 && std::abs(residualQ_) >= negligibleQ) {
-        residualH2_ = residualQ_ / residualDf_;
-        residualI2_ = std::max(0.0, (residualH2_ - 1.0) / residualH2_);
+        const MAHeterogeneityMeasures measures = HeterogeneityFromQ(residualQ_, residualDf_);
+        residualH2_ = measures.h2;
+        residualI2_ = measures.i2;
     }
 }
 
-/// Scores use the settings' distribution; the Knapp-Hartung flag plays no part here.
 KXStatus MAFEAlgorithm::Score(const Record& record, double& fit, double& stdError, double& lower,
                               double& upper, double& residual, double& residualStdError,
                               double& leverage) const
 {
-    return ScoreRecord(record, settings_->GetTestDistType() == MAConst::TEST_STUDENT_T, fit, stdError, lower,
-                       upper, residual, residualStdError, leverage);
+    return ScoreRecord(record, fit, stdError, lower, upper, residual, residualStdError, leverage);
 }
 
 } // namespace MA_NAMESPACE

@@ -1,6 +1,7 @@
 #include "meta_analysis/regression/MAREAlgorithm.h"
 
-#include "meta_analysis/pooling/MARandomEffectModel.h"
+#include "meta_analysis/pooling/MAHeterogeneity.h"
+#include "meta_analysis/pooling/MAKnappHartung.h"
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
 #include "meta_analysis/regression/MADesignMatrix.h"
 #include "meta_analysis/regression/MARegFit.h"
@@ -17,7 +18,8 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// Below it a variance, or a sum that divides, counts as zero.
+/// Below it a variance, or a sum that divides, counts as zero: of effects of order 1, squared rounding errors
+/// leave less.
 constexpr double negligible = 1e-12;
 
 /// Weights of the fit from which Hunter and Schmidt's residuals are taken. Their published estimator has
@@ -53,7 +55,7 @@ KXStatus MAREAlgorithm::BuildModel(MultiPassRecordIter& records)
 KXStatus MAREAlgorithm::BuildFrom(MultiPassRecordIter& records)
 {
     if (Passed(PrepareRows(records)) && Passed(computeTauSquare()) && Passed(FitModel()))
-        modelBuilt_ = true;
+        FinishBuild(UsesStudentT());
     return status_;
 }
 
@@ -74,12 +76,15 @@ KXStatus MAREAlgorithm::FitModel()
     return status_;
 }
 
+/// Without residual degrees of freedom there is no factor, and the truncated one is 1.
 void MAREAlgorithm::ScaleByKnappHartung()
 {
-    double factor = fit_->KnappHartungFactor();
-    if (settings_->IsTruncAjustValue())
-        factor = KXMV::IsMissing(factor) ? 1.0 : std::max(factor, 1.0);
-    fit_->SetScale(factor);
+    const bool truncated = settings_->IsTruncAjustValue();
+    const int df = fit_->ResidualDf();
+    if (df == 0)
+        fit_->SetScale(truncated ? 1.0 : KXMV::Missing());
+    else
+        fit_->SetScale(KnappHartungFactor(fit_->WeightedResidualSum(), df, truncated));
 }
 
 /// tau² from the residuals of a fit whose weights depend on the estimator.
@@ -126,11 +131,7 @@ KXStatus MAREAlgorithm::computeTauFromSJ()
     const KXStatus fitted = fit.Fit();
     if (fitted.IsError())
         return fitted;
-    std::vector<double> weights;
-    weights.reserve(design_->Rows().Count());
-    for (std::size_t i = 0; i < design_->Rows().Count(); ++i)
-        weights.push_back(fit.Weight(i));
-    return EstimateTau2(fit, MAConst::TAU2_SJ, &weights);
+    return EstimateTau2(fit, MAConst::TAU2_SJ, &fit.Weights());
 }
 
 KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::vector<double>* variances)
@@ -143,9 +144,7 @@ KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::v
     estimator.SetDiagH(&leverages);
     if (variances != nullptr)
         estimator.SetVariances(variances);
-    estimator.SetMaxIter(settings_->GetMaxIterations());
-    estimator.SetMaxStepHalving(settings_->GetMaxStepHalvingValue());
-    estimator.SetConverTol(settings_->GetParameterTolerance());
+    SetIterationLimits(estimator);
     const KXStatus estimated = estimator.ComputeTau2Variance(static_cast<MAConst::TAU2ESTIMATOR>(type));
     if (!estimated.IsError())
         tau2_ = estimator.GetBetweenStudyVariannce();
@@ -177,23 +176,24 @@ KXStatus MAREAlgorithm::computeTau2C(double& tau2) const
 {
     const MADesignRows& rows = design_->Rows();
     std::vector<double> effectSizes;
-    std::vector<double> variances;
     effectSizes.reserve(rows.Count());
-    variances.reserve(rows.Count());
-    for (std::size_t i = 0; i < rows.Count(); ++i) {
+    for (std::size_t i = 0; i < rows.Count(); ++i)
         effectSizes.push_back(rows.Dependent(i));
-        variances.push_back(rows.Variance(i));
-    }
-    MARandomEffectModel model;
-    model.SetEffectSizes(&effectSizes);
-    model.SetVariances(&variances);
-    model.SetEstimationType(static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType()));
-    model.SetMaxIter(settings_->GetMaxIterations());
-    model.SetMaxStepHalving(settings_->GetMaxStepHalvingValue());
-    model.SetConverTol(settings_->GetParameterTolerance());
-    const KXStatus estimated = model.EstimateMeanESStats();
-    tau2 = model.GetBetweenStudyVariance();
+    MATAU2ESTIMATIOR estimator;
+    estimator.SetEffectSizes(&effectSizes);
+    estimator.SetVariances(&rows.variances);
+    SetIterationLimits(estimator);
+    const KXStatus estimated =
+        estimator.ComputeTau2Variance(static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType()));
+    tau2 = estimator.GetBetweenStudyVariannce();
     return estimated;
+}
+
+void MAREAlgorithm::SetIterationLimits(MATAU2ESTIMATIOR& estimator) const
+{
+    estimator.SetMaxIter(settings_->GetMaxIterations());
+    estimator.SetMaxStepHalving(settings_->GetMaxStepHalvingValue());
+    estimator.SetConverTol(settings_->GetParameterTolerance());
 }
 
 /// Residual Q comes from the fixed-effect fit, and so does the typical within-study variance s² = (k - p) / T
@@ -210,9 +210,9 @@ KXStatus MAREAlgorithm::MeasureHeterogeneity()
 
     const double trace = fixed.WeightedResidualTrace();
     const double typicalVariance = std::abs(trace) >= negligible ? residualDf_ / trace : 0.0;
-    const double total = tau2_ + typicalVariance;
-    residualI2_ = std::abs(total) < negligible ? 0.0 : tau2_ / total;
-    residualH2_ = std::abs(typicalVariance) < negligible ? 0.0 : total / typicalVariance;
+    const MAHeterogeneityMeasures measures = HeterogeneityFromTau2(tau2_, typicalVariance);
+    residualI2_ = std::abs(tau2_ + typicalVariance) < negligible ? 0.0 : measures.i2;
+    residualH2_ = std::abs(typicalVariance) < negligible ? 0.0 : measures.h2;
     return status_;
 }
 
@@ -221,7 +221,7 @@ void MAREAlgorithm::MeasureExplained()
 {
     double withoutPredictors = 0.0;
     rSquare_ = 0.0;
-    if (!computeTau2C(withoutPredictors).IsError() && std::abs(withoutPredictors) >= negligible)
+    if (!computeTau2C(withoutPredictors).IsError() && withoutPredictors >= negligible)
         rSquare_ = std::max(0.0, (withoutPredictors - tau2_) / withoutPredictors);
 }
 
@@ -229,8 +229,7 @@ KXStatus MAREAlgorithm::Score(const Record& record, double& fit, double& stdErro
                               double& upper, double& residual, double& residualStdError,
                               double& leverage) const
 {
-    return ScoreRecord(record, UsesStudentT(), fit, stdError, lower, upper, residual, residualStdError,
-                       leverage);
+    return ScoreRecord(record, fit, stdError, lower, upper, residual, residualStdError, leverage);
 }
 
 } // namespace MA_NAMESPACE

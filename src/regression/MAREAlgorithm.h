@@ -4,6 +4,7 @@
 
 namespace MA_NAMESPACE {
 
+class MATAU2ESTIMATIOR;
 enum class MAWeightMode;
 
 /// Random-effects (mixed) meta-regression: estimates the residual between-study variance tau² by the
@@ -36,6 +37,7 @@ private:
     KXStatus computeInitTau2(double& tau2) const;
     KXStatus computeTau2C(double& tau2) const;
     KXStatus EstimateTau2(const MARegFit& fit, int type, const std::vector<double>* variances);
+    void SetIterationLimits(MATAU2ESTIMATIOR& estimator) const;
     void ScaleByKnappHartung();
     KXStatus MeasureHeterogeneity();
     void MeasureExplained();

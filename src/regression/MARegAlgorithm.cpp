@@ -172,13 +172,19 @@ void MARegAlgorithm::TestModel(bool asF)
     (asF ? fTest_ : waldTest_) = std::make_unique<MAModelTest>(fit_->TestModel(asF));
 }
 
-KXStatus MARegAlgorithm::ScoreRecord(const Record& record, bool useStudentT, double& fit, double& stdError,
-                                     double& lower, double& upper, double& residual, double& residualStdError,
+void MARegAlgorithm::FinishBuild(bool scoresUseStudentT)
+{
+    scoreCriticalValue_ = fit_->CriticalValue(scoresUseStudentT);
+    modelBuilt_ = true;
+}
+
+KXStatus MARegAlgorithm::ScoreRecord(const Record& record, double& fit, double& stdError, double& lower,
+                                     double& upper, double& residual, double& residualStdError,
                                      double& leverage) const
 {
     MAPrediction prediction;
     KXStatus result;
-    Guarded(result, [&] { return result = Predict(record, useStudentT, prediction); });
+    Guarded(result, [&] { return result = Predict(record, prediction); });
     fit = prediction.fit;
     stdError = prediction.stdError;
     lower = prediction.ciLower;
@@ -189,7 +195,7 @@ KXStatus MARegAlgorithm::ScoreRecord(const Record& record, bool useStudentT, dou
     return result;
 }
 
-KXStatus MARegAlgorithm::Predict(const Record& record, bool useStudentT, MAPrediction& prediction) const
+KXStatus MARegAlgorithm::Predict(const Record& record, MAPrediction& prediction) const
 {
     const KXStatus unusable(MAStatusCode::UNUSABLE_RECORD, true);
     if (!modelBuilt_)
@@ -198,7 +204,7 @@ KXStatus MARegAlgorithm::Predict(const Record& record, bool useStudentT, MAPredi
     if (!design_->GetRow(record, row, true).IsOK() || row.isBad)
         return unusable;
     const bool hasStudy = design_->CheckRecord(record, false).IsOK() && row.HasStudy();
-    prediction = fit_->Predict(row, hasStudy, useStudentT);
+    prediction = fit_->Predict(row, hasStudy, scoreCriticalValue_);
     return KXStatus();
 }
 

@@ -85,8 +85,10 @@ protected:
     KXStatus PrepareRows(MultiPassRecordIter& records);
     /// Adds a warning to the list; an error becomes the status. True when the build can go on.
     bool Passed(const KXStatus& status);
-    KXStatus ScoreRecord(const Record& record, bool useStudentT, double& fit, double& stdError, double& lower,
-                         double& upper, double& residual, double& residualStdError, double& leverage) const;
+    /// What comes after a fit: the model is built, and records can be scored.
+    void FinishBuild(bool scoresUseStudentT);
+    KXStatus ScoreRecord(const Record& record, double& fit, double& stdError, double& lower, double& upper,
+                         double& residual, double& residualStdError, double& leverage) const;
     void TestModel(bool asF);
 
     const MARegSettings* settings_; ///< the host's, not owned
@@ -117,9 +119,11 @@ private:
     friend class MARegOutputStats;
 
     KXStatus CreateParametersFrom(MultiPassRecordIter& records);
-    KXStatus Predict(const Record& record, bool useStudentT, MAPrediction& prediction) const;
+    KXStatus Predict(const Record& record, MAPrediction& prediction) const;
     void SaveEffectInfo();
     void AppendParameters(const KXModelEffect& effect, const MAEffectInfo& info);
+
+    double scoreCriticalValue_ = 0.0; ///< one for all records
 };
 
 } // namespace MA_NAMESPACE

@@ -1,7 +1,10 @@
 #include "meta_analysis/regression/MARegFit.h"
 
+#include "meta_analysis/effectsize/MANormalTest.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/platform/common/KXMathFun.h"
+#include "meta_analysis/platform/common/UnrolledSize.h"
+#include "meta_analysis/pooling/MAStudentTest.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -12,7 +15,9 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// Below it a dispersion counts as zero: the fit is exact.
+/// Below it a dispersion counts as zero: the fit is exact. Weighted residuals are of order 1 when a model
+/// fits, and the square of the rounding error of one is some 1e-32; this leaves room for variances far
+/// from 1.
 constexpr double negligibleDispersion = 1e-12;
 
 /// The blocks of p x p elements, without the dependent's row.
@@ -48,33 +53,19 @@ MARegFit::MARegFit(const MADesignMatrix& design, MAWeightMode mode, double tau2)
     std::iota(columns_.begin(), columns_.end(), std::size_t{0});
 }
 
-double MARegFit::WeightOf(double omegaWeight) const
+double MARegFit::WeightOf(double omegaWeight, double variance) const
 {
     switch (mode_) {
     case MAWeightMode::Unweighted:
         return 1.0;
-    case MAWeightMode::OmegaByTau2:
-        return omegaWeight == 0.0 ? KXMV::Missing() : 1.0 / (omegaWeight * tau2_);
     case MAWeightMode::ScaledRandom:
-        return omegaWeight == 0.0 ? KXMV::Missing() : tau2_ / (1.0 / omegaWeight + tau2_);
+        return tau2_ / (variance + tau2_);
     case MAWeightMode::RandomEffects:
-        return omegaWeight == 0.0 ? KXMV::Missing() : 1.0 / (1.0 / omegaWeight + tau2_);
+        return 1.0 / (variance + tau2_);
     case MAWeightMode::FixedEffect:
         break;
     }
     return omegaWeight;
-}
-
-/// Calls `visit(row, weight)` for the rows whose weight is a finite number.
-template <class VisitRow>
-void MARegFit::ForEachGoodRow(VisitRow visit) const
-{
-    const std::size_t count = design_->Rows().Count();
-    for (std::size_t i = 0; i < count; ++i) {
-        const double weight = Weight(i);
-        if (!KXMV::IsMissing(weight) && std::isfinite(weight))
-            visit(i, weight);
-    }
 }
 
 KXStatus MARegFit::Fit()
@@ -91,17 +82,37 @@ KXStatus MARegFit::FitRows(bool withSquares)
 {
     const MADesignRows& rows = design_->Rows();
     crossProducts_.Resize(rows.columnCount + 1);
-    if (withSquares)
-        squaredCrossProducts_.Resize(rows.columnCount + 1);
+    squaredCrossProducts_.Resize(withSquares ? rows.columnCount + 1 : 0);
+    weights_.resize(rows.Count());
     goodRecords_ = 0;
-    ForEachGoodRow([&](std::size_t i, double weight) {
-        crossProducts_.UpdateXX(rows.Row(i), weight);
+    for (std::size_t first = 0; first < weights_.size(); first += stretch) {
+        const std::size_t count = std::min(stretch, weights_.size() - first);
+        WeighRows(first, count);
+        crossProducts_.UpdateXX(rows.Row(first), weights_.data() + first, count);
         if (withSquares)
-            squaredCrossProducts_.UpdateXX(rows.Row(i), weight * weight);
-        ++goodRecords_;
-    });
+            AddSquares(first, count);
+    }
     Solve();
     return progress_.Step() ? KXStatus() : KXStatus(MAStatusCode::ITERATOR_FAILED);
+}
+
+void MARegFit::WeighRows(std::size_t first, std::size_t count)
+{
+    const MADesignRows& rows = design_->Rows();
+    for (std::size_t i = first; i < first + count; ++i) {
+        const double weight = WeightOf(rows.weights[i], rows.variances[i]);
+        const bool isGood = std::isfinite(weight);
+        weights_[i] = isGood ? weight : 0.0;
+        goodRecords_ += isGood ? 1 : 0;
+    }
+}
+
+void MARegFit::AddSquares(std::size_t first, std::size_t count)
+{
+    std::array<double, stretch> squares;
+    for (std::size_t i = 0; i < count; ++i)
+        squares[i] = weights_[first + i] * weights_[first + i];
+    squaredCrossProducts_.UpdateXX(design_->Rows().Row(first), squares.data(), count);
 }
 
 void MARegFit::Solve()
@@ -118,28 +129,36 @@ void MARegFit::Solve()
 
 double MARegFit::FittedValue(const double* predictors) const
 {
-    double fit = 0.0;
-    for (std::size_t j = 0; j < effective_.size(); ++j)
-        fit += predictors[j] * effective_[j];
-    return fit;
+    return std::inner_product(effective_.begin(), effective_.end(), predictors, 0.0);
 }
 
-double MARegFit::Residual(std::size_t row) const
+void MARegFit::ComputeResiduals(std::size_t first, std::size_t count, double* residuals) const
 {
-    const double* cells = design_->Rows().Row(row);
-    return cells[effective_.size()] - FittedValue(cells);
+    const double* rows = design_->Rows().Row(first);
+    const double* coefficients = effective_.data();
+    WithUnrolledSize(effective_.size(), [=](auto size) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const double* row = rows + i * (size + 1);
+            double fitted = 0.0;
+            for (std::size_t j = 0; j < size; ++j)
+                fitted += row[j] * coefficients[j];
+            residuals[i] = row[size] - fitted;
+        }
+    });
 }
 
-double MARegFit::Leverage(std::size_t row) const
+void MARegFit::ComputeLeverages(std::size_t first, std::size_t count, double* leverages) const
 {
-    return Weight(row) * inverse_.QuadraticForm(design_->Rows().Row(row));
+    const MADesignRows& rows = design_->Rows();
+    inverse_.QuadraticForms(rows.Row(first), rows.columnCount + 1, count, leverages);
+    for (std::size_t i = 0; i < count; ++i)
+        leverages[i] *= weights_[first + i];
 }
 
 std::vector<double> MARegFit::Leverages() const
 {
-    std::vector<double> leverages;
-    leverages.reserve(static_cast<std::size_t>(goodRecords_));
-    ForEachGoodRow([&](std::size_t i, double) { leverages.push_back(Leverage(i)); });
+    std::vector<double> leverages(weights_.size());
+    ComputeLeverages(0, leverages.size(), leverages.data());
     return leverages;
 }
 
@@ -153,9 +172,9 @@ double MARegFit::SquaredHatTrace() const
 double MARegFit::WeightedResidualSum() const
 {
     double sum = 0.0;
-    ForEachGoodRow([&](std::size_t i, double weight) {
-        const double residual = Residual(i);
-        sum += weight * residual * residual;
+    VisitRows(false, [&sum](const MAFittedRows& rows) {
+        for (std::size_t i = 0; i < rows.count; ++i)
+            sum += rows.weights[i] * rows.residuals[i] * rows.residuals[i];
     });
     return sum;
 }
@@ -164,13 +183,11 @@ double MARegFit::WeightedResidualTrace() const
 {
     double trace = 0.0;
     // Rounding can carry a leverage beyond 1, and a large weight its excess to a negative trace.
-    ForEachGoodRow([&](std::size_t i, double weight) { trace += weight * std::max(0.0, 1.0 - Leverage(i)); });
+    VisitRows(true, [&trace](const MAFittedRows& rows) {
+        for (std::size_t i = 0; i < rows.count; ++i)
+            trace += rows.weights[i] * std::max(0.0, 1.0 - rows.leverages[i]);
+    });
     return trace;
-}
-
-double MARegFit::KnappHartungFactor() const
-{
-    return ResidualDf() == 0 ? KXMV::Missing() : WeightedResidualSum() / ResidualDf();
 }
 
 KXStatus MARegFit::ComputeDispersion()
@@ -189,10 +206,10 @@ KXStatus MARegFit::ComputeDispersion()
 /// 0 without residual degrees of freedom for Student's t, so that intervals shrink to a point.
 double MARegFit::CriticalValue(bool useStudentT) const
 {
-    const double probability = 1.0 - (1.0 - design_->GetSettings().GetConfidenceLevel()) * 0.5;
+    const double alpha = 1.0 - design_->GetSettings().GetConfidenceLevel();
     if (!useStudentT)
-        return KXDistFun::IdfNorm(probability, 0.0, 1.0);
-    return ResidualDf() == 0 ? 0.0 : KXDistFun::IdfT(probability, ResidualDf(), 1e-20, 1e-12);
+        return TwoSidedNormalQuantile(alpha);
+    return ResidualDf() == 0 ? 0.0 : TwoSidedTQuantile(alpha, ResidualDf());
 }
 
 void MARegFit::ComputeCoefficientTests(bool useStudentT)
@@ -213,11 +230,10 @@ void MARegFit::ComputeCoefficientTests(bool useStudentT)
         if (!(stdErrors_[j] > 0.0)) // an exact fit under Knapp and Hartung
             continue;
         statistics_[j] = coefficients_[j] / stdErrors_[j];
-        const double magnitude = std::abs(statistics_[j]);
         if (!useStudentT)
-            significances_[j] = 2.0 * (1.0 - KXDistFun::CdfStdNorm(magnitude));
+            significances_[j] = TwoSidedNormalSignificance(statistics_[j]);
         else if (ResidualDf() != 0)
-            significances_[j] = 2.0 * (1.0 - KXDistFun::CdfT(magnitude, ResidualDf()));
+            significances_[j] = TwoSidedTSignificance(statistics_[j], ResidualDf());
     }
 }
 
@@ -271,13 +287,13 @@ double MARegFit::ResidualStdError(double leverage, double weight) const
 
 /// The leverage belongs to the unscaled fit, so that the leverages sum to the number of parameters whatever
 /// the scale. Without a scale there is no standard error, but still a fit.
-MAPrediction MARegFit::Predict(const MADesignRow& row, bool hasStudy, bool useStudentT) const
+MAPrediction MARegFit::Predict(const MADesignRow& row, bool hasStudy, double criticalValue) const
 {
     MAPrediction prediction;
     if (row.isBad || row.predictors.size() != effective_.size())
         return prediction;
     const double spread = inverse_.QuadraticForm(row.predictors);
-    const double weight = WeightOf(row.omegaWeight);
+    const double weight = WeightOf(row.omegaWeight, 1.0 / row.omegaWeight);
     prediction.fit = FittedValue(row.predictors.data());
     if (hasStudy) {
         prediction.residual = row.dependent - prediction.fit;
@@ -286,7 +302,7 @@ MAPrediction MARegFit::Predict(const MADesignRow& row, bool hasStudy, bool useSt
     if (KXMV::IsMissing(scale_))
         return prediction;
     prediction.stdError = std::sqrt(scale_ * spread);
-    const double halfWidth = CriticalValue(useStudentT) * prediction.stdError;
+    const double halfWidth = criticalValue * prediction.stdError;
     prediction.ciLower = prediction.fit - halfWidth;
     prediction.ciUpper = prediction.fit + halfWidth;
     if (hasStudy)

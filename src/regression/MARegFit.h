@@ -4,9 +4,11 @@
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/platform/common/KXSymMatrix.h"
-#include "meta_analysis/regression/MADataPass.h"
 #include "meta_analysis/regression/MADesignMatrix.h"
+#include "meta_analysis/regression/MAProgress.h"
 
+#include <algorithm>
+#include <array>
 #include <cstddef>
 #include <vector>
 
@@ -15,11 +17,10 @@ namespace MA_NAMESPACE {
 /// Weight of a row in a fit, from its omega weight w and the fit's tau² t.
 enum class MAWeightMode
 {
-    Unweighted = 0,   ///< 1
-    FixedEffect = 1,  ///< w
-    OmegaByTau2 = 2,  ///< 1 / (w t)
-    ScaledRandom = 3, ///< t / (1/w + t)
-    RandomEffects = 4 ///< 1 / (1/w + t)
+    Unweighted,   ///< 1
+    FixedEffect,  ///< w
+    ScaledRandom, ///< t / (1/w + t)
+    RandomEffects ///< 1 / (1/w + t)
 };
 
 /// Overall test of a model's parameters other than the intercept.
@@ -43,6 +44,16 @@ struct MAPrediction
     double leverage = KXMV::Missing();
 };
 
+/// A stretch of a fit's rows, one entry each.
+struct MAFittedRows
+{
+    std::size_t first; ///< number of its first row
+    std::size_t count;
+    const double* weights;
+    const double* residuals;
+    const double* leverages; ///< null unless asked for
+};
+
 /// Weighted least squares over the rows of a design matrix: what both meta-regression engines and the
 /// between-study variance estimators fit.
 ///
@@ -64,23 +75,22 @@ public:
     /// As `Fit`, and also forms X'W²X, for `SquaredHatTrace`.
     KXStatus FitWithSquares();
 
-    double Weight(std::size_t row) const { return WeightOf(design_->Rows().weights[row]); }
-    double WeightOf(double omegaWeight) const;
-    double FittedValue(const double* predictors) const;
-    double Residual(std::size_t row) const;
-    double Leverage(std::size_t row) const;
+    /// One entry per row; a weight that is not a finite number is 0, which leaves the row out of the fit.
+    const std::vector<double>& Weights() const { return weights_; }
     std::vector<double> Leverages() const;
+
+    /// Calls `visit(rows)` for stretch after stretch, in the order of the rows, of a length at which the
+    /// fastest cache holds them. Leverages cost O(p²) a row.
+    template <class Visit>
+    void VisitRows(bool withLeverages, Visit visit) const;
 
     /// sum(w_i² g_i) with g_i = x_i'M (X'W²X) M x_i, the diagonal of the squared hat quantity; after
     /// `FitWithSquares`.
     double SquaredHatTrace() const;
-    /// sum(w_i r_i²) over the good records.
+    /// sum(w_i r_i²).
     double WeightedResidualSum() const;
     /// sum(w_i (1 - h_i)).
     double WeightedResidualTrace() const;
-    /// Weighted residual variance q of Knapp and Hartung (2003), Statistics in Medicine 22, 2693-2710;
-    /// missing without residual degrees of freedom.
-    double KnappHartungFactor() const;
 
     /// Dispersion: weighted residual variance, which becomes the scale of the covariance. Warnings 460047
     /// as many good records as parameters, 460048 near zero (1 in both cases).
@@ -93,7 +103,9 @@ public:
     /// Residual heterogeneity Q and its significance. Warning 460049 without degrees of freedom.
     KXStatus ComputeResidualHeterogeneity();
     /// Residual, its standard error and leverage only for a row with a study.
-    MAPrediction Predict(const MADesignRow& row, bool hasStudy, bool useStudentT) const;
+    MAPrediction Predict(const MADesignRow& row, bool hasStudy, double criticalValue) const;
+    /// Half the width of an interval, in standard errors.
+    double CriticalValue(bool useStudentT) const;
 
     const std::vector<double>& Coefficients() const { return coefficients_; }
     const std::vector<double>& StdErrors() const { return stdErrors_; }
@@ -111,22 +123,28 @@ public:
     double ResidualQSignificance() const { return residualQSignificance_; }
 
 private:
-    template <class VisitRow>
-    void ForEachGoodRow(VisitRow visit) const;
+    static constexpr std::size_t stretch = 256;
+
+    double WeightOf(double omegaWeight, double variance) const;
     KXStatus FitRows(bool withSquares);
+    void WeighRows(std::size_t first, std::size_t count);
+    void AddSquares(std::size_t first, std::size_t count);
     void Solve();
+    void ComputeResiduals(std::size_t first, std::size_t count, double* residuals) const;
+    void ComputeLeverages(std::size_t first, std::size_t count, double* leverages) const;
+    double FittedValue(const double* predictors) const;
     double ResidualStdError(double leverage, double weight) const;
-    double CriticalValue(bool useStudentT) const;
 
     const MADesignMatrix* design_;
     MAWeightMode mode_;
     double tau2_;
-    MADataPass progress_;
+    MAProgress progress_;
     std::vector<std::size_t> columns_;
     KXSymMatrix crossProducts_;
     KXSymMatrix squaredCrossProducts_; ///< with squared weights, the dependent included
     KXSymMatrix inverse_;              ///< M
     KXBitSet nonRedundant_;
+    std::vector<double> weights_;
     std::vector<double> coefficients_; ///< missing for a redundant column
     std::vector<double> effective_;    ///< as above, 0 for a redundant column
     int goodRecords_ = 0;
@@ -140,5 +158,20 @@ private:
     std::vector<double> lowerLimits_;
     std::vector<double> upperLimits_;
 };
+
+template <class Visit>
+void MARegFit::VisitRows(bool withLeverages, Visit visit) const
+{
+    std::array<double, stretch> residuals;
+    std::array<double, stretch> leverages;
+    for (std::size_t first = 0; first < weights_.size(); first += stretch) {
+        const std::size_t count = std::min(stretch, weights_.size() - first);
+        ComputeResiduals(first, count, residuals.data());
+        if (withLeverages)
+            ComputeLeverages(first, count, leverages.data());
+        visit(MAFittedRows{first, count, weights_.data() + first, residuals.data(),
+                           withLeverages ? leverages.data() : nullptr});
+    }
+}
 
 } // namespace MA_NAMESPACE

@@ -1,3 +1,4 @@
+#include "host/FontCoverage.h"
 #include "host/PlainText.h"
 
 #include <gtest/gtest.h>
@@ -22,6 +23,12 @@ TEST(PlainText, IsOneLineOfCharacters)
     EXPECT_EQ(PlainText("\xEF\xBF\xBE\xF0\x9F\xBF\xBF"), replacement + replacement); // U+FFFE, U+1FFFF
     EXPECT_EQ(PlainText("\xE6\x9D"), replacement + replacement);                     // cut off
     EXPECT_EQ(PlainText(std::string("a\0b", 3)), "a b");
+}
+
+TEST(PlainText, AsksForNoCharacterThatNoFontHas)
+{
+    // The last is of no script; whatever the fonts here, none has it.
+    EXPECT_EQ(DrawableText("Müller\n[1] \U000E0FFF"), "Müller [1] ?");
 }
 
 TEST(PlainText, KeepsStartAndEndOfLongTexts)

@@ -8,15 +8,23 @@
 
 namespace {
 
-TEST(StatusText, HasASentenceForEveryCodeOfTheLibrary)
+std::string ProjectFile(const std::string& path)
 {
-    std::ifstream header(TESTS_DIR "/../src/settings/MAStatusCode.h");
-    const std::string text((std::istreambuf_iterator<char>(header)), std::istreambuf_iterator<char>());
+    std::ifstream file(TESTS_DIR "/../" + path);
+    return {std::istreambuf_iterator<char>(file), std::istreambuf_iterator<char>()};
+}
+
+TEST(StatusText, EveryCodeOfTheLibraryHasASentenceAndIsDocumented)
+{
+    const std::string text = ProjectFile("src/settings/MAStatusCode.h");
+    const std::string document = ProjectFile("docs/embedding.md");
     const std::regex number("\\b460\\d{3}\\b");
     int count = 0;
-    for (std::sregex_iterator match(text.begin(), text.end(), number), end; match != end; ++match, ++count)
+    for (std::sregex_iterator match(text.begin(), text.end(), number), end; match != end; ++match, ++count) {
         EXPECT_THAT(host::SentenceOf(std::stoi(match->str())),
                     testing::Not(testing::HasSubstr("gives no meaning")));
+        EXPECT_THAT(document, testing::HasSubstr(match->str()));
+    }
     EXPECT_GE(count, 30);
     EXPECT_EQ(host::SentenceOf(17), "The library gives no meaning to code 17.");
 }

@@ -149,6 +149,39 @@ TEST(KXSymMatrix, UpdateXXAddsTheWeightedCrossProducts)
     EXPECT_EQ(RowsOf(matrix), (Rows{{2, 4, -6}, {4, 11, 3}, {-6, 3, 93}}));
 }
 
+/// Some sizes have loops of their own, which must add up in the same order.
+TEST(KXSymMatrix, ManyRowsAtOnceGiveTheBitsOfOneByOne)
+{
+    constexpr std::size_t count = 9;
+    std::vector<double> weights(count);
+    for (std::size_t i = 0; i < count; ++i)
+        weights[i] = 1.0 / static_cast<double>(i + 3);
+    for (std::size_t size = 0; size <= 8; ++size) {
+        SCOPED_TRACE(size);
+        std::vector<double> block(count * size);
+        for (std::size_t i = 0; i < block.size(); ++i)
+            block[i] = std::sin(static_cast<double>(i));
+        KXSymMatrix matrix(size);
+        KXSymMatrix expected(size);
+        matrix.UpdateXX(block.data(), weights.data(), 4);
+        matrix.UpdateXX(block.data() + 4 * size, weights.data() + 4, count - 4);
+        Rows rows;
+        for (std::size_t i = 0; i < count; ++i) {
+            const auto* row = block.data() + i * size;
+            rows.emplace_back(row, row + size);
+            expected.UpdateXX(rows.back(), weights[i]);
+        }
+        EXPECT_EQ(RowsOf(matrix), RowsOf(expected));
+
+        std::vector<double> forms(count - 1, KXMV::Missing()); // of values one further on than each row's
+        matrix.QuadraticForms(block.data() + 1, size, size == 0 ? 0 : forms.size(), forms.data());
+        for (std::size_t i = 0; size > 0 && i < forms.size(); ++i) {
+            const auto* row = block.data() + 1 + i * size;
+            EXPECT_EQ(forms[i], matrix.QuadraticForm(Row(row, row + size)));
+        }
+    }
+}
+
 TEST(KXSymMatrix, RegressionOnAnyColumns)
 {
     const std::vector<double> weights = {9.1, 2.1, 1.2, 0.8, 0.6, 9.1, 2.1, 1.2, 0.8, 0.6, 9.1, 2.1, 1.2};

@@ -12,3 +12,10 @@
 #else
 #define META_ANALYSIS_EXPORT
 #endif
+
+/// Marks a class of the library's own within an exported class, which would pass its visibility on.
+#ifdef __GNUC__
+#define META_ANALYSIS_HIDDEN __attribute__((visibility("hidden")))
+#else
+#define META_ANALYSIS_HIDDEN
+#endif

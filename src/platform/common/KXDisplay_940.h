@@ -14,6 +14,7 @@
 class META_ANALYSIS_EXPORT KXDisplay_940
 {
 public:
+    /// Where the lines of the display go.
     class META_ANALYSIS_EXPORT Sink
     {
     public:

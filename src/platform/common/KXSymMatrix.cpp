@@ -1,7 +1,10 @@
 #include "meta_analysis/platform/common/KXSymMatrix.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/platform/common/UnrolledSize.h"
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 #include <limits>
 #include <new>
@@ -29,6 +32,44 @@ bool CanSweep(double pivot, double diagonal, double magnitude, double tolerance)
 {
     return std::isnormal(pivot) && pivot > tolerance * diagonal &&
            pivot > pivotRoundingError * magnitude * magnitude;
+}
+
+template <class Size>
+void AddRows(Size size, const double* rows, const double* weights, std::size_t count,
+             double* triangle) noexcept
+{
+    for (std::size_t i = 0; i < count; ++i, rows += size) {
+        double* element = triangle;
+        for (std::size_t r = 0; r < size; ++r) {
+            const double weighted = weights[i] * rows[r];
+            for (std::size_t c = 0; c <= r; ++c)
+                *element++ += weighted * rows[c];
+        }
+    }
+}
+
+/// On a copy that nothing else can refer to, and so can be held in registers.
+template <std::size_t size>
+void AddRows(std::integral_constant<std::size_t, size> constant, const double* rows, const double* weights,
+             std::size_t count, double* triangle) noexcept
+{
+    std::array<double, size*(size + 1) / 2> sums;
+    std::copy_n(triangle, sums.size(), sums.begin());
+    AddRows<decltype(constant)>(constant, rows, weights, count, sums.data());
+    std::copy(sums.begin(), sums.end(), triangle);
+}
+
+template <class Size>
+double QuadraticFormOf(Size size, const double* element, const double* v) noexcept
+{
+    double form = 0.0;
+    for (std::size_t i = 0; i < size; ++i) {
+        double below = 0.0;
+        for (std::size_t j = 0; j < i; ++j)
+            below += *element++ * v[j];
+        form += v[i] * (2.0 * below + *element++ * v[i]);
+    }
+    return form;
 }
 
 } // namespace
@@ -66,8 +107,13 @@ bool KXSymMatrix::UpdateXX(const std::vector<double>& x, double w) noexcept
 {
     if (x.size() != size_)
         return false;
-    UpdateXX(x.data(), w);
+    UpdateXX(x.data(), &w, 1);
     return true;
+}
+
+void KXSymMatrix::UpdateXX(const double* rows, const double* weights, std::size_t count) noexcept
+{
+    WithUnrolledSize(size_, [&](auto size) { AddRows(size, rows, weights, count, elements_.data()); });
 }
 
 // The tolerance alone would let a redundant column pass whose values are small beside those it is computed
@@ -225,7 +271,16 @@ void KXSymMatrix::MultiplyTransposeByLowerTriangle() noexcept
 
 double KXSymMatrix::QuadraticForm(const std::vector<double>& v) const noexcept
 {
-    return v.size() == size_ ? QuadraticForm(v.data()) : KXMV::Missing();
+    return v.size() == size_ ? QuadraticFormOf(size_, elements_.data(), v.data()) : KXMV::Missing();
+}
+
+void KXSymMatrix::QuadraticForms(const double* rows, std::size_t stride, std::size_t count,
+                                 double* forms) const noexcept
+{
+    WithUnrolledSize(size_, [&](auto size) {
+        for (std::size_t i = 0; i < count; ++i)
+            forms[i] = QuadraticFormOf(size, elements_.data(), rows + i * stride);
+    });
 }
 
 void KXSymMatrix::Multiply(const std::vector<double>& v, std::vector<double>& product) const noexcept

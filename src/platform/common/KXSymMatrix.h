@@ -39,16 +39,9 @@ public:
     /// Cost: (p + 1)(p + 2) / 2 multiplications and additions, no allocation.
     bool UpdateXX(const std::vector<double>& x, double w) noexcept;
 
-    /// The same for the Size() values at `x`: for rows that lie in one block.
-    void UpdateXX(const double* x, double w) noexcept
-    {
-        double* element = elements_.data();
-        for (std::size_t i = 0; i < size_; ++i) {
-            const double weighted = w * x[i];
-            for (std::size_t j = 0; j <= i; ++j)
-                *element++ += weighted * x[j];
-        }
-    }
+    /// The same for `count` rows of Size() values that lie one after the other at `rows`, with a weight each,
+    /// in their order.
+    void UpdateXX(const double* rows, const double* weights, std::size_t count) noexcept;
 
     /// Sweeps the predictors `columns` in the order given; `swept` is set to those that could be.
     ///
@@ -77,19 +70,9 @@ public:
     /// v'Sv; missing when v has another length than the matrix. No allocation.
     double QuadraticForm(const std::vector<double>& v) const noexcept;
 
-    /// The same for the Size() values at `v`.
-    double QuadraticForm(const double* v) const noexcept
-    {
-        const double* element = elements_.data();
-        double form = 0.0;
-        for (std::size_t i = 0; i < size_; ++i) {
-            double below = 0.0;
-            for (std::size_t j = 0; j < i; ++j)
-                below += *element++ * v[j];
-            form += v[i] * (2.0 * below + *element++ * v[i]);
-        }
-        return form;
-    }
+    /// The same for `count` rows of Size() values, of which each begins `stride` values after the one before.
+    void QuadraticForms(const double* rows, std::size_t stride, std::size_t count,
+                        double* forms) const noexcept;
 
     /// outer * inner * outer, of the size of both; empty when the sizes differ. Cost: O(size³), two columns
     /// of workspace.

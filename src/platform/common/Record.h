@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/platform/common/Export.h"
+#include "meta_analysis/platform/common/KXMV.h"
 
 #include <cstddef>
 #include <utility>
@@ -17,7 +18,12 @@ public:
     std::size_t Size() const noexcept { return values_.size(); }
 
     /// Value of the variable at `index`; missing when the record has none (an index of -1 included).
-    double Get(int index) const noexcept;
+    double Get(int index) const noexcept
+    {
+        // A negative index turns into one far beyond any record.
+        const auto position = static_cast<std::size_t>(index);
+        return position < values_.size() ? values_[position] : KXMV::Missing();
+    }
 
     /// Stores a value; an index outside the record is ignored.
     void Set(int index, double value) noexcept;

@@ -19,6 +19,8 @@ KXFactorCounts::KXFactorCounts(std::vector<int> factors, std::vector<int> sizes,
 
 void KXFactorCounts::Update(const Record& record)
 {
+    if (factors_.empty())
+        return;
     if (dependentVariable_ >= 0 && KXMV::IsMissing(record.Get(dependentVariable_)))
         return;
     const double frequency = Frequency(record);

@@ -8,10 +8,10 @@ namespace MA_NAMESPACE {
 
 /// What a host can attach to a pass over data: its wish to cancel is asked for, and progress is reported,
 /// once a step (a record, or a fit), the reports thinned out as the settings say.
-class MADataPass
+class MAProgress
 {
 public:
-    MADataPass(const MARegSettings& settings, ProgressListener* listener)
+    MAProgress(const MARegSettings& settings, ProgressListener* listener)
         : cancel_(settings.GetCancelObject()), listener_(listener), skipped_(settings.GetNSkippedReports())
     {}
 

@@ -1,0 +1,200 @@
+#include "Workloads.h"
+
+#include "meta_analysis/analysis/MABinModel.h"
+#include "meta_analysis/analysis/MAContModel.h"
+#include "meta_analysis/pooling/MARandomEffectModel.h"
+#include "meta_analysis/regression/MAREAlgorithm.h"
+#include "meta_analysis/regression/MARegOutputStats.h"
+
+#include <cmath>
+#include <limits>
+#include <utility>
+
+using namespace MA_NAMESPACE;
+
+namespace {
+
+constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
+constexpr bare::Fit failedFit = {notANumber, notANumber, notANumber};
+
+constexpr bare::Table bcgTables[] = {
+    {4, 119, 11, 128},     {6, 300, 29, 274},      {3, 228, 11, 209},        {62, 13536, 248, 12619},
+    {33, 5036, 47, 5761},  {180, 1361, 372, 1079}, {8, 2537, 10, 619},       {505, 87886, 499, 87892},
+    {29, 7470, 45, 7232},  {17, 1699, 65, 1600},   {186, 50448, 141, 27197}, {5, 2493, 3, 2338},
+    {27, 16886, 29, 17825}};
+
+std::vector<bare::Table> RepeatedTables(std::size_t count)
+{
+    std::vector<bare::Table> tables;
+    for (std::size_t i = 0; i < count; ++i)
+        tables.push_back(bcgTables[i % std::size(bcgTables)]);
+    return tables;
+}
+
+VectorRecordIter RecordsOf(const std::vector<bare::Table>& tables)
+{
+    std::vector<Record> records;
+    records.reserve(tables.size());
+    for (const bare::Table& table : tables)
+        records.emplace_back(std::vector<double>(table.begin(), table.end()));
+    return VectorRecordIter(std::move(records));
+}
+
+/// Effect, variance and what `further(i)` gives of study i.
+template <class Further>
+VectorRecordIter RecordsOf(const SimulatedStudies& studies, Further further)
+{
+    std::vector<Record> records;
+    records.reserve(studies.effectSizes.size());
+    for (std::size_t i = 0; i < studies.effectSizes.size(); ++i) {
+        std::vector<double> values = {studies.effectSizes[i], studies.variances[i]};
+        for (const double value : further(i))
+            values.push_back(value);
+        records.emplace_back(std::move(values));
+    }
+    return VectorRecordIter(std::move(records));
+}
+
+MAModelSettings ReadyMadeSettings()
+{
+    MAModelSettings settings;
+    settings.SetOutcomesType(MAConst::OUTCOME_CONTINUOUS);
+    settings.SetInputESType(MAConst::INPUT_READY_MADE);
+    settings.SetInputEffectSizeIndex(0);
+    settings.SetInputVarianceIndex(1);
+    return settings;
+}
+
+/// The first `count` numbers in an order of their own, each once while `count` has no factor 7919.
+std::vector<double> ShuffledOrder(std::size_t count)
+{
+    std::vector<double> order;
+    for (std::size_t i = 0; i < count; ++i)
+        order.push_back(static_cast<double>(i * 7919 % count));
+    return order;
+}
+
+} // namespace
+
+bare::Fit FitRandomEffects(const SimulatedStudies& studies, MAConst::TAU2ESTIMATOR estimator)
+{
+    MARandomEffectModel model;
+    model.SetEffectSizes(&studies.effectSizes);
+    model.SetVariances(&studies.variances);
+    model.SetEstimationType(estimator);
+    if (model.EstimateMeanESStats().IsError())
+        return failedFit;
+    return {model.GetBetweenStudyVariance(), model.GetEstEffectSize(), model.GetHomogeneityTestQ()};
+}
+
+bare::Fit RemlFit::Bare() const
+{
+    return bare::FitReml(studies_.effectSizes.data(), studies_.variances.data(), studies_.effectSizes.size());
+}
+
+TableRun::TableRun(std::size_t count) : tables_(RepeatedTables(count)), records_(RecordsOf(tables_))
+{
+    settings_.SetTreatmentSuccessIndex(variables_.AddContVar("treatment_events", ""));
+    settings_.SetTreatmentFailureIndex(variables_.AddContVar("treatment_nonevents", ""));
+    settings_.SetControlSuccessIndex(variables_.AddContVar("control_events", ""));
+    settings_.SetControlFailureIndex(variables_.AddContVar("control_nonevents", ""));
+}
+
+bare::Fit TableRun::Run()
+{
+    MABinModel analysis(settings_);
+    if (analysis.RUN(records_, variables_).IsError())
+        return failedFit;
+    return {analysis.GetTau2Var()[0], analysis.GetEstEffectSize()[0], analysis.GetHomoTestChisquareQ()[0]};
+}
+
+EffectsRun::EffectsRun(std::size_t count)
+    : studies_(SimulateStudies(count)),
+      settings_(ReadyMadeSettings()),
+      records_(RecordsOf(studies_, [](std::size_t) { return std::vector<double>(); }))
+{
+    variables_.AddContVar("effect", "");
+    variables_.AddContVar("variance", "");
+}
+
+bare::Fit EffectsRun::Run()
+{
+    MAContModel analysis(settings_);
+    if (analysis.RUN(records_, variables_).IsError())
+        return failedFit;
+    return {analysis.GetTau2Var()[0], analysis.GetEstEffectSize()[0], analysis.GetHomoTestChisquareQ()[0]};
+}
+
+bare::Fit EffectsRun::Bare() const
+{
+    return bare::AnalyseEffects(studies_.effectSizes.data(), studies_.variances.data(),
+                                studies_.effectSizes.size())
+        .fit;
+}
+
+CumulativeRun::CumulativeRun(std::size_t count)
+    : studies_(SimulateStudies(count)),
+      order_(ShuffledOrder(count)),
+      settings_(ReadyMadeSettings()),
+      records_(RecordsOf(studies_, [this](std::size_t i) { return std::vector<double>{order_[i]}; }))
+{
+    settings_.SetModelType(MAConst::MODEL_FIXED);
+    settings_.SetCommulativeIndex(2);
+}
+
+bare::Fit CumulativeRun::Run()
+{
+    MAContModel analysis(settings_);
+    if (analysis.RUN(records_, KXVarList()).IsError())
+        return failedFit;
+    return {0.0, analysis.GetCumEstES()[0].back(), 0.0};
+}
+
+bare::Fit CumulativeRun::Bare() const
+{
+    return {0.0, bare::PoolPrefixes(studies_.effectSizes, studies_.variances, order_).back()[0], 0.0};
+}
+
+RegressionRun::RegressionRun(std::size_t count) : records_(std::vector<Record>())
+{
+    const SimulatedStudies studies = SimulateStudies(count);
+    variances_ = studies.variances;
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto position = static_cast<double>(i);
+        rows_.push_back({1.0, std::sin(position), std::cos(1.7 * position), studies.effectSizes[i]});
+    }
+    records_ = RecordsOf(studies, [this](std::size_t i) {
+        return std::vector<double>{rows_[i][1], rows_[i][2]};
+    });
+    settings_.SetDependent(0);
+    settings_.SetOMWVarIndex(1);
+    settings_.SetInterceptUse(true);
+    settings_.SetEstTauType("REML");
+    for (const int covariate : {2, 3}) {
+        KXModelEffect effect;
+        effect.AddCovariate(covariate);
+        settings_.AddCovariate(covariate);
+        settings_.AddModelEffect(effect);
+    }
+}
+
+bare::Fit RegressionRun::Run()
+{
+    MAREAlgorithm engine(settings_);
+    if (engine.BuildModel(records_).IsError())
+        return failedFit;
+    const MARegOutputStats output(settings_, engine);
+    return {output.GetTau(), output.GetEstimation()[0], output.GetResHomoChiSqure()};
+}
+
+bare::Fit RegressionRun::Bare() const
+{
+    const bare::RegressionFit fit = bare::FitRemlRegression(rows_, variances_);
+    return {fit.tau2, fit.coefficients[0], fit.residualQ};
+}
+
+bool Agree(const bare::Fit& left, const bare::Fit& right)
+{
+    const auto agree = [](double a, double b) { return std::abs(a - b) <= 1e-9 * std::abs(b); };
+    return agree(left.tau2, right.tau2) && agree(left.mean, right.mean) && agree(left.q, right.q);
+}

@@ -1,0 +1,101 @@
+#pragma once
+
+#include "BareLoops.h"
+#include "SimulatedStudies.h"
+
+#include "meta_analysis/platform/common/KXVarList.h"
+#include "meta_analysis/platform/common/VectorRecordIter.h"
+#include "meta_analysis/settings/MAConst.h"
+#include "meta_analysis/settings/MAModelSettings.h"
+#include "meta_analysis/settings/MARegSettings.h"
+
+#include <cstddef>
+#include <vector>
+
+// What is measured, by the clock and in instructions: the library's work as a host has it done, each with its
+// yardstick. `Run` constructs the library's object, computes, and returns figures that `Bare` returns too, or
+// figures that are not numbers when the library reports an error. `count` is the number of studies.
+
+/// Fits the random-effects model of the library.
+bare::Fit FitRandomEffects(const SimulatedStudies& studies, MAConst::TAU2ESTIMATOR estimator);
+
+class RemlFit
+{
+public:
+    explicit RemlFit(std::size_t count) : studies_(SimulateStudies(count)) {}
+    bare::Fit Run() { return FitRandomEffects(studies_, MAConst::TAU2_REML); }
+    bare::Fit Bare() const;
+
+private:
+    SimulatedStudies studies_;
+};
+
+/// The whole run on 2x2 tables, default settings. 13 are those of Colditz et al. (1994), JAMA 271, 698-702:
+/// BCG vaccination against tuberculosis; more repeat them.
+class TableRun
+{
+public:
+    explicit TableRun(std::size_t count);
+    bare::Fit Run();
+    bare::Fit Bare() const { return bare::AnalyseTables(tables_).fit; }
+
+private:
+    std::vector<bare::Table> tables_;
+    MA_NAMESPACE::MAModelSettings settings_;
+    KXVarList variables_;
+    VectorRecordIter records_;
+};
+
+/// The whole run on ready-made effect sizes, default settings.
+class EffectsRun
+{
+public:
+    explicit EffectsRun(std::size_t count);
+    bare::Fit Run();
+    bare::Fit Bare() const;
+
+private:
+    SimulatedStudies studies_;
+    MA_NAMESPACE::MAModelSettings settings_;
+    KXVarList variables_;
+    VectorRecordIter records_;
+};
+
+/// The whole run of a cumulative analysis, fixed effect. The figures are those of the last model.
+class CumulativeRun
+{
+public:
+    explicit CumulativeRun(std::size_t count);
+    bare::Fit Run();
+    bare::Fit Bare() const;
+
+private:
+    SimulatedStudies studies_;
+    std::vector<double> order_;
+    MA_NAMESPACE::MAModelSettings settings_;
+    VectorRecordIter records_;
+};
+
+/// Mixed-effects regression on an intercept and two covariates, with the reading of the records.
+class RegressionRun
+{
+public:
+    explicit RegressionRun(std::size_t count);
+    bare::Fit Run();
+    bare::Fit Bare() const;
+
+private:
+    std::vector<bare::DesignRow> rows_;
+    std::vector<double> variances_;
+    MA_NAMESPACE::MARegSettings settings_;
+    VectorRecordIter records_;
+};
+
+/// Within 1e-9: both sides sum the same terms, in orders of their own, and rounding differs far less.
+bool Agree(const bare::Fit& left, const bare::Fit& right);
+
+template <class Work>
+bool AgreesWithBareLoop(Work& work)
+{
+    return Agree(work.Run(), work.Bare());
+}

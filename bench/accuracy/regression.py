@@ -1,0 +1,121 @@
+"""Measures meta-regression."""
+
+import csv
+import sys
+import tempfile
+from pathlib import Path
+
+from mpmath import mp, mpf
+
+import exact
+from harness import T, TIGHT, note, note_tau2, read, run, values
+from pooling import CELLS
+
+
+class Regression:
+    """A meta-regression's data, written to a file with all digits."""
+
+    kind = "meta-regression"
+
+    def __init__(self, name, rows, covariates, folder):
+        self.name, self.covariates = name, covariates
+        self.y = [mpf(row[0]) for row in rows]
+        self.v = [mpf(row[1]) for row in rows]
+        self.x = [[mpf(1), *map(mpf, row[2:])] for row in rows]
+        self.path = Path(folder) / (name.split(",")[0] + ".csv")
+        with open(self.path, "w", encoding="utf-8") as file:
+            csv.writer(file).writerows([["y", "v", *covariates], *rows])
+        self.arguments = ["regression", str(self.path), "--effect-size", "y", "--variance", "v"]
+        for covariate in covariates:
+            self.arguments += ["--covariate", covariate]
+
+
+def all_regressions(folder):
+    rows = read("bcg_vaccine")
+    ratios = [[float(part) for part in exact.table_effect("risk-ratio", values(row, CELLS))] for row in rows]
+    for name, covariates in [("bcg_1, on latitude", ["latitude"]),
+                             ("bcg_2, on latitude and year", ["latitude", "year"])]:
+        yield Regression(name, [ratio + [float(row[column]) for column in covariates]
+                                for ratio, row in zip(ratios, rows)], covariates, folder)
+    for name, covariates in [("teacher_expectancy", ["weeks"]),
+                             ("writing_to_learn", ["length", "wic", "feedback"])]:
+        columns = ["effect", "variance", *covariates]
+        complete = [row for row in read(name) if all(row[column] for column in columns)]
+        yield Regression("%s, on %s" % (name, " and ".join(covariates)),
+                         [[float(row[column]) for column in columns] for row in complete], covariates, folder)
+
+
+def note_coefficients(where, found, fit, scale):
+    for j in range(fit.p):
+        error = mp.sqrt(scale * fit.inverse[j, j])
+        note("meta-regression: coefficients", where, found["Estimation"][j], fit.b[j], error)
+        note("meta-regression: standard errors", where, found["BetaStandErr"][j], error)
+        note("meta-regression: bounds", where, found["BetaConfInterValLower"][j],
+             fit.b[j] - T[fit.df] * error, error)
+        note("meta-regression: significances (absolute)", where, found["BetaTestPValue"][j],
+             2 * exact.upper_t(abs(fit.b[j] / error), fit.df), 1)
+
+
+def wald(fit):
+    kept = range(1, fit.p)
+    part = mp.matrix([[fit.inverse[i, j] for j in kept] for i in kept])**-1
+    return sum(fit.b[i] * part[i - 1, j - 1] * fit.b[j] for i in kept for j in kept)
+
+
+def measure_regression(regression, estimator):
+    where = "%s, %s" % (regression.name, estimator.upper())
+    found = run([*regression.arguments, "--tau2", estimator, *TIGHT])
+    loose = run([*regression.arguments, "--tau2", estimator])
+    expected = exact.tau2(estimator, regression.x, regression.y, regression.v, mpf(found["Tau"]))
+    note_tau2(regression, estimator, found["Tau"], loose["Tau"], expected)
+    t = mpf(found["Tau"])
+    fit = exact.Fit(regression.x, regression.y, [1 / (v + t) for v in regression.v])
+    note_coefficients(where, found, fit, mpf(1))
+    note_predictions(where, regression, found, fit)
+    note("meta-regression: model tests", where, found["WaldChiSquareTest"], wald(fit))
+    adjusted = run([*regression.arguments, "--tau2", estimator, "--knapp-hartung", "adjusted", *TIGHT])
+    scale = fit.squares() / fit.df
+    note_coefficients(where + ", adjusted", adjusted, fit, scale)
+    note("meta-regression: model tests", where, adjusted["FTestVal"], wald(fit) / (scale * (fit.p - 1)))
+    note("meta-regression: significances (absolute)", where, adjusted["FPValue"],
+         exact.upper_f(wald(fit) / (scale * (fit.p - 1)), fit.p - 1, fit.df), 1)
+    measure_residual_heterogeneity(where, regression, found, estimator, t)
+
+
+def note_predictions(where, regression, found, fit):
+    for row, y, w, h, residual, score in zip(regression.x, regression.y, fit.w, fit.h, fit.r, found["Score"]):
+        error = mp.sqrt(h / w)
+        note("meta-regression: predictions", where, score[0], y - residual, error)
+        note("meta-regression: predictions' bounds", where, score[2], y - residual - T[fit.df] * error, error)
+        note("meta-regression: predictions' standard errors", where, score[1], error)
+        note("meta-regression: residuals' standard errors", where, score[5], mp.sqrt((1 - h) / w))
+        note("meta-regression: leverages", where, score[6], h)
+
+
+def measure_residual_heterogeneity(where, regression, found, estimator, t):
+    fixed = exact.Fit(regression.x, regression.y, [1 / v for v in regression.v])
+    typical = fixed.df / fixed.trace()
+    note("meta-regression: Q", where, found["ResHomoChiSqure"], fixed.squares())
+    note("meta-regression: H²", where, found["HresSquare"], (typical + t) / typical)
+    note("meta-regression: I² (absolute)", where, found["IresSquare"], t / (typical + t), 1)
+    constant = [[mpf(1)]] * len(regression.y)
+    pooled = run(["effects", *regression.arguments[1:6], "--tau2", estimator, *TIGHT])
+    without = exact.tau2(estimator, constant, regression.y, regression.v, mpf(pooled["Tau2Var"][0]))
+    note("meta-regression: R² (absolute)", where, found["RSquare"], max(mpf(0), (without - t) / without), 1)
+
+
+def measure_fixed_regression(regression):
+    fit = exact.Fit(regression.x, regression.y, [1 / v for v in regression.v])
+    for option, scale in [([], mpf(1)), (["--dispersion"], fit.squares() / fit.df)]:
+        found = run([*regression.arguments, "--model", "fixed", *option])
+        note_coefficients(regression.name + ", fixed", found, fit, scale)
+        note("meta-regression: model tests", regression.name, found["WaldChiSquareTest"], wald(fit) / scale)
+
+
+def measure():
+    with tempfile.TemporaryDirectory() as folder:
+        for regression in all_regressions(folder):
+            print(regression.name, file=sys.stderr)
+            measure_fixed_regression(regression)
+            for estimator in exact.ESTIMATORS:
+                measure_regression(regression, estimator)

@@ -1,0 +1,49 @@
+// The library's work and the yardsticks, each done once for a tool that counts instructions by function; see
+// count_instructions.py. Each is done before, uncounted, so that nothing is done for the first time.
+
+#include "Workloads.h"
+
+#include <cstddef>
+#include <cstdio>
+#include <cstdlib>
+
+namespace {
+
+/// Written so that functions of different counts differ: the compiler merges those that do not.
+volatile std::size_t countedStudies;
+
+template <class Work, std::size_t count>
+[[gnu::noinline]] bare::Fit CountLibrary(Work& work)
+{
+    countedStudies = count;
+    return work.Run();
+}
+
+template <class Work, std::size_t count>
+[[gnu::noinline]] bare::Fit CountBareLoop(Work& work)
+{
+    countedStudies = count;
+    return work.Bare();
+}
+
+template <class Work, std::size_t count>
+void Count()
+{
+    Work work(count);
+    if (!AgreesWithBareLoop(work) ||
+        !Agree(CountLibrary<Work, count>(work), CountBareLoop<Work, count>(work))) {
+        std::fputs("library and yardstick disagree\n", stderr);
+        std::exit(1);
+    }
+}
+
+} // namespace
+
+int main()
+{
+    Count<TableRun, 13>();
+    Count<RemlFit, 10>();
+    Count<RemlFit, 1000>();
+    Count<RegressionRun, 1000>();
+    Count<CumulativeRun, 1000>();
+}

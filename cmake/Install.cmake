@@ -1,0 +1,34 @@
+# What `cmake --install` puts in place beside the public headers, which src/ installs itself. The three
+# components are what Debian makes packages of: library, development and program.
+include(CMakePackageConfigHelpers)
+
+# The CMake package MetaAnalysis. The library depends on nothing that a host would have to find first, so the
+# exported targets are the whole configuration.
+set(cmake_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MetaAnalysis)
+install(TARGETS meta_analysis meta_analysis_static EXPORT MetaAnalysis
+        LIBRARY COMPONENT meta_analysis_library NAMELINK_COMPONENT meta_analysis_development
+        ARCHIVE COMPONENT meta_analysis_development)
+install(EXPORT MetaAnalysis NAMESPACE MetaAnalysis:: FILE MetaAnalysisConfig.cmake
+        DESTINATION ${cmake_package_dir} COMPONENT meta_analysis_development)
+write_basic_package_version_file(${PROJECT_BINARY_DIR}/MetaAnalysisConfigVersion.cmake
+                                 COMPATIBILITY SameMinorVersion)
+install(FILES ${PROJECT_BINARY_DIR}/MetaAnalysisConfigVersion.cmake
+        DESTINATION ${cmake_package_dir} COMPONENT meta_analysis_development)
+
+# The pkg-config file and the program know their surroundings from their own place, so that an installed tree
+# can be moved. In /usr the loader finds the library without help, and Debian wants it to.
+cmake_path(RELATIVE_PATH CMAKE_INSTALL_PREFIX BASE_DIRECTORY ${CMAKE_INSTALL_FULL_LIBDIR}/pkgconfig
+           OUTPUT_VARIABLE prefix_from_pkgconfig)
+configure_file(cmake/meta_analysis.pc.in meta_analysis.pc @ONLY)
+install(FILES ${PROJECT_BINARY_DIR}/meta_analysis.pc
+        DESTINATION ${CMAKE_INSTALL_LIBDIR}/pkgconfig COMPONENT meta_analysis_development)
+
+if(META_ANALYSIS_PROGRAM)
+  cmake_path(RELATIVE_PATH CMAKE_INSTALL_FULL_LIBDIR BASE_DIRECTORY ${CMAKE_INSTALL_FULL_BINDIR}
+             OUTPUT_VARIABLE lib_from_bin)
+  if(NOT CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    set_target_properties(meta-analysis PROPERTIES INSTALL_RPATH $ORIGIN/${lib_from_bin})
+  endif()
+  install(TARGETS meta-analysis RUNTIME COMPONENT meta_analysis_program)
+  install(FILES docs/meta-analysis.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT meta_analysis_program)
+endif()

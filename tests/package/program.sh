@@ -1,0 +1,11 @@
+#!/usr/bin/env bash
+# Runs the installed program, with the installed library and none else, and looks for its manual page.
+#   tests/package/program.sh PREFIX VERSION
+source "$(dirname "${BASH_SOURCE[0]}")/../../scripts/common.sh"
+
+prefix=$1 version=$2
+unset LD_LIBRARY_PATH
+
+ldd "$prefix/bin/meta-analysis" | tee /dev/stderr | grep -F "libmeta_analysis.so" | grep -F "=> $prefix/"
+"$prefix/bin/meta-analysis" --version | tee /dev/stderr | grep -F "$version"
+[[ -s $prefix/share/man/man1/meta-analysis.1 ]]
