@@ -68,8 +68,9 @@ void Expectations::Numbers(const std::vector<std::string>& except) const
     for (const Result& result : results) {
         if (std::find(except.begin(), except.end(), result.name) != except.end())
             continue;
+        const bool isStatistic = result.name.ends_with("ZVal") || result.name.ends_with("Zval");
         for (const double value : Values(result.name)) {
-            if (!std::isfinite(value))
+            if (isStatistic ? std::isnan(value) : !std::isfinite(value))
                 violations.Add(result.name + " are numbers for ordinary data");
         }
     }

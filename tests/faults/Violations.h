@@ -37,7 +37,8 @@ struct Expectations
     std::vector<double> Values(const std::string& name) const;
     const std::vector<std::vector<double>>& Rows(const std::string& name) const;
 
-    /// Every result is finite, but for those of some names.
+    /// Every result is finite, but for those of some names. The test statistic of equal effects may be
+    /// infinite.
     void Numbers(const std::vector<std::string>& except = {}) const;
     void Lengths(const std::vector<std::string>& names, std::size_t length) const;
     /// As many rows of the same lengths.

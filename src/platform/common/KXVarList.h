@@ -20,7 +20,7 @@ struct META_ANALYSIS_EXPORT KXVar
 };
 
 /// The variables of the host's data, in the order of a record's values: a variable's position here is
-/// the index of its value in a `Record`.
+/// the index of its value in a `Record`. Copying a list may throw std::bad_alloc.
 class META_ANALYSIS_EXPORT KXVarList
 {
 public:

@@ -7,7 +7,8 @@
 #include <utility>
 #include <vector>
 
-/// One row of the host's data: a value for each variable, by the variable's position.
+/// One row of the host's data: a value for each variable, by the variable's position. Copying one may throw
+/// std::bad_alloc.
 class META_ANALYSIS_EXPORT Record
 {
 public:

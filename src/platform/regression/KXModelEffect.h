@@ -8,7 +8,7 @@
 /// and covariates. Without variables it is the intercept.
 ///
 /// An effect without factors has one column in the design matrix; one with factors has a column for each
-/// cell, that is each combination of a level of every factor.
+/// cell, that is each combination of a level of every factor. Copying an effect may throw std::bad_alloc.
 class META_ANALYSIS_EXPORT KXModelEffect
 {
 public:
