@@ -62,7 +62,10 @@ KXStatus MAREAlgorithm::BuildFrom(MultiPassRecordIter& records)
 KXStatus MAREAlgorithm::FitModel()
 {
     fit_ = std::make_unique<MARegFit>(*design_, MAWeightMode::RandomEffects, tau2_);
-    if (!Passed(fit_->Fit()) || usedByBubblePlot_)
+    if (!Passed(fit_->Fit()))
+        return status_;
+    fit_->RefineCoefficients();
+    if (usedByBubblePlot_)
         return status_;
     if (settings_->IsKnapHartAdjust())
         ScaleByKnappHartung();

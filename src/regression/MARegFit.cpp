@@ -10,6 +10,7 @@
 #include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <utility>
 
 namespace MA_NAMESPACE {
 
@@ -118,13 +119,41 @@ void MARegFit::AddSquares(std::size_t first, std::size_t count)
 void MARegFit::Solve()
 {
     crossProducts_.SweepOnMany(columns_, design_->GetSettings().GetComputationalTolerance(), nonRedundant_);
-    crossProducts_.GetRegCoeffs(nonRedundant_, coefficients_);
     inverse_ = crossProducts_.GetSweptInverse(nonRedundant_);
+    std::vector<double> coefficients;
+    crossProducts_.GetRegCoeffs(nonRedundant_, coefficients);
+    SetCoefficients(std::move(coefficients));
+}
+
+void MARegFit::SetCoefficients(std::vector<double> coefficients)
+{
+    coefficients_ = std::move(coefficients);
     effective_ = coefficients_;
     for (double& coefficient : effective_) {
         if (KXMV::IsMissing(coefficient))
             coefficient = 0.0;
     }
+}
+
+/// b + M X'W(y - Xb), the residuals from the rows themselves. Björck (1987), Linear Algebra and its
+/// Applications 88/89, 31-48.
+void MARegFit::RefineCoefficients()
+{
+    std::vector<double> unexplained(coefficients_.size(), 0.0); // X'W(y - Xb)
+    VisitRows(false, [&](const MAFittedRows& rows) {
+        for (std::size_t i = 0; i < rows.count; ++i) {
+            const double* const predictors = design_->Rows().Row(rows.first + i);
+            const double residual = rows.weights[i] * rows.residuals[i];
+            for (std::size_t j = 0; j < unexplained.size(); ++j)
+                unexplained[j] += predictors[j] * residual;
+        }
+    });
+    std::vector<double> refined = coefficients_;
+    for (std::size_t i = 0; i < refined.size(); ++i) {
+        for (std::size_t j = 0; nonRedundant_.Test(i) && j < refined.size(); ++j)
+            refined[i] += inverse_.Get(i, j) * unexplained[j];
+    }
+    SetCoefficients(std::move(refined));
 }
 
 double MARegFit::FittedValue(const double* predictors) const

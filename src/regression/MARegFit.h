@@ -75,6 +75,10 @@ public:
     /// As `Fit`, and also forms X'W²X, for `SquaredHatTrace`.
     KXStatus FitWithSquares();
 
+    /// Corrects the coefficients by the regression of their own residuals, which gives them nearly the digits
+    /// of an orthogonalization of the rows, whatever the condition of the cross products.
+    void RefineCoefficients();
+
     /// One entry per row; a weight that is not a finite number is 0, which leaves the row out of the fit.
     const std::vector<double>& Weights() const { return weights_; }
     std::vector<double> Leverages() const;
@@ -130,6 +134,7 @@ private:
     void WeighRows(std::size_t first, std::size_t count);
     void AddSquares(std::size_t first, std::size_t count);
     void Solve();
+    void SetCoefficients(std::vector<double> coefficients);
     void ComputeResiduals(std::size_t first, std::size_t count, double* residuals) const;
     void ComputeLeverages(std::size_t first, std::size_t count, double* leverages) const;
     double FittedValue(const double* predictors) const;

@@ -266,6 +266,24 @@ void ExpectExact(const Rows& rows)
                       static_cast<double>(share * share)));
 }
 
+/// Cross products with a condition of 1e8, as those of years that are not centred, have half the digits; the
+/// coefficients, corrected by the regression of their residuals, have nearly all.
+TEST(MetaRegression, CoefficientsKeepTheirDigitsWhateverTheCondition)
+{
+    Rows rows = RandomStudies(11, 40, 1);
+    for (Row& row : rows)
+        row[2] += 1e4;
+    const FERegression regression(RegressionOn({2}), rows);
+    ASSERT_FALSE(regression.status.IsError());
+    LeastSquares::Vector weights;
+    for (const Row& row : rows)
+        weights.push_back(1.0L / row[1]);
+    const LeastSquares expected(rows, weights);
+    for (std::size_t j = 0; j < 2; ++j)
+        EXPECT_TRUE(Close(regression.output->GetEstimation()[j],
+                          static_cast<double>(expected.Coefficients()[j]), 1e-11));
+}
+
 } // namespace
 
 /// Calendar years as they are, beside a moderator of the scale 1e-6; and a moderator that differs from
