@@ -131,7 +131,7 @@ void Page::AddSection(const ReportSection& section)
 
 void Page::AddPictures(const Drawing& drawing)
 {
-    if (drawing.pictures.empty() && drawing.failure.empty())
+    if (drawing.pictures.empty() && drawing.failures.empty())
         return;
     html_ += "<section>\n" + Element("h2", "Pictures");
     int number = 0;
@@ -144,8 +144,8 @@ void Page::AddPictures(const Drawing& drawing)
                              picture.height > TALL ? " class=\"tall\"" : "", Escaped(picture.title),
                              picture.width, drawn.bytes, Escaped(caption));
     }
-    if (!drawing.failure.empty())
-        html_ += Element("p", drawing.failure);
+    for (const std::string& failure : drawing.failures)
+        html_ += Element("p", failure);
     html_ += "</section>\n";
 }
 
