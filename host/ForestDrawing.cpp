@@ -351,6 +351,7 @@ Picture ForestDrawing::Draw()
 {
     picture_.name = forest_.name;
     picture_.title = forest_.title;
+    picture_.rowHeight = ROW_HEIGHT;
     picture_.description = forest_.description;
     PlaceColumns();
     SetAxes();

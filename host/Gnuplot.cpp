@@ -250,7 +250,7 @@ std::string ScriptWriter::Style(const Layer& layer)
     case Kind::DASHED_LINE:
         return fmt::format("lines lc rgb '{}' lw {} dt (8,5)", layer.color, layer.width);
     case Kind::DOTTED_LINE:
-        return fmt::format("lines lc rgb '{}' lw {} dt (1.5,4)", layer.color, layer.width);
+        return fmt::format("lines lc rgb '{}' lw {} dt (2,3)", layer.color, layer.width);
     case Kind::SQUARES:
         return "points pt 5 ps variable lc rgb variable";
     case Kind::DISCS:

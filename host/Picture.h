@@ -102,6 +102,7 @@ struct Picture
     Axis y;
     std::vector<Layer> layers; ///< later ones lie on earlier ones
     std::vector<PictureText> texts = {};
+    double rowHeight = 0; ///< where the frame holds rows, between which the picture may be cut; else 0
 };
 
 inline constexpr double FONT_SIZE = 12;      ///< of all texts, in pixels

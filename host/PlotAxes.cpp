@@ -76,7 +76,7 @@ std::vector<Tick> TicksWithRoom(const Make& makeTicks)
 
 std::vector<Tick> DecadeTicks(const Extent& logarithms, int most)
 {
-    const double step = std::ceil(logarithms.Length() / LogOfTen() / most);
+    const double step = RoundStep(std::max(1.0, logarithms.Length() / LogOfTen() / most));
     std::vector<Tick> ticks;
     for (const double power :
          Multiples(step, logarithms.First() / LogOfTen(), logarithms.Last() / LogOfTen()))
