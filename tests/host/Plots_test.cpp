@@ -10,6 +10,7 @@
 #include <set>
 #include <string>
 #include <tuple>
+#include <utility>
 #include <vector>
 
 using nlohmann::json;
@@ -208,6 +209,22 @@ TEST(Drawings, EndsIntervalsWhereTheyEndOrInAnArrow)
     ASSERT_EQ(prediction.size(), 1U);
     EXPECT_NEAR(prediction[0].front().x, ratios(bcg.Results()["PILower"][0]), 2 * halfPixelDigit);
     EXPECT_NEAR(prediction[0].back().x, ratios(bcg.Results()["PIUpper"][0]), 2 * halfPixelDigit);
+}
+
+TEST(Drawings, SaysWhenTheLineOfNoEffectIsBeyondTheAxis)
+{
+    for (const auto& [effect, isBeyond] : {std::pair("100", true), std::pair("0.1", false)}) {
+        const TemporaryFolder folder;
+        const std::string study = std::string(effect) + ",0.1\n";
+        const std::string data = folder.Write("data.csv", "effect,variance\n" + study + study);
+        const SvgFigure figure =
+            Pictures({"effects", data, "--effect-size", "effect", "--variance", "variance"}).Figure("forest");
+        EXPECT_EQ(figure.Lines(color::FAINT).empty(), isBeyond);
+        const Texts texts = TextsOf(figure);
+        EXPECT_EQ(
+            std::count(texts.begin(), texts.end(), "The axis does not reach to no effect, which is at 0."),
+            isBeyond ? 1 : 0);
+    }
 }
 
 /// A mark for each study and each line where the library has it.
