@@ -131,10 +131,13 @@ int StatusOf(pid_t process)
     pid_t ended = 0;
     while ((ended = waitpid(process, &status, WNOHANG)) == 0 && Clock::now() < deadline)
         std::this_thread::sleep_for(BETWEEN_LOOKS);
-    if (ended == process)
-        return status;
-    Kill(process);
-    throw NoGnuplot(fmt::format("gnuplot did not end within {} seconds", TIME_LIMIT.count()));
+    if (ended == 0) {
+        Kill(process);
+        throw NoGnuplot(fmt::format("gnuplot did not end within {} seconds", TIME_LIMIT.count()));
+    }
+    if (ended < 0)
+        throw NoGnuplot(fmt::format("gnuplot cannot be waited for ({})", std::strerror(errno)));
+    return status;
 }
 
 /// The message of gnuplot, which shows the command, a pointer into it and what is wrong with it.

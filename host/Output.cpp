@@ -122,7 +122,8 @@ std::filesystem::path CanonicalPath(const std::string& path)
     std::error_code unreadable;
     const std::filesystem::path absolute = std::filesystem::absolute(path, unreadable);
     const std::filesystem::path canonical = std::filesystem::weakly_canonical(absolute, unreadable);
-    return unreadable ? absolute.lexically_normal() : canonical;
+    const std::filesystem::path found = unreadable ? absolute.lexically_normal() : canonical;
+    return found.has_filename() ? found : found.parent_path(); // "folder/" is "folder"
 }
 
 /// Whether the paths lead to one file, be it there already or not.

@@ -190,7 +190,7 @@ TEST(Output, RefusesPlacesThatCannotBeBeforeTheAnalysis)
         {{"--html", data}, "--html: '" TESTS_DIR "/data/bcg_vaccine.csv' is the data file"},
         {{"--html", file, "--json", file}, "is the file of --json"},
         {{"--html", folder.PathOf("./a"), "--json", folder.PathOf("a")}, "is the file of --json"},
-        {{"--json", folder.PathOf("new"), "--plots", folder.PathOf("./new")}, "is the folder of --plots"},
+        {{"--json", folder.PathOf("new"), "--plots", folder.PathOf("./new/")}, "is the folder of --plots"},
         {{"--html", folder.PathOf("new/page")}, "there is no folder '"},
         {{"--json", ""}, "--json: '' cannot be written"},
     };
