@@ -39,6 +39,11 @@ bool HasInterval(const ForestRow& row)
     return row.kind != Kind::HEADING && row.kind != Kind::GAP;
 }
 
+bool HasLimits(const ForestInterval& place)
+{
+    return HasValue(place.lower) && HasValue(place.upper);
+}
+
 class ForestDrawing
 {
 public:
@@ -189,7 +194,8 @@ double TypicalReach(const std::vector<ForestRow>& rows)
 {
     std::vector<double> reaches;
     for (const ForestRow& row : rows)
-        if (const double length = row.place.upper - row.place.lower; HasInterval(row) && IsNumber(length))
+        if (const double length = row.place.upper - row.place.lower;
+            HasInterval(row) && HasLimits(row.place) && IsNumber(length))
             reaches.push_back(length / 2);
     if (reaches.empty())
         return 0;
@@ -206,6 +212,8 @@ Extent EffectExtent(const std::vector<ForestRow>& rows)
         if (!HasInterval(row) || !IsNumber(row.place.estimate))
             continue;
         extent.Cover(row.place.estimate);
+        if (!HasLimits(row.place))
+            continue;
         extent.Cover(std::max(row.place.lower, row.place.estimate - reach));
         extent.Cover(std::min(row.place.upper, row.place.estimate + reach));
     }
@@ -252,9 +260,8 @@ void ForestDrawing::AddIntervals()
     for (std::size_t i = 0; i < forest_.rows.size(); ++i) {
         const ForestRow& row = forest_.rows[i];
         const auto& [estimate, lower, upper] = row.place;
-        if (row.kind != Kind::STUDY && row.kind != Kind::PREDICTION)
-            continue;
-        if (!HasValue(lower) || !HasValue(upper) || lower > last || upper < first)
+        const bool isLine = row.kind == Kind::STUDY || row.kind == Kind::PREDICTION;
+        if (!isLine || !HasLimits(row.place) || lower > last || upper < first)
             continue;
         const double y = MiddleOf(i);
         auto& lines = (row.kind == Kind::STUDY ? studies : predictions).pieces;
@@ -322,10 +329,10 @@ void ForestDrawing::AddDiamonds()
 {
     Layer diamonds = {Layer::Kind::AREA, color::POOLED, {}};
     for (std::size_t i = 0; i < forest_.rows.size(); ++i) {
-        const ForestInterval& place = forest_.rows[i].place;
-        const bool isDrawable = IsNumber(place.estimate) && IsNumber(place.lower) && IsNumber(place.upper);
+        const auto& [estimate, lower, upper] = forest_.rows[i].place;
+        const bool isDrawable = IsNumber(estimate) && IsNumber(lower) && IsNumber(upper);
         if (forest_.rows[i].kind == Kind::POOLED && isDrawable)
-            AddDiamond(diamonds.pieces, place, MiddleOf(i));
+            AddDiamond(diamonds.pieces, forest_.rows[i].place, MiddleOf(i));
     }
     picture_.layers.push_back(std::move(diamonds));
 }
@@ -351,8 +358,8 @@ Picture ForestDrawing::Draw()
 {
     picture_.name = forest_.name;
     picture_.title = forest_.title;
-    picture_.rowHeight = ROW_HEIGHT;
     picture_.description = forest_.description;
+    picture_.rowHeight = ROW_HEIGHT;
     PlaceColumns();
     SetAxes();
     AddGuides();
