@@ -52,7 +52,6 @@ KXStatus RunSmallStudyTest(Model& model, Request& request)
 KXStatus PlotBubbles(MABaseModel& model, Request& request)
 {
     MARegSettings settings = RegressionSettings(request.settings);
-    settings.SetMultiDiser(request.settings.GetMultiDisper());
     for (const int covariate : request.bubbleCovariates)
         settings.AddCovariate(covariate);
     return model.BubblePlot(request.records, request.variables, settings);

@@ -85,7 +85,7 @@ OptionDefinition ContourLevel(Options& options)
 {
     return {.name = "contour-level",
             .argument = "NUMBER",
-            .help = fmt::format("significance level of a contour, repeatable (default {})",
+            .help = fmt::format("significance level of a contour of --contours, repeatable (default {})",
                                 fmt::join(ContourLevels(options.settings), ", ")),
             .isRepeatable = true,
             .store =

@@ -67,8 +67,7 @@ Picture BubblePlot(const ReportSource& source, std::size_t index)
     picture.layers.push_back(
         {Layer::Kind::AREA, color::BAND, {band}, {}, 0, fmt::format("{} band of the line", source.level)});
     if (y.Contains(0))
-        picture.layers.push_back(
-            LineBetween({x.First(), 0}, {x.Last(), 0}, Layer::Kind::LINE, color::FAINT, "No effect"));
+        picture.layers.push_back(NullLine({x.First(), 0}, {x.Last(), 0}));
     picture.layers.push_back(std::move(bubbles));
     picture.layers.push_back(line);
     picture.description =

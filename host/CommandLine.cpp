@@ -31,7 +31,7 @@ constexpr const char* EXIT_STATUSES =
     "Exit status: 0 the analysis ran, with warnings or without; 1 the library returned an error (its code "
     "and a\n"
     "sentence are on standard error; --json holds what was computed before); 2 unusable arguments or data\n"
-    "(nothing is written), or the pictures could not be drawn (everything else is written).";
+    "(nothing is written), or a file or a picture could not be written (everything else is).";
 
 /// Help with a usage line that names the data file like any other argument.
 class HelpFormatter : public CLI::Formatter

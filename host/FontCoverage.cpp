@@ -16,11 +16,27 @@ struct DestroyCharSet
 };
 using CharSet = std::unique_ptr<FcCharSet, DestroyCharSet>;
 
+/// What is known of the installed fonts, as long as it is needed.
+class FontList
+{
+public:
+    FontList() : fonts_(FcInit() != FcFalse ? FcConfigGetFonts(nullptr, FcSetSystem) : nullptr) {}
+    ~FontList() { FcFini(); }
+    FontList(const FontList&) = delete;
+    FontList& operator=(const FontList&) = delete;
+
+    const FcFontSet* Fonts() const { return fonts_; } ///< null when they cannot be listed
+
+private:
+    const FcFontSet* fonts_;
+};
+
 /// Every character of every installed font; null when the fonts cannot be listed.
 CharSet CharactersOfAllFonts()
 {
     CharSet all(FcCharSetCreate());
-    const FcFontSet* const fonts = FcInit() != FcFalse ? FcConfigGetFonts(nullptr, FcSetSystem) : nullptr;
+    const FontList list;
+    const FcFontSet* const fonts = list.Fonts();
     if (!all || !fonts)
         return nullptr;
     for (int i = 0; i < fonts->nfont; ++i) {

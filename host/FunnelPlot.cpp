@@ -1,14 +1,13 @@
 #include "host/FunnelPlot.h"
 
+#include "host/Outline.h"
 #include "host/PlotAxes.h"
 #include "host/ScatterPlot.h"
-
-#include "meta_analysis/platform/common/KXMV.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <array>
+#include <cmath>
 #include <cstddef>
 #include <numeric>
 #include <utility>
@@ -19,9 +18,34 @@ namespace host {
 
 namespace {
 
-constexpr double DOT_RADIUS = 3.6;
-/// From the most significant region on; the least significant one is white.
-constexpr std::array SHADES = {"#c4c4c4", "#d6d6d6", "#e6e6e6", "#f2f2f2"};
+/// The shade of region `number` of `count`, from the most significant one on to the last, which is white.
+std::string Shade(std::size_t number, std::size_t count)
+{
+    constexpr double DARKEST = 0xC4;
+    constexpr double WHITE = 0xFF;
+    const double share = static_cast<double>(number) / static_cast<double>(count - 1);
+    const int grey = static_cast<int>(std::lround(DARKEST + share * (WHITE - DARKEST)));
+    return fmt::format("#{0:02x}{0:02x}{0:02x}", grey);
+}
+
+std::string WordingOf(MAConst::FunnelConTourTesType test)
+{
+    switch (test) {
+    case MAConst::CONTOUR_UPPER:
+        return "upper-tailed";
+    case MAConst::CONTOUR_LOWER:
+        return "lower-tailed";
+    default:
+        return "two-sided";
+    }
+}
+
+std::string RangeOfP(double from, double to)
+{
+    if (from == 0)
+        return fmt::format("p < {:g}", to);
+    return to == 1 ? fmt::format("p > {:g}", from) : fmt::format("{:g} < p < {:g}", from, to);
+}
 
 std::string VerticalTitle(MAConst::FunnelYType type)
 {
@@ -56,7 +80,6 @@ private:
     void SetAxes(Picture& picture) const;
     std::vector<Layer> Contours(const Picture& picture) const;
     std::vector<Point> InsignificantRegion(const Picture& picture, double slope) const;
-    std::string ContourLegend(double from, double to) const;
 
     const ReportSource& source_;
     const MABaseModel& base_;
@@ -147,14 +170,7 @@ std::vector<Point> Funnel::InsignificantRegion(const Picture& picture, double sl
     }
 }
 
-std::string Funnel::ContourLegend(double from, double to) const
-{
-    if (from == 0)
-        return fmt::format("p < {:g}", to);
-    return to == 1 ? fmt::format("p > {:g}", from) : fmt::format("{:g} < p < {:g}", from, to);
-}
-
-/// Regions from the most significant one on, which fills the frame.
+/// Regions from the most significant one on, which fills the frame; each lies on the ones before.
 std::vector<Layer> Funnel::Contours(const Picture& picture) const
 {
     std::vector<double> levels;
@@ -165,19 +181,23 @@ std::vector<Layer> Funnel::Contours(const Picture& picture) const
     std::iota(order.begin(), order.end(), 0U);
     std::sort(order.begin(), order.end(), [&](auto a, auto b) { return levels[a] < levels[b]; });
 
-    const Axis& x = picture.x;
-    const Axis& y = picture.y;
-    std::vector<Point> region = {{x.first, y.first}, {x.first, y.last}, {x.last, y.last}, {x.last, y.first}};
+    const Rectangle frame = RectangleOf(picture.x, picture.y);
+    std::vector<Point> region = {
+        frame.least, {frame.least.x, frame.most.y}, frame.most, {frame.most.x, frame.least.y}};
     std::vector<Layer> regions;
+    const auto addRegion = [&](double from, double to) {
+        const std::string legend =
+            fmt::format("{}, {}", RangeOfP(from, to), WordingOf(source_.settings.GetFunnelConTourTesType()));
+        const std::string shade = Shade(regions.size(), levels.size() + 1);
+        regions.push_back({Layer::Kind::AREA, shade, {std::move(region)}, {}, 0, legend});
+    };
     double from = 0;
     for (const std::size_t i : order) {
-        const char* const shade = SHADES[std::min(regions.size(), SHADES.size() - 1)];
-        regions.push_back(
-            {Layer::Kind::AREA, shade, {std::move(region)}, {}, 0, ContourLegend(from, levels[i])});
+        addRegion(from, levels[i]);
         region = InsignificantRegion(picture, extents[i] / height);
         from = levels[i];
     }
-    regions.push_back({Layer::Kind::AREA, color::WHITE, {std::move(region)}, {}, 0, ContourLegend(from, 1)});
+    addRegion(from, 1);
     return regions;
 }
 
@@ -196,16 +216,9 @@ Picture Funnel::Draw() const
     picture.layers.push_back(LineBetween({center_, picture.y.first}, {center_, picture.y.last},
                                          Layer::Kind::LINE, color::ACCENT,
                                          imputed_.empty() ? "Pooled effect" : "Effect with imputed studies"));
-    if (!imputed_.empty()) {
-        const std::vector<double> radii(imputed_.size(), DOT_RADIUS);
-        picture.layers.push_back({Layer::Kind::RINGS, color::INK, {imputed_}, radii, 1.2, "Imputed study"});
-    }
-    picture.layers.push_back({Layer::Kind::DISCS,
-                              color::POOLED,
-                              {studies_},
-                              std::vector<double>(studies_.size(), DOT_RADIUS),
-                              1,
-                              "Study"});
+    if (!imputed_.empty())
+        picture.layers.push_back(Dots(imputed_, Layer::Kind::RINGS, color::INK, "Imputed study"));
+    picture.layers.push_back(StudyDots(studies_));
     picture.description =
         fmt::format("{}: {} by {} and {}{}; the pooled effect and its {} limits form a funnel.",
                     picture.title, CountOfStudies(studies_.size()), source_.effect.name, VerticalTitle(type_),

@@ -242,6 +242,16 @@ ReportSection SmallStudyTest(const ReportSource& source)
     return section;
 }
 
+/// The library gives contours by their extent at one standard error, which makes a line over that axis alone.
+ReportSection FunnelPlot(const ReportSource& source)
+{
+    const bool wantsContours = source.settings.GetFunnelConTourTesType() != MAConst::CONTOUR_NONE;
+    if (!wantsContours || source.settings.GetFunnelYType() == MAConst::FUNNEL_STD_ERROR)
+        return {};
+    return {
+        "Funnel plot", {}, {"Its picture has no contours: they are drawn over the standard error alone."}};
+}
+
 /// The line of each; the points are for a plot.
 ReportSection BubblePlots(const ReportSource& source)
 {

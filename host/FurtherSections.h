@@ -15,6 +15,8 @@ ReportSection Contrasts(const ReportSource& source);
 std::vector<ReportSection> TrimAndFill(const ReportSource& source);
 
 ReportSection SmallStudyTest(const ReportSource& source);
+/// What the picture does not show although it is asked for.
+ReportSection FunnelPlot(const ReportSource& source);
 ReportSection BubblePlots(const ReportSource& source);
 
 } // namespace host

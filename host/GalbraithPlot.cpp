@@ -14,8 +14,6 @@ namespace host {
 
 namespace {
 
-constexpr double DOT_RADIUS = 3.6;
-
 /// The library scales the effects of all studies by their standard errors, and those of a group by their
 /// variances, to which the parallels are no confidence limits.
 struct Scale
@@ -60,7 +58,7 @@ Picture GalbraithPlot(const ReportSource& source, const PlotOfGroup& plot)
     picture.x = NumberAxis(fmt::format("1 / {}", scale.name), x);
     picture.y = NumberAxis(fmt::format("{} / {}", Capitalised(EffectName(source.effect)), scale.name), y);
     picture.layers = {
-        LineBetween({0, 0}, {end, 0}, Layer::Kind::LINE, color::FAINT, "No effect"),
+        NullLine({0, 0}, {end, 0}),
         {Layer::Kind::DASHED_LINE,
          color::INK,
          {{{0, offset}, {end, slope * end + offset}}, {{0, -offset}, {end, slope * end - offset}}},
@@ -68,12 +66,7 @@ Picture GalbraithPlot(const ReportSource& source, const PlotOfGroup& plot)
          1.2,
          scale.parallels},
         LineBetween({0, 0}, {end, slope * end}, Layer::Kind::LINE, color::ACCENT, "Line through the origin"),
-        {Layer::Kind::DISCS,
-         color::POOLED,
-         {studies},
-         std::vector<double>(studies.size(), DOT_RADIUS),
-         1,
-         "Study"}};
+        StudyDots(studies)};
     picture.description = fmt::format(
         "{}: {} by effect and precision, each divided by the {}; a line through the origin of slope "
         "{:.2f} and its two parallels at a distance of {:.2f}.",

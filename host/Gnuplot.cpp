@@ -1,12 +1,16 @@
 #include "host/Gnuplot.h"
 
 #include "host/FontCoverage.h"
+#include "host/GnuplotProcess.h"
+#include "host/Outline.h"
 #include "host/PlainText.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -39,6 +43,21 @@ MarkColors ColorsOf(const Layer& layer)
     return {layer.color, ""};
 }
 
+bool IsEmpty(const Layer& layer)
+{
+    return std::all_of(layer.pieces.begin(), layer.pieces.end(),
+                       [](const std::vector<Point>& piece) { return piece.empty(); });
+}
+
+/// gnuplot cuts areas as well, but those of a PNG wrongly, and at times past the end of its memory.
+Layer CutToAxes(Layer layer, const Picture& picture)
+{
+    if (layer.kind == Kind::AREA)
+        for (std::vector<Point>& outline : layer.pieces)
+            outline = CutToRectangle(std::move(outline), RectangleOf(picture.x, picture.y));
+    return layer;
+}
+
 /// "#rrggbb" as gnuplot reads it in data.
 std::string DataColor(const std::string& color)
 {
@@ -54,10 +73,21 @@ struct Terminal
     bool drawsLetters; ///< with the installed fonts; in an SVG, whoever shows it does
 };
 
+/// Pixels of a PNG in one of the picture: two, or as many as there may be. With less than one it would have
+/// letters that nobody can read.
+double SharpnessOf(const Picture& picture)
+{
+    constexpr double BEST = 2;
+    constexpr double MOST_PIXELS = 32767; // in a row or a column, for Cairo
+    const double sharpness = std::min(BEST, MOST_PIXELS / std::max(picture.width, picture.height));
+    if (sharpness < 1)
+        throw DrawingFailure("it is too large for a PNG file; SVG and PDF files may be of any size");
+    return std::floor(sharpness * 100) / 100;
+}
+
 Terminal TerminalOf(const Picture& picture, PictureFormat format)
 {
     constexpr double POINTS = 0.75; // in a pixel
-    constexpr double SHARPNESS = 2; // pixels of a PNG in one of the picture
     const double width = picture.width;
     const double height = picture.height;
     switch (format) {
@@ -65,11 +95,13 @@ Terminal TerminalOf(const Picture& picture, PictureFormat format)
         return {fmt::format("svg size {:.0f},{:.0f} noenhanced font 'sans-serif,{}' background '#ffffff'",
                             width, height, FONT_SIZE),
                 4.5, false};
-    case PictureFormat::PNG:
+    case PictureFormat::PNG: {
+        const double sharpness = SharpnessOf(picture);
         return {fmt::format("pngcairo size {0:.0f},{1:.0f} noenhanced font 'sans-serif,{2}' fontscale {3} "
                             "pointscale {3} linewidth {3}",
-                            SHARPNESS * width, SHARPNESS * height, POINTS * FONT_SIZE, SHARPNESS),
+                            sharpness * width, sharpness * height, POINTS * FONT_SIZE, sharpness),
                 3, true};
+    }
     case PictureFormat::PDF:
         return {fmt::format("pdfcairo size {:.4f},{:.4f} noenhanced font 'sans-serif,{}' fontscale {} "
                             "pointscale {} linewidth {}",
@@ -148,7 +180,7 @@ void ScriptWriter::SetFrame()
     commands_ += "set tics out nomirror scale 0.6 noenhanced\n";
     SetAxis('x', picture_.x);
     SetAxis('y', picture_.y);
-    commands_ += "set xlabel offset 0,0.4\n";
+    commands_ += "set xlabel offset 0,0.4\nset clip two\n";
 }
 
 void ScriptWriter::SetTexts()
@@ -217,6 +249,8 @@ std::string ScriptWriter::Style(const Layer& layer)
         return fmt::format("lines lc rgb '{}' lw {}", layer.color, layer.width);
     case Kind::DASHED_LINE:
         return fmt::format("lines lc rgb '{}' lw {} dt (8,5)", layer.color, layer.width);
+    case Kind::DOTTED_LINE:
+        return fmt::format("lines lc rgb '{}' lw {} dt (2,3)", layer.color, layer.width);
     case Kind::SQUARES:
         return "points pt 5 ps variable lc rgb variable";
     case Kind::DISCS:
@@ -254,10 +288,8 @@ void ScriptWriter::AddPlots()
 {
     std::vector<std::string> plots;
     for (std::size_t i = 0; i < picture_.layers.size(); ++i) {
-        const Layer& layer = picture_.layers[i];
-        const bool isEmpty = std::all_of(layer.pieces.begin(), layer.pieces.end(),
-                                         [](const std::vector<Point>& piece) { return piece.empty(); });
-        if (isEmpty)
+        const Layer layer = CutToAxes(picture_.layers[i], picture_);
+        if (IsEmpty(layer))
             continue;
         AddData(layer, i);
         for (std::string& plot : PlotsOf(layer, i))

@@ -8,7 +8,7 @@
 namespace host {
 
 /// The picture as a script for gnuplot that writes the file to standard output. Texts are data in it, never
-/// commands and never markup.
+/// commands and never markup. Throws DrawingFailure when no file of the format can hold it.
 std::string GnuplotScript(const Picture& picture, PictureFormat format);
 
 } // namespace host

@@ -5,15 +5,22 @@
 
 namespace host {
 
-/// Pictures cannot be drawn. `what()` is a sentence for the user.
+/// A picture cannot be drawn. `what()` is the reason, to stand behind a colon.
 class DrawingFailure : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
+/// Nor can any other.
+class NoGnuplot : public DrawingFailure
+{
+public:
+    using DrawingFailure::DrawingFailure;
+};
+
 /// Runs the program gnuplot, without a shell, on the script and returns what it writes to its standard
-/// output. Throws DrawingFailure when it is not installed or fails.
+/// output. Throws DrawingFailure when it fails, NoGnuplot when it is not installed or comes to no end.
 std::string RunGnuplot(const std::string& script);
 
 } // namespace host

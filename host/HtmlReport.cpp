@@ -1,8 +1,8 @@
 #include "host/HtmlReport.h"
 
+#include "host/HtmlFigure.h"
 #include "host/HtmlStyle.h"
 #include "host/OptionDefinitions.h"
-#include "host/PlainText.h"
 #include "host/ProgramInfo.h"
 
 #include <fmt/format.h>
@@ -17,36 +17,9 @@ namespace {
 
 using Json = nlohmann::ordered_json;
 
-constexpr double TALL = 500; // pixels above which a picture may fill a page of paper
-
-/// Text as it may stand between tags and in quoted attributes.
-std::string Escaped(const std::string& text)
-{
-    std::string escaped;
-    for (const char c : PlainText(text)) {
-        switch (c) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        default:
-            escaped += c;
-        }
-    }
-    return escaped;
-}
-
 std::string Element(const char* name, const std::string& text)
 {
-    return fmt::format("<{0}>{1}</{0}>\n", name, Escaped(text));
+    return fmt::format("<{0}>{1}</{0}>\n", name, HtmlEscaped(text));
 }
 
 std::string HeaderCell(const ReportColumn& column)
@@ -54,13 +27,13 @@ std::string HeaderCell(const ReportColumn& column)
     if (column.header.empty())
         return "<td></td>";
     return fmt::format("<th scope=\"col\"{}>{}</th>", column.isText ? " class=\"text\"" : "",
-                       Escaped(column.header));
+                       HtmlEscaped(column.header));
 }
 
 /// The first column, if a text, names the row.
 std::string Cell(const ReportColumn& column, std::size_t row, bool isFirst)
 {
-    const std::string text = Escaped(column.cells[row]);
+    const std::string text = HtmlEscaped(column.cells[row]);
     if (!column.isText)
         return fmt::format("<td>{}</td>", text);
     return isFirst ? fmt::format("<th scope=\"row\" class=\"text\">{}</th>", text)
@@ -104,7 +77,7 @@ void Page::AddHead(const std::string& title)
                          "<meta http-equiv=\"Content-Security-Policy\" "
                          "content=\"default-src 'none'; style-src 'unsafe-inline'\"/>\n"
                          "<title>{0}</title>\n<style>{1}</style>\n</head>\n<body>\n<main>\n<h1>{0}</h1>\n",
-                         Escaped(title), HTML_STYLE);
+                         HtmlEscaped(title), HTML_STYLE);
 }
 
 void Page::AddTable(const std::string& title, const std::vector<ReportColumn>& table)
@@ -116,7 +89,7 @@ void Page::AddTable(const std::string& title, const std::vector<ReportColumn>& t
     html_ += fmt::format("<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"{0}\">\n<table>\n"
                          "<caption>{0}</caption>\n<thead><tr>{1}</tr></thead>\n<tbody>\n{2}</tbody>\n"
                          "</table>\n</div>\n",
-                         Escaped(caption), headers, TableBody(table));
+                         HtmlEscaped(caption), headers, TableBody(table));
 }
 
 void Page::AddSection(const ReportSection& section)
@@ -131,21 +104,14 @@ void Page::AddSection(const ReportSection& section)
 
 void Page::AddPictures(const Drawing& drawing)
 {
-    if (drawing.pictures.empty() && drawing.failure.empty())
+    if (drawing.pictures.empty() && drawing.failures.empty())
         return;
     html_ += "<section>\n" + Element("h2", "Pictures");
     int number = 0;
-    for (const DrawnPicture& drawn : drawing.pictures) {
-        const Picture& picture = drawn.picture;
-        const std::string caption = fmt::format("Figure {}. {}", ++number, picture.description);
-        html_ += fmt::format("<figure{}>\n<div class=\"scroll\" tabindex=\"0\" role=\"region\" "
-                             "aria-label=\"{}\" style=\"max-width: {:.0f}px\">\n{}\n</div>\n"
-                             "<figcaption>{}</figcaption>\n</figure>\n",
-                             picture.height > TALL ? " class=\"tall\"" : "", Escaped(picture.title),
-                             picture.width, drawn.bytes, Escaped(caption));
-    }
-    if (!drawing.failure.empty())
-        html_ += Element("p", drawing.failure);
+    for (const DrawnPicture& drawn : drawing.pictures)
+        html_ += HtmlFigure(drawn, ++number);
+    for (const std::string& failure : drawing.failures)
+        html_ += Element("p", failure);
     html_ += "</section>\n";
 }
 
@@ -153,7 +119,7 @@ void Page::AddCommandLine(const std::string& line)
 {
     html_ += fmt::format("<section>\n<h2>Command line</h2>\n<pre><code>{}</code></pre>\n<p>{} {}</p>\n"
                          "</section>\n",
-                         Escaped(line), PROGRAM_NAME, PROGRAM_VERSION);
+                         HtmlEscaped(line), PROGRAM_NAME, PROGRAM_VERSION);
 }
 
 std::string TextOf(const Json& value)

@@ -23,6 +23,7 @@ th.text, td.text { text-align: left; white-space: normal; min-width: 6rem; max-w
 figure { margin: 1.5rem 0; }
 figure svg { display: block; width: 100%; min-width: 34rem; height: auto; }
 pre { background: #f4f6f8; padding: 0.7rem; white-space: pre-wrap; overflow-wrap: anywhere; font-size: 0.85rem; }
+.paper { display: none; }
 @media print {
   @page { margin: 1.5cm; }
   body { max-width: none; padding: 0; font-size: 10pt; }
@@ -34,6 +35,12 @@ pre { background: #f4f6f8; padding: 0.7rem; white-space: pre-wrap; overflow-wrap
   h2, caption, thead, tbody tr:nth-child(-n+2) { break-after: avoid; }
   figure svg { min-width: 0; max-height: 10cm; }
   figure.tall svg { max-height: 23cm; }
+  figure.sliced { break-inside: auto; }
+  figure.sliced .scroll { display: none; }
+  .paper { display: block; }
+  .paper div { break-inside: avoid; }
+  .paper svg { max-height: none; }
+  .paper + figcaption { break-before: avoid; }
 }
 )";
 

@@ -44,7 +44,7 @@ Picture LabbePlot(const ReportSource& source, const MABinModel& model, const Plo
     picture.x = EffectAxis(source.effect, outcome + " in the control group", both);
     picture.y = EffectAxis(source.effect, outcome + " in the treatment group", both);
     picture.layers = {
-        LineOfEffect(both, 0, Layer::Kind::LINE, color::FAINT, "No effect"),
+        NullLine({both.First(), both.First()}, {both.Last(), both.Last()}),
         LineOfEffect(both, plot.estimate, Layer::Kind::DASHED_LINE, color::ACCENT, "Pooled effect"),
         Bubbles(control, treatment, model.GetLabbePlotW()[plot.row])};
     picture.description =

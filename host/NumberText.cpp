@@ -15,9 +15,12 @@ namespace {
 constexpr int LEAST_DECIMALS = 4;
 constexpr int MOST_DECIMALS = 12;
 
-bool HasNoValue(double value)
+/// The text of a number that is shown as 0 without a sign.
+std::string WithoutSignOfZero(std::string text)
 {
-    return KXMV::IsMissing(value) || std::isnan(value);
+    if (text.front() == '-' && text.find_first_of("123456789") == std::string::npos)
+        text.erase(0, 1);
+    return text;
 }
 
 template <class ToText>
@@ -50,13 +53,23 @@ std::vector<std::string> JoinedTexts(const Estimates& estimates, const ToText& t
 
 } // namespace
 
+bool HasValue(double value)
+{
+    return !KXMV::IsMissing(value) && !std::isnan(value);
+}
+
+bool IsNumber(double value)
+{
+    return HasValue(value) && std::isfinite(value);
+}
+
 std::string FixedText(double value, int decimals)
 {
-    if (HasNoValue(value))
+    if (!HasValue(value))
         return NO_VALUE;
     if (std::abs(value) >= 1e10)
         return fmt::format("{:.6g}", value);
-    return fmt::format("{:.{}f}", value, decimals);
+    return WithoutSignOfZero(fmt::format("{:.{}f}", value, decimals));
 }
 
 std::string NumberText(double value)
@@ -68,6 +81,11 @@ std::string NumberText(double value)
 std::string PValueText(double p)
 {
     return p >= 0 && p < 1e-4 ? "< 0.0001" : FixedText(p, LEAST_DECIMALS);
+}
+
+std::string PercentText(double fraction, int decimals)
+{
+    return IsNumber(fraction) ? FixedText(100 * fraction, decimals) + '%' : NO_VALUE;
 }
 
 std::vector<double> InPercent(std::vector<double> fractions)

@@ -8,6 +8,11 @@ namespace host {
 /// What stands for a missing value and for NaN.
 inline constexpr const char* NO_VALUE = "-";
 
+/// Whether the library gave a value, which may be infinite: neither missing nor NaN.
+bool HasValue(double value);
+/// Whether that can be drawn: it is finite as well.
+bool IsNumber(double value);
+
 /// A number with `decimals` digits behind the point, for columns; a huge one in scientific form.
 std::string FixedText(double value, int decimals);
 
@@ -16,6 +21,9 @@ std::string NumberText(double value);
 
 /// A probability with four decimals, or "< 0.0001": a small one may have underflowed to 0, but is not 0.
 std::string PValueText(double p);
+
+/// A fraction as "12.3%".
+std::string PercentText(double fraction, int decimals);
 
 /// The numbers times 100; missing stays missing.
 std::vector<double> InPercent(std::vector<double> fractions);

@@ -68,12 +68,19 @@ void CheckSmallStudyTest(const Options& options)
                                         NameOf(SMALL_STUDY_TEST_CHOICES, type)));
 }
 
-/// A column would have one plot, however often it is named.
-void CheckBubbles(const std::vector<std::string>& columns)
+template <class Value>
+void RequireDifferent(const std::vector<Value>& values, const char* what)
 {
-    for (auto column = columns.begin(); column != columns.end(); ++column)
-        if (std::find(columns.begin(), column, *column) != column)
-            throw UnusableInput(fmt::format("--bubble: column '{}' is given twice.", *column));
+    for (auto value = values.begin(); value != values.end(); ++value)
+        if (std::find(values.begin(), value, *value) != value)
+            throw UnusableInput(fmt::format("{} '{}' is given twice.", what, *value));
+}
+
+void CheckContours(const Options& options)
+{
+    RequireDifferent(options.contourLevels, "--contour-level:");
+    if (!options.contourLevels.empty() && options.settings.GetFunnelConTourTesType() == MAConst::CONTOUR_NONE)
+        throw UnusableInput("--contour-level needs --contours, which names the test of the level.");
 }
 
 } // namespace
@@ -92,7 +99,8 @@ void Resolve(Options& options)
     if (options.command == Command::REGRESSION)
         CheckRegression(options);
     CheckSmallStudyTest(options);
-    CheckBubbles(options.bubbles);
+    RequireDifferent(options.bubbles, "--bubble: column"); // a column has one plot
+    CheckContours(options);
     if (options.readyMadeEffect)
         ResolveReadyMadeEffect(*options.readyMadeEffect, options.settings);
 }

@@ -11,10 +11,12 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <map>
 #include <system_error>
 
 namespace host {
@@ -42,17 +44,9 @@ bool WritesJsonToStandardOutput(const Options& options)
     return options.jsonPath == "-";
 }
 
-void WriteJson(const Options& options, const std::string& json)
-{
-    if (WritesJsonToStandardOutput(options))
-        WriteStandardOutput(json);
-    else
-        WriteFile(*options.jsonPath, json);
-}
-
 void WriteLibraryError(int code)
 {
-    std::fputs(fmt::format("{}: error {}: {}\n", PROGRAM_NAME, code, SentenceOf(code)).c_str(), stderr);
+    WriteToStandardError(fmt::format("error {}: {}", code, SentenceOf(code)).c_str());
 }
 
 struct OutputFile
@@ -61,34 +55,106 @@ struct OutputFile
     std::string bytes;
 };
 
-/// The page and the pictures.
-struct RenderedFiles
+/// All that a run writes.
+struct RenderedOutput
 {
-    std::vector<OutputFile> files;
-    std::string failure; ///< a sentence; empty when all pictures are drawn
+    std::string text; ///< of standard output
+    std::vector<OutputFile> files = {};
+    std::vector<OutputFile> pictures = {};
+    std::vector<std::string> failures = {}; ///< a sentence for each thing that is missing
 };
 
-RenderedFiles RenderFiles(const Options& options, const RunOutput& output, const Report& report)
+void AddFailure(std::vector<std::string>& failures, const std::string& sentence)
 {
-    RenderedFiles rendered;
+    if (std::find(failures.begin(), failures.end(), sentence) == failures.end())
+        failures.push_back(sentence);
+}
+
+void AddPictures(RenderedOutput& rendered, const Options& options, const Drawing& drawing)
+{
+    const std::filesystem::path folder = *options.plotsFolder;
+    for (const DrawnPicture& drawn : drawing.pictures)
+        rendered.pictures.push_back({(folder / FileName(drawn.picture, options.plotFormat)).string(),
+                                     FileContent(drawn, options.plotFormat)});
+}
+
+/// The page and the pictures.
+void RenderPictures(RenderedOutput& rendered, const Options& options, const RunOutput& output,
+                    const Report& report)
+{
     if (!options.htmlPath && !options.plotsFolder)
-        return rendered;
+        return;
     const std::vector<Picture> pictures = output.pictures ? output.pictures() : std::vector<Picture>();
-    const bool wantsSvg = options.htmlPath || options.plotFormat == PictureFormat::SVG;
-    const Drawing svg = wantsSvg ? Draw(pictures, PictureFormat::SVG) : Drawing();
-    rendered.failure = svg.failure;
+    std::map<PictureFormat, Drawing> drawings;
     if (options.htmlPath)
-        rendered.files.push_back({*options.htmlPath, RenderHtml(options, report, svg)});
-    if (options.plotsFolder) {
-        const PictureFormat format = options.plotFormat;
-        const Drawing drawing = format == PictureFormat::SVG ? svg : Draw(pictures, format);
-        rendered.failure = drawing.failure;
-        const std::filesystem::path folder = *options.plotsFolder;
-        for (const DrawnPicture& drawn : drawing.pictures)
-            rendered.files.push_back(
-                {(folder / FileName(drawn, format)).string(), FileContent(drawn, format)});
-    }
+        drawings[PictureFormat::SVG] = Draw(pictures, PictureFormat::SVG);
+    if (options.plotsFolder && drawings.count(options.plotFormat) == 0)
+        drawings[options.plotFormat] = Draw(pictures, options.plotFormat);
+    for (const auto& [format, drawing] : drawings)
+        for (const std::string& failure : drawing.failures)
+            AddFailure(rendered.failures, failure);
+    if (options.htmlPath)
+        rendered.files.push_back(
+            {*options.htmlPath, RenderHtml(options, report, drawings[PictureFormat::SVG])});
+    if (options.plotsFolder)
+        AddPictures(rendered, options, drawings[options.plotFormat]);
+}
+
+RenderedOutput Render(const Options& options, const RunOutput& output)
+{
+    RenderedOutput rendered;
+    if (WritesJsonToStandardOutput(options))
+        rendered.text = output.json();
+    else if (options.jsonPath)
+        rendered.files.push_back({*options.jsonPath, output.json()});
+    if (output.status.IsError())
+        return rendered;
+    const Report report = output.report();
+    if (!WritesJsonToStandardOutput(options))
+        rendered.text = RenderText(report);
+    RenderPictures(rendered, options, output, report);
     return rendered;
+}
+
+/// The absolute path behind all links, as far as they can be read.
+std::filesystem::path CanonicalPath(const std::string& path)
+{
+    std::error_code unreadable;
+    const std::filesystem::path absolute = std::filesystem::absolute(path, unreadable);
+    const std::filesystem::path canonical = std::filesystem::weakly_canonical(absolute, unreadable);
+    const std::filesystem::path found = unreadable ? absolute.lexically_normal() : canonical;
+    return found.has_filename() ? found : found.parent_path(); // "folder/" is "folder"
+}
+
+/// Whether the paths lead to one file, be it there already or not.
+bool IsSameFile(const std::string& one, const std::string& other)
+{
+    std::error_code noSuchFile;
+    return CanonicalPath(one) == CanonicalPath(other) || std::filesystem::equivalent(one, other, noSuchFile);
+}
+
+/// What else than a picture the path leads to; empty for nothing.
+std::string OtherUseOf(const std::string& path, const Options& options)
+{
+    if (IsSameFile(path, options.dataPath))
+        return "the data file";
+    if (options.jsonPath && !WritesJsonToStandardOutput(options) && IsSameFile(path, *options.jsonPath))
+        return "the file of --json";
+    if (options.htmlPath && IsSameFile(path, *options.htmlPath))
+        return "the file of --html";
+    return {};
+}
+
+/// The names of pictures follow from the analysis, so that none could be checked before.
+void LeaveOutPicturesInUse(RenderedOutput& rendered, const Options& options)
+{
+    std::erase_if(rendered.pictures, [&](const OutputFile& picture) {
+        const std::string use = OtherUseOf(picture.path, options);
+        if (!use.empty())
+            rendered.failures.push_back(
+                fmt::format("The picture '{}' is not written: that is {}.", picture.path, use));
+        return !use.empty();
+    });
 }
 
 void MakeFolder(const std::string& folder)
@@ -99,20 +165,71 @@ void MakeFolder(const std::string& folder)
         throw UnusableInput(fmt::format("'{}' cannot be made: {}.", folder, error.message()));
 }
 
-bool IsSameFile(const std::string& one, const std::string& other)
+/// Whether `write` went well; if not, its sentence joins the failures.
+template <class Write>
+bool Try(std::vector<std::string>& failures, const Write& write)
+{
+    try {
+        write();
+        return true;
+    } catch (const UnusableInput& problem) {
+        AddFailure(failures, problem.what());
+        return false;
+    }
+}
+
+/// What cannot be written leaves the rest.
+void Write(RenderedOutput& rendered, const Options& options)
+{
+    std::vector<std::string>& failures = rendered.failures;
+    Try(failures, [&] { WriteStandardOutput(rendered.text); });
+    for (const OutputFile& file : rendered.files)
+        Try(failures, [&] { WriteFile(file.path, file.bytes); });
+    if (rendered.pictures.empty() || !Try(failures, [&] { MakeFolder(*options.plotsFolder); }))
+        return;
+    for (const OutputFile& file : rendered.pictures)
+        Try(failures, [&] { WriteFile(file.path, file.bytes); });
+}
+
+/// The first ones, for hundreds of pictures may have one cause.
+void WriteFailures(const std::vector<std::string>& failures)
+{
+    constexpr std::size_t MOST_SENTENCES = 10;
+    const std::size_t count = std::min(failures.size(), MOST_SENTENCES);
+    for (std::size_t i = 0; i < count; ++i)
+        WriteToStandardError(failures[i].c_str());
+    if (count < failures.size())
+        WriteToStandardError(
+            fmt::format("{} more things are missing likewise.", failures.size() - count).c_str());
+}
+
+void RequireFolderOf(const char* option, const std::string& path)
 {
     std::error_code noSuchFile;
-    return one == other || std::filesystem::equivalent(one, other, noSuchFile);
+    const std::filesystem::path folder = std::filesystem::absolute(path, noSuchFile).parent_path();
+    if (!std::filesystem::is_directory(folder, noSuchFile))
+        throw UnusableInput(fmt::format("{}: '{}' cannot be written: there is no folder '{}'.", option, path,
+                                        folder.string()));
+}
+
+/// Nothing is lost when a file cannot be written, but a misspelt place can be told before the analysis.
+void CheckFile(const char* option, const std::string& path, const Options& options)
+{
+    if (IsSameFile(path, options.dataPath))
+        throw UnusableInput(fmt::format("{}: '{}' is the data file.", option, path));
+    if (options.plotsFolder && IsSameFile(path, *options.plotsFolder))
+        throw UnusableInput(fmt::format("{}: '{}' is the folder of --plots.", option, path));
+    RequireFolderOf(option, path);
 }
 
 } // namespace
 
 void CheckOutputPlaces(const Options& options)
 {
-    if (options.jsonPath && IsSameFile(*options.jsonPath, options.dataPath))
-        throw UnusableInput(fmt::format("--json: '{}' is the data file.", *options.jsonPath));
-    if (options.htmlPath && IsSameFile(*options.htmlPath, options.dataPath))
-        throw UnusableInput(fmt::format("--html: '{}' is the data file.", *options.htmlPath));
+    if (options.jsonPath && !WritesJsonToStandardOutput(options))
+        CheckFile("--json", *options.jsonPath, options);
+    if (options.htmlPath)
+        CheckFile("--html", *options.htmlPath, options);
     if (options.htmlPath && options.jsonPath && IsSameFile(*options.htmlPath, *options.jsonPath))
         throw UnusableInput(fmt::format("--html: '{}' is the file of --json.", *options.htmlPath));
     std::error_code noSuchFile;
@@ -123,23 +240,15 @@ void CheckOutputPlaces(const Options& options)
 
 ExitStatus WriteOutput(const Options& options, const RunOutput& output)
 {
-    const bool isError = output.status.IsError();
-    const Report report = isError ? Report() : output.report();
-    const bool showsReport = !isError && !WritesJsonToStandardOutput(options);
-    const std::string text = showsReport ? RenderText(report) : "";
-    const RenderedFiles rendered = isError ? RenderedFiles() : RenderFiles(options, output, report);
-    if (options.jsonPath)
-        WriteJson(options, output.json());
-    if (options.plotsFolder && !isError)
-        MakeFolder(*options.plotsFolder);
-    for (const OutputFile& file : rendered.files)
-        WriteFile(file.path, file.bytes);
-    WriteStandardOutput(text);
-    const KXStatus& status = isError ? output.status : output.furtherStatus;
+    RenderedOutput rendered = Render(options, output);
+    LeaveOutPicturesInUse(rendered, options);
+    Write(rendered, options);
+    const KXStatus& status = output.status.IsError() ? output.status : output.furtherStatus;
     if (status.IsError())
         WriteLibraryError(status.GetCode());
-    if (!rendered.failure.empty())
-        throw UnusableInput(rendered.failure);
+    WriteFailures(rendered.failures);
+    if (!rendered.failures.empty())
+        return EXIT_UNUSABLE;
     return status.IsError() ? EXIT_LIBRARY_ERROR : EXIT_RAN;
 }
 
@@ -154,8 +263,15 @@ ExitStatus WriteOutput(const Options& options, const DataTable& table, const Req
 
 void WriteStandardOutput(const std::string& text)
 {
-    if (std::fwrite(text.data(), 1, text.size(), stdout) != text.size() || std::fflush(stdout) != 0)
+    const bool isWritten =
+        std::fwrite(text.data(), 1, text.size(), stdout) == text.size() && std::fflush(stdout) == 0;
+    if (!isWritten && errno != EPIPE)
         FailToWrite("Standard output");
+}
+
+void WriteToStandardError(const char* sentence) noexcept
+{
+    std::fprintf(stderr, "%s: %s\n", PROGRAM_NAME, sentence);
 }
 
 } // namespace host

@@ -14,7 +14,8 @@
 
 namespace host {
 
-/// Throws UnusableInput when an output would replace the data or another output, or cannot be a folder.
+/// Throws UnusableInput when it is plain before the analysis that an output cannot be written: it would
+/// replace the data or another output, has no folder, or should be one and is a file.
 void CheckOutputPlaces(const Options& options);
 
 /// What a run has to show, whichever the command. A form is made when the options ask for it.
@@ -27,14 +28,17 @@ struct RunOutput
     std::function<std::vector<Picture>()> pictures = {};
 };
 
-/// Writes what the options ask for: the report, the JSON, the page and the pictures; of a run that ended with
-/// an error, the JSON and a sentence on standard error; of one with an error beyond the main analysis, all of
-/// it. Everything is rendered before the first byte is written. Throws UnusableInput when a place cannot be
-/// written to, and, behind all that can be written, when pictures could not be drawn.
+/// Writes what the options ask for: the report to standard output, the JSON, the page and the pictures; of a
+/// run that ended with an error, the JSON and a sentence on standard error; of one with an error beyond the
+/// main analysis, all of it. Everything is rendered before the first byte is written. What cannot be drawn or
+/// written, or would replace the data or another output, is left out with a sentence on standard error.
 ExitStatus WriteOutput(const Options& options, const RunOutput& output);
 ExitStatus WriteOutput(const Options& options, const DataTable& table, const Request& request,
                        const Analysis& analysis);
 
+/// Throws UnusableInput when it fails, but not when the reader of a pipe has had enough, such as `head`.
 void WriteStandardOutput(const std::string& text);
+/// With the name of the program.
+void WriteToStandardError(const char* sentence) noexcept;
 
 } // namespace host

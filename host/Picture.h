@@ -31,6 +31,7 @@ struct Layer
         AREA, ///< each piece is the outline of one
         LINE, ///< each piece is one
         DASHED_LINE,
+        DOTTED_LINE,
         SQUARES, ///< the points of all pieces, with `radii`
         DISCS,
         BUBBLES, ///< discs with a rim, to be told apart where they overlap
@@ -38,7 +39,7 @@ struct Layer
     };
 
     Kind kind;
-    const char* color;
+    std::string color;
     std::vector<std::vector<Point>> pieces;
     std::vector<double> radii = {}; ///< of marks, in pixels: half the side of a square
     double width = 1;               ///< of lines, in pixels
@@ -101,8 +102,10 @@ struct Picture
     Axis y;
     std::vector<Layer> layers; ///< later ones lie on earlier ones
     std::vector<PictureText> texts = {};
+    double rowHeight = 0; ///< where the frame holds rows, between which the picture may be cut; else 0
 };
 
-inline constexpr double FONT_SIZE = 12; ///< of all texts, in pixels
+inline constexpr double FONT_SIZE = 12;      ///< of all texts, in pixels
+inline constexpr double PICTURE_MARGIN = 14; ///< about all that is in a picture, in pixels
 
 } // namespace host

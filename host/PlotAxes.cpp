@@ -1,11 +1,11 @@
 #include "host/PlotAxes.h"
 
-#include "meta_analysis/platform/common/KXMV.h"
+#include "host/NumberText.h"
+#include "host/PlainText.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cctype>
 #include <cmath>
 #include <cstddef>
 #include <utility>
@@ -14,8 +14,9 @@ namespace host {
 
 namespace {
 
-constexpr double MOST_TICKS = 7;
-constexpr double SHORTEST = 1e-9; // length of a range that can be drawn, relative to its ends
+constexpr int MOST_TICKS = 7;
+constexpr double SHORTEST_AXIS = 320; // in pixels
+constexpr double SHORTEST = 1e-9;     // length of a range that can be drawn, relative to its ends
 
 double LogOfTen()
 {
@@ -55,9 +56,27 @@ std::string TextAt(double number, double step)
     return fmt::format("{:.{}g}", number + 0.0, std::clamp(static_cast<int>(digits), 6, 15));
 }
 
-std::vector<Tick> DecadeTicks(const Extent& logarithms)
+bool HaveRoom(const std::vector<Tick>& ticks)
 {
-    const double step = std::ceil(logarithms.Length() / LogOfTen() / MOST_TICKS);
+    double width = 0;
+    for (const Tick& tick : ticks)
+        width += (TextWidth(tick.text) + 1) * FONT_SIZE;
+    return width <= SHORTEST_AXIS;
+}
+
+/// The most ticks, of those made for a number of them, whose texts stand side by side.
+template <class Make>
+std::vector<Tick> TicksWithRoom(const Make& makeTicks)
+{
+    int most = MOST_TICKS;
+    while (most > 1 && !HaveRoom(makeTicks(most)))
+        --most;
+    return makeTicks(most);
+}
+
+std::vector<Tick> DecadeTicks(const Extent& logarithms, int most)
+{
+    const double step = RoundStep(std::max(1.0, logarithms.Length() / LogOfTen() / most));
     std::vector<Tick> ticks;
     for (const double power :
          Multiples(step, logarithms.First() / LogOfTen(), logarithms.Last() / LogOfTen()))
@@ -92,11 +111,6 @@ std::vector<Tick> EquidistantTicks(const Extent& logarithms)
 }
 
 } // namespace
-
-bool IsNumber(double value)
-{
-    return std::isfinite(value) && !KXMV::IsMissing(value);
-}
 
 void Extent::Cover(double value)
 {
@@ -137,19 +151,22 @@ std::vector<Point> DrawablePoints(const std::vector<double>& x, const std::vecto
 
 std::vector<Tick> NumberTicks(const Extent& numbers)
 {
-    const double step = RoundStep(numbers.Length() / MOST_TICKS);
-    std::vector<Tick> ticks;
-    for (const double number : Multiples(step, numbers.First(), numbers.Last()))
-        ticks.push_back({number, TextAt(number, step)});
-    return ticks;
+    return TicksWithRoom([&](int most) {
+        const double step = RoundStep(numbers.Length() / most);
+        std::vector<Tick> ticks;
+        for (const double number : Multiples(step, numbers.First(), numbers.Last()))
+            ticks.push_back({number, TextAt(number, step)});
+        return ticks;
+    });
 }
 
 std::vector<Tick> RatioTicks(const Extent& logarithms)
 {
     const double decades = logarithms.Length() / LogOfTen();
-    std::vector<Tick> ticks = decades > MOST_TICKS / 3 ? DecadeTicks(logarithms)
-                              : decades > 0.9          ? ThreeTicksADecade(logarithms)
-                                                       : EquidistantTicks(logarithms);
+    std::vector<Tick> ticks = decades > MOST_TICKS / 3.0
+                                  ? TicksWithRoom([&](int most) { return DecadeTicks(logarithms, most); })
+                              : decades > 0.9 ? ThreeTicksADecade(logarithms)
+                                              : EquidistantTicks(logarithms);
     std::erase_if(ticks, [&](const Tick& tick) { return !logarithms.Contains(tick.at); });
     return ticks;
 }
@@ -164,13 +181,6 @@ Axis EffectAxis(const EffectWording& effect, const std::string& quantity, const 
     if (!effect.isRatio)
         return NumberAxis(Capitalised(quantity), extent);
     return {Capitalised(quantity) + " (log scale)", extent.First(), extent.Last(), RatioTicks(extent)};
-}
-
-std::string Capitalised(std::string text)
-{
-    if (!text.empty())
-        text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
-    return text;
 }
 
 } // namespace host

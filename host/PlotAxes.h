@@ -9,9 +9,6 @@
 
 namespace host {
 
-/// Whether a value of the library can be drawn: neither missing nor NaN nor infinite.
-bool IsNumber(double value);
-
 /// A range that grows with what it has to cover. What cannot be drawn does not count.
 class Extent
 {
@@ -47,8 +44,5 @@ Axis NumberAxis(std::string title, const Extent& extent);
 /// An axis on the scale of the analysis; that of a ratio is labelled on the natural scale. `quantity` is its
 /// title without the scale, in lower case.
 Axis EffectAxis(const EffectWording& effect, const std::string& quantity, const Extent& extent);
-
-/// The text with its first letter as at the start of a sentence.
-std::string Capitalised(std::string text);
 
 } // namespace host

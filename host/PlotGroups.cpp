@@ -46,9 +46,4 @@ std::string GroupName(const ReportSource& source, std::size_t group)
     return fmt::format("{}: {}", LabelText(source.request.subgroup.column), source.groupLabels[group]);
 }
 
-std::string CountOfStudies(std::size_t count)
-{
-    return fmt::format("{} {}", count, count == 1 ? "study" : "studies");
-}
-
 } // namespace host

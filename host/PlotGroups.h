@@ -25,7 +25,4 @@ std::vector<PlotOfGroup> GroupsOrAll(const ReportSource& source);
 /// The group with the column that it is a value of.
 std::string GroupName(const ReportSource& source, std::size_t group);
 
-/// "13 studies", "1 study".
-std::string CountOfStudies(std::size_t count);
-
 } // namespace host

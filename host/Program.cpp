@@ -5,12 +5,11 @@
 #include "host/DataTable.h"
 #include "host/JsonReport.h"
 #include "host/Output.h"
-#include "host/ProgramInfo.h"
 #include "host/RegressionReport.h"
 #include "host/RegressionResults.h"
 #include "host/Request.h"
 
-#include <cstdio>
+#include <csignal>
 #include <exception>
 #include <new>
 #include <variant>
@@ -54,7 +53,7 @@ int Run(int argc, const char* const* argv)
 
 int Complain(const char* problem) noexcept
 {
-    std::fprintf(stderr, "%s: %s\n", PROGRAM_NAME, problem);
+    WriteToStandardError(problem);
     return EXIT_UNUSABLE;
 }
 
@@ -62,6 +61,7 @@ int Complain(const char* problem) noexcept
 
 int RunProgram(int argc, const char* const* argv) noexcept
 {
+    std::signal(SIGPIPE, SIG_IGN); // files remain to be written when nobody reads the report to its end
     try {
         return Run(argc, argv);
     } catch (const std::bad_alloc&) {

@@ -1,6 +1,9 @@
 #include "host/RegressionAnalysis.h"
 
+#include "host/Progress.h"
+
 #include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/platform/common/ProgressListener.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 #include "meta_analysis/regression/MAFEAlgorithm.h"
 #include "meta_analysis/regression/MAREAlgorithm.h"
@@ -13,6 +16,18 @@ using namespace MA_NAMESPACE;
 namespace host {
 
 namespace {
+
+/// Shows what the library reports.
+class ShownProgress : public ProgressListener
+{
+public:
+    ShownProgress(Progress& progress, const char* step) : progress_(progress), step_(step) {}
+    void Report(long done, long total) override { progress_.Show(step_, done, total); }
+
+private:
+    Progress& progress_;
+    const char* step_;
+};
 
 bool HasMissing(const Record& record)
 {
@@ -48,15 +63,24 @@ RecordUse UseOf(const std::vector<Record>& records, const RegressionAnalysis& an
 template <class Engine>
 RegressionAnalysis Run(const RegressionRequest& request)
 {
-    Engine engine(request.settings);
+    Progress progress;
+    ShownProgress reading(progress, "Reading record");
+    ShownProgress iterations(progress, "Fitting the model, iteration");
+    MARegSettings settings = request.settings;
+    settings.SetRecProgressListener(&reading);
+    settings.SetIterProgressListener(&iterations);
+    Engine engine(settings);
     VectorRecordIter records(request.records);
     RegressionAnalysis analysis;
     analysis.status = engine.BuildModel(records);
     analysis.warnings = engine.GetWarnings();
     analysis.output = std::make_unique<const MARegOutputStats>(request.settings, engine);
     analysis.scores.reserve(request.records.size());
-    for (const Record& record : request.records)
+    for (const Record& record : request.records) {
+        progress.Show("Scoring record", static_cast<long>(analysis.scores.size() + 1),
+                      static_cast<long>(request.records.size()));
         analysis.scores.push_back(ScoreOf(engine, record));
+    }
     analysis.records = UseOf(request.records, analysis);
     return analysis;
 }

@@ -76,6 +76,7 @@ std::vector<ReportSection> AnalysisSections(const ReportSource& source)
     sections.push_back(Contrasts(source));
     Append(sections, TrimAndFill(source));
     sections.push_back(SmallStudyTest(source));
+    sections.push_back(FunnelPlot(source));
     sections.push_back(BubblePlots(source));
     return sections;
 }

@@ -3,11 +3,7 @@
 #include "host/NumberText.h"
 #include "host/StatusText.h"
 
-#include "meta_analysis/platform/common/KXMV.h"
-
 #include <fmt/format.h>
-
-#include <cmath>
 
 namespace host {
 
@@ -47,8 +43,7 @@ std::string LabelText(std::string label)
 
 bool HasAnyValue(const std::vector<double>& values)
 {
-    return std::any_of(values.begin(), values.end(),
-                       [](double value) { return !KXMV::IsMissing(value) && !std::isnan(value); });
+    return std::any_of(values.begin(), values.end(), HasValue);
 }
 
 } // namespace host

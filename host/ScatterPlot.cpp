@@ -13,13 +13,13 @@ namespace host {
 
 namespace {
 
-constexpr double MARGIN = 14;
 constexpr double SPACE_LEFT = 54;  // of the axis title and the ticks
 constexpr double SPACE_BELOW = 58; // likewise, and of the numbers
 constexpr double HEADING_HEIGHT = 26;
 constexpr double LEGEND_SAMPLE = 64;  // with the gaps about it
 constexpr double LARGEST_BUBBLE = 17; // its radius
 constexpr double SMALLEST_BUBBLE = 1.2;
+constexpr double DOT = 3.6; // its radius
 
 } // namespace
 
@@ -44,11 +44,12 @@ Picture NewScatterPlot(const PlotName& name, double frameWidth, double frameHeig
     Picture picture = {};
     picture.name = name.file;
     picture.title = name.title;
-    picture.frame = {0, MARGIN, frameWidth, frameHeight};
+    picture.frame = {0, PICTURE_MARGIN, frameWidth, frameHeight};
     if (!name.heading.empty()) {
         picture.frame.top += HEADING_HEIGHT;
         const std::string heading = ShortenedText(name.heading, frameWidth / FONT_SIZE);
-        picture.texts.push_back({heading, 0, MARGIN + HEADING_HEIGHT / 3, PictureText::Align::LEFT, true});
+        picture.texts.push_back(
+            {heading, 0, PICTURE_MARGIN + HEADING_HEIGHT / 3, PictureText::Align::LEFT, true});
     }
     return picture;
 }
@@ -60,13 +61,13 @@ Picture Finished(Picture picture)
         tickWidth = std::max(tickWidth, TextWidth(tick.text) * FONT_SIZE);
     picture.frame.left = SPACE_LEFT + tickWidth;
     for (PictureText& text : picture.texts)
-        text.x = picture.frame.left;
+        text.x += picture.frame.left;
 
     double legendWidth = 0;
     for (const Layer& layer : picture.layers)
         if (!layer.legend.empty())
             legendWidth = std::max(legendWidth, LEGEND_SAMPLE + TextWidth(layer.legend) * FONT_SIZE);
-    picture.width = picture.frame.left + picture.frame.width + legendWidth + MARGIN;
+    picture.width = picture.frame.left + picture.frame.width + legendWidth + PICTURE_MARGIN;
     picture.height = picture.frame.top + picture.frame.height + SPACE_BELOW;
     return picture;
 }
@@ -74,6 +75,22 @@ Picture Finished(Picture picture)
 Layer LineBetween(Point first, Point last, Layer::Kind kind, const char* color, std::string legend)
 {
     return {kind, color, {{first, last}}, {}, 1.5, std::move(legend)};
+}
+
+Layer NullLine(Point first, Point last)
+{
+    return LineBetween(first, last, Layer::Kind::DOTTED_LINE, color::FAINT, "No effect");
+}
+
+Layer Dots(std::vector<Point> points, Layer::Kind kind, const char* color, std::string legend)
+{
+    std::vector<double> radii(points.size(), DOT);
+    return {kind, color, {std::move(points)}, std::move(radii), 1, std::move(legend)};
+}
+
+Layer StudyDots(std::vector<Point> studies)
+{
+    return Dots(std::move(studies), Layer::Kind::DISCS, color::POOLED, "Study");
 }
 
 Layer Bubbles(const std::vector<double>& x, const std::vector<double>& y, const std::vector<double>& weights)

@@ -68,6 +68,7 @@ public:
         RemoveTexts(node);
         PrefixIdentifiers(node, prefix_);
         SetFontWeight(node);
+        node.remove_attribute("shape-rendering"); // "crispEdges" makes stairs of slanting edges
         return true;
     }
 
@@ -90,7 +91,7 @@ std::string SvgElement(const std::string& drawing, const Picture& picture)
     const pugi::xml_parse_result result = document.load_buffer(drawing.data(), drawing.size());
     pugi::xml_node svg = document.child("svg");
     if (!result || !svg)
-        throw DrawingFailure("The pictures could not be drawn: gnuplot wrote no SVG.");
+        throw DrawingFailure("gnuplot wrote no SVG");
     Cleaner cleaner(picture.name + '-');
     svg.traverse(cleaner);
     RemoveTexts(svg);

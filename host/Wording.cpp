@@ -2,6 +2,8 @@
 
 #include <fmt/format.h>
 
+#include <cctype>
+
 using namespace MA_NAMESPACE;
 
 namespace host {
@@ -160,6 +162,18 @@ std::string WordingOfNullHypothesis(const MAModelSettings& settings)
 std::string WordingOfLevel(const MAModelSettings& settings)
 {
     return fmt::format("{:.12g}%", 100 * settings.GetCILevel());
+}
+
+std::string CountOfStudies(std::size_t count)
+{
+    return fmt::format("{} {}", count, count == 1 ? "study" : "studies");
+}
+
+std::string Capitalised(std::string text)
+{
+    if (!text.empty())
+        text.front() = static_cast<char>(std::toupper(static_cast<unsigned char>(text.front())));
+    return text;
 }
 
 } // namespace host

@@ -2,6 +2,7 @@
 
 #include "meta_analysis/settings/MAModelSettings.h"
 
+#include <cstddef>
 #include <string>
 
 namespace host {
@@ -40,5 +41,11 @@ std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& setting
 
 /// The confidence level in percent: "95%".
 std::string WordingOfLevel(const MA_NAMESPACE::MAModelSettings& settings);
+
+/// "13 studies", "1 study".
+std::string CountOfStudies(std::size_t count);
+
+/// The text with its first letter as at the start of a sentence.
+std::string Capitalised(std::string text);
 
 } // namespace host

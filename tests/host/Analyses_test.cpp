@@ -161,10 +161,14 @@ TEST(Contrasts, AreTestedUnderTheFixedModelAlone)
 
 TEST(Plots, HaveTheCoordinatesAskedFor)
 {
-    const json results =
-        ResultsOf(Binary("bcg_vaccine.csv") + riskRatio +
-                  Arguments{"--funnel-y", "inverse-variance", "--funnel-points", "7", "--contours", "lower",
-                            "--contour-level", "0.2", "--contour-level", "0.3"});
+    const Arguments arguments =
+        Binary("bcg_vaccine.csv") + riskRatio + Arguments{"--funnel-y",      "inverse-variance",
+                                                          "--funnel-points", "7",
+                                                          "--contours",      "lower",
+                                                          "--contour-level", "0.2",
+                                                          "--contour-level", "0.3"};
+    EXPECT_THAT(ReportOf(arguments), HasSubstr("\nIts picture has no contours: "));
+    const json results = ResultsOf(arguments);
     EXPECT_EQ(results["FunnelX"][0], results["EffectSize"]);
     EXPECT_EQ(results["FunnelCIX"][0].size(), 7U);
     EXPECT_TRUE(
@@ -205,6 +209,10 @@ TEST(Plots, OfBubblesHaveTheLineOfTheMetaRegression)
     for (const json& x : centred["BubbleXs"][1])
         sum += x.get<double>();
     EXPECT_NEAR(sum, 0, 1e-10); // of 13 numbers up to 55
+    // The dispersion is that of the small-study test alone.
+    const Arguments fixed = bubbles + Arguments{"--model", "fixed"};
+    EXPECT_EQ(ResultsOf(fixed + Arguments{"--test-dispersion"})["BubbleCICurveLower"],
+              ResultsOf(fixed)["BubbleCICurveLower"]);
     EXPECT_THAT(ReportOf(bubbles),
                 ContainsRegex("Bubble plots\n.*\nyear +13 .*\nlatitude +13 +0.2515 +-0.0291\n"));
 }
@@ -224,6 +232,9 @@ TEST(Analyses, RefuseWhatTheyCannotUse)
         {{"--bubble-points", "-1"}, "--bubble-points: -1 is not 0 or above"},
         {{"--funnel-points", "1"}, "--funnel-points: 1 is not 2 or above"},
         {{"--contour-level", "0.1", "--contour-level", "1"}, "--contour-level: 1 is not between 0 and 1"},
+        {{"--contour-level", "0.1", "--contours", "upper", "--contour-level", "0.10"},
+         "--contour-level: '0.1' is given twice"},
+        {{"--contour-level", "0.1"}, "--contour-level needs --contours"},
         {{"--trim-fill", "cubic"}, "--trim-fill: 'cubic' is none of linear, run, quadratic"},
         {{"--side", "left"}, "--side: 'left' is none of auto, 1, 2"},
         {{"--small-study-test", "4"}, "--small-study-test: '4' is none of 0, 1, 2, 3"},

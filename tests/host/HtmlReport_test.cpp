@@ -1,8 +1,10 @@
 #include "host/RunProgram.h"
+#include "host/SvgFigure.h"
 
 #include <gmock/gmock.h>
 #include <pugixml.hpp>
 
+#include <cmath>
 #include <cstdlib>
 #include <set>
 #include <string>
@@ -42,11 +44,6 @@ private:
     std::string source_;
     pugi::xml_document document_;
 };
-
-Arguments Bcg(const Arguments& more = {})
-{
-    return Binary("bcg_vaccine.csv") + Arguments{"--study", "study"} + more;
-}
 
 TEST(HtmlReport, HasEveryPartOfTheReportAndEveryPicture)
 {
@@ -110,6 +107,35 @@ TEST(HtmlReport, EndsWithTheCommandLine)
     EXPECT_THAT(
         folder.Read("echo"),
         testing::StartsWith("effects\n" + path + "\n--effect-size\neffect\n--variance\nvariance\n--html\n"));
+}
+
+/// On paper a tall forest stands in slices that are cut between rows, with the headings over each.
+TEST(HtmlReport, CutsTallForestsForPaper)
+{
+    std::string data = "effect,variance\n";
+    for (int i = 0; i < 100; ++i)
+        data += "0." + std::to_string(i) + ",0.1\n";
+    const TemporaryFolder folder;
+    const HtmlPage page(
+        {"effects", folder.Write("data.csv", data), "--effect-size", "effect", "--variance", "variance"});
+    const pugi::xpath_node_set slices = page.Select("//figure[@class='sliced']/div[@class='paper']/div");
+    const double height =
+        page.Select("//figure[@class='sliced']//svg[@role]")[0].node().attribute("height").as_double();
+    ASSERT_GT(slices.size(), 1U);
+    double end = 0;
+    for (const pugi::xpath_node& slice : slices) {
+        const std::vector<double> headings =
+            NumbersIn(slice.node().first_child().attribute("viewBox").value());
+        const std::vector<double> rows = NumbersIn(slice.node().last_child().attribute("viewBox").value());
+        const double start = end == 0 ? headings[3] : end;
+        EXPECT_NEAR(rows[1], start, 0.01); // two decimals
+        EXPECT_NEAR(std::remainder(rows[1] - headings[3], 19), 0, 0.01);
+        EXPECT_LE(rows[3] + headings[3], 1.2 * rows[2]);
+        EXPECT_GE(12 * 510 / rows[2], 6); // points of a letter where the page is 18 cm wide
+        end = rows[1] + rows[3];
+    }
+    EXPECT_NEAR(end, height, 0.5); // a whole number
+    EXPECT_EQ(HtmlPage(Bcg()).Select("//div[@class='paper']").size(), 0U);
 }
 
 TEST(HtmlReport, IsThereForEveryCommand)

@@ -1,144 +1,24 @@
-#include "host/PlainText.h"
-#include "host/PlotAxes.h"
-#include "host/RunProgram.h"
-#include "host/SvgFigure.h"
+#include "host/Picture.h"
+#include "host/Pictures.h"
 #include "support/Compare.h"
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cmath>
-#include <cstdlib>
-#include <filesystem>
-#include <map>
+#include <cstddef>
+#include <set>
 #include <string>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 using nlohmann::json;
 using testing::Contains;
-using testing::HasSubstr;
-using testing::StartsWith;
 
 namespace {
 
-using Texts = std::vector<std::string>;
-
-constexpr const char* study = "#6c9bc8";
-constexpr const char* pooled = "#173a5e";
-/// Coordinates are written with two decimals.
-constexpr double halfPixelDigit = 0.0051;
-
-/// The pictures of a run, and its results.
-class Pictures
-{
-public:
-    explicit Pictures(const Arguments& arguments)
-    {
-        const ProgramRun run = RunProgram(
-            arguments + Arguments{"--plots", folder_.PathOf("plots"), "--json", folder_.PathOf("json")});
-        EXPECT_EQ(run.exitStatus, 0) << run.errors;
-        results_ = json::parse(folder_.Read("json"))["results"];
-        for (const auto& entry : std::filesystem::directory_iterator(folder_.PathOf("plots")))
-            names_.push_back(entry.path().filename().string());
-        std::sort(names_.begin(), names_.end());
-    }
-
-    const Texts& Names() const { return names_; }
-    const json& Results() const { return results_; }
-    SvgFigure Figure(const std::string& name) const
-    {
-        return SvgFigure(folder_.Read("plots/" + name + ".svg"));
-    }
-
-private:
-    TemporaryFolder folder_;
-    Texts names_;
-    json results_;
-};
-
-Arguments Bcg(const Arguments& more = {})
-{
-    return Binary("bcg_vaccine.csv") + Arguments{"--study", "study"} + more;
-}
-
-Texts TextsOf(const SvgFigure& figure)
-{
-    Texts texts;
-    for (const SvgText& text : figure.Texts())
-        texts.push_back(text.text);
-    return texts;
-}
-
-struct Box
-{
-    double left;
-    double right;
-    double y;
-};
-
-Box BoxOf(const SvgText& text)
-{
-    const double width = 12 * host::TextWidth(text.text, text.isBold);
-    const double left = text.anchor == "start" ? text.x
-                        : text.anchor == "end" ? text.x - width
-                                               : text.x - width / 2;
-    return {left, left + width, text.y};
-}
-
-/// No text reaches beyond the picture or into another one.
-void ExpectReadable(const SvgFigure& figure)
-{
-    std::vector<SvgText> texts = figure.Texts();
-    for (const SvgText& text : texts)
-        EXPECT_TRUE(!text.isRotated || text.x >= 14) << text.text; // the baseline of a title on the left
-    std::erase_if(texts, [](const SvgText& text) { return text.isRotated; });
-    for (std::size_t i = 0; i < texts.size(); ++i) {
-        const Box box = BoxOf(texts[i]);
-        EXPECT_GE(box.left, 0) << texts[i].text;
-        EXPECT_LE(box.right, figure.Width()) << texts[i].text;
-        EXPECT_GE(box.y, 12) << texts[i].text;
-        EXPECT_LE(box.y, figure.Height()) << texts[i].text;
-        for (std::size_t k = 0; k < i; ++k) {
-            const Box other = BoxOf(texts[k]);
-            const bool isBeside = box.right <= other.left || box.left >= other.right;
-            EXPECT_TRUE(isBeside || std::abs(box.y - other.y) >= 12)
-                << texts[i].text << " on " << texts[k].text;
-        }
-    }
-}
-
-/// No text lies on a square.
-void ExpectBesideSquares(const SvgFigure& figure)
-{
-    for (const SvgMark& square : figure.Marks("gpPt4", study)) {
-        for (const SvgText& text : figure.Texts()) {
-            const Box box = BoxOf(text);
-            const bool isBeside = box.right <= square.x - square.size || box.left >= square.x + square.size;
-            EXPECT_TRUE(isBeside || std::abs(box.y - square.y) > 8) << text.text;
-        }
-    }
-}
-
-/// From numbers on a linear scale to pixels, by two ticks of an axis.
-class PixelScale
-{
-public:
-    PixelScale(double first, double firstPixel, double last, double lastPixel)
-        : first_(first), firstPixel_(firstPixel), perUnit_((lastPixel - firstPixel) / (last - first))
-    {}
-    double operator()(double value) const { return firstPixel_ + (value - first_) * perUnit_; }
-
-private:
-    double first_;
-    double firstPixel_;
-    double perUnit_;
-};
-
-PixelScale RatioScale(const SvgFigure& figure, const char* first, const char* last)
-{
-    return {std::log(std::stod(first)), figure.TickAt(first, &SvgText::x, "middle"),
-            std::log(std::stod(last)), figure.TickAt(last, &SvgText::x, "middle")};
-}
+namespace color = host::color;
 
 TEST(Drawings, NamesAFileForEachPlotOfTheLibrary)
 {
@@ -158,7 +38,7 @@ TEST(Drawings, PutsSquaresWhereTheEffectsAreWithAreasAsTheWeights)
     const Pictures pictures(Bcg());
     const SvgFigure figure = pictures.Figure("forest");
     const PixelScale scale = RatioScale(figure, "0.1", "5");
-    const std::vector<SvgMark> squares = figure.Marks("gpPt4", study);
+    const std::vector<SvgMark> squares = figure.Marks("gpPt4", color::STUDY);
     const json& results = pictures.Results();
     const std::vector<double> effects = results["EffectSize"];
     const std::vector<double> weights = results["Weight"];
@@ -178,46 +58,6 @@ TEST(Drawings, WritesEffectsAndWeightsBesideTheForest)
                                                    "[0.12, 1.82]", "Odds ratio (log scale)"}));
 }
 
-TEST(Drawings, KeepsForestsReadable)
-{
-    const std::string longLabel =
-        "A label that names all authors, their institution, the journal and its publisher, WWW 1987";
-    for (const std::size_t count : {1U, 2U, 3U, 13U, 100U}) {
-        for (const std::string& label :
-             {std::string("S"), longLabel, std::string("東京大学医学部附属病院の無作為化比較試験")}) {
-            SCOPED_TRACE(std::to_string(count) + label);
-            std::string data = "study,effect,variance,group\n";
-            for (std::size_t i = 0; i < count; ++i)
-                data += '"' + label + "\"," + std::to_string(20 * std::sin(static_cast<double>(i))) + ',' +
-                        std::to_string(0.02 + 30 * static_cast<double>(i % 5)) + ',' +
-                        (i == 0 ? "one" : "rest") + '\n';
-            const TemporaryFolder folder;
-            const Pictures pictures({"effects", folder.Write("data.csv", data), "--outcome", "binary",
-                                     "--study", "study", "--effect-size", "effect", "--variance", "variance",
-                                     "--subgroup", "group"});
-            const SvgFigure figure = pictures.Figure("forest");
-            EXPECT_EQ(figure.Marks("gpPt4", study).size(), count);
-            EXPECT_GE(figure.Height(), 18.0 * static_cast<double>(count));
-            ExpectReadable(figure);
-            ExpectBesideSquares(figure);
-        }
-    }
-}
-
-TEST(Drawings, KeepsTheOtherPlotsReadable)
-{
-    const Pictures pictures(Bcg({"--subgroup", "allocation", "--cumulative", "year", "--bubble", "latitude",
-                                 "--contours", "two-sided", "--trim-fill", "run"}));
-    for (const std::string& name : pictures.Names()) {
-        SCOPED_TRACE(name);
-        const SvgFigure figure = pictures.Figure(name.substr(0, name.rfind('.')));
-        ExpectReadable(figure);
-        EXPECT_EQ(std::string(figure.Root().attribute("role").value()), "img");
-        EXPECT_THAT(figure.ChildText("title"), HasSubstr("plot"));
-        EXPECT_THAT(figure.ChildText("desc"), HasSubstr("stud"));
-    }
-}
-
 TEST(Drawings, DrawsTheFunnelWithItsHollowImputedStudies)
 {
     const Pictures pictures(Binary("magnesium.csv") +
@@ -225,15 +65,14 @@ TEST(Drawings, DrawsTheFunnelWithItsHollowImputedStudies)
     const SvgFigure figure = pictures.Figure("funnel");
     const json& results = pictures.Results();
     const std::vector<double> stdErrors = results["StdError"];
-    const std::vector<SvgMark> studies = figure.Marks("gpPt6", pooled);
+    const std::vector<SvgMark> studies = figure.Marks("gpPt6", color::POOLED);
     ASSERT_EQ(studies.size(), stdErrors.size());
     const std::size_t imputed = results["TFImputedN0"];
     ASSERT_GT(imputed, 0U);
-    EXPECT_EQ(figure.Marks("gpPt6", "#ffffff").size(), imputed);
+    EXPECT_EQ(figure.Marks("gpPt6", color::WHITE).size(), imputed);
 
     const PixelScale x = RatioScale(figure, "0.1", "10");
-    const PixelScale y(0.5, figure.TickAt("0.5", &SvgText::y, "end"), 1.5,
-                       figure.TickAt("1.5", &SvgText::y, "end"));
+    const PixelScale y = VerticalScale(figure, "0.5", "1.5");
     const std::vector<double> effects = results["EffectSize"];
     for (std::size_t i = 0; i < studies.size(); ++i) {
         EXPECT_NEAR(studies[i].x, x(effects[i]), 2 * halfPixelDigit);
@@ -243,14 +82,65 @@ TEST(Drawings, DrawsTheFunnelWithItsHollowImputedStudies)
     }
 }
 
+/// Of the sides of the area that start at the null, in effects per standard error.
+std::vector<double> SlopesFromTheNull(const std::vector<SvgPoint>& area, const SvgFigure& funnel)
+{
+    const PixelScale x = RatioScale(funnel, "0.1", "10");
+    const PixelScale y = VerticalScale(funnel, "0", "1.5");
+    std::vector<double> slopes;
+    const auto addSide = [&](const SvgPoint& start, const SvgPoint& end) {
+        if (std::abs(start.x - x(0)) < 0.1 && start.y < end.y)
+            slopes.push_back((end.x - start.x) / (x(1) - x(0)) * (y(1) - y(0)) / (end.y - start.y));
+    };
+    for (std::size_t i = 0; i < area.size(); ++i) {
+        addSide(area[i], area[(i + 1) % area.size()]);
+        addSide(area[(i + 1) % area.size()], area[i]);
+    }
+    std::sort(slopes.begin(), slopes.end());
+    return slopes;
+}
+
 TEST(Drawings, ShadesAContourForEachLevel)
 {
-    for (const char* test : {"two-sided", "upper", "lower"}) {
-        const Texts texts =
-            TextsOf(Pictures(Bcg({"--contours", test, "--contour-level", "0.1", "--contour-level", "0.02"}))
-                        .Figure("funnel"));
-        EXPECT_THAT(texts, testing::IsSupersetOf(Texts{"p < 0.02", "0.02 < p < 0.1", "p > 0.1"})) << test;
+    const double z95 = 1.6448536269514722; // normal quantiles
+    const double z90 = 1.2815515655446004;
+    const struct
+    {
+        const char* test;
+        std::string wording;
+        std::vector<double> slopes; ///< at level 0.1
+    } cases[] = {{"two-sided", "two-sided", {-z95, z95}},
+                 {"upper", "upper-tailed", {z90}},
+                 {"lower", "lower-tailed", {-z90}}};
+    for (const auto& one : cases) {
+        SCOPED_TRACE(one.test);
+        const Arguments options = {"--contours", one.test,          "--contour-level",
+                                   "0.1",        "--contour-level", "0.02"};
+        const SvgFigure figure = Pictures(Binary("magnesium.csv") + options).Figure("funnel");
+        for (const char* range : {"p < 0.02, ", "0.02 < p < 0.1, ", "p > 0.1, "})
+            EXPECT_THAT(TextsOf(figure), Contains(range + one.wording));
+        const std::vector<SvgShape> areas = figure.Areas();
+        ASSERT_EQ(areas.size(), 3U);
+        const std::vector<SvgPoint>& frame = areas[0].points;
+        for (const SvgPoint& point : areas[2].points) {
+            EXPECT_TRUE(point.x >= frame[0].x && point.x <= frame[2].x) << point.x;
+            EXPECT_TRUE(point.y >= frame[0].y && point.y <= frame[1].y) << point.y;
+        }
+        // Sides are 150 pixels long at least, and they and the scales right to half a hundredth of a pixel.
+        EXPECT_THAT(SlopesFromTheNull(areas[2].points, figure),
+                    testing::Pointwise(testing::DoubleNear(4e-4), one.slopes));
     }
+}
+
+TEST(Drawings, TellsAllContoursApart)
+{
+    Arguments levels = {"--contours", "two-sided"};
+    for (const char* level : {"0.001", "0.01", "0.02", "0.05", "0.1", "0.2"})
+        levels = levels + Arguments{"--contour-level", level};
+    std::set<std::string> colors;
+    for (const SvgShape& area : Pictures(Bcg(levels)).Figure("funnel").Areas())
+        colors.insert(area.color);
+    EXPECT_EQ(colors.size(), 7U);
 }
 
 TEST(Drawings, SizesBubblesByWeight)
@@ -258,7 +148,7 @@ TEST(Drawings, SizesBubblesByWeight)
     const Pictures pictures(Bcg({"--bubble", "latitude"}));
     const auto expectAreas = [](const SvgFigure& figure, std::vector<double> weights) {
         std::sort(weights.rbegin(), weights.rend());
-        const std::vector<SvgMark> bubbles = figure.Marks("gpPt6", pooled);
+        const std::vector<SvgMark> bubbles = figure.Marks("gpPt6", color::POOLED);
         ASSERT_EQ(bubbles.size(), weights.size());
         for (std::size_t i = 0; i < weights.size(); ++i)
             EXPECT_NEAR(bubbles[i].size, 17 * std::sqrt(weights[i] / weights[0]), halfPixelDigit) << i;
@@ -269,142 +159,108 @@ TEST(Drawings, SizesBubblesByWeight)
     EXPECT_THAT(TextsOf(pictures.Figure("labbe")), Contains("Odds in the control group (log scale)"));
 }
 
-/// Texts that would be commands, markup or ends of data, if they were not kept apart from them.
-const Texts hostileTexts = {
-    "Müller & \"Söhne\" <b>x</b>", "_a^b@c@ 100%d %s", "{/Bold x} \\n \\101 `id` $HOME",
-    "'; set output 'pwned'; #",    "END_OF_TEXTS",     "\" ; !touch pwned",
-    "<script>alert(1)</script>",   "&amp; ]]> <!--",   "#comment"};
-
-std::string CsvField(const std::string& text)
+bool IsLeftOf(const SvgPoint& one, const SvgPoint& other)
 {
-    std::string field = "\"";
-    for (const char c : text)
-        field += c == '"' ? std::string("\"\"") : std::string(1, c);
-    return field + '"';
+    return one.x < other.x;
 }
 
-TEST(Drawings, ShowsHostileTextsAsTexts)
+SvgPoint LeftOf(const std::vector<SvgPoint>& points)
 {
-    const std::string column = "x_^@% <i>\"";
-    std::string data = "study,effect,variance,group," + CsvField(column) + '\n';
-    for (std::size_t i = 0; i < hostileTexts.size(); ++i)
-        data += CsvField(hostileTexts[i]) + ",0." + std::to_string(i) + ",0.1," +
-                CsvField(hostileTexts[i % 2]) + ',' + std::to_string(i) + '\n';
+    return *std::min_element(points.begin(), points.end(), IsLeftOf);
+}
+
+SvgPoint RightOf(const std::vector<SvgPoint>& points)
+{
+    return *std::max_element(points.begin(), points.end(), IsLeftOf);
+}
+
+TEST(Drawings, EndsIntervalsWhereTheyEndOrInAnArrow)
+{
     const TemporaryFolder folder;
-    const Pictures pictures({"effects", folder.Write("data.csv", data), "--study", "study", "--effect-size",
-                             "effect", "--variance", "variance", "--subgroup", "group", "--cumulative",
-                             column, "--bubble", column});
-    const Texts forest = TextsOf(pictures.Figure("forest"));
-    const Texts cumulative = TextsOf(pictures.Figure("cumulative-forest"));
-    for (const std::string& text : hostileTexts) {
-        EXPECT_THAT(forest, Contains(text));
-        EXPECT_THAT(cumulative, Contains("+ " + text));
+    const std::string data = folder.Write("data.csv", "effect,variance,group\n0.1,0.01,wide\n0.3,0.01,wide\n"
+                                                      "9,0.01,alone\n"
+                                                      "0.2,0.01,close\n0.25,0.02,close\n0.15,0.01,close\n");
+    const Pictures pictures({"effects", data, "--effect-size", "effect", "--variance", "variance",
+                             "--subgroup", "group", "--knapp-hartung", "adjusted"});
+    const SvgFigure figure = pictures.Figure("forest");
+    const json& results = pictures.Results();
+    const PixelScale scale(0, figure.TickAt("0", &SvgText::x, "middle"), 8,
+                           figure.TickAt("8", &SvgText::x, "middle"));
+    const std::vector<SvgShape> areas = figure.Areas();
+    ASSERT_EQ(areas.size(), 5U);
+    const auto left = [&](int area) { return LeftOf(areas[area].points).x; };
+    const auto right = [&](int area) { return RightOf(areas[area].points).x; };
+    // Groups in the order of their names: "alone" has no limits.
+    EXPECT_NEAR(left(0), scale(results["EstCILower"][1]), 2 * halfPixelDigit);
+    EXPECT_NEAR(right(0), scale(results["EstCIUpper"][1]), 2 * halfPixelDigit);
+    // "wide" and all studies go on at the left.
+    EXPECT_EQ(left(1), left(3));
+    for (const auto& [arrow, diamond, model] : {std::tuple(1, 2, 2), std::tuple(3, 4, 3)}) {
+        EXPECT_EQ(areas[arrow].points.size(), 3U);
+        EXPECT_NEAR(left(diamond), right(arrow), 2 * halfPixelDigit);
+        EXPECT_NEAR(right(diamond), scale(results["EstCIUpper"][model]), 2 * halfPixelDigit);
+        EXPECT_LT(scale(results["EstCILower"][model]), left(arrow));
     }
-    EXPECT_THAT(forest, Contains("group: " + hostileTexts[0]));
-    EXPECT_THAT(cumulative, Contains(column));
-    EXPECT_THAT(TextsOf(pictures.Figure("bubble-1-x-i")), Contains(column));
-    EXPECT_EQ(pictures.Figure("forest").Root().select_node("//*[local-name()='script' or local-name()='b']"),
-              nullptr);
-    EXPECT_FALSE(std::filesystem::exists("pwned"));
+    EXPECT_EQ(figure.Lines(color::POOLED).size(), 3U); // the prediction interval with an arrow at both ends
+
+    const Pictures bcg(Bcg());
+    const std::vector<std::vector<SvgPoint>> prediction = bcg.Figure("forest").Lines(color::POOLED);
+    const PixelScale ratios = RatioScale(bcg.Figure("forest"), "0.1", "5");
+    ASSERT_EQ(prediction.size(), 1U);
+    EXPECT_NEAR(prediction[0].front().x, ratios(bcg.Results()["PILower"][0]), 2 * halfPixelDigit);
+    EXPECT_NEAR(prediction[0].back().x, ratios(bcg.Results()["PIUpper"][0]), 2 * halfPixelDigit);
 }
 
-TEST(Drawings, WritesTheFormatThatIsAskedFor)
+TEST(Drawings, SaysWhenTheLineOfNoEffectIsBeyondTheAxis)
 {
-    const TemporaryFolder folder;
-    for (const auto& [format, signature] :
-         std::map<std::string, std::string>{{"png", "\x89PNG"}, {"pdf", "%PDF-"}, {"svg", "<?xml"}}) {
-        const ProgramRun run =
-            RunProgram(Bcg({"--plots", folder.PathOf("a/b"), "--plot-format", format, "--json", "-"}));
-        EXPECT_EQ(run.exitStatus, 0) << run.errors;
-        EXPECT_THAT(folder.Read("a/b/labbe." + format), StartsWith(signature));
-    }
-}
-
-/// Lets the programs started meanwhile find no others.
-class EmptyPath
-{
-public:
-    EmptyPath() : path_(std::getenv("PATH")) { setenv("PATH", "/nonexistent", 1); }
-    ~EmptyPath() { setenv("PATH", path_.c_str(), 1); }
-    EmptyPath(const EmptyPath&) = delete;
-    EmptyPath& operator=(const EmptyPath&) = delete;
-
-private:
-    std::string path_;
-};
-
-TEST(Drawings, KeepsTheAnalysisWhenGnuplotIsNotInstalled)
-{
-    const TemporaryFolder folder;
-    const EmptyPath withoutGnuplot;
-    const ProgramRun run = RunProgram(Bcg({"--plots", folder.PathOf("plots"), "--html", folder.PathOf("page"),
-                                           "--json", folder.PathOf("json")}));
-    EXPECT_EQ(run.exitStatus, 2);
-    EXPECT_THAT(run.errors, HasSubstr("gnuplot is not installed"));
-    EXPECT_THAT(run.output, HasSubstr("Pooled effect"));
-    EXPECT_EQ(json::parse(folder.Read("json"))["records"]["used"], 13);
-    EXPECT_THAT(folder.Read("page"), HasSubstr("gnuplot is not installed"));
-    EXPECT_THAT(folder.Read("page"), HasSubstr("Table 2. Pooled effect"));
-}
-
-TEST(Drawings, RefusesPlacesThatCannotHoldThem)
-{
-    const TemporaryFolder folder;
-    const std::string file = folder.Write("file", "");
-    EXPECT_THAT(RunProgram(Bcg({"--plots", file})).errors, HasSubstr("is no folder"));
-    const ProgramRun run = RunProgram(Bcg({"--plots", file + "/below"}));
-    EXPECT_EQ(run.exitStatus, 2);
-    EXPECT_THAT(run.errors, HasSubstr("cannot be made"));
-    EXPECT_THAT(RunProgram(Bcg({"--html", TESTS_DIR "/data/bcg_vaccine.csv"})).errors,
-                HasSubstr("data file"));
-    EXPECT_THAT(RunProgram(Bcg({"--html", file, "--json", file})).errors, HasSubstr("the file of --json"));
-}
-
-TEST(Drawings, LabelsRatioAxesAtRoundNumbers)
-{
-    struct Case
-    {
-        double first;
-        double last;
-        Texts ticks;
-    };
-    const std::vector<Case> cases = {
-        {0.06, 7.0, {"0.1", "0.2", "0.5", "1", "2", "5"}},
-        {0.4, 1.3, {"0.4", "0.6", "0.8", "1", "1.2"}},
-        {0.97, 1.04, {"0.98", "1", "1.02", "1.04"}},
-        {0.003, 40, {"0.01", "0.1", "1", "10"}},
-        {1e-7, 1e5, {"1e-6", "0.0001", "0.01", "1", "100", "10000"}},
-        {1e-40, 1e40, {"1e-36", "1e-24", "1e-12", "1", "1e12", "1e24", "1e36"}},
-    };
-    for (const Case& one : cases) {
-        host::Extent logarithms;
-        // A tick at an end counts, whatever the rounding of the logarithm.
-        logarithms.Cover({std::log(one.first) - 1e-9, std::log(one.last) + 1e-9});
-        Texts texts;
-        for (const host::Tick& tick : host::RatioTicks(logarithms)) {
-            texts.push_back(tick.text);
-            EXPECT_TRUE(Close(std::exp(tick.at), std::stod(tick.text), 1e-13)); // a logarithm of up to 92
-        }
-        EXPECT_EQ(texts, one.ticks);
+    for (const auto& [effect, isBeyond] : {std::pair("100", true), std::pair("0.1", false)}) {
+        const TemporaryFolder folder;
+        const std::string study = std::string(effect) + ",0.1\n";
+        const std::string data = folder.Write("data.csv", "effect,variance\n" + study + study);
+        const SvgFigure figure =
+            Pictures({"effects", data, "--effect-size", "effect", "--variance", "variance"}).Figure("forest");
+        EXPECT_EQ(figure.Lines(color::FAINT).empty(), isBeyond);
+        const Texts texts = TextsOf(figure);
+        EXPECT_EQ(
+            std::count(texts.begin(), texts.end(), "The axis does not reach to no effect, which is at 0."),
+            isBeyond ? 1 : 0);
     }
 }
 
-TEST(Drawings, LabelsNumberAxesAtRoundNumbersWithTheDigitsTheyNeed)
+/// A mark for each study and each line where the library has it.
+TEST(Drawings, DrawsTheLinesOfTheOtherPlots)
 {
-    const auto texts = [](const std::vector<double>& covered) {
-        host::Extent extent;
-        extent.Cover(covered);
-        Texts found;
-        for (const host::Tick& tick : host::NumberTicks(extent))
-            found.push_back(tick.text);
-        return found;
-    };
-    EXPECT_EQ(texts({-0.31, missing, 0.31, infinity, notANumber}),
-              (Texts{"-0.3", "-0.2", "-0.1", "0", "0.1", "0.2", "0.3"}));
-    EXPECT_EQ(texts({1234567.1, 1234569}), (Texts{"1234567.5", "1234568", "1234568.5", "1234569"}));
-    EXPECT_EQ(texts({0, 4e-9}), (Texts{"0", "1e-09", "2e-09", "3e-09", "4e-09"}));
-    // Steps are lost in such numbers: any ticks will do, but there must be an end of them.
-    EXPECT_LE(texts({1e17, 1e17 + 16}).size(), 15U);
+    const Pictures pictures(Bcg({"--cumulative", "year"}));
+    const json& results = pictures.Results();
+    EXPECT_EQ(pictures.Figure("cumulative-forest").Marks("gpPt4", color::STUDY).size(), 13U);
+
+    const SvgFigure galbraith = pictures.Figure("galbraith");
+    EXPECT_EQ(galbraith.Marks("gpPt6", color::POOLED).size(), 13U);
+    const PixelScale x(0, galbraith.TickAt("0", &SvgText::x, "middle"), 15,
+                       galbraith.TickAt("15", &SvgText::x, "middle"));
+    const PixelScale y = VerticalScale(galbraith, "-10", "0");
+    std::vector<std::vector<SvgPoint>> lines = galbraith.Lines(color::ACCENT);
+    for (const std::vector<SvgPoint>& parallel : galbraith.Lines(color::INK))
+        if (parallel.size() == 2 && parallel[1].x - parallel[0].x > 400)
+            lines.push_back(parallel);
+    std::vector<double> starts;
+    for (const std::vector<SvgPoint>& line : lines) {
+        const double run = (line[1].x - line[0].x) / (x(1) - x(0));
+        const double rise = (line[1].y - line[0].y) / (y(1) - y(0));
+        EXPECT_NEAR(rise / run, results["GalbRegrSlope"][0], 1e-3);
+        starts.push_back((line[0].y - lines[0][0].y) / (y(1) - y(0)));
+    }
+    std::sort(starts.begin(), starts.end());
+    const double offset = results["GalbRegrIntercept"][0];
+    EXPECT_THAT(starts, testing::Pointwise(testing::DoubleNear(2e-3), {-offset, 0.0, offset}));
+
+    const SvgFigure labbe = pictures.Figure("labbe");
+    EXPECT_EQ(labbe.Marks("gpPt6", color::POOLED).size(), 13U);
+    const std::vector<SvgPoint> equal = labbe.Lines(color::FAINT).at(0);
+    const std::vector<SvgPoint> effect = labbe.Lines(color::ACCENT).at(0);
+    const PixelScale odds = RatioScale(labbe, "0.01", "0.1");
+    EXPECT_NEAR(equal[1].x - equal[0].x, equal[0].y - equal[1].y, 0.25); // sides are whole pixels
+    EXPECT_NEAR(equal[1].y - effect[1].y, odds(results["EstEffectSize"].back()) - odds(0), 0.5);
 }
 
 } // namespace

@@ -279,7 +279,7 @@ INSTANTIATE_TEST_SUITE_P(
                     BinaryWith({"--study", "author"},
                                "bcg_vaccine.csv has no column 'author'. Its columns are: study, year"),
                     BinaryWith({"--json", "/no/folder/out.json"},
-                               "'/no/folder/out.json' cannot be written: No such file"),
+                               "'/no/folder/out.json' cannot be written: there is no folder"),
                     BinaryWith({"--json", TESTS_DIR "/data/bcg_vaccine.csv"},
                                "bcg_vaccine.csv' is the data file")));
 

@@ -31,13 +31,22 @@ inline std::string ShellQuoted(const std::string& text)
     return quoted + "'";
 }
 
-/// Runs the program; standard output goes to `outputPlace` if that is given, and is not read then.
-inline ProgramRun RunProgram(const Arguments& arguments, const std::string& outputPlace = "")
+/// The program with its arguments, for a shell.
+inline std::string CommandLine(const Arguments& arguments)
 {
-    const TemporaryFolder folder;
     std::string command = ShellQuoted(META_ANALYSIS_PROGRAM);
     for (const std::string& argument : arguments)
         command += ' ' + ShellQuoted(argument);
+    return command;
+}
+
+/// Runs the program; standard output goes to `outputPlace` if that is given, and is not read then. `before`
+/// is what the shell does first: assignments to variables, or a command.
+inline ProgramRun RunProgram(const Arguments& arguments, const std::string& outputPlace = "",
+                             const std::string& before = "")
+{
+    const TemporaryFolder folder;
+    std::string command = before + ' ' + CommandLine(arguments);
     command += " >" + ShellQuoted(outputPlace.empty() ? folder.PathOf("output") : outputPlace);
     command += " 2>" + ShellQuoted(folder.PathOf("errors"));
     const int status = std::system(command.c_str());
@@ -57,6 +66,11 @@ inline Arguments Binary(const std::string& data)
             "treatment_events", "--treatment-nonevents",   "treatment_nonevents",
             "--control-events", "control_events",          "--control-nonevents",
             "control_nonevents"};
+}
+
+inline Arguments Bcg(const Arguments& more = {})
+{
+    return Binary("bcg_vaccine.csv") + Arguments{"--study", "study"} + more;
 }
 
 inline Arguments Continuous(const std::string& data)

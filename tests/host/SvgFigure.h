@@ -32,6 +32,19 @@ struct SvgMark
     std::string color; ///< "#rrggbb"
 };
 
+struct SvgPoint
+{
+    double x;
+    double y;
+};
+
+/// A line, or an area's outline.
+struct SvgShape
+{
+    std::vector<SvgPoint> points;
+    std::string color;
+};
+
 /// The numbers in an attribute such as "translate(12.5,3) scale(2)".
 inline std::vector<double> NumbersIn(std::string attribute)
 {
@@ -98,6 +111,32 @@ public:
         return marks;
     }
 
+    /// Areas in the order of drawing, without those of the legend.
+    std::vector<SvgShape> Areas() const
+    {
+        std::vector<SvgShape> areas;
+        for (const pugi::xpath_node& found : document_.select_nodes("//*[local-name()='polygon']"))
+            if (!IsInLegend(found.node()))
+                areas.push_back({PointsIn(found.node().attribute("points").value()),
+                                 ColorOf(found.node().attribute("fill").value())});
+        return areas;
+    }
+
+    /// Lines of one colour, likewise.
+    std::vector<std::vector<SvgPoint>> Lines(const std::string& color) const
+    {
+        std::vector<std::vector<SvgPoint>> lines;
+        for (const pugi::xpath_node& found : document_.select_nodes("//*[local-name()='path'][@stroke]")) {
+            if (IsInLegend(found.node()) || ColorOf(found.node().attribute("stroke").value()) != color)
+                continue;
+            std::istringstream path(found.node().attribute("d").value());
+            for (std::string line; std::getline(path, line, 'M');)
+                if (!line.empty())
+                    lines.push_back(PointsIn(line));
+        }
+        return lines;
+    }
+
     /// Pixel of the number at an axis.
     double TickAt(const std::string& number, double SvgText::*coordinate, const char* anchor) const
     {
@@ -109,6 +148,15 @@ public:
     }
 
 private:
+    static std::vector<SvgPoint> PointsIn(const std::string& attribute)
+    {
+        std::vector<SvgPoint> points;
+        const std::vector<double> numbers = NumbersIn(attribute);
+        for (std::size_t i = 0; i + 1 < numbers.size(); i += 2)
+            points.push_back({numbers[i], numbers[i + 1]});
+        return points;
+    }
+
     /// "rgb( 34,  34,  34)" as "#222222".
     static std::string ColorOf(const std::string& rgb)
     {

@@ -24,6 +24,13 @@ TEST(NumberText, KeepsDigitsOfSmallNumbersAndShortensHugeOnes)
               (Texts{"0.0000", "-0.7452", "0.000123", "-1.5e-09", "123456.7890", "1e+10", "-", "-", "-inf"}));
 }
 
+TEST(NumberText, HasNoSignWhereItShowsZero)
+{
+    EXPECT_EQ(FixedText(-0.00004, 4), "0.0000");
+    EXPECT_EQ(FixedText(-0.00006, 4), "-0.0001");
+    EXPECT_EQ(FixedText(-10, 0), "-10");
+}
+
 TEST(NumberText, NeverShowsAProbabilityOfZero)
 {
     EXPECT_EQ(PValueText(0), "< 0.0001");

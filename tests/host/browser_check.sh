@@ -36,5 +36,5 @@ browse() {
 }
 
 browse "$folder/wide.png" --screenshot="$folder/wide.png" --window-size=1280,2400
-browse "$folder/narrow.png" --screenshot="$folder/narrow.png" --window-size=500,2400
+browse "$folder/narrow.png" --screenshot="$folder/narrow.png" --window-size=390,2400
 browse "$folder/page.pdf" --print-to-pdf="$folder/page.pdf" --no-pdf-header-footer

@@ -1,0 +1,258 @@
+#include "host/RunProgram.h"
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+
+#include <filesystem>
+#include <map>
+#include <string>
+#include <vector>
+
+using nlohmann::json;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+// How pictures and other files come to be, or do not.
+
+namespace {
+
+/// A folder with a program named gnuplot, for PATH.
+class FakeGnuplot
+{
+public:
+    explicit FakeGnuplot(const std::string& shellScript)
+    {
+        chmod(folder_.Write("gnuplot", "#!/bin/sh\n" + shellScript + '\n').c_str(), S_IRWXU);
+    }
+    std::string OnPath() const { return "PATH=" + ShellQuoted(folder_.PathOf("")) + ":\"$PATH\""; }
+
+private:
+    TemporaryFolder folder_;
+};
+
+/// Draws with the real one except where a picture's script has the word.
+std::string FailingOn(const std::string& word)
+{
+    return "script=$(cat; echo .)\ncase $script in *" + word +
+           "*) echo '  no memory' >&2; exit 1;; esac\nprintf %s \"${script%.}\" | PATH=${PATH#*:} gnuplot -d";
+}
+
+std::vector<std::string> FilesIn(const std::string& folder)
+{
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.push_back(entry.path().filename().string());
+    return names;
+}
+
+TEST(Drawing, WritesTheFormatThatIsAskedFor)
+{
+    const TemporaryFolder folder;
+    for (const auto& [format, signature] :
+         std::map<std::string, std::string>{{"png", "\x89PNG"}, {"pdf", "%PDF-"}, {"svg", "<?xml"}}) {
+        const ProgramRun run =
+            RunProgram(Bcg({"--plots", folder.PathOf("a/b"), "--plot-format", format, "--json", "-"}));
+        EXPECT_EQ(run.exitStatus, 0) << run.errors;
+        EXPECT_THAT(folder.Read("a/b/labbe." + format), StartsWith(signature));
+    }
+}
+
+/// gnuplot itself cuts areas of PNG files past the end of its memory.
+TEST(Drawing, WritesContoursOfManyGroupsAsPng)
+{
+    const TemporaryFolder folder;
+    const ProgramRun run =
+        RunProgram(Effects("passive_smoking.csv") + Arguments{"--outcome", "binary", "--subgroup", "country",
+                                                              "--contours", "two-sided", "--plot-format",
+                                                              "png", "--plots", folder.PathOf("plots")});
+    EXPECT_EQ(run.exitStatus, 0) << run.errors;
+    EXPECT_EQ(FilesIn(folder.PathOf("plots")).size(), 21U);
+}
+
+TEST(Drawing, DoesNotDependOnWhatItInherits)
+{
+    const TemporaryFolder folder;
+    for (const char* before : {"GNUTERM=none", "trap '' CHLD;", "trap '' PIPE;"}) {
+        const ProgramRun run = RunProgram(Bcg({"--plots", folder.PathOf("plots")}), "", before);
+        EXPECT_EQ(run.exitStatus, 0) << before << run.errors;
+    }
+}
+
+TEST(Drawing, KeepsTheAnalysisWhenGnuplotIsNotInstalled)
+{
+    const TemporaryFolder folder;
+    const ProgramRun run = RunProgram(Bcg({"--plots", folder.PathOf("plots"), "--html", folder.PathOf("page"),
+                                           "--plot-format", "pdf", "--json", folder.PathOf("json")}),
+                                      "", "PATH=/nonexistent");
+    EXPECT_EQ(run.exitStatus, 2);
+    EXPECT_EQ(run.errors, "meta-analysis: Pictures could not be drawn: the program gnuplot is not installed "
+                          "(on Debian, the package gnuplot-nox).\n");
+    EXPECT_THAT(run.output, HasSubstr("Pooled effect"));
+    EXPECT_EQ(json::parse(folder.Read("json"))["records"]["used"], 13);
+    EXPECT_THAT(folder.Read("page"), HasSubstr("gnuplot is not installed"));
+    EXPECT_THAT(folder.Read("page"), HasSubstr("Table 2. Pooled effect"));
+}
+
+TEST(Drawing, SaysWhatIsWrongWithGnuplot)
+{
+    const struct
+    {
+        const char* script;
+        const char* format;
+        const char* reason;
+    } cases[] = {
+        {"exit 3", "svg", "forest.svg could not be drawn: gnuplot failed without a message, exit status 3."},
+        {"printf 'plot x\\n     ^\\n  \"-\", line 1: undefined\\n\\n' >&2; exit 1", "svg",
+         "gnuplot failed (\"-\", line 1: undefined)."},
+        {"kill -9 $$", "pdf", "gnuplot was ended by signal 9."},
+        {"echo text", "svg", "gnuplot wrote no SVG."},
+        {"printf '\\211PNG\\r\\n\\032\\n'", "png", "gnuplot wrote no whole png file."},
+        {"true", "pdf", "gnuplot wrote no whole pdf file."},
+    };
+    for (const auto& one : cases) {
+        const TemporaryFolder folder;
+        const FakeGnuplot gnuplot(one.script);
+        const ProgramRun run = RunProgram(
+            Bcg({"--plots", folder.PathOf("plots"), "--plot-format", one.format}), "", gnuplot.OnPath());
+        EXPECT_EQ(run.exitStatus, 2);
+        EXPECT_THAT(run.errors, HasSubstr(one.reason));
+        EXPECT_THAT(run.output, HasSubstr("Pooled effect"));
+    }
+}
+
+TEST(Drawing, KeepsTheOtherPicturesWhenOneFails)
+{
+    const TemporaryFolder folder;
+    const FakeGnuplot gnuplot(FailingOn("'1 / standard error'"));
+    for (const char* format : {"svg", "png"}) {
+        const ProgramRun run = RunProgram(
+            Bcg({"--plots", folder.PathOf(format), "--plot-format", format, "--html", folder.PathOf("page")}),
+            "", gnuplot.OnPath());
+        EXPECT_EQ(run.exitStatus, 2);
+        EXPECT_THAT(run.errors,
+                    HasSubstr("The picture galbraith.svg could not be drawn: gnuplot failed (no memory)."));
+        EXPECT_THAT(FilesIn(folder.PathOf(format)),
+                    testing::UnorderedElementsAre(std::string("forest.") + format,
+                                                  std::string("funnel.") + format,
+                                                  std::string("labbe.") + format));
+        EXPECT_THAT(folder.Read("page"), HasSubstr("<p>The picture galbraith.svg could not be drawn"));
+        EXPECT_THAT(folder.Read("page"), HasSubstr("Figure 3."));
+    }
+}
+
+TEST(Drawing, MakesTallPicturesAsFarAsTheFormatHoldsThem)
+{
+    std::string data = "effect,variance\n";
+    for (int i = 0; i < 1800; ++i) {
+        data += std::to_string(i % 7) + ".5,0." + std::to_string(1 + i % 9) + '\n';
+        if (i != 900 && i != 1799)
+            continue;
+        const TemporaryFolder folder;
+        const ProgramRun run =
+            RunProgram({"effects", folder.Write("data.csv", data), "--effect-size", "effect", "--variance",
+                        "variance", "--plots", folder.PathOf("plots"), "--plot-format", "png"});
+        const bool fits = i == 900; // 32767 pixels are the limit, and 19 the height of a row
+        EXPECT_EQ(run.exitStatus, fits ? 0 : 2) << run.errors;
+        EXPECT_EQ(std::filesystem::exists(folder.PathOf("plots/forest.png")), fits);
+        EXPECT_TRUE(std::filesystem::exists(folder.PathOf("plots/funnel.png")));
+        EXPECT_EQ(run.errors.find("too large for a PNG file") == std::string::npos, fits) << run.errors;
+    }
+}
+
+TEST(Drawing, ShowsItsProgressOnATerminalAlone)
+{
+    const TemporaryFolder folder;
+    const FakeGnuplot slowly("sleep 0.4; PATH=${PATH#*:} exec gnuplot -d");
+    const Arguments arguments = Bcg({"--plots", folder.PathOf("plots")});
+    EXPECT_EQ(RunProgram(arguments, "", slowly.OnPath()).errors, "");
+    const std::string command = slowly.OnPath() + ' ' + CommandLine(arguments) + " >/dev/null";
+    const std::string onTerminal = "script -qec " + ShellQuoted(command) + " " +
+                                   ShellQuoted(folder.PathOf("typescript")) + " >/dev/null";
+    ASSERT_EQ(std::system(onTerminal.c_str()), 0);
+    const std::string shown = folder.Read("typescript");
+    EXPECT_THAT(shown, Not(HasSubstr("picture 1 of 4")));
+    EXPECT_THAT(shown, HasSubstr("\rDrawing picture 4 of 4"));
+    EXPECT_THAT(shown, HasSubstr("\r                      \r")); // erased
+}
+
+TEST(Output, RefusesPlacesThatCannotBeBeforeTheAnalysis)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.Write("file", "");
+    const std::string data = TESTS_DIR "/data/bcg_vaccine.csv";
+    const struct
+    {
+        Arguments places;
+        const char* message;
+    } cases[] = {
+        {{"--plots", file}, "is no folder"},
+        {{"--html", data}, "--html: '" TESTS_DIR "/data/bcg_vaccine.csv' is the data file"},
+        {{"--html", file, "--json", file}, "is the file of --json"},
+        {{"--html", folder.PathOf("./a"), "--json", folder.PathOf("a")}, "is the file of --json"},
+        {{"--json", folder.PathOf("new"), "--plots", folder.PathOf("./new/")}, "is the folder of --plots"},
+        {{"--html", folder.PathOf("new/page")}, "there is no folder '"},
+        {{"--json", ""}, "--json: '' cannot be written"},
+    };
+    for (const auto& one : cases) {
+        const ProgramRun run = RunProgram(Bcg(one.places));
+        EXPECT_EQ(run.exitStatus, 2);
+        EXPECT_THAT(run.errors, HasSubstr(one.message));
+        EXPECT_EQ(run.output, "");
+        EXPECT_EQ(FilesIn(folder.PathOf("")).size(), 1U);
+    }
+}
+
+TEST(Output, LeavesOutPicturesThatWouldReplaceAnotherFile)
+{
+    const TemporaryFolder folder;
+    std::filesystem::create_directory(folder.PathOf("p"));
+    std::filesystem::copy_file(TESTS_DIR "/data/bcg_vaccine.csv", folder.PathOf("p/labbe.svg"));
+    Arguments arguments = Bcg({"--plots", folder.PathOf("p"), "--html", folder.PathOf("p/forest.svg"),
+                               "--json", folder.PathOf("p/../p/funnel.svg")});
+    arguments[1] = folder.PathOf("p/labbe.svg");
+    const ProgramRun run = RunProgram(arguments);
+    EXPECT_EQ(run.exitStatus, 2);
+    for (const char* use : {"forest.svg' is not written: that is the file of --html.",
+                            "funnel.svg' is not written: that is the file of --json.",
+                            "labbe.svg' is not written: that is the data file."})
+        EXPECT_THAT(run.errors, HasSubstr(use));
+    EXPECT_THAT(run.output, HasSubstr("Pooled effect"));
+    EXPECT_THAT(folder.Read("p/forest.svg"), StartsWith("<!DOCTYPE html>"));
+    EXPECT_TRUE(json::accept(folder.Read("p/funnel.svg")));
+    EXPECT_THAT(folder.Read("p/labbe.svg"), StartsWith("\"study\""));
+    EXPECT_THAT(folder.Read("p/galbraith.svg"), StartsWith("<?xml"));
+}
+
+TEST(Output, WritesAllThatCanBeWritten)
+{
+    const TemporaryFolder folder;
+    std::filesystem::create_directories(folder.PathOf("p/forest.svg"));
+    const ProgramRun run = RunProgram(
+        Bcg({"--json", folder.PathOf("json"), "--html", "/dev/full", "--plots", folder.PathOf("p")}),
+        "/dev/full");
+    EXPECT_EQ(run.exitStatus, 2);
+    EXPECT_EQ(run.errors, "meta-analysis: Standard output cannot be written: No space left on device.\n"
+                          "meta-analysis: '/dev/full' cannot be written: No space left on device.\n"
+                          "meta-analysis: '" +
+                              folder.PathOf("p/forest.svg") + "' cannot be written: Is a directory.\n");
+    EXPECT_TRUE(json::accept(folder.Read("json")));
+    EXPECT_THAT(folder.Read("p/galbraith.svg"), StartsWith("<?xml"));
+
+    const ProgramRun below = RunProgram(Bcg({"--plots", folder.PathOf("json/below")}));
+    EXPECT_EQ(below.exitStatus, 2);
+    EXPECT_THAT(below.errors, HasSubstr("cannot be made"));
+    EXPECT_THAT(below.output, HasSubstr("Pooled effect"));
+}
+
+TEST(Output, ReachesItsFilesWhenNobodyReadsTheReport)
+{
+    const TemporaryFolder folder;
+    const std::string command = "set -o pipefail; " + CommandLine(Bcg({"--html", folder.PathOf("page")})) +
+                                " 2>" + folder.PathOf("errors") + " | true";
+    EXPECT_EQ(std::system(("bash -c " + ShellQuoted(command)).c_str()), 0);
+    EXPECT_EQ(folder.Read("errors"), "");
+    EXPECT_THAT(folder.Read("page"), HasSubstr("</html>"));
+}
+
+} // namespace
