@@ -61,7 +61,7 @@ KXStatus MABaseModel::ReadStudies(MultiPassRecordIter& records)
 
 void MABaseModel::CheckInputSettings()
 {
-    if (modelType_ == MAConst::MODEL_FIXED && !settings_->GetContrastCoefIndex().empty())
+    if (modelType_ == MAConst::MODEL_FIXED && !settings_->ContrastCoefIndex().empty())
         AddWarning(MAStatusCode::FIXED_MODEL_WITH_CONTRAST);
     if (studies_.Count() == 1)
         AddWarning(MAStatusCode::ONE_STUDY);

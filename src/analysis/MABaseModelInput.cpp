@@ -38,7 +38,7 @@ KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
         return started;
     alpha_ = 1.0 - settings_->GetCILevel();
     ForgetStudyRoles();
-    const std::vector<int> contrastIndices = settings_->GetContrastCoefIndex();
+    const std::vector<int> contrastIndices = settings_->ContrastCoefIndex();
     KXStatus status;
     if (settings_->GetInputESType() == MAConst::INPUT_READY_MADE) {
         ForgetStudies();
@@ -54,7 +54,7 @@ KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
     }
     if (status.IsError())
         return status;
-    if (settings_->GetInputContrastCoef().size() != static_cast<std::size_t>(recordCount_))
+    if (settings_->InputContrastCoef().size() != static_cast<std::size_t>(recordCount_))
         AddWarning(MAStatusCode::CONTRAST_COUNT_MISMATCH);
     return status;
 }

@@ -231,8 +231,8 @@ void MATAU2ESTIMATIOR::AddLeverages(const MAFittedRows& rows, StepSums& sums) co
         if (!HasWeight(rows.first + i))
             continue;
         const double weight = rows.weights[i];
-        traceP += (1.0 - rows.leverages[i]) * weight;
-        tracePP += (1.0 - 2.0 * rows.leverages[i]) * weight * weight;
+        traceP += rows.leverageComplements[i] * weight;
+        tracePP += (2.0 * rows.leverageComplements[i] - 1.0) * weight * weight;
     }
     sums.traceP = traceP;
     sums.tracePP = tracePP;

@@ -197,7 +197,8 @@ KXStatus MADesignMatrix::ReadRows()
     MAProgress progress(*settings_, settings_->GetRecProgressListener());
     MADesignRow row;
     KXStatus result;
-    for (bool atEnd = false;;) {
+    long recordCount = 0;
+    for (bool atEnd = false;; ++recordCount) {
         const KXStatus usable = NextRow(row, false, atEnd);
         if (atEnd)
             break;
@@ -208,7 +209,8 @@ KXStatus MADesignMatrix::ReadRows()
         if (!progress.Step())
             return KXStatus(MAStatusCode::ITERATOR_FAILED);
     }
-    return records_->GetError() != 0 ? KXStatus(MAStatusCode::ITERATOR_FAILED) : result;
+    const bool isSound = records_->GetError() == 0 && recordCount == totalRecords_;
+    return isSound ? result : KXStatus(MAStatusCode::ITERATOR_FAILED);
 }
 
 void MADesignMatrix::CacheRow(const MADesignRow& row)

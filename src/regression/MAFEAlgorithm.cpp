@@ -23,7 +23,10 @@ MAFEAlgorithm::~MAFEAlgorithm() = default;
 
 KXStatus MAFEAlgorithm::BuildModel(MultiPassRecordIter& records)
 {
-    return Guarded(status_, [&] { return BuildFrom(records); });
+    const KXStatus built = Guarded(status_, [&] { return BuildFrom(records); });
+    if (built.IsError())
+        ForgetModel();
+    return built;
 }
 
 KXStatus MAFEAlgorithm::BuildFrom(MultiPassRecordIter& records)

@@ -49,7 +49,10 @@ bool MAREAlgorithm::UsesStudentT() const
 
 KXStatus MAREAlgorithm::BuildModel(MultiPassRecordIter& records)
 {
-    return Guarded(status_, [&] { return BuildFrom(records); });
+    const KXStatus built = Guarded(status_, [&] { return BuildFrom(records); });
+    if (built.IsError())
+        ForgetModel();
+    return built;
 }
 
 KXStatus MAREAlgorithm::BuildFrom(MultiPassRecordIter& records)

@@ -92,11 +92,11 @@ KXStatus MARegAlgorithm::CreateParametersFrom(MultiPassRecordIter& records)
         return status_;
     if (!records.Start())
         return KXStatus(MAStatusCode::ITERATOR_NOT_STARTED);
+    ForgetModel();
+    warnings_.clear();
     parameters_.clear();
     effectInfo_.clear();
-    parametersCreated_ = false;
-    modelBuilt_ = false;
-    fit_.reset();
+    parametersCreated_ = parametersUsed_ = false;
     design_ = std::make_unique<MADesignMatrix>(*settings_);
     if (!design_->HasKnownEffects())
         return KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
@@ -137,26 +137,33 @@ void MARegAlgorithm::AppendParameters(const KXModelEffect& effect, const MAEffec
 KXStatus MARegAlgorithm::PrepareRows(MultiPassRecordIter& records)
 {
     status_ = settingsStatus_; // an error of an earlier build does not stand in the way
-    modelBuilt_ = false;
-    waldTest_.reset();
-    fTest_.reset();
-    residualQ_ = residualQSignificance_ = residualH2_ = residualI2_ = KXMV::Missing();
-    residualDf_ = 0;
-    rSquare_ = 0.0;
+    ForgetModel();
     if (status_.IsError())
         return status_;
     if (!records.Start())
         return KXStatus(MAStatusCode::ITERATOR_NOT_STARTED);
-    if (!parametersCreated_) {
+    if (!parametersCreated_ || parametersUsed_) {
         const KXStatus created = CreateParametersFrom(records);
         if (created.IsError())
             return created;
     }
+    parametersUsed_ = true;
     design_->AttachIterator(records);
     const KXStatus cached = design_->CacheRows();
     if (!cached.IsError() && design_->Rows().Count() == 0 && design_->GetTotalRecords() > 0)
         return KXStatus(MAStatusCode::NO_USABLE_STUDY);
     return cached;
+}
+
+void MARegAlgorithm::ForgetModel()
+{
+    modelBuilt_ = false;
+    fit_.reset();
+    waldTest_.reset();
+    fTest_.reset();
+    residualQ_ = residualQSignificance_ = residualH2_ = residualI2_ = KXMV::Missing();
+    residualDf_ = 0;
+    tau2_ = rSquare_ = 0.0;
 }
 
 bool MARegAlgorithm::Passed(const KXStatus& status)

@@ -46,8 +46,9 @@ public:
     /// Counts over the factors of the settings; empty before the first pass.
     virtual KXFactorCounts GetFactorCounts() const;
 
-    /// Fits the model. Creates the parameters first where that was not done. Errors as `CreateParameters`,
-    /// and 460073 no usable study but some unusable ones. Warnings go to `GetWarnings`.
+    /// Fits the model. Creates the parameters first, unless that was done since the last build: every build
+    /// begins afresh. Errors as `CreateParameters`, 460012 also when its passes differ in length, and 460073
+    /// no usable study but some unusable ones; after one there are no results. Warnings go to `GetWarnings`.
     virtual KXStatus BuildModel(MultiPassRecordIter& records) = 0;
     virtual bool IsModelBuilt() const;
     virtual KXStatus GetStatus() const;
@@ -67,7 +68,7 @@ public:
 
     /// Of the last fit: records that were not usable.
     int GetNBadRecords() const;
-    /// Warnings of the build, each once, in order of first occurrence.
+    /// Warnings of the last build, each once, in order of first occurrence.
     const std::vector<KXStatus>& GetWarnings() const { return warnings_; }
     /// The regression-based small-study test needs the coefficients and their tests alone.
     void setUsedByRegBaseTest(bool used) { usedByRegBaseTest_ = used; }
@@ -85,6 +86,8 @@ protected:
     KXStatus PrepareRows(MultiPassRecordIter& records);
     /// Adds a warning to the list; an error becomes the status. True when the build can go on.
     bool Passed(const KXStatus& status);
+    /// Takes down the model, so that nothing of it stands beside another's results.
+    void ForgetModel();
     /// What comes after a fit: the model is built, and records can be scored.
     void FinishBuild(bool scoresUseStudentT);
     KXStatus ScoreRecord(const Record& record, double& fit, double& stdError, double& lower, double& upper,
@@ -99,6 +102,7 @@ protected:
     std::vector<KXRegrParameter> parameters_;
     std::vector<MAEffectInfo> effectInfo_;
     bool parametersCreated_ = false;
+    bool parametersUsed_ = false; ///< by a build
     bool modelBuilt_ = false;
     int predictorCount_ = 0;
     bool usedByRegBaseTest_ = false;

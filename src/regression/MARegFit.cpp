@@ -153,7 +153,10 @@ void MARegFit::RefineCoefficients()
         for (std::size_t j = 0; nonRedundant_.Test(i) && j < refined.size(); ++j)
             refined[i] += inverse_.Get(i, j) * unexplained[j];
     }
-    SetCoefficients(std::move(refined));
+    const bool isFinite =
+        std::all_of(refined.begin(), refined.end(), [](double value) { return std::isfinite(value); });
+    if (isFinite) // at the ends of the numbers' range the correction can overflow
+        SetCoefficients(std::move(refined));
 }
 
 double MARegFit::FittedValue(const double* predictors) const
@@ -176,18 +179,42 @@ void MARegFit::ComputeResiduals(std::size_t first, std::size_t count, double* re
     });
 }
 
-void MARegFit::ComputeLeverages(std::size_t first, std::size_t count, double* leverages) const
+/// The leverage of a row that dominates is all but 1, and a large weight makes the error of its complement a
+/// large one in sums of w (1 - h).
+void MARegFit::ComputeLeverageComplements(std::size_t first, std::size_t count, double* complements) const
 {
     const MADesignRows& rows = design_->Rows();
-    inverse_.QuadraticForms(rows.Row(first), rows.columnCount + 1, count, leverages);
-    for (std::size_t i = 0; i < count; ++i)
-        leverages[i] *= weights_[first + i];
+    inverse_.QuadraticForms(rows.Row(first), rows.columnCount + 1, count, complements);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double leverage = complements[i] * weights_[first + i];
+        complements[i] = leverage > 0.5 ? ComplementFromOtherRows(first + i) : 1.0 - leverage;
+    }
+}
+
+/// 1 - h = 1 / (1 + w x'M x) with M of the fit without the row (Sherman and Morrison 1950, Annals of
+/// Mathematical Statistics 21, 124-127); 0 for a row that alone determines a coefficient.
+double MARegFit::ComplementFromOtherRows(std::size_t row) const
+{
+    const MADesignRows& rows = design_->Rows();
+    KXSymMatrix others(rows.columnCount + 1);
+    others.UpdateXX(rows.Row(0), weights_.data(), row);
+    others.UpdateXX(rows.Row(row) + rows.columnCount + 1, weights_.data() + row + 1,
+                    weights_.size() - row - 1);
+    KXBitSet determined;
+    others.SweepOnMany(columns_, design_->GetSettings().GetComputationalTolerance(), determined);
+    if (determined.Count() < nonRedundant_.Count())
+        return 0.0;
+    double spread = 0.0;
+    others.GetSweptInverse(determined).QuadraticForms(rows.Row(row), rows.columnCount + 1, 1, &spread);
+    return 1.0 / (1.0 + weights_[row] * spread);
 }
 
 std::vector<double> MARegFit::Leverages() const
 {
     std::vector<double> leverages(weights_.size());
-    ComputeLeverages(0, leverages.size(), leverages.data());
+    ComputeLeverageComplements(0, leverages.size(), leverages.data());
+    for (double& leverage : leverages)
+        leverage = 1.0 - leverage;
     return leverages;
 }
 
@@ -211,10 +238,9 @@ double MARegFit::WeightedResidualSum() const
 double MARegFit::WeightedResidualTrace() const
 {
     double trace = 0.0;
-    // Rounding can carry a leverage beyond 1, and a large weight its excess to a negative trace.
     VisitRows(true, [&trace](const MAFittedRows& rows) {
         for (std::size_t i = 0; i < rows.count; ++i)
-            trace += rows.weights[i] * std::max(0.0, 1.0 - rows.leverages[i]);
+            trace += rows.weights[i] * rows.leverageComplements[i];
     });
     return trace;
 }
@@ -286,7 +312,8 @@ MAModelTest MARegFit::TestModel(bool asF) const
     const double wald = KXMathFun::VSV(coefficients, information);
     if (asF) {
         test.statistic = wald / (scale_ * test.df1);
-        test.significance = 1.0 - KXDistFun::CdfF(test.statistic, test.df1, test.df2);
+        if (test.df2 != 0)
+            test.significance = 1.0 - KXDistFun::CdfF(test.statistic, test.df1, test.df2);
     } else {
         test.statistic = wald / dispersion_;
         test.significance = 1.0 - KXDistFun::CdfChi(test.statistic, test.df1);

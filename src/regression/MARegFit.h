@@ -51,7 +51,7 @@ struct MAFittedRows
     std::size_t count;
     const double* weights;
     const double* residuals;
-    const double* leverages; ///< null unless asked for
+    const double* leverageComplements; ///< 1 - h; null unless asked for
 };
 
 /// Weighted least squares over the rows of a design matrix: what both meta-regression engines and the
@@ -84,7 +84,8 @@ public:
     std::vector<double> Leverages() const;
 
     /// Calls `visit(rows)` for stretch after stretch, in the order of the rows, of a length at which the
-    /// fastest cache holds them. Leverages cost O(p²) a row.
+    /// fastest cache holds them. Leverages cost O(p²) a row; each that is more than a half, of which there
+    /// are less than 2p, O(k p²), so that its complement has all its digits.
     template <class Visit>
     void VisitRows(bool withLeverages, Visit visit) const;
 
@@ -136,7 +137,8 @@ private:
     void Solve();
     void SetCoefficients(std::vector<double> coefficients);
     void ComputeResiduals(std::size_t first, std::size_t count, double* residuals) const;
-    void ComputeLeverages(std::size_t first, std::size_t count, double* leverages) const;
+    void ComputeLeverageComplements(std::size_t first, std::size_t count, double* complements) const;
+    double ComplementFromOtherRows(std::size_t row) const;
     double FittedValue(const double* predictors) const;
     double ResidualStdError(double leverage, double weight) const;
 
@@ -168,14 +170,14 @@ template <class Visit>
 void MARegFit::VisitRows(bool withLeverages, Visit visit) const
 {
     std::array<double, stretch> residuals;
-    std::array<double, stretch> leverages;
+    std::array<double, stretch> complements;
     for (std::size_t first = 0; first < weights_.size(); first += stretch) {
         const std::size_t count = std::min(stretch, weights_.size() - first);
         ComputeResiduals(first, count, residuals.data());
         if (withLeverages)
-            ComputeLeverages(first, count, leverages.data());
+            ComputeLeverageComplements(first, count, complements.data());
         visit(MAFittedRows{first, count, weights_.data() + first, residuals.data(),
-                           withLeverages ? leverages.data() : nullptr});
+                           withLeverages ? complements.data() : nullptr});
     }
 }
 

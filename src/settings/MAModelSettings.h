@@ -85,9 +85,9 @@ public:
     void SetInputStdErrorIndex(int value) { inputStdErrorIndex_ = value; }
     int GetInputStdErrorIndex() const { return inputStdErrorIndex_; }
     void SetContrastCoefIndex(const std::vector<int>& values) noexcept { contrastCoefIndex_ = values; }
-    const std::vector<int>& GetContrastCoefIndex() const noexcept { return *contrastCoefIndex_; }
+    std::vector<int> GetContrastCoefIndex() const noexcept { return CopyOf(*contrastCoefIndex_); }
     void SetInputContrastCoef(const std::vector<double>& values) noexcept { inputContrastCoef_ = values; }
-    const std::vector<double>& GetInputContrastCoef() const noexcept { return *inputContrastCoef_; }
+    std::vector<double> GetInputContrastCoef() const noexcept { return CopyOf(*inputContrastCoef_); }
     void SetSubGroupIndex(int value) { subGroupIndex_ = value; }
     int GetSubGroupIndex() const { return subGroupIndex_; }
     void SetCommulativeIndex(int value) { commulativeIndex_ = value; }
@@ -129,6 +129,11 @@ public:
     MAConst::TAU2ESTIMATOR GetTFEstTauType() const { return tfEstTauType_; }
     void SetTFKnapHartAdjustType(MAConst::KNAPPHADJTYPE value) { tfKnapHartAdjustType_ = value; }
     MAConst::KNAPPHADJTYPE GetTFKnapHartAdjustType() const { return tfKnapHartAdjustType_; }
+    /// The lists themselves, where a copy would have to be checked for memory that ran out.
+    const std::vector<int>& ContrastCoefIndex() const noexcept { return *contrastCoefIndex_; }
+    const std::vector<double>& InputContrastCoef() const noexcept { return *inputContrastCoef_; }
+    const std::vector<double>& FunnelConTourCutoff() const noexcept { return *funnelConTourCutoff_; }
+
     void SetFunnelNPoints(int value) { funnelNPoints_ = value; }
     int GetFunnelNPoints() const { return funnelNPoints_; }
     void SetFunnelYType(MAConst::FunnelYType value) { funnelYType_ = value; }
@@ -136,7 +141,6 @@ public:
     void SetFunnelConTourTesType(MAConst::FunnelConTourTesType value) { funnelConTourTesType_ = value; }
     MAConst::FunnelConTourTesType GetFunnelConTourTesType() const { return funnelConTourTesType_; }
     void SetFunnelConTourCutoff(const std::vector<double>& levels) noexcept { funnelConTourCutoff_ = levels; }
-    const std::vector<double>& GetFunnelConTourCutoff() const noexcept { return *funnelConTourCutoff_; }
     /// Overwrites `out` with the stored levels; with none when memory runs out.
     void GetSetFunnelConTourCutoff(std::vector<double>& out) const noexcept
     {

@@ -151,10 +151,12 @@ void ExpectEngineSound(Lie lie, int pass)
     const KXStatus status = engine.BuildModel(records);
     const MARegOutputStats output(settings, engine);
     EXPECT_EQ(engine.IsModelBuilt(), !status.IsError());
-    const std::size_t count =
-        status.IsError() ? output.GetEstimation().size() : engine.GetParameters().size();
+    const std::size_t count = status.IsError() ? 0 : engine.GetParameters().size();
     EXPECT_EQ(output.GetEstimation().size(), count);
     EXPECT_EQ(output.GetBetaConfInterValUpper().size(), count);
+    if (!status.IsError()) {
+        EXPECT_EQ(static_cast<std::size_t>(output.GetNGoodRecords() + output.GetNBadRecords()), rows.size());
+    }
     for (const Row& row : rows)
         Scores(engine, row);
     EXPECT_TRUE(lie != LATE_ERROR || pass < 2 || pass > 3 ||

@@ -97,10 +97,12 @@ void RegressionCheck<Engine>::CheckResults()
     violations_.Expect(records == made_.rows.size(), "every record is good or bad");
 }
 
-/// Leverages sum to the number of estimated parameters; 1e-9 is their rounding in designs like these.
+/// Leverages sum to the number of estimated parameters. The sweep takes pivots down to its tolerance, by
+/// whose inverse a rounding error can grow.
 template <class Engine>
 void RegressionCheck<Engine>::CheckScores()
 {
+    const double rounding = machineEpsilon / made_.settings.GetComputationalTolerance();
     double leverages = 0.0;
     for (const Row& row : made_.rows) {
         const Scores scores(fit_.engine, row);
@@ -110,11 +112,11 @@ void RegressionCheck<Engine>::CheckScores()
         Of(listed).Ordered("lower", "fit", "upper");
         leverages += scores.leverage;
         if (made_.isTame)
-            violations_.Expect(scores.leverage >= 0.0 && scores.leverage <= 1.0 + 1e-9,
+            violations_.Expect(scores.leverage >= 0.0 && scores.leverage <= 1.0 + rounding,
                                "a leverage is a fraction");
     }
     const auto estimated = static_cast<double>(fit_.output->GetRedundancyInfo().Count());
-    violations_.Expect(!made_.isTame || bool(Close(leverages, estimated, 1e-9)),
+    violations_.Expect(!made_.isTame || bool(Close(leverages, estimated, rounding)),
                        "leverages sum to the parameters");
 }
 

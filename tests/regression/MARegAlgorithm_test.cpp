@@ -269,6 +269,27 @@ TEST(MARegAlgorithm, ParametersFollowTheEffects)
               "MAAlgorithm display end; ");
 }
 
+/// Of another build nothing is left: not its records, its warnings nor, when one fails, its results.
+TEST(MARegAlgorithm, EveryBuildBeginsAfresh)
+{
+    const MARegSettings settings = RegressionOn({2});
+    Rows rows = RandomStudies(72, 20, 1);
+    MAREAlgorithm engine(settings);
+    VectorRecordIter few(Rows{rows[0], rows[1], rows[2], rows[3], {missing, 1, 1}});
+    EXPECT_TRUE(engine.BuildModel(few).IsOK());
+    EXPECT_EQ(engine.GetWarnings().size(), 1U);
+    EXPECT_EQ(engine.GetNBadRecords(), 1);
+    VectorRecordIter all(rows);
+    EXPECT_TRUE(engine.BuildModel(all).IsOK());
+    EXPECT_TRUE(engine.GetWarnings().empty());
+    EXPECT_EQ(engine.GetNBadRecords(), 0);
+    VectorRecordIter none(Rows{{missing, 1, 1}});
+    EXPECT_TRUE(engine.BuildModel(none).IsError());
+    const MARegOutputStats output(settings, engine);
+    EXPECT_TRUE(output.GetEstimation().empty());
+    EXPECT_EQ(output.GetTau(), 0.0);
+}
+
 /// A model can be built again; creating its parameters anew takes it down; the results outlive the engine.
 TEST(MARegAlgorithm, Lifecycle)
 {

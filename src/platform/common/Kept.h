@@ -20,8 +20,9 @@ public:
     Kept(const Kept& other) noexcept { *this = other; }
     Kept& operator=(const Kept& other) noexcept
     {
+        const bool wasLost = other.isLost_; // `other` may be this one
         *this = other.value_;
-        isLost_ = isLost_ || other.isLost_;
+        isLost_ = isLost_ || wasLost;
         return *this;
     }
     Kept& operator=(const Value& value) noexcept
