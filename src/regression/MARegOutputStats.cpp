@@ -25,11 +25,11 @@ struct MARegOutputStats::Results
     MAModelTest wald{0.0, 0.0, 0, 0};
     MAModelTest f{0.0, 0.0, 0, 0};
     double dispersion = 1.0;
-    double residualQ = 0.0;
-    double residualQSignificance = 0.0;
+    double residualQ = KXMV::Missing();
+    double residualQSignificance = KXMV::Missing();
     int residualDf = 0;
-    double residualH2 = 0.0;
-    double residualI2 = 0.0;
+    double residualH2 = KXMV::Missing();
+    double residualI2 = KXMV::Missing();
     double rSquare = 0.0;
 };
 

@@ -47,7 +47,10 @@ public:
 
     /// False when memory ran out for a copy of these settings, whose lists are then empty: an engine made
     /// from it gives error 460099.
-    bool IsComplete() const noexcept { return KXLogRegSettings::IsComplete() && !effectVariables_.IsLost(); }
+    bool IsComplete() const noexcept override
+    {
+        return KXLogRegSettings::IsComplete() && !effectVariables_.IsLost();
+    }
 
     /// As `IsValidSettings` without requiring a dependent.
     bool IsValid() const;

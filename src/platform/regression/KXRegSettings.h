@@ -53,7 +53,7 @@ public:
 
     /// False when memory ran out for a copy of these settings, whose lists are then empty; what uses them
     /// gives error 460099. No operation but the display throws.
-    bool IsComplete() const noexcept { return !lists_.IsLost(); }
+    virtual bool IsComplete() const noexcept { return !lists_.IsLost(); }
 
     /// Writes the settings to the debug display.
     virtual void Display() const = 0;
