@@ -5,13 +5,6 @@
 #include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <vector>
-
 using namespace MA_NAMESPACE;
 using namespace MAConst;
 

@@ -6,15 +6,8 @@
 
 #include "meta_analysis/settings/MAStatusCode.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
 #include <random>
-#include <string>
 #include <type_traits>
-#include <vector>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;

@@ -1,5 +1,4 @@
-#include "faults/AnalysisChecks.h"
-
+#include "faults/RunChecks.h"
 #include "faults/Symmetries.h"
 #include "support/Compare.h"
 

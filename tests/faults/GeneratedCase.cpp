@@ -3,10 +3,6 @@
 #include "support/Compare.h"
 #include "support/Regression.h"
 
-#include <cmath>
-#include <limits>
-#include <string>
-
 using namespace MA_NAMESPACE;
 using namespace MAConst;
 

@@ -1,9 +1,8 @@
-#include "faults/RegressionChecks.h"
+#include "faults/RunChecks.h"
 
 #include "faults/Symmetries.h"
 #include "support/Regression.h"
 
-#include <algorithm>
 #include <set>
 
 using namespace MA_NAMESPACE;

@@ -5,13 +5,7 @@
 
 #include "meta_analysis/pooling/MARandomEffectModel.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <numeric>
-#include <string>
-#include <vector>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -197,32 +191,6 @@ TEST(MetaRegressionIdentities, ScaleOfACovariateScalesItsCoefficientAndNothingEl
                 EXPECT_TRUE(Same(Scores(regression.engine, scaled[i]).Values(),
                                  Scores(original.engine, rows[i]).Values()));
         }
-    }
-}
-
-TEST(MetaRegressionIdentities, OrderOfTheRecordsDoesNotMatter)
-{
-    const Rows rows = RedundantStudies();
-    for (const char* const code : codes) {
-        SCOPED_TRACE(code);
-        MARegSettings settings = RegressionOn({2, 3, 4}, {5});
-        settings.SetEstTauType(code);
-        const RERegression original(settings, rows);
-        Rows shuffled = rows;
-        std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(7));
-        const RERegression regression(settings, shuffled);
-        EXPECT_NEAR(regression.output->GetTau(), original.output->GetTau(), iteration);
-        EXPECT_EQ(regression.output->GetRedundancyInfo(), original.output->GetRedundancyInfo());
-        for (std::size_t j = 0; j < original.output->GetEstimation().size(); ++j) {
-            const double stdError = original.output->GetBetaStandErr()[j];
-            EXPECT_EQ(regression.output->GetParameters()[j].GetCategories(),
-                      original.output->GetParameters()[j].GetCategories());
-            EXPECT_TRUE(Close(regression.output->GetEstimation()[j], original.output->GetEstimation()[j],
-                              iteration, stdError));
-            EXPECT_TRUE(Close(regression.output->GetBetaStandErr()[j], stdError, iteration));
-        }
-        EXPECT_TRUE(Close(regression.output->GetWaldChiSquareTest(), original.output->GetWaldChiSquareTest(),
-                          iteration));
     }
 }
 
