@@ -97,7 +97,7 @@ TEST(MABinaryFixEffectModel, OtherScaleOfTheResults)
     EXPECT_DOUBLE_EQ(odds.GetEstESStdError(), std::sqrt(odds.GetEstESVariance()));
 }
 
-TEST(MABinaryFixEffectModel, ContrastNeedsACoefficientForEveryStudy)
+TEST(MABinaryFixEffectModel, ContrastIsOfTheEffectsComputedLastWithACoefficientForEach)
 {
     Tables tables(trials);
     MABinaryFixEffectModel model = Fitted(tables, BIN_ODDS_RATIO);
@@ -105,6 +105,11 @@ TEST(MABinaryFixEffectModel, ContrastNeedsACoefficientForEveryStudy)
     EXPECT_EQ(model.GetContrastTest2SidedSig(), missing);
     std::vector<double> coefficients = {1, -1, 0};
     model.SetContrastCoef(&coefficients);
+    model.ContrastTest();
+    model.SetEstimationMethod(BIN_RISK_DIFFERENCE);
+    model.ComputeEffectSizeStatistics();
+    model.ContrastTest();
+    EXPECT_NEAR(model.GetContrastTestGMeans(), 4.0 / 123 - 11.0 / 139 - (6.0 / 306 - 29.0 / 303), 1e-16);
     coefficients.push_back(0);
     EXPECT_EQ(model.ContrastTest(), KXStatus(MAStatusCode::LENGTH_MISMATCH));
 }
