@@ -133,8 +133,8 @@ TEST(SmallStudyTests, EffectOnStandardErrorMeetsTheReferenceFigures)
 /// intercept takes away.
 TEST(SmallStudyTests, ScoresAndSizesByWeightedLeastSquares)
 {
-    const Rows unusable = {{4, missing, 6, 8}, {4, 9, 6, notANumber}, {0, 0, 0, 0}, {-4, 9, 6, 8},
-                           {4, -9, 6, 8},      {4, 9, -6, 8},         {4, 9, 6, -8}};
+    const Rows unusable = {{4, missing, 6, 8}, {4, 9, 6, notANumber}, {0, 0, 0, 0},    {-4, 90, 60, 80},
+                           {40, -9, 60, 80},   {40, 90, -6, 80},      {40, 90, 60, -8}};
     for (const char* const name : {"bcg_vaccine", "magnesium", "beta_blockers"}) {
         const DataSet data(name);
         const int first = data.IndexOf("treatment_events");
