@@ -1,5 +1,4 @@
 #include "support/Compare.h"
-#include "support/Data.h"
 #include "support/LeastSquares.h"
 #include "support/Reference.h"
 

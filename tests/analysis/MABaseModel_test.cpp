@@ -1,7 +1,6 @@
 // What the analyses share, tested through both of them.
 
 #include "support/Compare.h"
-#include "support/Data.h"
 #include "support/FaultyRecordIter.h"
 #include "support/FinishedRun.h"
 

@@ -1,4 +1,3 @@
-#include "support/Compare.h"
 #include "support/PooledFigures.h"
 
 #include "meta_analysis/analysis/MAContModel.h"

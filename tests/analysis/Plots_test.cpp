@@ -1,5 +1,3 @@
-#include "support/Compare.h"
-#include "support/FinishedRun.h"
 #include "support/Poolings.h"
 
 #include "meta_analysis/analysis/MAContModel.h"

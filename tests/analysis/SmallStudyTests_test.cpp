@@ -1,4 +1,3 @@
-#include "support/Compare.h"
 #include "support/FaultyRecordIter.h"
 #include "support/LeastSquares.h"
 #include "support/PooledFigures.h"

@@ -1,4 +1,3 @@
-#include "support/Compare.h"
 #include "support/PooledFigures.h"
 #include "support/Poolings.h"
 #include "support/Published.h"

@@ -118,19 +118,6 @@ TEST(MABinaryEffectSize, UndefinedEntriesAreMissing)
     }
 }
 
-TEST(MABinaryEffectSize, NaturalScaleOfRatiosIsTheExponentialOfTheLogScale)
-{
-    for (const BINESTYPE method : {BIN_ODDS_RATIO, BIN_PETO_ODDS_RATIO, BIN_RISK_RATIO}) {
-        Tables tables({{4, 119, 11, 128}});
-        const MABinaryEffectSize e = Computed(tables, method);
-        EXPECT_TRUE(Close(e.GetEffectSizeVal()[0], std::exp(e.GetLogEffectSizeVal()[0]), 1e-15, 4.0));
-        EXPECT_DOUBLE_EQ(e.GetEffectSizeVariance()[0], std::exp(e.GetLogEffectSizeVariance()[0]));
-        EXPECT_DOUBLE_EQ(e.GetEffectSizeStdError()[0], std::exp(e.GetLogEffectSizeStdError()[0]));
-        EXPECT_DOUBLE_EQ(e.GetEffectSizeZVal()[0], std::exp(e.GetLogEffectSizeZVal()[0]));
-        EXPECT_DOUBLE_EQ(e.GetEffectSizeSig()[0], std::exp(e.GetLogEffectSizeSig()[0]));
-    }
-}
-
 TEST(MABinaryEffectSize, RiskDifferenceHasZeroForUndefinedEntries)
 {
     Tables tables({{3, 7, 2, 18}, {0, 0, 4, 12}});

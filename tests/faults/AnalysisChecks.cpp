@@ -2,8 +2,6 @@
 #include "faults/Symmetries.h"
 #include "support/Compare.h"
 
-#include "meta_analysis/analysis/MABinModel.h"
-#include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 
 #include <numeric>

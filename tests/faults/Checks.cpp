@@ -3,8 +3,6 @@
 #include "faults/GeneratedCase.h"
 #include "faults/RunChecks.h"
 
-#include "meta_analysis/analysis/MABinModel.h"
-#include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/regression/MAFEAlgorithm.h"
 #include "meta_analysis/regression/MAREAlgorithm.h"
 

@@ -1,6 +1,5 @@
 #include "faults/GeneratedCase.h"
 
-#include "support/Compare.h"
 #include "support/Regression.h"
 
 using namespace MA_NAMESPACE;

@@ -4,8 +4,6 @@
 #include "support/Regression.h"
 #include "support/SmallStudyRun.h"
 
-#include "meta_analysis/analysis/MABinModel.h"
-#include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 using namespace MA_NAMESPACE;

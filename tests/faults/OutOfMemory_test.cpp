@@ -7,8 +7,6 @@
 #include "support/Regression.h"
 #include "support/SmallStudyRun.h"
 
-#include "meta_analysis/analysis/MABinModel.h"
-#include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <functional>

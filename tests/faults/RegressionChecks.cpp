@@ -1,5 +1,4 @@
 #include "faults/RunChecks.h"
-
 #include "faults/Symmetries.h"
 #include "support/Regression.h"
 
@@ -108,6 +107,11 @@ void RegressionCheck<Engine>::CheckScores()
             {"lower", {{scores.lower}}}, {"fit", {{scores.fit}}}, {"upper", {{scores.upper}}}};
         Of(listed).Ordered("lower", "fit", "upper");
         leverages += scores.leverage;
+        const double fitted = scores.stdError * scores.stdError;
+        const double residual = scores.residualStdError * scores.residualStdError;
+        if (made_.isTame && !KXMV::IsMissing(scores.residualStdError))
+            violations_.Expect(bool(Close(fitted, scores.leverage * (fitted + residual), 1e-9, residual)),
+                               "a leverage is the share of the fit in the variance");
         if (made_.isTame)
             violations_.Expect(scores.leverage >= 0.0 && scores.leverage <= 1.0 + 1e-9,
                                "a leverage is a fraction");

@@ -4,9 +4,6 @@
 #include "support/Regression.h"
 #include "support/SmallStudyRun.h"
 
-#include "meta_analysis/analysis/MABinModel.h"
-#include "meta_analysis/analysis/MAContModel.h"
-
 #include <functional>
 #include <thread>
 

@@ -2,33 +2,18 @@
 #include "support/Compare.h"
 #include "support/Reference.h"
 
-#include <gmock/gmock.h>
-
-#include <fstream>
-
 using nlohmann::json;
 using testing::ContainsRegex;
 using testing::HasSubstr;
 
 namespace {
 
-/// Each group is pooled as a file with its rows alone.
 TEST(Subgroups, OfTextsAreInOrderOfTheTextsAndShownByThem)
 {
     const json groups = ResultsOf(Effects("passive_smoking.csv") + Words("--subgroup country"));
     const std::vector<std::string> countries = {"China",  "Germany", "Greece", "Hong Kong", "Japan",
                                                 "Russia", "Sweden",  "UK",     "USA"};
     EXPECT_EQ(groups["GroupN"], (std::vector<int>{8, 1, 2, 4, 5, 1, 1, 1, 14}));
-    const TemporaryFolder folder;
-    std::string rows = "study,year,country,effect,variance\n";
-    std::ifstream file(TESTS_DIR "/data/passive_smoking.csv");
-    for (std::string line; std::getline(file, line);)
-        if (line.find("\"Hong Kong\"") != std::string::npos)
-            rows += line + '\n';
-    const json alone = ResultsOf(
-        {"effects", folder.Write("t.csv", rows), "--effect-size", "effect", "--variance", "variance"});
-    EXPECT_EQ(groups["EstEffectSize"][3], alone["EstEffectSize"][0]);
-
     const std::string report = ReportOf(Effects("passive_smoking.csv") + Words("--subgroup country"));
     std::string pattern = "Pooled effect\n.*\n";
     for (const std::string& country : countries)

@@ -9,8 +9,6 @@
 
 #include <fstream>
 #include <regex>
-#include <string>
-#include <vector>
 
 using namespace host;
 using nlohmann::json;

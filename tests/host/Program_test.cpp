@@ -2,8 +2,6 @@
 #include "support/Compare.h"
 #include "support/Reference.h"
 
-#include <gmock/gmock.h>
-
 #include <filesystem>
 
 using nlohmann::json;
@@ -150,16 +148,6 @@ TEST(Program, SaysThatNoRecordCouldBeUsed)
     EXPECT_EQ(run.exitStatus, 0);
     EXPECT_THAT(run.output,
                 HasSubstr("2 read, 0 used, 1 missing, 1 invalid, 0 dropped\nNo record could be used"));
-}
-
-TEST(Program, WritesTheJsonFileBesideTheReport)
-{
-    const TemporaryFolder folder;
-    const Arguments command = Effects("passive_smoking.csv");
-    const ProgramRun run = RunProgram(command + Arguments{"--json", folder.PathOf("out.json")});
-    const json alone = RunProgram(command + Words("--json -")).Json();
-    EXPECT_THAT(run.output, StartsWith("Meta-analysis: "));
-    EXPECT_EQ(json::parse(folder.Read("out.json"))["results"], alone["results"]);
 }
 
 TEST(Program, ShowsHelpAndVersion)

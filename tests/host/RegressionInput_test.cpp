@@ -3,9 +3,6 @@
 #include "host/RunProgram.h"
 
 #include <fmt/format.h>
-#include <gmock/gmock.h>
-
-#include <string>
 
 using nlohmann::json;
 using testing::ContainsRegex;

@@ -7,7 +7,6 @@
 #include "support/Reference.h"
 
 #include <fmt/format.h>
-#include <gmock/gmock.h>
 
 #include <utility>
 

@@ -5,9 +5,7 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <variant>
-#include <vector>
 
 using namespace host;
 using MA_NAMESPACE::MAModelSettings;

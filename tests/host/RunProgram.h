@@ -9,7 +9,6 @@
 #include <cstdlib>
 #include <iterator>
 #include <sstream>
-#include <string>
 #include <vector>
 
 // Runs the program as its users do: as a process.

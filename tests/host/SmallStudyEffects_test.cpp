@@ -1,7 +1,5 @@
 #include "host/RunProgram.h"
 
-#include <gmock/gmock.h>
-
 #include <set>
 
 using nlohmann::json;

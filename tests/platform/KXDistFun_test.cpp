@@ -151,23 +151,6 @@ TEST(KXDistFun, QuantileOfTInvertsTheDistributionFunction)
     }
 }
 
-// With 2 n degrees of freedom P(X > x) is the probability that a Poisson count of mean x / 2 is below n.
-TEST(KXDistFun, ChiSquareWithEvenDfIsAPoissonSum)
-{
-    for (const int n : {1, 2, 7, 40, 300, 999, 1000, 1001, 1500}) {
-        for (const double standardScore : {-4.0, -1.0, -0.1, 0.0, 0.3, 2.0, 6.0}) {
-            const double mean = n * std::exp(standardScore / std::sqrt(n));
-            long double upper = 0.0L;
-            for (int count = n - 1; count >= 0; --count)
-                upper += std::exp(count * std::log(static_cast<long double>(mean)) - mean -
-                                  std::lgamma(count + 1.0L));
-            EXPECT_NEAR(KXDistFun::CdfChi(2.0 * mean, 2.0 * n), static_cast<double>(1.0L - upper),
-                        50.0 * machineEpsilon)
-                << n << ' ' << standardScore;
-        }
-    }
-}
-
 // Each pair is computed along different ways.
 TEST(KXDistFun, DistributionsAgreeWhereTheyCoincide)
 {
