@@ -1,5 +1,4 @@
 #include "support/Compare.h"
-#include "support/Data.h"
 #include "support/LeastSquares.h"
 #include "support/Reference.h"
 
@@ -7,13 +6,7 @@
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstddef>
 #include <numeric>
-#include <string>
-#include <vector>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -96,11 +89,6 @@ nlohmann::json FiguresOf(const std::string& key)
     return LoadReference("bcg_vaccine")["risk_ratio"]["meta_regression_latitude"][key];
 }
 
-double TauSquared(const Regression& regression)
-{
-    return FiguresOf(regression.key).value("tau2", 0.0);
-}
-
 /// The line at x: the intercept of the regression on the distance from x.
 struct Line
 {
@@ -124,52 +112,50 @@ struct Line
 /// Both sides iterate tau², here 0.08, to a step of 1e-12; the line and its band move by the same share.
 constexpr double referenceTolerance = 1e-10;
 
+/// Every study has the weight of the fit, and a place on the line.
+void ExpectStudiesOnTheLine(const MABinModel& model, double tau2)
+{
+    const Row coefficients = model.GetBubbleCoefs()[0];
+    const Row x = model.GetBubbleXs()[0];
+    const Row predicted = model.GetBubblePredVals()[0];
+    const Row weights = model.GetBubbleW()[0];
+    const Row lower = model.GetBubbleCILower()[0];
+    const Row upper = model.GetBubbleCIUpper()[0];
+    ASSERT_EQ(x.size(), 13U);
+    EXPECT_NEAR(std::accumulate(weights.begin(), weights.end(), 0.0), 100.0, 13 * 100 * machineEpsilon);
+    const auto unscaled = [&](std::size_t i) { return weights[i] * (model.GetVariance()[i] + tau2); };
+    for (std::size_t i = 0; i < x.size(); ++i) {
+        const double expected = coefficients[0] + coefficients[1] * x[i];
+        EXPECT_TRUE(Close(predicted[i], expected, 4 * machineEpsilon, 55 * -coefficients[1]));
+        EXPECT_TRUE(Close(lower[i] + upper[i], 2 * predicted[i], 16 * machineEpsilon, upper[i]));
+        EXPECT_GT(upper[i], lower[i]);
+        EXPECT_TRUE(Close(unscaled(i), unscaled(0), referenceTolerance));
+    }
+}
+
 TEST(BubblePlot, HasTheLineOfThePublishedRegression)
 {
     for (const Regression& regression : regressions) {
         SCOPED_TRACE(regression.key);
         const nlohmann::json expected = FiguresOf(regression.key);
+        const double tau2 = expected.value("tau2", 0.0);
         const MABinModel model = Trials(regression.model).PlottedOverLatitude(SettingsOf(regression));
         ASSERT_EQ(model.GetBubbleFlags(), std::vector<int>{1});
         EXPECT_TRUE(Close(model.GetBubbleCoefs()[0], expected["b"].get<Row>(), referenceTolerance));
+        ExpectStudiesOnTheLine(model, tau2);
 
         // The adjusted error of the slope is the unadjusted one by the factor that the band has, too.
         const double factor =
             regression.isAdjusted ? Number(expected["se"][1]) / Number(FiguresOf("REML_z")["se"][1]) : 1.0;
         const double quantile = regression.distribution == TEST_STUDENT_T ? KXDistFun::IdfT(0.975, 11.0)
                                                                           : KXDistFun::IdfStdNorm(0.975);
-        const std::vector<double> curveX = model.GetBubbleCICurveX()[0];
-        ASSERT_EQ(curveX, (std::vector<double>{13, 34, 55}));
+        const Row curveX = model.GetBubbleCICurveX()[0];
+        ASSERT_EQ(curveX, (Row{13, 34, 55}));
         for (std::size_t i = 0; i < curveX.size(); ++i) {
-            const Line line(model, TauSquared(regression), curveX[i]);
+            const Line line(model, tau2, curveX[i]);
             const double margin = quantile * factor * line.stdError;
             EXPECT_TRUE(Close(model.GetBubbleCICurveLower()[0][i], line.value - margin, referenceTolerance));
             EXPECT_TRUE(Close(model.GetBubbleCICurveUpper()[0][i], line.value + margin, referenceTolerance));
-        }
-    }
-}
-
-TEST(BubblePlot, StudiesHaveTheWeightsOfTheFitAndAPlaceOnTheLine)
-{
-    for (const Regression& regression : regressions) {
-        SCOPED_TRACE(regression.key);
-        const MABinModel model = Trials(regression.model).PlottedOverLatitude(SettingsOf(regression));
-        const double intercept = model.GetBubbleCoefs()[0][0];
-        const double slope = model.GetBubbleCoefs()[0][1];
-        const std::vector<double> x = model.GetBubbleXs()[0];
-        const std::vector<double> predicted = model.GetBubblePredVals()[0];
-        const std::vector<double> weights = model.GetBubbleW()[0];
-        const std::vector<double> lower = model.GetBubbleCILower()[0];
-        const std::vector<double> upper = model.GetBubbleCIUpper()[0];
-        ASSERT_EQ(x.size(), 13U);
-        EXPECT_NEAR(std::accumulate(weights.begin(), weights.end(), 0.0), 100.0, 13 * 100 * machineEpsilon);
-        const double tau2 = TauSquared(regression);
-        const auto unscaled = [&](std::size_t i) { return weights[i] * (model.GetVariance()[i] + tau2); };
-        for (std::size_t i = 0; i < x.size(); ++i) {
-            EXPECT_TRUE(Close(predicted[i], intercept + slope * x[i], 4 * machineEpsilon, 55 * -slope));
-            EXPECT_TRUE(Close(lower[i] + upper[i], 2 * predicted[i], 16 * machineEpsilon, upper[i]));
-            EXPECT_GT(upper[i], lower[i]);
-            EXPECT_TRUE(Close(unscaled(i), unscaled(0), referenceTolerance));
         }
     }
 }

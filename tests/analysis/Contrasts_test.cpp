@@ -4,13 +4,6 @@
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <vector>
-
 using namespace MA_NAMESPACE;
 using namespace MAConst;
 

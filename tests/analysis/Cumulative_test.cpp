@@ -2,14 +2,6 @@
 #include "support/Poolings.h"
 #include "support/Published.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <string>
-#include <vector>
-
 using namespace MA_NAMESPACE;
 using namespace MAConst;
 

@@ -1,7 +1,6 @@
 // What the analyses share, tested through both of them.
 
 #include "support/Compare.h"
-#include "support/Data.h"
 #include "support/FaultyRecordIter.h"
 #include "support/FinishedRun.h"
 
@@ -10,13 +9,8 @@
 #include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <cstddef>
 #include <numeric>
 #include <type_traits>
-#include <vector>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -172,17 +166,6 @@ std::vector<int> ExpectedWarnings(const MAModelSettings& settings, std::size_t k
 
 } // namespace
 
-TEST(MABaseModel, NewWarningsAreListedOnce)
-{
-    std::vector<KXStatus> list;
-    EXPECT_TRUE(MABaseModel::AddNewWarning(KXStatus(460040, true), list));
-    EXPECT_FALSE(MABaseModel::AddNewWarning(KXStatus(460040, true), list));
-    EXPECT_FALSE(MABaseModel::AddNewWarning(KXStatus(460001), list));
-    EXPECT_FALSE(MABaseModel::AddNewWarning(KXStatus(), list));
-    EXPECT_TRUE(MABaseModel::AddNewWarning(KXStatus(460041, true), list));
-    EXPECT_EQ(list, (std::vector<KXStatus>{KXStatus(460040, true), KXStatus(460041, true)}));
-}
-
 TEST(MABaseModel, ClassificationOfReadyMadeEffects)
 {
     for (const ReadyMade& row : readyMadeCases) {
@@ -279,7 +262,7 @@ TEST(MABaseModel, DirectBuilds)
     EXPECT_TRUE(model.GetEffectSize().empty());
 }
 
-TEST(MABaseModel, WeightsCopiesAndSecondRun)
+TEST(MABaseModel, WeightsAreInverseVariances)
 {
     ForAllInputs([](auto* driver, const MAModelSettings& settings, const Rows& rows) {
         const RunOf<decltype(driver)> run(settings, rows);
@@ -289,17 +272,5 @@ TEST(MABaseModel, WeightsCopiesAndSecondRun)
             EXPECT_DOUBLE_EQ(weights.at(i), 1 / (run.model.GetTau2Var()[0] + run.model.GetVariance()[i]));
             EXPECT_DOUBLE_EQ(run.model.GetNormalizedWeight().at(i), weights[i] / sum);
         }
-
-        // A run begins afresh, with other data as well; a copy is a copy.
-        auto copy = run.model;
-        EXPECT_EQ(copy.GetWarnings(), run.model.GetWarnings());
-        VectorRecordIter records(rows);
-        EXPECT_TRUE(copy.RUN(records, KXVarList()).IsOK());
-        EXPECT_EQ(copy.GetEstEffectSize(), run.model.GetEstEffectSize());
-        EXPECT_EQ(copy.GetWeight(), weights);
-        VectorRecordIter fewer(Rows(rows.begin(), rows.begin() + 1));
-        EXPECT_TRUE(copy.RUN(fewer, KXVarList()).IsOK());
-        EXPECT_EQ(copy.GetEffectSize().size(), 1U);
-        EXPECT_EQ(run.model.GetEffectSize().size(), rows.size());
     });
 }

@@ -1,13 +1,7 @@
-#include "support/Compare.h"
 #include "support/PooledFigures.h"
 
 #include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/settings/MAStatusCode.h"
-
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
 
 using namespace MA_NAMESPACE;
 
@@ -32,6 +26,7 @@ const Measure measures[] = {
     {"hedges_g_adjusted", MAConst::CONT_HEDGES_G, false, true, MAConst::GROUP_CONTROL},
     {"glass_control", MAConst::CONT_GLASS_DELTA, false, false, MAConst::GROUP_CONTROL},
     {"glass_treatment", MAConst::CONT_GLASS_DELTA, false, false, MAConst::GROUP_TREATMENT},
+    {"glass_control", MAConst::CONT_GLASS_DELTA, false, false, static_cast<MAConst::STUDYGROUPTYPE>(7)},
 };
 
 struct Classification
@@ -106,20 +101,6 @@ TEST(MAContModel, RequiredVariables)
     }
 }
 
-TEST(MAContModel, StudiesWithoutEffectAreRemoved)
-{
-    const Row valid = {10, 3, 2, 10, 2, 2};
-    MAModelSettings settings = MeansSettings();
-    settings.SetModelType(MAConst::MODEL_FIXED);
-    const FinishedRun<MAContModel> run(settings, {valid, {10, infinity, 2, 10, infinity, 2}, valid});
-    EXPECT_TRUE(run.status.IsOK());
-    EXPECT_EQ(run.model.GetNonMissingStudyID(), (std::vector<int>{0, 2}));
-    EXPECT_EQ(run.model.GetSampSize(), (Row{20, 20}));
-    EXPECT_EQ(run.model.GetZVal().size(), 2U);
-    EXPECT_DOUBLE_EQ(run.model.GetEstEffectSize().at(0), 0.5);
-    EXPECT_EQ(run.WarningCodes().at(0), MAStatusCode::STUDIES_REMOVED);
-}
-
 TEST(MAContModel, UnknownMeasureHasNoStudies)
 {
     MAModelSettings settings = MeansSettings();
@@ -148,6 +129,7 @@ TEST(MAContModel, GroupSummariesMeetTheReferenceFigures)
             EXPECT_TRUE(run.status.IsOK());
             EXPECT_TRUE(Close(run.model.GetEffectSize(), figures.at("yi").get<Row>(), studyTolerance));
             EXPECT_TRUE(Close(run.model.GetVariance(), figures.at("vi").get<Row>(), studyTolerance));
+            ExpectStudyTests(run.model);
             ExpectPooled<MAContModel>(settings, data.rows, figures.at("pooled"));
         }
     }

@@ -1,16 +1,7 @@
-#include "support/Compare.h"
-#include "support/FinishedRun.h"
 #include "support/Poolings.h"
 
 #include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
-
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
-#include <vector>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;

@@ -1,4 +1,3 @@
-#include "support/Compare.h"
 #include "support/PooledFigures.h"
 #include "support/Poolings.h"
 #include "support/Published.h"
@@ -6,15 +5,8 @@
 
 #include "meta_analysis/settings/MAStatusCode.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
-#include <cstddef>
 #include <random>
-#include <string>
 #include <type_traits>
-#include <vector>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;

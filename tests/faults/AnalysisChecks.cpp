@@ -1,10 +1,7 @@
-#include "faults/AnalysisChecks.h"
-
+#include "faults/RunChecks.h"
 #include "faults/Symmetries.h"
 #include "support/Compare.h"
 
-#include "meta_analysis/analysis/MABinModel.h"
-#include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 
 #include <numeric>

@@ -1,11 +1,8 @@
 #include "faults/Checks.h"
 
-#include "faults/AnalysisChecks.h"
 #include "faults/GeneratedCase.h"
-#include "faults/RegressionChecks.h"
+#include "faults/RunChecks.h"
 
-#include "meta_analysis/analysis/MABinModel.h"
-#include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/regression/MAFEAlgorithm.h"
 #include "meta_analysis/regression/MAREAlgorithm.h"
 

@@ -3,7 +3,6 @@
 #include "faults/ByteStream.h"
 
 #include <string>
-#include <vector>
 
 /// Makes an analysis or a meta-regression from the bytes, computes it, and tells what of the things that hold
 /// for every one does not hold for it; nothing when all is well.

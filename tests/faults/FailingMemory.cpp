@@ -61,6 +61,8 @@ long FailingMemory::LiveCount()
     return live;
 }
 
+// The forms for arrays come down to these.
+
 void* operator new(std::size_t size)
 {
     if (void* const memory = Allocate(size))
@@ -69,16 +71,6 @@ void* operator new(std::size_t size)
 }
 
 void* operator new(std::size_t size, const std::nothrow_t&) noexcept
-{
-    return Allocate(size);
-}
-
-void* operator new[](std::size_t size)
-{
-    return operator new(size);
-}
-
-void* operator new[](std::size_t size, const std::nothrow_t&) noexcept
 {
     return Allocate(size);
 }
@@ -94,21 +86,6 @@ void operator delete(void* memory, std::size_t) noexcept
 }
 
 void operator delete(void* memory, const std::nothrow_t&) noexcept
-{
-    Release(memory);
-}
-
-void operator delete[](void* memory) noexcept
-{
-    Release(memory);
-}
-
-void operator delete[](void* memory, std::size_t) noexcept
-{
-    Release(memory);
-}
-
-void operator delete[](void* memory, const std::nothrow_t&) noexcept
 {
     Release(memory);
 }

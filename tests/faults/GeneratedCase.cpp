@@ -1,11 +1,6 @@
 #include "faults/GeneratedCase.h"
 
-#include "support/Compare.h"
 #include "support/Regression.h"
-
-#include <cmath>
-#include <limits>
-#include <string>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;

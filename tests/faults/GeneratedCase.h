@@ -4,7 +4,6 @@
 #include "support/Data.h"
 
 #include "meta_analysis/platform/common/KXVarList.h"
-#include "meta_analysis/settings/MAModelSettings.h"
 #include "meta_analysis/settings/MARegSettings.h"
 
 // Analyses made from a stream of bytes, for the property tests and for the fuzzer. In a tame one the data are

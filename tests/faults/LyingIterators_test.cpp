@@ -4,13 +4,7 @@
 #include "support/Regression.h"
 #include "support/SmallStudyRun.h"
 
-#include "meta_analysis/analysis/MABinModel.h"
-#include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/settings/MAStatusCode.h"
-
-#include <gtest/gtest.h>
-
-#include <vector>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -32,59 +26,59 @@ enum Lie : int
 const Lie lies[] = {FEWER_RECORDS, MORE_RECORDS, NO_RECORDS, SHORTER_RECORDS,
                     OTHER_VALUES,  OTHER_ORDER,  PAUSE,      LATE_ERROR};
 
+/// What the records become in a pass with the lie.
+Rows Falsified(Rows rows, Lie lie)
+{
+    if (lie == FEWER_RECORDS)
+        rows.pop_back();
+    else if (lie == MORE_RECORDS)
+        rows.push_back(rows[0]);
+    else if (lie == NO_RECORDS)
+        rows.clear();
+    else if (lie == OTHER_ORDER)
+        std::reverse(rows.begin(), rows.end());
+    for (Row& row : rows) {
+        row.resize(lie == SHORTER_RECORDS ? 1 : row.size());
+        for (double& value : row)
+            value = lie == OTHER_VALUES ? 2.0 * value + 1.0 : value;
+    }
+    return rows;
+}
+
 /// Lies in one pass, of which the first is 1; every start and every rewind begins a pass.
 class LyingRecordIter : public MultiPassRecordIter
 {
 public:
-    LyingRecordIter(const Rows& rows, Lie lie, int pass) : rows_(rows), lie_(lie), pass_(pass) {}
+    LyingRecordIter(const Rows& rows, Lie lie, int pass)
+        : honest_(rows), falsified_(Falsified(rows, lie)), lie_(lie), pass_(pass)
+    {}
 
     bool Start() override
     {
         ++passes_;
-        next_ = 0;
-        hasPaused_ = false;
-        return true;
+        read_ = 0;
+        return Current().Start();
     }
     bool Reset() override { return Start(); }
-    int GetError() const override { return Lies(LATE_ERROR) && next_ == rows_.size() ? 7 : 0; }
-
     const Record* Next() override
     {
-        if (Lies(PAUSE) && next_ == 1 && !hasPaused_) {
-            hasPaused_ = true;
-            return nullptr;
-        }
-        if (next_ == Count())
-            return nullptr;
-        const std::size_t position = Lies(OTHER_ORDER) ? rows_.size() - 1 - next_ : next_ % rows_.size();
-        Row row = rows_[position];
-        if (Lies(SHORTER_RECORDS))
-            row.resize(1);
-        for (double& value : row)
-            value = Lies(OTHER_VALUES) ? 2.0 * value + 1.0 : value;
-        ++next_;
-        record_ = Record(row);
-        return &record_;
+        const bool isPause = ++read_ == 2 && Lies(PAUSE);
+        record_ = isPause ? nullptr : Current().Next();
+        return record_;
     }
+    int GetError() const override { return Lies(LATE_ERROR) && read_ > 0 && record_ == nullptr ? 7 : 0; }
 
 private:
     bool Lies(Lie lie) const { return lie_ == lie && passes_ == pass_; }
-    std::size_t Count() const
-    {
-        if (Lies(FEWER_RECORDS))
-            return rows_.size() - 1;
-        if (Lies(NO_RECORDS))
-            return 0;
-        return rows_.size() + (Lies(MORE_RECORDS) ? 1 : 0);
-    }
+    VectorRecordIter& Current() { return passes_ == pass_ ? falsified_ : honest_; }
 
-    Rows rows_;
+    VectorRecordIter honest_;
+    VectorRecordIter falsified_;
     Lie lie_;
     int pass_;
     int passes_ = 0;
-    std::size_t next_ = 0;
-    bool hasPaused_ = false;
-    Record record_;
+    int read_ = 0;
+    const Record* record_ = nullptr;
 };
 
 /// Groups, contrast and covariate behind the data.

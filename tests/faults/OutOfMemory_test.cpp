@@ -7,17 +7,10 @@
 #include "support/Regression.h"
 #include "support/SmallStudyRun.h"
 
-#include "meta_analysis/analysis/MABinModel.h"
-#include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
 #include <functional>
 #include <memory>
-#include <string>
-#include <vector>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;

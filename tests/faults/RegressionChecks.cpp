@@ -1,9 +1,7 @@
-#include "faults/RegressionChecks.h"
-
+#include "faults/RunChecks.h"
 #include "faults/Symmetries.h"
 #include "support/Regression.h"
 
-#include <algorithm>
 #include <set>
 
 using namespace MA_NAMESPACE;
@@ -111,6 +109,11 @@ void RegressionCheck<Engine>::CheckScores()
             {"lower", {{scores.lower}}}, {"fit", {{scores.fit}}}, {"upper", {{scores.upper}}}};
         Of(listed).Ordered("lower", "fit", "upper");
         leverages += scores.leverage;
+        const double fitted = scores.stdError * scores.stdError;
+        const double residual = scores.residualStdError * scores.residualStdError;
+        if (made_.isTame && !KXMV::IsMissing(scores.residualStdError))
+            violations_.Expect(bool(Close(fitted, scores.leverage * (fitted + residual), rounding, residual)),
+                               "a leverage is the share of the fit in the variance");
         if (made_.isTame)
             violations_.Expect(scores.leverage >= 0.0 && scores.leverage <= 1.0 + rounding,
                                "a leverage is a fraction");

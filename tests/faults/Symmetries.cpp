@@ -2,9 +2,6 @@
 
 #include "support/Compare.h"
 
-#include <cmath>
-#include <cstddef>
-
 void ExpectFollows(const Change& change, std::span<const Trait> traits, const Expectations& before,
                    const Expectations& after)
 {

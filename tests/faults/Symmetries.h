@@ -3,7 +3,6 @@
 #include "faults/Violations.h"
 
 #include <span>
-#include <string>
 
 /// Below it the weighted squares of residuals of ordinary data are rounding errors: the data are multiples of
 /// 1/32.

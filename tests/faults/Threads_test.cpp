@@ -4,14 +4,8 @@
 #include "support/Regression.h"
 #include "support/SmallStudyRun.h"
 
-#include "meta_analysis/analysis/MABinModel.h"
-#include "meta_analysis/analysis/MAContModel.h"
-
-#include <gtest/gtest.h>
-
 #include <functional>
 #include <thread>
-#include <vector>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -26,12 +20,6 @@ const Rows tables = {{12, 88, 20, 80, 1, 1, 0.2}, {15, 85, 25, 75, 1, -1, 0.5}, 
 struct Shared
 {
     Shared()
-        : random(TableSettings()),
-          fixed(TableSettings()),
-          ofEffects(EffectSettings(5)),
-          regression(RegressionOn({2})),
-          rows(RandomStudies(7, 40, 1)),
-          variables(VariablesOf(tables))
     {
         random.SetSubGroupIndex(4);
         random.SetIsTRIMFILL(true);
@@ -43,12 +31,12 @@ struct Shared
         regression.SetEstTauType("REML");
     }
 
-    MAModelSettings random;
-    MAModelSettings fixed;
-    MAModelSettings ofEffects;
-    MARegSettings regression;
-    Rows rows;
-    KXVarList variables;
+    MAModelSettings random = TableSettings();
+    MAModelSettings fixed = TableSettings();
+    MAModelSettings ofEffects = EffectSettings(5);
+    MARegSettings regression = RegressionOn({2});
+    Rows rows = RandomStudies(7, 40, 1);
+    KXVarList variables = VariablesOf(tables);
 };
 
 template <class Driver>

@@ -4,7 +4,6 @@
 
 #include "meta_analysis/settings/MAStatusCode.h"
 
-#include <cmath>
 #include <iomanip>
 #include <sstream>
 #include <stdexcept>

@@ -5,8 +5,6 @@
 #include "meta_analysis/platform/common/KXStatus.h"
 
 #include <algorithm>
-#include <string>
-#include <vector>
 
 /// What was found to be wrong with the results of one analysis.
 class Violations

@@ -1,11 +1,6 @@
 #include "host/ColumnCoding.h"
 #include "support/Compare.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 using namespace host;
 
 namespace {

@@ -5,8 +5,6 @@
 #include <gmock/gmock.h>
 
 #include <functional>
-#include <string>
-#include <vector>
 
 using host::DataTable;
 using host::UnusableInput;
@@ -25,44 +23,37 @@ std::string MessageOf(const std::function<void()>& operation)
     return "(nothing thrown)";
 }
 
-struct ReadableText
+TEST(DataTable, GivesTheFieldsOfReadableTexts)
 {
-    const char* what;
-    std::string text;
-    std::vector<Fields> rows; ///< of the columns a and b
-};
-
-class ReadableTexts : public testing::TestWithParam<ReadableText>
-{};
-
-TEST_P(ReadableTexts, GiveTheirFields)
-{
-    const DataTable table = DataTable::Parse(GetParam().text, "t.csv");
-    const std::size_t a = table.PositionOf("a");
-    const std::size_t b = table.PositionOf("b");
-    std::vector<Fields> rows;
-    for (std::size_t row = 0; row < table.RowCount(); ++row)
-        rows.push_back({std::string(table.Text(row, a)), std::string(table.Text(row, b))});
-    EXPECT_EQ(rows, GetParam().rows) << GetParam().what;
+    const struct
+    {
+        const char* what;
+        std::string text;
+        std::vector<Fields> rows; ///< of the columns a and b
+    } cases[] = {
+        {"plain", "a,b\n1,2\n3,4\n", {{"1", "2"}, {"3", "4"}}},
+        {"no line end at the end", "a,b\n1,2", {{"1", "2"}}},
+        {"CRLF", "a,b\r\n1,2\r\n", {{"1", "2"}}},
+        {"CR", "a,b\r1,2\r3,4", {{"1", "2"}, {"3", "4"}}},
+        {"byte-order mark", "\xEF\xBB\xBF\x61,b\n1,2\n", {{"1", "2"}}},
+        {"empty lines", "\n a , b \n\n1,2\n \t\r\n\n3,4\n\n", {{"1", "2"}, {"3", "4"}}},
+        {"empty fields", "a,b\n,\n1,\n", {{"", ""}, {"1", ""}}},
+        {"quotes",
+         "\"a\",\"b\"\n\"x, y\",\"say \"\"z\"\"\"\n\"two\nlines\",\"\"\n",
+         {{"x, y", "say \"z\""}, {"two\nlines", ""}}},
+        {"columns in another order", "b,c,a\n2,0,1\n", {{"1", "2"}}},
+    };
+    for (const auto& one : cases) {
+        const DataTable table = DataTable::Parse(one.text, "t.csv");
+        std::vector<Fields> rows;
+        for (std::size_t row = 0; row < table.RowCount(); ++row) {
+            rows.emplace_back();
+            for (const char* const column : {"a", "b"})
+                rows.back().emplace_back(table.Text(row, table.PositionOf(column)));
+        }
+        EXPECT_EQ(rows, one.rows) << one.what;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(
-    DataTable, ReadableTexts,
-    testing::Values(ReadableText{"plain", "a,b\n1,2\n3,4\n", {{"1", "2"}, {"3", "4"}}},
-                    ReadableText{"no line end at the end", "a,b\n1,2", {{"1", "2"}}},
-                    ReadableText{"CRLF", "a,b\r\n1,2\r\n", {{"1", "2"}}},
-                    ReadableText{"CR", "a,b\r1,2\r3,4", {{"1", "2"}, {"3", "4"}}},
-                    ReadableText{"byte-order mark",
-                                 "\xEF\xBB\xBF"
-                                 "a,b\n1,2\n",
-                                 {{"1", "2"}}},
-                    ReadableText{
-                        "empty lines", "\n a , b \n\n1,2\n \t\r\n\n3,4\n\n", {{"1", "2"}, {"3", "4"}}},
-                    ReadableText{"empty fields", "a,b\n,\n1,\n", {{"", ""}, {"1", ""}}},
-                    ReadableText{"quotes",
-                                 "\"a\",\"b\"\n\"x, y\",\"say \"\"z\"\"\"\n\"two\nlines\",\"\"\n",
-                                 {{"x, y", "say \"z\""}, {"two\nlines", ""}}},
-                    ReadableText{"columns in another order", "b,c,a\n2,0,1\n", {{"1", "2"}}}));
 
 TEST(DataTableNumber, IsReadWholeAndWhateverTheLocale)
 {

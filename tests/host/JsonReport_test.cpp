@@ -7,8 +7,8 @@
 #include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 
-#include <string>
-#include <vector>
+#include <fstream>
+#include <regex>
 
 using namespace host;
 using nlohmann::json;
@@ -55,6 +55,21 @@ TEST(JsonReport, HasAKeyForEveryGetter)
         for (const auto& [key, value] : report["results"].items())
             written.push_back(key);
         EXPECT_THAT(written, testing::UnorderedElementsAreArray(keys)) << driver.header;
+    }
+}
+
+TEST(JsonReport, HasUnderAKeyWhatTheGetterOfThatNameReturns)
+{
+    for (const char* const source : {"Results.cpp", "RegressionResults.cpp"}) {
+        std::ifstream file(std::string(TESTS_DIR "/../host/") + source);
+        const std::regex entry(R"x(results\["(\w+)"\] = ToJson\(\w+\.(?:Get)?(\w+)\(\)\);)x");
+        int count = 0;
+        for (std::string line; std::getline(file, line);) {
+            std::smatch match;
+            count += std::regex_search(line, match, entry) ? 1 : 0;
+            EXPECT_EQ(match[1], match[2]) << line;
+        }
+        EXPECT_GE(count, 24) << source;
     }
 }
 

@@ -1,30 +1,30 @@
 #include "host/CommandLine.h"
 #include "host/Request.h"
+#include "host/RunProgram.h"
 #include "host/Wording.h"
 
 #include <gtest/gtest.h>
 
-#include <string>
 #include <variant>
-#include <vector>
 
 using namespace host;
 using MA_NAMESPACE::MAModelSettings;
 
 namespace {
 
-using Words = std::vector<const char*>;
-
-Options OptionsOf(Words words)
+Options OptionsOf(const std::string& line)
 {
-    words.insert(words.begin(), "meta-analysis");
-    return std::get<Options>(ParseCommandLine(static_cast<int>(words.size()), words.data()));
+    const Arguments words = Words("meta-analysis " + line);
+    std::vector<const char*> pointers;
+    for (const std::string& word : words)
+        pointers.push_back(word.c_str());
+    return std::get<Options>(ParseCommandLine(static_cast<int>(pointers.size()), pointers.data()));
 }
 
 /// The table's columns are in the order of their names, the options in another one.
-Request RequestOf(const Words& words)
+Request RequestOf(const std::string& line)
 {
-    return MakeRequest(OptionsOf(words), DataTable::Parse("a,b,c,d,e,f\n1,2,3,4,5,6\n", "t.csv"));
+    return MakeRequest(OptionsOf(line), DataTable::Parse("a,b,c,d,e,f\n1,2,3,4,5,6\n", "t.csv"));
 }
 
 std::string ColumnAt(const Request& request, int position)
@@ -32,43 +32,53 @@ std::string ColumnAt(const Request& request, int position)
     return request.variables.GetVarAt(position).name;
 }
 
+constexpr const char* tables = "binary t.csv --treatment-events d --treatment-nonevents c "
+                               "--control-events b --control-nonevents a ";
+constexpr const char* means = "continuous t.csv --treatment-n f --treatment-mean e --control-n c "
+                              "--control-mean b ";
+
 TEST(Request, GivesEachColumnToItsSetting)
 {
-    const Request binary = RequestOf({"binary", "t.csv", "--treatment-events", "d", "--treatment-nonevents",
-                                      "c", "--control-events", "b", "--control-nonevents", "a"});
-    EXPECT_EQ(ColumnAt(binary, binary.settings.GetTreatmentSuccessVarIndex()), "d");
-    EXPECT_EQ(ColumnAt(binary, binary.settings.GetTreatmentFailureVarIndex()), "c");
-    EXPECT_EQ(ColumnAt(binary, binary.settings.GetControlSuccessVarIndex()), "b");
-    EXPECT_EQ(ColumnAt(binary, binary.settings.GetControlFailureVarIndex()), "a");
-
-    const Request mixed =
-        RequestOf({"continuous", "t.csv", "--treatment-n", "f", "--treatment-mean", "e", "--treatment-sd",
-                   "d", "--control-n", "c", "--control-mean", "b", "--control-variance", "a"});
-    EXPECT_EQ(ColumnAt(mixed, mixed.settings.GetTreatmentNVarIndex()), "f");
-    EXPECT_EQ(ColumnAt(mixed, mixed.settings.GetTreatmentMeanVarIndex()), "e");
-    EXPECT_EQ(ColumnAt(mixed, mixed.settings.GetTreatmentStdErrorIndex()), "d");
-    EXPECT_EQ(ColumnAt(mixed, mixed.settings.GetControlNVarIndex()), "c");
-    EXPECT_EQ(ColumnAt(mixed, mixed.settings.GetControlMeanVarIndex()), "b");
-    EXPECT_EQ(ColumnAt(mixed, mixed.settings.GetControlVarianceIndex()), "a");
-    EXPECT_EQ(mixed.settings.GetTreatMentVarianceIndex(), -1);
-    EXPECT_EQ(mixed.settings.GetControlStdErrorIndex(), -1);
-
-    const Request other = RequestOf({"continuous", "t.csv", "--treatment-n", "f", "--treatment-mean", "e",
-                                     "--treatment-variance", "d", "--control-n", "c", "--control-mean", "b",
-                                     "--control-sd", "a"});
-    EXPECT_EQ(ColumnAt(other, other.settings.GetTreatMentVarianceIndex()), "d");
-    EXPECT_EQ(ColumnAt(other, other.settings.GetControlStdErrorIndex()), "a");
-
-    const Request effects = RequestOf({"effects", "t.csv", "--effect-size", "c", "--std-error", "b"});
-    EXPECT_EQ(ColumnAt(effects, effects.settings.GetInputEffectsizeIndex()), "c");
-    EXPECT_EQ(ColumnAt(effects, effects.settings.GetInputStdErrorIndex()), "b");
-    EXPECT_EQ(effects.settings.GetInputVaranceVarIndex(), -1);
+    using S = MAModelSettings;
+    const std::string sdOfTreatment = means + std::string("--treatment-sd d --control-variance a");
+    const std::string sdOfControl = means + std::string("--treatment-variance d --control-sd a");
+    const std::string effects = "effects t.csv --effect-size c --std-error b";
+    const struct
+    {
+        std::string line;
+        int (S::*position)() const;
+        const char* column; ///< null for none
+    } cases[] = {
+        {tables, &S::GetTreatmentSuccessVarIndex, "d"},
+        {tables, &S::GetTreatmentFailureVarIndex, "c"},
+        {tables, &S::GetControlSuccessVarIndex, "b"},
+        {tables, &S::GetControlFailureVarIndex, "a"},
+        {sdOfTreatment, &S::GetTreatmentNVarIndex, "f"},
+        {sdOfTreatment, &S::GetTreatmentMeanVarIndex, "e"},
+        {sdOfTreatment, &S::GetTreatmentStdErrorIndex, "d"},
+        {sdOfTreatment, &S::GetControlNVarIndex, "c"},
+        {sdOfTreatment, &S::GetControlMeanVarIndex, "b"},
+        {sdOfTreatment, &S::GetControlVarianceIndex, "a"},
+        {sdOfTreatment, &S::GetTreatMentVarianceIndex, nullptr},
+        {sdOfTreatment, &S::GetControlStdErrorIndex, nullptr},
+        {sdOfControl, &S::GetTreatMentVarianceIndex, "d"},
+        {sdOfControl, &S::GetControlStdErrorIndex, "a"},
+        {effects, &S::GetInputEffectsizeIndex, "c"},
+        {effects, &S::GetInputStdErrorIndex, "b"},
+        {effects, &S::GetInputVaranceVarIndex, nullptr},
+    };
+    for (const auto& one : cases) {
+        SCOPED_TRACE(&one - cases);
+        const Request request = RequestOf(one.line);
+        const int position = (request.settings.*one.position)();
+        EXPECT_EQ(position == -1, one.column == nullptr);
+        EXPECT_EQ(ColumnAt(request, position), one.column == nullptr ? "" : one.column);
+    }
 }
 
 TEST(Request, HoldsAColumnOnceHoweverOftenItIsNamed)
 {
-    Request request =
-        RequestOf({"effects", "t.csv", "--effect-size", "e", "--variance", "e", "--study", "e"});
+    Request request = RequestOf("effects t.csv --effect-size e --variance e --study e");
     EXPECT_EQ(request.variables.Size(), 1);
     ASSERT_TRUE(request.records.Start());
     EXPECT_EQ(request.records.Next()->Get(request.settings.GetInputVaranceVarIndex()), 5);
@@ -77,30 +87,10 @@ TEST(Request, HoldsAColumnOnceHoweverOftenItIsNamed)
 
 TEST(Request, HasTheFlagsAndNumbersOfTheCommandLine)
 {
-    const Words binary = {"binary",
-                          "t.csv",
-                          "--treatment-events",
-                          "a",
-                          "--treatment-nonevents",
-                          "b",
-                          "--control-events",
-                          "c",
-                          "--control-nonevents",
-                          "d",
-                          "--drop-double-zero",
-                          "--zero-delta",
-                          "0.25",
-                          "--max-iterations",
-                          "7",
-                          "--max-step-halving",
-                          "8",
-                          "--tolerance",
-                          "1e-9",
-                          "--null",
-                          "-2",
-                          "--level",
-                          "0.8"};
-    const MAModelSettings settings = RequestOf(binary).settings;
+    const MAModelSettings settings =
+        RequestOf(tables + std::string("--drop-double-zero --zero-delta 0.25 --max-iterations 7 "
+                                       "--max-step-halving 8 --tolerance 1e-9 --null -2 --level 0.8"))
+            .settings;
     EXPECT_TRUE(settings.GetDropBinZero());
     EXPECT_EQ(settings.GetZeroCountDelta(), 0.25);
     EXPECT_EQ(settings.GetMaxIter(), 7);
@@ -109,63 +99,22 @@ TEST(Request, HasTheFlagsAndNumbersOfTheCommandLine)
     EXPECT_EQ(settings.GetNullHypothesis(), -2);
     EXPECT_EQ(settings.GetCILevel(), 0.8);
 
-    const Words continuous = {"continuous",     "t.csv", "--treatment-n", "a", "--treatment-mean", "b",
-                              "--treatment-sd", "c",     "--control-n",   "d", "--control-mean",   "e",
-                              "--control-sd",   "f"};
-    Words adjusted = continuous;
-    adjusted.push_back("--variance-adjustment");
-    EXPECT_TRUE(RequestOf(adjusted).settings.GetVarianceAdjustment());
-    EXPECT_FALSE(RequestOf(adjusted).settings.GetVarEqualAssumption());
-    Words equal = continuous;
-    equal.push_back("--equal-variances");
-    EXPECT_TRUE(RequestOf(equal).settings.GetVarEqualAssumption());
-    EXPECT_FALSE(RequestOf(equal).settings.GetVarianceAdjustment());
+    for (const bool isEqual : {false, true}) {
+        const std::string flag = isEqual ? "--equal-variances" : "--variance-adjustment";
+        const Request request = RequestOf(means + ("--treatment-sd d --control-sd a " + flag));
+        EXPECT_EQ(request.settings.GetVarEqualAssumption(), isEqual);
+        EXPECT_EQ(request.settings.GetVarianceAdjustment(), !isEqual);
+    }
 }
 
 TEST(Request, HasTheAnalysesOfTheCommandLine)
 {
-    const Words words = {"effects",
-                         "t.csv",
-                         "--effect-size",
-                         "a",
-                         "--variance",
-                         "b",
-                         "--trim-fill",
-                         "quadratic",
-                         "--side",
-                         "2",
-                         "--trim-fill-model",
-                         "fixed",
-                         "--trim-fill-tau2",
-                         "eb",
-                         "--trim-fill-knapp-hartung",
-                         "truncated",
-                         "--small-study-test",
-                         "0",
-                         "--test-intercept",
-                         "off",
-                         "--test-dispersion",
-                         "--funnel-y",
-                         "variance",
-                         "--funnel-points",
-                         "7",
-                         "--contours",
-                         "upper",
-                         "--contour-level",
-                         "0.3",
-                         "--contour-level",
-                         "0.2",
-                         "--center-bubble",
-                         "--bubble-points",
-                         "9",
-                         "--descending",
-                         "--contrast",
-                         "f",
-                         "--contrast",
-                         "a",
-                         "--bubble",
-                         "d"};
-    const Request request = RequestOf(words);
+    const Request request = RequestOf(
+        "effects t.csv --effect-size a --variance b --trim-fill quadratic --side 2 --trim-fill-model fixed "
+        "--trim-fill-tau2 eb --trim-fill-knapp-hartung truncated --small-study-test 0 --test-intercept off "
+        "--test-dispersion --funnel-y variance --funnel-points 7 --contours upper --contour-level 0.3 "
+        "--contour-level 0.2 --center-bubble --bubble-points 9 --descending --contrast f --contrast a "
+        "--bubble d");
     const MAModelSettings& settings = request.settings;
     EXPECT_TRUE(settings.GetIsTRIMFILL());
     EXPECT_EQ(settings.GetTrimFillMethod(), MAConst::TRIM_QUADRATIC);
@@ -196,10 +145,10 @@ TEST(Request, HasTheAnalysesOfTheCommandLine)
 
 TEST(Request, CodesTextsAndKeepsNumbers)
 {
-    const Words words = {"effects",    "t.csv", "--effect-size", "y",   "--variance", "y",
-                         "--subgroup", "place", "--cumulative",  "year"};
+    const Options options =
+        OptionsOf("effects t.csv --effect-size y --variance y --subgroup place --cumulative year");
     Request request =
-        MakeRequest(OptionsOf(words), DataTable::Parse("y,place,year\n1,b,1990\n2,NA,\n3,a,1e3\n", "t.csv"));
+        MakeRequest(options, DataTable::Parse("y,place,year\n1,b,1990\n2,NA,\n3,a,1e3\n", "t.csv"));
     std::vector<std::string> places;
     std::vector<std::string> years;
     ASSERT_TRUE(request.records.Start());
@@ -214,59 +163,31 @@ TEST(Request, CodesTextsAndKeepsNumbers)
 
 TEST(Wording, SaysWhatTheLibraryDoesWithTheSettings)
 {
-    const Words tables = {
-        "binary",           "t.csv", "--treatment-events",  "a", "--treatment-nonevents", "b",
-        "--control-events", "c",     "--control-nonevents", "d"};
-    const Words effects = {"effects",    "t.csv", "--effect-size", "a",
-                           "--variance", "b",     "--outcome",     "binary"};
+    const std::string random = "random-effects model (restricted maximum likelihood)";
     const struct
     {
-        const Words& command;
-        Words more;
-        const char* model;
+        std::string line;
+        std::string model;
         const char* statistic;
         const char* null;
     } cases[] = {
-        {tables,
-         {"--null", "2"},
-         "random-effects model (restricted maximum likelihood)",
-         "z",
+        {tables + std::string("--null 2"), random, "z",
          "--null 2 is for the fixed-effect model; the null hypothesis here is log OR = 0."},
-        {tables,
-         {"--tau2", "dl", "--knapp-hartung", "truncated"},
-         "random-effects model (DerSimonian-Laird), truncated Knapp-Hartung adjustment",
-         "t",
-         ""},
-        {tables,
-         {"--model", "fixed", "--knapp-hartung", "adjusted", "--null", "0.5"},
-         "fixed-effect model (inverse variance)",
-         "z",
-         "The null hypothesis is log OR = 0.5."},
-        {tables,
-         {"--model", "fixed", "--weights", "mantel-haenszel", "--null", "2"},
-         "fixed-effect model (Mantel-Haenszel)",
-         "z",
-         "The null hypothesis is OR = 2."},
-        {tables,
-         {"--model", "fixed", "--weights", "mantel-haenszel", "--effect", "peto"},
-         "fixed-effect model (Peto)",
-         "z",
-         ""},
-        {tables,
-         {"--weights", "mantel-haenszel"},
-         "random-effects model (restricted maximum likelihood)",
-         "z",
-         ""},
-        {effects,
-         {"--model", "fixed", "--weights", "mantel-haenszel"},
-         "fixed-effect model (inverse variance)",
-         "z",
-         ""},
+        {tables + std::string("--tau2 dl --knapp-hartung truncated"),
+         "random-effects model (DerSimonian-Laird), truncated Knapp-Hartung adjustment", "t", ""},
+        {tables + std::string("--model fixed --knapp-hartung adjusted --null 0.5"),
+         "fixed-effect model (inverse variance)", "z", "The null hypothesis is log OR = 0.5."},
+        {tables + std::string("--model fixed --weights mantel-haenszel --null 2"),
+         "fixed-effect model (Mantel-Haenszel)", "z", "The null hypothesis is OR = 2."},
+        {tables + std::string("--model fixed --weights mantel-haenszel --effect peto"),
+         "fixed-effect model (Peto)", "z", ""},
+        {tables + std::string("--weights mantel-haenszel"), random, "z", ""},
+        {"effects t.csv --effect-size a --variance b --outcome binary --model fixed "
+         "--weights mantel-haenszel",
+         "fixed-effect model (inverse variance)", "z", ""},
     };
     for (const auto& one : cases) {
-        Words words = one.command;
-        words.insert(words.end(), one.more.begin(), one.more.end());
-        const MAModelSettings settings = OptionsOf(words).settings;
+        const MAModelSettings settings = OptionsOf(one.line).settings;
         EXPECT_EQ(WordingOfModel(settings), one.model);
         EXPECT_EQ(WordingOfStatistic(settings), one.statistic);
         EXPECT_EQ(WordingOfNullHypothesis(settings), one.null);

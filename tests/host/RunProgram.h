@@ -2,12 +2,13 @@
 
 #include "host/TemporaryFolder.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 #include <nlohmann/json.hpp>
 #include <sys/wait.h>
 
 #include <cstdlib>
-#include <string>
+#include <iterator>
+#include <sstream>
 #include <vector>
 
 // Runs the program as its users do: as a process.
@@ -53,19 +54,36 @@ inline ProgramRun RunProgram(const Arguments& arguments, const std::string& outp
     return {WIFEXITED(status) ? WEXITSTATUS(status) : -1, folder.Read("output"), folder.Read("errors")};
 }
 
+/// The program tells in a sentence what it cannot use, and writes nothing.
+inline void ExpectRefused(const Arguments& arguments, const std::string& message)
+{
+    const ProgramRun run = RunProgram(arguments);
+    EXPECT_EQ(run.exitStatus, 2);
+    EXPECT_EQ(run.output, "");
+    EXPECT_THAT(run.errors, testing::StartsWith("meta-analysis: "));
+    EXPECT_THAT(run.errors, testing::HasSubstr(message));
+    EXPECT_THAT(run.errors, testing::EndsWith(".\n"));
+}
+
 inline Arguments operator+(Arguments left, const Arguments& right)
 {
     left.insert(left.end(), right.begin(), right.end());
     return left;
 }
 
+/// The words of a command line, parted by blanks.
+inline Arguments Words(const std::string& line)
+{
+    std::istringstream words(line);
+    return {std::istream_iterator<std::string>(words), {}};
+}
+
 /// The commands on the data sets of the tests, which name their columns alike.
 inline Arguments Binary(const std::string& data)
 {
-    return {"binary",           TESTS_DIR "/data/" + data, "--treatment-events",
-            "treatment_events", "--treatment-nonevents",   "treatment_nonevents",
-            "--control-events", "control_events",          "--control-nonevents",
-            "control_nonevents"};
+    return Arguments{"binary", TESTS_DIR "/data/" + data} +
+           Words("--treatment-events treatment_events --treatment-nonevents treatment_nonevents "
+                 "--control-events control_events --control-nonevents control_nonevents");
 }
 
 inline Arguments Bcg(const Arguments& more = {})
@@ -75,16 +93,28 @@ inline Arguments Bcg(const Arguments& more = {})
 
 inline Arguments Continuous(const std::string& data)
 {
-    return {"continuous",       TESTS_DIR "/data/" + data,
-            "--treatment-n",    "treatment_n",
-            "--treatment-mean", "treatment_mean",
-            "--treatment-sd",   "treatment_sd",
-            "--control-n",      "control_n",
-            "--control-mean",   "control_mean",
-            "--control-sd",     "control_sd"};
+    return Arguments{"continuous", TESTS_DIR "/data/" + data} +
+           Words("--treatment-n treatment_n --treatment-mean treatment_mean --treatment-sd treatment_sd "
+                 "--control-n control_n --control-mean control_mean --control-sd control_sd");
 }
 
 inline Arguments Effects(const std::string& data)
 {
     return {"effects", TESTS_DIR "/data/" + data, "--effect-size", "effect", "--variance", "variance"};
+}
+
+inline const Arguments riskRatio = {"--effect", "risk-ratio"};
+
+inline nlohmann::json ResultsOf(const Arguments& arguments)
+{
+    const ProgramRun run = RunProgram(arguments + Arguments{"--json", "-", "--tolerance", "1e-12"});
+    EXPECT_EQ(run.exitStatus, 0) << run.errors;
+    return run.Json()["results"];
+}
+
+inline std::string ReportOf(const Arguments& arguments)
+{
+    const ProgramRun run = RunProgram(arguments);
+    EXPECT_EQ(run.exitStatus, 0) << run.errors;
+    return run.output;
 }

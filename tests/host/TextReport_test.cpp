@@ -2,11 +2,6 @@
 #include "host/TextReport.h"
 #include "support/Compare.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-#include <vector>
-
 using namespace host;
 
 namespace {

@@ -1,15 +1,10 @@
-#include "meta_analysis/platform/common/KXMV.h"
+#include "support/Compare.h"
+
 #include "meta_analysis/platform/regression/FactorLevel.h"
 #include "meta_analysis/platform/regression/KXFactorCounts.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <vector>
-
 namespace {
 
-constexpr double NOT_A_NUMBER = std::numeric_limits<double>::quiet_NaN();
 constexpr int MAX_INT = std::numeric_limits<int>::max();
 
 KXFactorCounts CountsOf(const std::vector<std::vector<double>>& rows, int frequencyVariable,
@@ -29,15 +24,14 @@ TEST(FactorLevel, IsTheNearestIntegerOrNone)
     EXPECT_EQ(FactorLevel(2.4), 2);
     EXPECT_EQ(FactorLevel(2.5), 3);
     EXPECT_EQ(FactorLevel(2147483646.9), MAX_INT);
-    for (const double none : {-1e-300, -0.3, 2147483648.0, 1e300, std::numeric_limits<double>::infinity(),
-                              NOT_A_NUMBER, KXMV::Missing()})
+    for (const double none : {-1e-300, -0.3, 2147483648.0, 1e300, infinity, notANumber, missing})
         EXPECT_EQ(FactorLevel(none), -1) << none;
 }
 
 TEST(KXFactorCounts, CountsRecordsByLevelOfEachFactor)
 {
     const KXFactorCounts counts =
-        CountsOf({{2.0, 7.0}, {1.6, 2e9}, {3.0, 7.0}, {-1.0, 7.0}, {NOT_A_NUMBER, 7.2}, {2.0}}, -1, -1);
+        CountsOf({{2.0, 7.0}, {1.6, 2e9}, {3.0, 7.0}, {-1.0, 7.0}, {notANumber, 7.2}, {2.0}}, -1, -1);
     EXPECT_EQ(counts.GetCount(0, 2), 3.0);
     EXPECT_EQ(counts.GetCount(0, 3), 0.0) << "beyond the factor's size";
     EXPECT_EQ(counts.GetCount(0, -1), 0.0);
@@ -50,13 +44,12 @@ TEST(KXFactorCounts, CountsRecordsByLevelOfEachFactor)
 
 TEST(KXFactorCounts, WeightsByFrequencyAndSkipsRecordsWithoutDependent)
 {
-    const double missing = KXMV::Missing();
     // Two factors, the frequency, the dependent.
     const KXFactorCounts counts = CountsOf({{1.0, 0.0, 2.5, 9.0},
                                             {1.0, 0.0, 4.0, -9.0},
                                             {1.0, 0.0, 100.0, missing},
                                             {1.0, 0.0, missing, 9.0},
-                                            {1.0, 0.0, NOT_A_NUMBER, 9.0},
+                                            {1.0, 0.0, notANumber, 9.0},
                                             {1.0, 0.0, -1.0, 9.0},
                                             {1.0, 0.0, 100.0}},
                                            2, 3);

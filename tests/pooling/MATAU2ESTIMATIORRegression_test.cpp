@@ -4,13 +4,7 @@
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
 #include "meta_analysis/regression/MADesignMatrix.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <functional>
-#include <string>
-#include <vector>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -66,16 +60,28 @@ long double CrudeVariance(const Rows& rows)
     return squares;
 }
 
-/// One scoring step, halved until it can be taken.
-long double Iterated(const std::string& code, const Rows& rows, long double df, long double tau2)
+struct Step
+{
+    long double value;
+    long double termSize; ///< of the terms of which it is the difference
+};
+
+/// The scoring step of an iterative estimator.
+Step StepAt(const std::string& code, const Rows& rows, long double df, long double tau2)
 {
     const auto k = static_cast<long double>(rows.size());
     const QuadraticForms f = Forms(rows, [&](long double v) { return 1 / (v + tau2); });
-    long double step = (k / df * f.yPy - k) / f.weights;
     if (code == "ML")
-        step = (f.yPPy - f.weights) / f.squaredWeights;
+        return {(f.yPPy - f.weights) / f.squaredWeights, (f.yPPy + f.weights) / f.squaredWeights};
     if (code == "REML")
-        step = (f.yPPy - f.trace) / f.tracePP;
+        return {(f.yPPy - f.trace) / f.tracePP, (f.yPPy + f.trace) / f.tracePP};
+    return {(k / df * f.yPy - k) / f.weights, (k / df * f.yPy + k) / f.weights};
+}
+
+/// A step is halved until it can be taken.
+long double Iterated(const std::string& code, const Rows& rows, long double df, long double tau2)
+{
+    long double step = StepAt(code, rows, df, tau2).value;
     while (tau2 + step < 0)
         step /= 2;
     return tau2 + step;
@@ -144,6 +150,41 @@ TEST(MATAU2ESTIMATIORRegression, EqualsTheDefinitionsWithSquareMatrices)
                 const RERegression regression(settings, withRedundant);
                 const auto expected = static_cast<double>(Expected(code, rows, iterations));
                 EXPECT_TRUE(Close(regression.output->GetTau(), expected, 1e-12, 0.1));
+            }
+        }
+    }
+}
+
+/// The first step without moderators, from the Hedges estimate. Where a weight dominates, the residual of its
+/// study is a difference that keeps no more digits than there are beyond the dominance; no other term may
+/// lose any.
+TEST(MATAU2ESTIMATIORRegression, PlainStepIsRightHoweverUnequalTheWeights)
+{
+    for (unsigned seed = 1; seed <= 50; ++seed) {
+        for (const double dominance : {1.0, 1e3, 1e6, 1e10}) {
+            Rows rows = RandomStudies(seed, 6, 0);
+            rows[2][1] /= dominance;
+            std::vector<double> effects, variances;
+            for (const Row& row : rows) {
+                effects.push_back(row[0]);
+                variances.push_back(row[1]);
+            }
+            MATAU2ESTIMATIOR estimator;
+            estimator.SetEffectSizes(&effects);
+            estimator.SetVariances(&variances);
+            estimator.SetConverTol(0);
+            estimator.SetMaxIter(1);
+            estimator.SetMaxStepHalving(100);
+            estimator.ComputeTau2Variance(TAU2_HE);
+            const double start = estimator.GetBetweenStudyVariannce();
+            for (const auto& [type, code] :
+                 {std::pair(TAU2_ML, "ML"), {TAU2_REML, "REML"}, {TAU2_EB, "EB"}}) {
+                SCOPED_TRACE(testing::Message() << code << ", dominance " << dominance << ", seed " << seed);
+                estimator.ComputeTau2Variance(type);
+                const auto expected = static_cast<double>(Iterated(code, rows, 5, start));
+                const auto scale = static_cast<double>(StepAt(code, rows, 5, start).termSize);
+                EXPECT_TRUE(Close(estimator.GetBetweenStudyVariannce(), expected,
+                                  8 * machineEpsilon * dominance, scale));
             }
         }
     }

@@ -4,12 +4,7 @@
 
 #include "meta_analysis/regression/MADataStats.h"
 
-#include <gtest/gtest.h>
-
-#include <cmath>
-#include <limits>
 #include <random>
-#include <vector>
 
 using MA_NAMESPACE::DataStat;
 using MA_NAMESPACE::MADataStats;

@@ -3,12 +3,6 @@
 
 #include "meta_analysis/regression/MADesignMatrix.h"
 
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <string>
-#include <vector>
-
 using namespace MA_NAMESPACE;
 
 namespace {
@@ -193,20 +187,6 @@ TEST(MADesignMatrix, OmegaWeights)
         const MADesignRows& rows = matrix.design.Rows();
         EXPECT_TRUE(Same(rows.weights, c.weight == missing ? Row() : Row{c.weight}));
     }
-}
-
-TEST(MADesignMatrix, StrategiesOnTheirOwn)
-{
-    MADesignRow row;
-    const MAOWVar variance(0, MAConst::OMEGA_VARIANCE);
-    EXPECT_FALSE(variance.check(Record(Row{0.0})));
-    variance.apply(Record(Row{0.0}), row);
-    EXPECT_TRUE(KXMV::IsMissing(row.omegaWeight));
-
-    const Record negative(Row{-1.0});
-    EXPECT_TRUE(MADPSingle(0).check(negative));
-    EXPECT_FALSE(MADPSingle(0, true).check(negative));
-    EXPECT_FALSE(MADPSingle(1).check(negative));
 }
 
 /// Without a dependent no record can be used, but predictors can.

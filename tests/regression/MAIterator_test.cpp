@@ -4,10 +4,6 @@
 
 #include "meta_analysis/regression/MAIterator.h"
 
-#include <gtest/gtest.h>
-
-#include <vector>
-
 using MA_NAMESPACE::MAIterator;
 
 namespace {

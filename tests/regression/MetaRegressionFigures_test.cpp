@@ -3,13 +3,7 @@
 #include "support/Reference.h"
 #include "support/Regression.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <functional>
-#include <string>
-#include <vector>
 
 using namespace MA_NAMESPACE;
 using nlohmann::json;

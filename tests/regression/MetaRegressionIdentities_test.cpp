@@ -5,13 +5,7 @@
 
 #include "meta_analysis/pooling/MARandomEffectModel.h"
 
-#include <gtest/gtest.h>
-
-#include <algorithm>
-#include <cmath>
 #include <numeric>
-#include <string>
-#include <vector>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -111,63 +105,6 @@ TEST(MetaRegressionIdentities, OneFactorWithoutInterceptGivesTheSubgroupMeans)
     EXPECT_EQ(regression.output->GetWaldDf(), 4) << "there is no intercept to leave out";
 }
 
-namespace {
-
-/// Three moderators and a factor: the third is made of the others, a level of the factor of its cells.
-Rows RedundantStudies()
-{
-    Rows rows = RandomStudies(11, 20, 2);
-    for (std::size_t i = 0; i < rows.size(); ++i) {
-        rows[i].push_back(2 * rows[i][2] - 0.5 * rows[i][3] + 1);
-        rows[i].push_back(static_cast<double>(i % 3));
-    }
-    return rows;
-}
-
-template <class Engine>
-void ExpectLeveragesOfOneFit(const MARegSettings& settings, const Rows& rows, double scale)
-{
-    const Regression<Engine> regression(settings, rows);
-    ASSERT_TRUE(regression.status.IsOK());
-    const double tau2 = regression.output->GetTau();
-    double sum = 0.0;
-    for (const Row& row : rows) {
-        const Scores scores(regression.engine, row);
-        sum += scores.leverage;
-        const double variance = row[1] + tau2;
-        EXPECT_TRUE(Close(scores.stdError * scores.stdError, scale * scores.leverage * variance, rounding));
-        EXPECT_TRUE(
-            Close(scores.stdError * scores.stdError + scores.residualStdError * scores.residualStdError,
-                  scale * variance, rounding));
-        EXPECT_TRUE(Close(scores.fit + scores.residual, row[0], rounding, 1.0));
-    }
-    EXPECT_NEAR(sum, static_cast<double>(regression.output->GetRedundancyInfo().Count()), 1e-12);
-    EXPECT_EQ(regression.output->GetRedundancyInfo().Count(), 5U);
-}
-
-} // namespace
-
-/// A scale of the covariance stays out of the leverages.
-TEST(MetaRegressionIdentities, LeveragesAddUpToTheParameters)
-{
-    const Rows rows = RedundantStudies();
-    MARegSettings settings = RegressionOn({2, 3, 4}, {5});
-    ExpectLeveragesOfOneFit<MAFEAlgorithm>(settings, rows, 1.0);
-    ExpectLeveragesOfOneFit<MAREAlgorithm>(settings, rows, 1.0);
-
-    settings.SetMultiDiser(true);
-    const FERegression dispersed(settings, rows);
-    EXPECT_GT(dispersed.output->GetMultiDisper(), 1.1);
-    ExpectLeveragesOfOneFit<MAFEAlgorithm>(settings, rows, dispersed.output->GetMultiDisper());
-
-    const RERegression plain(settings, rows);
-    settings.SetKnapHartAdjust(true);
-    const RERegression adjusted(settings, rows);
-    const double ratio = adjusted.output->GetBetaStandErr()[0] / plain.output->GetBetaStandErr()[0];
-    EXPECT_GT(std::abs(ratio - 1.0), 1e-3);
-    ExpectLeveragesOfOneFit<MAREAlgorithm>(settings, rows, ratio * ratio);
-}
-
 /// A power of two scales without rounding, and so must everything computed from it, the choice of the
 /// redundant columns included.
 TEST(MetaRegressionIdentities, ScaleOfACovariateScalesItsCoefficientAndNothingElse)
@@ -197,32 +134,6 @@ TEST(MetaRegressionIdentities, ScaleOfACovariateScalesItsCoefficientAndNothingEl
                 EXPECT_TRUE(Same(Scores(regression.engine, scaled[i]).Values(),
                                  Scores(original.engine, rows[i]).Values()));
         }
-    }
-}
-
-TEST(MetaRegressionIdentities, OrderOfTheRecordsDoesNotMatter)
-{
-    const Rows rows = RedundantStudies();
-    for (const char* const code : codes) {
-        SCOPED_TRACE(code);
-        MARegSettings settings = RegressionOn({2, 3, 4}, {5});
-        settings.SetEstTauType(code);
-        const RERegression original(settings, rows);
-        Rows shuffled = rows;
-        std::shuffle(shuffled.begin(), shuffled.end(), std::mt19937(7));
-        const RERegression regression(settings, shuffled);
-        EXPECT_NEAR(regression.output->GetTau(), original.output->GetTau(), iteration);
-        EXPECT_EQ(regression.output->GetRedundancyInfo(), original.output->GetRedundancyInfo());
-        for (std::size_t j = 0; j < original.output->GetEstimation().size(); ++j) {
-            const double stdError = original.output->GetBetaStandErr()[j];
-            EXPECT_EQ(regression.output->GetParameters()[j].GetCategories(),
-                      original.output->GetParameters()[j].GetCategories());
-            EXPECT_TRUE(Close(regression.output->GetEstimation()[j], original.output->GetEstimation()[j],
-                              iteration, stdError));
-            EXPECT_TRUE(Close(regression.output->GetBetaStandErr()[j], stdError, iteration));
-        }
-        EXPECT_TRUE(Close(regression.output->GetWaldChiSquareTest(), original.output->GetWaldChiSquareTest(),
-                          iteration));
     }
 }
 

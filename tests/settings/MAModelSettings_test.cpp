@@ -43,37 +43,6 @@ std::vector<double> CutoffsOf(const S& settings)
 
 } // namespace
 
-TEST(MAModelSettings, Defaults)
-{
-    const S s;
-    const std::vector<int> types = {s.GetOutcomesType(),    s.GetInputESType(),
-                                    s.GetWeightType(),      s.GetModelType(),
-                                    s.GetEstTauType(),      s.GetContinousEstType(),
-                                    s.GetBinaryEstType(),   s.GetGlassDsVarDependentGroup(),
-                                    s.GetRegBaseTestType(), s.GetIsUseIntercept(),
-                                    s.GetMultiDisper()};
-    EXPECT_EQ(types, (std::vector<int>{0, 0, 0, 1, 5, 1, 0, 1, 0, 1, 0}));
-    const std::vector<int> estimation = {
-        s.GetSortType(),           s.GetMaxIter(),        s.GetMaxStepHalving(), s.GetVarEqualAssumption(),
-        s.GetVarianceAdjustment(), s.GetBinZeroAdjType(), s.GetDropBinZero(),    s.GetKnapHartAdjustType()};
-    EXPECT_EQ(estimation, (std::vector<int>{0, 100, 5, 0, 0, 0, 0, 0}));
-    const std::vector<double> values = {s.GetCILevel(), s.GetConnvergenceTol(), s.GetNullHypothesis(),
-                                        s.GetZeroCountDelta()};
-    EXPECT_EQ(values, (std::vector<double>{0.95, 1e-6, 0.0, 0.5}));
-    const std::vector<int> trimFill = {s.GetTrimFillSide(), s.GetTrimFillMethod(),
-                                       s.GetIsTRIMFILL(),   s.GetTFModelType(),
-                                       s.GetTFEstTauType(), s.GetTFKnapHartAdjustType()};
-    EXPECT_EQ(trimFill, (std::vector<int>{0, 0, 0, 1, 5, 0}));
-    const std::vector<int> plots = {s.GetFunnelNPoints(), s.GetFunnelYType(), s.GetFunnelConTourTesType(),
-                                    s.GetCenterBubblePlot(), s.GetBubbleCurveNPoints()};
-    EXPECT_EQ(plots, (std::vector<int>{100, 0, 0, 0, 100}));
-    for (const IndexAccessors& index : indices)
-        EXPECT_EQ((s.*index.get)(), -1);
-    EXPECT_TRUE(s.GetContrastCoefIndex().empty());
-    EXPECT_TRUE(s.GetInputContrastCoef().empty());
-    EXPECT_EQ(CutoffsOf(s), (std::vector<double>{0.01, 0.05, 0.1}));
-}
-
 /// Copies have every index and vector, and are independent; no index shares its place with another.
 TEST(MAModelSettings, Copies)
 {

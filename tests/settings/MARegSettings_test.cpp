@@ -1,13 +1,10 @@
-#include "meta_analysis/platform/common/KXDisplay_940.h"
+#include "support/DisplayOf.h"
+#include "support/Regression.h"
+
 #include "meta_analysis/platform/common/KXQueryCancel.h"
 #include "meta_analysis/settings/MARegSettings.h"
 
 #include <gmock/gmock.h>
-#include <gtest/gtest.h>
-
-#include <limits>
-#include <string>
-#include <vector>
 
 using MA_NAMESPACE::MARegSettings;
 using ::testing::AllOf;
@@ -17,35 +14,10 @@ using Indices = std::vector<int>;
 
 namespace {
 
-KXModelEffect Effect(const Indices& factors, const Indices& covariates)
-{
-    KXModelEffect effect;
-    for (const int factor : factors)
-        effect.AddFactor(factor);
-    for (const int covariate : covariates)
-        effect.AddCovariate(covariate);
-    return effect;
-}
-
 struct NeverCancel : KXQueryCancel
 {
     bool IsCancelled() override { return false; }
 };
-
-struct Listing : KXDisplay_940::Sink
-{
-    void Line(const std::string& line) override { text += line + "; "; }
-    std::string text;
-};
-
-std::string DisplayOf(const MARegSettings& settings)
-{
-    Listing listing;
-    KXDisplay_940::SetSink(&listing);
-    settings.Display();
-    KXDisplay_940::SetSink(nullptr);
-    return listing.text;
-}
 
 } // namespace
 
@@ -93,7 +65,7 @@ TEST(MARegSettings, EffectsListTheirVariablesOnceInOrderOfFirstUse)
     settings.AddFactor(1, 2);
     settings.AddFactor(2, 5);
     settings.AddCovariate(4);
-    for (const KXModelEffect& effect : {Effect({2}, {4}), Effect({2, 1}, {}), Effect({7}, {8, 4})})
+    for (const KXModelEffect& effect : {EffectOf({2}, {4}), EffectOf({2, 1}, {}), EffectOf({7}, {8, 4})})
         EXPECT_TRUE(settings.AddModelEffect(effect));
     const MARegSettings copy = settings;
     EXPECT_TRUE(settings.AddModelEffect(settings.GetModelEffects()[0]));
@@ -112,7 +84,6 @@ TEST(MARegSettings, EffectsListTheirVariablesOnceInOrderOfFirstUse)
 
 TEST(MARegSettings, IsValidWithUsableTolerancesAndStepHalving)
 {
-    const double notANumber = std::numeric_limits<double>::quiet_NaN();
     struct Case
     {
         double logLikelihoodTolerance, parameterTolerance;
@@ -166,7 +137,7 @@ TEST(MARegSettings, DisplaysEverySettingInOrder)
     settings.AddCovariate(5);
     settings.SetFreqWeightVar(0);
     settings.SetRegrWeightVar(7);
-    settings.AddModelEffect(Effect({4}, {5}));
+    settings.AddModelEffect(EffectOf({4}, {5}));
 
     EXPECT_EQ(
         DisplayOf(settings),

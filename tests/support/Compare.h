@@ -1,5 +1,7 @@
 #pragma once
 
+// Brings along the standard headers that nearly every test needs.
+
 #include "meta_analysis/platform/common/KXMV.h"
 
 #include <gtest/gtest.h>
@@ -9,6 +11,7 @@
 #include <cstddef>
 #include <iomanip>
 #include <limits>
+#include <string>
 #include <vector>
 
 constexpr double missing = KXMV::Missing();

@@ -5,9 +5,6 @@
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
-#include "meta_analysis/settings/MAModelSettings.h"
-
-#include <vector>
 
 /// An analysis of records held in memory, run once; the settings must outlive it.
 template <class Driver>

@@ -5,7 +5,6 @@
 #include <cmath>
 #include <cstddef>
 #include <utility>
-#include <vector>
 
 /// Weighted least squares of records (effect, variance, moderators) on an intercept and all moderators, by
 /// orthogonalization in extended precision: no cross products, whose condition is the square of the design's.

@@ -6,10 +6,6 @@
 
 #include "meta_analysis/analysis/MABaseModel.h"
 
-#include <gtest/gtest.h>
-
-#include <string>
-
 // Comparison of a run's results with the reference figures of a data set.
 
 /// A difference d of a statistic changes a significance by at most 0.5 times its relative difference; the
@@ -23,6 +19,22 @@ constexpr double studyTolerance = 1e-12;
 
 /// The figures and the library stop below a step of 1e-12, slowly converging ones a little before the root.
 constexpr double iterativeTolerance = 1e-9;
+
+/// The studies' own tests and 95% intervals follow from their effects and variances.
+inline void ExpectStudyTests(const MA_NAMESPACE::MABaseModel& model)
+{
+    constexpr double tolerance = 8 * machineEpsilon; // a handful of roundings
+    for (std::size_t i = 0; i < model.GetEffectSize().size(); ++i) {
+        const double effect = model.GetEffectSize()[i];
+        const double stdError = std::sqrt(model.GetVariance()[i]);
+        const double margin = 1.959963984540054 * stdError;
+        EXPECT_TRUE(Close(model.GetStdError().at(i), stdError, tolerance));
+        EXPECT_TRUE(Close(model.GetZVal().at(i), effect / stdError, tolerance));
+        EXPECT_NEAR(model.GetSig().at(i), std::erfc(std::abs(effect / stdError) / std::sqrt(2.0)), 1e-15);
+        EXPECT_TRUE(Close(model.GetCILower().at(i), effect - margin, tolerance, margin));
+        EXPECT_TRUE(Close(model.GetCIUpper().at(i), effect + margin, tolerance, margin));
+    }
+}
 
 inline void ExpectEstimate(const MA_NAMESPACE::MABaseModel& model, double estimate, double stdError,
                            double statistic, double significance, double lower, double upper,

@@ -5,8 +5,6 @@
 
 #include "meta_analysis/analysis/MABinModel.h"
 
-#include <vector>
-
 /// A way to pool 2x2 tables.
 struct Pooling
 {
@@ -42,6 +40,7 @@ using Column = std::vector<double> (BinModel::*)() const;
 using Columns = std::vector<Column>;
 
 /// What a model build appends always, and what as its heterogeneity output.
+
 inline const Columns estimateColumns = {&BinModel::GetEstEffectSize, &BinModel::GetEstStdError,
                                         &BinModel::GetEstZVal,       &BinModel::GetEstSig,
                                         &BinModel::GetEstCILower,    &BinModel::GetEstCIUpper};

@@ -6,8 +6,6 @@
 #include "meta_analysis/analysis/MABinModel.h"
 #include "meta_analysis/analysis/MAContModel.h"
 
-#include <string>
-
 /// A data set with its reference figures, and the settings for its effects: log risk ratios of the trials of
 /// BCG, log odds ratios of those of magnesium, else the ready-made effects. Iterations end below a step of
 /// 1e-12, and steps towards a tau² of 0 are halved as often as that takes.

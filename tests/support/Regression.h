@@ -8,11 +8,9 @@
 #include "meta_analysis/regression/MAREAlgorithm.h"
 #include "meta_analysis/regression/MARegOutputStats.h"
 
-#include <cmath>
 #include <optional>
 #include <random>
 #include <utility>
-#include <vector>
 
 // Meta-regressions of records that hold the effect, its variance, and moderators from position 2 on.
 

@@ -6,7 +6,6 @@
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 
-#include <string>
 #include <utility>
 
 /// A variable for each value of a record.

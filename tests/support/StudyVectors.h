@@ -6,90 +6,53 @@
 #include <gtest/gtest.h>
 
 #include <cstddef>
-#include <utility>
+#include <initializer_list>
 #include <vector>
 
 /// What the statistics classes have in common: they are given pointers to study vectors, whose lengths must
-/// agree. `Setter` is a pointer to a member function; `notGiven` the error of a null vector.
-template <class Model, class Setter>
-class StudyVectors
+/// agree when they are given and when they are used. `notGiven` is the error of a null vector.
+template <class Base, class Vector, class Model>
+void ExpectStudyVectorsChecked(std::initializer_list<KXStatus (Base::*)(Vector*)> setters,
+                               KXStatus (Model::*compute)(), int notGiven)
 {
-public:
-    StudyVectors(std::vector<Setter> setters, KXStatus (Model::*compute)(), int notGiven)
-        : setters_(std::move(setters)), compute_(compute), notGiven_(notGiven)
-    {}
-
-    void ExpectChecked() const
-    {
-        const KXStatus refused(MA_NAMESPACE::MAStatusCode::LENGTH_MISMATCH);
-        for (std::size_t odd = 0; odd < setters_.size(); ++odd) {
-            SCOPED_TRACE(testing::Message() << "vector " << odd);
-            ExpectSticky(odd, refused);
-
-            Given null(*this);
-            (null.model.*setters_[odd])(nullptr);
-            EXPECT_EQ((null.model.*compute_)(), KXStatus(notGiven_));
-
-            Given changed(*this);
-            changed.vectors[odd].push_back(1.0);
-            EXPECT_EQ((changed.model.*compute_)(), refused);
-            EXPECT_EQ((changed.model.*compute_)(), refused);
-
-            Given emptied(*this);
-            emptied.vectors[odd].clear();
-            EXPECT_EQ((emptied.model.*compute_)(), refused);
-        }
-        ExpectEmptyFirst(refused);
-
-        Given allChanged(*this);
-        for (std::vector<double>& vector : allChanged.vectors)
-            vector.clear();
-        EXPECT_EQ((allChanged.model.*compute_)(), refused);
-
-        Given empty(*this, 0);
-        EXPECT_TRUE((empty.model.*compute_)().IsOK());
-    }
-
-private:
-    struct Given
-    {
-        explicit Given(const StudyVectors& inputs, std::size_t length = 3)
-            : vectors(inputs.setters_.size(), std::vector<double>(length, 2.0))
-        {
-            for (std::size_t i = 0; i < vectors.size(); ++i)
-                EXPECT_TRUE((model.*inputs.setters_[i])(&vectors[i]).IsOK());
-        }
-
+    const KXStatus refused(MA_NAMESPACE::MAStatusCode::LENGTH_MISMATCH);
+    const std::vector<KXStatus (Base::*)(Vector*)> set(setters);
+    const auto expectStatus = [&](std::size_t length, auto change, const KXStatus& expected) {
         Model model;
-        std::vector<std::vector<double>> vectors;
+        std::vector<std::vector<double>> vectors(set.size(), std::vector<double>(length, 2.0));
+        for (std::size_t i = 0; i < set.size(); ++i)
+            EXPECT_TRUE((model.*set[i])(&vectors[i]).IsOK());
+        change(model, vectors);
+        EXPECT_EQ((model.*compute)(), expected);
+        EXPECT_EQ((Model(model).*compute)(), expected) << "of a copy";
     };
-
-    /// A refused vector leaves an error that every other setter and the computation return.
-    void ExpectSticky(std::size_t odd, const KXStatus& refused) const
-    {
-        Given given(*this);
-        std::vector<double> longer(4, 2.0);
-        EXPECT_EQ((given.model.*setters_[odd])(&longer), refused);
-        for (std::size_t i = 0; i < setters_.size(); ++i)
-            EXPECT_EQ((given.model.*setters_[i])(&given.vectors[i]), refused);
-        EXPECT_EQ((given.model.*compute_)(), refused);
-        Model copy(given.model);
-        EXPECT_EQ((copy.*compute_)(), refused);
+    std::vector<double> longer(4, 2.0);
+    for (std::size_t odd = 0; odd < set.size(); ++odd) {
+        SCOPED_TRACE(testing::Message() << "vector " << odd);
+        for (const std::size_t length : {0U, 4U})
+            expectStatus(
+                3, [&](Model&, auto& vectors) { vectors[odd].resize(length, 2.0); }, refused);
+        expectStatus(
+            3, [&](Model& model, auto&) { (model.*set[odd])(nullptr); }, KXStatus(notGiven));
+        const auto refuse = [&](Model& model, auto& vectors) {
+            EXPECT_EQ((model.*set[odd])(&longer), refused);
+            for (std::size_t i = 0; i < set.size(); ++i)
+                EXPECT_EQ((model.*set[i])(&vectors[i]), refused) << "the error stays";
+        };
+        expectStatus(3, refuse, refused);
     }
+    const auto clear = [](Model&, auto& vectors) {
+        for (std::vector<double>& vector : vectors)
+            vector.clear();
+    };
+    expectStatus(3, clear, refused);
+    expectStatus(
+        0, [](Model&, auto&) {}, KXStatus());
 
-    /// An empty first vector does not fix the study count; the computation finds the difference.
-    void ExpectEmptyFirst(const KXStatus& refused) const
-    {
-        std::vector<double> none;
-        std::vector<double> three(3, 2.0);
-        Model model;
-        EXPECT_TRUE((model.*setters_[0])(&none).IsOK());
-        for (std::size_t i = 1; i < setters_.size(); ++i)
-            EXPECT_TRUE((model.*setters_[i])(&three).IsOK());
-        EXPECT_EQ((model.*compute_)(), refused);
-    }
-
-    std::vector<Setter> setters_;
-    KXStatus (Model::*compute_)();
-    int notGiven_;
-};
+    // An empty first vector does not fix the study count; the computation finds the difference.
+    Model model;
+    std::vector<double> none;
+    for (std::size_t i = 0; i < set.size(); ++i)
+        EXPECT_TRUE((model.*set[i])(i == 0 ? &none : &longer).IsOK());
+    EXPECT_EQ((model.*compute)(), refused);
+}

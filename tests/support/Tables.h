@@ -2,8 +2,6 @@
 
 #include "support/Data.h"
 
-#include <vector>
-
 /// Count vectors of 2x2 tables; a row is treatment events and non-events, control events and non-events.
 struct Tables
 {

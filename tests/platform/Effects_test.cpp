@@ -1,4 +1,7 @@
+// The effects of a model and the parameters that stand for them.
+
 #include "meta_analysis/platform/regression/KXModelEffect.h"
+#include "meta_analysis/platform/regression/KXRegrParameter.h"
 
 #include <gtest/gtest.h>
 
@@ -44,4 +47,27 @@ TEST(KXModelEffect, RefusesWhatIsNoProductAndStaysAsItWas)
     EXPECT_TRUE(effect.AddCovariate(1));
     EXPECT_EQ(effect.GetCovMultiplicities(), (Indices{maxInt}));
     EXPECT_EQ(effect.GetVariables(), (Indices{0, 1}));
+}
+
+TEST(KXRegrParameter, StandsForTheInterceptOrACellOfAnEffect)
+{
+    KXModelEffect interaction;
+    interaction.AddCovariate(2, 2);
+    interaction.AddFactor(1);
+    KXRegrParameter parameter;
+    EXPECT_TRUE(parameter.IsIntercept());
+    EXPECT_EQ(parameter.GetEffectNumber(), -1);
+
+    parameter.SetupFromEffect(interaction, 4, 0);
+    parameter.SetCategories({3});
+    const KXRegrParameter cell = parameter;
+    parameter.SetupFromEffect(KXModelEffect(), 0, 0);
+    EXPECT_TRUE(parameter.IsIntercept());
+    EXPECT_TRUE(parameter.GetCategories().empty()) << "those of the effect before";
+    EXPECT_FALSE(cell.IsIntercept());
+    EXPECT_EQ(cell.GetEffectNumber(), 4);
+    EXPECT_EQ(cell.GetFactors(), std::vector<int>{1});
+    EXPECT_EQ(cell.GetCategories(), std::vector<int>{3});
+    EXPECT_EQ(cell.GetCovariates(), std::vector<int>{2});
+    EXPECT_EQ(cell.GetCovMultiplicities(), std::vector<int>{2});
 }

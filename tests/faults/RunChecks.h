@@ -7,3 +7,7 @@
 /// `Driver` is MABinModel or MAContModel.
 template <class Driver>
 void CheckAnalysis(const AnalysisCase& made, Violations& violations);
+
+/// Builds a meta-regression and checks what holds for any. `Engine` is MAFEAlgorithm or MAREAlgorithm.
+template <class Engine>
+void CheckRegression(const RegressionCase& made, Violations& violations);

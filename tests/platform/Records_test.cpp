@@ -1,0 +1,100 @@
+// Records, their variables, and the bits that mark either.
+
+#include "meta_analysis/platform/common/KXBitSet.h"
+#include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/platform/common/KXVarList.h"
+#include "meta_analysis/platform/common/Record.h"
+#include "meta_analysis/platform/common/VectorRecordIter.h"
+
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <vector>
+
+TEST(KXBitSet, BitsAcrossWordsAndOutside)
+{
+    KXBitSet bits(130);
+    for (const std::size_t position : {0u, 63u, 64u, 129u, 130u, ~0u})
+        bits.Set(position);
+    bits.Clear(64);
+    bits.Clear(130);
+    EXPECT_EQ(bits.Count(), 3u);
+    EXPECT_TRUE(bits.Test(63));
+    EXPECT_FALSE(bits.Test(64));
+    EXPECT_FALSE(bits.Test(130));
+
+    KXBitSet resized = bits;
+    resized.Resize(129);
+    EXPECT_NE(resized, bits);
+    resized.Resize(130);
+    EXPECT_FALSE(resized.Test(129)); // cut off, and clear when it comes back
+    resized.Set(129);
+    EXPECT_EQ(resized, bits);
+}
+
+TEST(KXVarList, PositionsAndNamesAgree)
+{
+    KXVarList original;
+    EXPECT_EQ(original.AddContVar("year", "year of publication"), 0);
+    KXVarList variables = original;
+    EXPECT_EQ(variables.AddCatVar("allocation", "method of allocation"), 1);
+    EXPECT_EQ(variables.AddContVar("year", "a second one"), 2);
+
+    EXPECT_EQ(original.Size(), 1);
+    EXPECT_EQ(variables.FindVariable("year"), 0);
+    EXPECT_EQ(variables.FindVariable("allocation"), 1);
+    EXPECT_EQ(variables.FindVariable("Year"), -1);
+    EXPECT_EQ(variables.GetVarAt(0).type, KXVar::CONTINUOUS);
+    EXPECT_EQ(variables.GetVarAt(1).type, KXVar::CATEGORICAL);
+    EXPECT_EQ(variables.GetVarAt(2).label, "a second one");
+    for (const int outside : {-1, 3})
+        EXPECT_TRUE(variables.GetVarAt(outside).name.empty()) << outside;
+}
+
+TEST(Record, ValuesOutsideAreMissingAndNotStored)
+{
+    Record record({1.5});
+    ASSERT_TRUE(record.Resize(3));
+    record.Set(2, 3.5);
+    EXPECT_FALSE(record.Resize(std::numeric_limits<std::size_t>::max()));
+    for (const int outside : {-1, 3, std::numeric_limits<int>::min(), std::numeric_limits<int>::max()}) {
+        record.Set(outside, 7.0);
+        EXPECT_TRUE(KXMV::IsMissing(record.Get(outside))) << outside;
+    }
+    EXPECT_EQ(record.Size(), 3u);
+    EXPECT_EQ(record.Get(0), 1.5);
+    EXPECT_TRUE(KXMV::IsMissing(record.Get(1)));
+    EXPECT_EQ(record.Get(2), 3.5);
+}
+
+namespace {
+
+std::vector<double> ReadFirstValues(MultiPassRecordIter& records)
+{
+    std::vector<double> values;
+    while (const Record* record = records.Next())
+        values.push_back(record->Get(0));
+    return values;
+}
+
+} // namespace
+
+TEST(VectorRecordIter, EveryPassYieldsTheSameRecords)
+{
+    VectorRecordIter records({{1.0, 2.0}, {3.0}, {5.0, 6.0}});
+    EXPECT_EQ(records.Next(), nullptr); // not started
+    EXPECT_FALSE(records.Reset());
+
+    const std::vector<double> expected = {1.0, 3.0, 5.0};
+    ASSERT_TRUE(records.Start());
+    EXPECT_EQ(ReadFirstValues(records), expected);
+    EXPECT_EQ(records.Next(), nullptr);
+    ASSERT_TRUE(records.Reset());
+    records.Next();
+    ASSERT_TRUE(records.Start()); // in the middle of a pass
+    EXPECT_EQ(ReadFirstValues(records), expected);
+
+    VectorRecordIter none(std::vector<Record>{});
+    EXPECT_TRUE(none.Start());
+    EXPECT_EQ(none.Next(), nullptr);
+}
