@@ -313,6 +313,34 @@ TEST(MARegAlgorithm, Lifecycle)
     EXPECT_EQ(output.GetParameters().size(), 2U);
 }
 
+namespace {
+
+template <class Engine>
+void ExpectParts(void (Engine::*use)(bool), std::size_t testCount)
+{
+    const MARegSettings settings = RegressionOn({2});
+    VectorRecordIter records(RandomStudies(81, 12, 1));
+    Engine engine(settings);
+    (engine.*use)(true);
+    EXPECT_TRUE(engine.BuildModel(records).IsOK());
+    EXPECT_TRUE(engine.IsModelBuilt());
+    const MARegOutputStats output(settings, engine);
+    EXPECT_EQ(output.GetEstimation().size(), 2U);
+    EXPECT_EQ(output.GetBetaStandErr().size(), testCount);
+    EXPECT_TRUE(Same(output.GetResHomoChiSqure(), missing));
+}
+
+} // namespace
+
+/// The small-study test wants coefficients with their tests, the bubble plot coefficients alone.
+TEST(MARegAlgorithm, LeavesOutWhatTheCallerDoesNotWant)
+{
+    ExpectParts<MAFEAlgorithm>(&MAFEAlgorithm::setUsedByRegBaseTest, 2);
+    ExpectParts<MAREAlgorithm>(&MAREAlgorithm::setUsedByRegBaseTest, 2);
+    ExpectParts<MAFEAlgorithm>(&MAFEAlgorithm::setUsedByBubbPlot, 0);
+    ExpectParts<MAREAlgorithm>(&MAREAlgorithm::setUsedByBubbPlot, 0);
+}
+
 /// The Knapp-Hartung flag gives a fixed-effect model t tests and nothing else.
 TEST(MARegAlgorithm, FixedEffectsHaveNoRandomOnes)
 {
