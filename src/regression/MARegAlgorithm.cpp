@@ -44,7 +44,7 @@ bool MARegAlgorithm::AreParamsCreated() const
 
 KXFactorCounts MARegAlgorithm::GetFactorCounts() const
 {
-    const KXFactorCounts none({}, {}, -1, -1);
+    KXFactorCounts none({}, {}, -1, -1);
     try {
         return design_ == nullptr ? none : design_->GetFactorCounts();
     } catch (const std::exception&) {
