@@ -71,7 +71,8 @@ public:
     /// Rewinds the attached iterator; error 460012 when it cannot.
     KXStatus Rewind();
     /// Reads the attached iterator from its start into `Rows()`. Rows with a bad effect or without a study
-    /// are left out, with the same warning. Errors as `ReadFirstPass`.
+    /// are left out, with the same warning. Errors as `ReadFirstPass`; 460012 also when there are more or
+    /// fewer records than in the first pass.
     KXStatus CacheRows();
 
     /// Whether the rows are cached, so that a regression can be fitted.

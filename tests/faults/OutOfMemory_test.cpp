@@ -302,6 +302,11 @@ TEST(OutOfMemory, Settings)
     ExpectSurvivesShortage("assigned", [&] {
         return [&, settings = std::make_shared<MAModelSettings>()] {
             *settings = filled;
+            FailingMemory::Relent();
+            const bool isComplete = settings->IsComplete();
+            const MAModelSettings& same = *settings;
+            *settings = same;
+            EXPECT_EQ(settings->IsComplete(), isComplete);
             return runOf(*settings);
         };
     });

@@ -164,11 +164,8 @@ TEST(MATAU2ESTIMATIORRegression, PlainStepIsRightHoweverUnequalTheWeights)
         for (const double dominance : {1.0, 1e3, 1e6, 1e10}) {
             Rows rows = RandomStudies(seed, 6, 0);
             rows[2][1] /= dominance;
-            std::vector<double> effects, variances;
-            for (const Row& row : rows) {
-                effects.push_back(row[0]);
-                variances.push_back(row[1]);
-            }
+            const Row effects = ColumnOf(rows, 0);
+            const Row variances = ColumnOf(rows, 1);
             MATAU2ESTIMATIOR estimator;
             estimator.SetEffectSizes(&effects);
             estimator.SetVariances(&variances);

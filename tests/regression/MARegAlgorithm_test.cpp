@@ -156,6 +156,7 @@ TEST(MARegAlgorithm, SaturatedRandomEffects)
                 continue;
             EXPECT_EQ(KXMV::IsMissing(regression.output->GetBetaStandErr()[1]), !isTruncated);
             EXPECT_EQ(KXMV::IsMissing(regression.output->GetFTestVal()), !isTruncated);
+            EXPECT_TRUE(Same(regression.output->GetFPValue(), missing));
             const Scores scores(regression.engine, rows[0]);
             EXPECT_NEAR(scores.fit, rows[0][0], 1e-12);
             EXPECT_NEAR(scores.leverage, 1.0, 1e-12);

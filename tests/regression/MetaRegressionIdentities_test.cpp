@@ -21,11 +21,8 @@ constexpr double iteration = 1e-11;
 
 MARandomEffectModel Pooled(const Rows& rows, int estimator, KNAPPHADJTYPE adjustment)
 {
-    std::vector<double> effects, variances;
-    for (const Row& row : rows) {
-        effects.push_back(row[0]);
-        variances.push_back(row[1]);
-    }
+    const Row effects = ColumnOf(rows, 0);
+    const Row variances = ColumnOf(rows, 1);
     MARandomEffectModel model;
     model.SetEffectSizes(&effects);
     model.SetVariances(&variances);

@@ -4,6 +4,7 @@
 #include "meta_analysis/settings/MAModelSettings.h"
 
 #include <algorithm>
+#include <cstddef>
 #include <cstdlib>
 #include <fstream>
 #include <stdexcept>
@@ -12,6 +13,15 @@
 
 using Row = std::vector<double>;
 using Rows = std::vector<Row>;
+
+/// One field of every row.
+inline Row ColumnOf(const Rows& rows, std::size_t position)
+{
+    Row column;
+    for (const Row& row : rows)
+        column.push_back(row[position]);
+    return column;
+}
 
 /// The fields of a line of comma-separated values; quotes may enclose one.
 inline std::vector<std::string> SplitLine(const std::string& line)
