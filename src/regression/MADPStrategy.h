@@ -16,7 +16,7 @@ public:
 };
 
 /// The dependent is one variable, which must be there and, if so asked, not negative.
-class META_ANALYSIS_EXPORT MADPSingle : public IMADPStrategy
+class META_ANALYSIS_EXPORT MADPSingle final : public IMADPStrategy
 {
 public:
     explicit MADPSingle(int dependentIndex, bool nonNegative = false)

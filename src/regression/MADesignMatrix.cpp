@@ -15,7 +15,7 @@ namespace {
 
 const KXStatus unusableRecord(MAStatusCode::UNUSABLE_RECORD, true);
 
-std::unique_ptr<IMADPStrategy> DependentStrategy(const MARegSettings& settings)
+std::unique_ptr<MADPSingle> DependentStrategy(const MARegSettings& settings)
 {
     if (settings.GetDependentType() != KXConst::DEPENDENT_SINGLE)
         return nullptr;
@@ -69,11 +69,18 @@ bool MADesignMatrix::HasKnownEffects() const
 
 KXStatus MADesignMatrix::CheckRecord(const Record& record, bool skipDependentAndWeight) const
 {
-    if (!skipDependentAndWeight) {
-        if (dependent_ == nullptr || !dependent_->check(record) || !omegaWeight_->check(record))
-            return unusableRecord;
-    }
-    return HasUsableLevels(record) && HasCovariates(record) ? KXStatus() : unusableRecord;
+    const bool isUsable = HasPredictors(record) && (skipDependentAndWeight || HasDependentAndWeight(record));
+    return isUsable ? KXStatus() : unusableRecord;
+}
+
+bool MADesignMatrix::HasDependentAndWeight(const Record& record) const
+{
+    return dependent_ != nullptr && dependent_->check(record) && omegaWeight_->check(record);
+}
+
+bool MADesignMatrix::HasPredictors(const Record& record) const
+{
+    return HasUsableLevels(record) && HasCovariates(record);
 }
 
 bool MADesignMatrix::HasUsableLevels(const Record& record) const
@@ -101,16 +108,24 @@ KXStatus MADesignMatrix::Update(const Record& record)
 {
     ++totalRecords_;
     const KXStatus usable = CheckRecord(record, false);
-    if (!usable.IsOK())
+    if (!usable.IsOK()) {
+        unusableRecords_.push_back(totalRecords_ - 1);
         return usable;
+    }
     ++completeRecords_;
     completeFrequency_ += 1.0;
     statistics_.Update(record);
+    if (!factors_.empty())
+        CountLevels(record);
+    return usable;
+}
+
+void MADesignMatrix::CountLevels(const Record& record)
+{
     for (MADesignMatrixEffect& effect : effects_)
         effect.CollectLevels(record);
     factorCounts_.Update(record);
     effectFactorCounts_.Update(record);
-    return usable;
 }
 
 KXStatus MADesignMatrix::ReadFirstPass(MultiPassRecordIter& records)
@@ -146,16 +161,27 @@ KXStatus MADesignMatrix::GetRow(const Record& record, MADesignRow& row, bool ski
     if (!usable.IsOK())
         return usable;
     row.Reset(static_cast<std::size_t>(paramSize_));
+    row.isBad = !CodePredictors(record, row.predictors.data());
+    ApplyStudy(record, row);
+    return usable;
+}
+
+/// Codes the effects into a row of zeros; false when one could not be coded.
+bool MADesignMatrix::CodePredictors(const Record& record, double* row) const
+{
     if (hasIntercept_)
-        row.predictors[0] = 1.0;
-    for (const MADesignMatrixEffect& effect : effects_) {
-        if (!effect.Code(record, row.predictors))
-            row.isBad = true;
-    }
+        row[0] = 1.0;
+    bool areCoded = true;
+    for (const MADesignMatrixEffect& effect : effects_)
+        areCoded = effect.Code(record, row) && areCoded;
+    return areCoded;
+}
+
+void MADesignMatrix::ApplyStudy(const Record& record, MADesignRow& row) const
+{
     if (dependent_ != nullptr)
         dependent_->apply(record, row);
     omegaWeight_->apply(record, row);
-    return usable;
 }
 
 void MADesignMatrix::AttachIterator(MultiPassRecordIter& records)
@@ -166,13 +192,6 @@ void MADesignMatrix::AttachIterator(MultiPassRecordIter& records)
 KXStatus MADesignMatrix::Rewind()
 {
     return records_ != nullptr && records_->Reset() ? KXStatus() : KXStatus(MAStatusCode::ITERATOR_FAILED);
-}
-
-KXStatus MADesignMatrix::NextRow(MADesignRow& row, bool skipDependentAndWeight, bool& atEnd)
-{
-    const Record* record = records_ == nullptr ? nullptr : records_->Next();
-    atEnd = record == nullptr;
-    return atEnd ? KXStatus() : GetRow(*record, row, skipDependentAndWeight);
 }
 
 KXStatus MADesignMatrix::CacheRows()
@@ -195,16 +214,14 @@ KXStatus MADesignMatrix::CacheRows()
 KXStatus MADesignMatrix::ReadRows()
 {
     MAProgress progress(*settings_, settings_->GetRecProgressListener());
-    MADesignRow row;
     KXStatus result;
+    auto unusable = unusableRecords_.begin();
     long recordCount = 0;
-    for (bool atEnd = false;; ++recordCount) {
-        const KXStatus usable = NextRow(row, false, atEnd);
-        if (atEnd)
-            break;
-        if (usable.IsOK() && !row.isBad && row.HasStudy())
-            CacheRow(row);
-        else
+    for (; const Record* record = records_->Next(); ++recordCount) {
+        const bool isUsable = unusable == unusableRecords_.end() || *unusable != recordCount;
+        if (!isUsable)
+            ++unusable;
+        if (!isUsable || !CacheRow(*record))
             result = unusableRecord;
         if (!progress.Step())
             return KXStatus(MAStatusCode::ITERATOR_FAILED);
@@ -213,13 +230,24 @@ KXStatus MADesignMatrix::ReadRows()
     return isSound ? result : KXStatus(MAStatusCode::ITERATOR_FAILED);
 }
 
-void MADesignMatrix::CacheRow(const MADesignRow& row)
+/// Appends the row of a usable record; false, and nothing appended, when there is none to fit.
+bool MADesignMatrix::CacheRow(const Record& record)
 {
-    for (const double predictor : row.predictors)
-        rows_.cells.push_back(predictor);
-    rows_.cells.push_back(row.dependent);
-    rows_.weights.push_back(row.omegaWeight);
-    rows_.variances.push_back(1.0 / row.omegaWeight);
+    MADesignRow study; // its predictors are coded where they are kept
+    ApplyStudy(record, study);
+    if (!study.HasStudy())
+        return false;
+    const std::size_t start = rows_.cells.size();
+    rows_.cells.resize(start + rows_.columnCount + 1);
+    double* const row = rows_.cells.data() + start;
+    if (!CodePredictors(record, row)) {
+        rows_.cells.resize(start);
+        return false;
+    }
+    row[rows_.columnCount] = study.dependent;
+    rows_.weights.push_back(study.omegaWeight);
+    rows_.variances.push_back(1.0 / study.omegaWeight);
+    return true;
 }
 
 void MADesignMatrix::Display() const

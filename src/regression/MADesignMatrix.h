@@ -54,9 +54,6 @@ public:
     /// Builds the row of a record; 460031, and the row as it was, when the record is not usable.
     virtual KXStatus GetRow(const Record& record, MADesignRow& row, bool skipDependentAndWeight) const;
 
-    /// The row of the next record of the attached iterator, as `GetRow`; `atEnd` when there is none.
-    virtual KXStatus NextRow(MADesignRow& row, bool skipDependentAndWeight, bool& atEnd);
-
     /// First pass: takes up one record; 460031 when it is not usable.
     virtual KXStatus Update(const Record& record);
 
@@ -95,24 +92,30 @@ public:
     void Display() const;
 
 private:
+    bool HasDependentAndWeight(const Record& record) const;
+    bool HasPredictors(const Record& record) const;
     bool HasUsableLevels(const Record& record) const;
     bool HasCovariates(const Record& record) const;
+    void CountLevels(const Record& record);
     void FixColumns();
     KXStatus ReadRows();
-    void CacheRow(const MADesignRow& row);
+    bool CacheRow(const Record& record);
+    bool CodePredictors(const Record& record, double* row) const;
+    void ApplyStudy(const Record& record, MADesignRow& row) const;
 
     const MARegSettings* settings_;
     std::vector<int> factors_;
     std::vector<int> factorSizes_;
     std::vector<int> covariates_;
-    std::unique_ptr<IMADPStrategy> dependent_; ///< null without a dependent
+    std::unique_ptr<MADPSingle> dependent_; ///< null without a dependent
     std::unique_ptr<IMAOWStrategy> omegaWeight_;
     KXFactorCounts factorCounts_;
     KXFactorCounts effectFactorCounts_;
     MADataStats statistics_;
     long totalRecords_ = 0;
     long completeRecords_ = 0;
-    double completeFrequency_ = 0.0; ///< sum of frequency weights of complete records: 1 for each
+    std::vector<long> unusableRecords_; ///< numbers of the others, which the later passes leave out
+    double completeFrequency_ = 0.0;    ///< sum of frequency weights of complete records: 1 for each
     int paramSize_ = 0;
     std::vector<MADesignMatrixEffect> effects_;
     bool hasIntercept_;

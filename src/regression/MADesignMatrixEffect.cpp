@@ -17,6 +17,8 @@ MADesignMatrixEffect::MADesignMatrixEffect(const KXModelEffect& effect, const st
       covariates_(effect.GetCovariates()),
       multiplicities_(effect.GetCovMultiplicities())
 {
+    if (factors_.empty() && covariates_.size() == 1 && multiplicities_.front() == 1)
+        soleCovariate_ = covariates_.front();
     for (const int factor : factors_) {
         const auto found = std::find(factors.begin(), factors.end(), factor);
         cellCount_ *=
@@ -45,16 +47,6 @@ void MADesignMatrixEffect::FixColumns(int startColumn)
     size_ = static_cast<int>(combinations_.size());
 }
 
-bool MADesignMatrixEffect::Code(const Record& record, std::vector<double>& row) const
-{
-    const int column = ColumnOf(record);
-    if (column < 0)
-        return false;
-    const double product = CovariateProduct(record);
-    row[static_cast<std::size_t>(column)] = product;
-    return std::isfinite(product) && !KXMV::IsMissing(product);
-}
-
 /// Missing when a covariate is missing or a power or product cannot be represented.
 double MADesignMatrixEffect::CovariateProduct(const Record& record) const
 {
@@ -63,9 +55,7 @@ double MADesignMatrixEffect::CovariateProduct(const Record& record) const
         double factor = record.Get(covariates_[i]);
         if (multiplicities_[i] != 1 && !KXPower::Power(factor, multiplicities_[i], factor).IsOK())
             return KXMV::Missing();
-        if (i == 0)
-            product = factor; // what most effects are: a covariate alone
-        else if (!KXPower::Multiply(product, factor, product).IsOK())
+        if (!KXPower::Multiply(product, factor, product).IsOK())
             return KXMV::Missing();
     }
     return product;
@@ -74,8 +64,6 @@ double MADesignMatrixEffect::CovariateProduct(const Record& record) const
 /// -1 for a combination of levels that did not occur in the first pass.
 int MADesignMatrixEffect::ColumnOf(const Record& record) const
 {
-    if (!HasFactors())
-        return start_;
     const auto found = std::partition_point(
         combinations_.begin(), combinations_.end(),
         [&](const std::vector<int>& combination) { return CompareLevels(combination, record) < 0; });

@@ -1,9 +1,11 @@
 #pragma once
 
 #include "meta_analysis/platform/common/Export.h"
+#include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/Record.h"
 #include "meta_analysis/platform/regression/KXModelEffect.h"
 
+#include <cmath>
 #include <set>
 #include <vector>
 
@@ -29,9 +31,10 @@ public:
     /// After the first pass: fixes the columns, from `startColumn` on.
     void FixColumns(int startColumn);
 
-    /// Codes the record into a row of zeros. False when it has no column, or a covariate product that is
-    /// missing or not finite.
-    bool Code(const Record& record, std::vector<double>& row) const;
+    /// Codes the record into a row, which has zeros in the columns of the effect. False when it has no
+    /// column, or a covariate product that is missing or not finite. Inline, for it is called for each effect
+    /// of each record.
+    bool Code(const Record& record, double* row) const;
 
     bool HasFactors() const { return !factors_.empty(); }
     int GetStart() const { return start_; }
@@ -52,6 +55,7 @@ private:
     std::vector<int> factors_;
     std::vector<int> covariates_;
     std::vector<int> multiplicities_;
+    int soleCovariate_ = -1; ///< what most effects are: one covariate as it stands, without factors
     double cellCount_ = 1.0;
     int start_ = -1;
     int size_ = 1;
@@ -59,5 +63,15 @@ private:
     std::vector<int> levels_;              ///< of its record; kept for the memory
     std::vector<std::vector<int>> combinations_;
 };
+
+inline bool MADesignMatrixEffect::Code(const Record& record, double* row) const
+{
+    const int column = HasFactors() ? ColumnOf(record) : start_;
+    if (column < 0)
+        return false;
+    const double product = soleCovariate_ >= 0 ? record.Get(soleCovariate_) : CovariateProduct(record);
+    row[column] = product;
+    return std::isfinite(product) && !KXMV::IsMissing(product);
+}
 
 } // namespace MA_NAMESPACE

@@ -130,7 +130,6 @@ public:
 private:
     static constexpr std::size_t stretch = 256;
 
-    double WeightOf(double omegaWeight, double variance) const;
     KXStatus FitRows(bool withSquares);
     void WeighRows(std::size_t first, std::size_t count);
     void AddSquares(std::size_t first, std::size_t count);
