@@ -16,12 +16,13 @@ struct MADesignRow
     double omegaWeight = 1.0; ///< inverse of the study's variance
     bool isBad = false;       ///< an effect of the model could not be coded
 
-    /// Whether there is a study to fit: dependent, weight and its inverse, the variance, are finite, and the
-    /// weight is positive.
+    /// Whether there is a study to fit: the weight is positive, and its inverse, the variance, and the
+    /// weighted square of the dependent, which a fit sums, are finite. The square of a missing dependent is
+    /// not.
     bool HasStudy() const
     {
-        return std::isfinite(dependent) && !KXMV::IsMissing(dependent) && omegaWeight > 0.0 &&
-               std::isfinite(omegaWeight) && std::isfinite(1.0 / omegaWeight);
+        return omegaWeight > 0.0 && std::isfinite(1.0 / omegaWeight) &&
+               std::isfinite(dependent * dependent * omegaWeight);
     }
 
     void Reset(std::size_t columnCount)
