@@ -9,6 +9,7 @@
 #include "meta_analysis/pooling/MARandomEffectModel.h"
 #include "meta_analysis/settings/MAModelSettings.h"
 #include "meta_analysis/settings/MARegSettings.h"
+#include "meta_analysis/settings/MAStatusCode.h"
 
 #include <vector>
 
@@ -124,13 +125,18 @@ protected:
     /// The small-study test of a driver; its results go to the single getters.
     KXStatus RunRegressionTest(MultiPassRecordIter& records, const KXVarList& variables,
                                MAConst::RegBaseTestType type);
-    /// Runs `test` without letting its failure end the run: the host sees missing test values.
+    /// The small-study test of a run goes with trim-and-fill, whose side it decides. Its failure does not end
+    /// the run: the host sees missing test values. Only memory that runs out does; of a test whose estimator
+    /// is a known one, 460060 stands for that too.
     template <class Test>
-    void RunOptionalTest(Test test)
+    KXStatus RunSmallStudyTest(const KXVarList& variables, Test test)
     {
+        if (variables.Size() == 0 || !settings_->GetIsTRIMFILL())
+            return status_;
         const KXStatus before = status_;
-        test();
-        status_ = before;
+        const int code = test().GetCode();
+        const bool isMemory = code == MAStatusCode::OUT_OF_MEMORY || code == MAStatusCode::TAU2_FAILED;
+        return status_ = isMemory ? KXStatus(MAStatusCode::OUT_OF_MEMORY) : before;
     }
 
     /// The test of heterogeneity between the groups; adds to the stored Q.

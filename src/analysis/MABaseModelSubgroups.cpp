@@ -116,9 +116,10 @@ void MABaseModel::ComputeCochranStatistics()
 KXStatus MABaseModel::FixedModelContrastTest()
 {
     return Guarded(status_, [this] {
-        MAContinousFixEffectModel model =
-            NewContFixEffectModel(studies_.effects.effectSize, studies_.effects.variance);
         for (const std::vector<double>& coefficients : studies_.contrastCoefficients) {
+            // A model of its own: one that has no variance leaves z and significance as they were.
+            MAContinousFixEffectModel model =
+                NewContFixEffectModel(studies_.effects.effectSize, studies_.effects.variance);
             model.SetContrastCoef(&coefficients);
             const KXStatus tested = model.ContrastTest();
             AddNewWarning(tested, warnings_);

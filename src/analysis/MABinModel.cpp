@@ -60,8 +60,11 @@ KXStatus MABinModel::RunSteps(MultiPassRecordIter& records, const KXVarList& var
         return status_;
     if (studies_.Count() == 1)
         return status_;
-    if (variables.Size() > 0 && settings_->GetIsTRIMFILL())
-        RunOptionalTest([&] { RegBasedBinTest(records, variables, MAConst::REG_TEST_EFFECT_ON_STD_ERROR); });
+    const KXStatus tested = RunSmallStudyTest(variables, [&] {
+        return RegBasedBinTest(records, variables, MAConst::REG_TEST_EFFECT_ON_STD_ERROR);
+    });
+    if (tested.IsError())
+        return status_;
     RunTrimFillUnlessBinary();
     if (status_.IsError() || ComputePlotStatistics().IsError())
         return status_;

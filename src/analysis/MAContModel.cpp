@@ -55,8 +55,10 @@ KXStatus MAContModel::RunSteps(MultiPassRecordIter& records, const KXVarList& va
         return status_;
     if (studies_.Count() == 1)
         return status_;
-    if (variables.Size() > 0 && settings_->GetIsTRIMFILL())
-        RunOptionalTest([&] { RegBasedContTest(records, variables); });
+    const KXStatus tested =
+        RunSmallStudyTest(variables, [&] { return RegBasedContTest(records, variables); });
+    if (tested.IsError())
+        return status_;
     RunTrimFill();
     if (status_.IsError() || ComputePlotStatistics().IsError())
         return status_;

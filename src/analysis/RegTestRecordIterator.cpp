@@ -121,12 +121,12 @@ void RegTestRecordIterator::AppendTableColumns(const MATable& counts)
         record_.Set(columnCount_ + 1, nonEvents * events / n);
         return;
     }
-    const double score = n * table.a - events * table.TreatmentSize();
-    const double armProduct = table.ControlSize() * table.TreatmentSize();
     const bool usesMargins = test_ == MAConst::REG_TEST_SCORE_VARIANCE;
-    const double variance = usesMargins ? armProduct * events * nonEvents / (n * n * (n - 1.0))
-                                        : armProduct * events / (nonEvents * n);
-    record_.Set(columnCount_, score / (usesMargins ? n : nonEvents) / variance);
+    const double score = usesMargins ? table.ExcessEvents() : table.ExcessEvents() * n / nonEvents;
+    const double variance = usesMargins
+                                ? table.HypergeometricVariance()
+                                : table.ControlSize() * table.TreatmentSize() * events / (nonEvents * n);
+    record_.Set(columnCount_, score / variance);
     record_.Set(columnCount_ + 1, 1.0 / std::sqrt(variance));
     record_.Set(columnCount_ + 2, variance);
 }

@@ -216,13 +216,10 @@ KXStatus MABinaryFixEffectModel::ContrastTestBy(Pooling /*method*/)
 template <class Pooling>
 void MABinaryFixEffectModel::PrepareContrastTerms()
 {
-    contrastEffects_ = studyEffects_;
+    contrastEffects_ = Pooling::onLogScale ? studyLogEffects_ : studyEffects_;
     contrastVariances_.resize(studyCount_);
-    for (std::size_t i = 0; i < studyCount_; ++i) {
-        if constexpr (Pooling::onLogScale)
-            contrastEffects_[i] = std::log(studyEffects_[i]);
+    for (std::size_t i = 0; i < studyCount_; ++i)
         contrastVariances_[i] = Pooling::EffectVariance(TableOf(i));
-    }
 }
 
 } // namespace MA_NAMESPACE

@@ -50,7 +50,9 @@ private:
     double sq_ = 0.0;
 };
 
-/// Mantel-Haenszel risk ratio with the variance of Greenland and Robins (1985), Biometrics 41, 55-68.
+/// Mantel-Haenszel risk ratio with the variance of Greenland and Robins (1985), Biometrics 41, 55-68. Their
+/// numerator (nt nc (a + c) - a c n) / n² is summed as the equal (a nt d + c nc b) / n², which does not
+/// cancel.
 class MARiskRatioPooling
 {
 public:
@@ -65,7 +67,7 @@ public:
         const double n = table.Size();
         r_ += table.a * nc / n;
         s_ += Weight(table);
-        p_ += (nc * nt * (table.c + table.a) - table.c * table.a * n) / (n * n);
+        p_ += (table.a * nt * table.d + table.c * nc * table.b) / (n * n);
     }
     double Estimate() const { return std::log(r_ / s_); }
     double Variance() const { return p_ / (s_ * r_); }
@@ -92,7 +94,7 @@ public:
         const double nt = table.TreatmentSize();
         const double nc = table.ControlSize();
         const double n = table.Size();
-        weightedDifferences_ += (table.a * nc - table.c * nt) / n;
+        weightedDifferences_ += table.ExcessEvents();
         weights_ += Weight(table);
         weightedVariances_ +=
             (nt * nt * nt * table.c * table.d + nc * nc * nc * table.a * table.b) / (n * n * nt * nc);

@@ -50,6 +50,8 @@ public:
     KXStatus SetRegCoef(const std::vector<double>* coefficients);
     /// Leverages of the same fit, one per row; copied.
     KXStatus SetDiagH(const std::vector<double>* leverages);
+    /// In place of leverages h, 1 - h: of a row that dominates it has digits that h has lost.
+    KXStatus SetDiagHComplement(std::vector<double> complements);
     /// Number of parameters p that are not redundant; 1, the mean, without a design matrix. Error 460010
     /// above the parameter count.
     KXStatus SetNonRedundantParamSize(int size);
@@ -106,7 +108,7 @@ private:
     const std::vector<double>* variances_ = nullptr;
     const MADesignMatrix* design_ = nullptr;
     std::vector<double> coefficients_;
-    std::vector<double> leverages_;
+    std::vector<double> leverageComplements_; ///< 1 - h
     int parameterCount_ = 1;
     int nonRedundantCount_ = 1;
     int maxIter_ = 100;

@@ -9,6 +9,7 @@
 #include "meta_analysis/settings/Guarded.h"
 
 #include <cmath>
+#include <utility>
 
 namespace MA_NAMESPACE {
 
@@ -59,9 +60,18 @@ KXStatus MATAU2ESTIMATIOR::SetDiagH(const std::vector<double>* leverages)
     if (status_.IsError() || leverages == nullptr)
         return status_;
     return Guarded(status_, [&] {
-        leverages_ = *leverages;
+        leverageComplements_ = *leverages;
+        for (double& complement : leverageComplements_)
+            complement = 1.0 - complement;
         return status_;
     });
+}
+
+KXStatus MATAU2ESTIMATIOR::SetDiagHComplement(std::vector<double> complements)
+{
+    if (!status_.IsError())
+        leverageComplements_ = std::move(complements);
+    return status_;
 }
 
 KXStatus MATAU2ESTIMATIOR::ComputeRegression(MAConst::TAU2ESTIMATOR type)
@@ -126,7 +136,7 @@ void MATAU2ESTIMATIOR::HERegEstimator()
 {
     const MADesignRows& rows = design_->Rows();
     const std::size_t n = rows.Count();
-    if (n != leverages_.size()) {
+    if (n != leverageComplements_.size()) {
         status_ = KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
         return;
     }
@@ -134,7 +144,7 @@ void MATAU2ESTIMATIOR::HERegEstimator()
         return;
     double sum = 0.0;
     for (std::size_t i = 0; i < n; ++i)
-        sum += Square(ResidualOf(i)) - (1.0 - leverages_[i]) * rows.variances[i];
+        sum += Square(ResidualOf(i)) - leverageComplements_[i] * rows.variances[i];
     tau2_ = TruncateAtZero(sum / (static_cast<double>(n) - nonRedundantCount_));
 }
 
@@ -154,7 +164,7 @@ void MATAU2ESTIMATIOR::DLRegEstimator()
 {
     const MADesignRows& rows = design_->Rows();
     const std::size_t n = rows.Count();
-    if (n != leverages_.size()) {
+    if (n != leverageComplements_.size()) {
         status_ = KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
         return;
     }
@@ -162,7 +172,7 @@ void MATAU2ESTIMATIOR::DLRegEstimator()
     double c = 0.0;
     for (std::size_t i = 0; i < n; ++i) {
         q += Square(ResidualOf(i)) * rows.weights[i];
-        c += (1.0 - leverages_[i]) * rows.weights[i];
+        c += leverageComplements_[i] * rows.weights[i];
     }
     const double df = static_cast<double>(n) - nonRedundantCount_;
     // Without residual degrees of freedom c is 0 but for rounding, and so is q.

@@ -36,6 +36,13 @@ bool AreAllIn(const std::vector<int>& variables, const std::vector<int>& known)
     });
 }
 
+/// Of such values a fit can sum the weighted squares.
+bool HaveFiniteSquares(const double* values, std::size_t count, double weight)
+{
+    return std::all_of(values, values + count,
+                       [weight](double value) { return std::isfinite(value * value * weight); });
+}
+
 } // namespace
 
 MADesignMatrix::MADesignMatrix(const MARegSettings& settings)
@@ -240,7 +247,7 @@ bool MADesignMatrix::CacheRow(const Record& record)
     const std::size_t start = rows_.cells.size();
     rows_.cells.resize(start + rows_.columnCount + 1);
     double* const row = rows_.cells.data() + start;
-    if (!CodePredictors(record, row)) {
+    if (!CodePredictors(record, row) || !HaveFiniteSquares(row, rows_.columnCount, study.omegaWeight)) {
         rows_.cells.resize(start);
         return false;
     }

@@ -142,12 +142,11 @@ KXStatus MAREAlgorithm::computeTauFromSJ()
 
 KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::vector<double>* variances)
 {
-    const std::vector<double> leverages = fit.Leverages();
     MATAU2ESTIMATIOR estimator;
     estimator.SetDesignMatrix(design_.get());
     estimator.SetRegCoef(&fit.Coefficients());
     estimator.SetNonRedundantParamSize(fit.NonRedundantCount());
-    estimator.SetDiagH(&leverages);
+    estimator.SetDiagHComplement(fit.LeverageComplements());
     if (variances != nullptr)
         estimator.SetVariances(variances);
     SetIterationLimits(estimator);

@@ -72,7 +72,8 @@ public:
     const std::vector<KXStatus>& GetWarnings() const { return warnings_; }
     /// The regression-based small-study test needs the coefficients and their tests alone.
     void setUsedByRegBaseTest(bool used) { usedByRegBaseTest_ = used; }
-    /// Of the bubble plot, a build yields the coefficients alone.
+    /// Of the bubble plot, a build yields the coefficients alone; its band needs the covariance that the
+    /// small-study test's build scales too.
     void setUsedByBubbPlot(bool used) { usedByBubblePlot_ = used; }
 
     MARegAlgorithm(const MARegAlgorithm&) = delete;

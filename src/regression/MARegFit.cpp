@@ -211,13 +211,11 @@ double MARegFit::ComplementFromOtherRows(std::size_t row) const
     return 1.0 / (1.0 + weights_[row] * spread);
 }
 
-std::vector<double> MARegFit::Leverages() const
+std::vector<double> MARegFit::LeverageComplements() const
 {
-    std::vector<double> leverages(weights_.size());
-    ComputeLeverageComplements(0, leverages.size(), leverages.data());
-    for (double& leverage : leverages)
-        leverage = 1.0 - leverage;
-    return leverages;
+    std::vector<double> complements(weights_.size());
+    ComputeLeverageComplements(0, complements.size(), complements.data());
+    return complements;
 }
 
 /// sum(w_i² x_i'N x_i) = tr(N X'W²X) with N = M X'W²X M: no row is visited again.

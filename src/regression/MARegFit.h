@@ -81,7 +81,8 @@ public:
 
     /// One entry per row; a weight that is not a finite number is 0, which leaves the row out of the fit.
     const std::vector<double>& Weights() const { return weights_; }
-    std::vector<double> Leverages() const;
+    /// 1 - h of every row, with all its digits also where h is all but 1.
+    std::vector<double> LeverageComplements() const;
 
     /// Calls `visit(rows)` for stretch after stretch, in the order of the rows, of a length at which the
     /// fastest cache holds them. Leverages cost O(p²) a row; each that is more than a half, of which there

@@ -39,9 +39,10 @@ public:
     /// Cost: (p + 1)(p + 2) / 2 multiplications and additions, no allocation.
     bool UpdateXX(const std::vector<double>& x, double w) noexcept;
 
-    /// The same for `count` rows of Size() values that lie one after the other at `rows`, with a weight each,
-    /// in their order.
-    void UpdateXX(const double* rows, const double* weights, std::size_t count) noexcept;
+    /// Adds w x x' for `count` rows of Size() values that lie one after the other at `rows`, with a weight
+    /// each: sums of 256 rows one by one, so that the rounding error of many rows stays small. Throws
+    /// std::bad_alloc when memory runs out for the sums of more than 5 columns.
+    void UpdateXX(const double* rows, const double* weights, std::size_t count);
 
     /// Sweeps the predictors `columns` in the order given; `swept` is set to those that could be.
     ///
