@@ -20,9 +20,8 @@ Rows ReadAll(MAIterator& iterator)
 {
     Rows rows;
     while (const Record* record = iterator.Next()) {
-        rows.emplace_back();
-        for (std::size_t i = 0; i < record->Size(); ++i)
-            rows.back().push_back(record->Get(static_cast<int>(i)));
+        EXPECT_EQ(record->Size(), 4U);
+        rows.push_back({record->Get(0), record->Get(1), record->Get(2), record->Get(3)});
     }
     return rows;
 }
@@ -41,9 +40,9 @@ TEST(MAIterator, AppendsEffectSizeAndVarianceToTheHostsRecords)
     ASSERT_EQ(list.Size(), 4);
     EXPECT_EQ(list.GetVarAt(0).type, KXVar::CATEGORICAL);
     EXPECT_EQ(list.GetVarAt(1).name, "year");
-    EXPECT_EQ(list.FindVariable("$effectSize$"), 2);
+    EXPECT_EQ(list.GetVarAt(2).name, "$effectSize$");
     EXPECT_EQ(list.GetVarAt(2).label, "effect Size");
-    EXPECT_EQ(list.FindVariable("$variance$"), 3);
+    EXPECT_EQ(list.GetVarAt(3).name, "$variance$");
     EXPECT_EQ(list.GetVarAt(3).label, "variance");
 
     EXPECT_FALSE(iterator.Reset()) << "not started";
