@@ -1,11 +1,10 @@
-// The effects of a model, the parameters that stand for them, and the levels of factors.
+// The effects of a model, and the levels of factors.
 
 #include "support/Compare.h"
 
 #include "meta_analysis/platform/regression/FactorLevel.h"
 #include "meta_analysis/platform/regression/KXFactorCounts.h"
 #include "meta_analysis/platform/regression/KXModelEffect.h"
-#include "meta_analysis/platform/regression/KXRegrParameter.h"
 
 namespace {
 
@@ -23,44 +22,22 @@ TEST(KXModelEffect, MultipliesDistinctFactorsWithPowersOfCovariates)
     EXPECT_TRUE(effect.IsIntercept());
 
     EXPECT_TRUE(effect.AddCovariate(7));
-    EXPECT_TRUE(effect.AddFactor(4));
+    EXPECT_TRUE(effect.AddFactor(0));
     EXPECT_TRUE(effect.AddCovariate(5, maxInt - 1));
     EXPECT_TRUE(effect.AddFactor(2));
-    EXPECT_FALSE(effect.AddFactor(4)) << "a factor times itself";
+    EXPECT_FALSE(effect.AddFactor(0)) << "a factor times itself";
     EXPECT_FALSE(effect.AddFactor(7)) << "a covariate as factor";
     EXPECT_FALSE(effect.AddCovariate(2)) << "a factor as covariate";
     EXPECT_FALSE(effect.AddCovariate(5, 2)) << "a power beyond int";
     EXPECT_TRUE(effect.AddCovariate(5));
     EXPECT_TRUE(effect.AddCovariate(7));
     EXPECT_FALSE(effect.IsIntercept());
-    EXPECT_EQ(effect.GetFactors(), (Indices{4, 2}));
+    EXPECT_EQ(effect.GetFactors(), (Indices{0, 2}));
     EXPECT_EQ(effect.GetFactorLevels(), (Indices{0, 1}));
     EXPECT_EQ(effect.GetNFactors(), 2);
     EXPECT_EQ(effect.GetCovariates(), (Indices{7, 5}));
     EXPECT_EQ(effect.GetCovMultiplicities(), (Indices{2, maxInt}));
-    EXPECT_EQ(effect.GetVariables(), (Indices{7, 4, 5, 2}));
-}
-
-TEST(KXRegrParameter, StandsForTheInterceptOrACellOfAnEffect)
-{
-    KXModelEffect interaction;
-    interaction.AddCovariate(2, 2);
-    interaction.AddFactor(1);
-    KXRegrParameter parameter;
-    EXPECT_TRUE(parameter.IsIntercept());
-    EXPECT_EQ(parameter.GetEffectNumber(), -1);
-
-    parameter.SetupFromEffect(interaction, 4, 0);
-    parameter.SetCategories({3});
-    EXPECT_FALSE(parameter.IsIntercept());
-    EXPECT_EQ(parameter.GetEffectNumber(), 4);
-    EXPECT_EQ(parameter.GetFactors(), Indices{1});
-    EXPECT_EQ(parameter.GetCategories(), Indices{3});
-    EXPECT_EQ(parameter.GetCovariates(), Indices{2});
-    EXPECT_EQ(parameter.GetCovMultiplicities(), Indices{2});
-    parameter.SetupFromEffect(KXModelEffect(), 0, 0);
-    EXPECT_TRUE(parameter.IsIntercept());
-    EXPECT_TRUE(parameter.GetCategories().empty()) << "those of the effect before";
+    EXPECT_EQ(effect.GetVariables(), (Indices{7, 0, 5, 2}));
 }
 
 TEST(FactorLevel, IsTheNearestIntegerOrNone)

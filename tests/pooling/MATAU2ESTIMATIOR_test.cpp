@@ -73,28 +73,17 @@ long double Iterated(const std::string& code, const Rows& rows, long double tau2
     return tau2 + step;
 }
 
-/// Every estimator as its definition with k x k matrices has it.
+/// The estimators that figures alone do not pin down: an iteration that is cut short, and Hunter and
+/// Schmidt's.
 long double Expected(const std::string& code, const Rows& rows, int iterations)
 {
     const auto k = static_cast<long double>(rows.size());
     const long double df = k - static_cast<long double>(rows[0].size() - 1);
-    const auto one = [](long double) { return 1; };
-    const QuadraticForms unweighted(rows, one);
+    const QuadraticForms unweighted(rows, [](long double) { return 1; });
     if (code == "HS")
         return std::max(0.0L, (unweighted.q - k) / unweighted.precision);
-    if (code == "DL") {
-        const QuadraticForms fixed(rows, [](long double v) { return 1 / v; });
-        return std::max(0.0L, (fixed.yPy - df) / fixed.trace);
-    }
-    if (code == "SJ") {
-        Rows effects = rows;
-        for (Row& row : effects)
-            row.resize(2);
-        const long double crude = QuadraticForms(effects, one).yPy / k;
-        return QuadraticForms(rows, [&](long double v) { return crude / (v + crude); }).yPy / df;
-    }
     long double tau2 = std::max(0.0L, (unweighted.yPy - unweighted.tracePV) / df);
-    for (int i = 0; code != "HE" && i < iterations; ++i)
+    for (int i = 0; i < iterations; ++i)
         tau2 = Iterated(code, rows, tau2);
     return tau2;
 }
@@ -141,8 +130,8 @@ struct Design
 
 } // namespace
 
-/// Each iteration, not the end alone: a wrong denominator of the step would end at the same root. A redundant
-/// column changes nothing.
+/// Each iteration, not the end alone: a wrong denominator of the step would end at the same root. Before the
+/// first there is Hedges' estimate. A redundant column changes nothing.
 TEST(MATAU2ESTIMATIOR, EqualsTheDefinitionsWithSquareMatrices)
 {
     for (unsigned seed = 1; seed <= 25; ++seed) {
@@ -151,7 +140,7 @@ TEST(MATAU2ESTIMATIOR, EqualsTheDefinitionsWithSquareMatrices)
         Rows withRedundant = rows;
         for (Row& row : withRedundant)
             row.resize(4, moderators == 1 ? 1 - 2 * row[2] : 0.7);
-        for (const char* const code : codes) {
+        for (const char* const code : {"HS", "ML", "REML", "EB"}) {
             for (const int iterations : {0, 1, 2, 5}) {
                 SCOPED_TRACE(testing::Message()
                              << code << ", seed " << seed << ", iterations " << iterations);
@@ -267,9 +256,9 @@ TEST(MATAU2ESTIMATIOR, RefusesWhatDoesNotFit)
         estimator.SetVariances(c.weights);
         EXPECT_EQ(estimator.ComputeTau2Variance(static_cast<TAU2ESTIMATOR>(c.type)).GetCode(), c.code);
         EXPECT_EQ(estimator.GetBetweenStudyVariannce(), -1.0);
-        EXPECT_EQ(estimator.SetDiagH(&six).GetCode(), c.code) << "sticky";
-        EXPECT_EQ(estimator.SetRegCoef(&three).GetCode(), c.code);
-        EXPECT_EQ(estimator.SetDesignMatrix(nullptr).GetCode(), c.code);
+        for (const KXStatus& later :
+             {estimator.SetDiagH(&six), estimator.SetRegCoef(&three), estimator.SetDesignMatrix(nullptr)})
+            EXPECT_EQ(later.GetCode(), c.code);
     }
 }
 

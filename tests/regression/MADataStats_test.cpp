@@ -12,25 +12,23 @@ TEST(DataStat, MeanAndStandardDeviation)
 {
     struct Case
     {
-        const char* name;
         Rows values; ///< with their weights
         double mean, stdDeviation;
     };
     const Case cases[] = {
-        {"weighted", {{1, 1}, {4, 2}}, 3, std::sqrt(3.0)},
-        {"far from zero", {{1e9 + 1, 1}, {1e9 + 2, 1}, {1e9 + 3, 1}}, 1e9 + 2, 1},
-        {"missing value", {{7, 3}, {missing, 1}}, 7, 0},
-        {"value without weight", {{5, 0}, {3, 2}}, 3, 0},
-        {"no weight at all", {{5, 0}}, 0, 0},
-        {"no divisor", {{1, 0.5}, {2, 0.5}}, 1.5, 0},
-        {"mean that is rounding error", {{0.1, 1}, {0.2, 1}, {-0.3, 1}}, 0, std::sqrt(0.07)},
+        {{{1, 1}, {4, 2}, {missing, 1}}, 3, std::sqrt(3.0)},
+        {{{1e9 + 1, 1}, {1e9 + 2, 1}, {1e9 + 3, 1}}, 1e9 + 2, 1},
+        {{{5, 0}, {3, 2}}, 3, 0}, // the value without weight plays no part
+        {{{5, 0}}, 0, 0},
+        {{{1, 0.5}, {2, 0.5}}, 1.5, 0},                        // no divisor
+        {{{0.1, 1}, {0.2, 1}, {-0.3, 1}}, 0, std::sqrt(0.07)}, // a mean that is rounding error
     };
     for (const Case& c : cases) {
         DataStat stat(0);
         for (const Row& value : c.values)
             stat.Update(value[0], value[1]);
-        EXPECT_EQ(stat.GetMean(), c.mean) << c.name;
-        EXPECT_DOUBLE_EQ(stat.GetStdDeviation(), c.stdDeviation) << c.name;
+        EXPECT_EQ(stat.GetMean(), c.mean);
+        EXPECT_DOUBLE_EQ(stat.GetStdDeviation(), c.stdDeviation) << "of a mean of " << c.mean;
     }
     DataStat unused(-1);
     unused.Update(5.0, 1.0);

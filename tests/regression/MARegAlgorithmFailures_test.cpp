@@ -64,16 +64,13 @@ TEST(MARegAlgorithmFailures, UnknownEstimatorIsNone)
     MARegSettings settings = RegressionOn({2});
     const double slope = FERegression(settings, rows).output->GetEstimation()[1];
     for (const char* const code : {"", "reml", "REM", "HE "}) {
-        SCOPED_TRACE(code);
         settings.SetEstTauType(code);
         const RERegression random(settings, rows);
-        EXPECT_TRUE(random.status.IsOK());
-        EXPECT_EQ(random.engine.GetEstTauType(), 7);
-        EXPECT_EQ(random.output->GetTau(), 0.0);
-        EXPECT_EQ(random.output->GetRSquare(), 0.0);
-        EXPECT_EQ(random.output->GetIresSquare(), 0.0);
-        EXPECT_EQ(random.output->GetHresSquare(), 1.0);
-        EXPECT_TRUE(Close(random.output->GetEstimation()[1], slope, 1e-13, 1.0));
+        const MARegOutputStats& output = *random.output;
+        EXPECT_EQ(random.engine.GetEstTauType(), 7) << code;
+        EXPECT_EQ((Row{output.GetTau(), output.GetRSquare(), output.GetIresSquare(), output.GetHresSquare()}),
+                  (Row{0.0, 0.0, 0.0, 1.0}));
+        EXPECT_TRUE(Close(output.GetEstimation()[1], slope, 1e-13, 1.0));
     }
 }
 
@@ -247,8 +244,7 @@ TEST(MARegAlgorithmFailures, HostileNumbers)
         {{1e-60, 1e-120, 1}, {-3e-60, 2e-120, 2}, {7e-60, 3e-120, 5}, {2e-60, 1e-120, 7}},
         {{0.1, 1e-30, 1}, {0.2, 1, 2}, {0.3, 1e30, 3}, {0.5, 1, 4}},
         {{0.1, 1, 1e160}, {0.2, 1, -1e160}, {0.3, 1, 3e160}, {0.5, 1, 0}},
-        {{0.1, 1, 1e-170}, {0.2, 1, -1e-170}, {0.3, 1, 3e-170}, {0.5, 1, 0}},
-        {{0.1, 1e-300, 1}, {0.2, 1e-300, 2}, {0.3, 1e-300, 3}, {0.5, 1e-300, 5}},
+        {{0.1, 1e-300, 1e-170}, {0.2, 1e-300, -1e-170}, {0.3, 1e-300, 0}, {0.5, 1e-300, 0}},
         {{0.1, 1e300, 1}, {0.2, 1e300, 2}, {0.3, 1e300, 3}, {0.5, 1e300, 5}},
     };
     const auto hasNaN = [](const std::vector<double>& values) {

@@ -13,7 +13,7 @@ namespace {
 
 // The records' moderators: two normal ones, what is computed from them and from years, and levels.
 constexpr int a = 2, b = 3, combination = 4, zero = 5, year = 6, square = 7, decades = 8, vast = 9;
-constexpr int third = 10, part = 11, far = 12;
+constexpr int constant = 10, third = 11, part = 12, far = 13;
 
 Rows StudiesWithModerators()
 {
@@ -26,6 +26,7 @@ Rows StudiesWithModerators()
         row[square] = row[year] * row[year];
         row[decades] = 200 - 0.1 * row[year];
         row[vast] = 1e120 * row[a];
+        row[constant] = 0.7;
         row[third] = static_cast<double>(i % 3);
         row[part] = row[third] == 2.0 ? 0.0 : static_cast<double>(i % 2);
         row[far] = i % 2 == 0 ? 8.0 : 3.0;
@@ -85,7 +86,7 @@ TEST(MARegAlgorithm, FindsRedundantColumns)
         {"intercept alone", RegressionOn({}), {1}},
         {"combination", RegressionOn({a, b, combination}), {1, 1, 1, 0}},
         {"combination first", RegressionOn({combination, b, a}), {1, 1, 1, 0}},
-        {"constant", RegressionOn({zero, a}), {1, 0, 1}},
+        {"constant", RegressionOn({constant, a}), {1, 0, 1}},
         {"square of years", RegressionOn({year, square}), {1, 1, 1}},
         {"age in decades", RegressionOn({year, decades}), {1, 1, 0}},
         {"extreme scales", RegressionOn({vast, b}), {1, 1, 1}},
@@ -233,7 +234,7 @@ TEST(MARegAlgorithm, ScoresHaveTheirInterval)
 
 TEST(MARegAlgorithm, ParametersFollowTheEffects)
 {
-    const MARegSettings settings = WithEffect(EffectOf({2}, {3}), RegressionOn({3}, {2}));
+    const MARegSettings settings = WithEffect(EffectOf({2}, {3, 3}), RegressionOn({3}, {2}));
     Rows rows = RandomStudies(61, 9, 2);
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i][2] = i % 2 == 0 ? 2.0 : 0.0;
@@ -246,14 +247,22 @@ TEST(MARegAlgorithm, ParametersFollowTheEffects)
     EXPECT_TRUE(engine.AreParamsCreated());
     EXPECT_EQ(engine.GetWarnings(), std::vector<KXStatus>(1, KXStatus(460031, true)));
     EXPECT_EQ(engine.GetFactorCounts().GetCount(0, 2), 5.0);
-    std::vector<std::vector<int>> categories;
-    std::vector<int> effects;
-    for (const KXRegrParameter& parameter : engine.GetParameters()) {
-        categories.push_back(parameter.GetCategories());
-        effects.push_back(parameter.GetEffectNumber());
+
+    using Indices = std::vector<int>;
+    const Indices effects = {-1, 0, 1, 1, 2, 2};
+    const std::vector<Indices> factors = {{}, {}, {2}, {2}, {2}, {2}};
+    const std::vector<Indices> categories = {{}, {}, {0}, {2}, {0}, {2}};
+    const std::vector<Indices> multiplicities = {{}, {1}, {}, {}, {2}, {2}};
+    const std::vector<KXRegrParameter> parameters = engine.GetParameters();
+    ASSERT_EQ(parameters.size(), effects.size());
+    for (std::size_t j = 0; j < parameters.size(); ++j) {
+        EXPECT_EQ(parameters[j].IsIntercept(), j == 0);
+        EXPECT_EQ(parameters[j].GetEffectNumber(), effects[j]);
+        EXPECT_EQ(parameters[j].GetFactors(), factors[j]);
+        EXPECT_EQ(parameters[j].GetCategories(), categories[j]);
+        EXPECT_EQ(parameters[j].GetCovariates(), Indices(multiplicities[j].size(), 3));
+        EXPECT_EQ(parameters[j].GetCovMultiplicities(), multiplicities[j]);
     }
-    EXPECT_EQ(categories, (std::vector<std::vector<int>>{{}, {}, {0}, {2}, {0}, {2}}));
-    EXPECT_EQ(effects, (std::vector<int>{-1, 0, 1, 1, 2, 2}));
     EXPECT_EQ(DisplayOf(engine),
               "MAAlgorithm display start; Effect info:; "
               "Effect number; index 0; start 1; number of values 1; Combinations:; "
@@ -268,13 +277,13 @@ TEST(MARegAlgorithm, EveryBuildBeginsAfresh)
 {
     const MARegSettings settings = RegressionOn({2});
     const Rows rows = RandomStudies(72, 20, 1);
+    VectorRecordIter all(rows);
+    VectorRecordIter few(Rows{rows[0], rows[1], rows[2], rows[3], {missing, 1, 1}});
+    VectorRecordIter none(Rows{{missing, 1, 1}});
     auto engine = std::make_unique<MAREAlgorithm>(settings);
     EXPECT_EQ(Scores(*engine, rows[0]).status, KXStatus(460031, true));
-    VectorRecordIter few(Rows{rows[0], rows[1], rows[2], rows[3], {missing, 1, 1}});
     EXPECT_TRUE(engine->BuildModel(few).IsOK());
-    EXPECT_EQ(engine->GetWarnings().size(), 1U);
     EXPECT_EQ(engine->GetNBadRecords(), 1);
-    VectorRecordIter all(rows);
     EXPECT_TRUE(engine->BuildModel(all).IsOK());
     EXPECT_TRUE(engine->GetWarnings().empty());
     EXPECT_EQ(engine->GetNBadRecords(), 0);
@@ -282,7 +291,6 @@ TEST(MARegAlgorithm, EveryBuildBeginsAfresh)
     EXPECT_TRUE(engine->CreateParameters(all).IsOK());
     EXPECT_FALSE(engine->IsModelBuilt());
     EXPECT_EQ(Scores(*engine, rows[0]).Values(), Row(7, missing));
-    VectorRecordIter none(Rows{{missing, 1, 1}});
     EXPECT_TRUE(engine->BuildModel(none).IsError());
     const MARegOutputStats ofNone(settings, *engine);
     EXPECT_TRUE(ofNone.GetEstimation().empty());
