@@ -6,6 +6,8 @@
 #include "meta_analysis/platform/regression/KXFactorCounts.h"
 #include "meta_analysis/platform/regression/KXModelEffect.h"
 
+#include <utility>
+
 namespace {
 
 using Indices = std::vector<int>;
@@ -53,7 +55,9 @@ TEST(FactorLevel, IsTheNearestIntegerOrNone)
 /// Variables: two factors, of which the second is given twice, the frequency, the dependent.
 TEST(KXFactorCounts, SumFrequenciesByLevelOfEachFactor)
 {
-    KXFactorCounts counts({0, 1, 1}, {3, maxInt}, 2, 3);
+    std::vector<int> sizes = {3, maxInt, maxInt};
+    sizes.pop_back(); // a size read beyond the end would be the one that was there
+    KXFactorCounts counts({0, 1, 1}, std::move(sizes), 2, 3);
     for (const std::vector<double>& row : std::vector<std::vector<double>>{{2.0, 7.0, 2.5, 9.0},
                                                                            {1.6, 2e9, 4.0, -9.0},
                                                                            {3.0, 7.2, 1.0, 9.0},
