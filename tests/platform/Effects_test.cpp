@@ -1,73 +1,82 @@
-// The effects of a model and the parameters that stand for them.
+// The effects of a model, and the levels of factors.
 
+#include "support/Compare.h"
+
+#include "meta_analysis/platform/regression/FactorLevel.h"
+#include "meta_analysis/platform/regression/KXFactorCounts.h"
 #include "meta_analysis/platform/regression/KXModelEffect.h"
-#include "meta_analysis/platform/regression/KXRegrParameter.h"
 
-#include <gtest/gtest.h>
+#include <utility>
 
-#include <limits>
-#include <vector>
+namespace {
 
 using Indices = std::vector<int>;
+constexpr int maxInt = std::numeric_limits<int>::max();
+
+} // namespace
 
 TEST(KXModelEffect, MultipliesDistinctFactorsWithPowersOfCovariates)
 {
-    KXModelEffect effect;
-    EXPECT_TRUE(effect.IsIntercept());
-    EXPECT_TRUE(effect.AddCovariate(7));
-    EXPECT_TRUE(effect.AddFactor(4));
-    EXPECT_TRUE(effect.AddCovariate(5, 3));
-    EXPECT_TRUE(effect.AddFactor(2));
-    EXPECT_TRUE(effect.AddCovariate(7));
-
-    EXPECT_FALSE(effect.IsIntercept());
-    EXPECT_EQ(effect.GetFactors(), (Indices{4, 2}));
-    EXPECT_EQ(effect.GetFactorLevels(), (Indices{0, 1}));
-    EXPECT_EQ(effect.GetNFactors(), 2);
-    EXPECT_EQ(effect.GetCovariates(), (Indices{7, 5}));
-    EXPECT_EQ(effect.GetCovMultiplicities(), (Indices{2, 3}));
-    EXPECT_EQ(effect.GetVariables(), (Indices{7, 4, 5, 2}));
-}
-
-TEST(KXModelEffect, RefusesWhatIsNoProductAndStaysAsItWas)
-{
-    constexpr int maxInt = std::numeric_limits<int>::max();
     KXModelEffect effect;
     EXPECT_FALSE(effect.AddFactor(-1));
     EXPECT_FALSE(effect.AddCovariate(-1));
     EXPECT_FALSE(effect.AddCovariate(1, 0));
     EXPECT_TRUE(effect.IsIntercept());
 
-    ASSERT_TRUE(effect.AddFactor(0));
-    ASSERT_TRUE(effect.AddCovariate(1, maxInt - 1));
+    EXPECT_TRUE(effect.AddCovariate(7));
+    EXPECT_TRUE(effect.AddFactor(0));
+    EXPECT_TRUE(effect.AddCovariate(5, maxInt - 1));
+    EXPECT_TRUE(effect.AddFactor(2));
     EXPECT_FALSE(effect.AddFactor(0)) << "a factor times itself";
-    EXPECT_FALSE(effect.AddFactor(1)) << "a covariate as factor";
-    EXPECT_FALSE(effect.AddCovariate(0)) << "a factor as covariate";
-    EXPECT_FALSE(effect.AddCovariate(1, 2)) << "a power beyond int";
-    EXPECT_TRUE(effect.AddCovariate(1));
-    EXPECT_EQ(effect.GetCovMultiplicities(), (Indices{maxInt}));
-    EXPECT_EQ(effect.GetVariables(), (Indices{0, 1}));
+    EXPECT_FALSE(effect.AddFactor(7)) << "a covariate as factor";
+    EXPECT_FALSE(effect.AddCovariate(2)) << "a factor as covariate";
+    EXPECT_FALSE(effect.AddCovariate(5, 2)) << "a power beyond int";
+    EXPECT_TRUE(effect.AddCovariate(5));
+    EXPECT_TRUE(effect.AddCovariate(7));
+    EXPECT_FALSE(effect.IsIntercept());
+    EXPECT_EQ(effect.GetFactors(), (Indices{0, 2}));
+    EXPECT_EQ(effect.GetFactorLevels(), (Indices{0, 1}));
+    EXPECT_EQ(effect.GetNFactors(), 2);
+    EXPECT_EQ(effect.GetCovariates(), (Indices{7, 5}));
+    EXPECT_EQ(effect.GetCovMultiplicities(), (Indices{2, maxInt}));
+    EXPECT_EQ(effect.GetVariables(), (Indices{7, 0, 5, 2}));
 }
 
-TEST(KXRegrParameter, StandsForTheInterceptOrACellOfAnEffect)
+TEST(FactorLevel, IsTheNearestIntegerOrNone)
 {
-    KXModelEffect interaction;
-    interaction.AddCovariate(2, 2);
-    interaction.AddFactor(1);
-    KXRegrParameter parameter;
-    EXPECT_TRUE(parameter.IsIntercept());
-    EXPECT_EQ(parameter.GetEffectNumber(), -1);
+    EXPECT_EQ(FactorLevel(-0.0), 0);
+    EXPECT_EQ(FactorLevel(2.4), 2);
+    EXPECT_EQ(FactorLevel(2.5), 3);
+    EXPECT_EQ(FactorLevel(2147483646.9), maxInt);
+    for (const double none : {-1e-300, -0.3, 2147483648.0, 1e300, infinity, notANumber, missing})
+        EXPECT_EQ(FactorLevel(none), -1) << none;
+}
 
-    parameter.SetupFromEffect(interaction, 4, 0);
-    parameter.SetCategories({3});
-    const KXRegrParameter cell = parameter;
-    parameter.SetupFromEffect(KXModelEffect(), 0, 0);
-    EXPECT_TRUE(parameter.IsIntercept());
-    EXPECT_TRUE(parameter.GetCategories().empty()) << "those of the effect before";
-    EXPECT_FALSE(cell.IsIntercept());
-    EXPECT_EQ(cell.GetEffectNumber(), 4);
-    EXPECT_EQ(cell.GetFactors(), std::vector<int>{1});
-    EXPECT_EQ(cell.GetCategories(), std::vector<int>{3});
-    EXPECT_EQ(cell.GetCovariates(), std::vector<int>{2});
-    EXPECT_EQ(cell.GetCovMultiplicities(), std::vector<int>{2});
+/// Variables: two factors, of which the second is given twice, the frequency, the dependent.
+TEST(KXFactorCounts, SumFrequenciesByLevelOfEachFactor)
+{
+    std::vector<int> sizes = {3, maxInt, maxInt};
+    sizes.pop_back(); // a size read beyond the end would be the one that was there
+    KXFactorCounts counts({0, 1, 1}, std::move(sizes), 2, 3);
+    for (const std::vector<double>& row : std::vector<std::vector<double>>{{2.0, 7.0, 2.5, 9.0},
+                                                                           {1.6, 2e9, 4.0, -9.0},
+                                                                           {3.0, 7.2, 1.0, 9.0},
+                                                                           {-1.0, notANumber, 1.0, 9.0},
+                                                                           {2.0, 7.0, 100.0, missing},
+                                                                           {2.0, 7.0, missing, 9.0},
+                                                                           {2.0, 7.0, notANumber, 9.0},
+                                                                           {2.0, 7.0, -1.0, 9.0},
+                                                                           {2.0, 7.0, 100.0}})
+        counts.Update(Record(row));
+    EXPECT_EQ(counts.GetCount(0, 2), 6.5);
+    EXPECT_EQ(counts.GetCount(0, 3), 0.0) << "beyond the factor's size";
+    EXPECT_EQ(counts.GetCount(0, -1), 0.0);
+    EXPECT_EQ(counts.GetCount(1, 7), 3.5);
+    EXPECT_EQ(counts.GetCount(1, 2000000000), 4.0) << "costs no more memory than level 0";
+    EXPECT_EQ(counts.GetCount(2, 7), 0.0) << "the third factor has no size";
+    for (const int none : {-1, 3})
+        EXPECT_EQ(counts.GetCount(none, 7), 0.0) << none;
+    KXFactorCounts unweighted({0}, {3}, -1, -1);
+    unweighted.Update(Record({2.0}));
+    EXPECT_EQ(unweighted.GetCount(0, 2), 1.0);
 }

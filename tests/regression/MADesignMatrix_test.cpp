@@ -1,3 +1,5 @@
+// What becomes of a record: a row of the design matrix, with a weight, or nothing.
+
 #include "support/DisplayOf.h"
 #include "support/Regression.h"
 
@@ -6,8 +8,6 @@
 using namespace MA_NAMESPACE;
 
 namespace {
-
-using Levels = std::vector<std::vector<int>>;
 
 /// A model over factors 2 (three levels) and 3 (two levels) and covariates 4 and 5.
 MARegSettings SettingsFor(const std::vector<KXModelEffect>& effects)
@@ -27,28 +27,20 @@ MARegSettings SettingsFor(const std::vector<KXModelEffect>& effects)
 
 const Rows studies = {{0.1, 0.5, 2, 0, 3, -2}, {0.2, 0.25, 0, 1, -1, 5}, {0.3, 0.2, 2, 1, 4, 0}};
 
+/// A design matrix that has seen the records.
 struct Matrix
 {
     explicit Matrix(const MARegSettings& given, const Rows& rows = studies)
-        : settings(given), records(rows), design(settings)
+        : settings(given), design(settings)
     {
+        VectorRecordIter records(rows);
         EXPECT_TRUE(records.Start());
-        status = design.ReadFirstPass(records);
-        design.AttachIterator(records);
+        EXPECT_FALSE(design.ReadFirstPass(records).IsError());
     }
 
     MARegSettings settings;
-    VectorRecordIter records;
     MADesignMatrix design;
-    KXStatus status;
 };
-
-KXModelEffect Power(int covariate, int multiplicity)
-{
-    KXModelEffect effect;
-    effect.AddCovariate(covariate, multiplicity);
-    return effect;
-}
 
 } // namespace
 
@@ -58,39 +50,28 @@ TEST(MADesignMatrix, CodesEffects)
     {
         const char* name;
         KXModelEffect effect;
-        Levels combinations;
+        std::vector<std::vector<int>> combinations;
         Rows columns; ///< of the effect, for each study
     };
     const Case cases[] = {
         {"covariate", EffectOf({}, {4}), {}, {{3}, {-1}, {4}}},
-        {"power", Power(4, 3), {}, {{27}, {-1}, {64}}},
+        {"power", EffectOf({}, {4, 4, 4}), {}, {{27}, {-1}, {64}}},
         {"product", EffectOf({}, {4, 5, 4}), {}, {{-18}, {5}, {0}}},
         {"factor", EffectOf({2}, {}), {{0}, {2}}, {{0, 1}, {1, 0}, {0, 1}}},
-        {"two factors", EffectOf({2, 3}, {}), {{0, 1}, {2, 0}, {2, 1}}, {{0, 1, 0}, {1, 0, 0}, {0, 0, 1}}},
-        {"the other one first",
-         EffectOf({3, 2}, {}),
-         {{0, 2}, {1, 0}, {1, 2}},
-         {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
+        {"two factors", EffectOf({3, 2}, {}), {{0, 2}, {1, 0}, {1, 2}}, {{1, 0, 0}, {0, 1, 0}, {0, 0, 1}}},
         {"factor by covariate", EffectOf({3}, {5}), {{0}, {1}}, {{-2, 0}, {0, 5}, {0, 0}}},
     };
     for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        Matrix matrix(SettingsFor({EffectOf({}, {5}), c.effect}));
-        ASSERT_TRUE(matrix.status.IsOK());
-        const MADesignMatrixEffect& effect = matrix.design.GetEffects()[1];
-        EXPECT_EQ(effect.GetStart(), 2) << "after the intercept and the first effect";
-        EXPECT_EQ(effect.GetSize(), static_cast<int>(c.columns[0].size()));
-        EXPECT_EQ(effect.GetCombinations(), c.combinations);
-        EXPECT_EQ(matrix.design.GetParamSize(), 2 + effect.GetSize());
-        ASSERT_TRUE(matrix.design.CacheRows().IsOK());
-        const MADesignRows& rows = matrix.design.Rows();
-        ASSERT_EQ(rows.Count(), studies.size());
+        const Matrix matrix(SettingsFor({EffectOf({}, {5}), c.effect}));
+        EXPECT_EQ(matrix.design.GetEffects()[1].GetStart(), 2) << "after the intercept and the first effect";
+        EXPECT_EQ(matrix.design.GetEffects()[1].GetCombinations(), c.combinations);
         for (std::size_t i = 0; i < studies.size(); ++i) {
             Row expected = {1.0, studies[i][5]};
             expected.insert(expected.end(), c.columns[i].begin(), c.columns[i].end());
-            EXPECT_EQ(Row(rows.Row(i), rows.Row(i) + rows.columnCount), expected);
-            EXPECT_EQ(rows.Dependent(i), studies[i][0]);
-            EXPECT_EQ(rows.weights[i], 1.0 / studies[i][1]);
+            MADesignRow row;
+            EXPECT_TRUE(matrix.design.GetRow(Record(studies[i]), row, false).IsOK());
+            EXPECT_EQ(row.predictors, expected);
         }
     }
 }
@@ -98,123 +79,82 @@ TEST(MADesignMatrix, CodesEffects)
 /// The same record is unusable wherever it comes; the predictors alone may be usable.
 TEST(MADesignMatrix, ChecksRecords)
 {
-    constexpr double huge = std::numeric_limits<double>::max();
     struct Case
     {
-        const char* name;
         int variable;
-        double value;
+        std::vector<double> values;
         bool isUsable;
         bool arePredictorsUsable;
     };
     const Case cases[] = {
-        {"missing effect", 0, missing, false, true},
-        {"NaN effect", 0, notANumber, false, true},
-        {"infinite effect", 0, infinity, false, true},
-        {"missing variance", 1, missing, false, true},
-        {"zero variance", 1, 0.0, false, true},
-        {"negative variance", 1, -0.1, false, true},
-        {"NaN variance", 1, notANumber, false, true},
-        {"infinite variance", 1, infinity, false, true},
-        {"weight overflows", 1, 1e-310, false, true},
-        {"level 2.4", 2, 2.4, true, true},
-        {"level 2.5", 2, 2.5, false, false},
-        {"level -0.1", 2, -0.1, false, false},
-        {"level -0", 2, -0.0, true, true},
-        {"level 3", 2, 3.0, false, false},
-        {"huge level", 2, huge, false, false},
-        {"level beyond int", 2, 4294967297.0, false, false},
-        {"missing level", 2, missing, false, false},
-        {"NaN level", 2, notANumber, false, false},
-        {"infinite level", 2, infinity, false, false},
-        {"unused factor", 3, 2.0, false, false},
-        {"missing covariate", 4, missing, false, false},
-        {"NaN covariate", 4, notANumber, false, false},
-        {"infinite covariate", 4, infinity, false, false},
-        {"square overflows", 4, 1e200, false, false},
-        {"unused covariate", 5, missing, false, false},
-        {"level not seen before", 2, 1.0, false, false},
+        {0, {missing, notANumber, infinity}, false, true},
+        {1, {missing, notANumber, infinity, 0.0, -0.1, 1e-310}, false, true}, // whose weight overflows
+        {2, {2.4, -0.0}, true, true},
+        {2, {2.5, -0.1, 3.0, 4294967297.0, missing, notANumber}, false, false},
+        {3, {2.0}, false, false},                                  // a factor that no effect uses
+        {4, {missing, notANumber, infinity, 1e200}, false, false}, // whose square overflows
+        {5, {missing}, false, false},                              // a covariate that no effect uses
     };
-    const MARegSettings settings = SettingsFor({EffectOf({2}, {}), Power(4, 2)});
+    const MARegSettings settings = SettingsFor({EffectOf({2}, {}), EffectOf({}, {4, 4})});
+    const FERegression without(settings, studies);
     for (const Case& c : cases) {
-        SCOPED_TRACE(c.name);
-        Row row = studies[0];
-        row[static_cast<std::size_t>(c.variable)] = c.value;
-        FERegression regression(settings, studies);
-        const Scores scores(regression.engine, row);
-        EXPECT_EQ(scores.status, c.arePredictorsUsable ? KXStatus() : KXStatus(460031, true));
-        EXPECT_EQ(Same(scores.fit, missing), !c.arePredictorsUsable);
-        EXPECT_EQ(Same(scores.leverage, missing), !c.isUsable);
-        if (c.value == 1.0)
-            continue; // in the data themselves it is a level like any other
+        for (const double value : c.values) {
+            SCOPED_TRACE(testing::Message() << "variable " << c.variable << " is " << value);
+            Row row = studies[0];
+            row[static_cast<std::size_t>(c.variable)] = value;
+            const Scores scores(without.engine, row);
+            EXPECT_EQ(scores.status, c.arePredictorsUsable ? KXStatus() : KXStatus(460031, true));
+            EXPECT_EQ(scores.fit == missing, !c.arePredictorsUsable);
+            EXPECT_EQ(scores.leverage == missing, !c.isUsable);
 
-        Rows rows = studies;
-        rows.insert(rows.begin() + 1, row);
-        const FERegression with(settings, rows);
-        EXPECT_EQ(with.output->GetNGoodRecords(), c.isUsable ? 4 : 3);
-        EXPECT_EQ(with.output->GetNBadRecords(), c.isUsable ? 0 : 1);
-        EXPECT_EQ(with.engine.GetNBadRecords(), c.isUsable ? 0 : 1);
-        if (c.isUsable)
-            continue;
-        EXPECT_EQ(with.WarningCodes(), (std::vector<int>{460031, 460049}));
-        EXPECT_TRUE(Same(with.output->GetEstimation(), regression.output->GetEstimation()));
+            const FERegression with(settings, {studies[0], row, studies[1], studies[2]});
+            EXPECT_EQ(with.output->GetNGoodRecords(), c.isUsable ? 4 : 3);
+            EXPECT_EQ(with.output->GetNBadRecords(), c.isUsable ? 0 : 1);
+            EXPECT_EQ(with.engine.GetNBadRecords(), c.isUsable ? 0 : 1);
+            if (c.isUsable)
+                continue;
+            EXPECT_EQ(with.WarningCodes(), (std::vector<int>{460031, 460049}));
+            EXPECT_EQ(with.output->GetEstimation(), without.output->GetEstimation());
+        }
     }
+    const Scores levelNotSeenBefore(without.engine, {0.1, 0.5, 1, 0, 3, -2});
+    EXPECT_EQ(levelNotSeenBefore.status, KXStatus(460031, true));
     const FERegression shortRecord(settings, {studies[0], {0.1, 0.5, 2, 0, 3}, studies[2]});
     EXPECT_EQ(shortRecord.output->GetNBadRecords(), 1);
+    EXPECT_EQ(FERegression(MARegSettings(), studies).status, KXStatus(460073)) << "without dependent";
 }
 
+/// The standard error of a single study is the root of its inverse weight.
 TEST(MADesignMatrix, OmegaWeights)
 {
     struct Case
     {
-        int index;
-        int type;
+        int index, type;
         double value;
-        double weight; ///< missing for an unusable record
+        double stdError; ///< missing for an unusable record
     };
-    const Case cases[] = {{-1, 0, -5.0, 1.0},      {1, 0, 4.0, 4.0},          {1, 1, 4.0, 0.25},
-                          {1, 2, 4.0, 0.0625},     {1, 7, 4.0, 1.0},          {1, 0, 0.0, missing},
-                          {1, 1, 0.0, missing},    {1, 2, 0.0, missing},      {1, 2, -4.0, missing},
-                          {1, 7, -4.0, missing},   {1, 0, infinity, missing}, {1, 2, 1e200, missing},
-                          {1, 2, 1e-200, missing}, {1, 0, missing, missing},  {9, 0, 4.0, missing}};
+    const Case cases[] = {{-1, 0, -5.0, 1.0},     {1, 0, 4.0, 0.5},        {1, 1, 4.0, 2.0},
+                          {1, 2, 4.0, 4.0},       {1, 7, 4.0, 1.0},        {1, 1, 0.0, missing},
+                          {1, 2, -4.0, missing},  {1, 7, -4.0, missing},   {1, 0, infinity, missing},
+                          {1, 2, 1e200, missing}, {1, 2, 1e-200, missing}, {9, 0, 4.0, missing}};
     for (const Case& c : cases) {
         SCOPED_TRACE(testing::Message() << c.index << ' ' << c.type << ' ' << c.value);
         MARegSettings settings = RegressionOn({});
         settings.SetOMWVarIndex(c.index);
         settings.SetOMWVarType(static_cast<MAConst::OMGWeightType>(c.type));
-        Matrix matrix(settings, {{0.5, c.value}});
-        matrix.design.CacheRows();
-        const MADesignRows& rows = matrix.design.Rows();
-        EXPECT_TRUE(Same(rows.weights, c.weight == missing ? Row() : Row{c.weight}));
+        const FERegression regression(settings, {{0.5, c.value}});
+        EXPECT_EQ(regression.status, c.stdError == missing ? KXStatus(460073) : KXStatus());
+        const Row expected = c.stdError == missing ? Row() : Row{c.stdError};
+        EXPECT_EQ(regression.output->GetBetaStandErr(), expected);
     }
-}
-
-/// Without a dependent no record can be used, but predictors can.
-TEST(MADesignMatrix, WithoutDependent)
-{
-    MARegSettings settings;
-    settings.SetInterceptUse(true);
-    Matrix matrix(settings);
-    EXPECT_EQ(matrix.status, KXStatus(460031, true));
-    EXPECT_EQ(matrix.design.CacheRows(), KXStatus(460031, true));
-    EXPECT_EQ(matrix.design.GetTotalRecords(), 3);
-    EXPECT_EQ(matrix.design.GetCompleteRecords(), 0);
-    EXPECT_EQ(matrix.design.Rows().Count(), 0U);
-    MADesignRow row;
-    EXPECT_TRUE(matrix.design.GetRow(Record(studies[0]), row, true).IsOK());
-    EXPECT_EQ(row.predictors, Row{1.0});
-    EXPECT_TRUE(KXMV::IsMissing(row.dependent));
 }
 
 /// Counts are over the complete records: of the settings' factors, and of those that the effects use.
 TEST(MADesignMatrix, DisplayAndFactorCounts)
 {
-    KXModelEffect effect = EffectOf({3}, {});
-    effect.AddCovariate(5, 2);
-    const MARegSettings settings = SettingsFor({effect});
     Rows rows = studies;
     rows.push_back({missing, 0.2, 2, 0, 1, 1});
-    const Matrix matrix(settings, rows);
+    const Matrix matrix(SettingsFor({EffectOf({3}, {5, 5})}), rows);
     EXPECT_EQ(matrix.design.GetFactorCounts().GetCount(0, 2), 2.0);
     EXPECT_EQ(matrix.design.GetFactorCounts().GetCount(1, 0), 1.0);
     EXPECT_EQ(matrix.design.GetEffectFactorCounts().GetFactors(), std::vector<int>{3});

@@ -21,7 +21,15 @@ void ExpectFailed(const Regression<Engine>& regression, int code)
     EXPECT_EQ(regression.status, KXStatus(code));
     EXPECT_EQ(regression.engine.GetStatus(), regression.status);
     EXPECT_FALSE(regression.engine.IsModelBuilt());
+    EXPECT_EQ(regression.output->GetNGoodRecords(), 0);
     EXPECT_TRUE(Same(Scores(regression.engine, Row{0.1, 0.1, 1.0}).fit, missing));
+}
+
+/// Both engines.
+void ExpectFailed(const MARegSettings& settings, const Rows& rows, int code)
+{
+    ExpectFailed(FERegression(settings, rows), code);
+    ExpectFailed(RERegression(settings, rows), code);
 }
 
 } // namespace
@@ -42,8 +50,7 @@ TEST(MARegAlgorithmFailures, Settings)
         SCOPED_TRACE(name);
         MARegSettings settings = RegressionOn({2});
         spoil(settings);
-        ExpectFailed(FERegression(settings, RandomStudies(1, 5, 1)), 460009);
-        ExpectFailed(RERegression(settings, RandomStudies(1, 5, 1)), 460009);
+        ExpectFailed(settings, RandomStudies(1, 5, 1), 460009);
         MAFEAlgorithm engine(settings);
         VectorRecordIter records(RandomStudies(1, 5, 1));
         EXPECT_EQ(engine.CreateParameters(records), KXStatus(460009));
@@ -55,23 +62,18 @@ TEST(MARegAlgorithmFailures, UnknownEstimatorIsNone)
 {
     const Rows rows = RandomStudies(101, 12, 1);
     MARegSettings settings = RegressionOn({2});
-    const FERegression fixed(settings, rows);
+    const double slope = FERegression(settings, rows).output->GetEstimation()[1];
     for (const char* const code : {"", "reml", "REM", "HE "}) {
-        SCOPED_TRACE(code);
         settings.SetEstTauType(code);
         const RERegression random(settings, rows);
-        EXPECT_TRUE(random.status.IsOK());
-        EXPECT_EQ(random.engine.GetEstTauType(), 7);
-        EXPECT_EQ(random.output->GetTau(), 0.0);
-        EXPECT_EQ(random.output->GetRSquare(), 0.0);
-        EXPECT_EQ(random.output->GetIresSquare(), 0.0);
-        EXPECT_EQ(random.output->GetHresSquare(), 1.0);
-        const double slope = fixed.output->GetEstimation()[1];
-        EXPECT_TRUE(Close(random.output->GetEstimation()[1], slope, 1e-13, 1.0));
+        const MARegOutputStats& output = *random.output;
+        EXPECT_EQ(random.engine.GetEstTauType(), 7) << code;
+        EXPECT_EQ((Row{output.GetTau(), output.GetRSquare(), output.GetIresSquare(), output.GetHresSquare()}),
+                  (Row{0.0, 0.0, 0.0, 1.0}));
+        EXPECT_TRUE(Close(output.GetEstimation()[1], slope, 1e-13, 1.0));
     }
 }
 
-/// By estimator; the figures of ML hold for REML and EB.
 TEST(MARegAlgorithmFailures, TooFewUsableRecords)
 {
     const Row good = {0.3, 0.2, 1.5};
@@ -80,32 +82,28 @@ TEST(MARegAlgorithmFailures, TooFewUsableRecords)
     {
         const char* name;
         Rows rows;
-        int fixed, he, hs, dl, sj, ml;
+        int fixed;
+        int random[7]; ///< by estimator
     };
     const Case cases[] = {
-        {"none at all", {}, 0, 460015, 0, 0, 0, 460015},
-        {"none usable", {bad, bad}, 460073, 460073, 460073, 460073, 460073, 460073},
-        {"one usable", {bad, good, bad}, 0, 460015, 0, 0, 460029, 460015},
-        {"one", {good}, 0, 460015, 0, 0, 460029, 460015},
+        {"none at all", {}, 0, {460015, 0, 0, 0, 460015, 460015, 460015}},
+        {"none usable", {bad, bad}, 460073, {460073, 460073, 460073, 460073, 460073, 460073, 460073}},
+        {"one usable", {bad, good, bad}, 0, {460015, 0, 0, 460029, 460015, 460015, 460015}},
+        {"one", {good}, 0, {460015, 0, 0, 460029, 460015, 460015, 460015}},
+        {"as many as parameters", RandomStudies(1, 2, 1), 0, {460015, 0, 0, 460015, 460015, 460015, 460015}},
     };
     for (const Case& c : cases) {
-        const int expected[] = {c.he, c.hs, c.dl, c.sj, c.ml, c.ml, c.ml};
-        for (const std::vector<int>& covariates : {std::vector<int>{}, std::vector<int>{2}}) {
-            SCOPED_TRACE(testing::Message() << c.name << ", covariates " << covariates.size());
-            MARegSettings settings = RegressionOn(covariates);
-            for (const bool hasDispersion : {false, true}) {
-                settings.SetMultiDiser(hasDispersion);
-                EXPECT_EQ(FERegression(settings, c.rows).status, KXStatus(c.fixed));
-            }
-            for (std::size_t i = 0; i < std::size(codes); ++i) {
-                SCOPED_TRACE(codes[i]);
-                settings.SetEstTauType(codes[i]);
-                const RERegression random(settings, c.rows);
-                if (expected[i] != 0)
-                    ExpectFailed(random, expected[i]);
-                else
-                    EXPECT_TRUE(random.status.IsOK() && random.engine.IsModelBuilt());
-            }
+        MARegSettings settings = RegressionOn({2});
+        settings.SetMultiDiser(true);
+        EXPECT_EQ(FERegression(settings, c.rows).status, KXStatus(c.fixed)) << c.name;
+        for (std::size_t i = 0; i < std::size(codes); ++i) {
+            SCOPED_TRACE(c.name + std::string(" ") + codes[i]);
+            settings.SetEstTauType(codes[i]);
+            const RERegression random(settings, c.rows);
+            if (c.random[i] != 0)
+                ExpectFailed(random, c.random[i]);
+            else
+                EXPECT_TRUE(random.status.IsOK() && random.engine.IsModelBuilt());
         }
     }
 }
@@ -119,46 +117,32 @@ struct FaultyRewindIter : FaultyRecordIter
     bool Reset() override { return Start(); }
 };
 
-template <class Engine>
-void ExpectBuildEndsWith(int code, FaultyRecordIter::Fault fault, int pass)
-{
-    SCOPED_TRACE(testing::Message() << "fault " << fault << " in pass " << pass);
-    const MARegSettings settings = RegressionOn({2});
-    FaultyRewindIter records(RandomStudies(111, 6, 1), fault, pass);
-    Engine engine(settings);
-    EXPECT_EQ(engine.BuildModel(records), KXStatus(code));
-    EXPECT_EQ(engine.GetStatus(), KXStatus(code));
-    EXPECT_EQ(engine.IsModelBuilt(), code == 0);
-    const MARegOutputStats output(settings, engine);
-    EXPECT_EQ(output.GetNGoodRecords(), code == 0 ? 6 : 0);
-    EXPECT_EQ(KXMV::IsMissing(Scores(engine, Row{0.1, 0.1, 1.0}).fit), code != 0);
-}
-
 } // namespace
 
-/// The passes are the positioning of the iterator (1), the first pass (2) and the pass that builds rows (3).
+/// The passes are the positioning of the iterator, the first pass, and the pass that builds rows.
 TEST(MARegAlgorithmFailures, Iterator)
 {
-    struct Case
-    {
-        FaultyRecordIter::Fault fault;
-        int codes[3]; ///< by pass
+    using F = FaultyRecordIter;
+    const std::pair<F::Fault, std::vector<int>> cases[] = {
+        {F::NO_FAULT, {0, 0, 0}},
+        {F::REFUSES_START, {460011, 460011, 460012}},
+        {F::THROWS_IN_START, {460012, 460012, 460012}},
+        {F::BREAKS_OFF, {0, 460012, 460012}},
+        {F::REPORTS_ERROR, {460012, 460012, 460012}},
+        {F::THROWS_IN_NEXT, {0, 460012, 460012}},
+        {F::THROWS_A_NUMBER, {0, 460012, 460012}},
+        {F::THROWS_IN_GET_ERROR, {460012, 460012, 460012}},
+        {F::RUNS_OUT_OF_MEMORY, {0, 460099, 460099}},
     };
-    const Case cases[] = {
-        {FaultyRecordIter::NO_FAULT, {0, 0, 0}},
-        {FaultyRecordIter::REFUSES_START, {460011, 460011, 460012}},
-        {FaultyRecordIter::THROWS_IN_START, {460012, 460012, 460012}},
-        {FaultyRecordIter::BREAKS_OFF, {0, 460012, 460012}},
-        {FaultyRecordIter::REPORTS_ERROR, {460012, 460012, 460012}},
-        {FaultyRecordIter::THROWS_IN_NEXT, {0, 460012, 460012}},
-        {FaultyRecordIter::THROWS_A_NUMBER, {0, 460012, 460012}},
-        {FaultyRecordIter::THROWS_IN_GET_ERROR, {460012, 460012, 460012}},
-        {FaultyRecordIter::RUNS_OUT_OF_MEMORY, {0, 460099, 460099}},
-    };
-    for (const Case& c : cases) {
-        for (const int pass : {1, 2, 3}) {
-            ExpectBuildEndsWith<MAFEAlgorithm>(c.codes[pass - 1], c.fault, pass);
-            ExpectBuildEndsWith<MAREAlgorithm>(c.codes[pass - 1], c.fault, pass);
+    const MARegSettings settings = RegressionOn({2});
+    for (const auto& [fault, expected] : cases) {
+        for (std::size_t i = 0; i < expected.size(); ++i) {
+            SCOPED_TRACE(testing::Message() << "fault " << fault << " in pass " << i + 1);
+            FaultyRewindIter records(RandomStudies(111, 6, 1), fault, static_cast<int>(i) + 1);
+            MAREAlgorithm engine(settings);
+            EXPECT_EQ(engine.BuildModel(records), KXStatus(expected[i]));
+            EXPECT_EQ(engine.GetStatus(), KXStatus(expected[i]));
+            EXPECT_EQ(engine.IsModelBuilt(), expected[i] == 0);
         }
     }
 }
@@ -183,13 +167,13 @@ private:
 };
 
 template <class Engine>
-void ExpectCancelsEverywhere(MARegSettings settings, int leastFits)
+void ExpectCancelsEverywhere(MARegSettings settings)
 {
     const Rows rows = RandomStudies(121, 6, 1);
     CancelAt never(0);
     settings.SetCancelObject(&never);
     ASSERT_TRUE(Regression<Engine>(settings, rows).status.IsOK());
-    ASSERT_GE(never.asked, 2 * 6 + leastFits) << "once a record in both passes, and once a fit";
+    ASSERT_GT(never.asked, 6) << "once a record, and once a fit";
     for (int turn = 1; turn <= never.asked; ++turn) {
         for (const bool isThrowing : {false, true}) {
             SCOPED_TRACE(turn);
@@ -220,14 +204,15 @@ TEST(MARegAlgorithmFailures, HostCancels)
 {
     MARegSettings settings = RegressionOn({2});
     settings.SetMultiDiser(true);
-    ExpectCancelsEverywhere<MAFEAlgorithm>(settings, 1);
+    ExpectCancelsEverywhere<MAFEAlgorithm>(settings);
     for (const char* const code : codes) {
         SCOPED_TRACE(code);
         settings.SetEstTauType(code);
-        ExpectCancelsEverywhere<MAREAlgorithm>(settings, code == std::string("REML") ? 5 : 3);
+        ExpectCancelsEverywhere<MAREAlgorithm>(settings);
     }
 }
 
+/// Records are counted anew in every pass.
 TEST(MARegAlgorithmFailures, ListenersHearAndMayThrow)
 {
     const Rows rows = RandomStudies(131, 7, 1);
@@ -237,17 +222,17 @@ TEST(MARegAlgorithmFailures, ListenersHearAndMayThrow)
     settings.SetIterProgressListener(&fits);
     settings.SetNSkippedReports(2);
     EXPECT_TRUE(FERegression(settings, rows).status.IsOK());
-    EXPECT_EQ(records.steps, (std::vector<long>{3, 6, 3, 6}));
+    ASSERT_GE(records.steps.size(), 2U);
+    for (std::size_t i = 0; i < records.steps.size(); ++i)
+        EXPECT_EQ(records.steps[i], i % 2 == 0 ? 3 : 6);
     EXPECT_TRUE(fits.steps.empty());
     settings.SetNSkippedReports(0);
     EXPECT_TRUE(FERegression(settings, rows).status.IsOK());
     EXPECT_EQ(fits.steps, std::vector<long>{1});
-
     fits.isThrowing = true;
-    ExpectFailed(FERegression(settings, rows), 460012);
-    ExpectFailed(RERegression(settings, rows), 460012);
+    ExpectFailed(settings, rows, 460012);
     records.isThrowing = true;
-    ExpectFailed(FERegression(settings, rows), 460012);
+    ExpectFailed(settings, rows, 460012);
 }
 
 /// Numbers that strain the arithmetic: no NaN among the coefficients, no tau² below 0.
@@ -259,24 +244,23 @@ TEST(MARegAlgorithmFailures, HostileNumbers)
         {{1e-60, 1e-120, 1}, {-3e-60, 2e-120, 2}, {7e-60, 3e-120, 5}, {2e-60, 1e-120, 7}},
         {{0.1, 1e-30, 1}, {0.2, 1, 2}, {0.3, 1e30, 3}, {0.5, 1, 4}},
         {{0.1, 1, 1e160}, {0.2, 1, -1e160}, {0.3, 1, 3e160}, {0.5, 1, 0}},
-        {{0.1, 1, 1e-170}, {0.2, 1, -1e-170}, {0.3, 1, 3e-170}, {0.5, 1, 0}},
-        {{0.1, 1e-300, 1}, {0.2, 1e-300, 2}, {0.3, 1e-300, 3}, {0.5, 1e-300, 5}},
+        {{0.1, 1e-300, 1e-170}, {0.2, 1e-300, -1e-170}, {0.3, 1e-300, 0}, {0.5, 1e-300, 0}},
         {{0.1, 1e300, 1}, {0.2, 1e300, 2}, {0.3, 1e300, 3}, {0.5, 1e300, 5}},
+    };
+    const auto hasNaN = [](const std::vector<double>& values) {
+        return std::any_of(values.begin(), values.end(), [](double value) { return std::isnan(value); });
     };
     for (const Rows& rows : cases) {
         for (const char* const code : codes) {
-            SCOPED_TRACE(testing::Message() << testing::PrintToString(rows) << ' ' << code);
+            SCOPED_TRACE(testing::PrintToString(rows) + code);
             MARegSettings settings = RegressionOn({2});
             settings.SetEstTauType(code);
             settings.SetMultiDiser(true);
             settings.SetKnapHartAdjust(true);
-            const FERegression fixed(settings, rows);
             const RERegression random(settings, rows);
             EXPECT_GE(random.output->GetTau(), 0.0);
-            for (const MARegOutputStats* const output : {&*fixed.output, &*random.output}) {
-                for (const double b : output->GetEstimation())
-                    EXPECT_FALSE(std::isnan(b));
-            }
+            EXPECT_FALSE(hasNaN(random.output->GetEstimation()));
+            EXPECT_FALSE(hasNaN(FERegression(settings, rows).output->GetEstimation()));
         }
     }
 }

@@ -5,102 +5,104 @@
 
 #include "meta_analysis/platform/common/KXDistFun.h"
 
-#include <functional>
 #include <memory>
 
 using namespace MA_NAMESPACE;
 
 namespace {
 
-using Column = std::function<double(const Row& row, std::size_t position)>;
+// The records' moderators: two normal ones, what is computed from them and from years, and levels.
+constexpr int a = 2, b = 3, combination = 4, zero = 5, year = 6, square = 7, decades = 8, vast = 9;
+constexpr int constant = 10, third = 11, part = 12, far = 13;
 
-/// Fourteen studies with `moderators` normal moderators, and columns computed from these.
-Rows StudiesWith(std::size_t moderators, const std::vector<Column>& columns)
+Rows StudiesWithModerators()
 {
-    Rows rows = RandomStudies(21, 14, moderators);
+    Rows rows = RandomStudies(21, 14, 2);
     for (std::size_t i = 0; i < rows.size(); ++i) {
-        for (const Column& column : columns)
-            rows[i].push_back(column(rows[i], i));
+        Row& row = rows[i];
+        row.resize(far + 1);
+        row[combination] = 3 * row[a] - row[b] / 7 + 0.1;
+        row[year] = 1948.0 + static_cast<double>(7 * i % 33);
+        row[square] = row[year] * row[year];
+        row[decades] = 200 - 0.1 * row[year];
+        row[vast] = 1e120 * row[a];
+        row[constant] = 0.7;
+        row[third] = static_cast<double>(i % 3);
+        row[part] = row[third] == 2.0 ? 0.0 : static_cast<double>(i % 2);
+        row[far] = i % 2 == 0 ? 8.0 : 3.0;
     }
     return rows;
 }
 
-struct Redundancy
-{
-    const char* name;
-    MARegSettings settings;
-    Rows rows;
-    std::vector<int> estimated;
-};
-
 /// A redundant parameter has nothing, and takes no degree of freedom.
-void ExpectRedundancy(const Redundancy& expected, KXStatus status, const MARegOutputStats& output)
+template <class Engine>
+void ExpectEstimated(const std::vector<int>& estimated, const MARegSettings& settings)
 {
-    ASSERT_TRUE(status.IsOK());
-    ASSERT_EQ(output.GetParameters().size(), expected.estimated.size());
+    const Regression<Engine> regression(settings, StudiesWithModerators());
+    const MARegOutputStats& output = *regression.output;
+    ASSERT_TRUE(regression.status.IsOK());
+    EXPECT_EQ(output.GetParameters().size(), estimated.size());
     for (const std::vector<double>& list :
          {output.GetEstimation(), output.GetBetaStandErr(), output.GetBetaTest(), output.GetBetaTestPValue(),
           output.GetBetaConfInterValLower(), output.GetBetaConfInterValUpper()}) {
-        ASSERT_EQ(list.size(), expected.estimated.size());
+        ASSERT_EQ(list.size(), estimated.size());
         for (std::size_t j = 0; j < list.size(); ++j)
-            EXPECT_EQ(KXMV::IsMissing(list[j]), expected.estimated[j] == 0) << j;
+            EXPECT_EQ(KXMV::IsMissing(list[j]), estimated[j] == 0) << j;
     }
     int p = 0;
-    for (std::size_t j = 0; j < expected.estimated.size(); ++j) {
-        EXPECT_EQ(output.GetRedundancyInfo().Test(j), expected.estimated[j] == 1) << j;
-        p += expected.estimated[j];
+    for (std::size_t j = 0; j < estimated.size(); ++j) {
+        EXPECT_EQ(output.GetRedundancyInfo().Test(j), estimated[j] == 1) << j;
+        p += estimated[j];
     }
     EXPECT_EQ(output.GetResHomoDf(), 14 - p);
-    EXPECT_EQ(output.GetWaldDf(), expected.settings.GetInterceptUse() ? p - 1 : p);
+    EXPECT_EQ(output.GetWaldDf(), settings.GetInterceptUse() ? p - 1 : p);
     EXPECT_EQ(KXMV::IsMissing(output.GetWaldChiSquareTest()), output.GetWaldDf() == 0);
     EXPECT_EQ(KXMV::IsMissing(output.GetWaldPValue()), output.GetWaldDf() == 0);
+}
+
+MARegSettings WithoutIntercept(MARegSettings settings)
+{
+    settings.SetInterceptUse(false);
+    return settings;
+}
+
+MARegSettings WithEffect(const KXModelEffect& effect, MARegSettings settings)
+{
+    settings.AddModelEffect(effect);
+    return settings;
 }
 
 } // namespace
 
 TEST(MARegAlgorithm, FindsRedundantColumns)
 {
-    const Column combination = [](const Row& row, std::size_t) { return 3 * row[2] - row[3] / 7 + 0.1; };
-    const Column copy = [](const Row& row, std::size_t) { return row[2]; };
-    const Column constant = [](const Row&, std::size_t) { return 0.7; };
-    const Column zero = [](const Row&, std::size_t) { return 0.0; };
-    const Column three = [](const Row&, std::size_t i) { return static_cast<double>(i % 3); };
-    const Column two = [](const Row&, std::size_t i) {
-        return i % 3 == 2 ? 0.0 : static_cast<double>(i % 2);
+    struct Case
+    {
+        const char* name;
+        MARegSettings settings;
+        std::vector<int> estimated;
     };
-    const Column far = [](const Row&, std::size_t i) { return i % 2 == 0 ? 8.0 : 3.0; };
-    const Column year = [](const Row&, std::size_t i) { return 1948.0 + static_cast<double>(7 * i % 33); };
-    const Column square = [](const Row& row, std::size_t) { return row[2] * row[2]; };
-    const Column decades = [](const Row& row, std::size_t) { return 200 - 0.1 * row[2]; };
-    const Column recent = [](const Row& row, std::size_t) { return row[2] - 1964.5; };
-    const Column huge = [](const Row& row, std::size_t) { return 1e120 * row[2]; };
-    const Column tiny = [](const Row& row, std::size_t) { return 1e-120 * row[3]; };
-    MARegSettings crossed = RegressionOn({}, {2, 3});
-    crossed.AddModelEffect(EffectOf({2, 3}, {})); // the cell (2, 1) is empty
-    MARegSettings withoutIntercept = RegressionOn({2});
-    withoutIntercept.SetInterceptUse(false);
-    const Redundancy cases[] = {
-        {"intercept alone", RegressionOn({}), StudiesWith(0, {}), {1}},
-        {"combination", RegressionOn({2, 3, 4}), StudiesWith(2, {combination}), {1, 1, 1, 0}},
-        {"combination first", RegressionOn({4, 3, 2}), StudiesWith(2, {combination}), {1, 1, 1, 0}},
-        {"copy", RegressionOn({2, 3}), StudiesWith(1, {copy}), {1, 1, 0}},
-        {"square of years", RegressionOn({2, 3}), StudiesWith(0, {year, square}), {1, 1, 1}},
-        {"age in decades", RegressionOn({2, 3}), StudiesWith(0, {year, decades}), {1, 1, 0}},
-        {"recent origin", RegressionOn({2, 3}), StudiesWith(0, {year, recent}), {1, 1, 0}},
-        {"extreme scales", RegressionOn({4, 5}), StudiesWith(2, {huge, tiny}), {1, 1, 1}},
-        {"beside the intercept", RegressionOn({3, 2}), StudiesWith(1, {constant}), {1, 0, 1}},
-        {"constant", withoutIntercept, StudiesWith(0, {constant}), {1}},
-        {"all", withoutIntercept, StudiesWith(0, {zero}), {0}},
-        {"last levels", RegressionOn({}, {2, 3}), StudiesWith(0, {three, two}), {1, 1, 1, 0, 1, 0}},
-        {"empty cell", crossed, StudiesWith(0, {three, two}), {1, 1, 1, 0, 1, 0, 1, 0, 0, 0, 0}},
-        {"unused levels", RegressionOn({}, {2}, 9), StudiesWith(0, {far}), {1, 1, 0}},
+    const Case cases[] = {
+        {"intercept alone", RegressionOn({}), {1}},
+        {"combination", RegressionOn({a, b, combination}), {1, 1, 1, 0}},
+        {"combination first", RegressionOn({combination, b, a}), {1, 1, 1, 0}},
+        {"constant", RegressionOn({constant, a}), {1, 0, 1}},
+        {"square of years", RegressionOn({year, square}), {1, 1, 1}},
+        {"age in decades", RegressionOn({year, decades}), {1, 1, 0}},
+        {"extreme scales", RegressionOn({vast, b}), {1, 1, 1}},
+        {"no intercept", WithoutIntercept(RegressionOn({a})), {1}},
+        {"levels without intercept", WithoutIntercept(RegressionOn({}, {third})), {1, 1, 1}},
+        {"none", WithoutIntercept(RegressionOn({zero})), {0}},
+        {"last levels", RegressionOn({}, {third, part}), {1, 1, 1, 0, 1, 0}},
+        {"empty cell",
+         WithEffect(EffectOf({third, part}, {}), RegressionOn({}, {third, part})),
+         {1, 1, 1, 0, 1, 0, 1, 0, 0, 0, 0}},
+        {"unused levels", RegressionOn({}, {far}, 9), {1, 1, 0}},
     };
-    for (const Redundancy& c : cases) {
+    for (const Case& c : cases) {
         SCOPED_TRACE(c.name);
-        const FERegression fixed(c.settings, c.rows);
-        ExpectRedundancy(c, fixed.status, *fixed.output);
-        const RERegression random(c.settings, c.rows);
-        ExpectRedundancy(c, random.status, *random.output);
+        ExpectEstimated<MAFEAlgorithm>(c.estimated, c.settings);
+        ExpectEstimated<MAREAlgorithm>(c.estimated, c.settings);
     }
 }
 
@@ -118,21 +120,19 @@ TEST(MARegAlgorithm, SaturatedFixedEffects)
         EXPECT_EQ(output.GetRedundancyInfo().Count(), count);
         EXPECT_EQ(output.GetMultiDisper(), 1.0);
         EXPECT_NEAR(output.GetResHomoChiSqure(), 0.0, 1e-24);
-        EXPECT_TRUE(Same(output.GetResHomoPValue(), missing));
+        EXPECT_EQ(output.GetResHomoPValue(), missing);
         EXPECT_EQ(output.GetHresSquare(), 1.0);
         EXPECT_EQ(output.GetIresSquare(), 0.0);
-        EXPECT_TRUE(Same(output.GetBetaTestPValue()[0], missing));
+        EXPECT_EQ(output.GetBetaTestPValue()[0], missing);
         EXPECT_EQ(output.GetBetaConfInterValLower()[0], output.GetEstimation()[0]);
         EXPECT_EQ(output.GetBetaConfInterValUpper()[0], output.GetEstimation()[0]);
-        for (const Row& row : rows) {
-            const Scores scores(regression.engine, row);
-            EXPECT_NEAR(scores.leverage, 1.0, 1e-12);
-            EXPECT_NEAR(scores.residualStdError, 0.0, 1e-6) << "the root of rounding error, never a NaN";
-            EXPECT_EQ(scores.lower, scores.fit);
-        }
+        const Scores scores(regression.engine, rows[0]);
+        EXPECT_NEAR(scores.leverage, 1.0, 1e-12);
+        EXPECT_NEAR(scores.residualStdError, 0.0, 1e-6) << "the root of rounding error, never a NaN";
+        EXPECT_EQ(scores.lower, scores.fit);
         settings.SetTestDistType(MAConst::TEST_STANDARD_NORMAL);
         const FERegression normal(settings, rows);
-        EXPECT_FALSE(KXMV::IsMissing(normal.output->GetBetaTestPValue()[0]));
+        EXPECT_NE(normal.output->GetBetaTestPValue()[0], missing);
         EXPECT_LT(normal.output->GetBetaConfInterValLower()[0], normal.output->GetEstimation()[0]);
     }
 }
@@ -142,26 +142,21 @@ TEST(MARegAlgorithm, SaturatedFixedEffects)
 TEST(MARegAlgorithm, SaturatedRandomEffects)
 {
     const Rows rows = RandomStudies(31, 3, 2);
-    for (const std::string code : {"HE", "HS", "DL", "SJ", "ML", "REML", "EB"}) {
+    for (const char* const code : {"HS", "DL"}) {
         for (const bool isTruncated : {false, true}) {
             SCOPED_TRACE(code);
             MARegSettings settings = RegressionOn({2, 3});
-            settings.SetEstTauType(code.c_str());
+            settings.SetEstTauType(code);
             settings.SetKnapHartAdjust(true);
             settings.SetTruncAjustValue(isTruncated);
             const RERegression regression(settings, rows);
-            const bool isDefined = code == "HS" || code == "DL";
-            ASSERT_EQ(regression.status, isDefined ? KXStatus() : KXStatus(460015));
-            if (!isDefined)
-                continue;
-            EXPECT_EQ(KXMV::IsMissing(regression.output->GetBetaStandErr()[1]), !isTruncated);
-            EXPECT_EQ(KXMV::IsMissing(regression.output->GetFTestVal()), !isTruncated);
-            EXPECT_TRUE(Same(regression.output->GetFPValue(), missing));
             const Scores scores(regression.engine, rows[0]);
             EXPECT_NEAR(scores.fit, rows[0][0], 1e-12);
             EXPECT_NEAR(scores.leverage, 1.0, 1e-12);
-            EXPECT_EQ(KXMV::IsMissing(scores.upper), !isTruncated);
-            EXPECT_EQ(KXMV::IsMissing(scores.residualStdError), !isTruncated);
+            EXPECT_EQ(regression.output->GetFPValue(), missing);
+            for (const double value : {regression.output->GetBetaStandErr()[1], scores.upper,
+                                       regression.output->GetFTestVal(), scores.residualStdError})
+                EXPECT_EQ(KXMV::IsMissing(value), !isTruncated);
         }
     }
 }
@@ -183,70 +178,63 @@ TEST(MARegAlgorithm, ExactFit)
         row[0] = 0.0;
     MARegSettings settings = RegressionOn({2});
     settings.SetKnapHartAdjust(true);
-    const RERegression adjusted(settings, rows);
-    EXPECT_TRUE(Same(adjusted.output->GetBetaStandErr(), {0.0, 0.0}));
-    EXPECT_TRUE(Same(adjusted.output->GetBetaConfInterValUpper(), {0.0, 0.0}));
-    EXPECT_TRUE(Same(adjusted.output->GetBetaTest(), {missing, missing}));
-    EXPECT_TRUE(Same(adjusted.output->GetBetaTestPValue(), {missing, missing}));
-    EXPECT_TRUE(Same(adjusted.output->GetFTestVal(), missing));
-    EXPECT_TRUE(Same(adjusted.output->GetFPValue(), missing));
-
     settings.SetMultiDiser(true);
+    const RERegression adjusted(settings, rows);
+    EXPECT_EQ(adjusted.output->GetBetaStandErr(), (Row{0.0, 0.0}));
+    EXPECT_EQ(adjusted.output->GetBetaConfInterValUpper(), (Row{0.0, 0.0}));
+    EXPECT_EQ(adjusted.output->GetBetaTest(), (Row{missing, missing}));
+    EXPECT_EQ(adjusted.output->GetBetaTestPValue(), (Row{missing, missing}));
+    EXPECT_EQ(adjusted.output->GetFTestVal(), missing);
+    EXPECT_EQ(adjusted.output->GetFPValue(), missing);
     const FERegression dispersed(settings, rows);
     EXPECT_EQ(dispersed.WarningCodes(), std::vector<int>{460048});
     EXPECT_EQ(dispersed.output->GetMultiDisper(), 1.0);
     EXPECT_EQ(dispersed.output->GetHresSquare(), 1.0);
 }
 
+namespace {
+
 /// Where the covariate is 0 the intercept is predicted. Without dependent or weight there is a prediction
 /// alone, and for a record far outside the studies no standard error of the residual.
-TEST(MARegAlgorithm, Scores)
+template <class Engine>
+void ExpectScores(MARegSettings settings, bool usesStudentT)
 {
-    const Rows rows = RandomStudies(51, 9, 1);
-    struct Case
-    {
-        bool isRandom, knappHartung;
-        MAConst::TESTDISTTYPE type;
-        bool usesStudentT;
-    };
-    const Case cases[] = {{false, false, MAConst::TEST_STUDENT_T, true},
-                          {false, true, MAConst::TEST_STANDARD_NORMAL, false},
-                          {true, false, MAConst::TEST_STANDARD_NORMAL, false},
-                          {true, true, MAConst::TEST_STANDARD_NORMAL, true},
-                          {true, false, MAConst::TEST_STUDENT_T, true}};
-    for (const Case& c : cases) {
-        SCOPED_TRACE(testing::Message() << c.isRandom << c.knappHartung << c.type);
-        MARegSettings settings = RegressionOn({2});
-        settings.SetConfidenceLevel(0.9);
-        settings.SetOMWVarType(MAConst::OMEGA_STD_ERROR); // whose square hides a wrong sign
-        settings.SetTestDistType(c.type);
-        settings.SetKnapHartAdjust(c.knappHartung);
-        const FERegression fixed(settings, rows);
-        const RERegression random(settings, rows);
-        const auto score = [&](const Row& row) {
-            return c.isRandom ? ::Scores(random.engine, row) : ::Scores(fixed.engine, row);
-        };
-        const double critical =
-            c.usesStudentT ? KXDistFun::IdfT(0.95, 7, 1e-20, 1e-12) : KXDistFun::IdfNorm(0.95, 0.0, 1.0);
-        const MARegOutputStats& output = c.isRandom ? *random.output : *fixed.output;
-        const double fit = output.GetEstimation()[0];
-        const double half = critical * output.GetBetaStandErr()[0];
-        for (const Row& row : {Row{missing, missing, 0.0}, Row{0.3, -1.0, 0.0}, Row{infinity, 0.1, 0.0}}) {
-            const Row expected = {
-                fit, output.GetBetaStandErr()[0], fit - half, fit + half, missing, missing, missing};
-            EXPECT_TRUE(Same(score(row).Values(), expected));
+    settings.SetConfidenceLevel(0.9);
+    settings.SetOMWVarType(MAConst::OMEGA_STD_ERROR); // whose square hides a wrong sign
+    const Regression<Engine> regression(settings, RandomStudies(51, 9, 1));
+    const double fit = regression.output->GetEstimation()[0];
+    const double stdError = regression.output->GetBetaStandErr()[0];
+    const double half = stdError * (usesStudentT ? KXDistFun::IdfT(0.95, 7, 1e-20, 1e-12)
+                                                 : KXDistFun::IdfNorm(0.95, 0.0, 1.0));
+    for (const Row& row : {Row{missing, missing, 0.0}, Row{0.3, -1.0, 0.0}, Row{infinity, 0.1, 0.0}})
+        EXPECT_EQ(Scores(regression.engine, row).Values(),
+                  (Row{fit, stdError, fit - half, fit + half, missing, missing, missing}));
+    const Scores distant(regression.engine, {0.3, 1e-4, 50.0});
+    EXPECT_GT(distant.leverage, 1.0);
+    EXPECT_EQ(distant.residualStdError, missing);
+    EXPECT_DOUBLE_EQ(distant.residual, 0.3 - distant.fit);
+}
+
+} // namespace
+
+/// Knapp and Hartung's adjustment asks for t, but not of fixed effects.
+TEST(MARegAlgorithm, ScoresHaveTheirInterval)
+{
+    for (const bool isAdjusted : {false, true}) {
+        for (const MAConst::TESTDISTTYPE type : {MAConst::TEST_STANDARD_NORMAL, MAConst::TEST_STUDENT_T}) {
+            SCOPED_TRACE(testing::Message() << isAdjusted << type);
+            MARegSettings settings = RegressionOn({2});
+            settings.SetKnapHartAdjust(isAdjusted);
+            settings.SetTestDistType(type);
+            ExpectScores<MAFEAlgorithm>(settings, type == MAConst::TEST_STUDENT_T);
+            ExpectScores<MAREAlgorithm>(settings, isAdjusted || type == MAConst::TEST_STUDENT_T);
         }
-        const ::Scores far = score({0.3, 1e-4, 50.0});
-        EXPECT_GT(far.leverage, 1.0);
-        EXPECT_TRUE(Same(far.residualStdError, missing));
-        EXPECT_DOUBLE_EQ(far.residual, 0.3 - far.fit);
     }
 }
 
 TEST(MARegAlgorithm, ParametersFollowTheEffects)
 {
-    MARegSettings settings = RegressionOn({3}, {2});
-    settings.AddModelEffect(EffectOf({2}, {3}));
+    const MARegSettings settings = WithEffect(EffectOf({2}, {3, 3}), RegressionOn({3}, {2}));
     Rows rows = RandomStudies(61, 9, 2);
     for (std::size_t i = 0; i < rows.size(); ++i)
         rows[i][2] = i % 2 == 0 ? 2.0 : 0.0;
@@ -259,13 +247,21 @@ TEST(MARegAlgorithm, ParametersFollowTheEffects)
     EXPECT_TRUE(engine.AreParamsCreated());
     EXPECT_EQ(engine.GetWarnings(), std::vector<KXStatus>(1, KXStatus(460031, true)));
     EXPECT_EQ(engine.GetFactorCounts().GetCount(0, 2), 5.0);
+
+    using Indices = std::vector<int>;
+    const Indices effects = {-1, 0, 1, 1, 2, 2};
+    const std::vector<Indices> factors = {{}, {}, {2}, {2}, {2}, {2}};
+    const std::vector<Indices> categories = {{}, {}, {0}, {2}, {0}, {2}};
+    const std::vector<Indices> multiplicities = {{}, {1}, {}, {}, {2}, {2}};
     const std::vector<KXRegrParameter> parameters = engine.GetParameters();
-    const std::vector<std::vector<int>> categories = {{}, {}, {0}, {2}, {0}, {2}};
-    const std::vector<int> effects = {-1, 0, 1, 1, 2, 2};
-    ASSERT_EQ(parameters.size(), categories.size());
+    ASSERT_EQ(parameters.size(), effects.size());
     for (std::size_t j = 0; j < parameters.size(); ++j) {
-        EXPECT_EQ(parameters[j].GetCategories(), categories[j]) << j;
-        EXPECT_EQ(parameters[j].GetEffectNumber(), effects[j]) << j;
+        EXPECT_EQ(parameters[j].IsIntercept(), j == 0);
+        EXPECT_EQ(parameters[j].GetEffectNumber(), effects[j]);
+        EXPECT_EQ(parameters[j].GetFactors(), factors[j]);
+        EXPECT_EQ(parameters[j].GetCategories(), categories[j]);
+        EXPECT_EQ(parameters[j].GetCovariates(), Indices(multiplicities[j].size(), 3));
+        EXPECT_EQ(parameters[j].GetCovMultiplicities(), multiplicities[j]);
     }
     EXPECT_EQ(DisplayOf(engine),
               "MAAlgorithm display start; Effect info:; "
@@ -275,43 +271,33 @@ TEST(MARegAlgorithm, ParametersFollowTheEffects)
               "MAAlgorithm display end; ");
 }
 
-/// Of another build nothing is left: not its records, its warnings nor, when one fails, its results.
+/// Of another build nothing is left: not its records, its warnings nor, when one fails, its results. Creating
+/// a model's parameters anew takes it down, but results outlive the engine.
 TEST(MARegAlgorithm, EveryBuildBeginsAfresh)
 {
     const MARegSettings settings = RegressionOn({2});
-    Rows rows = RandomStudies(72, 20, 1);
-    MAREAlgorithm engine(settings);
-    VectorRecordIter few(Rows{rows[0], rows[1], rows[2], rows[3], {missing, 1, 1}});
-    EXPECT_TRUE(engine.BuildModel(few).IsOK());
-    EXPECT_EQ(engine.GetWarnings().size(), 1U);
-    EXPECT_EQ(engine.GetNBadRecords(), 1);
+    const Rows rows = RandomStudies(72, 20, 1);
     VectorRecordIter all(rows);
-    EXPECT_TRUE(engine.BuildModel(all).IsOK());
-    EXPECT_TRUE(engine.GetWarnings().empty());
-    EXPECT_EQ(engine.GetNBadRecords(), 0);
+    VectorRecordIter few(Rows{rows[0], rows[1], rows[2], rows[3], {missing, 1, 1}});
     VectorRecordIter none(Rows{{missing, 1, 1}});
-    EXPECT_TRUE(engine.BuildModel(none).IsError());
-    const MARegOutputStats output(settings, engine);
-    EXPECT_TRUE(output.GetEstimation().empty());
-    EXPECT_EQ(output.GetTau(), 0.0);
-}
-
-/// Creating a model's parameters anew takes it down; the results outlive the engine.
-TEST(MARegAlgorithm, Lifecycle)
-{
-    const Rows rows = RandomStudies(71, 12, 1);
-    const MARegSettings settings = RegressionOn({2});
-    VectorRecordIter records(rows);
     auto engine = std::make_unique<MAREAlgorithm>(settings);
     EXPECT_EQ(Scores(*engine, rows[0]).status, KXStatus(460031, true));
-    EXPECT_TRUE(engine->BuildModel(records).IsOK());
-    const MARegOutputStats output(settings, *engine);
-    EXPECT_TRUE(engine->CreateParameters(records).IsOK());
+    EXPECT_TRUE(engine->BuildModel(few).IsOK());
+    EXPECT_EQ(engine->GetNBadRecords(), 1);
+    EXPECT_TRUE(engine->BuildModel(all).IsOK());
+    EXPECT_TRUE(engine->GetWarnings().empty());
+    EXPECT_EQ(engine->GetNBadRecords(), 0);
+    const MARegOutputStats ofAll(settings, *engine);
+    EXPECT_TRUE(engine->CreateParameters(all).IsOK());
     EXPECT_FALSE(engine->IsModelBuilt());
-    EXPECT_TRUE(Same(Scores(*engine, rows[0]).Values(), std::vector<double>(7, missing)));
+    EXPECT_EQ(Scores(*engine, rows[0]).Values(), Row(7, missing));
+    EXPECT_TRUE(engine->BuildModel(none).IsError());
+    const MARegOutputStats ofNone(settings, *engine);
+    EXPECT_TRUE(ofNone.GetEstimation().empty());
+    EXPECT_EQ(ofNone.GetTau(), 0.0);
     engine.reset();
-    EXPECT_EQ(output.GetEstimation().size(), 2U);
-    EXPECT_EQ(output.GetParameters().size(), 2U);
+    EXPECT_EQ(ofAll.GetEstimation().size(), 2U);
+    EXPECT_EQ(ofAll.GetParameters().size(), 2U);
 }
 
 namespace {
@@ -324,11 +310,10 @@ void ExpectParts(void (Engine::*use)(bool), std::size_t testCount)
     Engine engine(settings);
     (engine.*use)(true);
     EXPECT_TRUE(engine.BuildModel(records).IsOK());
-    EXPECT_TRUE(engine.IsModelBuilt());
     const MARegOutputStats output(settings, engine);
     EXPECT_EQ(output.GetEstimation().size(), 2U);
     EXPECT_EQ(output.GetBetaStandErr().size(), testCount);
-    EXPECT_TRUE(Same(output.GetResHomoChiSqure(), missing));
+    EXPECT_EQ(output.GetResHomoChiSqure(), missing);
 }
 
 } // namespace
@@ -350,11 +335,9 @@ TEST(MARegAlgorithm, FixedEffectsHaveNoRandomOnes)
     settings.SetTestDistType(MAConst::TEST_STANDARD_NORMAL);
     const FERegression regression(settings, RandomStudies(91, 12, 1));
     const MARegOutputStats& output = *regression.output;
-    for (const double value :
-         {output.GetTau(), output.GetRSquare(), output.GetFTestVal(), output.GetFPValue()})
+    for (const double value : {output.GetTau(), output.GetRSquare(), output.GetFTestVal(),
+                               output.GetFPValue(), 1.0 * output.GetFDf1(), 1.0 * output.GetFDf2()})
         EXPECT_EQ(value, 0.0);
-    EXPECT_EQ(output.GetFDf1(), 0);
-    EXPECT_EQ(output.GetFDf2(), 0);
     EXPECT_EQ(output.GetMultiDisper(), 1.0);
     const double statistic = output.GetBetaTest()[1];
     EXPECT_TRUE(Close(output.GetWaldChiSquareTest(), statistic * statistic, 1e-14));

@@ -3,8 +3,6 @@
 #include "support/Reference.h"
 #include "support/Regression.h"
 
-#include <functional>
-
 using namespace MA_NAMESPACE;
 using nlohmann::json;
 
@@ -22,25 +20,18 @@ struct Model
     const char* dataSet;
     const char* figures;
     std::vector<std::string> moderators;
-    bool isFactor;
-    std::function<double(double)> transform; ///< of the last moderator
+    bool isFactor = false;
+    double origin = 0; ///< of the last moderator
+    double cap = infinity;
 };
 
 const Model models[] = {
-    {"bcg_vaccine", "meta_regression_latitude", {"latitude"}, false, {}},
-    {"bcg_vaccine",
-     "meta_regression_latitude_and_year_minus_1900",
-     {"latitude", "year"},
-     false,
-     [](double year) { return year - 1900; }},
-    {"bcg_vaccine", "meta_regression_allocation_factor_reference_2", {"allocation"}, true, {}},
-    {"teacher_expectancy", "meta_regression_weeks", {"weeks"}, false, {}},
-    {"teacher_expectancy",
-     "meta_regression_weeks_capped_at_3",
-     {"weeks"},
-     false,
-     [](double weeks) { return std::min(weeks, 3.0); }},
-    {"writing_to_learn", "meta_regression_length_wic_feedback", {"length", "wic", "feedback"}, false, {}},
+    {"bcg_vaccine", "meta_regression_latitude", {"latitude"}},
+    {"bcg_vaccine", "meta_regression_latitude_and_year_minus_1900", {"latitude", "year"}, false, 1900},
+    {"bcg_vaccine", "meta_regression_allocation_factor_reference_2", {"allocation"}, true},
+    {"teacher_expectancy", "meta_regression_weeks", {"weeks"}},
+    {"teacher_expectancy", "meta_regression_weeks_capped_at_3", {"weeks"}, false, 0, 3},
+    {"writing_to_learn", "meta_regression_length_wic_feedback", {"length", "wic", "feedback"}},
 };
 
 json ReferenceOf(const Model& model)
@@ -66,8 +57,8 @@ Rows RowsOf(const Model& model)
             rows.push_back({at("effect"), at("variance")});
         for (const std::string& moderator : model.moderators)
             rows.back().push_back(at(moderator));
-        if (model.transform)
-            rows.back().back() = model.transform(rows.back().back());
+        double& last = rows.back().back();
+        last = KXMV::IsMissing(last) ? last : std::min(last - model.origin, model.cap);
     }
     return rows;
 }

@@ -23,8 +23,6 @@ public:
         Solve();
     }
 
-    const Vector& Effects() const { return effects_; }
-    const Vector& Weights() const { return weights_; }
     const Vector& Coefficients() const { return coefficients_; }
     /// Of X'WX: a diagonal element, and that of the inverse.
     long double SquaredNorm(std::size_t column) const { return squaredNorms_[column]; }

@@ -1,0 +1,216 @@
+// Inverse-variance pooling, with fixed and with random effects.
+
+#include "support/Compare.h"
+#include "support/Data.h"
+#include "support/StudyVectors.h"
+
+#include "meta_analysis/pooling/MAContinousFixEffectModel.h"
+#include "meta_analysis/pooling/MARandomEffectModel.h"
+
+using namespace MA_NAMESPACE;
+using namespace MAConst;
+
+namespace {
+
+/// The models of studies (effect, variance), which it keeps.
+struct Pooled
+{
+    explicit Pooled(const Rows& studies) : effects(ColumnOf(studies, 0)), variances(ColumnOf(studies, 1))
+    {
+        fixed.SetEffectSizes(&effects);
+        fixed.SetVariances(&variances);
+        EXPECT_TRUE(fixed.EstimateMeanESStats().IsOK());
+    }
+
+    MARandomEffectModel Random(int estimator, int adjustment = KNAPP_HARTUNG_NONE) const
+    {
+        MARandomEffectModel model;
+        model.SetEffectSizes(&effects);
+        model.SetVariances(&variances);
+        model.SetEstimationType(static_cast<TAU2ESTIMATOR>(estimator));
+        model.SetKHAdjType(static_cast<KNAPPHADJTYPE>(adjustment));
+        model.SetConverTol(1e-12);
+        EXPECT_TRUE(model.EstimateMeanESStats().IsOK());
+        return model;
+    }
+
+    Row effects;
+    Row variances;
+    MAContinousFixEffectModel fixed;
+};
+
+} // namespace
+
+TEST(MAContinousFixEffectModel, HeterogeneityMeasuresAtTheirLimits)
+{
+    struct Case
+    {
+        const char* name;
+        Rows studies;
+        double q, h2, i2;
+        bool hasBounds;
+    };
+    const Case cases[] = {
+        {"one study", {{0.5, 1}}, missing, missing, missing, false},
+        {"two studies, Q = 2", {{-1, 1}, {1, 1}}, 2, 2, 0.5, false}, // the standard error divides by k - 2
+        {"two studies, Q > 2", {{-2, 1}, {2, 1}}, 8, 8, 0.875, true},
+        {"Q is its expectation", {{-1, 1}, {0, 1}, {1, 1}}, 2, 1, 0, true},
+        {"Q below its expectation", {{-0.5, 1}, {0, 1}, {0.5, 1}}, 0.5, 0.25, 0, true},
+        {"equal effects", {{0.25, 1}, {0.25, 1}, {0.25, 1}}, 0, 0, 0, true},
+    };
+    for (const Case& c : cases) {
+        SCOPED_TRACE(c.name);
+        const Pooled pooled(c.studies);
+        const MAContinousFixEffectModel& model = pooled.fixed;
+        EXPECT_TRUE(Same(model.GetHomogeneityTestQ(), c.q));
+        EXPECT_EQ(model.GetHomogeneityTestPVal() == missing, c.q == missing);
+        EXPECT_TRUE(Same(model.GetHeterogeneityTestH2(), c.h2));
+        EXPECT_TRUE(Same(model.GetHeterogeneityTestI2(), c.i2));
+        for (const double bound :
+             {model.GetHeterogeneityTestH2CILower(), model.GetHeterogeneityTestH2CIUpper(),
+              model.GetHeterogeneityTestI2CILower(), model.GetHeterogeneityTestI2CIUpper()})
+            EXPECT_EQ(bound != missing, c.hasBounds);
+    }
+}
+
+TEST(MAContinousFixEffectModel, ContrastKeepsItsTestWhereThereIsNothingToTest)
+{
+    Pooled pooled({{1, 1}, {2, 3}, {4, 0.25}});
+    MAContinousFixEffectModel& model = pooled.fixed;
+    EXPECT_TRUE(model.ContrastTest().IsOK()); // no coefficients
+    EXPECT_EQ(model.GetContrastGMeans(), missing);
+    std::vector<double> coefficients = {1, -1, 0};
+    model.SetContrastCoef(&coefficients);
+    EXPECT_TRUE(model.ContrastTest().IsOK());
+    EXPECT_DOUBLE_EQ(model.GetContrastVariance(), 4.0);
+    coefficients = {0, 0, 0};
+    EXPECT_TRUE(model.ContrastTest().IsOK());
+    EXPECT_EQ(model.GetContrastVariance(), 0.0);
+    EXPECT_DOUBLE_EQ(model.GetContrastZVal(), -0.5);
+
+    coefficients = {1, missing, 2};
+    EXPECT_EQ(model.ContrastTest(), KXStatus(MAStatusCode::CONTRAST_COEFFICIENT_MISSING, true));
+    EXPECT_TRUE(model.EstimateMeanESStats().IsOK()); // the warning is not stored
+    coefficients.push_back(1);
+    EXPECT_EQ(model.ContrastTest(), KXStatus(MAStatusCode::LENGTH_MISMATCH));
+    EXPECT_EQ(model.SetContrastCoef(&coefficients), KXStatus(MAStatusCode::LENGTH_MISMATCH));
+    EXPECT_EQ(model.SetNullHypothesis(1), KXStatus(MAStatusCode::LENGTH_MISMATCH));
+}
+
+/// The effects agree better than their variances say: Knapp and Hartung's factor is below 1, and not
+/// truncated would shrink the variance.
+TEST(MARandomEffectModel, WithoutHeterogeneityEqualsTheFixedEffectModel)
+{
+    const Pooled pooled({{0.1, 1}, {0.11, 2}, {0.12, 0.5}, {0.1, 4}});
+    const MAContinousFixEffectModel& fixed = pooled.fixed;
+    for (const TAU2ESTIMATOR estimator : {TAU2_HE, TAU2_HS, TAU2_DL, TAU2_ML, TAU2_REML, TAU2_EB}) {
+        SCOPED_TRACE(estimator);
+        const MARandomEffectModel model = pooled.Random(estimator);
+        EXPECT_EQ(model.GetBetweenStudyVariance(), 0.0);
+        EXPECT_DOUBLE_EQ(model.GetEstEffectSize(), fixed.GetEstMeanEffectSize());
+        EXPECT_DOUBLE_EQ(model.GetEstESVariance(), fixed.GetEstEffectSizeVariance());
+        EXPECT_DOUBLE_EQ(model.GetEstESCIUpper(), fixed.GetEstEffectSizeCIUpper());
+        EXPECT_EQ(model.GetHeterogeneityTestH2(), 1.0);
+        EXPECT_EQ(model.GetHeterogeneityTestI2(), 0.0);
+        EXPECT_EQ(model.GetEstESStdError(), model.GetEstESVariance()); // not its root
+        EXPECT_DOUBLE_EQ(pooled.Random(estimator, KNAPP_HARTUNG_ADJUSTED).GetEstESVariance(),
+                         fixed.GetEstEffectSizeVariance() * fixed.GetHomogeneityTestQ() / 3);
+        EXPECT_EQ(pooled.Random(estimator, KNAPP_HARTUNG_TRUNCATED).GetEstESVariance(),
+                  model.GetEstESVariance());
+    }
+}
+
+/// Against sums of positive terms in extended precision.
+TEST(MARandomEffectModel, DominatingWeightKeepsTheDigitsOfHeterogeneity)
+{
+    const Rows studies = {{0.5, 0.2}, {0.1, 0.3e-10}, {-0.7, 0.25}, {1.9, 0.5}, {0.3, 0.1}};
+    long double sum = 0, weighted = 0, pairs = 0, q = 0;
+    for (const Row& study : studies) {
+        const long double w = 1 / static_cast<long double>(study[1]);
+        pairs += w * sum;
+        sum += w;
+        weighted += w * study[0];
+    }
+    for (const Row& study : studies)
+        q += (study[0] - weighted / sum) * (study[0] - weighted / sum) / study[1];
+    const long double typical = 4 * sum / (2 * pairs);
+    const long double tau2 = (q - 4) / (2 * pairs / sum);
+
+    const Pooled pooled(studies);
+    const MARandomEffectModel random = pooled.Random(TAU2_DL);
+    const std::pair<double, long double> figures[] = {
+        {random.GetBetweenStudyVariance(), tau2},
+        {random.GetHomogeneityTestQ(), q},
+        {random.GetHeterogeneityTestH2(), 1 + tau2 / typical},
+        {random.GetHeterogeneityTestI2(), tau2 / (typical + tau2)},
+        {pooled.fixed.GetHomogeneityTestQ(), q},
+        {pooled.fixed.GetHeterogeneityTestI2(), (q - 4) / q},
+    };
+    for (const auto& [actual, expected] : figures)
+        EXPECT_TRUE(Close(actual, static_cast<double>(expected), 1e-14));
+}
+
+TEST(MARandomEffectModel, UnknownEstimatorFails)
+{
+    const std::vector<double> values = {0.5, 1.25, 2.0};
+    MARandomEffectModel model;
+    model.SetEffectSizes(&values);
+    model.SetVariances(&values);
+    EXPECT_TRUE(model.SetEstimationType(static_cast<TAU2ESTIMATOR>(7)).IsOK());
+    const KXStatus failed(MAStatusCode::TAU2_FAILED);
+    EXPECT_EQ(model.EstimateMeanESStats(), failed);
+    EXPECT_EQ(model.SetEstimationType(TAU2_DL), failed);
+    EXPECT_EQ(model.EstimateMeanESStats(), failed);
+    EXPECT_EQ(model.GetEstEffectSize(), missing);
+}
+
+/// Numbers that strain or break the arithmetic.
+TEST(MARandomEffectModel, HostileStudies)
+{
+    struct Case
+    {
+        Rows studies;
+        bool isPoolable; ///< the pooled results are finite
+    };
+    const Case cases[] = {
+        {{{1e60, 1e120}, {-3e60, 2e120}, {7e60, 3e120}}, true},
+        {{{1e-60, 1e-120}, {-3e-60, 2e-120}, {7e-60, 3e-120}}, true},
+        {{{0.1, 1}, {0.1, 2}, {0.1, 3}}, true},
+        {{{0.1, 1e-30}, {0.2, 1}, {0.3, 1e30}}, true},
+        {{{0, 1}, {0.1, 1}, {1e12, 1}}, true},
+        {{{0.1, 1}, {0.2, infinity}, {0.3, 1}}, true},
+        {{{1e200, 1}, {-1e200, 1}, {0, 1}}, false},
+        {{{0.1, 1}, {0.2, 0}, {0.3, 1}}, false},
+        {{{0.1, 0}, {0.1, 0}}, false},
+        {{{0.1, 1}, {0.2, -1}, {0.3, 1}}, false},
+        {{{0.1, 1}, {0.2, notANumber}, {0.3, 1}}, false},
+        {{{0.1, infinity}}, false},
+    };
+    const auto isNumber = [](double value) { return std::isfinite(value) && value != missing; };
+    for (const Case& c : cases) {
+        const Pooled pooled(c.studies);
+        SCOPED_TRACE(testing::PrintToString(c.studies));
+        EXPECT_TRUE(!c.isPoolable || isNumber(pooled.fixed.GetEstMeanEffectSize()));
+        EXPECT_EQ(isNumber(pooled.fixed.GetHomogeneityTestQ()),
+                  pooled.fixed.GetHomogeneityTestPVal() != missing);
+        for (int estimator = TAU2_HE; estimator <= TAU2_EB; ++estimator) {
+            for (int adjustment = KNAPP_HARTUNG_NONE; adjustment <= KNAPP_HARTUNG_TRUNCATED; ++adjustment) {
+                const MARandomEffectModel model = pooled.Random(estimator, adjustment);
+                SCOPED_TRACE(testing::Message() << estimator << ", adjustment " << adjustment);
+                EXPECT_GE(model.GetBetweenStudyVariance(), 0.0);
+                EXPECT_TRUE(!c.isPoolable || isNumber(model.GetEstEffectSize()));
+                EXPECT_TRUE(!c.isPoolable || std::isfinite(model.GetEstESVariance()));
+            }
+        }
+    }
+}
+
+TEST(InverseVariance, StudyVectorsAreChecked)
+{
+    using Fixed = MAContinousFixEffectModel;
+    ExpectStudyVectorsChecked({&Fixed::SetEffectSizes, &Fixed::SetVariances}, &Fixed::EstimateMeanESStats,
+                              MAStatusCode::LENGTH_MISMATCH);
+    using Random = MARandomEffectModel;
+    ExpectStudyVectorsChecked({&Random::SetEffectSizes, &Random::SetVariances}, &Random::EstimateMeanESStats,
+                              MAStatusCode::INPUT_NOT_GIVEN);
+}
