@@ -91,11 +91,7 @@ KXStatus MABubblePlot::ComputeRows(MultiPassRecordIter& records, int covariate)
         return read;
     if (isCentered_)
         Center(studies);
-    if (model_ == MAConst::MODEL_FIXED)
-        Fit<MAFEAlgorithm>(studies);
-    else
-        Fit<MAREAlgorithm>(studies);
-    return KXStatus();
+    return model_ == MAConst::MODEL_FIXED ? Fit<MAFEAlgorithm>(studies) : Fit<MAREAlgorithm>(studies);
 }
 
 void MABubblePlot::Center(std::vector<Study>& studies)
@@ -141,9 +137,10 @@ MARegSettings MABubblePlot::SimpleRegression() const
 }
 
 /// The regression runs as one for a small-study test does: coefficients, covariance and adjustment are
-/// needed, tests of the model are not.
+/// needed, tests of the model are not. A regression that cannot be fitted leaves the rows without a fit; the
+/// records are the plot's own, so that 460012 is the host's wish to cancel.
 template <class Engine>
-void MABubblePlot::Fit(const std::vector<Study>& studies)
+KXStatus MABubblePlot::Fit(const std::vector<Study>& studies)
 {
     std::vector<Record> rows;
     for (const Study& study : studies) {
@@ -157,16 +154,17 @@ void MABubblePlot::Fit(const std::vector<Study>& studies)
     const KXStatus built = engine.BuildModel(records);
     RequireMemory(built);
     if (built.IsError())
-        return;
+        return built.GetCode() == MAStatusCode::ITERATOR_FAILED ? built : KXStatus();
     const MARegOutputStats output(simple, engine);
     const std::vector<double> coefficients = output.GetEstimation();
     RequireMemory(!coefficients.empty());
     if (KXMV::IsMissing(coefficients.back()))
-        return;
+        return KXStatus();
     rows_.fitted = 1;
     rows_.coefficients = coefficients;
     DescribeStudies(engine, studies, output.GetTau());
     DrawCurve(engine);
+    return KXStatus();
 }
 
 template <class Engine>

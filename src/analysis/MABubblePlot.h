@@ -36,8 +36,8 @@ public:
     void SetCurveNPoints(int count) { curvePointCount_ = count; }
 
     /// The plot of one covariate, by its index in the variable list. Errors: 460009 no such variable, 460011
-    /// the iterator cannot be started, 460012 it fails, 460099. A regression that cannot be fitted (no usable
-    /// study, a constant covariate) is no error: the rows say so.
+    /// the iterator cannot be started, 460012 it fails or the host cancels, 460099. A regression that cannot
+    /// be fitted (no usable study, a constant covariate) is no error: the rows say so.
     KXStatus Compute(MultiPassRecordIter& records, int covariate);
 
     const MABubbleRows& GetRows() const { return rows_; }
@@ -49,7 +49,7 @@ private:
     static void Center(std::vector<Study>& studies);
     MARegSettings SimpleRegression() const;
     template <class Engine>
-    void Fit(const std::vector<Study>& studies);
+    KXStatus Fit(const std::vector<Study>& studies);
     template <class Engine>
     void DescribeStudies(const Engine& engine, const std::vector<Study>& studies, double tau2);
     template <class Engine>
