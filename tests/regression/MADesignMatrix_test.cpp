@@ -87,7 +87,7 @@ TEST(MADesignMatrix, ChecksRecords)
         bool arePredictorsUsable;
     };
     const Case cases[] = {
-        {0, {missing, notANumber, infinity}, false, true},
+        {0, {missing, notANumber, infinity, 1e155}, false, true},             // whose square overflows
         {1, {missing, notANumber, infinity, 0.0, -0.1, 1e-310}, false, true}, // whose weight overflows
         {2, {2.4, -0.0}, true, true},
         {2, {2.5, -0.1, 3.0, 4294967297.0, missing, notANumber}, false, false},
@@ -117,6 +117,10 @@ TEST(MADesignMatrix, ChecksRecords)
             EXPECT_EQ(with.output->GetEstimation(), without.output->GetEstimation());
         }
     }
+    Row large = studies[0];
+    large[4] = 1e100; // the predictor is its square, whose square overflows
+    EXPECT_EQ(FERegression(settings, {large, studies[0], studies[1], studies[2]}).output->GetNBadRecords(),
+              1);
     const Scores levelNotSeenBefore(without.engine, {0.1, 0.5, 1, 0, 3, -2});
     EXPECT_EQ(levelNotSeenBefore.status, KXStatus(460031, true));
     const FERegression shortRecord(settings, {studies[0], {0.1, 0.5, 2, 0, 3}, studies[2]});
