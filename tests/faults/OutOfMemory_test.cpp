@@ -67,6 +67,12 @@ void ExpectSurvivesShortage(const std::string& name, const std::function<Operati
     }
 }
 
+/// ... of an operation for which nothing is made beforehand.
+void ExpectSurvivesShortage(const std::string& name, const Operation& operation)
+{
+    ExpectSurvivesShortage(name, [&] { return operation; });
+}
+
 /// Without the small-study tests that may fail without an error: that of a run, and those of groups, which
 /// have a flag; and without the warnings.
 template <class Driver>
@@ -202,21 +208,17 @@ void ExpectEngineSurvives(const MARegSettings& settings, const Rows& rows)
     ASSERT_TRUE(built.BuildModel(records).IsOK());
     const Record record(rows[0]);
     ExpectSurvivesShortage("Score", [&] {
-        return [&] {
-            double fit = 0.0;
-            double unused = 0.0;
-            const KXStatus status = built.Score(record, fit, unused, unused, unused, unused, unused, unused);
-            FailingMemory::Relent();
-            return Outcome{status, {{"fit", {{fit}}}}};
-        };
+        double fit = 0.0;
+        double unused = 0.0;
+        const KXStatus status = built.Score(record, fit, unused, unused, unused, unused, unused, unused);
+        FailingMemory::Relent();
+        return Outcome{status, {{"fit", {{fit}}}}};
     });
     ExpectSurvivesShortage("MARegOutputStats", [&] {
-        return [&] {
-            const MARegOutputStats output(settings, built);
-            FailingMemory::Relent();
-            return Outcome{output.IsComplete() ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY),
-                           ResultsOf(output)};
-        };
+        const MARegOutputStats output(settings, built);
+        FailingMemory::Relent();
+        return Outcome{output.IsComplete() ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY),
+                       ResultsOf(output)};
     });
     const MARegOutputStats output(settings, built);
     FailingMemory::FailAt(1, true);
@@ -274,17 +276,15 @@ TEST(OutOfMemory, Settings)
         return Outcome{status, EssentialResults(model)};
     };
     ExpectSurvivesShortage("filled", [&] {
-        return [&] {
-            MAModelSettings settings = TableSettings();
-            settings.SetContrastCoefIndex(indices);
-            settings.SetInputContrastCoef(numbers);
-            settings.SetFunnelConTourCutoff(numbers);
-            return runOf(settings);
-        };
+        MAModelSettings settings = TableSettings();
+        settings.SetContrastCoefIndex(indices);
+        settings.SetInputContrastCoef(numbers);
+        settings.SetFunnelConTourCutoff(numbers);
+        return runOf(settings);
     });
     MAModelSettings filled = TableSettings();
     filled.SetContrastCoefIndex(indices);
-    ExpectSurvivesShortage("copied", [&] { return [&] { return runOf(MAModelSettings(filled)); }; });
+    ExpectSurvivesShortage("copied", [&] { return runOf(MAModelSettings(filled)); });
     ExpectSurvivesShortage("assigned", [&] {
         return [&, settings = std::make_shared<MAModelSettings>()] {
             *settings = filled;
@@ -303,21 +303,17 @@ TEST(OutOfMemory, RegressionSettings)
     const Rows rows = RandomStudies(1, 9, 1);
     const MARegSettings filled = RegressionOn({2});
     ExpectSurvivesShortage("copied", [&] {
-        return [&] {
-            const MARegSettings settings(filled);
-            FailingMemory::Relent();
-            const FERegression regression(settings, rows);
-            return Outcome{regression.status, ResultsOf(*regression.output)};
-        };
+        const MARegSettings settings(filled);
+        FailingMemory::Relent();
+        const FERegression regression(settings, rows);
+        return Outcome{regression.status, ResultsOf(*regression.output)};
     });
     ExpectSurvivesShortage("filled", [&] {
-        return [&] {
-            MARegSettings settings;
-            KXModelEffect effect;
-            const bool isFilled = settings.SetDependent(0) && settings.AddCovariate(2) == 0 &&
-                                  settings.AddFactor(3, 2) == 0 && effect.AddCovariate(2) &&
-                                  settings.AddModelEffect(effect);
-            return Outcome{isFilled ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY), {}};
-        };
+        MARegSettings settings;
+        KXModelEffect effect;
+        const bool isFilled = settings.SetDependent(0) && settings.AddCovariate(2) == 0 &&
+                              settings.AddFactor(3, 2) == 0 && effect.AddCovariate(2) &&
+                              settings.AddModelEffect(effect);
+        return Outcome{isFilled ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY), {}};
     });
 }
