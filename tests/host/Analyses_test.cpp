@@ -15,6 +15,12 @@ TEST(Analyses, GroupStudiesByTexts)
               (std::vector<int>{8, 1, 2, 4, 5, 1, 1, 1, 14}));
 }
 
+TEST(Analyses, DrawFunnelsOverTheAxisAskedFor)
+{
+    const json results = ResultsOf(Bcg() + "--funnel-y variance");
+    EXPECT_EQ(results["FunnelY"][0], results["Variance"]);
+}
+
 /// The run tests with type 0 to choose the side; a later test of another type changes nothing about that.
 TEST(Analyses, TrimTheSideThatTheRunChose)
 {

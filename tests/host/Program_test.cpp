@@ -13,7 +13,7 @@ TEST(Program, ReproducesThePublishedData)
     const Arguments smoking = Effects("passive_smoking.csv");
     const char* const lower = "/EstCILower/0";
     const char* const filled = "/OverallTFEffectSize";
-    const PublishedFigure figures[] = {
+    ExpectPublished({
         {"bcg_vaccine", "/tables/OR_only0/pooled/REML/kh0/ci_lower", bcg, lower},
         {"bcg_vaccine", "/tables/RD_only0/pooled/HE/kh2/ci_lower",
          bcg + "--effect risk-difference --tau2 he --knapp-hartung truncated", lower},
@@ -40,8 +40,7 @@ TEST(Program, ReproducesThePublishedData)
          smoking + "--model fixed --trim-fill quadratic --side 1 --trim-fill-model fixed", filled},
         {"passive_smoking", "/bias/trimfill_DL_L0_left/estimate",
          smoking + "--tau2 dl --trim-fill linear --side 1 --trim-fill-tau2 dl", filled},
-    };
-    ExpectPublished(figures);
+    });
 }
 
 TEST(Program, TakesStandardDeviationsAndErrorsForVariances)

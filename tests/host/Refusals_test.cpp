@@ -14,8 +14,7 @@ struct Refusal
     std::string message;
 };
 
-template <std::size_t N>
-void ExpectRefused(const Refusal (&refusals)[N])
+void ExpectRefused(const std::vector<Refusal>& refusals)
 {
     for (const Refusal& refusal : refusals) {
         const ProgramRun run = RunProgram(refusal.arguments);
@@ -31,7 +30,7 @@ TEST(Refusals, OfCommandLines)
     const Arguments none;
     const Arguments effects = Effects("passive_smoking.csv");
     const Arguments binary = Binary("bcg_vaccine.csv");
-    const Refusal refusals[] = {
+    ExpectRefused({
         {none, "No command is given"},
         {none + "pool", "'pool' is no command"},
         {none + "--level 0.9 binary", "'--level' stands before the command"},
@@ -65,8 +64,7 @@ TEST(Refusals, OfCommandLines)
         {effects + "--contour-level 0.1", "--contour-level needs --contours"},
         {effects + "--trim-fill cubic", "--trim-fill: 'cubic' is none of linear, run, quadratic"},
         {effects + "--small-study-test 3", "type 3 needs the tables of the command binary"},
-    };
-    ExpectRefused(refusals);
+    });
 }
 
 TEST(Refusals, OfColumnsAndTheirFields)
@@ -74,7 +72,7 @@ TEST(Refusals, OfColumnsAndTheirFields)
     const TemporaryFolder folder;
     const std::string data = folder.Write("t.csv", "who,effect,variance\n\"A\nB\",1,2\nC,x,2\n");
     const Arguments smoking = Effects("passive_smoking.csv");
-    const Refusal refusals[] = {
+    ExpectRefused({
         {Effects(data), "t.csv, line 4, column 'effect': 'x' is not a number"},
         {smoking + "--study author",
          "passive_smoking.csv has no column 'author'. Its columns are: study, year"},
@@ -82,8 +80,7 @@ TEST(Refusals, OfColumnsAndTheirFields)
         {smoking + "--contrast country", "line 2, column 'country': 'USA' is not a number"},
         {smoking + "--bubble country --subgroup country", "column 'country': 'USA' is not a number"},
         {smoking + "--bubble year --bubble year", "--bubble: column 'year' is given twice"},
-    };
-    ExpectRefused(refusals);
+    });
 }
 
 TEST(Refusals, OfRegressions)
@@ -94,7 +91,7 @@ TEST(Refusals, OfRegressions)
     const Arguments regression = {"regression", data};
     const Arguments effects = regression + "--effect-size y";
     const Arguments command = effects + "--variance v";
-    const Refusal refusals[] = {
+    ExpectRefused({
         {effects, "Exactly one of --variance, --std-error and --weight is required"},
         {command + "--covariate z", "has no column 'z'. Its columns are: y, v, x"},
         {command + "--covariate g", "t.csv, line 2, column 'g': 'p' is not a number"},
@@ -113,8 +110,7 @@ TEST(Refusals, OfRegressions)
          "'a:b:a' can be parted into two columns at more than one colon"},
         {command + "--no-intercept", "leaves nothing to estimate"},
         {command + "--no-intercept=1", "--no-intercept: a flag takes no argument"},
-    };
-    ExpectRefused(refusals);
+    });
 }
 
 /// Before the analysis, so that nothing is written.
@@ -123,7 +119,7 @@ TEST(Refusals, OfPlacesThatCannotBe)
     const TemporaryFolder folder;
     const std::string file = folder.Write("file", "");
     const std::string data = DataFile("bcg_vaccine.csv");
-    const Refusal refusals[] = {
+    ExpectRefused({
         {Bcg({"--plots", file}), "is no folder"},
         {Bcg({"--html", data}), "--html: '" + data + "' is the data file"},
         {Bcg({"--html", file, "--json", file}), "is the file of --json"},
@@ -132,8 +128,7 @@ TEST(Refusals, OfPlacesThatCannotBe)
          "is the folder of --plots"},
         {Bcg({"--html", folder.PathOf("new/page")}), "there is no folder '"},
         {Bcg({"--json", ""}), "--json: '' cannot be written"},
-    };
-    ExpectRefused(refusals);
+    });
     EXPECT_EQ(folder.Files(), Texts{"file"});
 }
 

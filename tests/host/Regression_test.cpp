@@ -47,7 +47,7 @@ TEST(Regression, ReproducesThePublishedData)
     const Arguments latitude = Vaccine(folder) + "--covariate latitude";
     const Arguments allocation = Vaccine(folder) + "--factor allocation";
     const char* const stdError = "/BetaStandErr/1";
-    const PublishedFigure figures[] = {
+    ExpectPublished({
         {"bcg_vaccine", "/risk_ratio/meta_regression_latitude/REML_z/p/1",
          latitude + "--variance v --normal-tests", "/BetaTestPValue/1"},
         {"bcg_vaccine", "/risk_ratio/meta_regression_latitude/FE_t/p/1",
@@ -71,8 +71,7 @@ TEST(Regression, ReproducesThePublishedData)
          Regression("writing_to_learn.csv") +
              "--covariate length --covariate wic --covariate feedback --tau2 he",
          stdError},
-    };
-    ExpectPublished(figures);
+    });
 }
 
 TEST(Regression, NamesItsParametersAndMarksTheRedundantOnes)

@@ -12,8 +12,7 @@ struct ShownReport
     std::string pattern; ///< of POSIX, where .* goes on over the ends of lines
 };
 
-template <std::size_t N>
-void ExpectShown(const ShownReport (&reports)[N])
+void ExpectShown(const std::vector<ShownReport>& reports)
 {
     for (const ShownReport& one : reports)
         EXPECT_THAT(ReportOf(one.arguments), ContainsRegex(one.pattern));
@@ -23,7 +22,7 @@ TEST(Reports, ShowRecordsStudiesAndModels)
 {
     const TemporaryFolder folder;
     const std::string unusable = folder.Write("t.csv", "effect,variance\nNA,1\n1,0\n");
-    const ShownReport reports[] = {
+    ExpectShown({
         {Bcg(),
          "^Meta-analysis: odds ratio, random-effects model \\(restricted maximum likelihood\\), 95% level\n"
          ".*13 read, 13 used, 0 missing, 0 invalid, 0 dropped\n"
@@ -34,8 +33,7 @@ TEST(Reports, ShowRecordsStudiesAndModels)
          ".*Overall +163.1649 +12 +< 0.0001 +0.3378 +0.5812 +92.07 +12.6146\n"
          ".*460045: [A-Z].*\\.\n"},
         {Effects(unusable), "2 read, 0 used, 1 missing, 1 invalid, 0 dropped\nNo record could be used"},
-    };
-    ExpectShown(reports);
+    });
 }
 
 TEST(Reports, SayWhatTheLibraryDoesWithTheSettings)
@@ -44,34 +42,34 @@ TEST(Reports, SayWhatTheLibraryDoesWithTheSettings)
     const Arguments effects = Effects("passive_smoking.csv") + "--outcome binary --model fixed";
     const std::string tables = "--weights mantel-haenszel";
     const std::string random = "random-effects model \\(restricted maximum likelihood\\), 95%";
-    const ShownReport reports[] = {
-        {Bcg() + "--null 2", random + ".*SE +z +p\n.*--null 2 is for the fixed-effect model; "
-                                      "the null hypothesis here is log OR = 0\\."},
+    ExpectShown({
+        {Bcg() + "--null 2",
+         random + ".*SE +z +p\n"
+                  ".*--null 2 is for the fixed-effect model; the null hypothesis here is log OR = 0\\."},
         {Bcg() + "--tau2 dl --knapp-hartung truncated",
          "random-effects model \\(DerSimonian-Laird\\), truncated Knapp-Hartung adjustment, .*SE +t +p\n"},
-        {fixed + "--knapp-hartung adjusted --null 0.5", "fixed-effect model \\(inverse variance\\), 95%.*SE "
-                                                        "+z +p\n.*The null hypothesis is log OR = 0.5\\."},
+        {fixed + "--knapp-hartung adjusted --null 0.5",
+         "fixed-effect model \\(inverse variance\\), 95%.*SE +z +p\n"
+         ".*The null hypothesis is log OR = 0.5\\."},
         {fixed + tables + "--null 2",
          "fixed-effect model \\(Mantel-Haenszel\\), .*The null hypothesis is OR = 2\\."},
         {fixed + tables + "--effect peto", "fixed-effect model \\(Peto\\), "},
         {Bcg() + tables, random},
         {effects + tables, "fixed-effect model \\(inverse variance\\), "},
-    };
-    ExpectShown(reports);
+    });
 }
 
 TEST(Reports, ShowGroupsInOrderOfTheirTexts)
 {
     const TemporaryFolder folder;
     const std::string gaps = folder.Write("t.csv", "effect,variance,g\n1,1,b\n2,1,NA\n3,1,a\n4,1,\n");
-    const ShownReport reports[] = {
+    ExpectShown({
         {Effects("passive_smoking.csv") + "--subgroup country",
          "Pooled effect\n.*\nChina .*\nGermany .*\nGreece .*\nHong Kong .*\nJapan .*\nRussia .*\nSweden .*\n"
          "UK .*\nUSA .*\nOverall .*\nHeterogeneity between the groups\n +Q +df +p\n9.97[0-9]+ +8 +0.26"},
         {Effects(gaps) + "--subgroup g",
          "\n2 +\\(missing\\) +2.0000.*\n\\(missing\\) +3.0000 .*\na +3.0000 .*\nb +1.0000 .*\nOverall "},
-    };
-    ExpectShown(reports);
+    });
 }
 
 /// The last step of a group is its pooled effect.
@@ -79,7 +77,7 @@ TEST(Reports, ShowCumulativeAnalysesInTheirOrder)
 {
     const Arguments byYear = Bcg() + "--effect risk-ratio --cumulative year";
     const Arguments byGenus = Continuous("elevated_co2.csv") + "--cumulative genus --study study";
-    const ShownReport reports[] = {
+    ExpectShown({
         {byYear + "--descending",
          "Cumulative analysis\nStudy added +year +RR [^\n]*\nTPT Madras +1980 +1.0120 [^\n]*\n"
          "Hart & Sutherland +1977 "},
@@ -91,21 +89,19 @@ TEST(Reports, ShowCumulativeAnalysesInTheirOrder)
          "Frimodt-Moller et al +1973 +0.5823 "},
         {byGenus, "Study added +genus [^\n]*\n[0-9]+ +ACER "},
         {byGenus + "--descending", "Study added +genus [^\n]*\n[0-9]+ +TRICHOSPERMUM "},
-    };
-    ExpectShown(reports);
+    });
 }
 
 TEST(Reports, ShowContrastsAndPlots)
 {
     const Arguments contrasts = Bcg() + "--contrast allocation --contrast year";
-    const ShownReport reports[] = {
+    ExpectShown({
         {contrasts + "--model fixed", "Contrasts\n +exp\\(contrast\\) [^\n]*\nallocation [^\n]*\nyear "},
         {contrasts, "tested under the fixed-effect model alone"},
         {Bcg() + "--funnel-y inverse-variance --contours lower", "\nIts picture has no contours: "},
         {Bcg() + "--effect risk-ratio --bubble year --bubble latitude",
          "Bubble plots\n.*\nyear +13 .*\nlatitude +13 +0.2515 +-0.0291\n"},
-    };
-    ExpectShown(reports);
+    });
 }
 
 TEST(Reports, ExplainSmallStudyEffectsWithoutAClaim)
@@ -113,7 +109,7 @@ TEST(Reports, ExplainSmallStudyEffectsWithoutAClaim)
     const TemporaryFolder folder;
     const std::string two = folder.Write("t.csv", "effect,variance\n1,1\n2,2\n");
     const Arguments trimFill = Binary("magnesium.csv") + "--trim-fill linear";
-    const ShownReport reports[] = {
+    ExpectShown({
         {trimFill, "Trim-and-fill\n.*\nObserved studies .*\nWith imputed studies .*\n"
                    "Studies imputed by the linear estimator, .*side that the data suggest\\): [0-9]+\\.\n"},
         {trimFill + "--model fixed --weights mantel-haenszel", "460046: "},
@@ -127,8 +123,7 @@ TEST(Reports, ExplainSmallStudyEffectsWithoutAClaim)
          "At the 95% level it does not differ clearly from zero"},
         {Bcg() + "--small-study-test 3", "smaller studies report"},
         {Bcg() + "--small-study-test 3 --test-intercept off", "Without intercept"},
-    };
-    ExpectShown(reports);
+    });
 }
 
 TEST(Reports, ShowRegressions)
@@ -136,7 +131,7 @@ TEST(Reports, ShowRegressions)
     const TemporaryFolder folder;
     const std::string exact = folder.Write("t.csv", "effect,variance,x\n1,1,1\n2,1,2\nNA,1,3\n");
     const Arguments tester = Regression("teacher_expectancy.csv") + "--factor tester --study study";
-    const ShownReport reports[] = {
+    ExpectShown({
         {tester + "--knapp-hartung adjusted --tau2 dl",
          "^Meta-regression: random-effects model \\(DerSimonian-Laird\\), Knapp-Hartung adjustment, 95% "
          "level\n"
@@ -151,8 +146,7 @@ TEST(Reports, ShowRegressions)
          "which"},
         {Regression(exact) + "--covariate x --model fixed",
          "\nWarnings\n460031: [A-Z][^\n]*\\.\n460049: [A-Z][^\n]*\\.\n$"},
-    };
-    ExpectShown(reports);
+    });
 }
 
 } // namespace
