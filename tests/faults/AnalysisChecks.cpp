@@ -40,11 +40,6 @@ Outcome OutcomeOf(const AnalysisCase& made, int runs = 1)
     return made.isBinary ? OutcomeOf<MABinModel>(made, runs) : OutcomeOf<MAContModel>(made, runs);
 }
 
-bool IsLevel(double level)
-{
-    return level > 0.0 && level < 1.0;
-}
-
 /// Results with as many rows of the same lengths.
 const Names companions[] = {
     {"GetEffectSize", "GetVariance", "GetStdError", "GetZVal", "GetSig", "GetNonMissingStudyID"},
@@ -107,7 +102,7 @@ private:
 
     Expectations Of(const Results& results) const
     {
-        return {results, IsLevel(made_.settings.GetCILevel()), violations_};
+        return {results, made_.settings.GetCILevel(), violations_};
     }
     double Number(const char* name) const { return expect_.Values(name).at(0); }
     std::size_t StudyCount() const { return expect_.Values("GetEffectSize").size(); }
@@ -137,7 +132,7 @@ void AnalysisCheck::CheckShapesAndRanges()
     for (const auto& interval : intervals)
         expect_.Ordered(interval.lower, interval.middle, interval.upper);
     Expectations ofRegression = expect_;
-    ofRegression.hasLevel = IsLevel(made_.regression.GetConfidenceLevel());
+    ofRegression.level = made_.regression.GetConfidenceLevel();
     ofRegression.Ordered("GetRegrBetaConfInterValLower", "GetRegrTestCoefficient",
                          "GetRegrBetaConfInterValUpper");
     expect_.Significances();

@@ -95,7 +95,7 @@ void ExpectSound(const Driver& model)
 {
     const Results results = ResultsOf(model);
     Violations violations;
-    const Expectations expect{results, true, violations};
+    const Expectations expect{results, 0.95, violations};
     expect.SameShape({"GetEffectSize", "GetVariance", "GetStdError", "GetZVal", "GetSig", "GetCILower",
                       "GetCIUpper", "GetNonMissingStudyID"});
     expect.Ordered("GetEstCILower", "GetEstEffectSize", "GetEstCIUpper");

@@ -35,8 +35,7 @@ public:
 private:
     Expectations Of(const Results& results) const
     {
-        const double level = made_.settings.GetConfidenceLevel();
-        return {results, level > 0.0 && level < 1.0, violations_};
+        return {results, made_.settings.GetConfidenceLevel(), violations_};
     }
     void ExpectFollowsIn(const Rows& rows, const Change& change)
     {

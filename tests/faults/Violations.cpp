@@ -149,7 +149,8 @@ void Expectations::Ordered(const std::string& lower, const std::string& middle,
     const std::vector<double> most = Values(upper);
     if (least.size() != values.size() || values.size() != most.size())
         violations.Add(middle + " has as many entries as its bounds");
-    for (std::size_t i = 0; hasLevel && i < std::min({least.size(), values.size(), most.size()}); ++i) {
+    const bool isLevel = level > 0.0 && level < 1.0;
+    for (std::size_t i = 0; isLevel && i < std::min({least.size(), values.size(), most.size()}); ++i) {
         if (!IsNumber(values[i]) || !IsNumber(least[i]) || !IsNumber(most[i]))
             continue;
         if (!(least[i] <= values[i] && values[i] <= most[i]))
@@ -159,7 +160,7 @@ void Expectations::Ordered(const std::string& lower, const std::string& middle,
 
 void Expectations::Followed(const Change& change, std::span<const Trait> traits, const Results& after) const
 {
-    const Expectations changed = {after, hasLevel, violations};
+    const Expectations changed = {after, level, violations};
     for (const Trait& trait : traits) {
         const bool isNegated = change.isNegation && trait.sign < 0;
         const double factor = std::pow(change.unit, trait.degree) * (isNegated ? -1 : 1);

@@ -52,8 +52,7 @@ struct Change
     double tolerance; ///< relative, or absolute for values below 1
 };
 
-/// What holds for single results. `hasLevel`: the confidence level is one, so that intervals hold what they
-/// are about.
+/// What holds for single results.
 struct Expectations
 {
     /// The results that a name stands for, as one list.
@@ -77,7 +76,7 @@ struct Expectations
     void Followed(const Change& change, std::span<const Trait> traits, const Results& after) const;
 
     const Results& results;
-    bool hasLevel;
+    double level; ///< of confidence; when it is one, intervals hold what they are about
     Violations& violations;
 };
 
