@@ -89,7 +89,7 @@ public:
     {}
 
     void CheckStatus();
-    void CheckShapesAndRanges();
+    void CheckShapes();
     void CheckCounts();
     void CheckWeights();
     void CheckRepetition();
@@ -125,22 +125,13 @@ void AnalysisCheck::CheckStatus()
     }
 }
 
-void AnalysisCheck::CheckShapesAndRanges()
+void AnalysisCheck::CheckShapes()
 {
-    for (const Names& names : companions)
-        expect_.SameShape(names);
-    for (const auto& interval : intervals)
-        expect_.Ordered(interval.lower, interval.middle, interval.upper);
+    CheckShapesAndRanges(expect_);
     Expectations ofRegression = expect_;
     ofRegression.level = made_.regression.GetConfidenceLevel();
     ofRegression.Ordered("GetRegrBetaConfInterValLower", "GetRegrTestCoefficient",
                          "GetRegrBetaConfInterValUpper");
-    expect_.Significances();
-    expect_.Between({"GetVariance", "GetTau2Var", "GetHomoTestChisquareQ", "GetHomoTestdf", "GetH2Index",
-                     "GetH2CILower", "GetGDQbVal", "GetRegBasedTestDf"},
-                    0.0, infinity);
-    expect_.Between({"GetI2Index", "GetI2CILower", "GetI2CIUpper", "GetNormalizedWeight"}, 0.0, 1.0);
-    expect_.Between({"GetBubbleW"}, 0.0, 100.0);
     if (made_.settings.GetCummulativeIndex() == -1 && !run_.status.IsError()) {
         expect_.SameShape({"GetEstEffectSize", "GetTau2Var"});
         expect_.Ordered("GetPILower", "GetEstEffectSize", "GetPIUpper");
@@ -282,11 +273,25 @@ void AnalysisCheck::CheckOrder()
 
 } // namespace
 
+void CheckShapesAndRanges(const Expectations& expect)
+{
+    for (const Names& names : companions)
+        expect.SameShape(names);
+    for (const auto& interval : intervals)
+        expect.Ordered(interval.lower, interval.middle, interval.upper);
+    expect.Significances();
+    expect.Between({"GetVariance", "GetTau2Var", "GetHomoTestChisquareQ", "GetHomoTestdf", "GetH2Index",
+                    "GetH2CILower", "GetGDQbVal", "GetRegBasedTestDf"},
+                   0.0, infinity);
+    expect.Between({"GetI2Index", "GetI2CILower", "GetI2CIUpper", "GetNormalizedWeight"}, 0.0, 1.0);
+    expect.Between({"GetBubbleW"}, 0.0, 100.0);
+}
+
 void CheckAnalysis(const AnalysisCase& made, Violations& violations)
 {
     AnalysisCheck check(made, violations);
     check.CheckStatus();
-    check.CheckShapesAndRanges();
+    check.CheckShapes();
     check.CheckCounts();
     check.CheckRepetition();
     if (!made.isTame)

@@ -1,7 +1,7 @@
 // Records that are not the same in every pass, or not what a pass said they were.
 
 #include "faults/FullRecords.h"
-#include "faults/Violations.h"
+#include "faults/RunChecks.h"
 #include "support/Regression.h"
 
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -95,14 +95,7 @@ void ExpectSound(const Driver& model)
 {
     const Results results = ResultsOf(model);
     Violations violations;
-    const Expectations expect{results, 0.95, violations};
-    expect.SameShape({"GetEffectSize", "GetVariance", "GetStdError", "GetZVal", "GetSig", "GetCILower",
-                      "GetCIUpper", "GetNonMissingStudyID"});
-    expect.Ordered("GetEstCILower", "GetEstEffectSize", "GetEstCIUpper");
-    expect.SameShape({"GetFunnelX", "GetFunnelY"});
-    expect.SameShape({"GetBubbleXs", "GetBubbleW"});
-    expect.Significances();
-    expect.Between({"GetNormalizedWeight"}, 0.0, 1.0);
+    CheckShapesAndRanges({results, 0.95, violations});
     EXPECT_EQ(violations.Texts(), Names());
 }
 
