@@ -68,16 +68,19 @@ enum Role : int
     ROLE_COUNT
 };
 
+Row MakeData(Values& values, StudyData data)
+{
+    if (data == StudyData::Tables)
+        return {values.Count(), values.Count(), values.Count(), values.Count()};
+    if (data == StudyData::Means)
+        return {values.Size(), values.Effect(), values.Positive(),
+                values.Size(), values.Effect(), values.Positive()};
+    return {values.Effect(), values.Positive()};
+}
+
 Row MakeStudy(Values& values, StudyData data)
 {
-    Row row;
-    if (data == StudyData::Tables)
-        row = {values.Count(), values.Count(), values.Count(), values.Count()};
-    else if (data == StudyData::Means)
-        row = {values.Size(), values.Effect(), values.Positive(),
-               values.Size(), values.Effect(), values.Positive()};
-    else
-        row = {values.Effect(), values.Positive()};
+    Row row = MakeData(values, data);
     for (const double value : {values.Level(), values.Effect(), values.Level() - 1.0, values.Level() - 1.0,
                                values.Effect(), values.Positive()})
         row.push_back(value);

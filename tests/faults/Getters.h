@@ -4,96 +4,57 @@
 #include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/regression/MARegOutputStats.h"
 
+#include <utility>
+
 // Calls `visit(name, getter)` for every getter of numbers that an analysis or a regression's output has; the
 // second is a pointer to a member function.
 
-template <class Visit>
-void VisitEach(Visit& /*visit*/)
-{}
-
-template <class Visit, class Getter, class... Rest>
-void VisitEach(Visit& visit, const char* name, Getter getter, Rest... rest)
+template <class Visit, class... Getters>
+void VisitEach(Visit& visit, const std::pair<const char*, Getters>&... named)
 {
-    visit(name, getter);
-    VisitEach(visit, rest...);
+    (visit(named.first, named.second), ...);
 }
 
-#define NAMED(getter) #getter, &Source::getter
+#define NAMED(getter) std::pair<const char*, decltype(&Source::getter)>(#getter, &Source::getter)
 
-template <class Source, class Visit>
-void VisitStudies(Visit& visit)
+template <class Visit>
+void VisitGetters(const MA_NAMESPACE::MAAnalysisResults* /*of*/, Visit visit)
 {
+    using Source = MA_NAMESPACE::MAAnalysisResults;
     VisitEach(visit, NAMED(GetNMissing), NAMED(GetNInvalid), NAMED(GetNDropped), NAMED(GetNonMissingStudyID),
               NAMED(GetEffectSize), NAMED(GetVariance), NAMED(GetStdError), NAMED(GetZVal), NAMED(GetSig),
               NAMED(GetCILower), NAMED(GetCIUpper), NAMED(GetSampSize), NAMED(GetWeight),
-              NAMED(GetNormalizedWeight));
-}
-
-template <class Source, class Visit>
-void VisitModels(Visit& visit)
-{
-    VisitEach(visit, NAMED(GetEstEffectSize), NAMED(GetEstStdError), NAMED(GetEstZVal), NAMED(GetEstSig),
-              NAMED(GetEstCILower), NAMED(GetEstCIUpper), NAMED(GetPILower), NAMED(GetPIUpper),
-              NAMED(GetTau2Var), NAMED(GetHomoTestChisquareQ), NAMED(GetHomoTestdf), NAMED(GetHomoTestSig),
-              NAMED(GetH2Index), NAMED(GetH2CILower), NAMED(GetH2CIUpper), NAMED(GetI2Index),
-              NAMED(GetI2CILower), NAMED(GetI2CIUpper), NAMED(GetUniGroup), NAMED(GetGroupN),
-              NAMED(GetSubGroupStudyID), NAMED(GetGDQbVal), NAMED(GetGDQbDf), NAMED(GetGDQbSig));
-}
-
-template <class Source, class Visit>
-void VisitFurtherAnalyses(Visit& visit)
-{
-    VisitEach(visit, NAMED(GetContrastEstES), NAMED(GetContrastEstStdError), NAMED(GetContrastEstZVal),
-              NAMED(GetContrastEstSig), NAMED(GetContrastEstCILower), NAMED(GetContrastEstCIUpper),
-              NAMED(GetContrastStatus), NAMED(GetCumulative), NAMED(GetEstCumulative), NAMED(GetCumEstES),
-              NAMED(GetCumEstStdErr), NAMED(GetCumEstZval), NAMED(GetCumEstSig), NAMED(GetCumEstCiLower),
-              NAMED(GetCumEstCiUpper), NAMED(GetTFImputedN0), NAMED(GetTFImputedEffectSize),
-              NAMED(GetTFImputedStdError), NAMED(GetOverallTFEffectSize), NAMED(GetOverallTFStdError),
-              NAMED(GetOverallTFZVal), NAMED(GetOverallTFSig), NAMED(GetOverallTFCILower),
-              NAMED(GetOverallTFCIUpper));
-}
-
-template <class Source, class Visit>
-void VisitPlots(Visit& visit)
-{
-    VisitEach(visit, NAMED(GetFunnelX), NAMED(GetFunnelY), NAMED(GetFunnelCIX), NAMED(GetFunnelCIY),
-              NAMED(GetFunnelContourX), NAMED(GetFunnelContourY), NAMED(GetGalbPlotX), NAMED(GetGalbPlotY),
-              NAMED(GetGalbRegrSlope), NAMED(GetGalbRegrIntercept), NAMED(GetBubbleFlags),
-              NAMED(GetBubbleCoefs), NAMED(GetBubbleXs), NAMED(GetBubblePredVals), NAMED(GetBubbleW),
-              NAMED(GetBubbleCILower), NAMED(GetBubbleCIUpper), NAMED(GetBubbleCICurveX),
-              NAMED(GetBubbleCICurveLower), NAMED(GetBubbleCICurveUpper));
-}
-
-template <class Source, class Visit>
-void VisitTests(Visit& visit)
-{
-    VisitEach(visit, NAMED(GetRegBasedTestCoef), NAMED(GetRegBasedTestStdError), NAMED(GetRegBasedTestVal),
-              NAMED(GeRegBasedTestSig), NAMED(GetRegBasedTestDf), NAMED(GetRegBasedTestCILower),
-              NAMED(GetRegBasedTestCIUpper), NAMED(GetIfRegrTestPassFlag), NAMED(GetRegrTestCoefficient),
-              NAMED(GetRegrTestBetaStandErr), NAMED(GetRegrBetaTestVal), NAMED(GetRegrBetaTestPValue),
-              NAMED(GetRegrBetaConfInterValLower), NAMED(GetRegrBetaConfInterValUpper));
+              NAMED(GetNormalizedWeight), NAMED(GetEstEffectSize), NAMED(GetEstStdError), NAMED(GetEstZVal),
+              NAMED(GetEstSig), NAMED(GetEstCILower), NAMED(GetEstCIUpper), NAMED(GetPILower),
+              NAMED(GetPIUpper), NAMED(GetTau2Var), NAMED(GetHomoTestChisquareQ), NAMED(GetHomoTestdf),
+              NAMED(GetHomoTestSig), NAMED(GetH2Index), NAMED(GetH2CILower), NAMED(GetH2CIUpper),
+              NAMED(GetI2Index), NAMED(GetI2CILower), NAMED(GetI2CIUpper), NAMED(GetUniGroup),
+              NAMED(GetGroupN), NAMED(GetSubGroupStudyID), NAMED(GetGDQbVal), NAMED(GetGDQbDf),
+              NAMED(GetGDQbSig), NAMED(GetContrastEstES), NAMED(GetContrastEstStdError),
+              NAMED(GetContrastEstZVal), NAMED(GetContrastEstSig), NAMED(GetContrastEstCILower),
+              NAMED(GetContrastEstCIUpper), NAMED(GetContrastStatus), NAMED(GetCumulative),
+              NAMED(GetEstCumulative), NAMED(GetCumEstES), NAMED(GetCumEstStdErr), NAMED(GetCumEstZval),
+              NAMED(GetCumEstSig), NAMED(GetCumEstCiLower), NAMED(GetCumEstCiUpper), NAMED(GetTFImputedN0),
+              NAMED(GetTFImputedEffectSize), NAMED(GetTFImputedStdError), NAMED(GetOverallTFEffectSize),
+              NAMED(GetOverallTFStdError), NAMED(GetOverallTFZVal), NAMED(GetOverallTFSig),
+              NAMED(GetOverallTFCILower), NAMED(GetOverallTFCIUpper), NAMED(GetFunnelX), NAMED(GetFunnelY),
+              NAMED(GetFunnelCIX), NAMED(GetFunnelCIY), NAMED(GetFunnelContourX), NAMED(GetFunnelContourY),
+              NAMED(GetGalbPlotX), NAMED(GetGalbPlotY), NAMED(GetGalbRegrSlope), NAMED(GetGalbRegrIntercept),
+              NAMED(GetBubbleFlags), NAMED(GetBubbleCoefs), NAMED(GetBubbleXs), NAMED(GetBubblePredVals),
+              NAMED(GetBubbleW), NAMED(GetBubbleCILower), NAMED(GetBubbleCIUpper), NAMED(GetBubbleCICurveX),
+              NAMED(GetBubbleCICurveLower), NAMED(GetBubbleCICurveUpper), NAMED(GetRegBasedTestCoef),
+              NAMED(GetRegBasedTestStdError), NAMED(GetRegBasedTestVal), NAMED(GeRegBasedTestSig),
+              NAMED(GetRegBasedTestDf), NAMED(GetRegBasedTestCILower), NAMED(GetRegBasedTestCIUpper),
+              NAMED(GetIfRegrTestPassFlag), NAMED(GetRegrTestCoefficient), NAMED(GetRegrTestBetaStandErr),
+              NAMED(GetRegrBetaTestVal), NAMED(GetRegrBetaTestPValue), NAMED(GetRegrBetaConfInterValLower),
+              NAMED(GetRegrBetaConfInterValUpper));
 }
 
 template <class Visit>
-void VisitGetters(const MA_NAMESPACE::MAContModel* /*of*/, Visit visit)
-{
-    using Source = MA_NAMESPACE::MAContModel;
-    VisitStudies<Source>(visit);
-    VisitModels<Source>(visit);
-    VisitFurtherAnalyses<Source>(visit);
-    VisitPlots<Source>(visit);
-    VisitTests<Source>(visit);
-}
-
-template <class Visit>
-void VisitGetters(const MA_NAMESPACE::MABinModel* /*of*/, Visit visit)
+void VisitGetters(const MA_NAMESPACE::MABinModel* model, Visit visit)
 {
     using Source = MA_NAMESPACE::MABinModel;
-    VisitStudies<Source>(visit);
-    VisitModels<Source>(visit);
-    VisitFurtherAnalyses<Source>(visit);
-    VisitPlots<Source>(visit);
-    VisitTests<Source>(visit);
+    VisitGetters<Visit&>(static_cast<const MA_NAMESPACE::MAAnalysisResults*>(model), visit);
     VisitEach(visit, NAMED(GetExpEffectSize), NAMED(GetExpVariance), NAMED(GetExpStdError),
               NAMED(GetExpCILower), NAMED(GetExpCIUpper), NAMED(GetEstExpEffectSize), NAMED(GetEstExpCILower),
               NAMED(GetEstExpCIUpper), NAMED(GetExpPILower), NAMED(GetExpPIUpper), NAMED(GetContrastExpEstES),

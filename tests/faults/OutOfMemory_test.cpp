@@ -2,10 +2,10 @@
 // it replaces operator new.
 
 #include "faults/FailingMemory.h"
+#include "faults/FullRecords.h"
 #include "faults/Getters.h"
 #include "faults/Results.h"
 #include "support/Regression.h"
-#include "support/SmallStudyRun.h"
 
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -67,6 +67,12 @@ void ExpectSurvivesShortage(const std::string& name, const std::function<Operati
     }
 }
 
+/// ... of an operation for which nothing is made beforehand.
+void ExpectSurvivesShortage(const std::string& name, const Operation& operation)
+{
+    ExpectSurvivesShortage(name, [&] { return operation; });
+}
+
 /// Without the small-study tests that may fail without an error: that of a run, and those of groups, which
 /// have a flag; and without the warnings.
 template <class Driver>
@@ -83,17 +89,26 @@ Results EssentialResults(const Driver& model)
     return results;
 }
 
-const Rows tables = {{12, 88, 20, 80, 1, 3, 1, 0.2}, {15, 85, 25, 75, 1, 2, -1, 0.5},
-                     {9, 91, 8, 92, 1, 5, 0, 0.1},   {11, 70, 18, 60, 2, 1, 1, 0.9},
-                     {25, 85, 15, 75, 2, 6, 0, 0.4}, {5, 31, 8, 40, 2, 4, -1, 0.3}};
-const Rows means = {{10, 3, 2, 10, 2, 2, 1, 2, 1, 0.5},
-                    {20, 5, 4, 22, 4, 3, 1, 1, 0, 0.1},
-                    {15, 1, 2, 12, 1, 2, 2, 4, -1, 0.8},
-                    {15, 9, 2, 12, 1, 2, 2, 3, 0, 0.2}};
-
-/// The roles that variables have behind the data: group, rank, contrast, covariate.
-struct Everything
+/// A way to analyse the records.
+struct Wish
 {
+    MAModelSettings Of(MAModelSettings settings) const
+    {
+        settings.SetModelType(model);
+        settings.SetWeightType(weight);
+        if (isGrouped)
+            settings.SetSubGroupIndex(GROUP);
+        if (isCumulative)
+            settings.SetCommulativeIndex(RANK);
+        settings.SetContrastCoefIndex({CONTRAST});
+        settings.SetIsTRIMFILL(true);
+        settings.SetTrimFillSide(TRIM_SIDE_LARGEST);
+        settings.SetFunnelConTourTesType(CONTOUR_TWO_SIDED);
+        settings.SetFunnelNPoints(3);
+        settings.SetBubbleCurveNPoints(3);
+        return settings;
+    }
+
     const char* name;
     MODELTYPE model;
     WEIGHTYPE weight;
@@ -101,7 +116,7 @@ struct Everything
     bool isCumulative;
 };
 
-const Everything everything[] = {
+const Wish wishes[] = {
     {"random effects", MODEL_RANDOM, WEIGHT_INVERSE_VARIANCE, false, false},
     {"random effects of groups", MODEL_RANDOM, WEIGHT_INVERSE_VARIANCE, true, false},
     {"random effects, cumulative", MODEL_RANDOM, WEIGHT_INVERSE_VARIANCE, true, true},
@@ -110,70 +125,35 @@ const Everything everything[] = {
     {"Mantel-Haenszel, cumulative", MODEL_FIXED, WEIGHT_BINARY_FIXED, true, true},
 };
 
-MAModelSettings With(const Everything& wish, MAModelSettings settings, int firstRole)
-{
-    settings.SetModelType(wish.model);
-    settings.SetWeightType(wish.weight);
-    if (wish.isGrouped)
-        settings.SetSubGroupIndex(firstRole);
-    if (wish.isCumulative)
-        settings.SetCommulativeIndex(firstRole + 1);
-    settings.SetContrastCoefIndex({firstRole + 2});
-    settings.SetIsTRIMFILL(true);
-    settings.SetTrimFillSide(TRIM_SIDE_LARGEST);
-    settings.SetFunnelConTourTesType(CONTOUR_TWO_SIDED);
-    settings.SetFunnelNPoints(3);
-    settings.SetBubbleCurveNPoints(3);
-    return settings;
-}
-
 /// A run, and what may follow it.
 template <class Driver>
 class Analysis
 {
 public:
-    Analysis(const Everything& wish, const MAModelSettings& data, const Rows& rows, int firstRole)
-        : settings_(With(wish, data, firstRole)),
-          records_(rows),
-          variables_(VariablesOf(rows)),
+    explicit Analysis(const MAModelSettings& settings)
+        : settings_(settings),
+          records_(fullRecords),
+          variables_(VariablesOf(fullRecords)),
           finished_(settings_)
     {
-        finished_.RUN(records_, variables_);
         regression_.SetInterceptUse(true);
         regression_.SetEstTauType("REML");
-        regression_.AddCovariate(firstRole + 3);
+        regression_.AddCovariate(COVARIATE);
+        finished_.RUN(records_, variables_);
     }
 
-    void ExpectSurvivesShortage()
+    void ExpectOperationsSurvive()
     {
-        ::ExpectSurvivesShortage("RUN", [this] {
-            return [this, model = std::make_shared<Driver>(settings_)] {
-                const KXStatus status = model->RUN(records_, variables_);
-                return Outcome{status, EssentialResults(*model)};
-            };
-        });
         // A record that cannot be made is a failure of the iterator that makes it.
         const Codes ofTest = {MAStatusCode::OUT_OF_MEMORY,       MAStatusCode::TAU2_FAILED,
                               MAStatusCode::ITERATOR_FAILED,     MAStatusCode::RECORD_NOT_RESIZED,
                               MAStatusCode::TEST_WITHOUT_OUTPUT, MAStatusCode::TEST_COVARIATE_REFUSED};
-        ::ExpectSurvivesShortage(
-            "RegBasedTest",
-            [this] {
-                return [this, model = std::make_shared<Driver>(finished_), regression = regression_] {
-                    const KXStatus status = model->RegBasedTest(records_, variables_, regression);
-                    return Outcome{status, EssentialResults(*model)};
-                };
-            },
-            ofTest);
-        ::ExpectSurvivesShortage(
-            "BubblePlot",
-            [this] {
-                return [this, model = std::make_shared<Driver>(finished_)] {
-                    const KXStatus status = model->BubblePlot(records_, variables_, regression_);
-                    return Outcome{status, EssentialResults(*model)};
-                };
-            },
-            ofTest);
+        Expect("RUN", Driver(settings_), {MAStatusCode::OUT_OF_MEMORY},
+               [this](Driver& model) { return model.RUN(records_, variables_); });
+        Expect("RegBasedTest", finished_, ofTest,
+               [this](Driver& model) { return model.RegBasedTest(records_, variables_, regression_); });
+        Expect("BubblePlot", finished_, ofTest,
+               [this](Driver& model) { return model.BubblePlot(records_, variables_, regression_); });
     }
 
     /// Copies taken through getters are empty when there is no memory for them.
@@ -192,6 +172,18 @@ public:
     }
 
 private:
+    template <class Step>
+    void Expect(const char* name, const Driver& before, const Codes& errors, const Step& step)
+    {
+        const auto make = [&] {
+            return [&step, model = std::make_shared<Driver>(before)] {
+                const KXStatus status = step(*model);
+                return Outcome{status, EssentialResults(*model)};
+            };
+        };
+        ExpectSurvivesShortage(name, make, errors);
+    }
+
     MAModelSettings settings_;
     MARegSettings regression_;
     VectorRecordIter records_;
@@ -216,21 +208,17 @@ void ExpectEngineSurvives(const MARegSettings& settings, const Rows& rows)
     ASSERT_TRUE(built.BuildModel(records).IsOK());
     const Record record(rows[0]);
     ExpectSurvivesShortage("Score", [&] {
-        return [&] {
-            double fit = 0.0;
-            double unused = 0.0;
-            const KXStatus status = built.Score(record, fit, unused, unused, unused, unused, unused, unused);
-            FailingMemory::Relent();
-            return Outcome{status, {{"fit", {{fit}}}}};
-        };
+        double fit = 0.0;
+        double unused = 0.0;
+        const KXStatus status = built.Score(record, fit, unused, unused, unused, unused, unused, unused);
+        FailingMemory::Relent();
+        return Outcome{status, {{"fit", {{fit}}}}};
     });
     ExpectSurvivesShortage("MARegOutputStats", [&] {
-        return [&] {
-            const MARegOutputStats output(settings, built);
-            FailingMemory::Relent();
-            return Outcome{output.IsComplete() ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY),
-                           ResultsOf(output)};
-        };
+        const MARegOutputStats output(settings, built);
+        FailingMemory::Relent();
+        return Outcome{output.IsComplete() ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY),
+                       ResultsOf(output)};
     });
     const MARegOutputStats output(settings, built);
     FailingMemory::FailAt(1, true);
@@ -246,15 +234,15 @@ void ExpectEngineSurvives(const MARegSettings& settings, const Rows& rows)
 
 TEST(OutOfMemory, Analyses)
 {
-    for (const Everything& wish : everything) {
+    for (const Wish& wish : wishes) {
         SCOPED_TRACE(wish.name);
-        Analysis<MABinModel> ofTables(wish, TableSettings(), tables, 4);
-        ofTables.ExpectSurvivesShortage();
+        Analysis<MABinModel> ofTables(wish.Of(TableSettings()));
+        ofTables.ExpectOperationsSurvive();
         ofTables.ExpectGettersSurvive();
         if (wish.weight == WEIGHT_BINARY_FIXED)
             continue; // which is for tables alone
-        Analysis<MAContModel>(wish, MeansSettings(), means, 6).ExpectSurvivesShortage();
-        Analysis<MAContModel>(wish, EffectSettings(1), means, 6).ExpectSurvivesShortage();
+        Analysis<MAContModel>(wish.Of(MeansSettings())).ExpectOperationsSurvive();
+        Analysis<MAContModel>(wish.Of(EffectSettings(CONTRAST))).ExpectOperationsSurvive();
     }
 }
 
@@ -276,29 +264,27 @@ TEST(OutOfMemory, Regressions)
 /// their copies, and the run of such settings has the status.
 TEST(OutOfMemory, Settings)
 {
-    const std::vector<int> indices = {6};
-    const std::vector<double> numbers(6, 0.5);
+    const std::vector<int> indices = {CONTRAST};
+    const std::vector<double> numbers(fullRecords.size(), 0.5);
     const auto runOf = [](const MAModelSettings& settings) {
         FailingMemory::Relent();
         const MAModelSettings copy(settings);
-        VectorRecordIter records(tables);
+        VectorRecordIter records(fullRecords);
         MABinModel model(copy);
         const KXStatus status = model.RUN(records, KXVarList());
         EXPECT_EQ(status.IsError(), !settings.IsComplete());
         return Outcome{status, EssentialResults(model)};
     };
     ExpectSurvivesShortage("filled", [&] {
-        return [&] {
-            MAModelSettings settings = TableSettings();
-            settings.SetContrastCoefIndex(indices);
-            settings.SetInputContrastCoef(numbers);
-            settings.SetFunnelConTourCutoff(numbers);
-            return runOf(settings);
-        };
+        MAModelSettings settings = TableSettings();
+        settings.SetContrastCoefIndex(indices);
+        settings.SetInputContrastCoef(numbers);
+        settings.SetFunnelConTourCutoff(numbers);
+        return runOf(settings);
     });
     MAModelSettings filled = TableSettings();
     filled.SetContrastCoefIndex(indices);
-    ExpectSurvivesShortage("copied", [&] { return [&] { return runOf(MAModelSettings(filled)); }; });
+    ExpectSurvivesShortage("copied", [&] { return runOf(MAModelSettings(filled)); });
     ExpectSurvivesShortage("assigned", [&] {
         return [&, settings = std::make_shared<MAModelSettings>()] {
             *settings = filled;
@@ -317,21 +303,17 @@ TEST(OutOfMemory, RegressionSettings)
     const Rows rows = RandomStudies(1, 9, 1);
     const MARegSettings filled = RegressionOn({2});
     ExpectSurvivesShortage("copied", [&] {
-        return [&] {
-            const MARegSettings settings(filled);
-            FailingMemory::Relent();
-            const FERegression regression(settings, rows);
-            return Outcome{regression.status, ResultsOf(*regression.output)};
-        };
+        const MARegSettings settings(filled);
+        FailingMemory::Relent();
+        const FERegression regression(settings, rows);
+        return Outcome{regression.status, ResultsOf(*regression.output)};
     });
     ExpectSurvivesShortage("filled", [&] {
-        return [&] {
-            MARegSettings settings;
-            KXModelEffect effect;
-            const bool isFilled = settings.SetDependent(0) && settings.AddCovariate(2) == 0 &&
-                                  settings.AddFactor(3, 2) == 0 && effect.AddCovariate(2) &&
-                                  settings.AddModelEffect(effect);
-            return Outcome{isFilled ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY), {}};
-        };
+        MARegSettings settings;
+        KXModelEffect effect;
+        const bool isFilled = settings.SetDependent(0) && settings.AddCovariate(2) == 0 &&
+                              settings.AddFactor(3, 2) == 0 && effect.AddCovariate(2) &&
+                              settings.AddModelEffect(effect);
+        return Outcome{isFilled ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY), {}};
     });
 }

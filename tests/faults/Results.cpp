@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstddef>
 
 using namespace MA_NAMESPACE;
 
@@ -42,15 +41,13 @@ Results Listed(const Source& source)
     return results;
 }
 
-/// ... and the warnings.
-template <class Driver>
-Results ListedAnalysis(const Driver& model)
+template <class Model>
+Results ListedWithWarnings(const Model& model)
 {
     Results results = Listed(model);
-    std::vector<double> codes;
+    results.push_back({"GetWarnings", {{}}});
     for (const KXStatus& warning : model.GetWarnings())
-        codes.push_back(warning.GetCode());
-    results.push_back({"GetWarnings", {codes}});
+        results.back().rows[0].push_back(warning.GetCode());
     return results;
 }
 
@@ -64,12 +61,12 @@ bool IsSame(const std::vector<double>& left, const std::vector<double>& right)
 
 Results ResultsOf(const MABinModel& model)
 {
-    return ListedAnalysis(model);
+    return ListedWithWarnings(model);
 }
 
-Results ResultsOf(const MAContModel& model)
+Results ResultsOf(const MAAnalysisResults& model)
 {
-    return ListedAnalysis(model);
+    return ListedWithWarnings(model);
 }
 
 Results ResultsOf(const MARegOutputStats& output)

@@ -18,7 +18,7 @@ struct Result
 using Results = std::vector<Result>;
 
 Results ResultsOf(const MA_NAMESPACE::MABinModel& model);
-Results ResultsOf(const MA_NAMESPACE::MAContModel& model);
+Results ResultsOf(const MA_NAMESPACE::MAAnalysisResults& model);
 Results ResultsOf(const MA_NAMESPACE::MARegOutputStats& output);
 
 /// The name of the first result that is not the same to the last bit; empty when there is none.

@@ -4,10 +4,10 @@
 #include "faults/Violations.h"
 
 /// Runs an analysis with the small-study tests and bubble plots after it, and checks what holds for any.
-/// `Driver` is MABinModel or MAContModel.
-template <class Driver>
 void CheckAnalysis(const AnalysisCase& made, Violations& violations);
 
-/// Builds a meta-regression and checks what holds for any. `Engine` is MAFEAlgorithm or MAREAlgorithm.
-template <class Engine>
+/// What holds for the results of any analysis, whatever the status.
+void CheckShapesAndRanges(const Expectations& expect);
+
+/// Builds a meta-regression and checks what holds for any.
 void CheckRegression(const RegressionCase& made, Violations& violations);

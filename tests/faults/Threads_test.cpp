@@ -1,8 +1,8 @@
 // Separate objects in separate threads that share their settings. Built once more under the thread sanitizer.
 
+#include "faults/FullRecords.h"
 #include "faults/Results.h"
 #include "support/Regression.h"
-#include "support/SmallStudyRun.h"
 
 #include <functional>
 #include <thread>
@@ -12,37 +12,33 @@ using namespace MAConst;
 
 namespace {
 
-/// Tables, then a group, a contrast coefficient and a covariate.
-const Rows tables = {{12, 88, 20, 80, 1, 1, 0.2}, {15, 85, 25, 75, 1, -1, 0.5}, {9, 91, 8, 92, 2, 0, 0.1},
-                     {11, 70, 18, 60, 1, 1, 0.9}, {25, 85, 15, 75, 2, 0, 0.4},  {5, 31, 8, 40, 2, -1, 0.3}};
-
 /// What all threads read.
 struct Shared
 {
     Shared()
     {
-        random.SetSubGroupIndex(4);
+        random.SetSubGroupIndex(GROUP);
         random.SetIsTRIMFILL(true);
         random.SetFunnelConTourTesType(CONTOUR_TWO_SIDED);
         fixed.SetModelType(MODEL_FIXED);
         fixed.SetWeightType(WEIGHT_BINARY_FIXED);
-        fixed.SetContrastCoefIndex({5});
+        fixed.SetContrastCoefIndex({CONTRAST});
         ofEffects.SetKnapHartAdjustType(KNAPP_HARTUNG_ADJUSTED);
         regression.SetEstTauType("REML");
     }
 
     MAModelSettings random = TableSettings();
     MAModelSettings fixed = TableSettings();
-    MAModelSettings ofEffects = EffectSettings(5);
+    MAModelSettings ofEffects = EffectSettings(CONTRAST);
     MARegSettings regression = RegressionOn({2});
     Rows rows = RandomStudies(7, 40, 1);
-    KXVarList variables = VariablesOf(tables);
+    KXVarList variables = VariablesOf(fullRecords);
 };
 
 template <class Driver>
 Results Analysed(const Shared& shared, const MAModelSettings& settings)
 {
-    VectorRecordIter records(tables);
+    VectorRecordIter records(fullRecords);
     Driver model(settings);
     EXPECT_TRUE(model.RUN(records, shared.variables).IsOK());
     EXPECT_TRUE(model.BubblePlot(records, shared.variables, shared.regression).IsOK());

@@ -30,6 +30,29 @@ std::string Text(double lower, double value, double upper)
     return text.str();
 }
 
+/// A lower bound for an upper one, and the reverse; other names as they are.
+std::string OppositeOf(std::string name)
+{
+    for (const auto& [end, opposite] : {std::pair("Lower", "Upper"), std::pair("Upper", "Lower")}) {
+        if (name.ends_with(end))
+            return name.substr(0, name.size() - 5) + opposite;
+    }
+    return name;
+}
+
+std::vector<double> Scaled(std::vector<double> values, double factor)
+{
+    for (double& value : values)
+        value *= KXMV::IsMissing(value) ? 1.0 : factor;
+    return values;
+}
+
+bool AreClose(const std::vector<double>& left, const std::vector<double>& right, double tolerance)
+{
+    return std::equal(left.begin(), left.end(), right.begin(), right.end(),
+                      [=](double a, double b) { return bool(Close(a, b, tolerance, 1.0)); });
+}
+
 bool IsNumber(double value)
 {
     return std::isfinite(value) && !KXMV::IsMissing(value);
@@ -62,7 +85,7 @@ std::vector<double> Expectations::Values(const std::string& name) const
     return values;
 }
 
-void Expectations::Numbers(const std::vector<std::string>& except) const
+void Expectations::Numbers(const Names& except) const
 {
     for (const Result& result : results) {
         if (std::find(except.begin(), except.end(), result.name) != except.end())
@@ -75,15 +98,7 @@ void Expectations::Numbers(const std::vector<std::string>& except) const
     }
 }
 
-void Expectations::Lengths(const std::vector<std::string>& names, std::size_t length) const
-{
-    for (const std::string& name : names) {
-        if (Values(name).size() != length)
-            violations.Add(name + " has as many entries as its companions");
-    }
-}
-
-void Expectations::SameShape(const std::vector<std::string>& names) const
+void Expectations::SameShape(const Names& names) const
 {
     const auto& first = Rows(names.front());
     for (const std::string& name : names) {
@@ -94,7 +109,7 @@ void Expectations::SameShape(const std::vector<std::string>& names) const
     }
 }
 
-void Expectations::Between(const std::vector<std::string>& names, double least, double most) const
+void Expectations::Between(const Names& names, double least, double most) const
 {
     for (const std::string& name : names) {
         for (const double value : Values(name)) {
@@ -102,6 +117,28 @@ void Expectations::Between(const std::vector<std::string>& names, double least, 
                 violations.Add(name + " is " + std::to_string(value) + ", not in its range");
         }
     }
+}
+
+void Expectations::Significances() const
+{
+    for (const Result& result : results) {
+        const auto endsWith = [&](const char* ending) { return result.name.ends_with(ending); };
+        if (endsWith("Sig") || endsWith("PValue"))
+            Between({result.name}, 0.0, 1.0);
+        else if (endsWith("StdError") || endsWith("StdErr") || endsWith("StandErr"))
+            Between({result.name}, 0.0, infinity);
+    }
+}
+
+void Expectations::Repeated(const Results& second, Results withMissing, const std::string& count) const
+{
+    violations.Expect(FirstDifference(results, second).empty(), "a second run gives the same");
+    for (Result& result : withMissing) {
+        if (result.name == count)
+            result.rows[0][0] = std::min(result.rows[0][0], Values(count).at(0));
+    }
+    const std::string difference = FirstDifference(results, withMissing);
+    violations.Expect(difference.empty(), "a record without values changes nothing, but " + difference);
 }
 
 void Expectations::Ordered(const std::string& lower, const std::string& middle,
@@ -112,10 +149,27 @@ void Expectations::Ordered(const std::string& lower, const std::string& middle,
     const std::vector<double> most = Values(upper);
     if (least.size() != values.size() || values.size() != most.size())
         violations.Add(middle + " has as many entries as its bounds");
-    for (std::size_t i = 0; hasLevel && i < std::min({least.size(), values.size(), most.size()}); ++i) {
+    const bool isLevel = level > 0.0 && level < 1.0;
+    for (std::size_t i = 0; isLevel && i < std::min({least.size(), values.size(), most.size()}); ++i) {
         if (!IsNumber(values[i]) || !IsNumber(least[i]) || !IsNumber(most[i]))
             continue;
         if (!(least[i] <= values[i] && values[i] <= most[i]))
             violations.Add(middle + Text(least[i], values[i], most[i]));
+    }
+}
+
+void Expectations::Followed(const Change& change, std::span<const Trait> traits, const Results& after) const
+{
+    const Expectations changed = {after, level, violations};
+    for (const Trait& trait : traits) {
+        const bool isNegated = change.isNegation && trait.sign < 0;
+        const double factor = std::pow(change.unit, trait.degree) * (isNegated ? -1 : 1);
+        for (const std::string& name : trait.names) {
+            const std::vector<double> expected = Scaled(Values(name), factor);
+            const std::vector<double> actual = changed.Values(isNegated ? OppositeOf(name) : name);
+            if (!AreClose(actual, expected, change.tolerance))
+                violations.Add(change.name + " leaves or moves " + name + " as it should: " +
+                               testing::PrintToString(actual) + ", not " + testing::PrintToString(expected));
+        }
     }
 }

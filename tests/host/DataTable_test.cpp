@@ -80,31 +80,27 @@ TEST(DataTableNumber, NamesTheLineAndTheColumnOfATextThatIsNone)
     }
 }
 
-struct UnreadableText
-{
-    std::string text;
-    std::string message;
-};
-
 TEST(DataTable, NamesTheLineThatCannotBeRead)
 {
-    const std::vector<UnreadableText> cases = {
+    const struct
+    {
+        std::string text;
+        const char* message;
+    } cases[] = {
         {"", "t.csv is empty"},
-        {"\n\n", "t.csv is empty"},
-        {"\xEF\xBB\xBF", "t.csv is empty"},
+        {"\xEF\xBB\xBF\n\n", "t.csv is empty"},
         {"a,b\n", "t.csv has a header line and no data rows"},
         {"a,b\n1,2\n1\n", "t.csv, line 3: 1 field, but the header has 2"},
         {"a,b\n\"1\n\n\",2\n\n1,2,3\n", "t.csv, line 6: 3 fields, but the header has 2"},
-        {"a,b\n1,2\n3,\"4\n5,6\n", "t.csv, line 3: the quoted field that starts here is never closed"},
-        {"a,b\n\"1\n2\",\"3\n", "t.csv, line 3: the quoted field that starts here is never closed"},
+        {"a,b\n\"1\n2\",\"3\n4,5\n", "t.csv, line 3: the quoted field that starts here is never closed"},
         {"a,\"b\n", "t.csv, line 1: the quoted field that starts here is never closed"},
         {"a,b\n1,5\" tall\n", "t.csv, line 2: a misplaced double quote"},
         {"a,b\n1,\"x\"y\n", "t.csv, line 2: a misplaced double quote"},
         {std::string("a,b\n1,\0\n", 8), "t.csv, line 2: a byte of value 0"},
     };
-    for (const UnreadableText& unreadable : cases)
-        EXPECT_THAT(MessageOf([&] { DataTable::Parse(unreadable.text, "t.csv"); }),
-                    testing::StartsWith(unreadable.message));
+    for (const auto& one : cases)
+        EXPECT_THAT(MessageOf([&] { DataTable::Parse(one.text, "t.csv"); }),
+                    testing::StartsWith(one.message));
 }
 
 TEST(DataTable, FindsColumnsByExactAndUniqueNames)

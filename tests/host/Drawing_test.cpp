@@ -1,19 +1,12 @@
+// How pictures and other files come to be, or do not.
+
 #include "host/RunProgram.h"
 
-#include <gmock/gmock.h>
 #include <sys/stat.h>
-
-#include <filesystem>
-#include <map>
-#include <string>
-#include <vector>
 
 using nlohmann::json;
 using testing::HasSubstr;
-using testing::Not;
 using testing::StartsWith;
-
-// How pictures and other files come to be, or do not.
 
 namespace {
 
@@ -38,36 +31,18 @@ std::string FailingOn(const std::string& word)
            "*) echo '  no memory' >&2; exit 1;; esac\nprintf %s \"${script%.}\" | PATH=${PATH#*:} gnuplot -d";
 }
 
-std::vector<std::string> FilesIn(const std::string& folder)
-{
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-        names.push_back(entry.path().filename().string());
-    return names;
-}
-
+/// As PNG, areas of contours would be cut by gnuplot past the end of its memory.
 TEST(Drawing, WritesTheFormatThatIsAskedFor)
 {
+    const Arguments groups = Effects("passive_smoking.csv") +
+                             "--outcome binary --subgroup country --contours two-sided --plot-format";
     const TemporaryFolder folder;
-    for (const auto& [format, signature] :
-         std::map<std::string, std::string>{{"png", "\x89PNG"}, {"pdf", "%PDF-"}, {"svg", "<?xml"}}) {
-        const ProgramRun run =
-            RunProgram(Bcg({"--plots", folder.PathOf("a/b"), "--plot-format", format, "--json", "-"}));
-        EXPECT_EQ(run.exitStatus, 0) << run.errors;
-        EXPECT_THAT(folder.Read("a/b/labbe." + format), StartsWith(signature));
+    for (const auto& [format, signature] : {std::pair("png", "\x89PNG"), std::pair("pdf", "%PDF-")}) {
+        const std::string plots = std::string("a/") + format;
+        ReportOf(groups + Arguments{format, "--plots", folder.PathOf(plots)});
+        EXPECT_EQ(folder.Files(plots).size(), 21U);
+        EXPECT_THAT(folder.Read(plots + "/forest." + format), StartsWith(signature));
     }
-}
-
-/// gnuplot itself cuts areas of PNG files past the end of its memory.
-TEST(Drawing, WritesContoursOfManyGroupsAsPng)
-{
-    const TemporaryFolder folder;
-    const ProgramRun run =
-        RunProgram(Effects("passive_smoking.csv") + Arguments{"--outcome", "binary", "--subgroup", "country",
-                                                              "--contours", "two-sided", "--plot-format",
-                                                              "png", "--plots", folder.PathOf("plots")});
-    EXPECT_EQ(run.exitStatus, 0) << run.errors;
-    EXPECT_EQ(FilesIn(folder.PathOf("plots")).size(), 21U);
 }
 
 TEST(Drawing, DoesNotDependOnWhatItInherits)
@@ -90,8 +65,8 @@ TEST(Drawing, KeepsTheAnalysisWhenGnuplotIsNotInstalled)
                           "(on Debian, the package gnuplot-nox).\n");
     EXPECT_THAT(run.output, HasSubstr("Pooled effect"));
     EXPECT_EQ(json::parse(folder.Read("json"))["records"]["used"], 13);
-    EXPECT_THAT(folder.Read("page"), HasSubstr("gnuplot is not installed"));
-    EXPECT_THAT(folder.Read("page"), HasSubstr("Table 2. Pooled effect"));
+    EXPECT_THAT(folder.Read("page"),
+                AllOf(HasSubstr("gnuplot is not installed"), HasSubstr("Table 2. Pooled effect")));
 }
 
 TEST(Drawing, SaysWhatIsWrongWithGnuplot)
@@ -125,37 +100,31 @@ TEST(Drawing, KeepsTheOtherPicturesWhenOneFails)
 {
     const TemporaryFolder folder;
     const FakeGnuplot gnuplot(FailingOn("'1 / standard error'"));
-    for (const char* format : {"svg", "png"}) {
+    for (const std::string format : {"svg", "png"}) {
         const ProgramRun run = RunProgram(
             Bcg({"--plots", folder.PathOf(format), "--plot-format", format, "--html", folder.PathOf("page")}),
             "", gnuplot.OnPath());
         EXPECT_EQ(run.exitStatus, 2);
         EXPECT_THAT(run.errors,
                     HasSubstr("The picture galbraith.svg could not be drawn: gnuplot failed (no memory)."));
-        EXPECT_THAT(FilesIn(folder.PathOf(format)),
-                    testing::UnorderedElementsAre(std::string("forest.") + format,
-                                                  std::string("funnel.") + format,
-                                                  std::string("labbe.") + format));
-        EXPECT_THAT(folder.Read("page"), HasSubstr("<p>The picture galbraith.svg could not be drawn"));
-        EXPECT_THAT(folder.Read("page"), HasSubstr("Figure 3."));
+        EXPECT_EQ(folder.Files(format), (Texts{"forest." + format, "funnel." + format, "labbe." + format}));
+        EXPECT_THAT(folder.Read("page"), AllOf(HasSubstr("<p>The picture galbraith.svg could not be drawn"),
+                                               HasSubstr("Figure 3.")));
     }
 }
 
+/// 32767 pixels are the limit, and 19 the height of a row.
 TEST(Drawing, MakesTallPicturesAsFarAsTheFormatHoldsThem)
 {
-    std::string data = "effect,variance\n";
-    for (int i = 0; i < 1800; ++i) {
-        data += std::to_string(i % 7) + ".5,0." + std::to_string(1 + i % 9) + '\n';
-        if (i != 900 && i != 1799)
-            continue;
+    for (const auto& [count, fits] : {std::pair(900, true), std::pair(1800, false)}) {
+        std::string data = "effect,variance\n";
+        for (int i = 0; i < count; ++i)
+            data += std::to_string(i % 7) + ".5,0." + std::to_string(1 + i % 9) + '\n';
         const TemporaryFolder folder;
-        const ProgramRun run =
-            RunProgram({"effects", folder.Write("data.csv", data), "--effect-size", "effect", "--variance",
-                        "variance", "--plots", folder.PathOf("plots"), "--plot-format", "png"});
-        const bool fits = i == 900; // 32767 pixels are the limit, and 19 the height of a row
+        const ProgramRun run = RunProgram(Effects(folder.Write("data.csv", data)) +
+                                          Arguments{"--plots", folder.PathOf("p"), "--plot-format", "png"});
         EXPECT_EQ(run.exitStatus, fits ? 0 : 2) << run.errors;
-        EXPECT_EQ(std::filesystem::exists(folder.PathOf("plots/forest.png")), fits);
-        EXPECT_TRUE(std::filesystem::exists(folder.PathOf("plots/funnel.png")));
+        EXPECT_EQ(folder.Files("p").size(), fits ? 3U : 2U);
         EXPECT_EQ(run.errors.find("too large for a PNG file") == std::string::npos, fits) << run.errors;
     }
 }
@@ -176,47 +145,19 @@ TEST(Drawing, ShowsItsProgressOnATerminalAlone)
     EXPECT_THAT(shown, HasSubstr("\r                      \r")); // erased
 }
 
-TEST(Output, RefusesPlacesThatCannotBeBeforeTheAnalysis)
-{
-    const TemporaryFolder folder;
-    const std::string file = folder.Write("file", "");
-    const std::string data = TESTS_DIR "/data/bcg_vaccine.csv";
-    const struct
-    {
-        Arguments places;
-        const char* message;
-    } cases[] = {
-        {{"--plots", file}, "is no folder"},
-        {{"--html", data}, "--html: '" TESTS_DIR "/data/bcg_vaccine.csv' is the data file"},
-        {{"--html", file, "--json", file}, "is the file of --json"},
-        {{"--html", folder.PathOf("./a"), "--json", folder.PathOf("a")}, "is the file of --json"},
-        {{"--json", folder.PathOf("new"), "--plots", folder.PathOf("./new/")}, "is the folder of --plots"},
-        {{"--html", folder.PathOf("new/page")}, "there is no folder '"},
-        {{"--json", ""}, "--json: '' cannot be written"},
-    };
-    for (const auto& one : cases) {
-        const ProgramRun run = RunProgram(Bcg(one.places));
-        EXPECT_EQ(run.exitStatus, 2);
-        EXPECT_THAT(run.errors, HasSubstr(one.message));
-        EXPECT_EQ(run.output, "");
-        EXPECT_EQ(FilesIn(folder.PathOf("")).size(), 1U);
-    }
-}
-
 TEST(Output, LeavesOutPicturesThatWouldReplaceAnotherFile)
 {
     const TemporaryFolder folder;
     std::filesystem::create_directory(folder.PathOf("p"));
-    std::filesystem::copy_file(TESTS_DIR "/data/bcg_vaccine.csv", folder.PathOf("p/labbe.svg"));
-    Arguments arguments = Bcg({"--plots", folder.PathOf("p"), "--html", folder.PathOf("p/forest.svg"),
-                               "--json", folder.PathOf("p/../p/funnel.svg")});
-    arguments[1] = folder.PathOf("p/labbe.svg");
-    const ProgramRun run = RunProgram(arguments);
+    std::filesystem::copy_file(DataFile("bcg_vaccine.csv"), folder.PathOf("p/labbe.svg"));
+    const ProgramRun run =
+        RunProgram(Binary(folder.PathOf("p/labbe.svg")) + Arguments{"--plots", folder.PathOf("p"), "--html",
+                                                                    folder.PathOf("p/forest.svg"), "--json",
+                                                                    folder.PathOf("p/../p/funnel.svg")});
     EXPECT_EQ(run.exitStatus, 2);
-    for (const char* use : {"forest.svg' is not written: that is the file of --html.",
-                            "funnel.svg' is not written: that is the file of --json.",
-                            "labbe.svg' is not written: that is the data file."})
-        EXPECT_THAT(run.errors, HasSubstr(use));
+    EXPECT_THAT(run.errors, AllOf(HasSubstr("forest.svg' is not written: that is the file of --html."),
+                                  HasSubstr("funnel.svg' is not written: that is the file of --json."),
+                                  HasSubstr("labbe.svg' is not written: that is the data file.")));
     EXPECT_THAT(run.output, HasSubstr("Pooled effect"));
     EXPECT_THAT(folder.Read("p/forest.svg"), StartsWith("<!DOCTYPE html>"));
     EXPECT_TRUE(json::accept(folder.Read("p/funnel.svg")));

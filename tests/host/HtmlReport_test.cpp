@@ -1,18 +1,13 @@
 #include "host/RunProgram.h"
 #include "host/SvgFigure.h"
 
-#include <gmock/gmock.h>
-#include <pugixml.hpp>
-
 #include <cmath>
-#include <cstdlib>
 #include <set>
-#include <string>
-#include <vector>
 
-using testing::Each;
+using testing::Contains;
 using testing::HasSubstr;
-using testing::Not;
+using testing::IsSupersetOf;
+using testing::StartsWith;
 
 namespace {
 
@@ -23,46 +18,48 @@ public:
     explicit HtmlPage(const Arguments& arguments)
     {
         const TemporaryFolder folder;
-        const ProgramRun run = RunProgram(arguments + Arguments{"--html", folder.PathOf("page.html")});
-        EXPECT_EQ(run.exitStatus, 0) << run.errors;
-        source_ = folder.Read("page.html");
-        const pugi::xml_parse_result result = document_.load_string(source_.c_str());
+        ReportOf(arguments + Arguments{"--html", folder.PathOf("page.html")});
+        const pugi::xml_parse_result result = document_.load_string(folder.Read("page.html").c_str());
         EXPECT_TRUE(result) << result.description();
     }
 
-    const std::string& Source() const { return source_; }
     pugi::xpath_node_set Select(const char* path) const { return document_.select_nodes(path); }
-    std::vector<std::string> Texts(const char* path) const
+    Texts TextsOf(const char* path) const
     {
-        std::vector<std::string> texts;
+        Texts texts;
         for (const pugi::xpath_node& found : Select(path))
             texts.emplace_back(found.node().text().get());
         return texts;
     }
 
 private:
-    std::string source_;
     pugi::xml_document document_;
 };
 
 TEST(HtmlReport, HasEveryPartOfTheReportAndEveryPicture)
 {
-    const HtmlPage page(Bcg({"--subgroup", "allocation", "--bubble", "latitude", "--trim-fill", "linear"}));
-    EXPECT_EQ(page.Select("//h1").size(), 1U);
-    EXPECT_THAT(page.Texts("//h2"), testing::IsSupersetOf({"Records", "Studies", "Pooled effect", "Warnings",
-                                                           "Pictures", "Settings", "Command line"}));
-    EXPECT_THAT(page.Texts("//caption"), testing::Contains("Table 1. Studies"));
+    const HtmlPage page(Bcg() + "--subgroup allocation --bubble latitude --trim-fill linear --level 0.9");
+    EXPECT_THAT(page.TextsOf("//h1"), testing::ElementsAre(HasSubstr("90% level")));
+    EXPECT_THAT(page.TextsOf("//h2"), IsSupersetOf({"Records", "Studies", "Pooled effect", "Warnings",
+                                                    "Pictures", "Settings", "Command line"}));
     EXPECT_EQ(page.Select("//table").size(), page.Select("//table[caption]").size());
     EXPECT_EQ(page.Select("//table[caption='Table 1. Studies']/tbody/tr").size(), 13U);
     EXPECT_EQ(page.Select("//figure").size(), 13U);
     EXPECT_EQ(page.Select("//figure[figcaption]//svg[@role='img'][title][desc]").size(), 13U);
-    EXPECT_THAT(page.Texts("//td"), testing::Contains("allocation"));
+    EXPECT_THAT(page.TextsOf("//td"), Contains("allocation"));
+}
+
+TEST(HtmlReport, IsThereForRegressions)
+{
+    const Texts headings = HtmlPage(Regression("passive_smoking.csv") + "--covariate year").TextsOf("//h2");
+    EXPECT_THAT(headings, IsSupersetOf({"Coefficients", "Settings", "Command line"}));
+    EXPECT_THAT(headings, testing::Not(Contains("Pictures")));
 }
 
 /// Nothing to fetch, nothing to run, and no identifier twice although all pictures stand in one document.
 TEST(HtmlReport, StandsAlone)
 {
-    const HtmlPage page(Bcg({"--bubble", "latitude", "--bubble", "year"}));
+    const HtmlPage page(Bcg() + "--bubble latitude --bubble year");
     EXPECT_EQ(page.Select("//script | //link | //img | //iframe | //@src | //@href").size(), 0U);
     std::set<std::string> identifiers;
     for (const pugi::xpath_node& found : page.Select("//@id"))
@@ -76,19 +73,16 @@ TEST(HtmlReport, StandsAlone)
 
 TEST(HtmlReport, ShowsHostileTextsAsTexts)
 {
-    const std::string label = "</td><script>alert(1)</script> & \"q\" 'a'";
-    const std::string column = "group <b> & \"";
     const TemporaryFolder folder;
-    const std::string path =
+    const std::string data =
         folder.Write("a b'$(c).csv", "study,effect,variance,\"group <b> & \"\"\"\n"
                                      "\"</td><script>alert(1)</script> & \"\"q\"\" 'a'\",0.1,0.2,<i>\n"
                                      "M\xFCller,0.3,0.1,<i>\nC,0.2,0.1,&amp;\nD,0.2,0.1,&amp;\n");
-    const HtmlPage page({"effects", path, "--study", "study", "--effect-size", "effect", "--variance",
-                         "variance", "--subgroup", column});
-    EXPECT_THAT(page.Texts("//tbody/tr/th"),
-                testing::IsSupersetOf(
-                    {label, std::string("M\xEF\xBF\xBDller"), std::string("<i>"), std::string("&amp;")}));
-    EXPECT_THAT(page.Texts("//thead/tr/th"), testing::Contains(column));
+    const std::string column = "group <b> & \"";
+    const HtmlPage page(Effects(data) + "--study study" + Arguments{"--subgroup", column});
+    EXPECT_THAT(page.TextsOf("//tbody/tr/th"), IsSupersetOf({"</td><script>alert(1)</script> & \"q\" 'a'",
+                                                             "M\xEF\xBF\xBDller", "<i>", "&amp;"}));
+    EXPECT_THAT(page.TextsOf("//thead/tr/th"), Contains(column));
     EXPECT_EQ(page.Select("//script | //i | //b").size(), 0U);
 }
 
@@ -97,16 +91,14 @@ TEST(HtmlReport, EndsWithTheCommandLine)
 {
     const TemporaryFolder folder;
     const std::string path = folder.Write("it's $HOME.csv", "effect,variance\n0.1,0.2\n0.3,0.1\n");
-    const HtmlPage page({"effects", path, "--effect-size", "effect", "--variance", "variance"});
-    const std::vector<std::string> lines = page.Texts("//pre/code");
-    ASSERT_EQ(lines.size(), 1U);
-    EXPECT_THAT(lines.front(), testing::StartsWith("meta-analysis effects "));
-    const std::string arguments = lines.front().substr(std::string("meta-analysis ").size());
+    const Texts lines = HtmlPage(Effects(path)).TextsOf("//pre/code");
+    const std::string program = "meta-analysis ";
+    ASSERT_THAT(lines, testing::ElementsAre(StartsWith(program + "effects ")));
+    const std::string arguments = lines.front().substr(program.size());
     const std::string echo = "printf '%s\\n' " + arguments + " >" + ShellQuoted(folder.PathOf("echo"));
     ASSERT_EQ(std::system(echo.c_str()), 0);
-    EXPECT_THAT(
-        folder.Read("echo"),
-        testing::StartsWith("effects\n" + path + "\n--effect-size\neffect\n--variance\nvariance\n--html\n"));
+    EXPECT_THAT(folder.Read("echo"),
+                StartsWith("effects\n" + path + "\n--effect-size\neffect\n--variance\nvariance\n--html\n"));
 }
 
 /// On paper a tall forest stands in slices that are cut between rows, with the headings over each.
@@ -116,11 +108,8 @@ TEST(HtmlReport, CutsTallForestsForPaper)
     for (int i = 0; i < 100; ++i)
         data += "0." + std::to_string(i) + ",0.1\n";
     const TemporaryFolder folder;
-    const HtmlPage page(
-        {"effects", folder.Write("data.csv", data), "--effect-size", "effect", "--variance", "variance"});
+    const HtmlPage page(Effects(folder.Write("data.csv", data)));
     const pugi::xpath_node_set slices = page.Select("//figure[@class='sliced']/div[@class='paper']/div");
-    const double height =
-        page.Select("//figure[@class='sliced']//svg[@role]")[0].node().attribute("height").as_double();
     ASSERT_GT(slices.size(), 1U);
     double end = 0;
     for (const pugi::xpath_node& slice : slices) {
@@ -134,21 +123,9 @@ TEST(HtmlReport, CutsTallForestsForPaper)
         EXPECT_GE(12 * 510 / rows[2], 6); // points of a letter where the page is 18 cm wide
         end = rows[1] + rows[3];
     }
-    EXPECT_NEAR(end, height, 0.5); // a whole number
+    const pugi::xpath_node whole = *page.Select("//figure[@class='sliced']//svg[@role]").begin();
+    EXPECT_NEAR(end, whole.node().attribute("height").as_double(), 0.5); // a whole number
     EXPECT_EQ(HtmlPage(Bcg()).Select("//div[@class='paper']").size(), 0U);
-}
-
-TEST(HtmlReport, IsThereForEveryCommand)
-{
-    const HtmlPage regression({"regression", TESTS_DIR "/data/passive_smoking.csv", "--effect-size", "effect",
-                               "--variance", "variance", "--covariate", "year"});
-    EXPECT_THAT(regression.Texts("//h2"),
-                testing::IsSupersetOf({"Coefficients", "Settings", "Command line"}));
-    EXPECT_THAT(regression.Texts("//h2"), Not(testing::Contains("Pictures")));
-    const HtmlPage continuous(Continuous("stroke_length_of_stay.csv"));
-    EXPECT_EQ(continuous.Select("//figure").size(), 3U);
-    const HtmlPage unusable(Effects("passive_smoking.csv") + Arguments{"--level", "0.9"});
-    EXPECT_THAT(unusable.Texts("//h1"), Each(HasSubstr("90% level")));
 }
 
 } // namespace

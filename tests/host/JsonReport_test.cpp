@@ -1,60 +1,51 @@
-#include "host/Getters.h"
-#include "host/JsonReport.h"
-#include "host/Output.h"
-#include "host/Request.h"
-#include "host/TemporaryFolder.h"
+#include "host/RunProgram.h"
 
-#include <gmock/gmock.h>
-#include <nlohmann/json.hpp>
-
+#include <algorithm>
 #include <fstream>
 #include <regex>
 
-using namespace host;
 using nlohmann::json;
 
 namespace {
 
-/// An analysis of ready-made effect sizes in a table with the columns y and v.
-struct EffectsAnalysis
+/// The keys that the public getters without arguments of a header of the library ask for.
+Texts KeysOfGetters(const std::string& header)
 {
-    EffectsAnalysis(const std::string& csv, MAConst::OUTCOMETYPE outcome)
-        : table(DataTable::Parse(csv, "t.csv"))
-    {
-        options.effectSize = "y";
-        options.variance = "v";
-        options.settings.SetOutcomesType(outcome);
-    }
-
-    json Run()
-    {
-        Request request = MakeRequest(options, table);
-        return json::parse(RenderJson(options, table, RunAnalysis(request)));
-    }
-
-    Options options{Command::EFFECTS};
-    DataTable table;
-};
+    std::ifstream file(TESTS_DIR "/../src/" + header);
+    std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
+    text.resize(std::min({text.find("protected:"), text.find("private:"), text.size()}));
+    const std::regex getter(R"(\b(?:Get|(?=GeR))(\w+)\(\) const)"); // one lacks the t
+    Texts keys;
+    for (std::sregex_iterator match(text.begin(), text.end(), getter), end; match != end; ++match)
+        keys.push_back((*match)[1]);
+    return keys;
+}
 
 TEST(JsonReport, HasAKeyForEveryGetter)
 {
+    const std::string both[] = {"analysis/MAAnalysisResults.h", "analysis/MABaseModel.h"};
     const struct
     {
-        MAConst::OUTCOMETYPE outcome;
-        const char* header;
-    } drivers[] = {{MAConst::OUTCOME_BINARY, "analysis/MABinModel.h"},
-                   {MAConst::OUTCOME_CONTINUOUS, "analysis/MAContModel.h"}};
-    for (const auto& driver : drivers) {
-        std::vector<std::string> keys = KeysOfGetters("analysis/MAAnalysisResults.h");
-        EXPECT_GT(keys.size(), 35U);
-        for (const char* const header : {"analysis/MABaseModel.h", driver.header})
-            for (const std::string& key : KeysOfGetters(header))
-                keys.push_back(key);
-        std::vector<std::string> written;
-        const json report = EffectsAnalysis("y,v\n1,2\n", driver.outcome).Run();
-        for (const auto& [key, value] : report["results"].items())
+        Arguments command;
+        Texts headers;
+        Texts moreKeys;
+    } cases[] = {
+        {Bcg(), {both[0], both[1], "analysis/MABinModel.h"}, {}},
+        {Effects("passive_smoking.csv"), {both[0], both[1], "analysis/MAContModel.h"}, {}},
+        {Regression("passive_smoking.csv") + "--covariate year",
+         {"regression/MARegOutputStats.h"},
+         {"Score"}},
+    };
+    for (const auto& one : cases) {
+        Texts keys = one.moreKeys;
+        for (const std::string& header : one.headers)
+            keys = keys + KeysOfGetters(header);
+        EXPECT_GT(keys.size(), 25U);
+        const json results = ResultsOf(one.command);
+        Texts written;
+        for (const auto& [key, value] : results.items())
             written.push_back(key);
-        EXPECT_THAT(written, testing::UnorderedElementsAreArray(keys)) << driver.header;
+        EXPECT_THAT(written, testing::UnorderedElementsAreArray(keys)) << one.headers.back();
     }
 }
 
@@ -75,55 +66,90 @@ TEST(JsonReport, HasUnderAKeyWhatTheGetterOfThatNameReturns)
 
 TEST(JsonReport, WritesEveryDoubleSoThatItReadsBack)
 {
-    const json report = EffectsAnalysis("y,v\n0.30000000000000004,1e-300\n5e-324,0.1\n-0.0,1e300\n",
-                                        MAConst::OUTCOME_CONTINUOUS)
-                            .Run();
-    EXPECT_EQ(report["results"]["EffectSize"], (std::vector<double>{0.1 + 0.2, 5e-324, -0.0}));
-    EXPECT_EQ(report["results"]["Variance"], (std::vector<double>{1e-300, 0.1, 1e300}));
+    const TemporaryFolder folder;
+    const std::string data =
+        folder.Write("t.csv", "effect,variance\n0.30000000000000004,1e-300\n5e-324,0.1\n-0.0,1e300\n");
+    const json results = ResultsOf(Effects(data));
+    EXPECT_EQ(results["EffectSize"], (std::vector<double>{0.1 + 0.2, 5e-324, -0.0}));
+    EXPECT_EQ(results["Variance"], (std::vector<double>{1e-300, 0.1, 1e300}));
 }
 
 TEST(JsonReport, WritesMissingAndInfiniteValues)
 {
-    const json results = EffectsAnalysis("y,v\nNA,1\n", MAConst::OUTCOME_CONTINUOUS).Run()["results"];
+    const TemporaryFolder folder;
+    const json results = ResultsOf(Effects(folder.Write("t.csv", "effect,variance\nNA,1\n")));
     EXPECT_EQ(results["EffectSize"], json::array());
     EXPECT_EQ(results["EstEffectSize"], json::array({nullptr}));
     EXPECT_EQ(results["EstStdError"], json::array({"inf"})); // of no studies
 }
 
-TEST(JsonReport, CountsRecordsAndNamesThoseUsedFromZero)
-{
-    const json records =
-        EffectsAnalysis("y,v\n1,NA\n2,1\n3,-1\n4,1\n", MAConst::OUTCOME_CONTINUOUS).Run()["records"];
-    EXPECT_EQ(records, json::parse(R"({"read": 4, "used": 2, "missing": 1, "invalid": 1, "dropped": 0,
-                                       "numbers": [1, 3]})"));
-}
-
 TEST(JsonReport, IsValidWhateverTheBytesOfTheArguments)
 {
-    EffectsAnalysis effects("y,v\n1,1\n", MAConst::OUTCOME_CONTINUOUS);
-    effects.options.arguments = {"effects", "\xFF\x01\"\\.csv"};
-    EXPECT_EQ(effects.Run()["command"][1], "\xEF\xBF\xBD\x01\"\\.csv");
+    const TemporaryFolder folder;
+    const std::string data = folder.Write("\xFF\x01\"\\.csv", "effect,variance\n1,1\n");
+    const std::string path = JsonOf(Effects(data))["command"][1];
+    EXPECT_THAT(path, testing::EndsWith("/\xEF\xBF\xBD\x01\"\\.csv"));
 }
 
-/// No file and no option makes the library fail, so the error is made up.
-TEST(Output, TellsAnErrorOfTheLibraryAndWhatWasComputedBefore)
+TEST(JsonReport, DescribesARun)
 {
+    const Arguments peto = Bcg() + "--effect peto --null -0.5";
+    const json report = JsonOf(peto);
+    EXPECT_EQ(report["schema"], 1);
+    EXPECT_EQ(report["program"], "meta-analysis");
+    EXPECT_EQ(report["command"], peto + "--json -");
+    EXPECT_EQ(report["status"], json::parse(R"({"code": 0, "kind": "ok"})"));
+    EXPECT_EQ(report["warnings"], json::parse("[460037, 460045]"));
+    EXPECT_EQ(report["messages"].size(), 2U);
     const TemporaryFolder folder;
-    EffectsAnalysis effects("y,v\n1,1\n2,1\n3,1\n", MAConst::OUTCOME_CONTINUOUS);
-    effects.options.jsonPath = folder.PathOf("out.json");
-    Request request = MakeRequest(effects.options, effects.table);
-    Analysis analysis = RunAnalysis(request);
-    analysis.status = KXStatus(460060);
+    const std::string data = folder.Write("t.csv", "effect,variance\n1,NA\n2,1\n3,-1\n4,1\n");
+    EXPECT_EQ(JsonOf(Effects(data))["records"],
+              json::parse(R"({"read": 4, "used": 2, "missing": 1, "invalid": 1,
+                                                 "dropped": 0, "numbers": [1, 3]})"));
+}
 
-    testing::internal::CaptureStdout();
-    testing::internal::CaptureStderr();
-    EXPECT_EQ(WriteOutput(effects.options, effects.table, request, analysis), 1);
-    EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
-    EXPECT_EQ(testing::internal::GetCapturedStderr(),
-              "meta-analysis: error 460060: The between-study variance could not be estimated.\n");
-    const json report = json::parse(folder.Read("out.json"));
-    EXPECT_EQ(report["status"], json::parse(R"({"code": 460060, "kind": "error"})"));
-    EXPECT_EQ(report["results"]["EffectSize"], (std::vector<double>{1, 2, 3}));
+/// Every option with another value than its default, which the man page's check looks at.
+TEST(JsonReport, TellsEverySetting)
+{
+    const struct
+    {
+        Arguments command;
+        const char* settings;
+    } cases[] = {
+        {Bcg() +
+             "--effect peto --zero-cells none --zero-delta 0.25 --drop-double-zero --model fixed --tau2 hs "
+             "--knapp-hartung adjusted --level=0.9 --weights mantel-haenszel --null -0.5 "
+             "--max-iterations 7 --max-step-halving 8 --tolerance 1e-9 --subgroup year "
+             "--cumulative latitude --descending --contrast year --contrast allocation "
+             "--trim-fill quadratic --side 2 --trim-fill-model fixed --trim-fill-tau2 eb "
+             "--trim-fill-knapp-hartung truncated --small-study-test 0 --test-intercept off "
+             "--test-dispersion --funnel-y variance --funnel-points 7 --contours upper "
+             "--contour-level 0.3 --contour-level 0.2 --bubble latitude --center-bubble --bubble-points 9",
+         R"({
+            "treatment-events": "treatment_events", "treatment-nonevents": "treatment_nonevents",
+            "control-events": "control_events", "control-nonevents": "control_nonevents", "study": "study",
+            "effect": "peto", "zero-cells": "none", "zero-delta": 0.25, "drop-double-zero": true,
+            "model": "fixed", "tau2": "hs", "knapp-hartung": "adjusted", "level": 0.9,
+            "weights": "mantel-haenszel", "null": -0.5, "max-iterations": 7, "max-step-halving": 8,
+            "tolerance": 1e-9, "subgroup": "year", "cumulative": "latitude", "descending": true,
+            "contrast": ["year", "allocation"], "trim-fill": "quadratic", "side": "2",
+            "trim-fill-model": "fixed", "trim-fill-tau2": "eb", "trim-fill-knapp-hartung": "truncated",
+            "small-study-test": 0, "test-intercept": "off", "test-dispersion": true, "funnel-y": "variance",
+            "funnel-points": 7, "contours": "upper", "contour-level": [0.3, 0.2], "bubble": ["latitude"],
+            "center-bubble": true, "bubble-points": 9})"},
+        {Arguments{"regression", DataFile("teacher_expectancy.csv")} +
+             "--effect-size effect --std-error variance --factor tester --covariate weeks --covariate year "
+             "--interaction weeks:tester --model fixed --tau2 hs --knapp-hartung truncated --level 0.9 "
+             "--no-intercept --dispersion --normal-tests --study study",
+         R"({
+            "effect-size": "effect", "variance": null, "std-error": "variance", "weight": null,
+            "study": "study", "covariate": ["weeks", "year"], "factor": ["tester"],
+            "interaction": ["weeks:tester"], "no-intercept": true, "model": "fixed", "tau2": "hs",
+            "knapp-hartung": "truncated", "level": 0.9, "dispersion": true, "normal-tests": true,
+            "max-iterations": 100, "max-step-halving": 5, "tolerance": 1e-6})"},
+    };
+    for (const auto& one : cases)
+        EXPECT_EQ(JsonOf(one.command)["settings"], json::parse(one.settings));
 }
 
 } // namespace

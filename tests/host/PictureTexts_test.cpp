@@ -2,13 +2,7 @@
 #include "host/Pictures.h"
 #include "host/PlainText.h"
 
-#include <gmock/gmock.h>
-
-#include <cmath>
-#include <cstddef>
-#include <filesystem>
-#include <string>
-#include <vector>
+#include <fmt/format.h>
 
 using testing::Contains;
 using testing::HasSubstr;
@@ -56,8 +50,9 @@ void ExpectReadable(const SvgFigure& figure)
 /// No text lies on a square.
 void ExpectBesideSquares(const SvgFigure& figure)
 {
+    const std::vector<SvgText> texts = figure.Texts();
     for (const SvgMark& square : figure.Marks("gpPt4", host::color::STUDY)) {
-        for (const SvgText& text : figure.Texts()) {
+        for (const SvgText& text : texts) {
             const Box box = BoxOf(text);
             const bool isBeside = box.right <= square.x - square.size || box.left >= square.x + square.size;
             EXPECT_TRUE(isBeside || std::abs(box.y - square.y) > 8) << text.text;
@@ -67,24 +62,22 @@ void ExpectBesideSquares(const SvgFigure& figure)
 
 TEST(PictureTexts, KeepsForestsReadable)
 {
-    const std::string longLabel =
-        "A label that names all authors, their institution, the journal and its publisher, WWW 1987";
-    for (const std::size_t count : {1U, 2U, 3U, 13U, 100U}) {
-        for (const std::string& label :
-             {std::string("S"), longLabel, std::string("東京大学医学部附属病院の無作為化比較試験")}) {
+    const std::string labels[] = {
+        "S", "A label that names all authors, their institution, the journal and its publisher, WWW 1987",
+        "東京大学医学部附属病院の無作為化比較試験"};
+    for (const int count : {1, 2, 3, 13, 100}) {
+        for (const std::string& label : labels) {
             SCOPED_TRACE(std::to_string(count) + label);
             std::string data = "study,effect,variance,group\n";
-            for (std::size_t i = 0; i < count; ++i)
-                data += '"' + label + "\"," + std::to_string(20 * std::sin(static_cast<double>(i))) + ',' +
-                        std::to_string(0.02 + 30 * static_cast<double>(i % 5)) + ',' +
-                        (i == 0 ? "one" : "rest") + '\n';
+            for (int i = 0; i < count; ++i)
+                data += fmt::format("\"{}\",{},{},{}\n", label, 20 * std::sin(i), 0.02 + 30.0 * (i % 5),
+                                    i == 0 ? "one" : "rest");
             const TemporaryFolder folder;
-            const Pictures pictures({"effects", folder.Write("data.csv", data), "--outcome", "binary",
-                                     "--study", "study", "--effect-size", "effect", "--variance", "variance",
-                                     "--subgroup", "group"});
+            const Pictures pictures(Effects(folder.Write("data.csv", data)) +
+                                    "--outcome binary --study study --subgroup group");
             const SvgFigure figure = pictures.Figure("forest");
-            EXPECT_EQ(figure.Marks("gpPt4", host::color::STUDY).size(), count);
-            EXPECT_GE(figure.Height(), 18.0 * static_cast<double>(count));
+            EXPECT_EQ(figure.Marks("gpPt4", host::color::STUDY).size(), static_cast<std::size_t>(count));
+            EXPECT_GE(figure.Height(), 18.0 * count);
             ExpectReadable(figure);
             ExpectBesideSquares(figure);
         }
@@ -93,16 +86,17 @@ TEST(PictureTexts, KeepsForestsReadable)
 
 TEST(PictureTexts, KeepsTheOtherPlotsReadable)
 {
-    const Pictures pictures(Bcg({"--subgroup", "allocation", "--cumulative", "year", "--bubble", "latitude",
-                                 "--contours", "two-sided", "--trim-fill", "run"}));
+    const Pictures pictures(Bcg() + "--subgroup allocation --cumulative year --bubble latitude "
+                                    "--contours two-sided --trim-fill run");
     for (const std::string& name : pictures.Names()) {
         SCOPED_TRACE(name);
         const SvgFigure figure = pictures.Figure(name.substr(0, name.rfind('.')));
+        const pugi::xml_node root = figure.Root();
         ExpectReadable(figure);
-        EXPECT_EQ(std::string(figure.Root().attribute("role").value()), "img");
-        EXPECT_FALSE(figure.Root().select_node("//@shape-rendering")); // jagged edges
-        EXPECT_THAT(figure.ChildText("title"), HasSubstr("plot"));
-        EXPECT_THAT(figure.ChildText("desc"), HasSubstr("stud"));
+        EXPECT_STREQ(root.attribute("role").value(), "img");
+        EXPECT_FALSE(root.select_node("//@shape-rendering")); // jagged edges
+        EXPECT_THAT(root.child("title").text().get(), HasSubstr("plot"));
+        EXPECT_THAT(root.child("desc").text().get(), HasSubstr("stud"));
     }
 }
 
@@ -125,23 +119,22 @@ TEST(PictureTexts, ShowsHostileTextsAsTexts)
     const std::string column = "x_^@% <i>\"";
     std::string data = "study,effect,variance,group," + CsvField(column) + '\n';
     for (std::size_t i = 0; i < hostileTexts.size(); ++i)
-        data += CsvField(hostileTexts[i]) + ",0." + std::to_string(i) + ",0.1," +
-                CsvField(hostileTexts[i % 2]) + ',' + std::to_string(i) + '\n';
+        data += fmt::format("{},0.{},0.1,{},{}\n", CsvField(hostileTexts[i]), i,
+                            CsvField(hostileTexts[i % 2]), i);
     const TemporaryFolder folder;
-    const Pictures pictures({"effects", folder.Write("data.csv", data), "--study", "study", "--effect-size",
-                             "effect", "--variance", "variance", "--subgroup", "group", "--cumulative",
-                             column, "--bubble", column});
-    const Texts forest = TextsOf(pictures.Figure("forest"));
-    const Texts cumulative = TextsOf(pictures.Figure("cumulative-forest"));
+    const Pictures pictures(Effects(folder.Write("data.csv", data)) + "--study study --subgroup group" +
+                            Arguments{"--cumulative", column, "--bubble", column});
+    const Texts forest = pictures.Figure("forest").Words();
+    const Texts cumulative = pictures.Figure("cumulative-forest").Words();
     for (const std::string& text : hostileTexts) {
         EXPECT_THAT(forest, Contains(text));
         EXPECT_THAT(cumulative, Contains("+ " + text));
     }
     EXPECT_THAT(forest, Contains("group: " + hostileTexts[0]));
     EXPECT_THAT(cumulative, Contains(column));
-    EXPECT_THAT(TextsOf(pictures.Figure("bubble-1-x-i")), Contains(column));
-    EXPECT_EQ(pictures.Figure("forest").Root().select_node("//*[local-name()='script' or local-name()='b']"),
-              nullptr);
+    EXPECT_THAT(pictures.Figure("bubble-1-x-i").Words(), Contains(column));
+    EXPECT_FALSE(
+        pictures.Figure("forest").Root().select_node("//*[local-name()='script' or local-name()='b']"));
     EXPECT_FALSE(std::filesystem::exists("pwned"));
 }
 

@@ -3,13 +3,8 @@
 #include "host/RunProgram.h"
 #include "host/SvgFigure.h"
 
-#include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <string>
-#include <vector>
-
-using Texts = std::vector<std::string>;
+#include <functional>
 
 /// Coordinates are written with two decimals.
 inline constexpr double halfPixelDigit = 0.0051;
@@ -20,16 +15,12 @@ class Pictures
 public:
     explicit Pictures(const Arguments& arguments)
     {
-        const ProgramRun run = RunProgram(
-            arguments + Arguments{"--plots", folder_.PathOf("plots"), "--json", folder_.PathOf("json")});
-        EXPECT_EQ(run.exitStatus, 0) << run.errors;
+        const std::string json = folder_.PathOf("json");
+        ReportOf(arguments + Arguments{"--plots", folder_.PathOf("plots"), "--json", json});
         results_ = nlohmann::json::parse(folder_.Read("json"))["results"];
-        for (const auto& entry : std::filesystem::directory_iterator(folder_.PathOf("plots")))
-            names_.push_back(entry.path().filename().string());
-        std::sort(names_.begin(), names_.end());
     }
 
-    const Texts& Names() const { return names_; }
+    Texts Names() const { return folder_.Files("plots"); }
     const nlohmann::json& Results() const { return results_; }
     SvgFigure Figure(const std::string& name) const
     {
@@ -38,42 +29,34 @@ public:
 
 private:
     TemporaryFolder folder_;
-    Texts names_;
     nlohmann::json results_;
 };
 
-inline Texts TextsOf(const SvgFigure& figure)
+/// From numbers to pixels.
+using PixelScale = std::function<double(double)>;
+
+inline PixelScale ScaleThrough(double first, double firstPixel, double last, double lastPixel)
 {
-    Texts texts;
-    for (const SvgText& text : figure.Texts())
-        texts.push_back(text.text);
-    return texts;
+    const double perUnit = (lastPixel - firstPixel) / (last - first);
+    return [=](double value) { return firstPixel + (value - first) * perUnit; };
 }
 
-/// From numbers on a linear scale to pixels, by two ticks of an axis.
-class PixelScale
-{
-public:
-    PixelScale(double first, double firstPixel, double last, double lastPixel)
-        : first_(first), firstPixel_(firstPixel), perUnit_((lastPixel - firstPixel) / (last - first))
-    {}
-    double operator()(double value) const { return firstPixel_ + (value - first_) * perUnit_; }
+// The scales of axes, by two of their ticks.
 
-private:
-    double first_;
-    double firstPixel_;
-    double perUnit_;
-};
+inline PixelScale LevelScale(const SvgFigure& figure, const char* first, const char* last)
+{
+    return ScaleThrough(std::stod(first), figure.TickX(first), std::stod(last), figure.TickX(last));
+}
 
 /// Of the upright axis, from which the numbers stand at a distance: for differences alone.
-inline PixelScale VerticalScale(const SvgFigure& figure, const char* first, const char* last)
+inline PixelScale UprightScale(const SvgFigure& figure, const char* first, const char* last)
 {
-    return {std::stod(first), figure.TickAt(first, &SvgText::y, "end"), std::stod(last),
-            figure.TickAt(last, &SvgText::y, "end")};
+    return ScaleThrough(std::stod(first), figure.TickY(first), std::stod(last), figure.TickY(last));
 }
 
+/// Of logarithms, where the axis has ratios.
 inline PixelScale RatioScale(const SvgFigure& figure, const char* first, const char* last)
 {
-    return {std::log(std::stod(first)), figure.TickAt(first, &SvgText::x, "middle"),
-            std::log(std::stod(last)), figure.TickAt(last, &SvgText::x, "middle")};
+    return ScaleThrough(std::log(std::stod(first)), figure.TickX(first), std::log(std::stod(last)),
+                        figure.TickX(last));
 }

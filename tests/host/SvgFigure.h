@@ -28,8 +28,6 @@ struct SvgMark
     double x;
     double y;
     double size; ///< radius, or half the side of a square
-    std::string shape;
-    std::string color; ///< "#rrggbb"
 };
 
 struct SvgPoint
@@ -37,12 +35,12 @@ struct SvgPoint
     double x;
     double y;
 };
+using SvgPoints = std::vector<SvgPoint>;
 
-/// A line, or an area's outline.
-struct SvgShape
+struct SvgArea
 {
-    std::vector<SvgPoint> points;
-    std::string color;
+    SvgPoints outline;
+    std::string color; ///< "#rrggbb"
 };
 
 /// The numbers in an attribute such as "translate(12.5,3) scale(2)".
@@ -67,7 +65,6 @@ public:
     pugi::xml_node Root() const { return document_.child("svg"); }
     double Width() const { return Root().attribute("width").as_double(); }
     double Height() const { return Root().attribute("height").as_double(); }
-    std::string ChildText(const char* element) const { return Root().child(element).text().get(); }
 
     std::vector<SvgText> Texts() const
     {
@@ -76,60 +73,53 @@ public:
             const pugi::xml_node group = found.node().parent();
             const std::string place = group.attribute("transform").value();
             const std::vector<double> numbers = NumbersIn(place);
-            const SvgText text = {found.node().text().get(),
-                                  numbers.at(0),
-                                  numbers.at(1),
-                                  group.attribute("text-anchor").value(),
-                                  std::string(group.attribute("font-weight").value()) == "bold",
-                                  place.find("rotate") != std::string::npos};
-            texts.push_back(text);
+            texts.push_back({found.node().text().get(), numbers.at(0), numbers.at(1),
+                             group.attribute("text-anchor").value(),
+                             std::string(group.attribute("font-weight").value()) == "bold",
+                             place.find("rotate") != std::string::npos});
         }
         return texts;
     }
 
-    /// Marks in the order of drawing, without those of the legend.
-    std::vector<SvgMark> Marks() const
+    std::vector<std::string> Words() const
+    {
+        std::vector<std::string> words;
+        for (const SvgText& text : Texts())
+            words.push_back(text.text);
+        return words;
+    }
+
+    // All in the order of drawing, without those of the legend.
+
+    /// The name of a shape is gnuplot's.
+    std::vector<SvgMark> Marks(const std::string& shape, const std::string& color) const
     {
         std::vector<SvgMark> marks;
-        for (const pugi::xpath_node& found : document_.select_nodes("//*[local-name()='use'][@transform]")) {
-            const pugi::xml_node use = found.node();
-            const std::string link = use.attribute("xlink:href").value();
+        for (const pugi::xml_node& use : Drawn("use", "transform")) {
             const std::vector<double> numbers = NumbersIn(use.attribute("transform").value());
-            if (numbers.size() == 3 && !IsInLegend(use))
-                marks.push_back({numbers[0], numbers[1], numbers[2], link.substr(link.rfind('-') + 1),
-                                 ColorOf(use.attribute("color").value())});
+            if (numbers.size() == 3 && ColorOf(use.attribute("color")) == color &&
+                std::string_view(use.attribute("xlink:href").value()).ends_with('-' + shape))
+                marks.push_back({numbers[0], numbers[1], numbers[2]});
         }
         return marks;
     }
 
-    std::vector<SvgMark> Marks(const std::string& shape, const std::string& color) const
+    std::vector<SvgArea> Areas() const
     {
-        std::vector<SvgMark> marks;
-        for (const SvgMark& mark : Marks())
-            if (mark.shape == shape && mark.color == color)
-                marks.push_back(mark);
-        return marks;
-    }
-
-    /// Areas in the order of drawing, without those of the legend.
-    std::vector<SvgShape> Areas() const
-    {
-        std::vector<SvgShape> areas;
-        for (const pugi::xpath_node& found : document_.select_nodes("//*[local-name()='polygon']"))
-            if (!IsInLegend(found.node()))
-                areas.push_back({PointsIn(found.node().attribute("points").value()),
-                                 ColorOf(found.node().attribute("fill").value())});
+        std::vector<SvgArea> areas;
+        for (const pugi::xml_node& polygon : Drawn("polygon", "points"))
+            areas.push_back(
+                {PointsIn(polygon.attribute("points").value()), ColorOf(polygon.attribute("fill"))});
         return areas;
     }
 
-    /// Lines of one colour, likewise.
-    std::vector<std::vector<SvgPoint>> Lines(const std::string& color) const
+    std::vector<SvgPoints> Lines(const std::string& color) const
     {
-        std::vector<std::vector<SvgPoint>> lines;
-        for (const pugi::xpath_node& found : document_.select_nodes("//*[local-name()='path'][@stroke]")) {
-            if (IsInLegend(found.node()) || ColorOf(found.node().attribute("stroke").value()) != color)
+        std::vector<SvgPoints> lines;
+        for (const pugi::xml_node& drawn : Drawn("path", "stroke")) {
+            if (ColorOf(drawn.attribute("stroke")) != color)
                 continue;
-            std::istringstream path(found.node().attribute("d").value());
+            std::istringstream path(drawn.attribute("d").value());
             for (std::string line; std::getline(path, line, 'M');)
                 if (!line.empty())
                     lines.push_back(PointsIn(line));
@@ -137,20 +127,24 @@ public:
         return lines;
     }
 
-    /// Pixel of the number at an axis.
-    double TickAt(const std::string& number, double SvgText::*coordinate, const char* anchor) const
+    // Pixels of a number at the level axis, and at the upright one.
+
+    double TickX(const std::string& number) const { return Tick(number, "middle").x; }
+    double TickY(const std::string& number) const { return Tick(number, "end").y; }
+
+private:
+    SvgText Tick(const std::string& number, const char* anchor) const
     {
         for (const SvgText& text : Texts())
             if (text.text == number && text.anchor == anchor && !text.isBold)
-                return text.*coordinate;
+                return text;
         ADD_FAILURE() << "no " << number << " at the axis";
-        return 0;
+        return {};
     }
 
-private:
-    static std::vector<SvgPoint> PointsIn(const std::string& attribute)
+    static SvgPoints PointsIn(const std::string& attribute)
     {
-        std::vector<SvgPoint> points;
+        SvgPoints points;
         const std::vector<double> numbers = NumbersIn(attribute);
         for (std::size_t i = 0; i + 1 < numbers.size(); i += 2)
             points.push_back({numbers[i], numbers[i + 1]});
@@ -158,24 +152,32 @@ private:
     }
 
     /// "rgb( 34,  34,  34)" as "#222222".
-    static std::string ColorOf(const std::string& rgb)
+    static std::string ColorOf(const pugi::xml_attribute& rgb)
     {
         std::ostringstream color;
         color << '#' << std::hex << std::setfill('0');
-        for (const double component : NumbersIn(rgb))
+        for (const double component : NumbersIn(rgb.value()))
             color << std::setw(2) << static_cast<int>(component);
         return color.str();
     }
 
-    /// An entry of the legend is a plot of its own, which has a text.
-    static bool IsInLegend(pugi::xml_node mark)
+    std::vector<pugi::xml_node> Drawn(const std::string& element, const std::string& attribute) const
     {
-        for (pugi::xml_node node = mark; node; node = node.parent()) {
-            const std::string id = node.attribute("id").value();
-            if (id.find("gnuplot_plot_") != std::string::npos)
-                return node.select_node(".//*[local-name()='text']") != nullptr;
-        }
-        return false;
+        std::vector<pugi::xml_node> nodes;
+        const std::string path = "//*[local-name()='" + element + "'][@" + attribute + "]";
+        for (const pugi::xpath_node& found : document_.select_nodes(path.c_str()))
+            if (!IsInLegend(found.node()))
+                nodes.push_back(found.node());
+        return nodes;
+    }
+
+    /// An entry of the legend is a plot of its own, which has a text.
+    static bool IsInLegend(pugi::xml_node node)
+    {
+        while (node &&
+               std::string_view(node.attribute("id").value()).find("gnuplot_plot_") == std::string::npos)
+            node = node.parent();
+        return node && node.select_node(".//*[local-name()='text']");
     }
 
     pugi::xml_document document_;

@@ -1,12 +1,13 @@
 #pragma once
 
-#include <cstdlib>
+#include <algorithm>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
-#include <stdexcept>
+#include <random>
 #include <string>
 #include <system_error>
+#include <vector>
 
 /// A folder that goes away with the object.
 class TemporaryFolder
@@ -14,10 +15,10 @@ class TemporaryFolder
 public:
     TemporaryFolder()
     {
-        std::string name = (std::filesystem::temp_directory_path() / "meta-analysis-XXXXXX").string();
-        if (mkdtemp(name.data()) == nullptr)
-            throw std::runtime_error("no temporary folder");
-        path_ = name;
+        std::random_device random;
+        do
+            path_ = std::filesystem::temp_directory_path() / ("meta-analysis-" + std::to_string(random()));
+        while (!std::filesystem::create_directory(path_));
     }
     ~TemporaryFolder()
     {
@@ -28,6 +29,16 @@ public:
     TemporaryFolder& operator=(const TemporaryFolder&) = delete;
 
     std::string PathOf(const std::string& file) const { return (path_ / file).string(); }
+
+    /// The names in the folder or one below, in ascending order.
+    std::vector<std::string> Files(const std::string& below = "") const
+    {
+        std::vector<std::string> names;
+        for (const auto& entry : std::filesystem::directory_iterator(path_ / below))
+            names.push_back(entry.path().filename().string());
+        std::sort(names.begin(), names.end());
+        return names;
+    }
 
     std::string Write(const std::string& file, const std::string& content) const
     {

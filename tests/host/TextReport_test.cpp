@@ -19,20 +19,15 @@ TEST(NumberText, KeepsDigitsOfSmallNumbersAndShortensHugeOnes)
               (Texts{"0.0000", "-0.7452", "0.000123", "-1.5e-09", "123456.7890", "1e+10", "-", "-", "-inf"}));
 }
 
-TEST(NumberText, HasNoSignWhereItShowsZero)
+TEST(NumberText, HasNoSignWhereItShowsZeroAndNeverAProbabilityOfZero)
 {
-    EXPECT_EQ(FixedText(-0.00004, 4), "0.0000");
-    EXPECT_EQ(FixedText(-0.00006, 4), "-0.0001");
-    EXPECT_EQ(FixedText(-10, 0), "-10");
-}
-
-TEST(NumberText, NeverShowsAProbabilityOfZero)
-{
-    EXPECT_EQ(PValueText(0), "< 0.0001");
-    EXPECT_EQ(PValueText(0.99e-4), "< 0.0001");
-    EXPECT_EQ(PValueText(1e-4), "0.0001");
-    EXPECT_EQ(PValueText(1), "1.0000");
-    EXPECT_EQ(PValueText(missing), "-");
+    const std::pair<std::string, const char*> cases[] = {
+        {FixedText(-0.00004, 4), "0.0000"}, {FixedText(-0.00006, 4), "-0.0001"}, {FixedText(-10, 0), "-10"},
+        {PValueText(0), "< 0.0001"},        {PValueText(0.99e-4), "< 0.0001"},   {PValueText(1e-4), "0.0001"},
+        {PValueText(1), "1.0000"},          {PValueText(missing), "-"},
+    };
+    for (const auto& [text, expected] : cases)
+        EXPECT_EQ(text, expected);
 }
 
 TEST(NumberText, ShowsThreeDigitsOfTheSmallestStandardError)

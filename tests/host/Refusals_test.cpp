@@ -1,0 +1,135 @@
+// What the program cannot use: it says so in a sentence, and writes nothing.
+
+#include "host/RunProgram.h"
+
+using testing::EndsWith;
+using testing::HasSubstr;
+using testing::StartsWith;
+
+namespace {
+
+struct Refusal
+{
+    Arguments arguments;
+    std::string message;
+};
+
+void ExpectRefused(const std::vector<Refusal>& refusals)
+{
+    for (const Refusal& refusal : refusals) {
+        const ProgramRun run = RunProgram(refusal.arguments);
+        EXPECT_EQ(run.exitStatus, 2) << refusal.message;
+        EXPECT_EQ(run.output, "");
+        EXPECT_THAT(run.errors,
+                    AllOf(StartsWith("meta-analysis: "), HasSubstr(refusal.message), EndsWith(".\n")));
+    }
+}
+
+TEST(Refusals, OfCommandLines)
+{
+    const Arguments none;
+    const Arguments effects = Effects("passive_smoking.csv");
+    const Arguments binary = Binary("bcg_vaccine.csv");
+    ExpectRefused({
+        {none, "No command is given"},
+        {none + "pool", "'pool' is no command"},
+        {none + "--level 0.9 binary", "'--level' stands before the command"},
+        {none + "binary", "No data file is given"},
+        {none + "binary /no/file.csv", "--treatment-events is required"},
+        {none + "effects t.csv --effect-size y", "Exactly one of --variance and --std-error"},
+        {none + "effects /no/file.csv --effect-size y --std-error s", "'/no/file.csv' cannot be opened"},
+        {Continuous("stroke_length_of_stay.csv") + "--control-variance control_sd",
+         "Exactly one of --control-sd and --control-variance"},
+        {effects + "--effect odds-ratio",
+         "--effect with --outcome continuous: 'odds-ratio' is none of cohens-d"},
+        {effects + "--effect cohens-d --outcome binary",
+         "--outcome binary: 'cohens-d' is none of odds-ratio"},
+        {effects + "--effect-size study", "--effect-size is given 2 times"},
+        {effects + "--covariate year", "'effects' has no option --covariate"},
+        {binary + "--levle 0.9", "'binary' has no option --levle"},
+        {binary + "more.csv", "'more.csv' is one argument too many"},
+        {binary + "--level", "--level needs an argument"},
+        {binary + "--level 1", "--level: 1 is not between 0 and 1"},
+        {binary + "--level 0.9x", "--level: '0.9x' is not a number"},
+        {binary + "--null nan", "--null: 'nan' is not a finite number"},
+        {binary + "--tolerance 0", "--tolerance: 0 is not above 0"},
+        {binary + "--max-iterations -1", "--max-iterations: -1 is not 0 or above"},
+        {binary + "--max-iterations 2.5", "--max-iterations: '2.5' is not a whole number"},
+        {binary + "--max-step-halving 3000000000", "--max-step-halving: '3000000000' is outside the range"},
+        {binary + "--model mixed", "--model: 'mixed' is none of random, fixed"},
+        {binary + "--drop-double-zero=2", "--drop-double-zero: a flag takes no argument"},
+        {effects + "--funnel-points 1", "--funnel-points: 1 is not 2 or above"},
+        {effects + "--contour-level 0.1 --contours upper --contour-level 0.10",
+         "--contour-level: '0.1' is given twice"},
+        {effects + "--contour-level 0.1", "--contour-level needs --contours"},
+        {effects + "--trim-fill cubic", "--trim-fill: 'cubic' is none of linear, run, quadratic"},
+        {effects + "--small-study-test 3", "type 3 needs the tables of the command binary"},
+    });
+}
+
+TEST(Refusals, OfColumnsAndTheirFields)
+{
+    const TemporaryFolder folder;
+    const std::string data = folder.Write("t.csv", "who,effect,variance\n\"A\nB\",1,2\nC,x,2\n");
+    const Arguments smoking = Effects("passive_smoking.csv");
+    ExpectRefused({
+        {Effects(data), "t.csv, line 4, column 'effect': 'x' is not a number"},
+        {smoking + "--study author",
+         "passive_smoking.csv has no column 'author'. Its columns are: study, year"},
+        {smoking + "--subgroup nation", "has no column 'nation'"},
+        {smoking + "--contrast country", "line 2, column 'country': 'USA' is not a number"},
+        {smoking + "--bubble country --subgroup country", "column 'country': 'USA' is not a number"},
+        {smoking + "--bubble year --bubble year", "--bubble: column 'year' is given twice"},
+    });
+}
+
+TEST(Refusals, OfRegressions)
+{
+    const TemporaryFolder folder;
+    const std::string data = folder.Write("t.csv", "y,v,x,g,one,none,a:b,a,b:a\n1,1,1,p,5,NA,1,1,2\n"
+                                                   "2,1,2,q,5,NA,2,2,1\n3,1,4,q,NA,NA,5,3,3\n");
+    const Arguments regression = {"regression", data};
+    const Arguments effects = regression + "--effect-size y";
+    const Arguments command = effects + "--variance v";
+    ExpectRefused({
+        {effects, "Exactly one of --variance, --std-error and --weight is required"},
+        {command + "--covariate z", "has no column 'z'. Its columns are: y, v, x"},
+        {command + "--covariate g", "t.csv, line 2, column 'g': 'p' is not a number"},
+        {command + "--factor one", "--factor: column 'one' has no other value than '5'"},
+        {command + "--factor none", "--factor: column 'none' has no values"},
+        {command + "--covariate y", "Column 'y' is given to --effect-size and again to --covariate"},
+        {effects + "--weight y", "Column 'y' is given to --effect-size and again to --weight"},
+        {command + "--covariate x --factor x", "to --covariate and again to --factor"},
+        {command + "--covariate x --covariate x", "to --covariate and again to --covariate"},
+        {command + "--covariate x --interaction x", "'x' is not A:B with two columns"},
+        {command + "--covariate x --interaction x:g", "'x:g' is not A:B with two columns"},
+        {command + "--factor g --interaction g:g", "'g:g' is a factor with itself"},
+        {command + "--covariate x --factor g --interaction x:g --interaction g:x",
+         "--interaction: 'g:x' is in the model already"},
+        {command + "--covariate a --covariate b:a --covariate a:b --interaction a:b:a",
+         "'a:b:a' can be parted into two columns at more than one colon"},
+        {command + "--no-intercept", "leaves nothing to estimate"},
+        {command + "--no-intercept=1", "--no-intercept: a flag takes no argument"},
+    });
+}
+
+/// Before the analysis, so that nothing is written.
+TEST(Refusals, OfPlacesThatCannotBe)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.Write("file", "");
+    const std::string data = DataFile("bcg_vaccine.csv");
+    ExpectRefused({
+        {Bcg({"--plots", file}), "is no folder"},
+        {Bcg({"--html", data}), "--html: '" + data + "' is the data file"},
+        {Bcg({"--html", file, "--json", file}), "is the file of --json"},
+        {Bcg({"--html", folder.PathOf("./a"), "--json", folder.PathOf("a")}), "is the file of --json"},
+        {Bcg({"--json", folder.PathOf("new"), "--plots", folder.PathOf("./new/")}),
+         "is the folder of --plots"},
+        {Bcg({"--html", folder.PathOf("new/page")}), "there is no folder '"},
+        {Bcg({"--json", ""}), "--json: '' cannot be written"},
+    });
+    EXPECT_EQ(folder.Files(), Texts{"file"});
+}
+
+} // namespace

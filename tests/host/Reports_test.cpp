@@ -1,0 +1,153 @@
+// What the reports in text show of each analysis, and in which order.
+
+#include "host/RunProgram.h"
+
+using testing::ContainsRegex;
+
+namespace {
+
+struct ShownReport
+{
+    Arguments arguments;
+    std::string pattern; ///< of POSIX, where .* goes on over the ends of lines
+};
+
+void ExpectShown(const std::vector<ShownReport>& reports)
+{
+    for (const ShownReport& one : reports)
+        EXPECT_THAT(ReportOf(one.arguments), ContainsRegex(one.pattern));
+}
+
+TEST(Reports, ShowRecordsStudiesAndModels)
+{
+    const TemporaryFolder folder;
+    const std::string unusable = folder.Write("t.csv", "effect,variance\nNA,1\n1,0\n");
+    ExpectShown({
+        {Bcg(),
+         "^Meta-analysis: odds ratio, random-effects model \\(restricted maximum likelihood\\), 95% level\n"
+         ".*13 read, 13 used, 0 missing, 0 invalid, 0 dropped\n"
+         ".*Study +OR \\[95% CI\\] +log OR \\[95% CI\\] +Weight %\n"
+         ".*Aronson +0.3911 \\[0.1212, 1.2619\\] +-0.9387 \\[-2.1100, +0.2326\\]"
+         ".*Overall +0.4746 \\[0.3296, 0.6835\\] +-0.7452 \\[-1.1098, -0.3806\\] +0.1860 +-4.0057 +< 0.0001\n"
+         ".*Overall +\\[0.1239, 1.8183\\] +\\[-2.0883, 0.5979\\]\n"
+         ".*Overall +163.1649 +12 +< 0.0001 +0.3378 +0.5812 +92.07 +12.6146\n"
+         ".*460045: [A-Z].*\\.\n"},
+        {Effects(unusable), "2 read, 0 used, 1 missing, 1 invalid, 0 dropped\nNo record could be used"},
+    });
+}
+
+TEST(Reports, SayWhatTheLibraryDoesWithTheSettings)
+{
+    const Arguments fixed = Bcg() + "--model fixed";
+    const Arguments effects = Effects("passive_smoking.csv") + "--outcome binary --model fixed";
+    const std::string tables = "--weights mantel-haenszel";
+    const std::string random = "random-effects model \\(restricted maximum likelihood\\), 95%";
+    ExpectShown({
+        {Bcg() + "--null 2",
+         random + ".*SE +z +p\n"
+                  ".*--null 2 is for the fixed-effect model; the null hypothesis here is log OR = 0\\."},
+        {Bcg() + "--tau2 dl --knapp-hartung truncated",
+         "random-effects model \\(DerSimonian-Laird\\), truncated Knapp-Hartung adjustment, .*SE +t +p\n"},
+        {fixed + "--knapp-hartung adjusted --null 0.5",
+         "fixed-effect model \\(inverse variance\\), 95%.*SE +z +p\n"
+         ".*The null hypothesis is log OR = 0.5\\."},
+        {fixed + tables + "--null 2",
+         "fixed-effect model \\(Mantel-Haenszel\\), .*The null hypothesis is OR = 2\\."},
+        {fixed + tables + "--effect peto", "fixed-effect model \\(Peto\\), "},
+        {Bcg() + tables, random},
+        {effects + tables, "fixed-effect model \\(inverse variance\\), "},
+    });
+}
+
+TEST(Reports, ShowGroupsInOrderOfTheirTexts)
+{
+    const TemporaryFolder folder;
+    const std::string gaps = folder.Write("t.csv", "effect,variance,g\n1,1,b\n2,1,NA\n3,1,a\n4,1,\n");
+    ExpectShown({
+        {Effects("passive_smoking.csv") + "--subgroup country",
+         "Pooled effect\n.*\nChina .*\nGermany .*\nGreece .*\nHong Kong .*\nJapan .*\nRussia .*\nSweden .*\n"
+         "UK .*\nUSA .*\nOverall .*\nHeterogeneity between the groups\n +Q +df +p\n9.97[0-9]+ +8 +0.26"},
+        {Effects(gaps) + "--subgroup g",
+         "\n2 +\\(missing\\) +2.0000.*\n\\(missing\\) +3.0000 .*\na +3.0000 .*\nb +1.0000 .*\nOverall "},
+    });
+}
+
+/// The last step of a group is its pooled effect.
+TEST(Reports, ShowCumulativeAnalysesInTheirOrder)
+{
+    const Arguments byYear = Bcg() + "--effect risk-ratio --cumulative year";
+    const Arguments byGenus = Continuous("elevated_co2.csv") + "--cumulative genus --study study";
+    ExpectShown({
+        {byYear + "--descending",
+         "Cumulative analysis\nStudy added +year +RR [^\n]*\nTPT Madras +1980 +1.0120 [^\n]*\n"
+         "Hart & Sutherland +1977 "},
+        {byYear + "--subgroup allocation",
+         "Pooled effect\n.*\n0 +0.5823 .*\n1 +0.3787 .*\n2 +0.6543 .*\nOverall +0.4894 "
+         ".*Heterogeneity\n.*\n0 +5.5625 .*\n1 +110.2133 .*\n2 +16.59.*\nOverall +152.23"},
+        {byYear + "--subgroup allocation",
+         "Cumulative analysis: allocation = 0\n[^\n]*\nStein & Aronson +1953 .*\n"
+         "Frimodt-Moller et al +1973 +0.5823 "},
+        {byGenus, "Study added +genus [^\n]*\n[0-9]+ +ACER "},
+        {byGenus + "--descending", "Study added +genus [^\n]*\n[0-9]+ +TRICHOSPERMUM "},
+    });
+}
+
+TEST(Reports, ShowContrastsAndPlots)
+{
+    const Arguments contrasts = Bcg() + "--contrast allocation --contrast year";
+    ExpectShown({
+        {contrasts + "--model fixed", "Contrasts\n +exp\\(contrast\\) [^\n]*\nallocation [^\n]*\nyear "},
+        {contrasts, "tested under the fixed-effect model alone"},
+        {Bcg() + "--funnel-y inverse-variance --contours lower", "\nIts picture has no contours: "},
+        {Bcg() + "--effect risk-ratio --bubble year --bubble latitude",
+         "Bubble plots\n.*\nyear +13 .*\nlatitude +13 +0.2515 +-0.0291\n"},
+    });
+}
+
+TEST(Reports, ExplainSmallStudyEffectsWithoutAClaim)
+{
+    const TemporaryFolder folder;
+    const std::string two = folder.Write("t.csv", "effect,variance\n1,1\n2,2\n");
+    const Arguments trimFill = Binary("magnesium.csv") + "--trim-fill linear";
+    ExpectShown({
+        {trimFill, "Trim-and-fill\n.*\nObserved studies .*\nWith imputed studies .*\n"
+                   "Studies imputed by the linear estimator, as mirror images of the smallest effects "
+                   "\\(the side that the data suggest\\): 7\\.\n"},
+        {trimFill + "--model fixed --weights mantel-haenszel", "460046: "},
+        {Effects(two) + "--trim-fill run", "It could not be computed\\."},
+        {Effects("passive_smoking.csv") + "--small-study-test 0 --subgroup country",
+         "Small-study test [^\n]*\n[^\n]*\nChina +1.88.*\nGermany +- .*"
+         "The slope is positive: less precise studies report larger values of d \\(p = 0.0425\\).\n"
+         "At the 95% level it differs from zero"},
+        {Bcg() + "--effect risk-ratio --small-study-test 0",
+         "The slope is negative: less precise studies report smaller values of log RR \\(p = 0.4388\\).\n"
+         "At the 95% level it does not differ clearly from zero"},
+        {Bcg() + "--small-study-test 3", "smaller studies report"},
+        {Bcg() + "--small-study-test 3 --test-intercept off", "Without intercept"},
+    });
+}
+
+TEST(Reports, ShowRegressions)
+{
+    const TemporaryFolder folder;
+    const std::string exact = folder.Write("t.csv", "effect,variance,x\n1,1,1\n2,1,2\nNA,1,3\n");
+    const Arguments tester = Regression("teacher_expectancy.csv") + "--factor tester --study study";
+    ExpectShown({
+        {tester + "--knapp-hartung adjusted --tau2 dl",
+         "^Meta-regression: random-effects model \\(DerSimonian-Laird\\), Knapp-Hartung adjustment, 95% "
+         "level\n"
+         ".*teacher_expectancy.csv: 19 read, 19 used, 0 missing, 0 invalid, 0 dropped\n"
+         ".*Study +Effect +Fitted \\[95% CI\\] +Residual +SE +Leverage\nRosenthal et al. +0.0300 "
+         ".*Parameter +Coefficient \\[95% CI\\] +SE +t +p\n\\(intercept\\) "
+         ".*tester=1 +- +- +- +-\n-: aliased"
+         ".* F +df +residual df +p\n[0-9.]+ +1 +17 +0\\.[0-9]{4}\n"
+         ".*Q +df +p +tau² +tau +I² % +H² +R² %\n[0-9.]+ +17 "},
+        {tester + "--model fixed --dispersion --normal-tests",
+         "SE +z +p\n.*Wald chi² +df +p\n.*Q +df +p +I² % +H²\n.*Multiplicative dispersion\n[0-9.]+, by "
+         "which"},
+        {Regression(exact) + "--covariate x --model fixed",
+         "\nWarnings\n460031: [A-Z][^\n]*\\.\n460049: [A-Z][^\n]*\\.\n$"},
+    });
+}
+
+} // namespace
