@@ -87,20 +87,6 @@ TEST(MAContModel, StandardDeviationWinsOverVariance)
     EXPECT_EQ(FinishedRun<MAContModel>(settings, {{10, 3, 2, 10, 2, 2}}).model.GetEffectSize(), Row{0.5});
 }
 
-TEST(MAContModel, RequiredVariables)
-{
-    using S = MAModelSettings;
-    for (const auto setIndex :
-         {&S::SetTreatmentNIndex, &S::SetTreatmentMeanIndex, &S::SetTreatmentStdErrorIndex,
-          &S::SetControlNIndex, &S::SetControlMeanIndex, &S::SetControlStdErrorIndex}) {
-        MAModelSettings settings = MeansSettings();
-        (settings.*setIndex)(-1);
-        const FinishedRun<MAContModel> run(settings, {{10, 3, 2, 10, 2, 2}});
-        EXPECT_EQ(run.status, KXStatus(MAStatusCode::INPUT_NOT_GIVEN));
-        EXPECT_TRUE(run.model.GetNonMissingStudyID().empty());
-    }
-}
-
 TEST(MAContModel, UnknownMeasureHasNoStudies)
 {
     MAModelSettings settings = MeansSettings();

@@ -6,16 +6,18 @@
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 
-/// An analysis of records held in memory, run once; the settings must outlive it.
+/// An analysis of records held in memory, run once.
 template <class Driver>
 struct FinishedRun
 {
-    FinishedRun(const MA_NAMESPACE::MAModelSettings& settings, const Rows& rows) : model(settings)
+    FinishedRun(const MA_NAMESPACE::MAModelSettings& given, const Rows& rows)
+        : settings(given), model(settings)
     {
         VectorRecordIter records(rows);
         status = model.RUN(records, KXVarList());
     }
-    FinishedRun(const MA_NAMESPACE::MAModelSettings&& settings, const Rows& rows) = delete;
+    FinishedRun(const FinishedRun&) = delete;
+    FinishedRun& operator=(const FinishedRun&) = delete;
 
     std::vector<int> WarningCodes() const
     {
@@ -25,6 +27,7 @@ struct FinishedRun
         return codes;
     }
 
+    MA_NAMESPACE::MAModelSettings settings;
     Driver model;
     KXStatus status;
 };
