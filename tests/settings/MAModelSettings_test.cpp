@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <cstddef>
+#include <iterator>
 #include <vector>
 
 using S = MA_NAMESPACE::MAModelSettings;
@@ -34,22 +36,14 @@ const IndexAccessors indices[] = {
     {&S::SetCommulativeIndex, &S::GetCummulativeIndex},
 };
 
-std::vector<double> CutoffsOf(const S& settings)
-{
-    std::vector<double> out = {7, 8, 9, 10}; // must not survive
-    settings.GetSetFunnelConTourCutoff(out);
-    return out;
-}
-
 } // namespace
 
 /// Copies have every index and vector, and are independent; no index shares its place with another.
 TEST(MAModelSettings, Copies)
 {
     S original;
-    int position = 1;
-    for (const IndexAccessors& index : indices)
-        (original.*index.set)(position++);
+    for (std::size_t i = 0; i < std::size(indices); ++i)
+        (original.*indices[i].set)(static_cast<int>(i));
     original.SetContrastCoefIndex({5, 6});
     original.SetInputContrastCoef({1, -1});
     original.SetFunnelConTourCutoff({0.2});
@@ -59,11 +53,12 @@ TEST(MAModelSettings, Copies)
     original.SetContrastCoefIndex({});
     original.SetFunnelConTourCutoff({});
     for (const S& copy : {copied, assigned}) {
-        position = 1;
-        for (const IndexAccessors& index : indices)
-            EXPECT_EQ((copy.*index.get)(), position++);
+        for (std::size_t i = 0; i < std::size(indices); ++i)
+            EXPECT_EQ((copy.*indices[i].get)(), static_cast<int>(i));
         EXPECT_EQ(copy.GetContrastCoefIndex(), (std::vector<int>{5, 6}));
         EXPECT_EQ(copy.GetInputContrastCoef(), (std::vector<double>{1, -1}));
-        EXPECT_EQ(CutoffsOf(copy), std::vector<double>{0.2});
+        std::vector<double> cutoffs = {7, 8, 9, 10}; // must not survive
+        copy.GetSetFunnelConTourCutoff(cutoffs);
+        EXPECT_EQ(cutoffs, std::vector<double>{0.2});
     }
 }
