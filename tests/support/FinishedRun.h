@@ -6,6 +6,8 @@
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 
+#include <algorithm>
+
 /// An analysis of records held in memory, run once.
 template <class Driver>
 struct FinishedRun
@@ -25,6 +27,11 @@ struct FinishedRun
         for (const KXStatus& warning : model.GetWarnings())
             codes.push_back(warning.GetCode());
         return codes;
+    }
+    bool Warns(int code) const
+    {
+        const std::vector<int> codes = WarningCodes();
+        return std::find(codes.begin(), codes.end(), code) != codes.end();
     }
 
     MA_NAMESPACE::MAModelSettings settings;
