@@ -47,32 +47,6 @@ struct Trials
     MAModelSettings settings;
 };
 
-/// A regression, and its key among the reference figures.
-struct Regression
-{
-    const char* key;
-    MODELTYPE model;
-    bool isAdjusted; ///< after Knapp and Hartung
-    double quantile; ///< of the normal distribution or, for 13 trials, of t
-};
-
-const Regression regressions[] = {
-    {"FE_z", MODEL_FIXED, false, KXDistFun::IdfStdNorm(0.975)},
-    {"REML_z", MODEL_RANDOM, false, KXDistFun::IdfStdNorm(0.975)},
-    {"REML_knha", MODEL_RANDOM, true, KXDistFun::IdfT(0.975, 11.0)},
-};
-
-MARegSettings SettingsOf(const Regression& regression)
-{
-    MARegSettings settings = WithIntercept();
-    settings.SetEstTauType("REML");
-    settings.SetKnapHartAdjust(regression.isAdjusted);
-    settings.SetTestDistType(regression.isAdjusted ? TEST_STUDENT_T : TEST_STANDARD_NORMAL);
-    settings.SetMaxStepHalvingValue(50);
-    settings.SetParameterTolerance(1e-12);
-    return settings;
-}
-
 /// The regression on the distance from x, whose intercept is the line at x.
 LeastSquares LineAt(double x, const MABinModel& model, double tau2)
 {
@@ -115,25 +89,33 @@ void ExpectStudiesOnTheLine(const MABinModel& model, double tau2)
 TEST(BubblePlot, HasTheLineOfThePublishedRegression)
 {
     const nlohmann::json figures = LoadReference("bcg_vaccine")["risk_ratio"]["meta_regression_latitude"];
-    for (const Regression& regression : regressions) {
-        SCOPED_TRACE(regression.key);
-        const nlohmann::json& expected = figures[regression.key];
+    for (const std::string key : {"FE_z", "REML_z", "REML_knha"}) {
+        SCOPED_TRACE(key);
+        const nlohmann::json& expected = figures[key];
         const double tau2 = expected.value("tau2", 0.0);
-        const MABinModel model = Trials(regression.model).Plotted(SettingsOf(regression));
+        const bool isAdjusted = key == "REML_knha"; // after Knapp and Hartung
+        MARegSettings settings = WithIntercept();
+        settings.SetEstTauType("REML");
+        settings.SetKnapHartAdjust(isAdjusted);
+        settings.SetTestDistType(isAdjusted ? TEST_STUDENT_T : TEST_STANDARD_NORMAL);
+        settings.SetMaxStepHalvingValue(50);
+        settings.SetParameterTolerance(1e-12);
+        const MABinModel model = Trials(key == "FE_z" ? MODEL_FIXED : MODEL_RANDOM).Plotted(settings);
         ASSERT_EQ(model.GetBubbleFlags(), std::vector<int>{1});
         EXPECT_TRUE(Close(model.GetBubbleCoefs()[0], expected["b"].get<Row>(), referenceTolerance));
         ExpectStudiesOnTheLine(model, tau2);
 
         // The adjusted error of the slope is the unadjusted one by the factor that the band has, too.
         const double factor =
-            regression.isAdjusted ? Number(expected["se"][1]) / Number(figures["REML_z"]["se"][1]) : 1.0;
+            isAdjusted ? Number(expected["se"][1]) / Number(figures["REML_z"]["se"][1]) : 1.0;
+        const double quantile = isAdjusted ? KXDistFun::IdfT(0.975, 11.0) : KXDistFun::IdfStdNorm(0.975);
         const Row curveX = model.GetBubbleCICurveX()[0];
         ASSERT_EQ(curveX, (Row{13, 34, 55}));
         for (std::size_t i = 0; i < curveX.size(); ++i) {
             const LeastSquares fit = LineAt(curveX[i], model, tau2);
             const auto value = static_cast<double>(fit.Coefficients()[0]);
             const double stdError = static_cast<double>(std::sqrt(fit.InverseDiagonal(0)));
-            const double margin = regression.quantile * factor * stdError;
+            const double margin = quantile * factor * stdError;
             EXPECT_TRUE(Close(model.GetBubbleCICurveLower()[0][i], value - margin, referenceTolerance));
             EXPECT_TRUE(Close(model.GetBubbleCICurveUpper()[0][i], value + margin, referenceTolerance));
         }

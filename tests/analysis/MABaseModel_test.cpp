@@ -91,47 +91,41 @@ std::string PatternOf(const MABaseModel& model)
     return pattern;
 }
 
-/// Of none, one, two and three studies.
-const char* const fixedPatterns[] = {"uuummmmmmm", "nnnmmmmmmm", "nnnmmnnnnm", "nnnmmnnnnn"};
-const char* const randomPatterns[] = {"uuuunmmmmm", "nnnunmmmmm", "nnnunnnnnm", "nnnnnnnnnm"};
-const char* const adjustedPatterns[] = {"ummmnmmmmm", "nmmmnmmmmm", "nnnmnnnnnm", "nnnnnnnnnm"};
-
-/// The results of a run on k studies.
-void ExpectFewStudies(const MABaseModel& model, std::size_t k, const MAModelSettings& settings)
+/// A model, and its patterns of none, one, two and three studies.
+struct Model
 {
-    const bool isRandom = settings.GetModelType() == MODEL_RANDOM;
-    const bool isAdjusted = isRandom && settings.GetKnapHartAdjustType() != KNAPP_HARTUNG_NONE;
-    const auto& patterns = isAdjusted ? adjustedPatterns : isRandom ? randomPatterns : fixedPatterns;
-    EXPECT_EQ(PatternOf(model), patterns[k]);
-    EXPECT_EQ(model.GetGroupN(), k > 0 ? std::vector<int>{static_cast<int>(k)} : std::vector<int>{});
-    EXPECT_EQ(model.GetUniGroup(), k > 0 ? Row{-1} : Row{});
-    const double tau2 = isRandom ? model.GetTau2Var()[0] : 0.0;
-    const Row weights = model.GetWeight();
-    const double weightSum = std::accumulate(weights.begin(), weights.end(), 0.0);
-    ASSERT_EQ(weights.size(), k);
-    for (std::size_t i = 0; i < k; ++i) {
-        const bool isInverse = isRandom || settings.GetWeightType() == WEIGHT_INVERSE_VARIANCE;
-        EXPECT_TRUE(!isInverse || Close(weights[i], 1 / (tau2 + model.GetVariance()[i]), machineEpsilon));
-        EXPECT_TRUE(Close(model.GetNormalizedWeight().at(i), weights[i] / weightSum, 2 * machineEpsilon));
-    }
-    if (k == 1) {
-        EXPECT_TRUE(Close(model.GetEstEffectSize(), model.GetEffectSize(), 1e-14));
-        EXPECT_EQ(tau2, 0.0);
-    }
-}
+    MODELTYPE type;
+    KNAPPHADJTYPE adjustment;
+    const char* patterns[4];
+};
 
-/// One of the combinations of model, weights, adjustment, and contrasts with or without coefficients.
-constexpr int variantCount = 24;
-MAModelSettings Variant(MAModelSettings settings, int variant, std::size_t recordCount)
+const Model models[] = {
+    {MODEL_FIXED, KNAPP_HARTUNG_ADJUSTED, {"uuummmmmmm", "nnnmmmmmmm", "nnnmmnnnnm", "nnnmmnnnnn"}},
+    {MODEL_RANDOM, KNAPP_HARTUNG_NONE, {"uuuunmmmmm", "nnnunmmmmm", "nnnunnnnnm", "nnnnnnnnnm"}},
+    {MODEL_RANDOM, KNAPP_HARTUNG_ADJUSTED, {"ummmnmmmmm", "nmmmnmmmmm", "nnnmnnnnnm", "nnnnnnnnnm"}},
+};
+
+/// `variant`: one of the four combinations of weights, and of contrasts with or without coefficients.
+MAModelSettings SettingsOf(const Model& model, int variant, MAModelSettings settings, std::size_t recordCount)
 {
-    settings.SetModelType(variant & 1 ? MODEL_RANDOM : MODEL_FIXED);
-    settings.SetWeightType(variant & 2 ? WEIGHT_BINARY_FIXED : WEIGHT_INVERSE_VARIANCE);
-    settings.SetKnapHartAdjustType(static_cast<KNAPPHADJTYPE>(variant / 8));
-    if (variant & 4) {
+    settings.SetModelType(model.type);
+    settings.SetKnapHartAdjustType(model.adjustment);
+    settings.SetWeightType(variant & 1 ? WEIGHT_BINARY_FIXED : WEIGHT_INVERSE_VARIANCE);
+    if (variant & 2) {
         settings.SetContrastCoefIndex({0, 1});
-        settings.SetInputContrastCoef(std::vector<double>(recordCount));
+        settings.SetInputContrastCoef(Row(recordCount));
     }
     return settings;
+}
+
+void ExpectInverseVarianceWeights(const MABaseModel& model, double tau2)
+{
+    const Row weights = model.GetWeight();
+    const double sum = std::accumulate(weights.begin(), weights.end(), 0.0);
+    for (std::size_t i = 0; i < weights.size(); ++i) {
+        EXPECT_TRUE(Close(weights[i], 1 / (tau2 + model.GetVariance()[i]), machineEpsilon));
+        EXPECT_TRUE(Close(model.GetNormalizedWeight().at(i), weights[i] / sum, 2 * machineEpsilon));
+    }
 }
 
 /// In the order in which a run adds them.
@@ -206,15 +200,23 @@ TEST(MABaseModel, NoneOneTwoAndThreeStudies)
 {
     ForAllInputs([](auto* driver, const MAModelSettings& base, const Rows& rows) {
         constexpr bool isBinary = std::is_same_v<decltype(driver), MABinModel*>;
-        for (int variant = 0; variant < variantCount; ++variant) {
-            for (std::size_t k = 0; k <= rows.size(); ++k) {
-                SCOPED_TRACE(testing::Message() << "variant " << variant << ", k " << k);
-                const MAModelSettings settings = Variant(base, variant, k);
-                const Rows first(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(k));
-                const RunOf<decltype(driver)> run(settings, first);
+        for (const Model& model : models) {
+            for (int i = 0; i < 4 * 4; ++i) {
+                const int variant = i / 4;
+                const auto k = static_cast<std::size_t>(i % 4);
+                SCOPED_TRACE(testing::Message() << &model - models << ", variant " << variant << ", k " << k);
+                const RunOf<decltype(driver)> run(SettingsOf(model, variant, base, k),
+                                                  Rows(rows.begin(), rows.begin() + i % 4));
                 EXPECT_TRUE(run.status.IsOK());
-                ExpectFewStudies(run.model, k, settings);
-                EXPECT_EQ(run.WarningCodes(), ExpectedWarnings(settings, k, isBinary));
+                EXPECT_EQ(PatternOf(run.model), model.patterns[k]);
+                EXPECT_EQ(run.model.GetUniGroup(), k > 0 ? Row{-1} : Row{});
+                EXPECT_EQ(run.model.GetWeight().size(), k);
+                EXPECT_EQ(run.WarningCodes(), ExpectedWarnings(run.settings, k, isBinary));
+                const double tau2 = model.type == MODEL_RANDOM ? run.model.GetTau2Var()[0] : 0.0;
+                EXPECT_TRUE(k > 1 || tau2 == 0.0);
+                EXPECT_TRUE(k != 1 || Close(run.model.GetEstEffectSize(), run.model.GetEffectSize(), 1e-14));
+                if (model.type == MODEL_RANDOM || variant % 2 == 0)
+                    ExpectInverseVarianceWeights(run.model, tau2);
             }
         }
     });
