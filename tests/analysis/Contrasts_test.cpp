@@ -42,14 +42,12 @@ void ExpectContrast(const MABaseModel& model, std::size_t i, const Row& coeffici
     const double z = estimate / stdError;
     const double margin = 1.6448536269514722 * stdError;
     const double significance = 2 * KXDistFun::CdfStdNorm(-std::abs(z));
-    const Row test = {estimate, stdError, zIsStdError ? stdError : z, significance};
-    const Rows columns = {model.GetContrastEstES(), model.GetContrastEstStdError(),
-                          model.GetContrastEstZVal(), model.GetContrastEstSig()};
-    constexpr double tolerance = 4 * machineEpsilon;
-    for (std::size_t c = 0; c < columns.size(); ++c)
-        EXPECT_TRUE(Close(columns[c].at(i), test[c], tolerance, scale)) << "column " << c;
-    EXPECT_TRUE(Close(model.GetContrastEstCILower().at(i), estimate - margin, tolerance, scale));
-    EXPECT_TRUE(Close(model.GetContrastEstCIUpper().at(i), estimate + margin, tolerance, scale));
+    const Row expected = {estimate,     stdError,          zIsStdError ? stdError : z,
+                          significance, estimate - margin, estimate + margin};
+    const Row actual = {model.GetContrastEstES().at(i),      model.GetContrastEstStdError().at(i),
+                        model.GetContrastEstZVal().at(i),    model.GetContrastEstSig().at(i),
+                        model.GetContrastEstCILower().at(i), model.GetContrastEstCIUpper().at(i)};
+    EXPECT_TRUE(Close(actual, expected, 4 * machineEpsilon, scale));
 }
 
 } // namespace

@@ -78,14 +78,13 @@ Results TestsOf(const MABinModel& model, std::size_t group)
 /// The coefficient of the test covariate, with the statistic of t and its interval.
 void ExpectTest(const MABaseModel& model, double slope, double stdError, double df, double tolerance)
 {
-    const double halfWidth = KXDistFun::IdfT(0.975, df) * stdError;
-    const double significance = 2 * KXDistFun::CdfT(-std::abs(slope / stdError), df);
-    EXPECT_TRUE(Close(model.GetRegBasedTestCoef(), slope, tolerance, stdError));
-    EXPECT_TRUE(Close(model.GetRegBasedTestStdError(), stdError, tolerance));
-    EXPECT_TRUE(Close(model.GetRegBasedTestVal(), slope / stdError, tolerance, 1.0));
-    EXPECT_NEAR(model.GeRegBasedTestSig(), significance, tolerance);
-    EXPECT_TRUE(Close(model.GetRegBasedTestCILower(), slope - halfWidth, tolerance, halfWidth));
-    EXPECT_TRUE(Close(model.GetRegBasedTestCIUpper(), slope + halfWidth, tolerance, halfWidth));
+    const double margin = KXDistFun::IdfT(0.975, df) * stdError;
+    const double t = slope / stdError;
+    const double significance = 2 * KXDistFun::CdfT(-std::abs(t), df);
+    const Row expected = {slope, stdError, t, significance, slope - margin, slope + margin};
+    const Row scales = {stdError, 0, 1, 1, margin, margin};
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        EXPECT_TRUE(Close(TestOf(model)[i], expected[i], tolerance, scales[i])) << "value " << i;
     EXPECT_EQ(model.GetRegBasedTestDf(), df);
 }
 
