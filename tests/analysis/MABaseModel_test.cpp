@@ -249,25 +249,15 @@ TEST(MABaseModel, FaultsOfTheRecordIterator)
 TEST(MABaseModel, DirectCalls)
 {
     using M = MABinModel;
+    static const Row one = {1};
+    static const Row two = {1, 2};
     const std::pair<const char*, KXStatus (*)(M&)> calls[] = {
-        {"effects of none", [](M& m) { return m.BuildModel({}, {1}); }},
-        {"effects",
-         [](M& m) {
-             return m.BuildModel({1, 2}, {1, 2, 3});
-         }},
-        {"test of effects",
-         [](M& m) {
-             return m.BuildOnlyTestModel({1, 2, 3}, {1, 2});
-         }},
-        {"tables of none", [](M& m) { return m.BuildBinModel({}, {1}, {1}, {1}); }},
-        {"tables",
-         [](M& m) {
-             return m.BuildBinModel({1}, {1}, {1}, {1, 2});
-         }},
-        {"test of tables",
-         [](M& m) {
-             return m.BuildBinOnlyTestModel({1, 2}, {1}, {1}, {1});
-         }},
+        {"effects of none", [](M& m) { return m.BuildModel({}, one); }},
+        {"effects", [](M& m) { return m.BuildModel(one, two); }},
+        {"test of effects", [](M& m) { return m.BuildOnlyTestModel(two, one); }},
+        {"tables of none", [](M& m) { return m.BuildBinModel({}, one, one, one); }},
+        {"tables", [](M& m) { return m.BuildBinModel(one, one, one, two); }},
+        {"test of tables", [](M& m) { return m.BuildBinOnlyTestModel(two, one, one, one); }},
         {"groups", [](M& m) { return m.BuildBinSubGroupModel(); }},
         {"series", [](M& m) { return m.BuildCumulativeModel(); }},
         {"series of tables", [](M& m) { return m.BuildBinCumulativeModel(); }},
@@ -286,18 +276,18 @@ TEST(MABaseModel, DirectCalls)
             EXPECT_EQ(call(*model), refused) << name;
     }
     EXPECT_EQ(early.BuildSubGroupModel(), refused);
+    EXPECT_TRUE(early.GetTau2Var().empty());
     EXPECT_TRUE(ofEffects.model.BuildSubGroupModel().IsOK());
 
     M direct(settings);
-    EXPECT_EQ(direct.BuildModel({1}, {}), refused);
-    EXPECT_TRUE(direct.GetTau2Var().empty());
-    EXPECT_TRUE(direct.BuildModel({1, 2, 3}, {1, 2, 3}).IsOK()); // the error was of those vectors
-    EXPECT_TRUE(direct.BuildOnlyTestModel({1, 2}, {1, 2}).IsOK());
-    EXPECT_TRUE(direct.BuildBinModel({1, 2}, {1, 2}, {1, 2}, {1, 2}).IsOK());
-    EXPECT_TRUE(direct.BuildBinOnlyTestModel({1}, {1}, {1}, {1}).IsOK());
+    EXPECT_EQ(direct.BuildModel(one, two), refused);
+    EXPECT_TRUE(direct.BuildModel(two, two).IsOK()); // the error was of those vectors
+    EXPECT_TRUE(direct.BuildOnlyTestModel({1, 2, 3}, {1, 2, 3}).IsOK());
+    EXPECT_TRUE(direct.BuildBinModel(two, two, two, two).IsOK());
+    EXPECT_TRUE(direct.BuildBinOnlyTestModel(one, one, one, one).IsOK());
     EXPECT_EQ(direct.GetEstEffectSize().size(), 2U);
     EXPECT_EQ(direct.GetEstExpEffectSize().back(), 1.0);
-    EXPECT_EQ(direct.GetHomoTestdf(), (Row{2, 1, 1, missing}));
+    EXPECT_EQ(direct.GetHomoTestdf(), (Row{1, 2, 1, missing}));
     EXPECT_EQ(direct.GetTau2Var().size(), 4U);
     EXPECT_TRUE(direct.GetWeight().empty()); // not the weights of the studies, of which there are none
 }

@@ -85,18 +85,22 @@ std::vector<Rows> CumulativeRows(const MABinModel& model)
     return rows;
 }
 
-/// A step has to the last digit the results of a run on the studies that have entered so far.
-void ExpectSteps(const MABinModel& model, std::size_t row, const MAModelSettings& plain, const Rows& ordered)
+/// Each series orders the given records, and a step has to the last digit the results of a run on the studies
+/// that have entered so far.
+void ExpectSteps(const MABinModel& model, const Records& series, const MAModelSettings& plain)
 {
-    ASSERT_EQ(model.GetCumEstES().at(row).size(), ordered.size());
-    Rows entered;
-    for (std::size_t step = 0; step < ordered.size(); ++step) {
-        entered.push_back(ordered[step]);
-        const BinRun own(plain, entered);
-        Row actual;
-        for (const Rows& rows : CumulativeRows(model))
-            actual.push_back(rows.at(row).at(step));
-        EXPECT_TRUE(Same(actual, EntriesOf(own.model, 0, estimateColumns))) << row << ", step " << step;
+    EXPECT_EQ(model.GetSubGroupStudyID(), series);
+    for (std::size_t row = 0; row < series.size(); ++row) {
+        EXPECT_EQ(model.GetEstCumulative().at(row), ColumnOf(Selected(series[row]), 5));
+        ASSERT_EQ(model.GetCumEstES().at(row).size(), series[row].size());
+        for (std::size_t step = 0; step < series[row].size(); ++step) {
+            const auto end = series[row].begin() + static_cast<std::ptrdiff_t>(step) + 1;
+            const BinRun own(plain, Selected({series[row].begin(), end}));
+            Row actual;
+            for (const Rows& rows : CumulativeRows(model))
+                actual.push_back(rows.at(row).at(step));
+            EXPECT_TRUE(Same(actual, EntriesOf(own.model, 0, estimateColumns))) << row << ", step " << step;
+        }
     }
 }
 
@@ -224,28 +228,25 @@ TEST(Subgroups, MissingValuesAndTies)
 TEST(Cumulative, StepsAreRunsOfTheirOwn)
 {
     for (const Pooling& pooling : poolings) {
+        const MAModelSettings plain = pooling.Of(TableSettings());
         for (const int order : {0, 1, 7}) { // any but 0 is descending
             SCOPED_TRACE(testing::Message() << pooling.name << ", order " << order);
             MAModelSettings settings = pooling.Of(SettingsBy(-1, 5));
             settings.SetSortType(static_cast<SORTYPE>(order));
-            const MAModelSettings plain = pooling.Of(TableSettings());
-            const BinRun run(settings, studies);
-            const MABinModel& model = run.model;
             std::vector<int> records = {4, 1, 5, 2, 3, 0};
             if (order != 0)
                 std::reverse(records.begin(), records.end());
+            const BinRun run(settings, studies);
             const BinRun inOrder(plain, Selected(records));
-            EXPECT_EQ(model.GetEstCumulative(), Rows{ColumnOf(Selected(records), 5)});
-            EXPECT_EQ(model.GetCumulative(), ColumnOf(studies, 5));
-            EXPECT_EQ(model.GetSubGroupStudyID(), Records{records});
-            EXPECT_EQ(model.GetGroupN(), std::vector<int>{6});
-            EXPECT_EQ(model.GetUniGroup(), Row{-1});
-            ExpectSteps(model, 0, plain, Selected(records));
-            EXPECT_EQ(model.GetEstEffectSize(), model.GetCumEstES()[0]);
-            EXPECT_EQ(model.GetEstCIUpper(), model.GetCumEstCiUpper()[0]);
-            EXPECT_TRUE(Same(EntriesOf(model, 0, heterogeneityColumns),
+            ExpectSteps(run.model, {records}, plain);
+            EXPECT_EQ(run.model.GetCumulative(), ColumnOf(studies, 5));
+            EXPECT_EQ(run.model.GetGroupN(), std::vector<int>{6});
+            EXPECT_EQ(run.model.GetUniGroup(), Row{-1});
+            EXPECT_EQ(run.model.GetEstEffectSize(), run.model.GetCumEstES()[0]);
+            EXPECT_EQ(run.model.GetEstCIUpper(), run.model.GetCumEstCiUpper()[0]);
+            EXPECT_TRUE(Same(EntriesOf(run.model, 0, heterogeneityColumns),
                              EntriesOf(inOrder.model, 0, heterogeneityColumns)));
-            EXPECT_TRUE(Close(model.GetWeight(), BinRun(plain, studies).model.GetWeight(), 1e-14));
+            EXPECT_TRUE(Close(run.model.GetWeight(), BinRun(plain, studies).model.GetWeight(), 1e-14));
         }
     }
 }
@@ -253,19 +254,15 @@ TEST(Cumulative, StepsAreRunsOfTheirOwn)
 /// The last row is the model of all; the per-model lists hold it alone, with the heterogeneity of each group.
 TEST(Cumulative, GroupsHaveSeriesOfTheirOwn)
 {
-    const Records members = {{1, 3}, {4, 2, 0}, {5}};
     for (const Pooling& pooling : poolings) {
         SCOPED_TRACE(pooling.name);
-        const MAModelSettings plain = pooling.Of(TableSettings());
         const BinRun run(pooling.Of(SettingsBy(4, 5)), studies);
         const BinRun groups(pooling.Of(SettingsBy(4, -1)), studies);
         const MABinModel& model = run.model;
+        ExpectSteps(model, {{1, 3}, {4, 2, 0}, {5}}, pooling.Of(TableSettings()));
+        EXPECT_EQ(model.GetEstCumulative().size(), 4U);
         EXPECT_EQ(model.GetUniGroup(), (Row{1, 2, 3, -1}));
         EXPECT_EQ(model.GetGroupN(), (std::vector<int>{2, 3, 1}));
-        EXPECT_EQ(model.GetEstCumulative(), (Rows{{2001, 2004}, {1999, 2003, 2005}, {2002}, {}}));
-        EXPECT_EQ(model.GetSubGroupStudyID(), members);
-        for (std::size_t g = 0; g < members.size(); ++g)
-            ExpectSteps(model, g, plain, Selected(members[g]));
         EXPECT_EQ(model.GetCumEstES().at(3), model.GetEstEffectSize());
         EXPECT_EQ(model.GetCumEstSig().at(3), model.GetEstSig());
         EXPECT_EQ(model.GetEstEffectSize().size(), 1U);

@@ -17,7 +17,6 @@ struct Pooling
         return settings;
     }
     bool IsBinary() const { return weight == MAConst::WEIGHT_BINARY_FIXED; }
-    bool IsRatio() const { return effect != MAConst::BIN_RISK_DIFFERENCE; }
 
     const char* name;
     MAConst::BINESTYPE effect;
