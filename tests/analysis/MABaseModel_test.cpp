@@ -73,6 +73,7 @@ const ReadyMade readyMadeCases[] = {
     {"large difference of risks", {1.5, 4, 7}, 1, true, 'i'},
     {"large negative difference of risks", {-1.5, 4, 7}, 1, true, 'i'},
     {"largest difference of risks", {1, 4, 7}, 1, true, 'v', 4},
+    {"large effect otherwise", {1.5, 4, 7}, 1, false, 'v', 4},
     {"short record", {0.5}, 1, false, 'm'},
 };
 

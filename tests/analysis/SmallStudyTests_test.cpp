@@ -26,7 +26,7 @@ Rows Adjusted(Rows tables, int adjustment)
     const auto hasZero = [](const Row& table) { return std::count(table.begin(), table.end(), 0.0) > 0; };
     const bool anyZero = std::any_of(tables.begin(), tables.end(), hasZero);
     for (Row& table : tables) {
-        const bool isAdjusted[] = {hasZero(table), anyZero, true, false};
+        const bool isAdjusted[] = {hasZero(table), anyZero, true, false}; // in the order of the types
         for (double& cell : table)
             cell += isAdjusted[adjustment] ? 0.5 : 0.0;
     }
@@ -65,7 +65,7 @@ bool HasNoTest(const MABaseModel& model)
     return TestOf(model) == Row(6, missing) && model.GetRegBasedTestDf() == 0;
 }
 
-/// The rows of a group, or of all, in the lists of tests.
+/// The rows of a group, or of all, in the lists of tests, in the order of `TestOf`.
 Results TestsOf(const MABinModel& model, std::size_t group)
 {
     Results tests = ResultsOf(model);
@@ -316,7 +316,10 @@ TEST(SmallStudyTests, OfGroups)
             EXPECT_EQ(run.model.GetRegrCoefRedundancyInfo().at(g).Count(), 2U);
         }
         EXPECT_TRUE(Tested(run, type).IsOK());
-        EXPECT_EQ(run.model.GetRegrTestCoefficient()[3][1], run.model.GetRegBasedTestCoef());
+        Row ofAll;
+        for (const Result& result : TestsOf(run.model, 3))
+            ofAll.push_back(result.rows[0].at(1));
+        EXPECT_EQ(ofAll, TestOf(run.model));
     }
     MAModelSettings undefined = TableSettings();
     undefined.SetRegBaseTestType(static_cast<RegBaseTestType>(4));

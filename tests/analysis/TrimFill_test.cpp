@@ -167,12 +167,15 @@ TEST(TrimFill, Examples)
         {"3 - 1 - 1", strongly, TRIM_RUN, 1, {-3}},
         {"the root of 2 * (9 - 10) + 0.25", strongly, TRIM_QUADRATIC, 100, {}},
         {"equal effects", equalEffects, TRIM_LINEAR, 100, {}},
+        {"equal studies", Rows(6, equal), TRIM_LINEAR, 100, {}},
+        {"equal effects, quadratic", equalEffects, TRIM_QUADRATIC, 100, {}},
         {"equal effects: 3 - 1 - 1", equalEffects, TRIM_RUN, 100, {0.1}},
         {"(4 * 2 - 6) / 3, then 3 about 1", {{1, 1}, {3, 2}}, TRIM_LINEAR, 100, {-1}},
         {"1.5 - sqrt(0.25)", {{1, 1}, {3, 2}}, TRIM_QUADRATIC, 100, {-1}},
         {"two studies, run", {{1, 1}, {3, 2}}, TRIM_RUN, 100, {}},
         {"symmetric", {{-2, 1}, {0, 1}, {2, 1}}, TRIM_LINEAR, 1, {}},
         {"no iteration", skewed, TRIM_LINEAR, 0, {}},
+        {"negative limit", skewed, TRIM_LINEAR, -1, {}},
     };
     for (const Example& example : examples) {
         SCOPED_TRACE(example.name);
