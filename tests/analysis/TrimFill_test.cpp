@@ -197,6 +197,9 @@ TEST(TrimFill, Examples)
 /// effects are trimmed, whatever the rounding of the sums.
 TEST(TrimFill, SideThatTheDataSuggest)
 {
+    // The covariance of y / v = -4, 0.5, 0.25 and 1 / se = 2, 1, 0.5 is negative.
+    const ContRun three(TrimFillSettings(EffectSettings(), MODEL_FIXED), {{-1, 0.25}, {0.5, 1}, {1, 4}});
+    EXPECT_EQ(three.model.GetTRimFillSide(), TRIM_SIDE_SMALLEST);
     int imputed = 0;
     for (unsigned seed = 1; seed <= 60; ++seed) {
         SCOPED_TRACE(testing::Message() << "seed " << seed);
