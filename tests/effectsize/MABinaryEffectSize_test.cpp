@@ -112,6 +112,14 @@ TEST(MABinaryEffectSize, UndefinedEntriesAreMissing)
     }
 }
 
+TEST(MABinaryEffectSize, TestsOfARatioAreExponentialsToo)
+{
+    Tables tables({full});
+    const MABinaryEffectSize effectSizes = Computed(tables, BIN_ODDS_RATIO);
+    EXPECT_EQ(effectSizes.GetEffectSizeZVal().at(0), std::exp(effectSizes.GetLogEffectSizeZVal().at(0)));
+    EXPECT_EQ(effectSizes.GetEffectSizeSig().at(0), std::exp(effectSizes.GetLogEffectSizeSig().at(0)));
+}
+
 TEST(MABinaryEffectSize, RiskDifferenceHasZeroForUndefinedEntries)
 {
     Tables tables({{3, 7, 2, 18}, {0, 0, 4, 12}});
