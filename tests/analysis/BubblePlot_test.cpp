@@ -1,10 +1,10 @@
 #include "support/Compare.h"
 #include "support/LeastSquares.h"
 #include "support/Reference.h"
+#include "support/SmallStudyRun.h"
 
 #include "meta_analysis/analysis/MABinModel.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
-#include "meta_analysis/platform/common/VectorRecordIter.h"
 
 #include <numeric>
 
@@ -20,94 +20,45 @@ MARegSettings WithIntercept()
     return settings;
 }
 
-/// Log risk ratios of the BCG trials, and the bubble plots over columns of their file.
-class Trials
+/// Log risk ratios of the BCG trials, and their bubble plots over columns of their file.
+struct Trials
 {
-public:
-    explicit Trials(MODELTYPE model) : settings_(TableSettings(data_.IndexOf("treatment_events")))
+    explicit Trials(MODELTYPE model) : settings(TableSettings(data.IndexOf("treatment_events")))
     {
-        for (const std::string& column : data_.columns)
-            variables_.AddContVar(column, column);
-        settings_.SetBinaryEstType(BIN_RISK_RATIO);
-        settings_.SetModelType(model);
-        settings_.SetBubbleCurveNPoints(3);
+        settings.SetBinaryEstType(BIN_RISK_RATIO);
+        settings.SetModelType(model);
+        settings.SetBubbleCurveNPoints(3);
     }
 
-    MAModelSettings& Settings() { return settings_; }
-    Rows& Records() { return data_.rows; }
-    int IndexOf(const std::string& column) const { return data_.IndexOf(column); }
-
-    MABinModel Plotted(MARegSettings regression, const std::vector<int>& covariates)
+    MABinModel Plotted(MARegSettings regression,
+                       const std::vector<std::string>& covariates = {"latitude"}) const
     {
-        MABinModel model(settings_);
-        VectorRecordIter records(data_.rows);
-        EXPECT_FALSE(model.RUN(records, variables_).IsError());
-        for (const int covariate : covariates)
-            regression.AddCovariate(covariate);
-        EXPECT_FALSE(model.BubblePlot(records, variables_, regression).IsError());
+        for (const std::string& covariate : covariates)
+            regression.AddCovariate(data.IndexOf(covariate));
+        MABinModel model(settings);
+        VectorRecordIter records(data.rows);
+        const KXVarList variables = VariablesOf(data.rows);
+        EXPECT_FALSE(model.RUN(records, variables).IsError());
+        EXPECT_FALSE(model.BubblePlot(records, variables, regression).IsError());
         return model;
     }
-    MABinModel PlottedOverLatitude(const MARegSettings& regression = WithIntercept())
-    {
-        return Plotted(regression, {IndexOf("latitude")});
+
+    DataSet data{"bcg_vaccine"};
+    MAModelSettings settings;
+};
+
+/// The regression on the distance from x, whose intercept is the line at x.
+LeastSquares LineAt(double x, const MABinModel& model, double tau2)
+{
+    Rows records;
+    LeastSquares::Vector weights;
+    const Row xs = model.GetBubbleXs()[0];
+    for (std::size_t i = 0; i < xs.size(); ++i) {
+        records.push_back({model.GetEffectSize()[i], 1.0, xs[i] - x});
+        weights.push_back(1.0L / (static_cast<long double>(model.GetVariance()[i]) + tau2));
     }
-
-private:
-    DataSet data_{"bcg_vaccine"};
-    KXVarList variables_;
-    MAModelSettings settings_;
-};
-
-/// A regression, and its key among the reference figures.
-struct Regression
-{
-    std::string key;
-    MODELTYPE model;
-    bool isAdjusted; ///< after Knapp and Hartung
-    TESTDISTTYPE distribution;
-};
-
-const Regression regressions[] = {
-    {"FE_z", MODEL_FIXED, false, TEST_STANDARD_NORMAL},
-    {"REML_z", MODEL_RANDOM, false, TEST_STANDARD_NORMAL},
-    {"REML_knha", MODEL_RANDOM, true, TEST_STUDENT_T},
-};
-
-MARegSettings SettingsOf(const Regression& regression)
-{
-    MARegSettings settings = WithIntercept();
-    settings.SetEstTauType("REML");
-    settings.SetKnapHartAdjust(regression.isAdjusted);
-    settings.SetTestDistType(regression.distribution);
-    settings.SetMaxStepHalvingValue(50);
-    settings.SetParameterTolerance(1e-12);
-    return settings;
+    return LeastSquares(records, weights);
 }
-
-nlohmann::json FiguresOf(const std::string& key)
-{
-    return LoadReference("bcg_vaccine")["risk_ratio"]["meta_regression_latitude"][key];
-}
-
-/// The line at x: the intercept of the regression on the distance from x.
-struct Line
-{
-    Line(const MABinModel& model, double tau2, double x)
-    {
-        Rows records;
-        LeastSquares::Vector weights;
-        const std::vector<double> xs = model.GetBubbleXs()[0];
-        for (std::size_t i = 0; i < xs.size(); ++i) {
-            records.push_back({model.GetEffectSize()[i], 1.0, xs[i] - x});
-            weights.push_back(1.0L / (static_cast<long double>(model.GetVariance()[i]) + tau2));
-        }
-        const LeastSquares fit(records, weights);
-        value = static_cast<double>(fit.Coefficients()[0]);
-        stdError = static_cast<double>(std::sqrt(fit.InverseDiagonal(0)));
-    }
-    double value;
-    double stdError;
-};
 
 /// Both sides iterate tau², here 0.08, to a step of 1e-12; the line and its band move by the same share.
 constexpr double referenceTolerance = 1e-10;
@@ -133,29 +84,40 @@ void ExpectStudiesOnTheLine(const MABinModel& model, double tau2)
     }
 }
 
+} // namespace
+
 TEST(BubblePlot, HasTheLineOfThePublishedRegression)
 {
-    for (const Regression& regression : regressions) {
-        SCOPED_TRACE(regression.key);
-        const nlohmann::json expected = FiguresOf(regression.key);
+    const nlohmann::json figures = LoadReference("bcg_vaccine")["risk_ratio"]["meta_regression_latitude"];
+    for (const std::string key : {"FE_z", "REML_z", "REML_knha"}) {
+        SCOPED_TRACE(key);
+        const nlohmann::json& expected = figures[key];
         const double tau2 = expected.value("tau2", 0.0);
-        const MABinModel model = Trials(regression.model).PlottedOverLatitude(SettingsOf(regression));
+        const bool isAdjusted = key == "REML_knha"; // after Knapp and Hartung
+        MARegSettings settings = WithIntercept();
+        settings.SetEstTauType("REML");
+        settings.SetKnapHartAdjust(isAdjusted);
+        settings.SetTestDistType(isAdjusted ? TEST_STUDENT_T : TEST_STANDARD_NORMAL);
+        settings.SetMaxStepHalvingValue(50);
+        settings.SetParameterTolerance(1e-12);
+        const MABinModel model = Trials(key == "FE_z" ? MODEL_FIXED : MODEL_RANDOM).Plotted(settings);
         ASSERT_EQ(model.GetBubbleFlags(), std::vector<int>{1});
         EXPECT_TRUE(Close(model.GetBubbleCoefs()[0], expected["b"].get<Row>(), referenceTolerance));
         ExpectStudiesOnTheLine(model, tau2);
 
         // The adjusted error of the slope is the unadjusted one by the factor that the band has, too.
         const double factor =
-            regression.isAdjusted ? Number(expected["se"][1]) / Number(FiguresOf("REML_z")["se"][1]) : 1.0;
-        const double quantile = regression.distribution == TEST_STUDENT_T ? KXDistFun::IdfT(0.975, 11.0)
-                                                                          : KXDistFun::IdfStdNorm(0.975);
+            isAdjusted ? Number(expected["se"][1]) / Number(figures["REML_z"]["se"][1]) : 1.0;
+        const double quantile = isAdjusted ? KXDistFun::IdfT(0.975, 11.0) : KXDistFun::IdfStdNorm(0.975);
         const Row curveX = model.GetBubbleCICurveX()[0];
         ASSERT_EQ(curveX, (Row{13, 34, 55}));
         for (std::size_t i = 0; i < curveX.size(); ++i) {
-            const Line line(model, tau2, curveX[i]);
-            const double margin = quantile * factor * line.stdError;
-            EXPECT_TRUE(Close(model.GetBubbleCICurveLower()[0][i], line.value - margin, referenceTolerance));
-            EXPECT_TRUE(Close(model.GetBubbleCICurveUpper()[0][i], line.value + margin, referenceTolerance));
+            const LeastSquares fit = LineAt(curveX[i], model, tau2);
+            const auto value = static_cast<double>(fit.Coefficients()[0]);
+            const double stdError = static_cast<double>(std::sqrt(fit.InverseDiagonal(0)));
+            const double margin = quantile * factor * stdError;
+            EXPECT_TRUE(Close(model.GetBubbleCICurveLower()[0][i], value - margin, referenceTolerance));
+            EXPECT_TRUE(Close(model.GetBubbleCICurveUpper()[0][i], value + margin, referenceTolerance));
         }
     }
 }
@@ -163,24 +125,23 @@ TEST(BubblePlot, HasTheLineOfThePublishedRegression)
 TEST(BubblePlot, CenteringMovesXAndTheInterceptAlone)
 {
     Trials trials(MODEL_RANDOM);
-    const MABinModel plain = trials.PlottedOverLatitude();
-    trials.Settings().SetCenterBubblePlot(true);
-    const MABinModel centred = trials.PlottedOverLatitude();
+    const MABinModel plain = trials.Plotted(WithIntercept());
+    trials.settings.SetCenterBubblePlot(true);
+    const MABinModel centred = trials.Plotted(WithIntercept());
 
-    const std::vector<double> x = plain.GetBubbleXs()[0];
+    const Row x = plain.GetBubbleXs()[0];
     const double mean = std::accumulate(x.begin(), x.end(), 0.0) / 13;
-    const auto moved = [&](std::vector<double> values) {
+    const auto uncentred = [mean](Row values) {
         for (double& value : values)
-            value -= mean;
+            value += mean;
         return values;
     };
     // Both fits stop their iterations within the settings' tolerance of the same tau².
     constexpr double tolerance = 1e-9;
-    EXPECT_TRUE(Close(centred.GetBubbleXs()[0], moved(x), 8 * machineEpsilon));
-    EXPECT_TRUE(Close(centred.GetBubbleCICurveX()[0], moved(plain.GetBubbleCICurveX()[0]), tolerance));
-    const std::vector<double> coefficients = plain.GetBubbleCoefs()[0];
-    EXPECT_TRUE(Close(centred.GetBubbleCoefs()[0],
-                      {coefficients[0] + mean * coefficients[1], coefficients[1]}, tolerance));
+    EXPECT_TRUE(Close(uncentred(centred.GetBubbleXs()[0]), x, 8 * machineEpsilon));
+    EXPECT_TRUE(Close(uncentred(centred.GetBubbleCICurveX()[0]), plain.GetBubbleCICurveX()[0], tolerance));
+    const Row line = plain.GetBubbleCoefs()[0];
+    EXPECT_TRUE(Close(centred.GetBubbleCoefs()[0], {line[0] + mean * line[1], line[1]}, tolerance));
     for (const auto getter : {&MABinModel::GetBubblePredVals, &MABinModel::GetBubbleW,
                               &MABinModel::GetBubbleCILower, &MABinModel::GetBubbleCIUpper,
                               &MABinModel::GetBubbleCICurveLower, &MABinModel::GetBubbleCICurveUpper})
@@ -190,14 +151,12 @@ TEST(BubblePlot, CenteringMovesXAndTheInterceptAlone)
 TEST(BubblePlot, LeavesOutWhatItCannotPlot)
 {
     Trials trials(MODEL_FIXED);
-    const int latitude = trials.IndexOf("latitude");
-    const int constant = trials.IndexOf("allocation");
-    for (Row& record : trials.Records())
-        record[static_cast<std::size_t>(constant)] = 1;
-    trials.Records()[2][static_cast<std::size_t>(latitude)] = missing;
-    trials.Settings().SetBubbleCurveNPoints(1);
+    for (Row& record : trials.data.rows)
+        record[static_cast<std::size_t>(trials.data.IndexOf("allocation"))] = 1;
+    trials.data.rows[2][static_cast<std::size_t>(trials.data.IndexOf("latitude"))] = missing;
+    trials.settings.SetBubbleCurveNPoints(1);
 
-    const MABinModel model = trials.Plotted(WithIntercept(), {constant, latitude});
+    const MABinModel model = trials.Plotted(WithIntercept(), {"allocation", "latitude"});
     EXPECT_EQ(model.GetBubbleFlags(), (std::vector<int>{0, 1}));
     EXPECT_TRUE(model.GetBubbleXs()[0].empty());
     EXPECT_TRUE(model.GetBubbleCICurveX()[0].empty());
@@ -205,14 +164,12 @@ TEST(BubblePlot, LeavesOutWhatItCannotPlot)
     for (const auto getter : {&MABinModel::GetBubbleXs, &MABinModel::GetBubbleW,
                               &MABinModel::GetBubblePredVals, &MABinModel::GetBubbleCIUpper})
         EXPECT_TRUE(Same((model.*getter)()[1][2], missing));
-    EXPECT_EQ(model.GetBubbleCICurveX()[1], std::vector<double>{13});
+    EXPECT_EQ(model.GetBubbleCICurveX()[1], Row{13});
 }
 
 TEST(BubblePlot, WithoutInterceptRunsThroughTheOrigin)
 {
-    const MABinModel model = Trials(MODEL_FIXED).PlottedOverLatitude(MARegSettings());
+    const MABinModel model = Trials(MODEL_FIXED).Plotted(MARegSettings());
     ASSERT_EQ(model.GetBubbleCoefs()[0].size(), 1U);
     EXPECT_TRUE(Close(model.GetBubblePredVals()[0][0], model.GetBubbleCoefs()[0][0] * 44, machineEpsilon));
 }
-
-} // namespace

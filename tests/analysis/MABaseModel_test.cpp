@@ -1,16 +1,17 @@
 // What the analyses share, tested through both of them.
 
-#include "support/Compare.h"
 #include "support/FaultyRecordIter.h"
-#include "support/FinishedRun.h"
+#include "support/PooledFigures.h"
+#include "support/Poolings.h"
 
-#include "meta_analysis/analysis/MABaseModel.h"
-#include "meta_analysis/analysis/MABinModel.h"
 #include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
+#include <map>
 #include <numeric>
+#include <stdexcept>
 #include <type_traits>
+#include <utility>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -62,7 +63,6 @@ const ReadyMade readyMadeCases[] = {
     {"variance wins", {0.5, 4, 7}, 3, false, 'v', 4},
     {"missing variance wins", {0.5, missing, 7}, 3, false, 'm'},
     {"neither", {0.5, 4, 7}, 0, false, 'i'},
-    {"neither, missing effect", {missing, 4, 7}, 0, false, 'm'},
     {"missing effect", {missing, 4, 7}, 1, false, 'm'},
     {"NaN effect", {notANumber, 4, 7}, 1, false, 'm'},
     {"NaN standard error", {0.5, 4, notANumber}, 2, false, 'm'},
@@ -70,7 +70,6 @@ const ReadyMade readyMadeCases[] = {
     {"zero variance", {0.5, 0, 7}, 1, false, 'i'},
     {"negative variance", {0.5, -4, 7}, 1, false, 'i'},
     {"zero standard error", {0.5, 4, 0}, 2, false, 'i'},
-    {"negative standard error", {0.5, 4, -7}, 2, false, 'i'},
     {"large difference of risks", {1.5, 4, 7}, 1, true, 'i'},
     {"large negative difference of risks", {-1.5, 4, 7}, 1, true, 'i'},
     {"largest difference of risks", {1, 4, 7}, 1, true, 'v', 4},
@@ -78,69 +77,56 @@ const ReadyMade readyMadeCases[] = {
     {"short record", {0.5}, 1, false, 'm'},
 };
 
-struct ExpectedFault
+/// Of the estimate, its significance and interval, the prediction interval, tau², Q, its degrees of freedom
+/// and significance, I² and its interval: which is a (n)umber, (m)issing or (u)ndefined.
+std::string PatternOf(const MABaseModel& model)
 {
-    FaultyRecordIter::Fault fault;
-    int code;
-};
-
-const ExpectedFault faults[] = {
-    {FaultyRecordIter::NO_FAULT, 0},
-    {FaultyRecordIter::REPORTS_ERROR, MAStatusCode::ITERATOR_FAILED},
-    {FaultyRecordIter::REFUSES_START, MAStatusCode::ITERATOR_NOT_STARTED},
-    {FaultyRecordIter::BREAKS_OFF, MAStatusCode::ITERATOR_FAILED},
-    {FaultyRecordIter::THROWS_IN_START, MAStatusCode::ITERATOR_FAILED},
-    {FaultyRecordIter::THROWS_IN_NEXT, MAStatusCode::ITERATOR_FAILED},
-    {FaultyRecordIter::THROWS_IN_GET_ERROR, MAStatusCode::ITERATOR_FAILED},
-    {FaultyRecordIter::THROWS_A_NUMBER, MAStatusCode::ITERATOR_FAILED},
-    {FaultyRecordIter::RUNS_OUT_OF_MEMORY, MAStatusCode::OUT_OF_MEMORY},
-};
-
-/// Whether a value is there and a number.
-bool IsNumber(double value)
-{
-    return std::isfinite(value) && value != missing;
+    std::string pattern;
+    for (const Row& column :
+         {model.GetEstEffectSize(), model.GetEstSig(), model.GetEstCILower(), model.GetPIUpper(),
+          model.GetTau2Var(), model.GetHomoTestChisquareQ(), model.GetHomoTestdf(), model.GetHomoTestSig(),
+          model.GetI2Index(), model.GetI2CIUpper()}) {
+        const double value = column.size() == 1 ? column[0] : throw std::length_error("not one model");
+        pattern += value == missing ? 'm' : std::isfinite(value) ? 'n' : 'u';
+    }
+    return pattern;
 }
 
-/// The results of a run on k studies: which are numbers, which missing.
-void ExpectPattern(const MABaseModel& model, std::size_t k, const MAModelSettings& settings)
+/// A model, and its patterns of none, one, two and three studies.
+struct Model
 {
-    const bool isRandom = settings.GetModelType() == MODEL_RANDOM;
-    const bool isAdjusted = isRandom && settings.GetKnapHartAdjustType() != KNAPP_HARTUNG_NONE;
-    ASSERT_EQ(model.GetEstEffectSize().size(), 1U);
-    ASSERT_EQ(model.GetHomoTestChisquareQ().size(), 1U);
-    EXPECT_EQ(IsNumber(model.GetEstEffectSize()[0]), k > 0);
-    EXPECT_NE(model.GetEstEffectSize()[0], missing);
-    EXPECT_EQ(IsNumber(model.GetEstSig()[0]), isAdjusted ? k > 1 : k > 0);
-    EXPECT_EQ(model.GetEstSig()[0] == missing, isAdjusted && k < 2);
-    EXPECT_EQ(model.GetEstCILower()[0] == missing, isAdjusted && k < 2);
-    EXPECT_EQ(IsNumber(model.GetPIUpper()[0]), isRandom && k > 2);
-    EXPECT_EQ(model.GetPIUpper()[0] == missing, !isRandom || (isAdjusted && k < 3));
-    EXPECT_TRUE(isRandom ? model.GetTau2Var()[0] >= 0.0 : model.GetTau2Var()[0] == missing);
-    EXPECT_TRUE(!isRandom || k > 1 || model.GetTau2Var()[0] == 0.0);
-    EXPECT_EQ(IsNumber(model.GetHomoTestChisquareQ()[0]), k > 1);
-    EXPECT_EQ(model.GetHomoTestSig()[0] == missing, k < 2);
-    EXPECT_EQ(model.GetHomoTestdf()[0], k > 1 ? static_cast<double>(k) - 1 : missing);
-    EXPECT_EQ(IsNumber(model.GetI2Index()[0]), k > 1);
-    EXPECT_EQ(IsNumber(model.GetI2CIUpper()[0]), !isRandom && k > 2); // Q is below 2 for the first two
-    EXPECT_EQ(model.GetGroupN(), k > 0 ? std::vector<int>{static_cast<int>(k)} : std::vector<int>{});
-    EXPECT_EQ(model.GetUniGroup(), k > 0 ? std::vector<double>{-1.0} : std::vector<double>{});
-    EXPECT_EQ(model.GetWeight().size(), k);
-    EXPECT_TRUE(k != 1 || Close(model.GetEstEffectSize(), model.GetEffectSize(), 1e-14));
-}
+    MODELTYPE type;
+    KNAPPHADJTYPE adjustment;
+    const char* patterns[4];
+};
 
-/// One of the combinations of model, weights, adjustment, and contrasts with or without coefficients.
-constexpr int variantCount = 24;
-MAModelSettings Variant(MAModelSettings settings, int variant, std::size_t recordCount)
+const Model models[] = {
+    {MODEL_FIXED, KNAPP_HARTUNG_ADJUSTED, {"uuummmmmmm", "nnnmmmmmmm", "nnnmmnnnnm", "nnnmmnnnnn"}},
+    {MODEL_RANDOM, KNAPP_HARTUNG_NONE, {"uuuunmmmmm", "nnnunmmmmm", "nnnunnnnnm", "nnnnnnnnnm"}},
+    {MODEL_RANDOM, KNAPP_HARTUNG_ADJUSTED, {"ummmnmmmmm", "nmmmnmmmmm", "nnnmnnnnnm", "nnnnnnnnnm"}},
+};
+
+/// `variant`: one of the four combinations of weights, and of contrasts with or without coefficients.
+MAModelSettings SettingsOf(const Model& model, int variant, MAModelSettings settings, std::size_t recordCount)
 {
-    settings.SetModelType(variant & 1 ? MODEL_RANDOM : MODEL_FIXED);
-    settings.SetWeightType(variant & 2 ? WEIGHT_BINARY_FIXED : WEIGHT_INVERSE_VARIANCE);
-    settings.SetKnapHartAdjustType(static_cast<KNAPPHADJTYPE>(variant / 8));
-    if (variant & 4) {
+    settings.SetModelType(model.type);
+    settings.SetKnapHartAdjustType(model.adjustment);
+    settings.SetWeightType(variant & 1 ? WEIGHT_BINARY_FIXED : WEIGHT_INVERSE_VARIANCE);
+    if (variant & 2) {
         settings.SetContrastCoefIndex({0, 1});
-        settings.SetInputContrastCoef(std::vector<double>(recordCount));
+        settings.SetInputContrastCoef(Row(recordCount));
     }
     return settings;
+}
+
+void ExpectInverseVarianceWeights(const MABaseModel& model, double tau2)
+{
+    const Row weights = model.GetWeight();
+    const double sum = std::accumulate(weights.begin(), weights.end(), 0.0);
+    for (std::size_t i = 0; i < weights.size(); ++i) {
+        EXPECT_TRUE(Close(weights[i], 1 / (tau2 + model.GetVariance()[i]), machineEpsilon));
+        EXPECT_TRUE(Close(model.GetNormalizedWeight().at(i), weights[i] / sum, 2 * machineEpsilon));
+    }
 }
 
 /// In the order in which a run adds them.
@@ -174,48 +160,64 @@ TEST(MABaseModel, ClassificationOfReadyMadeEffects)
         settings.SetBinaryEstType(BIN_RISK_DIFFERENCE);
         settings.SetInputVarianceIndex(row.dispersion & 1 ? 1 : -1);
         settings.SetInputStdErrorIndex(row.dispersion & 2 ? 2 : -1);
-        const FinishedRun<MABinModel> run(settings, {row.record, {0.1, 1, 1}});
+        const BinRun run(settings, {row.record});
         EXPECT_TRUE(run.status.IsOK());
-        const bool isValid = row.expected == 'v';
         EXPECT_EQ(run.model.GetNMissing(), row.expected == 'm' ? 1 : 0);
-        EXPECT_EQ(run.model.GetNonMissingStudyID().size(), (row.dispersion == 0 ? 0U : 1U) + isValid);
-        EXPECT_EQ(run.model.GetNInvalid(), (row.expected == 'i' ? 1 : 0) + (row.dispersion == 0 ? 1 : 0));
-        if (!isValid)
-            continue;
-        const double stdError = std::sqrt(row.variance);
-        EXPECT_EQ(run.model.GetVariance().at(0), row.variance);
-        EXPECT_EQ(run.model.GetStdError().at(0), stdError);
-        EXPECT_EQ(run.model.GetZVal().at(0), row.record[0] / stdError);
-        EXPECT_DOUBLE_EQ(run.model.GetCILower().at(0), row.record[0] - 1.959963984540054 * stdError);
-        EXPECT_DOUBLE_EQ(run.model.GetExpEffectSize().at(0), std::exp(row.record[0]));
-        EXPECT_DOUBLE_EQ(run.model.GetExpVariance().at(0), std::exp(row.variance)); // as it stands
-        EXPECT_DOUBLE_EQ(run.model.GetExpStdError().at(0), std::exp(stdError));
-        EXPECT_DOUBLE_EQ(run.model.GetExpCIUpper().at(0), std::exp(run.model.GetCIUpper()[0]));
+        EXPECT_EQ(run.model.GetNInvalid(), row.expected == 'i' ? 1 : 0);
+        EXPECT_EQ(run.model.GetVariance(), row.expected == 'v' ? Row{row.variance} : Row{});
+        ExpectStudyTests(run.model);
+        EXPECT_TRUE(Same(run.model.GetExpEffectSize(), Exponentials(run.model.GetEffectSize())));
+        EXPECT_TRUE(Same(run.model.GetExpVariance(), Exponentials(run.model.GetVariance()))); // as it stands
+        EXPECT_TRUE(Same(run.model.GetExpStdError(), Exponentials(run.model.GetStdError())));
+        EXPECT_TRUE(Same(run.model.GetExpCIUpper(), Exponentials(run.model.GetCIUpper())));
     }
     // Exponentials that overflow.
-    const MAModelSettings settings = BinaryEffectSettings();
-    const FinishedRun<MABinModel> huge(settings, {{800, 0.5}});
+    const BinRun huge(BinaryEffectSettings(), {{800, 0.5}});
     EXPECT_EQ(huge.model.GetExpEffectSize(), Row{0.0});
     EXPECT_EQ(huge.model.GetEstExpEffectSize(), Row{missing});
+}
 
-    MAModelSettings noEffects = EffectSettings();
-    noEffects.SetInputEffectSizeIndex(-1);
-    EXPECT_EQ(FinishedRun<MAContModel>(noEffects, effects).model.GetNMissing(), 3);
+TEST(MABaseModel, RequiredVariables)
+{
+    using S = MAModelSettings;
+    const std::vector<void (S::*)(int)> setters = {
+        &S::SetTreatmentSuccessIndex,  &S::SetTreatmentFailureIndex, &S::SetControlSuccessIndex,
+        &S::SetControlFailureIndex,    &S::SetTreatmentNIndex,       &S::SetTreatmentMeanIndex,
+        &S::SetTreatmentStdErrorIndex, &S::SetControlNIndex,         &S::SetControlMeanIndex,
+        &S::SetControlStdErrorIndex};
+    ForAllInputs([&](auto* driver, const MAModelSettings& complete, const Rows& rows) {
+        const bool isBinary = std::is_same_v<decltype(driver), MABinModel*>;
+        for (std::size_t i = 0; i < setters.size(); ++i) {
+            MAModelSettings settings = complete;
+            (settings.*setters[i])(-1);
+            const RunOf<decltype(driver)> run(settings, rows);
+            const bool isRequired = complete.GetInputESType() == INPUT_RAW && isBinary == (i < 4);
+            EXPECT_EQ(run.status, KXStatus(isRequired ? MAStatusCode::INPUT_NOT_GIVEN : 0));
+        }
+    });
 }
 
 TEST(MABaseModel, NoneOneTwoAndThreeStudies)
 {
     ForAllInputs([](auto* driver, const MAModelSettings& base, const Rows& rows) {
         constexpr bool isBinary = std::is_same_v<decltype(driver), MABinModel*>;
-        for (int variant = 0; variant < variantCount; ++variant) {
-            for (std::size_t k = 0; k <= rows.size(); ++k) {
-                SCOPED_TRACE(testing::Message() << "variant " << variant << ", k " << k);
-                const MAModelSettings settings = Variant(base, variant, k);
-                const Rows first(rows.begin(), rows.begin() + static_cast<std::ptrdiff_t>(k));
-                const RunOf<decltype(driver)> run(settings, first);
+        for (const Model& model : models) {
+            for (int i = 0; i < 4 * 4; ++i) {
+                const int variant = i / 4;
+                const auto k = static_cast<std::size_t>(i % 4);
+                SCOPED_TRACE(testing::Message() << &model - models << ", variant " << variant << ", k " << k);
+                const RunOf<decltype(driver)> run(SettingsOf(model, variant, base, k),
+                                                  Rows(rows.begin(), rows.begin() + i % 4));
                 EXPECT_TRUE(run.status.IsOK());
-                ExpectPattern(run.model, k, settings);
-                EXPECT_EQ(run.WarningCodes(), ExpectedWarnings(settings, k, isBinary));
+                EXPECT_EQ(PatternOf(run.model), model.patterns[k]);
+                EXPECT_EQ(run.model.GetUniGroup(), k > 0 ? Row{-1} : Row{});
+                EXPECT_EQ(run.model.GetWeight().size(), k);
+                EXPECT_EQ(run.WarningCodes(), ExpectedWarnings(run.settings, k, isBinary));
+                const double tau2 = model.type == MODEL_RANDOM ? run.model.GetTau2Var()[0] : 0.0;
+                EXPECT_TRUE(k > 1 || tau2 == 0.0);
+                EXPECT_TRUE(k != 1 || Close(run.model.GetEstEffectSize(), run.model.GetEffectSize(), 1e-14));
+                if (model.type == MODEL_RANDOM || variant % 2 == 0)
+                    ExpectInverseVarianceWeights(run.model, tau2);
             }
         }
     });
@@ -223,54 +225,70 @@ TEST(MABaseModel, NoneOneTwoAndThreeStudies)
 
 TEST(MABaseModel, FaultsOfTheRecordIterator)
 {
-    ForAllInputs([](auto* driver, const MAModelSettings& settings, const Rows& rows) {
+    using Faults = FaultyRecordIter;
+    const std::map<int, int> otherCodes = {{Faults::NO_FAULT, 0},
+                                           {Faults::REFUSES_START, MAStatusCode::ITERATOR_NOT_STARTED},
+                                           {Faults::RUNS_OUT_OF_MEMORY, MAStatusCode::OUT_OF_MEMORY}};
+    ForAllInputs([&](auto* driver, const MAModelSettings& settings, const Rows& rows) {
         const int passes = settings.GetInputESType() == INPUT_RAW ? 2 : 1;
         for (int pass = 1; pass <= passes; ++pass) {
-            for (const ExpectedFault& row : faults) {
-                SCOPED_TRACE(testing::Message() << "fault " << row.fault << ", pass " << pass);
-                FaultyRecordIter records(rows, row.fault, pass);
+            for (int fault = 0; fault <= Faults::NO_FAULT; ++fault) {
+                SCOPED_TRACE(testing::Message() << "fault " << fault << ", pass " << pass);
+                const auto other = otherCodes.find(fault);
+                const int code = other == otherCodes.end() ? MAStatusCode::ITERATOR_FAILED : other->second;
+                FaultyRecordIter records(rows, static_cast<Faults::Fault>(fault), pass);
                 std::remove_pointer_t<decltype(driver)> model(settings);
-                EXPECT_EQ(model.RUN(records, KXVarList()), KXStatus(row.code));
-                EXPECT_EQ(model.GetEstEffectSize().empty(), row.code != 0);
+                EXPECT_EQ(model.RUN(records, KXVarList()), KXStatus(code));
+                EXPECT_EQ(model.GetEstEffectSize().empty(), code != 0);
             }
         }
     });
 }
 
-TEST(MABaseModel, DirectBuilds)
+/// The builds are public. They refuse vectors of unequal length, studies that are not complete yet, and
+/// effects without tables.
+TEST(MABaseModel, DirectCalls)
 {
-    const MAModelSettings settings;
-    const std::vector<double> two = {1, 2};
-    const std::vector<double> three = {1, 2, 3};
+    using M = MABinModel;
+    static const Row one = {1};
+    static const Row two = {1, 2};
+    const std::pair<const char*, KXStatus (*)(M&)> calls[] = {
+        {"effects of none", [](M& m) { return m.BuildModel({}, one); }},
+        {"effects", [](M& m) { return m.BuildModel(one, two); }},
+        {"test of effects", [](M& m) { return m.BuildOnlyTestModel(two, one); }},
+        {"tables of none", [](M& m) { return m.BuildBinModel({}, one, one, one); }},
+        {"tables", [](M& m) { return m.BuildBinModel(one, one, one, two); }},
+        {"test of tables", [](M& m) { return m.BuildBinOnlyTestModel(two, one, one, one); }},
+        {"groups", [](M& m) { return m.BuildBinSubGroupModel(); }},
+        {"series", [](M& m) { return m.BuildCumulativeModel(); }},
+        {"series of tables", [](M& m) { return m.BuildBinCumulativeModel(); }},
+        {"L'Abbé's plot", [](M& m) { return m.ComputeLabbePlotStatistics(); }},
+    };
     const KXStatus refused(MAStatusCode::LENGTH_MISMATCH);
-    MABaseModel model(settings);
-    EXPECT_EQ(model.BuildModel(two, three), refused);
-    EXPECT_EQ(model.BuildModel({}, three), refused);
-    EXPECT_EQ(model.BuildOnlyTestModel(three, two), refused);
-    EXPECT_TRUE(model.GetEstEffectSize().empty());
-    EXPECT_TRUE(model.GetTau2Var().empty());
-
-    EXPECT_TRUE(model.BuildModel(three, three).IsOK());
-    EXPECT_TRUE(model.BuildOnlyTestModel(two, two).IsOK());
-    EXPECT_EQ(model.GetEstEffectSize().size(), 1U);
-    EXPECT_EQ(model.GetHomoTestdf(), (std::vector<double>{2, 1}));
-    EXPECT_EQ(model.GetTau2Var().size(), 2U);
-    EXPECT_TRUE(model.GetWeight().empty()); // not the weights of the studies, of which there are none
-
+    MAModelSettings settings = TableSettings();
+    settings.SetSubGroupIndex(0);
+    settings.SetCommulativeIndex(1);
+    M early(settings);
     VectorRecordIter records(tables);
-    EXPECT_TRUE(model.ESCalc(records).IsOK());
-    EXPECT_TRUE(model.GetEffectSize().empty());
-}
+    EXPECT_TRUE(early.ESCalc(records).IsOK());
+    BinRun ofEffects(EffectSettings(), effects);
+    for (M* const model : {&early, &ofEffects.model}) {
+        for (const auto& [name, call] : calls)
+            EXPECT_EQ(call(*model), refused) << name;
+    }
+    EXPECT_EQ(early.BuildSubGroupModel(), refused);
+    EXPECT_TRUE(early.GetTau2Var().empty());
+    EXPECT_TRUE(ofEffects.model.BuildSubGroupModel().IsOK());
 
-TEST(MABaseModel, WeightsAreInverseVariances)
-{
-    ForAllInputs([](auto* driver, const MAModelSettings& settings, const Rows& rows) {
-        const RunOf<decltype(driver)> run(settings, rows);
-        const std::vector<double> weights = run.model.GetWeight();
-        const double sum = std::accumulate(weights.begin(), weights.end(), 0.0);
-        for (std::size_t i = 0; i < rows.size(); ++i) {
-            EXPECT_DOUBLE_EQ(weights.at(i), 1 / (run.model.GetTau2Var()[0] + run.model.GetVariance()[i]));
-            EXPECT_DOUBLE_EQ(run.model.GetNormalizedWeight().at(i), weights[i] / sum);
-        }
-    });
+    M direct(settings);
+    EXPECT_EQ(direct.BuildModel(one, two), refused);
+    EXPECT_TRUE(direct.BuildModel(two, two).IsOK()); // the error was of those vectors
+    EXPECT_TRUE(direct.BuildOnlyTestModel({1, 2, 3}, {1, 2, 3}).IsOK());
+    EXPECT_TRUE(direct.BuildBinModel(two, two, two, two).IsOK());
+    EXPECT_TRUE(direct.BuildBinOnlyTestModel(one, one, one, one).IsOK());
+    EXPECT_EQ(direct.GetEstEffectSize().size(), 2U);
+    EXPECT_EQ(direct.GetEstExpEffectSize().back(), 1.0);
+    EXPECT_EQ(direct.GetHomoTestdf(), (Row{1, 2, 1, missing}));
+    EXPECT_EQ(direct.GetTau2Var().size(), 4U);
+    EXPECT_TRUE(direct.GetWeight().empty()); // not the weights of the studies, of which there are none
 }

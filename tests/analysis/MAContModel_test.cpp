@@ -79,35 +79,16 @@ TEST(MAContModel, ClassificationOfRecords)
     }
 }
 
-TEST(MAContModel, StandardDeviationWinsOverVariance)
+TEST(MAContModel, OtherSettings)
 {
+    const Rows rows = {{10, 3, 2, 10, 2, 2}};
     MAModelSettings settings = MeansSettings();
-    settings.SetTreatmentVarianceIndex(0);
+    settings.SetTreatmentVarianceIndex(0); // deviations win over variances
     settings.SetControlVarianceIndex(9);
-    EXPECT_EQ(FinishedRun<MAContModel>(settings, {{10, 3, 2, 10, 2, 2}}).model.GetEffectSize(), Row{0.5});
-}
-
-TEST(MAContModel, RequiredVariables)
-{
-    using S = MAModelSettings;
-    for (const auto setIndex :
-         {&S::SetTreatmentNIndex, &S::SetTreatmentMeanIndex, &S::SetTreatmentStdErrorIndex,
-          &S::SetControlNIndex, &S::SetControlMeanIndex, &S::SetControlStdErrorIndex}) {
-        MAModelSettings settings = MeansSettings();
-        (settings.*setIndex)(-1);
-        const FinishedRun<MAContModel> run(settings, {{10, 3, 2, 10, 2, 2}});
-        EXPECT_EQ(run.status, KXStatus(MAStatusCode::INPUT_NOT_GIVEN));
-        EXPECT_TRUE(run.model.GetNonMissingStudyID().empty());
-    }
-}
-
-TEST(MAContModel, UnknownMeasureHasNoStudies)
-{
-    MAModelSettings settings = MeansSettings();
-    settings.SetContinousEstType(static_cast<MAConst::CONTESTYPE>(4));
-    const FinishedRun<MAContModel> run(settings, {{10, 3, 2, 10, 2, 2}});
+    EXPECT_EQ(FinishedRun<MAContModel>(settings, rows).model.GetEffectSize(), Row{0.5});
+    settings.SetContinousEstType(static_cast<MAConst::CONTESTYPE>(4)); // unknown: no studies
+    const FinishedRun<MAContModel> run(settings, rows);
     EXPECT_TRUE(run.status.IsOK());
-    EXPECT_TRUE(run.model.GetEffectSize().empty());
     EXPECT_TRUE(run.model.GetNonMissingStudyID().empty());
 }
 

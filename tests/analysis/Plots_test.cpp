@@ -3,6 +3,9 @@
 #include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
 
+#include <numeric>
+#include <utility>
+
 using namespace MA_NAMESPACE;
 using namespace MAConst;
 
@@ -11,8 +14,6 @@ namespace {
 /// Effect, variance, group, order. The small studies have the large effects.
 const Rows studies = {{0.1, 0.02, 1, 1}, {0.15, 0.03, 2, 2}, {0.2, 0.04, 1, 3}, {0.25, 0.06, 2, 4},
                       {0.7, 0.2, 1, 5},  {0.9, 0.3, 2, 6},   {1.2, 0.4, 2, 7},  {1.5, 0.5, 1, 8}};
-const Row effects = {0.1, 0.15, 0.2, 0.25, 0.7, 0.9, 1.2, 1.5};
-const Row variances = {0.02, 0.03, 0.04, 0.06, 0.2, 0.3, 0.4, 0.5};
 
 const double z90 = 1.6448536269514722;
 
@@ -49,27 +50,13 @@ Row Mapped(Row values, double (*map)(double))
     return values;
 }
 
-using ContRun = FinishedRun<MAContModel>;
-
-struct Contours
+/// Of four values.
+Rows Halves(const Row& values)
 {
-    FunnelConTourTesType type;
-    double (*quantile)(double level);
-};
-
-/// y - x is the study's effect, up to the cancellation of the two.
-void ExpectLabbeRow(const BinModel& model, std::size_t row, const std::vector<std::size_t>& members)
-{
-    ASSERT_EQ(model.GetLabbePlotX().at(row).size(), members.size());
-    ASSERT_EQ(model.GetLabbePlotW().at(row).size(), members.size());
-    for (std::size_t i = 0; i < members.size(); ++i) {
-        const std::size_t study = members[i];
-        const double x = model.GetLabbePlotX()[row][i];
-        const double y = model.GetLabbePlotY().at(row).at(i);
-        EXPECT_TRUE(Close(y - x, model.GetEffectSize()[study], machineEpsilon, std::abs(x) + std::abs(y)));
-        EXPECT_EQ(model.GetLabbePlotW()[row][i], model.GetWeight()[study]);
-    }
+    return {{values[0], values[1]}, {values[2], values[3]}};
 }
+
+using ContRun = FinishedRun<MAContModel>;
 
 } // namespace
 
@@ -79,179 +66,139 @@ TEST(Plots, FunnelAxes)
         SCOPED_TRACE(axis.type);
         const MAModelSettings settings = PlotSettings(axis.type);
         const ContRun run(settings, studies);
-        const MAContModel& model = run.model;
-        const Row y = Mapped(variances, axis.ofVariance);
-        EXPECT_EQ(model.GetFunnelX(), Rows{effects});
-        EXPECT_EQ(model.GetFunnelY(), Rows{y});
+        const Row y = Mapped(ColumnOf(studies, 1), axis.ofVariance);
+        EXPECT_EQ(run.model.GetFunnelX(), Rows{ColumnOf(studies, 0)});
+        EXPECT_EQ(run.model.GetFunnelY(), Rows{y});
         const double yMax = *std::max_element(y.begin(), y.end());
         const double start = axis.isInverted ? *std::min_element(y.begin(), y.end()) : 0.0;
-        EXPECT_EQ(model.GetFunnelContourY(), Row{yMax});
-        EXPECT_TRUE(model.GetFunnelContourX().empty());
-        ASSERT_EQ(model.GetFunnelCIX().size(), 1U);
-        ASSERT_EQ(model.GetFunnelCIX()[0].size(), 5U);
-        for (std::size_t k = 0; k < 5; ++k) {
-            const double t = start + (yMax - start) * static_cast<double>(k) / 4;
-            const double x = model.GetEstEffectSize()[0] + z90 * axis.stdErrorAt(t);
-            EXPECT_TRUE(Close(model.GetFunnelCIY()[0].at(k), t, 1e-15));
-            EXPECT_TRUE(Close(model.GetFunnelCIX()[0][k], x, 1e-14));
+        EXPECT_EQ(run.model.GetFunnelContourY(), Row{yMax});
+        EXPECT_TRUE(run.model.GetFunnelContourX().empty());
+        Row lineX;
+        Row lineY;
+        for (const double share : {0.0, 0.25, 0.5, 0.75, 1.0}) {
+            lineY.push_back(start + (yMax - start) * share);
+            lineX.push_back(run.model.GetEstEffectSize()[0] + z90 * axis.stdErrorAt(lineY.back()));
         }
-    }
-}
+        EXPECT_TRUE(Close(run.model.GetFunnelCIY().at(0), lineY, 1e-15));
+        EXPECT_TRUE(Close(run.model.GetFunnelCIX().at(0), lineX, 1e-14));
 
-/// Without studies, the line of an inverted axis ends at 0, where it would be infinitely wide.
-TEST(Plots, FunnelPointsThatAreNotThere)
-{
-    for (const Axis& axis : axes) {
-        const MAModelSettings settings = PlotSettings(axis.type, 2);
+        // Without studies, the line of an inverted axis ends at 0, where it would be infinitely wide.
         const ContRun none(settings, {});
         EXPECT_TRUE(none.status.IsOK());
         EXPECT_EQ(none.model.GetFunnelY(), Rows{{}});
-        EXPECT_EQ(none.model.GetFunnelCIX().at(0).size(), axis.isInverted ? 1U : 2U);
-        EXPECT_EQ(none.model.GetFunnelCIY().at(0).size(), axis.isInverted ? 1U : 2U);
+        EXPECT_EQ(none.model.GetFunnelCIX().at(0).size(), axis.isInverted ? 4U : 5U);
     }
-    const MAModelSettings unknown = PlotSettings(static_cast<FunnelYType>(4));
-    EXPECT_EQ(ContRun(unknown, studies).model.GetFunnelY(), Rows{Row(8, 0.0)});
+    EXPECT_EQ(ContRun(PlotSettings(static_cast<FunnelYType>(4)), studies).model.GetFunnelY(),
+              Rows{Row(8, 0.0)});
+}
 
-    for (const int points : {0, -3}) {
-        const MAModelSettings settings = PlotSettings(FUNNEL_STD_ERROR, points);
-        const ContRun run(settings, studies);
-        EXPECT_EQ(run.model.GetFunnelCIX(), Rows{{}});
-        EXPECT_EQ(run.model.GetFunnelCIY(), Rows{{}});
+TEST(Plots, FunnelLinesOfFewPoints)
+{
+    const std::pair<int, Row> lines[] = {{-3, {}}, {0, {}}, {1, {notANumber}}}; // the step divides by zero
+    for (const auto& [points, x] : lines) {
+        const ContRun run(PlotSettings(FUNNEL_STD_ERROR, points), studies);
+        EXPECT_TRUE(Same(run.model.GetFunnelCIX().at(0), x)) << points;
+        EXPECT_EQ(run.model.GetFunnelCIY().at(0).size(), x.size()) << points;
     }
-    const MAModelSettings one = PlotSettings(FUNNEL_STD_ERROR, 1); // its step divides by zero
-    EXPECT_TRUE(Same(ContRun(one, studies).model.GetFunnelCIX().at(0), {notANumber}));
 }
 
 TEST(Plots, FunnelContours)
 {
-    const Contours contours[] = {
+    const std::pair<int, double (*)(double)> contours[] = {
         {CONTOUR_TWO_SIDED, [](double p) { return KXDistFun::IdfStdNorm(1 - p / 2); }},
         {CONTOUR_UPPER, [](double p) { return KXDistFun::IdfStdNorm(1 - p); }},
         {CONTOUR_LOWER, [](double p) { return KXDistFun::IdfStdNorm(p); }},
-        {static_cast<FunnelConTourTesType>(4), [](double) { return 0.0; }},
+        {4, [](double) { return 0.0; }},
     };
     std::vector<double> levels = {0.05, 0.5, 0, 1, 2, -0.1, 0.001};
-    for (const Contours& row : contours) {
-        SCOPED_TRACE(row.type);
+    const Row yMax = {std::sqrt(0.5), std::sqrt(0.5), std::sqrt(0.4)};
+    for (const auto& [type, quantile] : contours) {
         MAModelSettings settings = PlotSettings();
         settings.SetSubGroupIndex(2);
-        settings.SetFunnelConTourTesType(row.type);
+        settings.SetFunnelConTourTesType(static_cast<FunnelConTourTesType>(type));
         settings.SetFunnelConTourCutoff(levels);
         const ContRun run(settings, studies);
-        const Row yMax = {std::sqrt(0.5), std::sqrt(0.5), std::sqrt(0.4)};
         EXPECT_EQ(run.model.GetFunnelContourY(), yMax);
-        ASSERT_EQ(run.model.GetFunnelContourX().size(), 3U);
         for (std::size_t plot = 0; plot < 3; ++plot) {
-            Row extents = Mapped(levels, row.quantile);
+            Row extents = Mapped(levels, quantile);
             for (double& extent : extents)
                 extent *= yMax[plot];
-            EXPECT_TRUE(Same(run.model.GetFunnelContourX()[plot], extents)) << "plot " << plot;
+            EXPECT_TRUE(Same(run.model.GetFunnelContourX().at(plot), extents)) << type << ", plot " << plot;
         }
     }
 }
 
-/// All studies, then the groups, about their own estimates; Galbraith's plot of a group is scaled by
-/// variances.
+/// All studies, then the groups, whose rows are those of runs of their own, but that Galbraith's plot of a
+/// group is scaled by variances.
 TEST(Plots, RowsOfGroups)
 {
-    const Rows groupEffects = {effects, {0.1, 0.2, 0.7, 1.5}, {0.15, 0.25, 0.9, 1.2}};
-    const Rows groupVariances = {variances, {0.02, 0.04, 0.2, 0.5}, {0.03, 0.06, 0.3, 0.4}};
-    for (const bool isCumulative : {false, true}) {
-        MAModelSettings settings = PlotSettings();
+    const MAModelSettings plain = PlotSettings();
+    for (const int order : {-1, 3}) {
+        MAModelSettings settings = plain;
         settings.SetSubGroupIndex(2);
-        settings.SetCommulativeIndex(isCumulative ? 3 : -1);
+        settings.SetCommulativeIndex(order);
         const ContRun run(settings, studies);
         const MAContModel& model = run.model;
-        EXPECT_EQ(model.GetFunnelX(), groupEffects);
-        ASSERT_EQ(model.GetFunnelCIX().size(), 3U);
+        ASSERT_EQ(model.GetFunnelX().size(), 3U);
         ASSERT_EQ(model.GetGalbPlotX().size(), 3U);
         for (std::size_t plot = 0; plot < 3; ++plot) {
-            SCOPED_TRACE(testing::Message() << "plot " << plot << (isCumulative ? ", cumulative" : ""));
-            double weightSum = 0.0;
-            double weighted = 0.0;
-            double xx = 0.0;
-            double xy = 0.0;
-            for (std::size_t i = 0; i < groupEffects[plot].size(); ++i) {
-                const double variance = groupVariances[plot][i];
-                const double scale = plot == 0 ? std::sqrt(variance) : variance;
-                weightSum += 1 / variance;
-                weighted += groupEffects[plot][i] / variance;
-                xx += 1 / (scale * scale);
-                xy += groupEffects[plot][i] / (scale * scale);
-                EXPECT_EQ(model.GetFunnelY().at(plot).at(i), std::sqrt(variance));
-                EXPECT_EQ(model.GetGalbPlotX()[plot].at(i), 1 / scale);
-                EXPECT_EQ(model.GetGalbPlotY().at(plot).at(i), groupEffects[plot][i] / scale);
+            SCOPED_TRACE(testing::Message() << "plot " << plot << ", order " << order);
+            Rows rows = studies;
+            std::erase_if(rows,
+                          [plot](const Row& row) { return plot > 0 && row[2] != static_cast<double>(plot); });
+            const ContRun own(plain, rows);
+            EXPECT_EQ(model.GetFunnelX()[plot], own.model.GetFunnelX()[0]);
+            EXPECT_EQ(model.GetFunnelY().at(plot), own.model.GetFunnelY()[0]);
+            EXPECT_TRUE(Close(model.GetFunnelCIX().at(plot), own.model.GetFunnelCIX()[0], 1e-15));
+            Row x;
+            Row y;
+            for (const Row& row : rows) {
+                x.push_back(1 / (plot == 0 ? std::sqrt(row[1]) : row[1]));
+                y.push_back(row[0] * x.back());
             }
-            EXPECT_TRUE(Close(model.GetFunnelCIX()[plot].at(0), weighted / weightSum, 1e-15)); // the centre
+            EXPECT_TRUE(Close(model.GetGalbPlotX()[plot], x, machineEpsilon));
+            EXPECT_TRUE(Close(model.GetGalbPlotY().at(plot), y, 2 * machineEpsilon));
+            const double xy = std::inner_product(x.begin(), x.end(), y.begin(), 0.0);
+            const double xx = std::inner_product(x.begin(), x.end(), x.begin(), 0.0);
             EXPECT_TRUE(Close(model.GetGalbRegrSlope().at(plot), xy / xx, 1e-15));
             EXPECT_TRUE(Close(model.GetGalbRegrIntercept().at(plot), z90, 1e-15));
         }
     }
 }
 
-/// The imputed studies are the last row, empty when there are none, without a line and a contour; the line of
-/// all studies is about the filled estimate.
-TEST(Plots, ImputedStudiesInTheFunnel)
-{
-    for (const TRIMFSIDE side : {TRIM_SIDE_LARGEST, TRIM_SIDE_SMALLEST}) {
-        for (const int group : {-1, 2}) {
-            MAModelSettings settings = PlotSettings(FUNNEL_VARIANCE);
-            settings.SetIsTRIMFILL(true);
-            settings.SetTFModelType(MODEL_FIXED);
-            settings.SetTrimFillSide(side);
-            settings.SetSubGroupIndex(group);
-            const ContRun run(settings, studies);
-            const MAContModel& model = run.model;
-            const std::size_t plots = group == -1 ? 1 : 3;
-            ASSERT_EQ(model.GetFunnelX().size(), plots + 1);
-            ASSERT_EQ(model.GetFunnelY().size(), plots + 1);
-            EXPECT_EQ(model.GetTFImputedN0() > 0, side == TRIM_SIDE_LARGEST);
-            EXPECT_EQ(model.GetFunnelX()[plots], model.GetTFImputedEffectSize());
-            EXPECT_EQ(Mapped(model.GetFunnelY()[plots], [](double v) { return std::sqrt(v); }),
-                      model.GetTFImputedStdError());
-            EXPECT_EQ(model.GetFunnelContourY().size(), plots);
-            ASSERT_EQ(model.GetFunnelCIX().size(), plots);
-            EXPECT_EQ(model.GetFunnelCIX()[0].at(0), model.GetOverallTFEffectSize());
-        }
-    }
-}
-
+/// Of all studies, or of each group. y - x is the study's effect, up to the cancellation of the two.
 TEST(Plots, LabbeOfTables)
 {
-    const Rows tables = {{12, 88, 20, 80, 2}, {0, 85, 25, 75, 1}, {9, 91, 8, 92, 2}, {40, 60, 9, 91, 1}};
+    const Rows tables = {{12, 88, 20, 80, 1}, {0, 85, 25, 75, 1}, {9, 91, 8, 92, 2}, {40, 60, 9, 91, 2}};
     for (const Pooling& pooling : poolings) {
         SCOPED_TRACE(pooling.name);
-        const MAModelSettings settings = pooling.Of(TableSettings());
-        MAModelSettings grouped = settings;
-        grouped.SetSubGroupIndex(4);
+        MAModelSettings settings = pooling.Of(TableSettings());
         const BinRun run(settings, tables);
-        const BinRun groups(grouped, tables);
+        settings.SetSubGroupIndex(4);
+        const BinRun groups(settings, tables);
         if (pooling.effect == BIN_PETO_ODDS_RATIO) {
-            EXPECT_TRUE(run.status.IsOK());
             EXPECT_TRUE(run.model.GetLabbePlotX().empty());
             continue;
         }
         ASSERT_EQ(run.model.GetLabbePlotX().size(), 1U);
-        ASSERT_EQ(groups.model.GetLabbePlotX().size(), 2U);
-        ExpectLabbeRow(run.model, 0, {0, 1, 2, 3});
-        ExpectLabbeRow(groups.model, 0, {1, 3});
-        ExpectLabbeRow(groups.model, 1, {0, 2});
+        const Row x = run.model.GetLabbePlotX()[0];
+        const Row y = run.model.GetLabbePlotY().at(0);
+        const Row weights = run.model.GetWeight();
+        for (std::size_t i = 0; i < 4; ++i) {
+            const double scale = std::abs(x.at(i)) + std::abs(y.at(i));
+            EXPECT_TRUE(Close(y[i] - x[i], run.model.GetEffectSize()[i], machineEpsilon, scale));
+        }
+        EXPECT_EQ(run.model.GetLabbePlotW(), Rows{weights});
+        EXPECT_EQ(groups.model.GetLabbePlotX(), Halves(x));
+        EXPECT_EQ(groups.model.GetLabbePlotY(), Halves(y));
+        EXPECT_EQ(groups.model.GetLabbePlotW(), Halves(weights));
     }
 }
 
-/// None where effects were not computed from tables, or not of all studies, or where there are no studies.
 TEST(Plots, NoLabbe)
 {
     MAModelSettings readyMade = EffectSettings();
     readyMade.SetOutcomesType(OUTCOME_BINARY);
     EXPECT_TRUE(BinRun(readyMade, studies).model.GetLabbePlotX().empty());
-    MAModelSettings settings = TableSettings();
-    EXPECT_TRUE(BinRun(settings, {}).model.GetLabbePlotX().empty());
-    settings.SetBinZeroAdjType(ZERO_ADJUST_NONE);
-    const Rows removed = {{1, 9, 2, 8}, {0, 9, 2, 8}, {3, 7, 1, 9}};
-    const BinRun run(settings, removed);
-    EXPECT_TRUE(run.status.IsOK());
-    EXPECT_TRUE(run.model.GetLabbePlotX().empty());
-    settings.SetBinZeroAdjType(ZERO_ADJUST_EACH);
-    EXPECT_EQ(BinRun(settings, removed).model.GetLabbePlotX().size(), 1U);
+    EXPECT_TRUE(BinRun(TableSettings(), {}).model.GetLabbePlotX().empty());
 }

@@ -1,6 +1,7 @@
 #include "support/FaultyRecordIter.h"
 #include "support/LeastSquares.h"
 #include "support/PooledFigures.h"
+#include "support/Poolings.h"
 #include "support/Published.h"
 #include "support/SmallStudyRun.h"
 
@@ -8,8 +9,6 @@
 #include "meta_analysis/analysis/RegTestRecordIterator.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/settings/MAStatusCode.h"
-
-#include <type_traits>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -21,77 +20,81 @@ const Rows studies = {{4, 119, 11, 128, 1},  {6, 300, 29, 274, 2}, {3, 228, 11, 
                       {62, 138, 72, 128, 2}, {0, 50, 9, 40, 1},    {5, 40, 4, 44, 3},
                       {8, 60, 20, 50, 2},    {17, 70, 19, 66, 1},  {9, 90, 14, 85, 2}};
 
-/// What a test makes of a table, after a constant was added to its cells.
-struct TestedTable
+/// The tables, with 0.5 added to the cells of those that the adjustment is for.
+Rows Adjusted(Rows tables, int adjustment)
 {
-    TestedTable(const Row& table, int test, double added, double effect)
-    {
-        const double a = table[0] + added;
-        const double b = table[1] + added;
-        const double c = table[2] + added;
-        const double d = table[3] + added;
-        const double n = a + b + c + d;
-        const double score = a - (a + c) * (a + b) / n;
-        const double oddsScore = score * n / (b + d); // of the control group's odds
-        weight = (a + b) * (c + d) * (a + c) / (test == 1 ? n * n * (n - 1) / (b + d) : (b + d) * n);
-        response = (test == 1 ? score : oddsScore) / weight;
-        covariate = 1 / std::sqrt(weight);
-        if (test != 3)
-            return;
-        response = effect;
-        covariate = 1 / n;
-        weight = (b + d) * (a + c) / n;
+    const auto hasZero = [](const Row& table) { return std::count(table.begin(), table.end(), 0.0) > 0; };
+    const bool anyZero = std::any_of(tables.begin(), tables.end(), hasZero);
+    for (Row& table : tables) {
+        const bool isAdjusted[] = {hasZero(table), anyZero, true, false}; // in the order of the types
+        for (double& cell : table)
+            cell += isAdjusted[adjustment] ? 0.5 : 0.0;
     }
+    return tables;
+}
 
-    double response;
-    double covariate;
-    double weight;
-};
-
-/// The test by weighted least squares of the studies, whose effects are given.
-LeastSquares Regress(const Rows& tables, const Row& studyEffects, int test, ZEROADJTYPE adjustment)
+/// Tests 1 to 3 of tables and their effects.
+LeastSquares Regress(const Rows& tables, const Row& effects, int test)
 {
-    const auto hasZero = [](const Row& t) { return t[0] * t[1] * t[2] * t[3] == 0; };
-    bool anyZero = false;
-    for (const Row& table : tables)
-        anyZero = anyZero || hasZero(table);
     Rows records;
     LeastSquares::Vector weights;
     for (std::size_t i = 0; i < tables.size(); ++i) {
-        const bool isAdjusted = adjustment == ZERO_ADJUST_ALL ||
-                                (adjustment == ZERO_ADJUST_ALL_IF_ANY && anyZero) ||
-                                (adjustment == ZERO_ADJUST_EACH && hasZero(tables[i]));
-        const TestedTable tested(tables[i], test, isAdjusted ? 0.5 : 0.0, studyEffects[i]);
-        records.push_back({tested.response, 0, tested.covariate});
-        weights.push_back(tested.weight);
+        const double treated = tables[i][0] + tables[i][1];
+        const double controls = tables[i][2] + tables[i][3];
+        const double events = tables[i][0] + tables[i][2];
+        const double others = tables[i][1] + tables[i][3];
+        const double n = events + others;
+        const double score = tables[i][0] - events * treated / n;
+        const double scale = test == 1 ? others / (n * (n - 1)) : 1 / others;
+        const double variance = treated * controls * events / n * scale;
+        const double response = (test == 1 ? score : score * n / others) / variance;
+        records.push_back(test == 3 ? Row{effects[i], 0, 1 / n} : Row{response, 0, 1 / std::sqrt(variance)});
+        weights.push_back(test == 3 ? others * events / n : variance);
     }
     return LeastSquares(records, weights);
 }
 
+Row TestOf(const MABaseModel& model)
+{
+    return {model.GetRegBasedTestCoef(), model.GetRegBasedTestStdError(), model.GetRegBasedTestVal(),
+            model.GeRegBasedTestSig(),   model.GetRegBasedTestCILower(),  model.GetRegBasedTestCIUpper()};
+}
+
 bool HasNoTest(const MABaseModel& model)
 {
-    return model.GetRegBasedTestCoef() == missing && model.GetRegBasedTestStdError() == missing &&
-           model.GetRegBasedTestVal() == missing && model.GeRegBasedTestSig() == missing &&
-           model.GetRegBasedTestCILower() == missing && model.GetRegBasedTestCIUpper() == missing &&
-           model.GetRegBasedTestDf() == 0;
+    return TestOf(model) == Row(6, missing) && model.GetRegBasedTestDf() == 0;
+}
+
+/// The rows of a group, or of all, in the lists of tests, in the order of `TestOf`.
+Results TestsOf(const MABinModel& model, std::size_t group)
+{
+    Results tests = ResultsOf(model);
+    std::erase_if(tests, [](const Result& result) { return result.name.rfind("GetRegr", 0) != 0; });
+    for (Result& result : tests)
+        result.rows = {result.rows.at(group)};
+    return tests;
 }
 
 /// The coefficient of the test covariate, with the statistic of t and its interval.
 void ExpectTest(const MABaseModel& model, double slope, double stdError, double df, double tolerance)
 {
-    const double halfWidth = KXDistFun::IdfT(0.975, df) * stdError;
-    const double significance = 2 * KXDistFun::CdfT(-std::abs(slope / stdError), df);
-    EXPECT_TRUE(Close(model.GetRegBasedTestCoef(), slope, tolerance, stdError));
-    EXPECT_TRUE(Close(model.GetRegBasedTestStdError(), stdError, tolerance));
-    EXPECT_TRUE(Close(model.GetRegBasedTestVal(), slope / stdError, tolerance, 1.0));
-    EXPECT_NEAR(model.GeRegBasedTestSig(), significance, tolerance);
-    EXPECT_TRUE(Close(model.GetRegBasedTestCILower(), slope - halfWidth, tolerance, halfWidth));
-    EXPECT_TRUE(Close(model.GetRegBasedTestCIUpper(), slope + halfWidth, tolerance, halfWidth));
+    const double margin = KXDistFun::IdfT(0.975, df) * stdError;
+    const double t = slope / stdError;
+    const double significance = 2 * KXDistFun::CdfT(-std::abs(t), df);
+    const Row expected = {slope, stdError, t, significance, slope - margin, slope + margin};
+    const Row scales = {stdError, 0, 1, 1, margin, margin};
+    for (std::size_t i = 0; i < expected.size(); ++i)
+        EXPECT_TRUE(Close(TestOf(model)[i], expected[i], tolerance, scales[i])) << "value " << i;
     EXPECT_EQ(model.GetRegBasedTestDf(), df);
 }
 
 using BinTest = SmallStudyRun<MABinModel>;
 using ContTest = SmallStudyRun<MAContModel>;
+
+KXStatus Tested(BinTest& run, int type)
+{
+    return run.model.RegBasedBinTest(run.records, run.variables, static_cast<RegBaseTestType>(type));
+}
 
 } // namespace
 
@@ -114,15 +117,12 @@ TEST(SmallStudyTests, EffectOnStandardErrorMeetsTheReferenceFigures)
             const nlohmann::json& figures =
                 published.figures.at("bias").at(std::string("egger_") + methods[method]);
             const double tolerance = method >= 4 && method < 7 ? iterativeTolerance : closedFormTolerance;
-            published.WithDriver([&](auto* driver) {
-                const SmallStudyRun<std::remove_pointer_t<decltype(driver)>> run(settings,
-                                                                                 published.data.rows);
-                EXPECT_TRUE(run.status.IsOK());
-                EXPECT_EQ(run.model.GetRegTesType(), REG_TEST_EFFECT_ON_SIZE);
-                const double df = static_cast<double>(published.data.rows.size()) - 2;
-                ExpectTest(run.model, figures.at("slope"), figures.at("se"), df, tolerance);
-                EXPECT_NEAR(run.model.GeRegBasedTestSig(), figures.at("p"), tolerance);
-            });
+            const BinTest run(settings, published.data.rows);
+            EXPECT_TRUE(run.status.IsOK());
+            const double df = static_cast<double>(published.data.rows.size()) - 2;
+            ExpectTest(run.model, figures.at("slope"), figures.at("se"), df, tolerance);
+            EXPECT_NEAR(run.model.GeRegBasedTestSig(), figures.at("p"), tolerance);
+            EXPECT_EQ(run.model.GetRegTesType(), REG_TEST_EFFECT_ON_SIZE);
         }
     }
 }
@@ -134,38 +134,94 @@ TEST(SmallStudyTests, ScoresAndSizesByWeightedLeastSquares)
 {
     const Rows unusable = {{4, missing, 6, 8}, {4, 9, 6, notANumber}, {0, 0, 0, 0},    {-4, 90, 60, 80},
                            {40, -9, 60, 80},   {40, 90, -6, 80},      {40, 90, 60, -8}};
+    int compared = 0;
     for (const char* const name : {"bcg_vaccine", "magnesium", "beta_blockers"}) {
         const DataSet data(name);
         const int first = data.IndexOf("treatment_events");
         Rows tables;
         for (const Row& row : data.rows)
             tables.emplace_back(row.begin() + first, row.begin() + first + 4);
+        const auto count = static_cast<double>(tables.size());
         for (int adjustment = ZERO_ADJUST_EACH; adjustment <= ZERO_ADJUST_NONE; ++adjustment) {
             Rows rows = unusable;
             if (adjustment == ZERO_ADJUST_NONE)
                 rows.push_back({0, 9, 6, 0});
             rows.insert(rows.end(), tables.begin(), tables.end());
+            MAModelSettings settings = TableSettings();
+            settings.SetModelType(MODEL_FIXED);
+            settings.SetBinZeroAdjType(static_cast<ZEROADJTYPE>(adjustment));
+            BinTest run(settings, rows);
+            if (run.model.GetEffectSize().size() != tables.size())
+                continue; // a zero cell that is not corrected leaves a study without effect
             for (int test = 1; test <= 3; ++test) {
                 SCOPED_TRACE(testing::Message() << name << ", adjusted " << adjustment << ", test " << test);
-                MAModelSettings settings = TableSettings();
-                settings.SetModelType(MODEL_FIXED);
-                settings.SetBinZeroAdjType(static_cast<ZEROADJTYPE>(adjustment));
-                BinTest run(settings, rows);
-                if (run.model.GetEffectSize().size() != tables.size())
-                    continue; // a zero cell that is not corrected leaves a study without effect
-                ASSERT_TRUE(
-                    run.model.RegBasedBinTest(run.records, run.variables, static_cast<RegBaseTestType>(test))
-                        .IsOK());
                 const LeastSquares expected =
-                    Regress(tables, run.model.GetEffectSize(), test, settings.GetBinZeroAdjType());
-                const auto inflation =
-                    static_cast<double>(expected.SquaredNorm(1) * expected.InverseDiagonal(1));
-                const double tolerance = static_cast<double>(tables.size()) * machineEpsilon * inflation;
+                    Regress(Adjusted(tables, adjustment), run.model.GetEffectSize(), test);
+                const long double inflation = expected.SquaredNorm(1) * expected.InverseDiagonal(1);
+                EXPECT_TRUE(Tested(run, test).IsOK());
                 ExpectTest(run.model, static_cast<double>(expected.Coefficients()[1]),
-                           static_cast<double>(std::sqrt(expected.InverseDiagonal(1))),
-                           static_cast<double>(tables.size()) - 2, tolerance);
+                           static_cast<double>(std::sqrt(expected.InverseDiagonal(1))), count - 2,
+                           count * machineEpsilon * static_cast<double>(inflation));
+                ++compared;
             }
         }
+    }
+    EXPECT_EQ(compared, 3 * (4 + 3 + 3));
+}
+
+/// A run has a test when there are variables and trim-and-fill is on. Called by itself, before any run, the
+/// test reads the studies; a type beyond the undefined one leaves the test that there is.
+TEST(SmallStudyTests, WhenThereIsOne)
+{
+    BinTest run(TableSettings(), studies);
+    const Row tested = TestOf(run.model);
+    EXPECT_FALSE(HasNoTest(run.model));
+    EXPECT_EQ(Tested(run, 4), KXStatus(MAStatusCode::TEST_TYPE_UNDEFINED));
+    EXPECT_TRUE(Tested(run, 5).IsOK());
+    EXPECT_EQ(TestOf(run.model), tested);
+    EXPECT_TRUE(HasNoTest(BinRun(run.settings, studies).model)) << "without variables";
+    MABinModel direct(run.settings);
+    EXPECT_TRUE(direct.RegBasedBinTest(run.records, run.variables, REG_TEST_EFFECT_ON_STD_ERROR).IsOK());
+    EXPECT_EQ(TestOf(direct), tested);
+    run.settings.SetIsTRIMFILL(false);
+    EXPECT_TRUE(direct.RUN(run.records, run.variables).IsOK());
+    EXPECT_TRUE(HasNoTest(direct));
+
+    ContTest effects(EffectSettings(), {{0.1, 1}, {0.4, 2}, {0.2, 3}, {0.9, 4}});
+    MAContModel directEffects(effects.settings);
+    EXPECT_TRUE(directEffects.RegBasedContTest(effects.records, effects.variables).IsOK());
+    EXPECT_EQ(TestOf(directEffects), TestOf(effects.model));
+}
+
+/// The run goes on without a test, and the studies are not read again.
+TEST(SmallStudyTests, TooFewStudies)
+{
+    const KXStatus tooFew(MAStatusCode::TOO_FEW_FOR_TEST);
+    BinTest two(TableSettings(), {studies[0], studies[1]});
+    EXPECT_TRUE(two.status.IsOK());
+    EXPECT_TRUE(HasNoTest(two.model));
+    EXPECT_EQ(two.model.GetLabbePlotX().size(), 1U);
+    EXPECT_EQ(Tested(two, 1), tooFew);
+    EXPECT_EQ(two.model.RegBasedTest(two.records, two.variables, MARegSettings()), tooFew);
+    EXPECT_TRUE(two.model.GetIfRegrTestPassFlag().empty());
+    EXPECT_EQ(two.model.GetEffectSize().size(), 2U);
+    const BinTest none(TableSettings(), {{missing, 1, 2, 3}});
+    EXPECT_EQ(none.status, KXStatus(MAStatusCode::NO_ANALYSED_STUDY)); // of trim-and-fill
+    EXPECT_EQ(none.model.GetNMissing(), 1);
+}
+
+TEST(SmallStudyTests, FailureDoesNotEndTheRun)
+{
+    MAModelSettings settings = TableSettings();
+    settings.SetIsTRIMFILL(true);
+    for (int fault = 0; fault <= FaultyRecordIter::NO_FAULT; ++fault) {
+        settings.SetModelType(fault % 2 == 0 ? MODEL_FIXED : MODEL_RANDOM);
+        // Two passes read the studies; the regression starts once to look and once to read.
+        FaultyRecordIter records(studies, static_cast<FaultyRecordIter::Fault>(fault), 4);
+        MABinModel analysis(settings);
+        EXPECT_TRUE(analysis.RUN(records, VariablesOf(studies)).IsOK()) << "fault " << fault;
+        EXPECT_EQ(HasNoTest(analysis), fault != FaultyRecordIter::NO_FAULT) << "fault " << fault;
+        EXPECT_EQ(analysis.GetLabbePlotX().size(), 1U);
     }
 }
 
@@ -175,86 +231,21 @@ TEST(SmallStudyTests, RecordsWithoutEventsAreDroppedOnRequest)
         VectorRecordIter source({{0, 9, 0, 8}, {4, 0, 6, 0}});
         RegTestRecordIterator records(source, 4, REG_TEST_EFFECT_ON_SIZE);
         records.SetCountIndices(0, 1, 2, 3);
-        records.SetAdjustType(ZERO_ADJUST_EACH);
         records.SetDropBinZero(drops);
         ASSERT_TRUE(records.ResizeRecord() && records.Start());
-        for (int i = 0; i < 2; ++i)
-            EXPECT_EQ(records.Next() == nullptr, drops);
+        EXPECT_EQ(records.Next() == nullptr, drops);
+        EXPECT_EQ(records.Next() == nullptr, drops);
     }
 }
 
-/// A run has a test when there are variables and trim-and-fill is on. Called by itself, before any run, the
-/// test reads the studies.
-TEST(SmallStudyTests, WhenThereIsOne)
-{
-    const MAModelSettings settings = TableSettings();
-    BinTest run(settings, studies);
-    const double slope = run.model.GetRegBasedTestCoef();
-    EXPECT_FALSE(HasNoTest(run.model));
-    MABinModel withoutVariables(run.settings);
-    EXPECT_TRUE(withoutVariables.RUN(run.records, KXVarList()).IsOK());
-    EXPECT_TRUE(HasNoTest(withoutVariables));
-    EXPECT_NE(withoutVariables.GetOverallTFEffectSize(), missing);
-    MABinModel withoutTrimFill(settings);
-    EXPECT_TRUE(withoutTrimFill.RUN(run.records, run.variables).IsOK());
-    EXPECT_TRUE(HasNoTest(withoutTrimFill));
-
-    const auto test = [&run](MABinModel& model, int type) {
-        return model.RegBasedBinTest(run.records, run.variables, static_cast<RegBaseTestType>(type));
-    };
-    MABinModel direct(settings);
-    EXPECT_TRUE(test(direct, 0).IsOK());
-    EXPECT_EQ(direct.GetRegBasedTestCoef(), slope);
-    EXPECT_EQ(test(run.model, 4), KXStatus(MAStatusCode::TEST_TYPE_UNDEFINED));
-    EXPECT_TRUE(test(run.model, 5).IsOK());
-    EXPECT_EQ(run.model.GetRegBasedTestCoef(), slope);
-
-    ContTest effects(EffectSettings(), {{0.1, 1}, {0.4, 2}, {0.2, 3}, {0.9, 4}});
-    MAContModel directEffects(effects.settings);
-    EXPECT_TRUE(directEffects.RegBasedContTest(effects.records, effects.variables).IsOK());
-    EXPECT_EQ(directEffects.GetRegBasedTestCoef(), effects.model.GetRegBasedTestCoef());
-}
-
-/// A test that fails leaves its values missing, and the run goes on.
-TEST(SmallStudyTests, FailureDoesNotEndTheRun)
-{
-    BinTest two(TableSettings(), {studies[0], studies[1]});
-    EXPECT_TRUE(two.status.IsOK());
-    EXPECT_TRUE(HasNoTest(two.model));
-    EXPECT_EQ(two.model.GetLabbePlotX().size(), 1U);
-    EXPECT_EQ(two.model.RegBasedBinTest(two.records, two.variables, REG_TEST_SCORE_VARIANCE),
-              KXStatus(MAStatusCode::TOO_FEW_FOR_TEST));
-    EXPECT_EQ(two.model.RegBasedTest(two.records, two.variables, MARegSettings()),
-              KXStatus(MAStatusCode::TOO_FEW_FOR_TEST));
-    EXPECT_TRUE(two.model.GetIfRegrTestPassFlag().empty());
-    EXPECT_EQ(two.model.GetEffectSize().size(), 2U); // not read again
-    BinTest none(TableSettings(), {{missing, 1, 2, 3}});
-    EXPECT_EQ(none.status, KXStatus(MAStatusCode::NO_ANALYSED_STUDY)); // of trim-and-fill
-    EXPECT_EQ(none.model.GetNMissing(), 1);
-
-    for (const MODELTYPE model : {MODEL_FIXED, MODEL_RANDOM}) {
-        for (int fault = 0; fault <= FaultyRecordIter::NO_FAULT; ++fault) {
-            SCOPED_TRACE(testing::Message() << "model " << model << ", fault " << fault);
-            MAModelSettings settings = TableSettings();
-            settings.SetModelType(model);
-            settings.SetIsTRIMFILL(true);
-            // Two passes read the studies; the regression starts once to look and once to read.
-            FaultyRecordIter records(studies, static_cast<FaultyRecordIter::Fault>(fault), 4);
-            MABinModel analysis(settings);
-            EXPECT_TRUE(analysis.RUN(records, VariablesOf(studies)).IsOK());
-            EXPECT_EQ(HasNoTest(analysis), fault != FaultyRecordIter::NO_FAULT);
-            EXPECT_NE(analysis.GetOverallTFEffectSize(), missing);
-            EXPECT_EQ(analysis.GetLabbePlotX().size(), 1U);
-        }
-    }
-}
-
-/// The engine by itself, on records of effect and variance.
+/// The engine by itself, on records of effect and variance. A failure leaves the results of the test before.
 TEST(SmallStudyTests, Engine)
 {
     const Rows rows = {{0.1, 1}, {0.4, 2}, {0.2, 3}, {0.9, 4}};
     const KXVarList variables = VariablesOf(rows);
     VectorRecordIter records(rows);
+    FaultyRecordIter faulty(rows, FaultyRecordIter::REFUSES_START, 1);
+    FaultyRecordIter faultyAgain = faulty;
     MARegSettings settings;
     settings.SetInterceptUse(true);
     settings.SetOMWVarIndex(1);
@@ -267,20 +258,15 @@ TEST(SmallStudyTests, Engine)
     test.SetEffectSizeIndex(0);
     EXPECT_EQ(test.Test(records), KXStatus(MAStatusCode::TEST_WITHOUT_OUTPUT)); // no model type
     test.SetTestRegModelType(MODEL_FIXED);
-    FaultyRecordIter faulty(rows, FaultyRecordIter::REFUSES_START, 1);
     EXPECT_EQ(test.Test(faulty), KXStatus(MAStatusCode::TEST_WITHOUT_OUTPUT));
-    EXPECT_TRUE(test.GetCoefficient().empty());
     EXPECT_EQ(test.GetResidualDf(), 0);
 
     ASSERT_TRUE(test.Test(records).IsOK());
-    const std::vector<double> coefficients = test.GetCoefficient();
+    const Row coefficients = test.GetCoefficient();
     EXPECT_EQ(coefficients.size(), 2U);
     EXPECT_EQ(test.GetResidualDf(), 2);
-    FaultyRecordIter again(rows, FaultyRecordIter::REFUSES_START, 1);
-    EXPECT_EQ(test.Test(again), KXStatus(MAStatusCode::ITERATOR_NOT_STARTED));
-    EXPECT_EQ(test.GetCoefficient(), coefficients); // of the test before
-    EXPECT_EQ(&test.GetSettings(), &settings);
-    EXPECT_EQ(settings.GetNumOfCovariates(), 0);
+    EXPECT_EQ(test.Test(faultyAgain), KXStatus(MAStatusCode::ITERATOR_NOT_STARTED));
+    EXPECT_EQ(test.GetCoefficient(), coefficients);
 
     // Whether a record holds the variance, the standard error or the weight makes no difference.
     for (const OMGWeightType type : {OMEGA_STD_ERROR, OMEGA_WEIGHT}) {
@@ -294,58 +280,51 @@ TEST(SmallStudyTests, Engine)
     }
 }
 
-/// Each group's test is that of an analysis of its records alone, whatever the test reads; then that of all.
-/// Group 3 has one study.
+/// Each group's test is that of an analysis of its records alone, whatever the test reads; then comes that of
+/// all. Group 3 has one study.
 TEST(SmallStudyTests, OfGroups)
 {
-    for (const MODELTYPE model : {MODEL_FIXED, MODEL_RANDOM}) {
-        for (int type = 0; type <= 4; ++type) {
-            SCOPED_TRACE(testing::Message() << "model " << model << ", type " << type);
-            MAModelSettings settings = TableSettings();
-            settings.SetModelType(model);
-            settings.SetSubGroupIndex(4);
-            settings.SetRegBaseTestType(static_cast<RegBaseTestType>(type));
-            MARegSettings regression;
-            regression.SetInterceptUse(true);
-            regression.SetEstTauType("REML");
-            regression.SetTreatmentSuccess(0);
-            regression.SetTreatmentFailure(1);
-            regression.SetControlSuccess(2);
-            regression.SetControlFailure(3);
-            BinTest run(settings, studies);
-            const double slope = run.model.GetRegBasedTestCoef();
-            const KXStatus status = run.model.RegBasedTest(run.records, run.variables, regression);
-            EXPECT_EQ(status, KXStatus(type == 4 ? MAStatusCode::TEST_TYPE_UNDEFINED : 0));
-            EXPECT_EQ(run.model.GetRegBasedTestCoef(), slope);
-            EXPECT_EQ(run.model.GetIfRegrTestPassFlag(),
-                      type == 4 ? std::vector<int>(4, 0) : (std::vector<int>{1, 1, 0, 1}));
-            ASSERT_EQ(run.model.GetRegrTestCoefficient().size(), 4U);
-            for (std::size_t g = 0; g < 4; ++g) {
-                SCOPED_TRACE(testing::Message() << "group " << g);
-                const bool isThere = type < 4 && g != 2;
-                EXPECT_EQ(run.model.GetRegrCoefParameters().at(g).size(), isThere ? 2U : 0U);
-                EXPECT_EQ(run.model.GetRegrCoefRedundancyInfo().at(g).Count(), isThere ? 2U : 0U);
-                EXPECT_EQ(run.model.GetRegrTestCoefficient()[g].size(), isThere ? 2U : 0U);
-                if (!isThere)
-                    continue;
-                Rows own;
-                for (const Row& study : studies) {
-                    if (g == 3 || study[4] == static_cast<double>(g) + 1)
-                        own.push_back(study);
-                }
-                MAModelSettings plain = settings;
-                plain.SetSubGroupIndex(-1);
-                BinTest alone(plain, own);
-                alone.model.RegBasedBinTest(alone.records, alone.variables,
-                                            static_cast<RegBaseTestType>(type));
-                const MABinModel& whole = run.model;
-                EXPECT_EQ(whole.GetRegrTestCoefficient()[g][1], alone.model.GetRegBasedTestCoef());
-                EXPECT_EQ(whole.GetRegrTestBetaStandErr()[g][1], alone.model.GetRegBasedTestStdError());
-                EXPECT_EQ(whole.GetRegrBetaTestVal()[g][1], alone.model.GetRegBasedTestVal());
-                EXPECT_EQ(whole.GetRegrBetaTestPValue()[g][1], alone.model.GeRegBasedTestSig());
-                EXPECT_EQ(whole.GetRegrBetaConfInterValLower()[g][1], alone.model.GetRegBasedTestCILower());
-                EXPECT_EQ(whole.GetRegrBetaConfInterValUpper()[g][1], alone.model.GetRegBasedTestCIUpper());
-            }
+    MARegSettings regression;
+    regression.SetInterceptUse(true);
+    regression.SetEstTauType("REML");
+    regression.SetTreatmentSuccess(0);
+    regression.SetTreatmentFailure(1);
+    regression.SetControlSuccess(2);
+    regression.SetControlFailure(3);
+    for (int i = 0; i < 2 * 4; ++i) {
+        const int type = i / 2;
+        MAModelSettings plain = TableSettings();
+        plain.SetModelType(i % 2 == 0 ? MODEL_FIXED : MODEL_RANDOM);
+        plain.SetRegBaseTestType(static_cast<RegBaseTestType>(type));
+        MAModelSettings settings = plain;
+        settings.SetSubGroupIndex(4);
+        BinTest run(settings, studies);
+        const Row ofRun = TestOf(run.model);
+        EXPECT_TRUE(run.model.RegBasedTest(run.records, run.variables, regression).IsOK());
+        EXPECT_EQ(TestOf(run.model), ofRun);
+        EXPECT_EQ(run.model.GetIfRegrTestPassFlag(), (std::vector<int>{1, 1, 0, 1}));
+        EXPECT_TRUE(run.model.GetRegrTestCoefficient().at(2).empty());
+        for (const std::size_t g : {0U, 1U, 3U}) {
+            SCOPED_TRACE(testing::Message() << "model " << i % 2 << ", type " << type << ", group " << g);
+            Rows own = studies;
+            std::erase_if(own,
+                          [g](const Row& row) { return g != 3 && row[4] != static_cast<double>(g + 1); });
+            BinTest alone(plain, own);
+            EXPECT_TRUE(alone.model.RegBasedTest(alone.records, alone.variables, regression).IsOK());
+            EXPECT_EQ(FirstDifference(TestsOf(run.model, g), TestsOf(alone.model, 0)), "");
+            EXPECT_EQ(run.model.GetRegrCoefParameters().at(g).size(), 2U);
+            EXPECT_EQ(run.model.GetRegrCoefRedundancyInfo().at(g).Count(), 2U);
         }
+        EXPECT_TRUE(Tested(run, type).IsOK());
+        Row ofAll;
+        for (const Result& result : TestsOf(run.model, 3))
+            ofAll.push_back(result.rows[0].at(1));
+        EXPECT_EQ(ofAll, TestOf(run.model));
     }
+    MAModelSettings undefined = TableSettings();
+    undefined.SetRegBaseTestType(static_cast<RegBaseTestType>(4));
+    BinTest run(undefined, studies);
+    EXPECT_EQ(run.model.RegBasedTest(run.records, run.variables, regression),
+              KXStatus(MAStatusCode::TEST_TYPE_UNDEFINED));
+    EXPECT_EQ(run.model.GetIfRegrTestPassFlag(), std::vector<int>{0});
 }

@@ -30,17 +30,13 @@ struct Correction
 
 const Row full = {1, 2, 3, 4};
 const Row withZero = {1, 0, 3, 4};
-const Row fullCorrected = {1.25, 2.25, 3.25, 4.25};
-const Row zeroCorrected = {1.25, 0.25, 3.25, 4.25};
+const Row fullPlus = {1.25, 2.25, 3.25, 4.25};
+const Row zeroPlus = {1.25, 0.25, 3.25, 4.25};
 const Correction corrections[] = {
-    {"each with a zero", ZERO_ADJUST_EACH, {full, withZero}, {full, zeroCorrected}, ZERO_ADJUST_EACH},
-    {"all, a zero",
-     ZERO_ADJUST_ALL_IF_ANY,
-     {full, withZero},
-     {fullCorrected, zeroCorrected},
-     ZERO_ADJUST_ALL},
-    {"all if any, no zero", ZERO_ADJUST_ALL_IF_ANY, {full, full}, {full, full}, ZERO_ADJUST_ALL_IF_ANY},
-    {"all", ZERO_ADJUST_ALL, {full, full}, {fullCorrected, fullCorrected}, ZERO_ADJUST_ALL},
+    {"each with a zero", ZERO_ADJUST_EACH, {full, withZero}, {full, zeroPlus}, ZERO_ADJUST_EACH},
+    {"a zero", ZERO_ADJUST_ALL_IF_ANY, {full, withZero}, {fullPlus, zeroPlus}, ZERO_ADJUST_ALL},
+    {"no zero", ZERO_ADJUST_ALL_IF_ANY, {full, full}, {full, full}, ZERO_ADJUST_ALL_IF_ANY},
+    {"all", ZERO_ADJUST_ALL, {full, full}, {fullPlus, fullPlus}, ZERO_ADJUST_ALL},
     {"none", ZERO_ADJUST_NONE, {full, withZero}, {full, withZero}, ZERO_ADJUST_NONE},
     {"unknown type", static_cast<ZEROADJTYPE>(9), {withZero}, {withZero}, static_cast<ZEROADJTYPE>(9)},
     // The product of these counts underflows, but none of them is zero.
@@ -103,12 +99,10 @@ TEST(MABinaryEffectSize, UndefinedEntriesAreMissing)
         EXPECT_TRUE(Same(effectSizes.GetEffectSizeVal(), {row.effect}));
         EXPECT_TRUE(Same(effectSizes.GetLogEffectSizeVal(), {row.logEffect}));
         EXPECT_TRUE(Same(effectSizes.GetLogEffectSizeVariance(), {row.logVariance}));
-        if (row.method != BIN_PETO_ODDS_RATIO) {
-            // Risks come from their logarithms.
-            constexpr double tolerance = 4 * machineEpsilon;
-            EXPECT_TRUE(Close(effectSizes.GetTreatmentGRatio(), {row.treatmentRatio}, tolerance));
-            EXPECT_TRUE(Close(effectSizes.GetControlGRatio(), {row.controlRatio}, tolerance));
-        }
+        constexpr double tolerance = 4 * machineEpsilon; // risks come from their logarithms
+        const bool isPeto = row.method == BIN_PETO_ODDS_RATIO;
+        EXPECT_TRUE(isPeto || Close(effectSizes.GetTreatmentGRatio(), {row.treatmentRatio}, tolerance));
+        EXPECT_TRUE(isPeto || Close(effectSizes.GetControlGRatio(), {row.controlRatio}, tolerance));
         const bool isDefined = row.logVariance != missing;
         EXPECT_TRUE(Same(effectSizes.GetEffectSizeVariance(), {isDefined ? 1.0 : missing}));
         EXPECT_TRUE(Same(effectSizes.GetEffectSizeCIUpper(), {isDefined ? row.effect : missing}));
@@ -116,6 +110,14 @@ TEST(MABinaryEffectSize, UndefinedEntriesAreMissing)
         // Missing by missing is 1, or 0 by 0.
         EXPECT_TRUE(Same(effectSizes.GetLogEffectSizeZVal(), {isDefined ? notANumber : 1.0}));
     }
+}
+
+TEST(MABinaryEffectSize, TestsOfARatioAreExponentialsToo)
+{
+    Tables tables({full});
+    const MABinaryEffectSize effectSizes = Computed(tables, BIN_ODDS_RATIO);
+    EXPECT_EQ(effectSizes.GetEffectSizeZVal().at(0), std::exp(effectSizes.GetLogEffectSizeZVal().at(0)));
+    EXPECT_EQ(effectSizes.GetEffectSizeSig().at(0), std::exp(effectSizes.GetLogEffectSizeSig().at(0)));
 }
 
 TEST(MABinaryEffectSize, RiskDifferenceHasZeroForUndefinedEntries)
@@ -143,16 +145,14 @@ TEST(MABinaryEffectSize, AfterAnErrorNothingChanges)
 {
     Tables tables({withZero});
     MABinaryEffectSize effectSizes;
-    EXPECT_TRUE(effectSizes.SetEstimationMethod(BIN_RISK_RATIO).IsOK());
-    effectSizes.SetZeroAdjType(ZERO_ADJUST_EACH);
     tables.GiveTo(effectSizes);
     std::vector<double> two(2);
-    const KXStatus refused = effectSizes.SetControlGSuccessCounts(&two);
-    EXPECT_EQ(refused, KXStatus(MAStatusCode::LENGTH_MISMATCH));
+    const KXStatus refused(MAStatusCode::LENGTH_MISMATCH);
+    EXPECT_EQ(effectSizes.SetControlGSuccessCounts(&two), refused);
     EXPECT_EQ(effectSizes.SetZeroAdjType(ZERO_ADJUST_NONE), refused);
     EXPECT_EQ(effectSizes.SetZeroCountDelta(1), refused);
     EXPECT_EQ(effectSizes.SetSignLevel(0.1), refused);
-    EXPECT_EQ(effectSizes.SetEstimationMethod(BIN_ODDS_RATIO), refused);
+    EXPECT_EQ(effectSizes.SetEstimationMethod(BIN_RISK_RATIO), refused);
     EXPECT_EQ(effectSizes.ComputeEffectSizeStatistics(), refused);
     EXPECT_EQ(effectSizes.GetUpdatedZeroAdjType(), ZERO_ADJUST_EACH);
     EXPECT_EQ(tables.ToRows(), Rows{withZero});

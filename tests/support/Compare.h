@@ -48,12 +48,12 @@ inline testing::AssertionResult Close(double actual, double expected, double tol
 
 /// The same, entry by entry.
 inline testing::AssertionResult Close(const std::vector<double>& actual, const std::vector<double>& expected,
-                                      double tolerance)
+                                      double tolerance, double scale = 0.0)
 {
     if (actual.size() != expected.size())
         return testing::AssertionFailure() << actual.size() << " entries, expected " << expected.size();
     for (std::size_t i = 0; i < actual.size(); ++i) {
-        const testing::AssertionResult result = Close(actual[i], expected[i], tolerance);
+        const testing::AssertionResult result = Close(actual[i], expected[i], tolerance, scale);
         if (!result)
             return testing::AssertionFailure() << "entry " << i << " " << result.message();
     }

@@ -6,16 +6,20 @@
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 
-/// An analysis of records held in memory, run once; the settings must outlive it.
+#include <algorithm>
+
+/// An analysis of records held in memory, run once.
 template <class Driver>
 struct FinishedRun
 {
-    FinishedRun(const MA_NAMESPACE::MAModelSettings& settings, const Rows& rows) : model(settings)
+    FinishedRun(const MA_NAMESPACE::MAModelSettings& given, const Rows& rows)
+        : settings(given), model(settings)
     {
         VectorRecordIter records(rows);
         status = model.RUN(records, KXVarList());
     }
-    FinishedRun(const MA_NAMESPACE::MAModelSettings&& settings, const Rows& rows) = delete;
+    FinishedRun(const FinishedRun&) = delete;
+    FinishedRun& operator=(const FinishedRun&) = delete;
 
     std::vector<int> WarningCodes() const
     {
@@ -24,7 +28,13 @@ struct FinishedRun
             codes.push_back(warning.GetCode());
         return codes;
     }
+    bool Warns(int code) const
+    {
+        const std::vector<int> codes = WarningCodes();
+        return std::find(codes.begin(), codes.end(), code) != codes.end();
+    }
 
+    MA_NAMESPACE::MAModelSettings settings;
     Driver model;
     KXStatus status;
 };

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "faults/Results.h"
 #include "support/Compare.h"
 #include "support/FinishedRun.h"
 
@@ -16,7 +17,6 @@ struct Pooling
         return settings;
     }
     bool IsBinary() const { return weight == MAConst::WEIGHT_BINARY_FIXED; }
-    bool IsRatio() const { return effect != MAConst::BIN_RISK_DIFFERENCE; }
 
     const char* name;
     MAConst::BINESTYPE effect;
@@ -39,11 +39,18 @@ using BinRun = FinishedRun<BinModel>;
 using Column = std::vector<double> (BinModel::*)() const;
 using Columns = std::vector<Column>;
 
-/// What a model build appends always, and what as its heterogeneity output.
+inline Row Exponentials(Row values)
+{
+    for (double& value : values)
+        value = std::exp(value);
+    return values;
+}
 
-inline const Columns estimateColumns = {&BinModel::GetEstEffectSize, &BinModel::GetEstStdError,
-                                        &BinModel::GetEstZVal,       &BinModel::GetEstSig,
-                                        &BinModel::GetEstCILower,    &BinModel::GetEstCIUpper};
+/// What a model build appends always, and what as its heterogeneity output.
+inline const Columns estimateColumns = {
+    &BinModel::GetEstEffectSize,    &BinModel::GetEstStdError,   &BinModel::GetEstZVal,
+    &BinModel::GetEstSig,           &BinModel::GetEstCILower,    &BinModel::GetEstCIUpper,
+    &BinModel::GetEstExpEffectSize, &BinModel::GetEstExpCILower, &BinModel::GetEstExpCIUpper};
 inline const Columns heterogeneityColumns = {&BinModel::GetHomoTestChisquareQ,
                                              &BinModel::GetHomoTestdf,
                                              &BinModel::GetHomoTestSig,
@@ -56,23 +63,33 @@ inline const Columns heterogeneityColumns = {&BinModel::GetHomoTestChisquareQ,
                                              &BinModel::GetTau2Var,
                                              &BinModel::GetPILower,
                                              &BinModel::GetPIUpper};
-/// ... and for a ratio.
-inline const Columns ratioColumns = {&BinModel::GetEstExpEffectSize, &BinModel::GetEstExpCILower,
-                                     &BinModel::GetEstExpCIUpper};
 
-/// Whether entry i of each column is, to the last digit, entry j of another run's.
-inline testing::AssertionResult SameEntries(const Columns& columns, const BinModel& actual, std::size_t i,
-                                            const BinModel& expected, std::size_t j)
+/// Entry i of the columns that are not empty.
+inline Row EntriesOf(const BinModel& model, std::size_t i, const Columns& columns)
 {
-    for (std::size_t c = 0; c < columns.size(); ++c) {
-        const Column column = columns[c];
-        const std::vector<double> left = (actual.*column)();
-        const std::vector<double> right = (expected.*column)();
-        if (i >= left.size() || j >= right.size())
-            return testing::AssertionFailure() << "column " << c << " has no such entry";
-        const testing::AssertionResult result = Same(left[i], right[j]);
-        if (!result)
-            return testing::AssertionFailure() << "column " << c << " " << result.message();
+    Row entries;
+    for (const Column column : columns) {
+        const Row values = (model.*column)();
+        if (!values.empty())
+            entries.push_back(values.at(i));
     }
-    return testing::AssertionSuccess();
+    return entries;
+}
+
+/// Whether a run's model i has, to the last digit, the results of another run's model j.
+inline testing::AssertionResult SameModel(const BinModel& actual, std::size_t i, const BinModel& expected,
+                                          std::size_t j = 0)
+{
+    Columns columns = estimateColumns;
+    columns.insert(columns.end(), heterogeneityColumns.begin(), heterogeneityColumns.end());
+    return Same(EntriesOf(actual, i, columns), EntriesOf(expected, j, columns));
+}
+
+/// All results but those whose names contain one of some words.
+inline Results ResultsBut(const std::vector<std::string>& words, const BinModel& model)
+{
+    Results results = ResultsOf(model);
+    for (const std::string& word : words)
+        std::erase_if(results, [&word](const Result& result) { return result.name.find(word) != word.npos; });
+    return results;
 }

@@ -3,9 +3,6 @@
 #include "support/Data.h"
 #include "support/Reference.h"
 
-#include "meta_analysis/analysis/MABinModel.h"
-#include "meta_analysis/analysis/MAContModel.h"
-
 /// A data set with its reference figures, and the settings for its effects: log risk ratios of the trials of
 /// BCG, log odds ratios of those of magnesium, else the ready-made effects. Iterations end below a step of
 /// 1e-12, and steps towards a tau² of 0 are halved as often as that takes.
@@ -13,8 +10,7 @@ struct Published
 {
     explicit Published(const std::string& name) : data(name), figures(LoadReference(name))
     {
-        isBinary = figures.contains("tables");
-        if (isBinary) {
+        if (figures.contains("tables")) {
             const bool hasRiskRatios = figures.contains("risk_ratio");
             settings = TableSettings(data.IndexOf("treatment_events"));
             settings.SetBinaryEstType(hasRiskRatios ? MAConst::BIN_RISK_RATIO : MAConst::BIN_ODDS_RATIO);
@@ -26,19 +22,8 @@ struct Published
         settings.SetMaxStepHalving(60);
     }
 
-    /// Calls `use` with a null pointer to the driver of these data.
-    template <class Use>
-    void WithDriver(Use use) const
-    {
-        if (isBinary)
-            use(static_cast<MA_NAMESPACE::MABinModel*>(nullptr));
-        else
-            use(static_cast<MA_NAMESPACE::MAContModel*>(nullptr));
-    }
-
     DataSet data;
     nlohmann::json figures;
-    bool isBinary = false;
     MA_NAMESPACE::MAModelSettings settings;
 };
 
