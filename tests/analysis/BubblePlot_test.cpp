@@ -5,6 +5,8 @@
 
 #include "meta_analysis/analysis/MABinModel.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
+#include "meta_analysis/platform/common/KXQueryCancel.h"
+#include "meta_analysis/settings/MAStatusCode.h"
 
 #include <numeric>
 
@@ -172,4 +174,21 @@ TEST(BubblePlot, WithoutInterceptRunsThroughTheOrigin)
     const MABinModel model = Trials(MODEL_FIXED).Plotted(MARegSettings());
     ASSERT_EQ(model.GetBubbleCoefs()[0].size(), 1U);
     EXPECT_TRUE(Close(model.GetBubblePredVals()[0][0], model.GetBubbleCoefs()[0][0] * 44, machineEpsilon));
+}
+
+TEST(BubblePlot, CanBeCancelled)
+{
+    struct : KXQueryCancel
+    {
+        bool IsCancelled() override { return true; }
+    } always;
+    const Trials trials(MODEL_FIXED);
+    MABinModel model = trials.Plotted(WithIntercept(), {});
+    VectorRecordIter records(trials.data.rows);
+    MARegSettings regression = WithIntercept();
+    regression.AddCovariate(trials.data.IndexOf("latitude"));
+    regression.SetCancelObject(&always);
+    EXPECT_EQ(model.BubblePlot(records, VariablesOf(trials.data.rows), regression),
+              KXStatus(MAStatusCode::ITERATOR_FAILED));
+    EXPECT_TRUE(model.GetBubbleFlags().empty());
 }

@@ -54,18 +54,18 @@ void ExpectContrast(const MABaseModel& model, std::size_t i, const Row& coeffici
 
 TEST(Contrasts, OfInverseVarianceModels)
 {
-    const ContRun run(ContrastSettings(EffectSettings(), {2, 3, 4, 5, 6}), effects);
+    const ContRun run(ContrastSettings(EffectSettings(), {3, 2, 4, 5, 6}), effects);
     const MAContModel& model = run.model;
     EXPECT_TRUE(run.status.IsOK());
-    EXPECT_EQ(model.GetContrastStatus(), (std::vector<int>{1, 0, 2, 0, 2}));
+    EXPECT_EQ(model.GetContrastStatus(), (std::vector<int>{0, 1, 2, 0, 2}));
     EXPECT_TRUE(run.Warns(MAStatusCode::CONTRAST_COEFFICIENT_MISSING));
-    ExpectContrast(model, 1, ColumnOf(effects, 3), false, 1.0);
+    ExpectContrast(model, 0, ColumnOf(effects, 3), false, 1.0);
     ExpectContrast(model, 2, ColumnOf(effects, 4), false, 1.0);
-    // Nothing to test: sums of 0, but no z and no significance.
-    EXPECT_EQ(model.GetContrastEstES()[0], 0.0);
-    EXPECT_EQ(model.GetContrastEstCIUpper()[0], 0.0);
-    EXPECT_EQ(model.GetContrastEstZVal()[0], missing);
-    EXPECT_EQ(model.GetContrastEstSig()[0], missing);
+    // Nothing to test: sums of 0, but no z and no significance, those of the contrast before it least of all.
+    EXPECT_EQ(model.GetContrastEstES()[1], 0.0);
+    EXPECT_EQ(model.GetContrastEstCIUpper()[1], 0.0);
+    EXPECT_EQ(model.GetContrastEstZVal()[1], missing);
+    EXPECT_EQ(model.GetContrastEstSig()[1], missing);
     EXPECT_TRUE(std::isnan(model.GetContrastEstES()[3]));
     EXPECT_EQ(model.GetContrastEstStdError()[4], 0.0);
 }
@@ -107,4 +107,16 @@ TEST(Contrasts, OfTables)
         EXPECT_EQ(model.GetContrastExpEstCILower(), Exponentials(model.GetContrastEstCILower()));
         EXPECT_EQ(model.GetContrastExpEstCIUpper(), Exponentials(model.GetContrastEstCIUpper()));
     }
+}
+
+/// An odds ratio after Peto that is too large for a number, though its logarithm is not.
+TEST(Contrasts, OfPetoOddsRatiosBeyondNumbers)
+{
+    MAModelSettings settings = ContrastSettings(TableSettings(), {4});
+    settings.SetBinaryEstType(BIN_PETO_ODDS_RATIO);
+    settings.SetBinZeroAdjType(ZERO_ADJUST_ALL_IF_ANY);
+    const BinRun run(settings, {{1, 0, 0, 100000, 1}, {10, 90, 20, 80, -1}, {12, 88, 15, 85, 0}});
+    const Row logs = run.model.GetEffectSize();
+    ASSERT_GT(logs.at(0), 710.0);
+    EXPECT_TRUE(Close(run.model.GetContrastEstES().at(0), logs[0] - logs[1], 4 * machineEpsilon));
 }
