@@ -3,7 +3,9 @@
 
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 
+#include <map>
 #include <numeric>
+#include <random>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -38,6 +40,19 @@ Outcome OutcomeOf(const AnalysisCase& made, int runs)
 Outcome OutcomeOf(const AnalysisCase& made, int runs = 1)
 {
     return made.isBinary ? OutcomeOf<MABinModel>(made, runs) : OutcomeOf<MAContModel>(made, runs);
+}
+
+/// A value for each study, whose record came in one of the places, in the order before.
+std::vector<double> InFormerOrder(const std::vector<double>& values, const std::vector<double>& places,
+                                  const std::vector<std::size_t>& order)
+{
+    std::map<std::size_t, double> byRecord;
+    for (std::size_t i = 0; i < values.size(); ++i)
+        byRecord[order.at(static_cast<std::size_t>(places.at(i)))] = values[i];
+    std::vector<double> sorted;
+    for (const auto& [record, value] : byRecord)
+        sorted.push_back(value);
+    return sorted;
 }
 
 /// Results with as many rows of the same lengths.
@@ -258,13 +273,18 @@ void AnalysisCheck::CheckOrder()
     const bool isRounding = std::any_of(q.begin(), q.end(), [](double value) { return value < exactFit; });
     if (made_.settings.GetCummulativeIndex() != -1 || isRounding)
         return; // the order is what it is about, or the variance of equal effects nothing but rounding
+    std::vector<std::size_t> order(made_.rows.size()); // number of the record that comes in its place
+    std::iota(order.begin(), order.end(), std::size_t{0});
+    std::shuffle(order.begin(), order.end(), std::minstd_rand(static_cast<unsigned>(order.size())));
     AnalysisCase changed = made_;
-    std::reverse(changed.rows.begin(), changed.rows.end());
+    for (std::size_t i = 0; i < order.size(); ++i)
+        changed.rows[i] = made_.rows[order[i]];
     Results results = OutcomeOf(changed).results;
+    const std::vector<double> places = Of(results).Values("GetNonMissingStudyID");
     for (Result& result : results) {
         if (result.name == "GetEffectSize" || result.name == "GetVariance" || result.name == "GetCILower" ||
             result.name == "GetNormalizedWeight")
-            std::reverse(result.rows[0].begin(), result.rows[0].end());
+            result.rows[0] = InFormerOrder(result.rows[0], places, order);
     }
     const bool isIterative =
         made_.settings.GetModelType() == MODEL_RANDOM && made_.settings.GetEstTauType() >= TAU2_ML;
