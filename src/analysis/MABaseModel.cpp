@@ -44,6 +44,11 @@ bool MABaseModel::AddNewWarning(const KXStatus& status, std::vector<KXStatus>& l
     }
 }
 
+void MABaseModel::AddWarning(const KXStatus& warning)
+{
+    AppendNewWarning(warning, warnings_);
+}
+
 void MABaseModel::CopyRunSettings()
 {
     modelType_ = settings_->GetModelType();

@@ -159,7 +159,9 @@ protected:
     /// The studies of each group, in study order; without a subgroup variable all are one group.
     std::vector<MASelection> MembersByGroup() const;
 
-    void AddWarning(int code) { AddNewWarning(KXStatus(code, true), warnings_); }
+    /// Takes up a warning that there is not yet; within a guarded operation, for it may throw std::bad_alloc.
+    void AddWarning(const KXStatus& warning);
+    void AddWarning(int code) { AddWarning(KXStatus(code, true)); }
     KXStatus SetError(int code) { return status_ = KXStatus(code); }
 
     bool HasContrasts() const { return !studies_.contrastCoefficients.empty(); }

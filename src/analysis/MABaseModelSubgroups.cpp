@@ -122,7 +122,7 @@ KXStatus MABaseModel::FixedModelContrastTest()
                 NewContFixEffectModel(studies_.effects.effectSize, studies_.effects.variance);
             model.SetContrastCoef(&coefficients);
             const KXStatus tested = model.ContrastTest();
-            AddNewWarning(tested, warnings_);
+            AddWarning(tested);
             if (tested.IsWarning())
                 contrastStatus_.push_back(2);
             else

@@ -136,7 +136,7 @@ KXStatus MABinModel::FixedBinModelContrastTest()
             model.SetContrastCoef(&coefficients);
             const KXStatus tested = model.ContrastTest();
             RequireMemory(tested);
-            AddNewWarning(tested, warnings_);
+            AddWarning(tested);
             // The z values receive the standard error once more, as hosts expect of this path.
             const double stdError = std::sqrt(model.GetContrastTestStdError());
             contrasts_.push_back({model.GetContrastTestGMeans(), stdError, stdError,
