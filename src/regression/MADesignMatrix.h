@@ -67,9 +67,9 @@ public:
     void AttachIterator(MultiPassRecordIter& records);
     /// Rewinds the attached iterator; error 460012 when it cannot.
     KXStatus Rewind();
-    /// Reads the attached iterator from its start into `Rows()`. Rows with a bad effect or without a study
-    /// are left out, with the same warning. Errors as `ReadFirstPass`; 460012 also when there are more or
-    /// fewer records than in the first pass.
+    /// Reads the attached iterator from its start into `Rows()`. Rows with a bad effect, without a study, or
+    /// with predictors whose weighted squares cannot be represented are left out, with the same warning.
+    /// Errors as `ReadFirstPass`; 460012 also when there are more or fewer records than in the first pass.
     KXStatus CacheRows();
 
     /// Whether the rows are cached, so that a regression can be fitted.
