@@ -76,7 +76,8 @@ TEST(KXSymMatrix, ManyRowsAtOnceGiveTheBitsOfOneByOne)
     }
 }
 
-/// With the rows one after another in one sum, the rounding error of the third column's pivot passes for more.
+/// With the rows one after another in one sum, the rounding error of the third column's pivot passes for
+/// more.
 TEST(KXSymMatrix, AColumnThatOthersDetermineIsFoundInManyRows)
 {
     constexpr std::size_t count = 100000;
