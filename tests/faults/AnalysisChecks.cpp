@@ -113,6 +113,7 @@ public:
     void CheckOrder();
 
 private:
+    bool HasConverged() const;
     void ExpectFollowsIn(const AnalysisCase& changed, const Change& change, bool withOrdered);
 
     Expectations Of(const Results& results) const
@@ -265,14 +266,25 @@ void AnalysisCheck::CheckNegation()
     ExpectFollowsIn(changed, {"exchanging the groups", 1.0, true, areTables ? 1e-9 : 0.0}, !decidesTies);
 }
 
+/// Whether no iteration was ended by its limit: where that leaves it is a matter of rounding.
+bool AnalysisCheck::HasConverged() const
+{
+    AnalysisCase longer = made_;
+    longer.settings.SetMaxIter(longer.settings.GetMaxIter() + 1);
+    longer.regression.SetMaxIterations(longer.regression.GetMaxIterations() + 1);
+    const Results results = OutcomeOf(longer).results;
+    return std::equal(results.begin(), results.end(), run_.results.begin(), run_.results.end(),
+                      [](const Result& left, const Result& right) { return left.rows == right.rows; });
+}
+
 /// Sums in another order differ by rounding alone. Iterations stop at a step of 1e-6 and are steered by
 /// comparisons, which rounding can turn; both runs are within a few such steps of the same root.
 void AnalysisCheck::CheckOrder()
 {
     const std::vector<double> q = expect_.Values("GetHomoTestChisquareQ");
     const bool isRounding = std::any_of(q.begin(), q.end(), [](double value) { return value < exactFit; });
-    if (made_.settings.GetCummulativeIndex() != -1 || isRounding)
-        return; // the order is what it is about, or the variance of equal effects nothing but rounding
+    if (made_.settings.GetCummulativeIndex() != -1 || isRounding || !HasConverged())
+        return; // the order is what it is about, or decides through rounding
     std::vector<std::size_t> order(made_.rows.size()); // number of the record that comes in its place
     std::iota(order.begin(), order.end(), std::size_t{0});
     std::shuffle(order.begin(), order.end(), std::minstd_rand(static_cast<unsigned>(order.size())));
