@@ -5,7 +5,6 @@
 #include "meta_analysis/settings/Guarded.h"
 
 #include <cmath>
-#include <utility>
 
 namespace MA_NAMESPACE {
 
@@ -218,14 +217,15 @@ double MATAU2ESTIMATIOR::StepFrom(const StepSums& sums, MAConst::TAU2ESTIMATOR t
 }
 
 /// Moves tau² by the step, halved until tau² stays >= 0, at most one time more than the limit. False, and
-/// tau² unchanged, when that does not help, or when the step is too small to move it.
+/// tau² unchanged, when that does not help.
 bool MATAU2ESTIMATIOR::TakeStep(double step)
 {
     double fraction = step;
     for (int halvings = 0; std::isfinite(fraction); ++halvings) {
         const double candidate = tau2_ + fraction;
         if (candidate >= 0.0) {
-            return std::exchange(tau2_, candidate) != candidate;
+            tau2_ = candidate;
+            return true;
         }
         if (halvings > maxStepHalving_)
             return false;

@@ -50,6 +50,15 @@ TEST(MABinaryFixEffectModel, NullValueThatCannotBeMeantIsNoEffect)
     }
 }
 
+/// The pooled variance of one table is that of its own log risk ratio, 1/a - 1/n₁ + 1/c - 1/n₂, which a
+/// million events leave 12 digits apart.
+TEST(MABinaryFixEffectModel, VarianceOfRiskRatiosKeepsItsDigits)
+{
+    Tables tables({{1e6, 1, 1e6, 1}});
+    const MABinaryFixEffectModel model = Fitted(tables, BIN_RISK_RATIO);
+    EXPECT_TRUE(Close(model.GetLogEstESVariance(), 2.0 / (1e6 * 1000001.0), 4 * machineEpsilon));
+}
+
 /// A study without an odds or risk ratio of its own still has its share in the pooled one.
 TEST(MABinaryFixEffectModel, PooledRatiosAreRatiosOfSums)
 {
