@@ -176,6 +176,16 @@ TEST(BubblePlot, WithoutInterceptRunsThroughTheOrigin)
     EXPECT_TRUE(Close(model.GetBubblePredVals()[0][0], model.GetBubbleCoefs()[0][0] * 44, machineEpsilon));
 }
 
+TEST(BubblePlot, KeepsToTheIterationsOfTheSettings)
+{
+    const Trials trials(MODEL_RANDOM);
+    MARegSettings regression = WithIntercept();
+    regression.SetEstTauType("REML");
+    const MABinModel whole = trials.Plotted(regression);
+    regression.SetMaxIterations(1);
+    EXPECT_NE(trials.Plotted(regression).GetBubbleCoefs(), whole.GetBubbleCoefs());
+}
+
 TEST(BubblePlot, CanBeCancelled)
 {
     struct : KXQueryCancel

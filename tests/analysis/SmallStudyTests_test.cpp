@@ -193,6 +193,16 @@ TEST(SmallStudyTests, WhenThereIsOne)
     EXPECT_EQ(TestOf(directEffects), TestOf(effects.model));
 }
 
+/// The estimate of tau² after one iteration is another than that of its end.
+TEST(SmallStudyTests, KeepToTheIterationsOfTheSettings)
+{
+    MAModelSettings settings = TableSettings();
+    settings.SetModelType(MODEL_RANDOM);
+    const BinTest whole(settings, studies);
+    settings.SetMaxIter(1);
+    EXPECT_NE(BinTest(settings, studies).model.GetRegBasedTestCoef(), whole.model.GetRegBasedTestCoef());
+}
+
 /// The run goes on without a test, and the studies are not read again.
 TEST(SmallStudyTests, TooFewStudies)
 {
