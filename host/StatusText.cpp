@@ -75,6 +75,22 @@ constexpr StatusSentence SENTENCES[] = {
      "invalid."},
     {MAStatusCode::STUDIES_REMOVED,
      "Studies whose effect size or variance cannot be pooled were removed; they count as invalid."},
+    {MAStatusCode::TAU2_DOUBTFUL,
+     "The scoring steps did not reach the between-study variance that their estimator defines; choose the "
+     "global search."},
+    {MAStatusCode::CONFIDENCE_LEVEL_OUTSIDE,
+     "The confidence level is not between 0 and 1; the intervals have no meaning."},
+    {MAStatusCode::RATIO_NULL_NOT_POSITIVE,
+     "A ratio cannot be zero or negative under the null hypothesis; zero is taken as one."},
+    {MAStatusCode::CONTRAST_IGNORED, "The random-effects model ignores contrast coefficients."},
+    {MAStatusCode::NULL_IGNORED,
+     "The random-effects model tests against no effect and ignores the null value."},
+    {MAStatusCode::NO_STUDY_IN_RUN, "No study could be used: there are no results."},
+    {MAStatusCode::NO_ITERATION_ALLOWED,
+     "The iteration limit allows no iteration: the between-study variance is the Hedges estimate."},
+    {MAStatusCode::MODEL_TYPE_UNKNOWN, "The model type is not one of the known ones."},
+    {MAStatusCode::TAU2_INTERVAL_UNAVAILABLE,
+     "There is a profile-likelihood interval for the ML and REML estimators only."},
 };
 
 } // namespace

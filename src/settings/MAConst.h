@@ -41,6 +41,48 @@ enum TAU2ESTIMATOR : int
     TAU2_EB = 6    ///< empirical Bayes
 };
 
+/// How the iterative estimators (ML, REML, EB) find the between-study variance.
+enum TAU2SEARCH : int
+{
+    TAU2_SEARCH_SCORING = 0, ///< scoring steps within the iteration limits, which can miss the maximum
+    TAU2_SEARCH_GLOBAL = 1   ///< the global maximum (ML, REML) or the root (EB), proved up to rounding
+};
+
+/// How an estimate of the between-study variance ended.
+enum TAU2CONVERGENCE : int
+{
+    TAU2_CLOSED_FORM = 0,          ///< no iteration was needed
+    TAU2_GLOBAL_OPTIMUM = 1,       ///< the global maximum, or the root, proved up to rounding
+    TAU2_STEP_BELOW_TOLERANCE = 2, ///< a stationary point, which need not be the global maximum
+    TAU2_STEP_HALVING_FAILED = 3,  ///< no halving kept the step from leaving tau² negative
+    TAU2_ITERATION_LIMIT = 4,
+    TAU2_STEP_NOT_FINITE = 5
+};
+
+/// Confidence interval of the between-study variance.
+enum TAU2INTERVAL : int
+{
+    TAU2_INTERVAL_NONE = 0,
+    TAU2_INTERVAL_Q_PROFILE = 1,
+    TAU2_INTERVAL_PROFILE_LIKELIHOOD = 2 ///< for ML and REML only
+};
+
+/// Distribution of the prediction interval and of the probability beyond a threshold.
+enum PREDICTIONTYPE : int
+{
+    PREDICTION_T_K_MINUS_2 = 0, ///< Student's t with k - 2 degrees of freedom
+    PREDICTION_T_K_MINUS_1 = 1,
+    PREDICTION_NORMAL = 2
+};
+
+/// Correction of the counts that Mantel-Haenszel and Peto pool; the studies' own effects have `ZEROADJTYPE`.
+enum POOLEDZEROCELLS : int
+{
+    POOLED_ZERO_CELLS_AS_STUDIES = 0, ///< the counts as the zero-cell correction of the studies left them
+    POOLED_ZERO_CELLS_IF_NEEDED = 1, ///< as read, unless the pooled effect of a model is undefined without it
+    POOLED_ZERO_CELLS_NONE = 2       ///< as read
+};
+
 enum CONTESTYPE : int
 {
     CONT_MEAN_DIFFERENCE = 0,

@@ -2,6 +2,7 @@
 
 #include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/Export.h"
+#include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/Kept.h"
 #include "meta_analysis/settings/MAConst.h"
 
@@ -41,6 +42,33 @@ public:
     MAConst::MODELTYPE GetModelType() const { return modelType_; }
     void SetEstTauType(MAConst::TAU2ESTIMATOR value) { estTauType_ = value; }
     MAConst::TAU2ESTIMATOR GetEstTauType() const { return estTauType_; }
+    /// How ML, REML and EB find tau², in every model of the analysis. The default keeps the scoring steps
+    /// with their limits; hosts should set `TAU2_SEARCH_GLOBAL`, which finds the estimate that the name
+    /// promises.
+    void SetTau2Search(MAConst::TAU2SEARCH value) { tau2Search_ = value; }
+    MAConst::TAU2SEARCH GetTau2Search() const { return tau2Search_; }
+    /// Interval of tau², and by it of I² and H², of every random-effects model but cumulative steps; default
+    /// none. Profile likelihood is for ML and REML.
+    void SetTau2Interval(MAConst::TAU2INTERVAL value) { tau2Interval_ = value; }
+    MAConst::TAU2INTERVAL GetTau2Interval() const { return tau2Interval_; }
+    /// Distribution of the prediction interval and of the probability beyond a threshold; default Student's t
+    /// with k - 2 degrees of freedom.
+    void SetPrediction(MAConst::PREDICTIONTYPE value) { prediction_ = value; }
+    MAConst::PREDICTIONTYPE GetPrediction() const { return prediction_; }
+    /// Threshold beyond which the probability of a new study's true effect is wanted, on the natural scale
+    /// for ratios; missing (default): none. The one that was set last holds, and the other becomes missing.
+    void SetProbabilityAbove(double threshold)
+    {
+        probabilityAbove_ = threshold;
+        probabilityBelow_ = KXMV::Missing();
+    }
+    double GetProbabilityAbove() const { return probabilityAbove_; }
+    void SetProbabilityBelow(double threshold)
+    {
+        probabilityBelow_ = threshold;
+        probabilityAbove_ = KXMV::Missing();
+    }
+    double GetProbabilityBelow() const { return probabilityBelow_; }
     void SetContinousEstType(MAConst::CONTESTYPE value) { continousEstType_ = value; }
     MAConst::CONTESTYPE GetContinousEstType() const { return continousEstType_; }
     void SetBinaryEstType(MAConst::BINESTYPE value) { binaryEstType_ = value; }
@@ -113,6 +141,9 @@ public:
     double GetZeroCountDelta() const { return zeroCountDelta_; }
     void SetBinZeroAdjType(MAConst::ZEROADJTYPE value) { binZeroAdjType_ = value; }
     MAConst::ZEROADJTYPE GetBinZeroAdjType() const { return binZeroAdjType_; }
+    /// Correction of the counts that Mantel-Haenszel and Peto pool; default that of the studies' effects.
+    void SetPooledZeroCells(MAConst::POOLEDZEROCELLS value) { pooledZeroCells_ = value; }
+    MAConst::POOLEDZEROCELLS GetPooledZeroCells() const { return pooledZeroCells_; }
     void SetDropBinZero(bool value) { dropBinZero_ = value; }
     bool GetDropBinZero() const { return dropBinZero_; }
     void SetKnapHartAdjustType(MAConst::KNAPPHADJTYPE value) { knapHartAdjustType_ = value; }
@@ -157,8 +188,13 @@ private:
     MAConst::INPUTESTYPE inputESType_ = MAConst::INPUT_RAW; ///< raw study data, or ready-made effect sizes
     /// Study weights; the binary method needs raw tables and the fixed-effect model.
     MAConst::WEIGHTYPE weightType_ = MAConst::WEIGHT_INVERSE_VARIANCE;
-    MAConst::MODELTYPE modelType_ = MAConst::MODEL_RANDOM;          ///< pooling model
-    MAConst::TAU2ESTIMATOR estTauType_ = MAConst::TAU2_REML;        ///< between-study variance estimator
+    MAConst::MODELTYPE modelType_ = MAConst::MODEL_RANDOM;   ///< pooling model
+    MAConst::TAU2ESTIMATOR estTauType_ = MAConst::TAU2_REML; ///< between-study variance estimator
+    MAConst::TAU2SEARCH tau2Search_ = MAConst::TAU2_SEARCH_SCORING;
+    MAConst::TAU2INTERVAL tau2Interval_ = MAConst::TAU2_INTERVAL_NONE;
+    MAConst::PREDICTIONTYPE prediction_ = MAConst::PREDICTION_T_K_MINUS_2;
+    double probabilityAbove_ = KXMV::Missing();
+    double probabilityBelow_ = KXMV::Missing();
     MAConst::CONTESTYPE continousEstType_ = MAConst::CONT_COHENS_D; ///< continuous effect size
     MAConst::BINESTYPE binaryEstType_ = MAConst::BIN_ODDS_RATIO;    ///< binary effect size
     /// Whose standard deviation divides in Glass's delta.
@@ -200,6 +236,7 @@ private:
     double nullHypothesis_ = 0.0;     ///< effect under the null hypothesis (fixed-effect models)
     double zeroCountDelta_ = 0.5;     ///< constant added to the cells of tables with zero counts
     MAConst::ZEROADJTYPE binZeroAdjType_ = MAConst::ZERO_ADJUST_EACH; ///< which tables receive it
+    MAConst::POOLEDZEROCELLS pooledZeroCells_ = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
     bool dropBinZero_ = false; ///< drop tables with no events, or no non-events, in both groups
     /// Adjustment of the random-effects model.
     MAConst::KNAPPHADJTYPE knapHartAdjustType_ = MAConst::KNAPP_HARTUNG_NONE;

@@ -95,6 +95,12 @@ public:
     /// estimates nothing. The pointer is kept, not the text. Null counts as the empty text.
     void SetEstTauType(const char* code) { estTauType_ = code == nullptr ? "" : code; }
     const char* GetEstTauType() const { return estTauType_; }
+    /// How ML, REML and EB find tau²; default the scoring steps with their limits.
+    void SetTau2Search(MAConst::TAU2SEARCH value) { tau2Search_ = value; }
+    MAConst::TAU2SEARCH GetTau2Search() const { return tau2Search_; }
+    /// Interval of the residual tau²; default none. Profile likelihood is for ML and REML.
+    void SetTau2Interval(MAConst::TAU2INTERVAL value) { tau2Interval_ = value; }
+    MAConst::TAU2INTERVAL GetTau2Interval() const { return tau2Interval_; }
     void SetKnapHartAdjust(bool value) { knapHartAdjust_ = value; }
     bool IsKnapHartAdjust() const { return knapHartAdjust_; }
     void SetTruncAjustValue(bool value) { truncAdjust_ = value; }
@@ -145,8 +151,10 @@ private:
     int modelID_ = 0;
     bool multiDisper_ = false;      ///< fixed effects: multiply the covariance by the dispersion
     const char* estTauType_ = "HE"; ///< not owned
-    bool knapHartAdjust_ = false;   ///< random effects: adjustment after Knapp and Hartung
-    bool truncAdjust_ = false;      ///< its scale factor never below 1
+    MAConst::TAU2SEARCH tau2Search_ = MAConst::TAU2_SEARCH_SCORING;
+    MAConst::TAU2INTERVAL tau2Interval_ = MAConst::TAU2_INTERVAL_NONE;
+    bool knapHartAdjust_ = false; ///< random effects: adjustment after Knapp and Hartung
+    bool truncAdjust_ = false;    ///< its scale factor never below 1
     // Variables of a study's 2x2 table, which some regression-based small-study tests need; -1 for none.
     int treatmentSuccess_ = -1;
     int treatmentFailure_ = -1;

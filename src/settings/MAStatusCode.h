@@ -41,7 +41,16 @@ constexpr int AS_MANY_STUDIES_AS_PARAMETERS = 460047;
 constexpr int DISPERSION_NEAR_ZERO = 460048; ///< and set to 1
 constexpr int NO_RESIDUAL_DF = 460049;       ///< zero residual degrees of freedom
 constexpr int CONTRAST_COEFFICIENT_MISSING = 460050;
-constexpr int ZERO_CELLS_IN_BOTH_ARMS = 460051; ///< and no zero-cell correction
-constexpr int STUDIES_REMOVED = 460074;         ///< after their effect sizes were computed
+constexpr int ZERO_CELLS_IN_BOTH_ARMS = 460051;   ///< and no zero-cell correction
+constexpr int STUDIES_REMOVED = 460074;           ///< after their effect sizes were computed
+constexpr int TAU2_DOUBTFUL = 460100;             ///< scoring is off the tau² that the global search proves
+constexpr int CONFIDENCE_LEVEL_OUTSIDE = 460101;  ///< the confidence level is not between 0 and 1
+constexpr int RATIO_NULL_NOT_POSITIVE = 460102;   ///< a null hypothesis of a ratio; 0 stands for 1
+constexpr int CONTRAST_IGNORED = 460103;          ///< contrast coefficients under a random-effects model
+constexpr int NULL_IGNORED = 460104;              ///< a null hypothesis under a random-effects model
+constexpr int NO_STUDY_IN_RUN = 460105;           ///< a run of which no study is usable
+constexpr int NO_ITERATION_ALLOWED = 460106;      ///< iteration limit below 1 for an iterative estimator
+constexpr int MODEL_TYPE_UNKNOWN = 460107;        ///< a model type outside the enumeration
+constexpr int TAU2_INTERVAL_UNAVAILABLE = 460108; ///< profile likelihood for an estimator other than ML, REML
 
 } // namespace MA_NAMESPACE::MAStatusCode
