@@ -1,0 +1,57 @@
+#pragma once
+
+namespace MA_NAMESPACE {
+
+/// The two sides of the likelihood equation A(t) = B(t) for the between-study variance, with their slopes.
+///
+/// With W = diag(1 / (v + t)) and P = W - WX(X'WX)⁻X'W, twice the slope of the profile log-likelihood is
+/// A - B. Both sides are positive, decreasing and convex.
+struct MALikelihoodTerms
+{
+    double fit;        ///< A = y'PPy
+    double fitSlope;   ///< A' = -2 y'PPPy
+    double trace;      ///< B = tr P (REML) or tr W (ML)
+    double traceSlope; ///< B' = -tr PP or -tr WW
+};
+
+/// The generalized Q statistic Q(t) = y'Py, which falls with t, and its slope -y'PPy.
+struct MAGeneralizedQ
+{
+    double value;
+    double slope;
+};
+
+/// What bounds the two sides wherever they are not evaluated.
+struct MACurveBounds
+{
+    double minVariance = 0.0; ///< smallest and largest within-study variance
+    double maxVariance = 0.0;
+    double residualSum = 0.0; ///< squares about the unweighted fit: A <= residualSum / (minVariance + t)²
+    double traceSize = 0.0;   ///< k - p (REML) or k (ML): B >= traceSize / (maxVariance + t)
+    double residualDf = 0.0;  ///< k - p, p the rank of the predictors
+};
+
+/// The likelihood of the between-study variance t, as a curve that can be evaluated at any t >= 0.
+///
+/// Effects and variances are counted in a unit that is a power of 4 (of 2 for effects) near the smallest
+/// variance, so that nothing overflows and no result depends on the unit of the data: t and what `At`, `QAt`
+/// and `Bounds` return are in these units, and t times `Unit` is tau².
+class MALikelihoodCurve
+{
+public:
+    virtual ~MALikelihoodCurve() = default;
+
+    virtual MALikelihoodTerms At(double t) = 0;
+    virtual MAGeneralizedQ QAt(double t) = 0;
+    /// Of the effects in their own unit, with all constants.
+    virtual double LogLikelihood(double t) = 0;
+
+    const MACurveBounds& Bounds() const { return bounds_; }
+    double Unit() const { return unit_; }
+
+protected:
+    MACurveBounds bounds_;
+    double unit_ = 1.0;
+};
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "meta_analysis/pooling/MALikelihoodCurve.h"
+
+#include <array>
+#include <cstddef>
+#include <optional>
+
+namespace MA_NAMESPACE {
+
+/// The between-study variance where a search ended, in the units of its curve; NaN where the data leave none
+/// (a variance that is not positive and finite).
+struct MATau2Solution
+{
+    double t;
+    int evaluations;
+};
+
+/// The global maximum of the likelihood over t >= 0; of equal ones the smallest t. `guess` is where the search
+/// looks first, in the curve's units; any value will do.
+MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess);
+
+/// The t >= 0 with Q(t) = `target` > 0; 0 where Q(0) is not above it.
+MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess);
+
+/// A point where the slope of the likelihood changes its sign.
+struct MAStationaryPoint
+{
+    double t;
+    bool isMaximum;
+};
+
+/// Finds the stationary points of a likelihood on t >= 0 from left to right, and proves up to rounding that
+/// there are no others.
+///
+/// a = A^(-1/2) and b = 1 / B are concave and increasing: both are power means of v + t in the eigenvalues of
+/// the model's variance. So each lies above its chord and below its tangents, and A - B has the sign of
+/// b - a². An interval is settled when these bounds keep b - a² from 0, or when they make b - a² or
+/// sqrt(b) - a monotone, which leaves at most one point. Any other interval is split. For equal variances a
+/// and b are lines, and nothing is split. Beyond every t, a rises at least as steeply as
+/// 1 / sqrt(residual sum of squares), which settles the unbounded interval.
+///
+/// Splitting ends where an interval is as short as rounding lets tell; what remains there, such as a slope
+/// that touches 0, counts as a point.
+class MAStationaryPoints
+{
+public:
+    MAStationaryPoints(MALikelihoodCurve& curve, double guess);
+
+    /// Whether the likelihood falls at once from t = 0.
+    bool FallsAtZero() const { return fallsAtZero_; }
+    /// The next point; none at the end, and where a term is not a number.
+    std::optional<MAStationaryPoint> Next();
+
+    int Evaluations() const { return evaluations_; }
+    /// Whether every term was a number.
+    bool IsSound() const { return isSound_; }
+
+private:
+    /// The curve at one t.
+    struct Node
+    {
+        double t;
+        double a;      ///< A^(-1/2)
+        double aSlope; ///< at infinity: the least slope of a
+        double b;      ///< 1 / B
+        double bSlope;
+        double rootB; ///< sqrt(b)
+
+        bool IsRising() const { return b > a * a; }
+        bool IsFinite() const;
+    };
+
+    /// What is known of the slope of the likelihood on an interval.
+    enum class Verdict
+    {
+        NoPoint,
+        OneMaximum,
+        OneMinimum,
+        Open
+    };
+
+    Node Evaluate(double t);
+    void PushFirstNodes(double guess);
+    Verdict Judge(const Node& left, const Node& right) const;
+    bool StaysPositive(const Node& left, const Node& right) const;
+    bool StaysNegative(const Node& left, const Node& right) const;
+    double SplitPoint(const Node& left, const Node& right) const;
+    bool IsTooShort(const Node& left, const Node& right) const;
+    double RefineRoot(Node left, const Node& right);
+
+    /// Each split at the geometric mean of v + t halves the interval's logarithm: 64 splits exhaust a double,
+    /// and leave one node each.
+    static constexpr std::size_t maxNodes = 80;
+
+    MALikelihoodCurve& curve_;
+    double upperBound_;  ///< beyond it A < B
+    double leastASlope_; ///< slope of a at infinity
+    Node left_;          ///< up to it all is settled
+    std::array<Node, maxNodes> right_;
+    std::size_t rightCount_ = 0;
+    bool fallsAtZero_ = true;
+    bool isSound_ = true;
+    int evaluations_ = 0;
+};
+
+} // namespace MA_NAMESPACE
