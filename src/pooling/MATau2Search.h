@@ -69,6 +69,7 @@ private:
 
         bool IsRising() const { return b > a * a; }
         bool IsFinite() const;
+        double Imbalance() const;
     };
 
     /// What is known of the slope of the likelihood on an interval.
@@ -87,11 +88,12 @@ private:
     bool StaysNegative(const Node& left, const Node& right) const;
     double SplitPoint(const Node& left, const Node& right) const;
     bool IsTooShort(const Node& left, const Node& right) const;
-    double RefineRoot(Node left, const Node& right);
+    static double NewtonStep(const Node& at);
+    double RefineRoot(const Node& left, const Node& right);
 
-    /// Each split at the geometric mean of v + t halves the interval's logarithm: 64 splits exhaust a double,
-    /// and leave one node each.
-    static constexpr std::size_t maxNodes = 80;
+    /// Splits at the geometric mean exhaust a double after 64 levels, those next to 0 after 53 more; each level
+    /// leaves one node.
+    static constexpr std::size_t maxNodes = 160;
 
     MALikelihoodCurve& curve_;
     double upperBound_;  ///< beyond it A < B

@@ -1,0 +1,51 @@
+#pragma once
+
+#include "meta_analysis/pooling/MALikelihoodCurve.h"
+
+#include <cstddef>
+
+namespace MA_NAMESPACE {
+
+/// Whether the likelihood is that of the data (ML) or of their residuals (REML).
+enum class MALikelihoodType
+{
+    Full,
+    Restricted
+};
+
+/// The likelihood of the between-study variance of k effect sizes about one mean.
+///
+/// Every sum is one of positive terms, or of effects counted from the study of the smallest variance, whose
+/// weight is the largest at every t: no digit is lost where that study dominates. One division a study and
+/// evaluation; nothing is allocated. The vectors are the caller's and must outlive the object.
+class MAPooledCurve : public MALikelihoodCurve
+{
+public:
+    MAPooledCurve(const double* effects, const double* variances, std::size_t count, MALikelihoodType type);
+
+    MALikelihoodTerms At(double t) override;
+    MAGeneralizedQ QAt(double t) override;
+    double LogLikelihood(double t) override;
+
+    /// Hedges' moment estimate in the curve's units, not truncated: where a search looks first.
+    double MomentEstimate() const { return momentEstimate_; }
+
+private:
+    struct Sums;
+
+    void FindReference();
+    void MeasureSpread();
+    Sums SumOthers(double t) const;
+    double LogDeterminant(double t) const;
+
+    const double* effects_;
+    const double* variances_;
+    std::size_t count_;
+    MALikelihoodType type_;
+    std::size_t reference_ = 0; ///< the study of the smallest variance
+    double referenceEffect_ = 0.0;
+    double effectScale_ = 1.0; ///< 1 / sqrt(unit)
+    double momentEstimate_ = 0.0;
+};
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,276 @@
+#include "meta_analysis/pooling/MATau2Search.h"
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+constexpr double roundingUnit = std::numeric_limits<double>::epsilon();
+constexpr double infinity = std::numeric_limits<double>::infinity();
+
+// Sums of up to a million positive terms, added in blocks, keep their relative error below these.
+constexpr double valueSlack = 1e-13;
+constexpr double slopeSlack = 1e-12;
+
+/// Steps towards a root that are this small in relation to v + t may come of rounding alone.
+constexpr double roundingSteps = 1e-11;
+
+/// The residual sum of squares is counted larger by this share where it serves as a bound.
+constexpr double boundSlack = 1e-8;
+
+/// Beyond it A < B, from A <= residualSum / (v_min + t)² and B >= traceSize / (v_max + t).
+double UpperBoundOf(const MACurveBounds& bounds)
+{
+    const double rss = bounds.residualSum * (1.0 + boundSlack);
+    const double m = bounds.traceSize;
+    const double range = bounds.maxVariance - bounds.minVariance;
+    return (rss + std::sqrt(rss * rss + 4.0 * m * rss * range)) / (2.0 * m) - bounds.minVariance;
+}
+
+bool AreUsable(const MACurveBounds& bounds)
+{
+    return bounds.minVariance > 0.0 && std::isfinite(bounds.maxVariance) && std::isfinite(bounds.residualSum);
+}
+
+/// Whether the likelihood can rise anywhere at all.
+bool CanRise(const MACurveBounds& bounds)
+{
+    return bounds.residualDf > 0.0 && bounds.residualSum > 0.0 && UpperBoundOf(bounds) > 0.0;
+}
+
+/// Whether (p + q x)² > r + u x on [0, end], with some slack: a parabola over a line, least at an end or at
+/// its vertex. `end` may be infinite, where q > 0 decides.
+bool SquareExceedsLine(double p, double q, double r, double u, double end)
+{
+    const auto exceeds = [=](double x) {
+        const double line = p + q * x;
+        return line * line * (1.0 - valueSlack) > r + u * x;
+    };
+    const double vertex = std::clamp((0.5 * u / q - p) / q, 0.0, end);
+    return exceeds(0.0) && exceeds(vertex) && (std::isinf(end) || exceeds(end));
+}
+
+/// Where two lines meet, the second one through (`end`, right) counted from 0; within [0, end].
+double Crossing(double left, double leftSlope, double right, double rightSlope, double end)
+{
+    const double x = ((right - rightSlope * end) - left) / (leftSlope - rightSlope);
+    return x >= 0.0 && x <= end ? x : end;
+}
+
+} // namespace
+
+bool MAStationaryPoints::Node::IsFinite() const
+{
+    return std::isfinite(a) && std::isfinite(aSlope) && std::isfinite(b) && std::isfinite(bSlope);
+}
+
+/// How far A and B are apart: |B / A - 1|.
+double MAStationaryPoints::Node::Imbalance() const
+{
+    return std::abs(a * a / b - 1.0);
+}
+
+MAStationaryPoints::MAStationaryPoints(MALikelihoodCurve& curve, double guess)
+    : curve_(curve),
+      upperBound_(UpperBoundOf(curve.Bounds())),
+      leastASlope_((1.0 - boundSlack) / std::sqrt(curve.Bounds().residualSum)),
+      left_(Evaluate(0.0))
+{
+    fallsAtZero_ = !left_.IsRising();
+    PushFirstNodes(guess);
+}
+
+/// The guess is worth an evaluation unless the first one has settled everything.
+void MAStationaryPoints::PushFirstNodes(double guess)
+{
+    const Node atInfinity{infinity, infinity, leastASlope_, infinity, 0.0, infinity};
+    right_[rightCount_++] = atInfinity;
+    if (isSound_ && Judge(left_, atInfinity) != Verdict::NoPoint && guess > 0.0 && guess < upperBound_)
+        right_[rightCount_++] = Evaluate(guess);
+}
+
+MAStationaryPoints::Node MAStationaryPoints::Evaluate(double t)
+{
+    const MALikelihoodTerms terms = curve_.At(t);
+    ++evaluations_;
+    const double a = 1.0 / std::sqrt(terms.fit);
+    const double b = 1.0 / terms.trace;
+    const Node node{t, a, -0.5 * terms.fitSlope / terms.fit * a, b, -terms.traceSlope * b * b, std::sqrt(b)};
+    isSound_ = isSound_ && node.IsFinite();
+    return node;
+}
+
+std::optional<MAStationaryPoint> MAStationaryPoints::Next()
+{
+    while (isSound_ && rightCount_ > 0) {
+        const Node right = right_[rightCount_ - 1];
+        const Verdict verdict = Judge(left_, right);
+        if (verdict == Verdict::Open && !IsTooShort(left_, right)) {
+            right_[rightCount_++] = Evaluate(SplitPoint(left_, right));
+            continue;
+        }
+        const Node left = left_;
+        left_ = right;
+        --rightCount_;
+        if (verdict == Verdict::Open)
+            return MAStationaryPoint{right.t, left.IsRising() || !right.IsRising()};
+        if (verdict != Verdict::NoPoint)
+            return MAStationaryPoint{RefineRoot(left, right), verdict == Verdict::OneMaximum};
+    }
+    return std::nullopt;
+}
+
+/// The slopes of concave functions fall, so that those at the ends bound them in between.
+MAStationaryPoints::Verdict MAStationaryPoints::Judge(const Node& left, const Node& right) const
+{
+    if (left.t >= upperBound_)
+        return Verdict::NoPoint;
+    const bool isBounded = std::isfinite(right.t);
+    const bool risesRight = isBounded && right.IsRising();
+    if (left.bSlope < 2.0 * std::max(left.a, left.rootB) * right.aSlope * (1.0 - slopeSlack))
+        return left.IsRising() && !risesRight ? Verdict::OneMaximum : Verdict::NoPoint;
+    if (isBounded &&
+        right.bSlope > 2.0 * std::min(right.a, right.rootB) * left.aSlope * (1.0 + slopeSlack))
+        return !left.IsRising() && risesRight ? Verdict::OneMinimum : Verdict::NoPoint;
+    const bool keepsSign = left.IsRising() ? isBounded && StaysPositive(left, right) : StaysNegative(left, right);
+    return keepsSign ? Verdict::NoPoint : Verdict::Open;
+}
+
+/// a lies below its tangents, whose square is convex, and b above its chord: it is enough to compare them at
+/// the ends and where the tangents cross.
+bool MAStationaryPoints::StaysPositive(const Node& left, const Node& right) const
+{
+    const auto isBelow = [](double a, double b) { return a * a < b * (1.0 - valueSlack); };
+    if (!isBelow(left.a, left.b) || !isBelow(right.a, right.b))
+        return false;
+    const double length = right.t - left.t;
+    const double x = Crossing(left.a, left.aSlope, right.a, right.aSlope, length);
+    const double fromRight = right.a - right.aSlope * (length - x) + 4.0 * roundingUnit * right.a;
+    const double chord = left.b + (right.b - left.b) * (x / length);
+    return isBelow(std::max(left.a + left.aSlope * x, fromRight), chord);
+}
+
+/// a lies above its chord and b below its tangents.
+bool MAStationaryPoints::StaysNegative(const Node& left, const Node& right) const
+{
+    if (!std::isfinite(right.t))
+        return SquareExceedsLine(left.a, right.aSlope, left.b, left.bSlope, infinity);
+    const double length = right.t - left.t;
+    const double slope = (right.a - left.a) / length;
+    const double x = Crossing(left.b, left.bSlope, right.b, right.bSlope, length);
+    const double fromRight = right.b - right.bSlope * (length - x) + 4.0 * roundingUnit * right.b;
+    return SquareExceedsLine(left.a, slope, left.b, left.bSlope, x) &&
+           SquareExceedsLine(left.a + slope * x, slope, fromRight, right.bSlope, length - x);
+}
+
+/// In the middle of v + t on the scale on which the curve looks like a power; of t itself next to 0.
+double MAStationaryPoints::SplitPoint(const Node& left, const Node& right) const
+{
+    if (!std::isfinite(right.t))
+        return upperBound_;
+    const double v = curve_.Bounds().minVariance;
+    return right.t < v ? 0.5 * (left.t + right.t) : std::sqrt((left.t + v) * (right.t + v)) - v;
+}
+
+bool MAStationaryPoints::IsTooShort(const Node& left, const Node& right) const
+{
+    return rightCount_ == maxNodes ||
+           right.t - left.t <= 8.0 * roundingUnit * (left.t + curve_.Bounds().minVariance);
+}
+
+/// Newton's step on a² / b - 1, whose slope changes little; for equal variances it is a line.
+double MAStationaryPoints::NewtonStep(const Node& at)
+{
+    return (at.b - at.a * at.a) * at.b / (at.a * (2.0 * at.aSlope * at.b - at.a * at.bSlope));
+}
+
+/// Newton's method between the ends, which close in on the root. A step that does not halve the one before it
+/// halves the interval instead, unless both are down to the rounding of A and B. Convergence is quadratic, so
+/// that two steps tell what a third would still change.
+double MAStationaryPoints::RefineRoot(const Node& left, const Node& right)
+{
+    const double v = curve_.Bounds().minVariance;
+    double low = left.t;
+    double high = std::min(right.t, upperBound_);
+    Node at = std::isfinite(right.t) && right.Imbalance() < left.Imbalance() ? right : left;
+    double previous = infinity;
+    while (isSound_) {
+        const double step = NewtonStep(at);
+        const double relative = std::abs(step) / (at.t + v);
+        const bool shrinks = relative <= 0.5 * previous;
+        const double ratio = std::isinf(previous) ? 1.0 : relative / previous;
+        if (relative * ratio * ratio <= roundingUnit || (!shrinks && relative <= roundingSteps))
+            return std::clamp(at.t + step, low, high);
+        double next = at.t + step;
+        if (!(shrinks && next > low && next < high))
+            next = std::sqrt((low + v) * (high + v)) - v;
+        if (!(next > low && next < high))
+            return at.t;
+        previous = std::abs(next - at.t) / (at.t + v);
+        at = Evaluate(next);
+        (at.IsRising() == left.IsRising() ? low : high) = next;
+    }
+    return std::numeric_limits<double>::quiet_NaN();
+}
+
+MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess)
+{
+    if (!AreUsable(curve.Bounds()))
+        return {std::numeric_limits<double>::quiet_NaN(), 0};
+    if (!CanRise(curve.Bounds()))
+        return {0.0, 0};
+    MAStationaryPoints points(curve, guess);
+    std::optional<double> best;
+    std::optional<double> bestLikelihood;
+    const auto consider = [&](double t) {
+        if (!best) {
+            best = t;
+            return;
+        }
+        if (!bestLikelihood)
+            bestLikelihood = curve.LogLikelihood(*best);
+        const double likelihood = curve.LogLikelihood(t);
+        if (likelihood > *bestLikelihood + valueSlack * std::abs(*bestLikelihood)) {
+            best = t;
+            bestLikelihood = likelihood;
+        }
+    };
+    if (points.FallsAtZero())
+        consider(0.0);
+    while (const std::optional<MAStationaryPoint> point = points.Next()) {
+        if (point->isMaximum)
+            consider(point->t);
+    }
+    if (!points.IsSound())
+        return {std::numeric_limits<double>::quiet_NaN(), points.Evaluations()};
+    return {*best, points.Evaluations()};
+}
+
+/// Newton's method on 1 / Q, which is concave: from the left it never passes the root, and from the right its
+/// first step lands left of it.
+MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess)
+{
+    const MACurveBounds& bounds = curve.Bounds();
+    if (!AreUsable(bounds))
+        return {std::numeric_limits<double>::quiet_NaN(), 0};
+    double t = std::max(guess, 0.0);
+    bool isLeft = false;
+    for (int evaluations = 1;; ++evaluations) {
+        const MAGeneralizedQ q = curve.QAt(t);
+        const double step = (q.value - target) * q.value / (target * -q.slope);
+        if (!std::isfinite(step))
+            return {bounds.residualSum > 0.0 ? std::numeric_limits<double>::quiet_NaN() : 0.0, evaluations};
+        // Left of the root a step back is the rounding error of Q.
+        const bool isSmall = std::abs(step) <= 4.0 * roundingUnit * (t + bounds.minVariance);
+        if (isSmall || (isLeft && step <= 0.0) || (t == 0.0 && step <= 0.0))
+            return {std::max(t + (isSmall ? step : 0.0), 0.0), evaluations};
+        isLeft = true;
+        t = std::max(t + step, 0.0);
+        isLeft = t > 0.0 || step > 0.0;
+    }
+}
+
+} // namespace MA_NAMESPACE
