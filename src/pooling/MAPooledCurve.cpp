@@ -54,8 +54,8 @@ struct MAPooledCurve::Sums
 };
 
 /// In two lanes, for which there are registers of two numbers.
-void MAPooledCurve::Sums::AddBlock(const double* effects, const double* variances, std::size_t count, double t,
-                                   double effect0, double unit, double scale)
+void MAPooledCurve::Sums::AddBlock(const double* effects, const double* variances, std::size_t count,
+                                   double t, double effect0, double unit, double scale)
 {
     constexpr std::size_t lanes = 2;
     double block[TermCount][lanes] = {};
@@ -191,8 +191,8 @@ MAGeneralizedQ MAPooledCurve::QAt(double t)
             -(s[Sums::WWDD] - 2.0 * m * s[Sums::WWD] + m * m * (w0 * w0 + s[Sums::WW]))};
 }
 
-/// ML: -(1/2) [sum log(v + t) + y'Py + k log 2π]. REML: the same with k - 1 in place of k, and log(sum(w) / k)
-/// added within the brackets.
+/// ML: -(1/2) [sum log(v + t) + y'Py + k log 2π]. REML: the same with k - 1 in place of k, and log(sum(w) /
+/// k) added within the brackets.
 double MAPooledCurve::LogLikelihood(double t)
 {
     const Sums s = SumOthers(t);

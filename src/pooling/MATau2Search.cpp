@@ -77,9 +77,9 @@ MAStationaryPoints::MAStationaryPoints(MALikelihoodCurve& curve, double guess)
     : curve_(curve),
       upperBound_(UpperBoundOf(curve.Bounds())),
       leastASlope_((1.0 - boundSlack) / std::sqrt(curve.Bounds().residualSum)),
-      left_(Evaluate(0.0))
+      left_(Evaluate(0.0)),
+      fallsAtZero_(!left_.IsRising())
 {
-    fallsAtZero_ = !left_.IsRising();
     PushFirstNodes(guess);
 }
 
@@ -132,10 +132,10 @@ MAStationaryPoints::Verdict MAStationaryPoints::Judge(const Node& left, const No
     const bool risesRight = isBounded && right.IsRising();
     if (left.bSlope < 2.0 * std::max(left.a, left.rootB) * right.aSlope * (1.0 - slopeSlack))
         return left.IsRising() && !risesRight ? Verdict::OneMaximum : Verdict::NoPoint;
-    if (isBounded &&
-        right.bSlope > 2.0 * std::min(right.a, right.rootB) * left.aSlope * (1.0 + slopeSlack))
+    if (isBounded && right.bSlope > 2.0 * std::min(right.a, right.rootB) * left.aSlope * (1.0 + slopeSlack))
         return !left.IsRising() && risesRight ? Verdict::OneMinimum : Verdict::NoPoint;
-    const bool keepsSign = left.IsRising() ? isBounded && StaysPositive(left, right) : StaysNegative(left, right);
+    const bool keepsSign =
+        left.IsRising() ? isBounded && StaysPositive(left, right) : StaysNegative(left, right);
     return keepsSign ? Verdict::NoPoint : Verdict::Open;
 }
 
@@ -188,28 +188,29 @@ double MAStationaryPoints::NewtonStep(const Node& at)
 }
 
 /// Newton's method between the ends, which close in on the root. A step that does not halve the one before it
-/// halves the interval instead, unless both are down to the rounding of A and B. Convergence is quadratic, so
-/// that two steps tell what a third would still change.
+/// halves the interval instead, unless both are down to the rounding of A and B. Convergence is quadratic:
+/// with the curvature that two steps show, at least 1, the square of a step is what the next would still
+/// change.
 double MAStationaryPoints::RefineRoot(const Node& left, const Node& right)
 {
     const double v = curve_.Bounds().minVariance;
     double low = left.t;
     double high = std::min(right.t, upperBound_);
     Node at = std::isfinite(right.t) && right.Imbalance() < left.Imbalance() ? right : left;
-    double previous = infinity;
+    double previous = infinity; // relative to v + t, as the steps are
     while (isSound_) {
         const double step = NewtonStep(at);
         const double relative = std::abs(step) / (at.t + v);
         const bool shrinks = relative <= 0.5 * previous;
-        const double ratio = std::isinf(previous) ? 1.0 : relative / previous;
-        if (relative * ratio * ratio <= roundingUnit || (!shrinks && relative <= roundingSteps))
+        const double curvature = std::max(relative / (previous * previous), 1.0);
+        if (curvature * relative * relative <= roundingUnit || (!shrinks && relative <= roundingSteps))
             return std::clamp(at.t + step, low, high);
         double next = at.t + step;
         if (!(shrinks && next > low && next < high))
             next = std::sqrt((low + v) * (high + v)) - v;
         if (!(next > low && next < high))
             return at.t;
-        previous = std::abs(next - at.t) / (at.t + v);
+        previous = std::abs(next - at.t) / (next + v);
         at = Evaluate(next);
         (at.IsRising() == left.IsRising() ? low : high) = next;
     }
@@ -250,26 +251,23 @@ MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess)
 }
 
 /// Newton's method on 1 / Q, which is concave: from the left it never passes the root, and from the right its
-/// first step lands left of it.
+/// first step lands left of it. There a step back is the rounding error of Q.
 MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess)
 {
     const MACurveBounds& bounds = curve.Bounds();
     if (!AreUsable(bounds))
         return {std::numeric_limits<double>::quiet_NaN(), 0};
+    if (bounds.residualSum == 0.0)
+        return {0.0, 0};
     double t = std::max(guess, 0.0);
-    bool isLeft = false;
     for (int evaluations = 1;; ++evaluations) {
         const MAGeneralizedQ q = curve.QAt(t);
         const double step = (q.value - target) * q.value / (target * -q.slope);
-        if (!std::isfinite(step))
-            return {bounds.residualSum > 0.0 ? std::numeric_limits<double>::quiet_NaN() : 0.0, evaluations};
-        // Left of the root a step back is the rounding error of Q.
         const bool isSmall = std::abs(step) <= 4.0 * roundingUnit * (t + bounds.minVariance);
-        if (isSmall || (isLeft && step <= 0.0) || (t == 0.0 && step <= 0.0))
-            return {std::max(t + (isSmall ? step : 0.0), 0.0), evaluations};
-        isLeft = true;
+        const bool cannotStepBack = t == 0.0 || evaluations > 1;
+        if (std::isnan(step) || isSmall || (step <= 0.0 && cannotStepBack))
+            return {std::isnan(step) ? step : t, evaluations};
         t = std::max(t + step, 0.0);
-        isLeft = t > 0.0 || step > 0.0;
     }
 }
 

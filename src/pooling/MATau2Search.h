@@ -16,8 +16,8 @@ struct MATau2Solution
     int evaluations;
 };
 
-/// The global maximum of the likelihood over t >= 0; of equal ones the smallest t. `guess` is where the search
-/// looks first, in the curve's units; any value will do.
+/// The global maximum of the likelihood over t >= 0; of equal ones the smallest t. `guess` is where the
+/// search looks first, in the curve's units; any value will do.
 MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess);
 
 /// The t >= 0 with Q(t) = `target` > 0; 0 where Q(0) is not above it.
@@ -91,19 +91,19 @@ private:
     static double NewtonStep(const Node& at);
     double RefineRoot(const Node& left, const Node& right);
 
-    /// Splits at the geometric mean exhaust a double after 64 levels, those next to 0 after 53 more; each level
-    /// leaves one node.
+    /// Splits at the geometric mean exhaust a double after 64 levels, those next to 0 after 53 more; each
+    /// level leaves one node.
     static constexpr std::size_t maxNodes = 160;
 
     MALikelihoodCurve& curve_;
     double upperBound_;  ///< beyond it A < B
     double leastASlope_; ///< slope of a at infinity
-    Node left_;          ///< up to it all is settled
-    std::array<Node, maxNodes> right_;
-    std::size_t rightCount_ = 0;
-    bool fallsAtZero_ = true;
     bool isSound_ = true;
     int evaluations_ = 0;
+    std::size_t rightCount_ = 0;
+    std::array<Node, maxNodes> right_;
+    Node left_; ///< up to it all is settled
+    bool fallsAtZero_;
 };
 
 } // namespace MA_NAMESPACE
