@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/pooling/MALikelihoodCurve.h"
+#include "meta_analysis/settings/MAConst.h"
 
 #include <array>
 #include <cstddef>
@@ -20,8 +21,12 @@ struct MATau2Solution
 /// search looks first, in the curve's units; any value will do.
 MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess);
 
-/// The t >= 0 with Q(t) = `target` > 0; 0 where Q(0) is not above it.
+/// The t >= 0 with Q(t) = `target`; 0 where Q(0) is not above it, and where the
+/// target is 0 for want of degrees of freedom.
 MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess);
+
+/// The estimate that `estimator` (ML, REML or EB) defines; `curve` is of the likelihood that goes with it.
+MATau2Solution SolveTau2(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess);
 
 /// A point where the slope of the likelihood changes its sign.
 struct MAStationaryPoint
