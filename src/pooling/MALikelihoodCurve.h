@@ -11,6 +11,12 @@ enum class MALikelihoodType
     Restricted
 };
 
+/// Whether an estimator maximises a likelihood.
+inline bool HasLikelihood(MAConst::TAU2ESTIMATOR estimator)
+{
+    return estimator == MAConst::TAU2_ML || estimator == MAConst::TAU2_REML;
+}
+
 /// The likelihood that an estimator goes by; EB, which has none, shares the Q statistic of either.
 inline MALikelihoodType LikelihoodOf(MAConst::TAU2ESTIMATOR estimator)
 {

@@ -4,6 +4,7 @@
 #include "meta_analysis/settings/MAConst.h"
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <optional>
 
@@ -27,6 +28,19 @@ MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess);
 
 /// The estimate that `estimator` (ML, REML or EB) defines; `curve` is of the likelihood that goes with it.
 MATau2Solution SolveTau2(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess);
+
+/// Whether an estimate of tau² is off the one that a search has proved by more than a hundredth of the latter
+/// plus the typical within-study variance.
+inline bool IsTau2Off(double estimate, double proved, double typicalVariance)
+{
+    return std::abs(estimate - proved) > 0.01 * (proved + typicalVariance);
+}
+
+/// Whether an estimator is one that iterates, or searches.
+inline bool IsIterative(MAConst::TAU2ESTIMATOR estimator)
+{
+    return HasLikelihood(estimator) || estimator == MAConst::TAU2_EB;
+}
 
 /// A point where the slope of the likelihood changes its sign.
 struct MAStationaryPoint
