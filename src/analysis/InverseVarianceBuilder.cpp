@@ -64,7 +64,7 @@ KXStatus MABaseModel::InverseVarianceBuilder::BuildRandomPrefixes(const MASelect
     for (const std::size_t study : selection) {
         effectSizes.push_back(analysis_.studies_.effects.effectSize[study]);
         variances.push_back(analysis_.studies_.effects.variance[study]);
-        MARandomEffectModel model = analysis_.NewRandomEffectModel(effectSizes, variances);
+        MARandomEffectModel model = analysis_.NewStepModel(effectSizes, variances);
         analysis_.status_ = model.EstimateMeanESStats();
         if (analysis_.status_.IsError())
             return analysis_.status_;

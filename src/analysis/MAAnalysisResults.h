@@ -67,9 +67,38 @@ public:
     std::vector<double> GetPILower() const { return HeterogeneityColumn(&MAHeterogeneityRow::piLower); }
     std::vector<double> GetPIUpper() const { return HeterogeneityColumn(&MAHeterogeneityRow::piUpper); }
     std::vector<double> GetTau2Var() const { return CopyOf(results_.tau2); }
+    /// Per model: probability that the true effect of a new study is beyond the threshold of the settings;
+    /// missing without one, and for fixed-effect models.
+    std::vector<double> GetPIProbability() const
+    {
+        return HeterogeneityColumn(&MAHeterogeneityRow::piProbability);
+    }
+    /// Per model: interval of the between-study variance; missing unless the settings ask for one, and for
+    /// fixed-effect models.
+    std::vector<double> GetTau2CILower() const { return HeterogeneityColumn(&MAHeterogeneityRow::tau2Lower); }
+    std::vector<double> GetTau2CIUpper() const { return HeterogeneityColumn(&MAHeterogeneityRow::tau2Upper); }
+    /// Per model: how the between-study variance was found (a value of `MAConst::TAU2CONVERGENCE`), and in
+    /// how many evaluations of the likelihood's slope, or iterations; missing for fixed-effect models.
+    std::vector<double> GetTau2Convergence() const
+    {
+        return HeterogeneityColumn(&MAHeterogeneityRow::tau2Convergence);
+    }
+    std::vector<double> GetTau2Evaluations() const
+    {
+        return HeterogeneityColumn(&MAHeterogeneityRow::tau2Evaluations);
+    }
+    /// Per model: log-likelihood at the between-study variance and its criteria, see `MARandomEffectModel`;
+    /// missing for estimators other than ML and REML.
+    std::vector<double> GetLogLikelihood() const
+    {
+        return HeterogeneityColumn(&MAHeterogeneityRow::logLikelihood);
+    }
+    std::vector<double> GetAIC() const { return HeterogeneityColumn(&MAHeterogeneityRow::aic); }
+    std::vector<double> GetBIC() const { return HeterogeneityColumn(&MAHeterogeneityRow::bic); }
+    std::vector<double> GetAICc() const { return HeterogeneityColumn(&MAHeterogeneityRow::aicc); }
 
-    /// Per model: homogeneity test; H² and I² (a fraction); their bounds are missing for random-effects
-    /// models.
+    /// Per model: homogeneity test; H² and I² (a fraction). Under random effects their bounds follow from
+    /// those of the between-study variance.
     std::vector<double> GetHomoTestChisquareQ() const { return HeterogeneityColumn(&MAHeterogeneityRow::q); }
     std::vector<double> GetHomoTestdf() const { return HeterogeneityColumn(&MAHeterogeneityRow::df); }
     std::vector<double> GetHomoTestSig() const

@@ -141,7 +141,32 @@ MARandomEffectModel MABaseModel::NewRandomEffectModel(const std::vector<double>&
     model.SetMaxIter(settings_->GetMaxIter());
     model.SetMaxStepHalving(settings_->GetMaxStepHalving());
     model.SetConverTol(settings_->GetConnvergenceTol());
+    model.SetTau2Search(settings_->GetTau2Search());
+    model.SetTau2Interval(settings_->GetTau2Interval());
+    model.SetPrediction(settings_->GetPrediction());
+    SetThreshold(model);
     return model;
+}
+
+/// For a step of a cumulative analysis or of trimming, of which no interval of tau² is reported.
+MARandomEffectModel MABaseModel::NewStepModel(const std::vector<double>& effectSizes,
+                                              const std::vector<double>& variances) const
+{
+    MARandomEffectModel model = NewRandomEffectModel(effectSizes, variances);
+    model.SetTau2Interval(MAConst::TAU2_INTERVAL_NONE);
+    return model;
+}
+
+/// A threshold of ratios is given on the natural scale.
+void MABaseModel::SetThreshold(MARandomEffectModel& model) const
+{
+    const auto onAnalysisScale = [this](double value) {
+        return IsOnLogScale() && !KXMV::IsMissing(value) ? std::log(value) : value;
+    };
+    if (!KXMV::IsMissing(settings_->GetProbabilityAbove()))
+        model.SetProbabilityAbove(onAnalysisScale(settings_->GetProbabilityAbove()));
+    else
+        model.SetProbabilityBelow(onAnalysisScale(settings_->GetProbabilityBelow()));
 }
 
 KXStatus MABaseModel::BuildModel(const std::vector<double>& effectSizes, const std::vector<double>& variances)
@@ -149,7 +174,9 @@ KXStatus MABaseModel::BuildModel(const std::vector<double>& effectSizes, const s
     return Guarded(status_, [&] {
         return modelType_ == MAConst::MODEL_FIXED
                    ? Build(NewContFixEffectModel(effectSizes, variances), variances)
-                   : Build(NewRandomEffectModel(effectSizes, variances), variances);
+                   : Build(RecordsTestOutput() ? NewRandomEffectModel(effectSizes, variances)
+                                               : NewStepModel(effectSizes, variances),
+                           variances);
     });
 }
 
@@ -193,6 +220,19 @@ KXStatus MABaseModel::BuildTest(Model model)
     if (!status_.IsError())
         RecordTestOutput(model);
     return status_;
+}
+
+/// The scoring steps of the settings' default can miss the estimate that a reported model is labelled with.
+void MABaseModel::WarnOfDoubtfulTau2(const MARandomEffectModel& model)
+{
+    if (model.HasDoubtfulTau2())
+        AddWarning(MAStatusCode::TAU2_DOUBTFUL);
+}
+
+void MABaseModel::RecordTestOutput(const MARandomEffectModel& model)
+{
+    GetRandomModelTestOutput(model);
+    WarnOfDoubtfulTau2(model);
 }
 
 void MABaseModel::GetContFixModelTestOutput(const MAContinousFixEffectModel& model)

@@ -181,6 +181,9 @@ protected:
     bool RecordsGroupSize() const { return RecordsTestOutput() && groupCount_ == 1; }
     void AppendTestOutput(const MAHeterogeneityRow& row, double tau2);
 
+    /// Whether effects are analysed on the log scale and results shown on the natural one.
+    virtual bool IsOnLogScale() const { return false; }
+
     class InverseVarianceBuilder;
 
     /// The label of the overall model among the group values.
@@ -205,6 +208,7 @@ private:
     KXStatus TrimIteratively(const std::vector<double>& values, const std::vector<double>& variances);
     KXStatus FillAndPool(const std::vector<double>& values, const std::vector<double>& variances,
                          double sign);
+    void WarnOfFilledTau2(const std::vector<double>& effectSizes, const std::vector<double>& variances);
     double PrecisionCovariance() const;
 
     void PlotAllStudies();
@@ -227,7 +231,11 @@ private:
     template <class Model>
     KXStatus BuildTest(Model model);
     void RecordTestOutput(const MAContinousFixEffectModel& model) { GetContFixModelTestOutput(model); }
-    void RecordTestOutput(const MARandomEffectModel& model) { GetRandomModelTestOutput(model); }
+    void RecordTestOutput(const MARandomEffectModel& model);
+    void WarnOfDoubtfulTau2(const MARandomEffectModel& model);
+    MARandomEffectModel NewStepModel(const std::vector<double>& effectSizes,
+                                     const std::vector<double>& variances) const;
+    void SetThreshold(MARandomEffectModel& model) const;
     void RecordInverseVarianceWeights(const std::vector<double>& variances, double tau2);
 };
 

@@ -121,6 +121,7 @@ MARegSettings MABaseModel::TestSettings(int varianceIndex) const
     const int estimator = settings_->GetEstTauType();
     if (estimator >= 0 && estimator < estimatorCodeCount)
         settings.SetEstTauType(estimatorCodes[estimator]);
+    settings.SetTau2Search(settings_->GetTau2Search());
     settings.SetKnapHartAdjust(settings_->GetKnapHartAdjustType() != MAConst::KNAPP_HARTUNG_NONE);
     settings.SetTruncAjustValue(settings_->GetKnapHartAdjustType() == MAConst::KNAPP_HARTUNG_TRUNCATED);
     settings.SetTreatmentSuccess(settings_->GetTreatmentSuccessVarIndex());

@@ -203,11 +203,23 @@ KXStatus MABaseModel::FillAndPool(const std::vector<double>& values, const std::
     ResetEstESStat(true);
     if (BuildModel(filledEffects, filledVariances).IsError())
         return status_;
+    WarnOfFilledTau2(filledEffects, filledVariances);
     if (settings_->GetBinaryEstType() != MAConst::BIN_RISK_DIFFERENCE &&
         settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY && results_.exponentiated.empty())
         results_.exponentiated.push_back(Exponentiated(results_.models.front()));
     std::swap(results_, filledResults_);
     return status_;
+}
+
+/// The filled model is a reported one, unlike those of the trimming.
+void MABaseModel::WarnOfFilledTau2(const std::vector<double>& effectSizes,
+                                   const std::vector<double>& variances)
+{
+    if (modelType_ != MAConst::MODEL_RANDOM || settings_->GetTau2Search() == MAConst::TAU2_SEARCH_GLOBAL)
+        return;
+    MARandomEffectModel model = NewStepModel(effectSizes, variances);
+    model.EstimateMeanESStats();
+    WarnOfDoubtfulTau2(model);
 }
 
 } // namespace MA_NAMESPACE

@@ -113,6 +113,9 @@ public:
     std::vector<std::vector<double>> GetLabbePlotY() const { return CopyOf(labbe_.y); }
     std::vector<std::vector<double>> GetLabbePlotW() const { return CopyOf(labbe_.weight); }
 
+protected:
+    bool IsOnLogScale() const override { return GetESType() != MAConst::BIN_RISK_DIFFERENCE; }
+
 private:
     class TableBuilder;
 

@@ -40,6 +40,15 @@ struct MAHeterogeneityRow
     double i2Upper = KXMV::Missing();
     double piLower = KXMV::Missing();
     double piUpper = KXMV::Missing();
+    double piProbability = KXMV::Missing();
+    double tau2Lower = KXMV::Missing();
+    double tau2Upper = KXMV::Missing();
+    double tau2Convergence = KXMV::Missing();
+    double tau2Evaluations = KXMV::Missing();
+    double logLikelihood = KXMV::Missing();
+    double aic = KXMV::Missing();
+    double bic = KXMV::Missing();
+    double aicc = KXMV::Missing();
 };
 
 /// Test of heterogeneity between subgroups.

@@ -64,7 +64,6 @@ MAHeterogeneityRow HeterogeneityRowOf(const FixedModel& model)
     return row;
 }
 
-/// Its H² and I² come without bounds.
 inline MAHeterogeneityRow HeterogeneityRowOf(const MARandomEffectModel& model)
 {
     MAHeterogeneityRow row;
@@ -72,9 +71,22 @@ inline MAHeterogeneityRow HeterogeneityRowOf(const MARandomEffectModel& model)
     row.df = HomogeneityDf(model);
     row.significance = model.GetHomogeneityTestPVal();
     row.h2 = model.GetHeterogeneityTestH2();
+    row.h2Lower = model.GetHeterogeneityTestH2CILower();
+    row.h2Upper = model.GetHeterogeneityTestH2CIUpper();
     row.i2 = model.GetHeterogeneityTestI2();
+    row.i2Lower = model.GetHeterogeneityTestI2CILower();
+    row.i2Upper = model.GetHeterogeneityTestI2CIUpper();
     row.piLower = model.GetEstESPILower();
     row.piUpper = model.GetEstESPIUpper();
+    row.piProbability = model.GetPIProbability();
+    row.tau2Lower = model.GetTau2CILower();
+    row.tau2Upper = model.GetTau2CIUpper();
+    row.tau2Convergence = model.GetTau2Convergence();
+    row.tau2Evaluations = model.GetTau2Evaluations();
+    row.logLikelihood = model.GetLogLikelihood();
+    row.aic = model.GetAIC();
+    row.bic = model.GetBIC();
+    row.aicc = model.GetAICc();
     return row;
 }
 

@@ -1,6 +1,27 @@
 #pragma once
 
+#include "meta_analysis/settings/MAConst.h"
+
 namespace MA_NAMESPACE {
+
+/// Whether the likelihood is that of the data (ML) or of their residuals (REML).
+enum class MALikelihoodType
+{
+    Full,
+    Restricted
+};
+
+/// Whether an estimator maximises a likelihood.
+inline bool HasLikelihood(MAConst::TAU2ESTIMATOR estimator)
+{
+    return estimator == MAConst::TAU2_ML || estimator == MAConst::TAU2_REML;
+}
+
+/// The likelihood that an estimator goes by; EB, which has none, shares the Q statistic of either.
+inline MALikelihoodType LikelihoodOf(MAConst::TAU2ESTIMATOR estimator)
+{
+    return estimator == MAConst::TAU2_ML ? MALikelihoodType::Full : MALikelihoodType::Restricted;
+}
 
 /// The two sides of the likelihood equation A(t) = B(t) for the between-study variance, with their slopes.
 ///

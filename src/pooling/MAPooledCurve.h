@@ -6,13 +6,6 @@
 
 namespace MA_NAMESPACE {
 
-/// Whether the likelihood is that of the data (ML) or of their residuals (REML).
-enum class MALikelihoodType
-{
-    Full,
-    Restricted
-};
-
 /// The likelihood of the between-study variance of k effect sizes about one mean.
 ///
 /// Every sum is one of positive terms, or of effects counted from the study of the smallest variance, whose

@@ -4,10 +4,13 @@
 #include "meta_analysis/effectsize/MANormalTest.h"
 #include "meta_analysis/pooling/MAHeterogeneity.h"
 #include "meta_analysis/pooling/MAKnappHartung.h"
+#include "meta_analysis/pooling/MAPooledCurve.h"
 #include "meta_analysis/pooling/MAStudentTest.h"
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
+#include "meta_analysis/pooling/MATau2Search.h"
 
 #include <cmath>
+#include <limits>
 
 namespace MA_NAMESPACE {
 
@@ -56,6 +59,33 @@ KXStatus MARandomEffectModel::SetEstimationType(MAConst::TAU2ESTIMATOR type)
     return StoreSetting(type, estimator_, status_);
 }
 
+KXStatus MARandomEffectModel::SetTau2Search(MAConst::TAU2SEARCH search)
+{
+    return StoreSetting(search, search_, status_);
+}
+
+KXStatus MARandomEffectModel::SetTau2Interval(MAConst::TAU2INTERVAL type)
+{
+    return StoreSetting(type, tau2Interval_, status_);
+}
+
+KXStatus MARandomEffectModel::SetPrediction(MAConst::PREDICTIONTYPE type)
+{
+    return StoreSetting(type, prediction_, status_);
+}
+
+KXStatus MARandomEffectModel::SetProbabilityAbove(double threshold)
+{
+    StoreSetting(true, isThresholdAbove_, status_);
+    return StoreSetting(threshold, threshold_, status_);
+}
+
+KXStatus MARandomEffectModel::SetProbabilityBelow(double threshold)
+{
+    StoreSetting(false, isThresholdAbove_, status_);
+    return StoreSetting(threshold, threshold_, status_);
+}
+
 KXStatus MARandomEffectModel::EstimateMeanESStats()
 {
     if (status_.IsError())
@@ -64,10 +94,12 @@ KXStatus MARandomEffectModel::EstimateMeanESStats()
         return status_;
     PoolEffectSizes();
     TestMean();
-    if (knappHartung_ == MAConst::KNAPP_HARTUNG_NONE || studyCount_ >= 3)
+    if (knappHartung_ == MAConst::KNAPP_HARTUNG_NONE || (studyCount_ >= 2 && PredictionDf() > 0.0))
         PredictEffect();
-    if (studyCount_ >= 2)
+    if (studyCount_ >= 2) {
         TestHomogeneity();
+        MeasureLikelihood();
+    }
     return status_;
 }
 
@@ -79,6 +111,7 @@ KXStatus MARandomEffectModel::EstimateTau2()
     estimator.SetMaxIter(maxIter_);
     estimator.SetMaxStepHalving(maxStepHalving_);
     estimator.SetConverTol(tolerance_);
+    estimator.SetTau2Search(search_);
     status_ = estimator.ComputeTau2Variance(estimator_);
     if (status_.IsError())
         return status_;
@@ -86,6 +119,8 @@ KXStatus MARandomEffectModel::EstimateTau2()
     if (!HaveLength(studyCount_, effectSizes_, variances_))
         return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
     tau2_ = estimator.GetBetweenStudyVariannce();
+    convergence_ = estimator.GetTau2Convergence();
+    evaluations_ = estimator.GetTau2Evaluations();
     if (tau2_ == -1.0)
         status_ = KXStatus(MAStatusCode::TAU2_FAILED);
     return status_;
@@ -141,12 +176,32 @@ void MARandomEffectModel::TestMean()
     ciLower_ = mean_ - stdError * quantile;
 }
 
+/// Infinite for the normal distribution, which Student's t then is.
+double MARandomEffectModel::PredictionDf() const
+{
+    const auto k = static_cast<double>(studyCount_);
+    switch (prediction_) {
+    case MAConst::PREDICTION_T_K_MINUS_2:
+        return k - 2.0;
+    case MAConst::PREDICTION_T_K_MINUS_1:
+        return k - 1.0;
+    case MAConst::PREDICTION_NORMAL:
+        return std::numeric_limits<double>::infinity();
+    }
+    return k - 2.0; // a value outside the enumeration
+}
+
 void MARandomEffectModel::PredictEffect()
 {
-    const double quantile = TwoSidedTQuantile(alpha_, static_cast<double>(studyCount_) - 2.0);
+    const double df = PredictionDf();
+    const double quantile = TwoSidedTQuantile(alpha_, df);
     const double stdDev = std::sqrt(variance_ + tau2_);
     piLower_ = mean_ - stdDev * quantile;
     piUpper_ = mean_ + stdDev * quantile;
+    if (KXMV::IsMissing(threshold_) || !(df > 0.0))
+        return;
+    const double distance = (mean_ - threshold_) / stdDev;
+    probability_ = KXDistFun::CdfT(isThresholdAbove_ ? distance : -distance, df);
 }
 
 /// Q is the weighted residual sum about the fixed-effect mean, which is never negative. The typical
@@ -174,10 +229,28 @@ void MARandomEffectModel::TestHomogeneity()
     df_ = static_cast<int>(studyCount_) - 1;
     qSignificance_ = HomogeneitySignificance(q_, df_);
 
-    const double typicalVariance = df_ * weightSum / (2.0 * pairSum);
-    const MAHeterogeneityMeasures measures = HeterogeneityFromTau2(tau2_, typicalVariance);
-    h2_ = measures.h2;
-    i2_ = measures.i2;
+    typicalVariance_ = df_ * weightSum / (2.0 * pairSum);
+    heterogeneity_ = HeterogeneityFromTau2(tau2_, typicalVariance_);
+}
+
+/// The likelihood at tau², and the interval that goes by it or by Q.
+void MARandomEffectModel::MeasureLikelihood()
+{
+    if (!HasLikelihood(estimator_))
+        return;
+    MAPooledCurve curve(effectSizes_->data(), variances_->data(), studyCount_, LikelihoodOf(estimator_));
+    information_ =
+        InformationCriteria(curve.LogLikelihood(tau2_ / curve.Unit()), 2.0, curve.Bounds().traceSize);
+}
+
+bool MARandomEffectModel::HasDoubtfulTau2() const
+{
+    if (!IsIterative(estimator_) || convergence_ == MAConst::TAU2_GLOBAL_OPTIMUM || studyCount_ < 2 ||
+        status_.IsError())
+        return false;
+    MAPooledCurve curve(effectSizes_->data(), variances_->data(), studyCount_, LikelihoodOf(estimator_));
+    const double proved = curve.Unit() * SolveTau2(curve, estimator_, tau2_ / curve.Unit()).t;
+    return IsTau2Off(tau2_, proved, typicalVariance_);
 }
 
 } // namespace MA_NAMESPACE

@@ -3,6 +3,8 @@
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/pooling/MAHeterogeneityMeasures.h"
+#include "meta_analysis/pooling/MAInformationCriteria.h"
 #include "meta_analysis/settings/MAConst.h"
 
 #include <cstddef>
@@ -14,7 +16,7 @@ namespace MA_NAMESPACE {
 ///     mean = sum(w y) / sum(w), variance = 1 / sum(w), w = 1 / (v + tau²),
 /// with tau² from `MATAU2ESTIMATIOR`, optionally with the Knapp-Hartung adjustment (Knapp and Hartung 2003,
 /// Statistics in Medicine 22, 2693-2710), a test against 0, a confidence and a prediction interval, the
-/// homogeneity test, H² and I².
+/// homogeneity test, H² and I², on request intervals of tau², H² and I², and the likelihood.
 ///
 /// Calling order: construct, set effect sizes, variances and options, `EstimateMeanESStats`, read the
 /// getters. The vectors are the caller's and must outlive the object. Everything is on the scale of the
@@ -43,6 +45,18 @@ public:
     KXStatus SetMaxStepHalving(int maxStepHalving);
     KXStatus SetConverTol(double tolerance);
     KXStatus SetEstimationType(MAConst::TAU2ESTIMATOR type);
+    /// How the iterative estimators are found; scoring unless set.
+    KXStatus SetTau2Search(MAConst::TAU2SEARCH search);
+    /// Interval of tau², and by it of H² and I²; none unless set. Profile likelihood is for ML and REML, and
+    /// gives none for other estimators.
+    KXStatus SetTau2Interval(MAConst::TAU2INTERVAL type);
+    /// Distribution of the prediction interval and of `GetPIProbability`; t with k - 2 degrees of freedom
+    /// unless set.
+    KXStatus SetPrediction(MAConst::PREDICTIONTYPE type);
+    /// Threshold, on the scale of the effect sizes, beyond which the probability of a new study's true effect
+    /// is wanted; the last one set holds, and a missing one asks for none.
+    KXStatus SetProbabilityAbove(double threshold);
+    KXStatus SetProbabilityBelow(double threshold);
 
     /// Errors: 460060 the estimator failed (a type outside the enumeration), and those of the estimator.
     KXStatus EstimateMeanESStats();
@@ -58,18 +72,46 @@ public:
     double GetEstESSig() const { return significance_; }
     double GetEstESCIUpper() const { return ciUpper_; }
     double GetEstESCILower() const { return ciLower_; }
-    /// Prediction interval by Student's t with k - 2 degrees of freedom (Higgins, Thompson and Spiegelhalter
-    /// 2009, Journal of the Royal Statistical Society A 172, 137-159). NaN for k < 3; missing then under the
-    /// adjustment.
+    /// Prediction interval mean ± q √(variance + tau²), q by default that of Student's t with k - 2 degrees
+    /// of freedom (Higgins, Thompson and Spiegelhalter 2009, Journal of the Royal Statistical Society A 172,
+    /// 137-159). NaN without degrees of freedom (k < 3); missing then under the adjustment.
     double GetEstESPIUpper() const { return piUpper_; }
     double GetEstESPILower() const { return piLower_; }
+    /// Probability that the true effect of a new study lies above (or below) the threshold c: the
+    /// distribution function of the prediction at (mean - c) / √(variance + tau²), or of its negative.
+    /// Missing without a threshold or without degrees of freedom.
+    double GetPIProbability() const { return probability_; }
     /// Homogeneity test with fixed-effect weights; missing for k < 2.
     double GetHomogeneityTestQ() const { return q_; }
     int GetHomogeneityTestDf() const { return df_; }
     double GetHomogeneityTestPVal() const { return qSignificance_; }
     /// From tau² and the typical within-study variance, not from Q; missing for k < 2. I² is a fraction.
-    double GetHeterogeneityTestH2() const { return h2_; }
-    double GetHeterogeneityTestI2() const { return i2_; }
+    double GetHeterogeneityTestH2() const { return heterogeneity_.h2; }
+    double GetHeterogeneityTestI2() const { return heterogeneity_.i2; }
+    /// Bounds of tau² at the confidence level, 0 at least, and of H² and I² from them. Missing unless asked
+    /// for, and for k < 2.
+    double GetTau2CILower() const { return tau2Lower_; }
+    double GetTau2CIUpper() const { return tau2Upper_; }
+    double GetHeterogeneityTestH2CILower() const { return heterogeneity_.h2Lower; }
+    double GetHeterogeneityTestH2CIUpper() const { return heterogeneity_.h2Upper; }
+    double GetHeterogeneityTestI2CILower() const { return heterogeneity_.i2Lower; }
+    double GetHeterogeneityTestI2CIUpper() const { return heterogeneity_.i2Upper; }
+
+    /// How tau² was found, see `MATAU2ESTIMATIOR`.
+    MAConst::TAU2CONVERGENCE GetTau2Convergence() const { return convergence_; }
+    int GetTau2Evaluations() const { return evaluations_; }
+    /// Whether tau² of an iterative estimator is off the one that the global search proves by more than a
+    /// hundredth of the latter plus the typical within-study variance. Takes one search, and none after a
+    /// global one.
+    bool HasDoubtfulTau2() const;
+
+    /// Log-likelihood (ML) or restricted log-likelihood (REML) at tau², with all constants, and the criteria
+    /// of Akaike and Schwarz with two parameters; of k observations (ML) or k - 1 (REML). Missing for other
+    /// estimators and for k < 2.
+    double GetLogLikelihood() const { return information_.logLikelihood; }
+    double GetAIC() const { return information_.aic; }
+    double GetBIC() const { return information_.bic; }
+    double GetAICc() const { return information_.aicc; }
 
 private:
     KXStatus EstimateTau2();
@@ -77,7 +119,9 @@ private:
     double VarianceFactor() const;
     void TestMean();
     void PredictEffect();
+    double PredictionDf() const;
     void TestHomogeneity();
+    void MeasureLikelihood();
 
     std::size_t studyCount_ = 0;
     const std::vector<double>* effectSizes_ = nullptr;
@@ -88,11 +132,21 @@ private:
     int maxStepHalving_ = 5;
     double tolerance_ = 1e-6;
     double alpha_ = 0.05;
+    MAConst::TAU2SEARCH search_ = MAConst::TAU2_SEARCH_SCORING;
+    MAConst::TAU2INTERVAL tau2Interval_ = MAConst::TAU2_INTERVAL_NONE;
+    MAConst::PREDICTIONTYPE prediction_ = MAConst::PREDICTION_T_K_MINUS_2;
+    double threshold_ = KXMV::Missing();
+    bool isThresholdAbove_ = true;
     double tau2_ = 0.0;
+    MAConst::TAU2CONVERGENCE convergence_ = MAConst::TAU2_CLOSED_FORM;
+    int evaluations_ = 0;
+    double tau2Lower_ = KXMV::Missing();
+    double tau2Upper_ = KXMV::Missing();
     double mean_ = KXMV::Missing();
     double variance_ = KXMV::Missing();
     double piUpper_ = KXMV::Missing();
     double piLower_ = KXMV::Missing();
+    double probability_ = KXMV::Missing();
     double statistic_ = KXMV::Missing();
     double significance_ = KXMV::Missing();
     double ciUpper_ = KXMV::Missing();
@@ -100,8 +154,9 @@ private:
     double q_ = KXMV::Missing();
     int df_ = 0;
     double qSignificance_ = KXMV::Missing();
-    double h2_ = KXMV::Missing();
-    double i2_ = KXMV::Missing();
+    double typicalVariance_ = KXMV::Missing();
+    MAHeterogeneityMeasures heterogeneity_;
+    MAInformationCriteria information_;
     KXStatus status_;
 };
 

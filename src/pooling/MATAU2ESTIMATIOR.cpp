@@ -1,6 +1,8 @@
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
 
 #include "meta_analysis/effectsize/MAInputCheck.h"
+#include "meta_analysis/pooling/MAPooledCurve.h"
+#include "meta_analysis/pooling/MATau2Search.h"
 #include "meta_analysis/pooling/MATau2Steps.h"
 #include "meta_analysis/settings/Guarded.h"
 
@@ -52,10 +54,17 @@ KXStatus MATAU2ESTIMATIOR::SetConverTol(double tolerance)
     return StoreSetting(tolerance, tolerance_, status_);
 }
 
+KXStatus MATAU2ESTIMATIOR::SetTau2Search(MAConst::TAU2SEARCH search)
+{
+    return StoreSetting(search, search_, status_);
+}
+
 KXStatus MATAU2ESTIMATIOR::ComputeTau2Variance(MAConst::TAU2ESTIMATOR type)
 {
     if (status_.IsError())
         return status_;
+    convergence_ = MAConst::TAU2_CLOSED_FORM;
+    evaluations_ = 0;
     return Guarded(status_, [&] { return UsesRegression() ? ComputeRegression(type) : ComputePlain(type); });
 }
 
@@ -85,8 +94,10 @@ KXStatus MATAU2ESTIMATIOR::ComputePlain(MAConst::TAU2ESTIMATOR type)
     case MAConst::TAU2_ML:
     case MAConst::TAU2_REML:
     case MAConst::TAU2_EB:
-        HEEstimator();
-        Tau2IterEstimation(type, [this] { return PlainSums(); });
+        if (search_ == MAConst::TAU2_SEARCH_GLOBAL)
+            EstimateBySearch(type);
+        else
+            EstimateByScoring(type);
         break;
     default:
         break;
@@ -216,8 +227,29 @@ double MATAU2ESTIMATIOR::StepFrom(const StepSums& sums, MAConst::TAU2ESTIMATOR t
     return sums.tracePP == 0.0 ? 0.0 : (sums.w2r2 - sums.traceP) / sums.tracePP;
 }
 
-/// Moves tau² by the step, halved until tau² stays >= 0, at most one time more than the limit. False, and
-/// tau² unchanged, when that does not help.
+void MATAU2ESTIMATIOR::EstimateByScoring(MAConst::TAU2ESTIMATOR type)
+{
+    HEEstimator();
+    Tau2IterEstimation(type, [this] { return PlainSums(); });
+}
+
+void MATAU2ESTIMATIOR::EstimateBySearch(MAConst::TAU2ESTIMATOR type)
+{
+    MAPooledCurve curve(effectSizes_->data(), variances_->data(), studyCount_, LikelihoodOf(type));
+    StoreSolution(SolveTau2(curve, type, curve.MomentEstimate()), curve.Unit());
+    if (convergence_ == MAConst::TAU2_STEP_NOT_FINITE)
+        HEEstimator();
+}
+
+void MATAU2ESTIMATIOR::StoreSolution(const MATau2Solution& solution, double unit)
+{
+    tau2_ = solution.t * unit;
+    evaluations_ = solution.evaluations;
+    convergence_ = std::isfinite(tau2_) ? MAConst::TAU2_GLOBAL_OPTIMUM : MAConst::TAU2_STEP_NOT_FINITE;
+}
+
+/// Moves tau² by the step, halved until tau² stays >= 0, at most one time more than the limit. False, tau²
+/// unchanged and the reason recorded, when that does not help.
 bool MATAU2ESTIMATIOR::TakeStep(double step)
 {
     double fraction = step;
@@ -227,10 +259,13 @@ bool MATAU2ESTIMATIOR::TakeStep(double step)
             tau2_ = candidate;
             return true;
         }
-        if (halvings > maxStepHalving_)
+        if (halvings > maxStepHalving_) {
+            convergence_ = MAConst::TAU2_STEP_HALVING_FAILED;
             return false;
+        }
         fraction *= 0.5;
     }
+    convergence_ = MAConst::TAU2_STEP_NOT_FINITE;
     return false;
 }
 

@@ -12,6 +12,7 @@ namespace MA_NAMESPACE {
 class MADesignMatrix;
 class MARegFit;
 struct MAFittedRows;
+struct MATau2Solution;
 
 /// Between-study variance tau² of k effect sizes y with within-study variances v, or the residual one of a
 /// meta-regression.
@@ -23,9 +24,12 @@ struct MAFittedRows;
 ///
 /// Hedges (HE), Hunter-Schmidt (HS), DerSimonian-Laird (DL)
 /// and Sidik-Jonkman (SJ) are closed forms, truncated at 0. Maximum likelihood (ML), restricted maximum
-/// likelihood (REML) and empirical Bayes (EB) start from the Hedges estimate, take scoring steps, halve a
-/// step that would leave tau² negative, and stop when |step| < tolerance. Reaching the iteration limit is
-/// not reported: the last value stands. Very homogeneous data can end at a tiny positive value.
+/// likelihood (REML) and empirical Bayes (EB) are found by one of two ways:
+/// - Scoring (the default) starts from the Hedges estimate, halves a step that would leave tau² negative, and
+///   stops when |step| < tolerance, in the square of the effects' unit. It can miss the maximum, and very
+///   homogeneous data can end at a tiny positive value; `GetTau2Convergence` tells how it ended.
+/// - The global search finds the global maximum of the likelihood (ML, REML) or the root of the estimating
+///   equation (EB), proved up to rounding, in any unit and without limits.
 ///
 /// Cost: O(k) an iteration without allocation; O(k p²) with a design matrix of p columns. An object may be
 /// used again with another estimator. Viechtbauer (2005), Journal of Educational and Behavioral Statistics
@@ -59,6 +63,8 @@ public:
     KXStatus SetMaxIter(int maxIter);
     KXStatus SetMaxStepHalving(int maxStepHalving);
     KXStatus SetConverTol(double tolerance);
+    /// How ML, REML and EB are found; scoring unless set.
+    KXStatus SetTau2Search(MAConst::TAU2SEARCH search);
 
     /// Runs an estimator; a value outside the enumeration does nothing. Errors: 460009 the estimator's inputs
     /// are not given, or differ in length from the rows; 460001 effect sizes and variances differ in length;
@@ -67,6 +73,11 @@ public:
 
     /// tau² >= 0 of the last computation; -1.0 before it and after an error.
     double GetBetweenStudyVariannce() const { return status_.IsError() ? -1.0 : tau2_; }
+    /// How the last computation ended. The global search ends with `TAU2_STEP_NOT_FINITE`, and at the Hedges
+    /// estimate, only where a variance is not positive and finite.
+    MAConst::TAU2CONVERGENCE GetTau2Convergence() const { return convergence_; }
+    /// Evaluations of the likelihood's slope, or scoring iterations; 0 for a closed form.
+    int GetTau2Evaluations() const { return evaluations_; }
 
 private:
     struct WeightedMean;
@@ -84,6 +95,9 @@ private:
     void DLEstimator();
     void SJEstimator();
     StepSums PlainSums() const;
+    void EstimateByScoring(MAConst::TAU2ESTIMATOR type);
+    void EstimateBySearch(MAConst::TAU2ESTIMATOR type);
+    void StoreSolution(const MATau2Solution& solution, double unit);
 
     double XBETA(const double* row) const;
     double ResidualOf(std::size_t row) const;
@@ -114,8 +128,11 @@ private:
     int maxIter_ = 100;
     int maxStepHalving_ = 5;
     double tolerance_ = 1e-6;
+    MAConst::TAU2SEARCH search_ = MAConst::TAU2_SEARCH_SCORING;
     double meanEffectSize_ = 0.0;
     double tau2_ = -1.0;
+    MAConst::TAU2CONVERGENCE convergence_ = MAConst::TAU2_CLOSED_FORM;
+    int evaluations_ = 0;
     KXStatus status_;
 };
 

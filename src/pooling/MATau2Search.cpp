@@ -256,7 +256,7 @@ MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess)
     const MACurveBounds& bounds = curve.Bounds();
     if (!AreUsable(bounds))
         return {std::numeric_limits<double>::quiet_NaN(), 0};
-    if (bounds.residualSum == 0.0)
+    if (bounds.residualSum == 0.0 || target <= 0.0)
         return {0.0, 0};
     double t = std::max(guess, 0.0);
     for (int evaluations = 1;; ++evaluations) {
@@ -268,6 +268,13 @@ MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess)
             return {std::isnan(step) ? step : t, evaluations};
         t = std::max(t + step, 0.0);
     }
+}
+
+/// EB: Paule and Mandel (1982), Journal of Research of the National Bureau of Standards 87, 377-385.
+MATau2Solution SolveTau2(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess)
+{
+    return estimator == MAConst::TAU2_EB ? FindQRoot(curve, curve.Bounds().residualDf, guess)
+                                         : FindLikelihoodMaximum(curve, guess);
 }
 
 } // namespace MA_NAMESPACE

@@ -1,8 +1,10 @@
 #pragma once
 
 #include "meta_analysis/pooling/MALikelihoodCurve.h"
+#include "meta_analysis/settings/MAConst.h"
 
 #include <array>
+#include <cmath>
 #include <cstddef>
 #include <optional>
 
@@ -26,8 +28,25 @@ bool CanRise(const MACurveBounds& bounds);
 /// search looks first, in the curve's units; any value will do.
 MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess);
 
-/// The t >= 0 with Q(t) = `target` > 0; 0 where Q(0) is not above it.
+/// The t >= 0 with Q(t) = `target`; 0 where Q(0) is not above it, and where the
+/// target is 0 for want of degrees of freedom.
 MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess);
+
+/// The estimate that `estimator` (ML, REML or EB) defines; `curve` is of the likelihood that goes with it.
+MATau2Solution SolveTau2(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess);
+
+/// Whether an estimate of tau² is off the one that a search has proved by more than a hundredth of the latter
+/// plus the typical within-study variance.
+inline bool IsTau2Off(double estimate, double proved, double typicalVariance)
+{
+    return std::abs(estimate - proved) > 0.01 * (proved + typicalVariance);
+}
+
+/// Whether an estimator is one that iterates, or searches.
+inline bool IsIterative(MAConst::TAU2ESTIMATOR estimator)
+{
+    return HasLikelihood(estimator) || estimator == MAConst::TAU2_EB;
+}
 
 /// A point where the slope of the likelihood changes its sign.
 struct MAStationaryPoint

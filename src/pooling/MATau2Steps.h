@@ -42,17 +42,20 @@ struct MATAU2ESTIMATIOR::StepSums
     }
 };
 
-/// Scoring from the tau² that is there. Ends at the iteration limit, at an error, below the tolerance (that
-/// last small step is not taken), or when no halving makes the step usable, which a NaN or infinite one never
-/// is.
+/// Scoring from the tau² that is there, which records how it ends. Ends at the iteration limit, at an error,
+/// below the tolerance (that last small step is not taken), or when no halving makes the step usable, which a
+/// NaN or infinite one never is.
 template <class Sums>
 void MATAU2ESTIMATIOR::Tau2IterEstimation(MAConst::TAU2ESTIMATOR type, Sums sumsAtTau2)
 {
-    for (int iteration = 0; iteration < maxIter_; ++iteration) {
+    for (evaluations_ = 0; evaluations_ < maxIter_;) {
         const double step = StepFrom(sumsAtTau2(), type);
+        ++evaluations_;
+        convergence_ = MAConst::TAU2_STEP_BELOW_TOLERANCE;
         if (status_.IsError() || tolerance_ > std::abs(step) || !TakeStep(step))
             return;
     }
+    convergence_ = MAConst::TAU2_ITERATION_LIMIT;
 }
 
 } // namespace MA_NAMESPACE
