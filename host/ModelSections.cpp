@@ -91,6 +91,7 @@ ReportSection CumulativeSection(const ReportSource& source, std::size_t group)
     AppendEffects(section.table,
                   CumulativeRows(source, [group](const Rows& rows) { return RowAt(rows, group); }),
                   HeadersOf(source.effect), source);
+    AppendCorrectionOfSteps(section.table, source, group);
     return section;
 }
 

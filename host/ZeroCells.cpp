@@ -59,4 +59,18 @@ std::string WordingOfPooledCorrection(const ReportSource& source)
                        WordingOf(corrected, source.RowLabels(corrected.size())));
 }
 
+void AppendCorrectionOfSteps(std::vector<ReportColumn>& table, const ReportSource& source, std::size_t group)
+{
+    const MABinModel* const model = source.analysis.Binary();
+    if (model == nullptr)
+        return;
+    const std::vector<int> corrected = model->GetCumNPoolCorrected()[group];
+    std::vector<std::string> texts;
+    texts.reserve(corrected.size());
+    for (const int count : corrected)
+        texts.push_back(std::to_string(count));
+    if (std::any_of(corrected.begin(), corrected.end(), [](int count) { return count > 0; }))
+        table.push_back({"Tables corrected", texts});
+}
+
 } // namespace host
