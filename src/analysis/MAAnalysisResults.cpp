@@ -1,5 +1,7 @@
 #include "meta_analysis/analysis/MAAnalysisResults.h"
 
+#include "meta_analysis/effectsize/MATestPValues.h"
+
 #include <numeric>
 
 namespace MA_NAMESPACE {
@@ -18,17 +20,9 @@ std::vector<double> MAAnalysisResults::GetNormalizedWeight() const
     return normalized;
 }
 
-std::vector<std::vector<double>> MAAnalysisResults::CumulativeRows(double MAModelRow::*field) const
+std::vector<double> MAAnalysisResults::GetLog10Sig() const
 {
-    try {
-        std::vector<std::vector<double>> rows;
-        rows.reserve(cumulativeRows_.size());
-        for (const std::vector<MAModelRow>& row : cumulativeRows_)
-            rows.push_back(FieldOf(row, field));
-        return rows;
-    } catch (...) {
-        return {};
-    }
+    return FieldOf(studies_.zValue, [](double z) { return TwoSidedNormalPValue(z).log10; });
 }
 
 } // namespace MA_NAMESPACE

@@ -78,7 +78,7 @@ void MABinModel::TableBuilder::AppendRow(const Pooling& pooling, double quantile
     const double nullValue = NullOnTestScale<Pooling>(analysis_.settings_->GetNullHypothesis());
     const MANormalInference inference = InferNormal(estimate, variance, nullValue, quantile);
     analysis_.results_.models.push_back({estimate, variance, inference.stdError, inference.zValue,
-                                         inference.significance, inference.ciLower, inference.ciUpper});
+                                         inference.pValue, inference.ciLower, inference.ciUpper});
     if constexpr (Pooling::onLogScale)
         analysis_.results_.exponentiated.push_back(
             {std::exp(estimate), std::exp(inference.ciLower), std::exp(inference.ciUpper)});

@@ -142,7 +142,7 @@ void MABinaryFixEffectModel::StoreEstimate(const Pooling& pooling, double quanti
     const MANormalInference inference =
         InferNormal(estimate, variance, NullOnTestScale<Pooling>(nullHypothesis_), quantile);
     zValue_ = inference.zValue;
-    significance_ = inference.significance;
+    pValue_ = inference.pValue;
     const Scale tested = {estimate, variance, inference.stdError, inference.ciUpper, inference.ciLower};
     if constexpr (Pooling::onLogScale) {
         log_ = tested;
@@ -169,7 +169,7 @@ void MABinaryFixEffectModel::TestHomogeneity(double pooled, double quantile)
     }
     q_ = q;
     df_ = static_cast<int>(studyCount_) - 1;
-    qSignificance_ = HomogeneitySignificance(q_, df_);
+    qPValue_ = HomogeneityPValue(q_, df_);
     heterogeneity_ = MeasureHeterogeneity(q_, studyCount_, quantile);
 }
 
@@ -205,8 +205,7 @@ KXStatus MABinaryFixEffectModel::ContrastTestBy(Pooling /*method*/)
     }
     const double stdError = std::sqrt(contrastVariance_);
     const double halfWidth = TwoSidedNormalQuantile(alpha_) * stdError;
-    contrastSignificance_ =
-        contrastVariance_ > 0.0 ? TwoSidedNormalSignificance(contrast_ / stdError) : KXMV::Missing();
+    contrastPValue_ = contrastVariance_ > 0.0 ? TwoSidedNormalPValue(contrast_ / stdError) : MAPValue();
     contrastCIUpper_ = contrast_ + halfWidth;
     contrastCILower_ = contrast_ - halfWidth;
     return result;

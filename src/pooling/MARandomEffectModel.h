@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/effectsize/MAPValue.h"
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXStatus.h"
@@ -55,7 +56,8 @@ public:
     /// z, or t under the Knapp-Hartung adjustment.
     double GetEstESTestStat() const { return statistic_; }
     /// Missing, like the confidence interval, for k < 2 under the adjustment.
-    double GetEstESSig() const { return significance_; }
+    double GetEstESSig() const { return pValue_.value; }
+    double GetEstESLog10Sig() const { return pValue_.log10; }
     double GetEstESCIUpper() const { return ciUpper_; }
     double GetEstESCILower() const { return ciLower_; }
     /// Prediction interval by Student's t with k - 2 degrees of freedom (Higgins, Thompson and Spiegelhalter
@@ -66,7 +68,8 @@ public:
     /// Homogeneity test with fixed-effect weights; missing for k < 2.
     double GetHomogeneityTestQ() const { return q_; }
     int GetHomogeneityTestDf() const { return df_; }
-    double GetHomogeneityTestPVal() const { return qSignificance_; }
+    double GetHomogeneityTestPVal() const { return qPValue_.value; }
+    double GetHomogeneityTestLog10PVal() const { return qPValue_.log10; }
     /// From tau² and the typical within-study variance, not from Q; missing for k < 2. I² is a fraction.
     double GetHeterogeneityTestH2() const { return h2_; }
     double GetHeterogeneityTestI2() const { return i2_; }
@@ -94,12 +97,12 @@ private:
     double piUpper_ = KXMV::Missing();
     double piLower_ = KXMV::Missing();
     double statistic_ = KXMV::Missing();
-    double significance_ = KXMV::Missing();
+    MAPValue pValue_;
     double ciUpper_ = KXMV::Missing();
     double ciLower_ = KXMV::Missing();
     double q_ = KXMV::Missing();
     int df_ = 0;
-    double qSignificance_ = KXMV::Missing();
+    MAPValue qPValue_;
     double h2_ = KXMV::Missing();
     double i2_ = KXMV::Missing();
     KXStatus status_;

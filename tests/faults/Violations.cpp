@@ -123,10 +123,26 @@ void Expectations::Significances() const
 {
     for (const Result& result : results) {
         const auto endsWith = [&](const char* ending) { return result.name.ends_with(ending); };
-        if (endsWith("Sig") || endsWith("PValue"))
+        if (endsWith("Log10Sig") || endsWith("Log10PValue"))
+            Between({result.name}, -infinity, 0.0);
+        else if (endsWith("Sig") || endsWith("PValue"))
             Between({result.name}, 0.0, 1.0);
         else if (endsWith("StdError") || endsWith("StdErr") || endsWith("StandErr"))
             Between({result.name}, 0.0, infinity);
+    }
+}
+
+void Expectations::Logarithms(const std::string& pValues, const std::string& logarithms) const
+{
+    SameShape({pValues, logarithms});
+    const std::vector<double> expected = Values(pValues);
+    const std::vector<double> values = Values(logarithms);
+    for (std::size_t i = 0; i < std::min(expected.size(), values.size()); ++i) {
+        const double p = expected[i];
+        const bool agree = KXMV::IsMissing(p) ? KXMV::IsMissing(values[i])
+                           : p > 1e-300       ? Close(values[i], std::log10(p), 1e-12)
+                                              : !(values[i] > -300.0);
+        violations.Expect(agree || std::isnan(p), logarithms + " is that of " + pValues);
     }
 }
 
