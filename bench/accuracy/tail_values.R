@@ -8,5 +8,6 @@ tail_at <- function(distribution, x, df1, df2, log)
     F = pf(x, df1, df2, lower.tail = FALSE, log.p = log))
 for (i in seq_len(nrow(points))) {
   p <- points[i, ]
-  cat(sprintf("%.17g %.17g\n", tail_at(p[[1]], p[[2]], p[[3]], p[[4]], FALSE), tail_at(p[[1]], p[[2]], p[[3]], p[[4]], TRUE)))
+  tails <- sapply(c(FALSE, TRUE), function(log) tail_at(p[[1]], p[[2]], p[[3]], p[[4]], log))
+  cat(sprintf("%.17g %.17g\n", tails[1], tails[2]))
 }

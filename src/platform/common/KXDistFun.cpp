@@ -12,7 +12,6 @@
 
 namespace {
 
-using distribution::ScaledProbability;
 using distribution::Tails;
 using std::numbers::log10e;
 
