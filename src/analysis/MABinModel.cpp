@@ -138,7 +138,8 @@ KXStatus MABinModel::FixedBinModelContrastTest()
             RequireMemory(tested);
             AddWarning(tested);
             // The z values receive the standard error once more, as hosts expect of this path.
-            const double stdError = std::sqrt(model.GetContrastTestStdError());
+            const double variance = model.GetContrastTestStdError();
+            const double stdError = KXMV::IsMissing(variance) ? variance : std::sqrt(variance);
             contrasts_.push_back({model.GetContrastTestGMeans(), stdError, stdError,
                                   model.GetContrastTest2SidedSig(), model.GetContrastTestCILower(),
                                   model.GetContrastTestCIUpper()});
