@@ -5,24 +5,13 @@
 #include "meta_analysis/analysis/MARecordPass.h"
 #include "meta_analysis/effectsize/MANormalTest.h"
 #include "meta_analysis/effectsize/MAPoolable.h"
-#include "meta_analysis/platform/common/KXPower.h"
+#include "meta_analysis/effectsize/MARatio.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <cmath>
 
 namespace MA_NAMESPACE {
-
-namespace {
-
-double ExponentOrZero(double x)
-{
-    double result = 0.0;
-    KXPower::Exponent(x, result);
-    return result;
-}
-
-} // namespace
 
 KXStatus MABaseModel::ExtractModelInputData(MultiPassRecordIter& records)
 {
@@ -177,11 +166,11 @@ void MABaseModel::AppendReadyMadeStudy(double effectSize, double variance, doubl
     studies_.zValue.push_back(z);
     studies_.significance.push_back(TwoSidedNormalSignificance(z));
 
-    studies_.ratioEffects.effectSize.push_back(ExponentOrZero(effectSize));
-    studies_.ratioEffects.variance.push_back(ExponentOrZero(variance));
-    studies_.ratioEffects.stdError.push_back(ExponentOrZero(stdError));
-    studies_.ratioEffects.ciLower.push_back(ExponentOrZero(lower));
-    studies_.ratioEffects.ciUpper.push_back(ExponentOrZero(upper));
+    studies_.ratioEffects.effectSize.push_back(RatioOf(effectSize));
+    studies_.ratioEffects.variance.push_back(RatioOf(variance));
+    studies_.ratioEffects.stdError.push_back(RatioOf(stdError));
+    studies_.ratioEffects.ciLower.push_back(RatioOf(lower));
+    studies_.ratioEffects.ciUpper.push_back(RatioOf(upper));
 }
 
 /// Contrast coefficients are taken as they are: a NaN among them is a non-zero coefficient.

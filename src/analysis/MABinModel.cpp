@@ -15,7 +15,7 @@ namespace {
 
 std::vector<double> Exponentiated(std::vector<double> values)
 {
-    std::transform(values.begin(), values.end(), values.begin(), ExponentOrMissing);
+    std::transform(values.begin(), values.end(), values.begin(), RatioOf);
     return values;
 }
 

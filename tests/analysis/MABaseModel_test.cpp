@@ -173,8 +173,8 @@ TEST(MABaseModel, ClassificationOfReadyMadeEffects)
     }
     // Exponentials that overflow.
     const BinRun huge(BinaryEffectSettings(), {{800, 0.5}});
-    EXPECT_EQ(huge.model.GetExpEffectSize(), Row{0.0});
-    EXPECT_EQ(huge.model.GetEstExpEffectSize(), Row{missing});
+    EXPECT_EQ(huge.model.GetExpEffectSize(), Row{infinity});
+    EXPECT_EQ(huge.model.GetEstExpEffectSize(), Row{infinity});
 }
 
 TEST(MABaseModel, RequiredVariables)

@@ -81,6 +81,8 @@ TEST(JsonReport, WritesMissingAndInfiniteValues)
     EXPECT_EQ(results["EffectSize"], json::array());
     EXPECT_EQ(results["EstEffectSize"], json::array({nullptr}));
     EXPECT_EQ(results["EstStdError"], json::array({"inf"})); // of no studies
+    const Arguments ratio = Effects(folder.Write("r.csv", "effect,variance\n800,1\n")) + "--outcome binary";
+    EXPECT_EQ(ResultsOf(ratio)["EstExpEffectSize"], json::array({"inf"}));
 }
 
 TEST(JsonReport, IsValidWhateverTheBytesOfTheArguments)
