@@ -96,8 +96,9 @@ public:
 
     /// Bubble plot of the studies over each covariate of `settings`: a regression on that covariate alone,
     /// under the model of the run, after `RUN`. Appends an entry per covariate to the bubble lists. Errors:
-    /// 460009 a covariate is not in the variable list, 460011 the iterator cannot be started, 460012 it
-    /// fails or the host cancels.
+    /// 460009 the settings are invalid, or a covariate is not in the variable list, 460060 the code of the
+    /// estimator is unknown (under random effects), 460011 the iterator cannot be started, 460012 it fails or
+    /// the host cancels.
     KXStatus BubblePlot(MultiPassRecordIter& records, const KXVarList& variables,
                         const MARegSettings& settings);
 
