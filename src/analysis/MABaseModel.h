@@ -103,7 +103,8 @@ public:
                         const MARegSettings& settings);
 
 protected:
-    /// Adds warnings for combinations of settings and data that deserve a second look.
+    /// Adds warnings for combinations of settings and data that deserve a second look, once the studies were
+    /// read.
     void CheckInputSettings();
     /// Distinct subgroup values of the studies, ascending.
     std::vector<double> GetUniqGroupElem() const;
@@ -174,6 +175,7 @@ protected:
     /// Whether a model build records its heterogeneity output (else a whole analysis records it once).
     bool RecordsTestOutput() const { return !HasCumulativeValues() && !trimFillRunning_; }
     /// Whether a build on `studyCount` studies records their weights.
+    void AddWarnings(const std::vector<int>& codes);
     bool RecordsWeights(std::size_t studyCount) const
     {
         return !trimFillRunning_ && studyCount == studies_.Count();

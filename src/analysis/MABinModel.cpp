@@ -4,6 +4,7 @@
 #include "meta_analysis/analysis/MAModelRows.h"
 #include "meta_analysis/analysis/TableBuilder.h"
 #include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -51,7 +52,7 @@ KXStatus MABinModel::RunSteps(MultiPassRecordIter& records, const KXVarList& var
     if (ReadStudies(records).IsError())
         return status_;
     CheckInputSettings();
-    AddModelWarnings();
+    AddWarnings(WarningsOfBinaryRun(*settings_));
     PrepareGroups();
     if (BuildModelsByMethod().IsError())
         return status_;
@@ -177,14 +178,6 @@ void MABinModel::AppendLabbeRow(const MASelection& members)
     labbe_.x.push_back(Selected(labbeX_, members));
     labbe_.y.push_back(Selected(labbeY_, members));
     labbe_.weight.push_back(Selected(weights_, members));
-}
-
-void MABinModel::AddModelWarnings()
-{
-    if (modelType_ == MAConst::MODEL_FIXED && weightType_ == MAConst::WEIGHT_INVERSE_VARIANCE)
-        AddWarning(MAStatusCode::BINARY_FIXED_INVERSE_VARIANCE);
-    if (modelType_ == MAConst::MODEL_RANDOM)
-        AddWarning(MAStatusCode::BINARY_RANDOM_EFFECTS);
 }
 
 /// Only raw tables under the fixed-effect model: other combinations pool by inverse variance.

@@ -131,7 +131,6 @@ private:
     bool UsesBinaryPooling() const;
     void ClassifyTable(const Record& record, int recordNumber);
     void TakeEffectSizes(const MABinaryEffectSize& effectSizes);
-    void AddModelWarnings();
     MABinaryFixEffectModel FittedBinModel(MATableColumns& tables);
     void AppendExponentiated();
     KXStatus RunSteps(MultiPassRecordIter& records, const KXVarList& variables);

@@ -49,7 +49,10 @@ KXStatus MAREAlgorithm::BuildModel(MultiPassRecordIter& records)
 
 KXStatus MAREAlgorithm::BuildFrom(MultiPassRecordIter& records)
 {
-    if (Passed(PrepareRows(records)) && Passed(computeTauSquare()) && Passed(FitModel()))
+    if (!Passed(PrepareRows(records)))
+        return status_;
+    WarnOfSettings(true);
+    if (Passed(computeTauSquare()) && Passed(FitModel()))
         FinishBuild(UsesStudentT());
     return status_;
 }

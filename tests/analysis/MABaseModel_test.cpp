@@ -143,6 +143,10 @@ std::vector<int> ExpectedWarnings(const MAModelSettings& settings, std::size_t k
         codes.push_back(k == 1 ? ONE_STUDY : TWO_STUDIES);
     if (settings.GetInputESType() == INPUT_READY_MADE)
         codes.insert(codes.end(), {READY_MADE_EFFECTS, READY_MADE_EFFECTS_AGAIN});
+    if (!isFixed && !settings.GetContrastCoefIndex().empty())
+        codes.push_back(CONTRAST_IGNORED);
+    if (k == 0)
+        codes.push_back(NO_STUDY_IN_RUN);
     if (isBinary && isFixed && settings.GetWeightType() == WEIGHT_INVERSE_VARIANCE)
         codes.push_back(BINARY_FIXED_INVERSE_VARIANCE);
     if (isBinary && !isFixed)
