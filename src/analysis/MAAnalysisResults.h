@@ -257,6 +257,7 @@ protected:
     MAConst::WEIGHTYPE weightType_ = MAConst::WEIGHT_INVERSE_VARIANCE;
     MAConst::KNAPPHADJTYPE knappHartung_ = MAConst::KNAPP_HARTUNG_NONE;
     MAConst::INPUTESTYPE inputType_ = MAConst::INPUT_RAW;
+    MAConst::BINESTYPE effectType_ = MAConst::BIN_ODDS_RATIO; ///< of the studies that were read
 
     MAConst::ZEROADJTYPE zeroAdjustment_ =
         MAConst::ZERO_ADJUST_EACH; ///< of tables, as their effect sizes left it
@@ -288,6 +289,8 @@ protected:
     MAImputedStudies imputed_;
     int imputedCount_ = 0;
     MAFunnelRows funnel_;
+    MAConst::TRIMFSIDE trimmedSide_ =
+        MAConst::TRIM_SIDE_AUTO; ///< of the last trim-and-fill; before one, auto
     MAGalbraithRows galbraith_;
     MARegTestRow regressionTest_;
     std::vector<MARegTestRun> regressionTests_;

@@ -81,8 +81,9 @@ public:
     /// lists keep the overall model. Error 460075 without studies, and those of the pooling classes; warning
     /// 460038 when the number still changed at the iteration limit.
     KXStatus TrimFill();
-    /// The studies that trim-and-fill trims, as set or, if automatic, as the data suggest: the largest where
-    /// the regression-based test has a positive slope, else the smallest.
+    /// The studies that trim-and-fill trimmed; before one, those that it would trim, as set or, if automatic,
+    /// as the data suggest: the largest where the regression-based test has a positive slope, else the
+    /// smallest.
     MAConst::TRIMFSIDE GetTRimFillSide() const;
 
     /// Coordinates of the funnel and Galbraith plots: row 0 all studies, then one row per subgroup.
@@ -216,6 +217,7 @@ private:
     void CalcGalbPlotStatistics(const std::vector<double>& effectSizes, const std::vector<double>& scale);
     void CalcFunnelPlotCILine(double centre);
     void CalcFunnelPlotContours();
+    MAConst::TRIMFSIDE SideToTrim() const;
     double CalcContourXPVal(double yMax, double level) const;
 
     KXStatus ExtractModelInput(MultiPassRecordIter& records);

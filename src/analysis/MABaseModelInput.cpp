@@ -31,6 +31,7 @@ KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
     KXStatus status;
     if (settings_->GetInputESType() == MAConst::INPUT_READY_MADE) {
         ForgetStudies();
+        effectType_ = settings_->GetBinaryEstType();
         studies_.contrastCoefficients.resize(contrastIndices.size());
         const double quantile = TwoSidedNormalQuantile(alpha_);
         status = ReadPass(records, recordCount_, [&](const Record& record, int recordNumber) {

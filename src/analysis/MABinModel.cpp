@@ -328,7 +328,7 @@ std::vector<std::vector<double>> MABinModel::GetCumExpEstCiUpper() const
 
 std::vector<std::vector<double>> MABinModel::ExponentiatedRows(std::vector<std::vector<double>> rows) const
 {
-    if (GetESType() == MAConst::BIN_RISK_DIFFERENCE)
+    if (effectType_ == MAConst::BIN_RISK_DIFFERENCE)
         return {};
     for (std::vector<double>& row : rows)
         row = Exponentiated(std::move(row));

@@ -135,7 +135,6 @@ private:
     void AppendExponentiated();
     KXStatus RunSteps(MultiPassRecordIter& records, const KXVarList& variables);
 
-    MAConst::BINESTYPE effectType_ = MAConst::BIN_ODDS_RATIO;
     std::vector<double>
         labbeX_; ///< of the control group, one entry per study for which effects were computed
     std::vector<double> labbeY_; ///< of the treatment group
