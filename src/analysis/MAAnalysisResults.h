@@ -264,7 +264,8 @@ protected:
     bool trimFillRunning_ = false;
 
     MAStudies studies_;
-    int recordCount_ = 0;
+    static constexpr int unread = -1;
+    int recordCount_ = unread; ///< of the last pass that came to its end
     int missingCount_ = 0;
     int invalidCount_ = 0;
     int droppedCount_ = 0;
@@ -288,9 +289,9 @@ protected:
     MAModelResults filledResults_; ///< trim-and-fill's; during it, the overall model's
     MAImputedStudies imputed_;
     int imputedCount_ = 0;
-    MAFunnelRows funnel_;
     MAConst::TRIMFSIDE trimmedSide_ =
         MAConst::TRIM_SIDE_AUTO; ///< of the last trim-and-fill; before one, auto
+    MAFunnelRows funnel_;
     MAGalbraithRows galbraith_;
     MARegTestRow regressionTest_;
     std::vector<MARegTestRun> regressionTests_;

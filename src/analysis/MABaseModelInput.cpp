@@ -73,7 +73,7 @@ KXStatus MABaseModel::ReviewComputedStudies(MultiPassRecordIter& records,
         }
         ++next;
     });
-    if (!status.IsError() && computedFrom != 0 && recordCount_ != computedFrom)
+    if (!status.IsError() && computedFrom != unread && recordCount_ != computedFrom)
         return KXStatus(MAStatusCode::ITERATOR_FAILED);
     if (!status.IsError() && keptCount != computedCount) {
         studies_.Keep(kept);
@@ -93,7 +93,7 @@ void MABaseModel::ForgetStudies()
 {
     studies_ = MAStudies();
     groups_.clear();
-    recordCount_ = 0;
+    recordCount_ = unread;
     missingCount_ = 0;
     invalidCount_ = 0;
     droppedCount_ = 0;
@@ -108,9 +108,10 @@ void MABaseModel::RequireEffectCopies() const
 
 KXStatus MABaseModel::ForgetIfBroken(const KXStatus& result)
 {
-    const bool lacksEffects = result.IsError() && studies_.Count() != studies_.recordNumber.size();
-    if (lacksEffects || result.GetCode() == MAStatusCode::OUT_OF_MEMORY)
+    if (result.GetCode() == MAStatusCode::OUT_OF_MEMORY)
         ForgetStudies();
+    else if (result.IsError() && studies_.Count() != studies_.recordNumber.size())
+        studies_ = MAStudies();
     return result;
 }
 

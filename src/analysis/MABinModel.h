@@ -119,7 +119,7 @@ private:
     KXStatus BuildModelsByMethod();
     void RunTrimFillUnlessBinary();
     /// False for ready-made effect sizes.
-    bool HasTables() const { return studies_.tables.treatmentEvents.size() == studies_.Count(); }
+    bool HasTables() const { return HasRead() && studies_.tables.treatmentEvents.size() == studies_.Count(); }
     bool HasLabbePlot() const;
     void AppendLabbeRow(const MASelection& members);
     MAExponentiatedRow FilledExponentiated() const

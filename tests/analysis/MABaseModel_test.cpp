@@ -246,6 +246,12 @@ TEST(MABaseModel, FaultsOfTheRecordIterator)
                 EXPECT_EQ(model.GetEstEffectSize().empty(), code != 0);
             }
         }
+        Rows incomplete = rows;
+        incomplete[0].clear();
+        FaultyRecordIter records(incomplete, Faults::REPORTS_ERROR, 2); // at the end of the first
+        std::remove_pointer_t<decltype(driver)> model(settings);
+        model.RUN(records, KXVarList());
+        EXPECT_EQ(model.GetNMissing(), 1); // up to there
     });
 }
 
@@ -275,12 +281,15 @@ TEST(MABaseModel, DirectCalls)
     M early(settings);
     VectorRecordIter records(tables);
     EXPECT_TRUE(early.ESCalc(records).IsOK());
+    M unread(settings);
     BinRun ofEffects(EffectSettings(), effects);
-    for (M* const model : {&early, &ofEffects.model}) {
+    for (M* const model : {&early, &unread, &ofEffects.model}) {
         for (const auto& [name, call] : calls)
             EXPECT_EQ(call(*model), refused) << name;
     }
     EXPECT_EQ(early.BuildSubGroupModel(), refused);
+    EXPECT_EQ(unread.BuildSubGroupModel(), refused);
+    EXPECT_TRUE(BinRun(settings, {}).model.BuildBinSubGroupModel().IsOK()); // read, and nothing usable
     EXPECT_TRUE(early.GetTau2Var().empty());
     EXPECT_TRUE(ofEffects.model.BuildSubGroupModel().IsOK());
 
