@@ -2,6 +2,8 @@
 
 #include "meta_analysis/settings/MAConst.h"
 
+#include <cmath>
+
 namespace MA_NAMESPACE {
 
 /// Whether the likelihood is that of the data (ML) or of their residuals (REML).
@@ -51,6 +53,15 @@ struct MACurveBounds
     double traceSize = 0.0;   ///< k - p (REML) or k (ML): B >= traceSize / (maxVariance + t)
     double residualDf = 0.0;  ///< k - p, p the rank of the predictors
 };
+
+constexpr double logTwoPi = 1.83787706640934548356;
+
+/// The power of 4 in (x / 4, x], for a positive and finite x.
+inline double PowerOf4Below(double x)
+{
+    const int exponent = std::ilogb(x);
+    return std::ldexp(1.0, exponent - (exponent & 1));
+}
 
 /// The likelihood of the between-study variance t, as a curve that can be evaluated at any t >= 0.
 ///

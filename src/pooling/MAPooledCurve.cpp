@@ -8,18 +8,9 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-constexpr double logTwoPi = 1.83787706640934548356;
-
 /// Studies whose terms are added up before they are added to the total: rounding errors grow with this and
 /// with the number of blocks, not with the number of studies.
 constexpr std::size_t blockSize = 256;
-
-/// The power of 4 in (x / 4, x], for a positive and finite x.
-double PowerOf4Below(double x)
-{
-    const int exponent = std::ilogb(x);
-    return std::ldexp(1.0, exponent - (exponent & 1));
-}
 
 double Square(double x)
 {

@@ -10,8 +10,7 @@
 namespace MA_NAMESPACE {
 
 class MADesignMatrix;
-class MARegFit;
-struct MAFittedRows;
+class MARegressionCurve;
 struct MATau2Solution;
 
 /// Between-study variance tau² of k effect sizes y with within-study variances v, or the residual one of a
@@ -56,6 +55,9 @@ public:
     KXStatus SetDiagH(const std::vector<double>* leverages);
     /// In place of leverages h, 1 - h: of a row that dominates it has digits that h has lost.
     KXStatus SetDiagHComplement(std::vector<double> complements);
+    /// Residuals of the same fit, one per row, in place of those that the coefficients give: where predictors
+    /// are far from their mean they have digits that y - x'b has lost.
+    KXStatus SetRegResiduals(std::vector<double> residuals);
     /// Number of parameters p that are not redundant; 1, the mean, without a design matrix. Error 460010
     /// above the parameter count.
     KXStatus SetNonRedundantParamSize(int size);
@@ -107,10 +109,8 @@ private:
     void DLRegEstimator();
     void SJRegEstimator();
     void IterateRegression(MAConst::TAU2ESTIMATOR type);
-    StepSums RegressionSums(MARegFit& fit, bool withHatMatrix);
-    void AddResiduals(const MAFittedRows& rows, StepSums& sums) const;
-    void AddLeverages(const MAFittedRows& rows, StepSums& sums) const;
-    bool HasWeight(std::size_t row) const;
+    void SearchRegression(MAConst::TAU2ESTIMATOR type);
+    StepSums RegressionSums(MARegressionCurve& curve, MAConst::TAU2ESTIMATOR type);
 
     double StepFrom(const StepSums& sums, MAConst::TAU2ESTIMATOR type) const;
     template <class Sums>
@@ -123,6 +123,7 @@ private:
     const MADesignMatrix* design_ = nullptr;
     std::vector<double> coefficients_;
     std::vector<double> leverageComplements_; ///< 1 - h
+    std::vector<double> residuals_;           ///< empty: computed from the coefficients
     int parameterCount_ = 1;
     int nonRedundantCount_ = 1;
     int maxIter_ = 100;

@@ -3,9 +3,11 @@
 #include "meta_analysis/effectsize/MAInputCheck.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
+#include "meta_analysis/pooling/MATau2Search.h"
 #include "meta_analysis/pooling/MATau2Steps.h"
 #include "meta_analysis/regression/MADesignMatrix.h"
-#include "meta_analysis/regression/MARegFit.h"
+#include "meta_analysis/regression/MAProgress.h"
+#include "meta_analysis/regression/MARegressionCurve.h"
 #include "meta_analysis/settings/Guarded.h"
 
 #include <cmath>
@@ -15,9 +17,9 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// The iterative estimators leave out rows whose weight or variance is not above it: such a row tells
-/// nothing, or would decide alone, with squared weights beyond 1e24.
-constexpr double minimumWeight = 1e-12;
+/// The iterative estimators leave out rows whose variance is not above this part of the mean variance: such a
+/// row would decide alone. (One whose weight is as small beside the others' takes more than 1e12 rows.)
+constexpr double negligibleVariance = 1e-12;
 
 } // namespace
 
@@ -74,6 +76,13 @@ KXStatus MATAU2ESTIMATIOR::SetDiagHComplement(std::vector<double> complements)
     return status_;
 }
 
+KXStatus MATAU2ESTIMATIOR::SetRegResiduals(std::vector<double> residuals)
+{
+    if (!status_.IsError())
+        residuals_ = std::move(residuals);
+    return status_;
+}
+
 KXStatus MATAU2ESTIMATIOR::ComputeRegression(MAConst::TAU2ESTIMATOR type)
 {
     if (!design_->IsReady())
@@ -97,7 +106,11 @@ KXStatus MATAU2ESTIMATIOR::ComputeRegression(MAConst::TAU2ESTIMATOR type)
     case MAConst::TAU2_REML:
     case MAConst::TAU2_EB:
         HERegEstimator();
-        if (!status_.IsError())
+        if (status_.IsError())
+            break;
+        if (search_ == MAConst::TAU2_SEARCH_GLOBAL)
+            SearchRegression(type);
+        else
             IterateRegression(type);
         break;
     default:
@@ -119,7 +132,8 @@ double MATAU2ESTIMATIOR::XBETA(const double* row) const
 
 double MATAU2ESTIMATIOR::ResidualOf(std::size_t row) const
 {
-    return design_->Rows().Dependent(row) - XBETA(design_->Rows().Row(row));
+    return row < residuals_.size() ? residuals_[row]
+                                   : design_->Rows().Dependent(row) - XBETA(design_->Rows().Row(row));
 }
 
 /// The divisor of the residual estimators: n - p, which must be positive; 460015 and 0 otherwise.
@@ -197,60 +211,49 @@ void MATAU2ESTIMATIOR::SJRegEstimator()
 
 void MATAU2ESTIMATIOR::IterateRegression(MAConst::TAU2ESTIMATOR type)
 {
-    MARegFit fit(*design_, MAWeightMode::RandomEffects);
-    Tau2IterEstimation(type, [&] { return RegressionSums(fit, type == MAConst::TAU2_REML); });
+    MARegressionCurve curve(design_->Columns(), design_->Rows().variances, MALikelihoodType::Restricted);
+    curve.LeaveOutUpTo(negligibleVariance * design_->MeanVariance());
+    const MARegSettings& settings = design_->GetSettings();
+    MAProgress progress(settings, settings.GetIterProgressListener());
+    Tau2IterEstimation(type, [&] {
+        StepSums sums = RegressionSums(curve, type);
+        if (!progress.Step())
+            status_ = KXStatus(MAStatusCode::ITERATOR_FAILED);
+        return sums;
+    });
+}
+
+/// From the Hedges estimate. The host may cancel before it.
+void MATAU2ESTIMATIOR::SearchRegression(MAConst::TAU2ESTIMATOR type)
+{
+    const MARegSettings& settings = design_->GetSettings();
+    if (!MAProgress(settings, settings.GetIterProgressListener()).Step()) {
+        status_ = KXStatus(MAStatusCode::ITERATOR_FAILED);
+        return;
+    }
+    MARegressionCurve curve(design_->Columns(), design_->Rows().variances, LikelihoodOf(type));
+    const double start = tau2_;
+    StoreSolution(SolveTau2(curve, type, start / curve.Unit()), curve.Unit());
+    if (convergence_ == MAConst::TAU2_STEP_NOT_FINITE)
+        tau2_ = start;
 }
 
 /// Refits the regression at the current tau² and takes the sums of its residuals; of its leverages only where
 /// they are needed, for they cost O(p²) a row.
-MATAU2ESTIMATIOR::StepSums MATAU2ESTIMATIOR::RegressionSums(MARegFit& fit, bool withHatMatrix)
+MATAU2ESTIMATIOR::StepSums MATAU2ESTIMATIOR::RegressionSums(MARegressionCurve& curve,
+                                                            MAConst::TAU2ESTIMATOR type)
 {
+    const MAProjectionSums fitted = curve.SumsAt(tau2_ / curve.Unit(), type == MAConst::TAU2_REML);
     StepSums sums;
-    fit.SetTau2(tau2_);
-    const KXStatus fitted = withHatMatrix ? fit.FitWithSquares() : fit.Fit();
-    if (fitted.IsError()) {
-        status_ = fitted;
-        return sums;
-    }
-    fit.VisitRows(withHatMatrix, [&](const MAFittedRows& rows) {
-        AddResiduals(rows, sums);
-        if (withHatMatrix)
-            AddLeverages(rows, sums);
-    });
-    if (withHatMatrix)
-        sums.tracePP += fit.SquaredHatTrace();
+    sums.unit = curve.Unit();
+    sums.count = fitted.count;
+    sums.w1 = fitted.weights;
+    sums.w2 = fitted.squaredWeights;
+    sums.wr2 = fitted.yPy;
+    sums.w2r2 = fitted.yPPy;
+    sums.traceP = fitted.traceP;
+    sums.tracePP = fitted.tracePP;
     return sums;
-}
-
-/// On a copy, which registers can hold; all sums together are more than they hold.
-void MATAU2ESTIMATIOR::AddResiduals(const MAFittedRows& rows, StepSums& sums) const
-{
-    StepSums added = sums;
-    for (std::size_t i = 0; i < rows.count; ++i) {
-        if (HasWeight(rows.first + i))
-            added.Add(rows.weights[i], rows.residuals[i]);
-    }
-    sums = added;
-}
-
-void MATAU2ESTIMATIOR::AddLeverages(const MAFittedRows& rows, StepSums& sums) const
-{
-    double traceP = sums.traceP;
-    double tracePP = sums.tracePP;
-    for (std::size_t i = 0; i < rows.count; ++i) {
-        if (!HasWeight(rows.first + i))
-            continue;
-        const double weight = rows.weights[i];
-        traceP += rows.leverageComplements[i] * weight;
-        tracePP += (2.0 * rows.leverageComplements[i] - 1.0) * weight * weight;
-    }
-    sums.traceP = traceP;
-    sums.tracePP = tracePP;
-}
-
-bool MATAU2ESTIMATIOR::HasWeight(std::size_t row) const
-{
-    return design_->Rows().weights[row] > minimumWeight && design_->Rows().variances[row] > minimumWeight;
 }
 
 } // namespace MA_NAMESPACE

@@ -21,6 +21,7 @@ inline double Square(double x)
 /// and leverages h.
 struct MATAU2ESTIMATIOR::StepSums
 {
+    double unit = 1.0; ///< of the variances that the sums are counted in
     double count = 0.0;
     double w1 = 0.0;     ///< sum(w)
     double w2 = 0.0;     ///< sum(w²)
@@ -49,7 +50,8 @@ template <class Sums>
 void MATAU2ESTIMATIOR::Tau2IterEstimation(MAConst::TAU2ESTIMATOR type, Sums sumsAtTau2)
 {
     for (evaluations_ = 0; evaluations_ < maxIter_;) {
-        const double step = StepFrom(sumsAtTau2(), type);
+        const StepSums sums = sumsAtTau2();
+        const double step = StepFrom(sums, type) * sums.unit;
         ++evaluations_;
         convergence_ = MAConst::TAU2_STEP_BELOW_TOLERANCE;
         if (status_.IsError() || tolerance_ > std::abs(step) || !TakeStep(step))

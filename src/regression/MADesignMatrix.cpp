@@ -3,6 +3,7 @@
 #include "meta_analysis/platform/common/KXDisplay_940.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/regression/FactorLevel.h"
+#include "meta_analysis/regression/MAOrthonormalColumns.h"
 #include "meta_analysis/regression/MAProgress.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -214,7 +215,14 @@ KXStatus MADesignMatrix::CacheRows()
     rows_.variances.reserve(expected);
 
     const KXStatus read = ReadRows();
-    rowsCached_ = !read.IsError();
+    if (read.IsError())
+        return read;
+    columns_ = std::make_unique<const MAOrthonormalColumns>(rows_, hasIntercept_,
+                                                            settings_->GetComputationalTolerance());
+    meanVariance_ = 0.0;
+    for (const double variance : rows_.variances)
+        meanVariance_ += variance / static_cast<double>(rows_.Count());
+    rowsCached_ = true;
     return read;
 }
 

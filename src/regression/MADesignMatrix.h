@@ -17,6 +17,8 @@
 
 namespace MA_NAMESPACE {
 
+class MAOrthonormalColumns;
+
 /// The usable rows of a meta-regression in one contiguous block: k rows of p predictors and the dependent.
 struct MADesignRows
 {
@@ -79,6 +81,12 @@ public:
     /// Whether the rows are cached, so that a regression can be fitted.
     bool IsReady() const { return rowsCached_; }
     const MADesignRows& Rows() const { return rows_; }
+    /// The columns of `Rows()` made orthonormal, once they are cached; redundancy is decided by the
+    /// computational tolerance of the settings.
+    const MAOrthonormalColumns& Columns() const { return *columns_; }
+
+    /// Of the rows; what a variance is compared with to call it negligible.
+    double MeanVariance() const { return meanVariance_; }
 
     const MARegSettings& GetSettings() const { return *settings_; }
     int GetParamSize() const { return paramSize_; }
@@ -124,6 +132,8 @@ private:
     bool columnsFixed_ = false;
     MultiPassRecordIter* records_ = nullptr; ///< attached, not owned
     MADesignRows rows_;
+    std::unique_ptr<const MAOrthonormalColumns> columns_;
+    double meanVariance_ = 0.0;
     bool rowsCached_ = false;
 };
 

@@ -46,7 +46,6 @@ KXStatus MAFEAlgorithm::FitModel()
     fit_ = std::make_unique<MARegFit>(*design_);
     if (!Passed(fit_->Fit()))
         return status_;
-    fit_->RefineCoefficients();
     if (settings_->HasMultiDisper() && !Passed(fit_->ComputeDispersion()))
         return status_;
     if (usedByBubblePlot_)

@@ -16,8 +16,8 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// Below it a variance, or a sum that divides, counts as zero: of effects of order 1, squared rounding errors
-/// leave less.
+/// A variance below this part of the mean within-study variance counts as zero, and so does the inverse of
+/// one: squared rounding errors leave less.
 constexpr double negligible = 1e-12;
 
 /// Weights of the fit from which Hunter and Schmidt's residuals are taken. Their published estimator has
@@ -62,7 +62,6 @@ KXStatus MAREAlgorithm::FitModel()
     fit_ = std::make_unique<MARegFit>(*design_, MAWeightMode::RandomEffects, tau2_);
     if (!Passed(fit_->Fit()))
         return status_;
-    fit_->RefineCoefficients();
     if (usedByBubblePlot_)
         return status_;
     if (settings_->IsKnapHartAdjust())
@@ -141,10 +140,11 @@ KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::v
     estimator.SetDesignMatrix(design_.get());
     estimator.SetRegCoef(&fit.Coefficients());
     estimator.SetNonRedundantParamSize(fit.NonRedundantCount());
+    estimator.SetRegResiduals(fit.Residuals());
     estimator.SetDiagHComplement(fit.LeverageComplements());
     if (variances != nullptr)
         estimator.SetVariances(variances);
-    SetIterationLimits(estimator);
+    SetSearch(estimator);
     const KXStatus estimated = estimator.ComputeTau2Variance(static_cast<MAConst::TAU2ESTIMATOR>(type));
     if (!estimated.IsError())
         tau2_ = estimator.GetBetweenStudyVariannce();
@@ -182,18 +182,19 @@ KXStatus MAREAlgorithm::computeTau2C(double& tau2) const
     MATAU2ESTIMATIOR estimator;
     estimator.SetEffectSizes(&effectSizes);
     estimator.SetVariances(&rows.variances);
-    SetIterationLimits(estimator);
+    SetSearch(estimator);
     const KXStatus estimated =
         estimator.ComputeTau2Variance(static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType()));
     tau2 = estimator.GetBetweenStudyVariannce();
     return estimated;
 }
 
-void MAREAlgorithm::SetIterationLimits(MATAU2ESTIMATIOR& estimator) const
+void MAREAlgorithm::SetSearch(MATAU2ESTIMATIOR& estimator) const
 {
     estimator.SetMaxIter(settings_->GetMaxIterations());
     estimator.SetMaxStepHalving(settings_->GetMaxStepHalvingValue());
     estimator.SetConverTol(settings_->GetParameterTolerance());
+    estimator.SetTau2Search(settings_->GetTau2Search());
 }
 
 /// Residual Q comes from the fixed-effect fit, and so does the typical within-study variance s² = (k - p) / T
@@ -209,10 +210,12 @@ KXStatus MAREAlgorithm::MeasureHeterogeneity()
     residualDf_ = fixed.ResidualDf();
 
     const double trace = fixed.WeightedResidualTrace();
-    const double typicalVariance = std::abs(trace) >= negligible ? residualDf_ / trace : 0.0;
+    const double meanVariance = design_->MeanVariance();
+    const double least = negligible * meanVariance;
+    const double typicalVariance = trace * meanVariance >= negligible ? residualDf_ / trace : 0.0;
     const MAHeterogeneityMeasures measures = HeterogeneityFromTau2(tau2_, typicalVariance);
-    residualI2_ = std::abs(tau2_ + typicalVariance) < negligible ? 0.0 : measures.i2;
-    residualH2_ = std::abs(typicalVariance) < negligible ? 0.0 : measures.h2;
+    residualI2_ = tau2_ + typicalVariance < least ? 0.0 : measures.i2;
+    residualH2_ = typicalVariance < least ? 0.0 : measures.h2;
     return status_;
 }
 
@@ -221,7 +224,8 @@ void MAREAlgorithm::MeasureExplained()
 {
     double withoutPredictors = 0.0;
     rSquare_ = 0.0;
-    if (!computeTau2C(withoutPredictors).IsError() && withoutPredictors >= negligible)
+    if (!computeTau2C(withoutPredictors).IsError() &&
+        withoutPredictors >= negligible * design_->MeanVariance())
         rSquare_ = std::max(0.0, (withoutPredictors - tau2_) / withoutPredictors);
 }
 

@@ -37,7 +37,7 @@ private:
     KXStatus computeInitTau2(double& tau2) const;
     KXStatus computeTau2C(double& tau2) const;
     KXStatus EstimateTau2(const MARegFit& fit, int type, const std::vector<double>* variances);
-    void SetIterationLimits(MATAU2ESTIMATIOR& estimator) const;
+    void SetSearch(MATAU2ESTIMATIOR& estimator) const;
     void ScaleByKnappHartung();
     KXStatus MeasureHeterogeneity();
     void MeasureExplained();

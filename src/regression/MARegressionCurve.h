@@ -1,0 +1,47 @@
+#pragma once
+
+#include "meta_analysis/pooling/MALikelihoodCurve.h"
+#include "meta_analysis/regression/MAWeightedFit.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+/// The likelihood of the residual between-study variance of a meta-regression.
+///
+/// Each evaluation fits the orthonormal columns anew, with weights 1 / (v + t), in two passes over the rows.
+/// The sums keep their digits where a study dominates or the variances span many powers of ten; see
+/// `MAWeightedFit`. The restricted likelihood has log det X'X added, and so does not depend on the units of
+/// the predictors. Columns and variances are the caller's and must outlive the object.
+class MARegressionCurve : public MALikelihoodCurve
+{
+public:
+    /// Positive and finite variances, one for each row of `columns`.
+    MARegressionCurve(const MAOrthonormalColumns& columns, const std::vector<double>& variances,
+                      MALikelihoodType type);
+
+    MALikelihoodTerms At(double t) override;
+    MAGeneralizedQ QAt(double t) override;
+    double LogLikelihood(double t) override;
+
+    /// Rows of variances up to this one remain in the fits of `SumsAt`, but their terms not in the sums.
+    void LeaveOutUpTo(double variance);
+    /// Sums at t, in the curve's units; with the traces only `withTraces`, which costs O(p²) a row.
+    MAProjectionSums SumsAt(double t, bool withTraces);
+
+private:
+    void Weigh(double t);
+    void MeasureBounds();
+    void LeaveOut(MAProjectionSums& sums, bool withTraces) const;
+    double LogDeterminant() const;
+
+    const MAOrthonormalColumns* columns_;
+    const std::vector<double>* variances_;
+    MALikelihoodType type_;
+    MAWeightedFit fit_;
+    std::vector<double> weights_;
+    std::vector<std::size_t> leftOut_;
+};
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,45 @@
+#pragma once
+
+#include <cmath>
+#include <cstddef>
+#include <limits>
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+/// Square matrix of the few dimensions of a regression, row after row.
+class MASquareMatrix
+{
+public:
+    explicit MASquareMatrix(std::size_t size = 0) : size_(size), elements_(size * size) {}
+
+    std::size_t Size() const { return size_; }
+    double& operator()(std::size_t row, std::size_t col) { return elements_[row * size_ + col]; }
+    double operator()(std::size_t row, std::size_t col) const { return elements_[row * size_ + col]; }
+
+private:
+    std::size_t size_;
+    std::vector<double> elements_;
+};
+
+/// Solves R'x = b in place for an upper triangle R.
+inline void SolveTransposed(const MASquareMatrix& upper, double* x)
+{
+    for (std::size_t i = 0; i < upper.Size(); ++i) {
+        for (std::size_t j = 0; j < i; ++j)
+            x[i] -= upper(j, i) * x[j];
+        x[i] /= upper(i, i);
+    }
+}
+
+/// Solves Rx = b in place for an upper triangle R.
+inline void SolveUpper(const MASquareMatrix& upper, double* x)
+{
+    for (std::size_t i = upper.Size(); i-- > 0;) {
+        for (std::size_t j = i + 1; j < upper.Size(); ++j)
+            x[i] -= upper(i, j) * x[j];
+        x[i] /= upper(i, i);
+    }
+}
+
+} // namespace MA_NAMESPACE
