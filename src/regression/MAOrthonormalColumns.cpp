@@ -3,7 +3,6 @@
 #include "meta_analysis/regression/MADesignMatrix.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 #include <limits>
 #include <utility>
@@ -18,17 +17,17 @@ using Values = std::vector<double>;
 /// and what they are computed from are rounded.
 constexpr double roundingShare = 16.0 * std::numeric_limits<double>::epsilon();
 
-/// Sums in stretches of `width` sums side by side: short sums keep the rounding error of many rows small, and
-/// vector instructions add them.
+/// Sums side by side in stretches: short sums keep the rounding error of many rows small, and vector
+/// instructions add them.
 template <class Term>
 double SumOf(std::size_t count, Term term)
 {
-    constexpr std::size_t width = 8;
+    constexpr std::size_t width = 4;
     constexpr std::size_t stretch = 512;
     double total = 0.0;
     for (std::size_t first = 0; first < count; first += stretch) {
         const std::size_t end = std::min(count, first + stretch);
-        std::array<double, width> sums{};
+        double sums[width] = {};
         std::size_t i = first;
         for (; i + width <= end; i += width) {
             for (std::size_t j = 0; j < width; ++j)
@@ -36,121 +35,115 @@ double SumOf(std::size_t count, Term term)
         }
         for (; i < end; ++i)
             sums[0] += term(i);
-        for (const double sum : sums)
-            total += sum;
+        total += (sums[0] + sums[1]) + (sums[2] + sums[3]);
     }
     return total;
 }
 
-double MeanOf(const Values& values)
-{
-    return SumOf(values.size(), [v = values.data()](std::size_t i) { return v[i]; }) /
-           static_cast<double>(values.size());
-}
-
-/// With weights relative to the largest, of which no sum overflows.
-double WeightedMeanOf(const Values& values, const Values& weights)
-{
-    const double largest = *std::max_element(weights.begin(), weights.end());
-    const auto weightAt = [&](std::size_t i) { return weights[i] / largest; };
-    const double sum = SumOf(values.size(), [&](std::size_t i) { return weightAt(i) * values[i]; });
-    return sum / SumOf(values.size(), weightAt);
-}
-
-/// Products of deviations from two values.
-double DotAbout(const Values& left, double leftMean, const Values& right, double rightMean)
+/// Of products of deviations from two values.
+double DotAbout(const Values& left, double leftOrigin, const Values& right, double rightOrigin)
 {
     return SumOf(left.size(), [=, a = left.data(), b = right.data()](std::size_t i) {
-        return (a[i] - leftMean) * (b[i] - rightMean);
+        return (a[i] - leftOrigin) * (b[i] - rightOrigin);
     });
 }
 
-void Subtract(Values& values, double factor, const Values& column)
+void Multiply(Values& values, double factor)
 {
-    for (std::size_t i = 0; i < values.size(); ++i)
-        values[i] -= factor * column[i];
+    for (double& value : values)
+        value *= factor;
 }
 
-/// The power of two below the largest magnitude; 0 for a column of zeros.
-double ScaleOf(const Values& values)
+/// Replaces each value by `change(value, i)`, and returns the mean of the new ones.
+template <class Change>
+double MeanAfter(Values& values, Change change)
 {
-    double largest = 0.0;
-    for (const double value : values)
-        largest = std::max(largest, std::abs(value));
-    return largest == 0.0 ? 0.0 : std::ldexp(1.0, std::ilogb(largest));
+    const double sum =
+        SumOf(values.size(), [&, v = values.data()](std::size_t i) { return v[i] = change(v[i], i); });
+    return sum / static_cast<double>(values.size());
+}
+
+/// Weights relative to the largest, of which no sum overflows.
+Values RelativeWeights(const Values& weights)
+{
+    Values relative = weights;
+    if (!weights.empty())
+        Multiply(relative, 1.0 / *std::max_element(weights.begin(), weights.end()));
+    return relative;
 }
 
 } // namespace
 
-/// Counted from its centre.
+/// Counted from its centre, if there is an intercept before it.
 struct MAOrthonormalColumns::Column
 {
     Values values;
-    double scale;
-    double centre;
-    double rawSquares; ///< before the centre was subtracted
+    double scale = 1.0;
+    double centre = 0.0;
+    double origin = 0.0; ///< unweighted mean, from which the sums of squares are taken
+
+    double Squares() const { return DotAbout(values, origin, values, origin); }
 };
 
 MAOrthonormalColumns::MAOrthonormalColumns(const MADesignRows& rows, bool hasIntercept, double tolerance)
     : rowCount_(rows.Count()), hasIntercept_(hasIntercept), nonRedundant_(rows.columnCount)
 {
+    const Values weights = RelativeWeights(rows.weights);
+    const double weightSum = SumOf(rowCount_, [&](std::size_t i) { return weights[i]; });
     for (std::size_t j = 0; j < rows.columnCount; ++j)
-        AddColumn(rows, j, tolerance);
+        AddColumn(ColumnOf(rows, j), weights, weightSum, j, tolerance);
     upper_ = MASquareMatrix(Rank());
     for (std::size_t j = 0; j < Rank(); ++j) {
         for (std::size_t i = 0; i <= j; ++i)
             upper_(i, j) = r_[j][i];
     }
-    AddDependent(rows);
+    AddDependent(ColumnOf(rows, rows.columnCount), weights, weightSum);
     work_ = {};
     r_ = {};
 }
 
-MAOrthonormalColumns::Column MAOrthonormalColumns::ScaledColumn(const MADesignRows& rows,
-                                                                std::size_t position) const
+/// The scale is the power of two below the largest magnitude; 0 for a column of zeros.
+MAOrthonormalColumns::Column MAOrthonormalColumns::ColumnOf(const MADesignRows& rows,
+                                                            std::size_t position) const
 {
-    Column column{Values(rowCount_), 0.0, 0.0, 0.0};
-    for (std::size_t i = 0; i < rowCount_; ++i)
+    Column column;
+    column.values.resize(rowCount_);
+    double largest = 0.0;
+    for (std::size_t i = 0; i < rowCount_; ++i) {
         column.values[i] = rows.Row(i)[position];
-    column.scale = ScaleOf(column.values);
-    if (column.scale == 0.0)
-        return column;
-    for (double& value : column.values)
-        value /= column.scale;
-    column.rawSquares = DotAbout(column.values, 0.0, column.values, 0.0);
-    if (hasIntercept_ && position > 0) {
-        column.centre = WeightedMeanOf(column.values, rows.weights);
-        for (double& value : column.values)
-            value -= column.centre;
+        largest = std::max(largest, std::abs(column.values[i]));
     }
+    column.scale = largest == 0.0 ? 0.0 : std::ldexp(1.0, std::ilogb(largest));
     return column;
 }
 
-/// 0 for the intercept's column itself and without one.
-double MAOrthonormalColumns::OriginOf(const Values& values) const
+/// Divides the column by its scale and, beside an intercept, counts it from its centre.
+void MAOrthonormalColumns::Centre(Column& column, const Values& weights, double weightSum) const
 {
-    return hasIntercept_ && !work_.empty() ? MeanOf(values) : 0.0;
+    const double factor = 1.0 / column.scale;
+    if (!HasIntercept())
+        return Multiply(column.values, factor);
+    const double centre = DotAbout(column.values, 0.0, weights, 0.0) / weightSum * factor;
+    column.origin = MeanAfter(column.values, [=](double x, std::size_t) { return x * factor - centre; });
+    column.centre = centre;
 }
 
-double MAOrthonormalColumns::SquaresOf(const Values& values) const
+void MAOrthonormalColumns::AddColumn(Column column, const Values& weights, double weightSum,
+                                     std::size_t position, double tolerance)
 {
-    const double origin = OriginOf(values);
-    return DotAbout(values, origin, values, origin);
-}
-
-void MAOrthonormalColumns::AddColumn(const MADesignRows& rows, std::size_t position, double tolerance)
-{
-    Column column = ScaledColumn(rows, position);
-    const double squares = SquaresOf(column.values);
+    if (column.scale == 0.0)
+        return;
+    Centre(column, weights, weightSum);
+    const double mean = column.centre + column.origin;
+    const double squares = column.Squares();
+    const double rawSquares = squares + static_cast<double>(rowCount_) * mean * mean;
     Values shares(Rank() + 1);
-    Orthogonalize(column.values, shares.data());
-    const double left = SquaresOf(column.values);
-    if (!(left > tolerance * squares && left > roundingShare * roundingShare * column.rawSquares))
+    const double left = Orthogonalize(column, squares, shares.data());
+    if (!(left > tolerance * squares && left > roundingShare * roundingShare * rawSquares))
         return;
     shares.back() = std::sqrt(left);
-    for (double& value : column.values)
-        value /= shares.back();
-    origins_.push_back(OriginOf(column.values));
+    Multiply(column.values, 1.0 / shares.back());
+    origins_.push_back(column.origin / shares.back());
     nonRedundant_.Set(position);
     kept_.push_back(position);
     scales_.push_back(column.scale);
@@ -159,40 +152,44 @@ void MAOrthonormalColumns::AddColumn(const MADesignRows& rows, std::size_t posit
     work_.push_back(std::move(column.values));
 }
 
-void MAOrthonormalColumns::Orthogonalize(Values& values, double* shares) const
+/// Returns the sum of squares that is left. A second time only where the first left less than half of it:
+/// otherwise the rounding of the first is as small beside what is left as beside all.
+double MAOrthonormalColumns::Orthogonalize(Column& column, double squares, double* shares) const
 {
-    for (int pass = 0; pass < 2; ++pass) {
+    double left = squares;
+    for (int pass = 0; pass < 2 && (pass == 0 || left < 0.5 * squares); ++pass) {
         for (std::size_t j = hasIntercept_ ? 1 : 0; j < work_.size(); ++j) {
-            const double share = DotAbout(work_[j], origins_[j], values, OriginOf(values));
+            const double share = DotAbout(work_[j], origins_[j], column.values, column.origin);
             shares[j] += share;
-            Subtract(values, share, work_[j]);
+            const auto subtract = [share, z = work_[j].data()](double x, std::size_t i) {
+                return x - share * z[i];
+            };
+            const double mean = MeanAfter(column.values, subtract);
+            column.origin = HasIntercept() ? mean : 0.0;
         }
+        left = column.Squares();
     }
+    return left;
 }
 
-void MAOrthonormalColumns::AddDependent(const MADesignRows& rows)
+void MAOrthonormalColumns::AddDependent(Column dependent, const Values& weights, double weightSum)
 {
-    Values residuals(rowCount_);
-    for (std::size_t i = 0; i < rowCount_; ++i)
-        residuals[i] = rows.Dependent(i);
-    if (hasIntercept_ && rowCount_ > 0) {
-        dependentCentre_ = WeightedMeanOf(residuals, rows.weights);
-        for (double& value : residuals)
-            value -= dependentCentre_;
-    }
+    dependent.scale = 1.0;
+    Centre(dependent, weights, weightSum);
+    dependentCentre_ = dependent.centre;
     unweighted_.assign(Rank(), 0.0);
-    Orthogonalize(residuals, unweighted_.data());
-    residualSum_ = SquaresOf(residuals);
-    StoreRows(residuals);
+    residualSum_ = Orthogonalize(dependent, dependent.Squares(), unweighted_.data());
+    StoreRows(dependent.values);
 }
 
 void MAOrthonormalColumns::StoreRows(const Values& residuals)
 {
     cells_.resize(rowCount_ * (Rank() + 1));
-    for (std::size_t j = 0; j <= Rank(); ++j) {
-        const Values& column = j < Rank() ? work_[j] : residuals;
-        for (std::size_t i = 0; i < rowCount_; ++i)
-            cells_[i * (Rank() + 1) + j] = column[i];
+    double* cell = cells_.data();
+    for (std::size_t i = 0; i < rowCount_; ++i) {
+        for (const Values& column : work_)
+            *cell++ = column[i];
+        *cell++ = residuals[i];
     }
 }
 

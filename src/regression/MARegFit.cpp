@@ -75,11 +75,10 @@ void MARegFit::ComputeCoefficients()
     coefficients_.assign(columns_->NonRedundant().Size(), KXMV::Missing());
     for (std::size_t j = 0; j < columns_->Rank(); ++j) {
         const std::vector<double> direction = columns_->DirectionOfCoefficient(j);
+        const double start = j == 0 && design_->HasIntercept() ? columns_->DependentCentre() : 0.0;
         coefficients_[columns_->Kept()[j]] =
-            std::inner_product(direction.begin(), direction.end(), coordinates_.begin(), 0.0);
+            std::inner_product(direction.begin(), direction.end(), coordinates_.begin(), start);
     }
-    if (design_->HasIntercept() && columns_->NonRedundant().Test(0))
-        coefficients_[0] += columns_->DependentCentre();
 }
 
 /// Before scaling, of d'g: |R'⁻¹d|.
@@ -171,7 +170,7 @@ void MARegFit::ComputeCoefficientTests(bool useStudentT)
 MAModelTest MARegFit::TestModel(bool asF) const
 {
     const std::size_t rank = columns_->Rank();
-    const std::size_t first = design_->HasIntercept() && columns_->NonRedundant().Test(0) ? 1 : 0;
+    const std::size_t first = design_->HasIntercept() && rank > 0 ? 1 : 0;
     MAModelTest test;
     test.df1 = static_cast<int>(rank - first);
     test.df2 = ResidualDf();

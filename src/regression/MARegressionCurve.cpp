@@ -36,10 +36,10 @@ void MARegressionCurve::Weigh(double t)
         weights[i] = unit / (variances[i] + shift);
 }
 
-MAProjectionSums MARegressionCurve::SumsAt(double t, bool withTraces)
+MAProjectionSums MARegressionCurve::SumsAt(double t, bool withTraces, bool withCubic)
 {
     Weigh(t);
-    MAProjectionSums sums = fit_.FitAndSum(weights_, withTraces);
+    MAProjectionSums sums = fit_.FitAndSum(weights_, withTraces, withCubic);
     sums.yPy /= unit_;
     sums.yPPy /= unit_;
     sums.yPPPy /= unit_;
@@ -90,7 +90,7 @@ void MARegressionCurve::LeaveOut(MAProjectionSums& sums, bool withTraces) const
 MALikelihoodTerms MARegressionCurve::At(double t)
 {
     const bool isRestricted = type_ == MALikelihoodType::Restricted;
-    const MAProjectionSums sums = SumsAt(t, isRestricted);
+    const MAProjectionSums sums = SumsAt(t, isRestricted, true);
     return {sums.yPPy, -2.0 * sums.yPPPy, isRestricted ? sums.traceP : sums.weights,
             isRestricted ? -sums.tracePP : -sums.squaredWeights};
 }

@@ -27,8 +27,8 @@ public:
 
     /// Rows of variances up to this one remain in the fits of `SumsAt`, but their terms not in the sums.
     void LeaveOutUpTo(double variance);
-    /// Sums at t, in the curve's units; with the traces only `withTraces`, which costs O(p²) a row.
-    MAProjectionSums SumsAt(double t, bool withTraces);
+    /// Sums at t, in the curve's units; y'PPPy and, at O(p²) a row, the traces only where asked for.
+    MAProjectionSums SumsAt(double t, bool withTraces, bool withCubic = false);
 
 private:
     void Weigh(double t);

@@ -96,21 +96,23 @@ void MAWeightedFit::FitAboutBasicRows(const Values& weights, bool withSquares)
     Solve(withSquares);
 }
 
-MAProjectionSums MAWeightedFit::FitAndSum(const Values& weights, bool withTraces)
+MAProjectionSums MAWeightedFit::FitAndSum(const Values& weights, bool withTraces, bool withCubic)
 {
-    double uncorrected = 0.0;
     Fit(weights, withTraces);
-    MAProjectionSums sums = Sums(withTraces, uncorrected);
-    if (HasBasicRows() || IsExact(sums, uncorrected, withTraces))
+    const MAProjectionSums sums = Sums(withTraces, withCubic);
+    if (HasBasicRows() || IsExact(sums, withTraces))
         return sums;
     FitAboutBasicRows(weights, withTraces);
-    return Sums(withTraces, uncorrected);
+    return Sums(withTraces, withCubic);
 }
 
 /// Whether the sums are large enough a part of those that they are differences of: the residuals, whose
-/// error counts once in each factor, of `uncorrected` = Σ w² y².
-bool MAWeightedFit::IsExact(const MAProjectionSums& sums, double uncorrected, bool withTraces) const
+/// error counts once in each factor, of y'WWy.
+bool MAWeightedFit::IsExact(const MAProjectionSums& sums, bool withTraces) const
 {
+    double uncorrected = withTraces ? squaredProducts_.Get(Rank(), Rank()) : 0.0;
+    for (std::size_t i = 0; !withTraces && i < given_->size(); ++i)
+        uncorrected += Square((*given_)[i] * Row(i)[Rank()]);
     const bool hasResiduals = sums.yPPy >= Square(smallestShare) * uncorrected;
     const bool hasTraces =
         sums.traceP >= smallestShare * sums.weights && sums.tracePP >= smallestShare * sums.squaredWeights;
@@ -340,13 +342,12 @@ std::vector<double> MAWeightedFit::LeverageComplements()
 struct MAWeightedFit::RowSums
 {
     MAProjectionSums sums;
-    Values shift;             ///< -v_B
-    Values products;          ///< U'Ws
-    double squares = 0.0;     ///< s'Ws
-    double uncorrected = 0.0; ///< y'WWy
+    Values shift;         ///< -v_B
+    Values products;      ///< U'Ws
+    double squares = 0.0; ///< s'Ws
 };
 
-MAProjectionSums MAWeightedFit::Sums(bool withTraces, double& uncorrected) const
+MAProjectionSums MAWeightedFit::Sums(bool withTraces, bool withCubic) const
 {
     RowSums rowSums;
     rowSums.shift.resize(Rank());
@@ -354,40 +355,54 @@ MAProjectionSums MAWeightedFit::Sums(bool withTraces, double& uncorrected) const
     for (std::size_t b = 0; b < basicRows_.size(); ++b)
         rowSums.shift[b] = basicWeights_[b] * fitted_[b];
     VisitRows(withTraces, [&](const MAFittedRows& rows) {
-        AddResiduals(rows, rowSums);
+        AddResiduals(rows, rowSums.sums);
+        if (withCubic)
+            AddProducts(rows, rowSums);
         if (withTraces)
             AddLeverages(rows, rowSums.sums);
     });
     rowSums.sums.count = static_cast<double>(given_->size());
-    rowSums.sums.yPPPy = CubicForm(rowSums);
+    if (withCubic)
+        rowSums.sums.yPPPy = CubicForm(rowSums);
     AddBasicRows(rowSums.sums);
     if (withTraces)
         AddTraces(rowSums.sums);
-    uncorrected = rowSums.uncorrected;
     return rowSums.sums;
 }
 
 /// On a copy, which registers can hold.
-void MAWeightedFit::AddResiduals(const MAFittedRows& rows, RowSums& total) const
+void MAWeightedFit::AddResiduals(const MAFittedRows& rows, MAProjectionSums& total) const
 {
-    std::array<double, stretch> weighted; // Ws
     const double* const weights = Weights(rows.first);
-    RowSums added;
+    MAProjectionSums added;
+    for (std::size_t i = 0; i < rows.count; ++i) {
+        const double weight = weights[i];
+        const double weighted = weight * rows.residuals[i];
+        added.yPy += weighted * rows.residuals[i];
+        added.yPPy += weighted * weighted;
+        added.weights += weight;
+        added.squaredWeights += weight * weight;
+    }
+    total.yPy += added.yPy;
+    total.yPPy += added.yPPy;
+    total.weights += added.weights;
+    total.squaredWeights += added.squaredWeights;
+}
+
+/// What `CubicForm` takes.
+void MAWeightedFit::AddProducts(const MAFittedRows& rows, RowSums& total) const
+{
+    const double* const weights = Weights(rows.first);
+    std::array<double, stretch> weighted; // Ws
+    double squares = 0.0;
     WithUnrolledSize(Rank() + 1, [&](auto size) {
         const double* row = Row(rows.first);
         for (std::size_t i = 0; i < rows.count; ++i, row += size) {
-            const double weight = weights[i];
-            const double v = weight * rows.residuals[i];
-            double s = v;
+            double s = weights[i] * rows.residuals[i];
             for (std::size_t j = 0; j + 1 < size; ++j)
                 s += row[j] * total.shift[j];
-            weighted[i] = weight * s;
-            added.squares += weighted[i] * s;
-            added.uncorrected += Square(weight * row[size - 1]);
-            added.sums.yPy += v * rows.residuals[i];
-            added.sums.yPPy += v * v;
-            added.sums.weights += weight;
-            added.sums.squaredWeights += weight * weight;
+            weighted[i] = weights[i] * s;
+            squares += weighted[i] * s;
         }
         for (std::size_t j = 0; j + 1 < size; ++j) {
             const double* const column = Row(rows.first) + j;
@@ -397,12 +412,7 @@ void MAWeightedFit::AddResiduals(const MAFittedRows& rows, RowSums& total) const
             total.products[j] += product;
         }
     });
-    total.squares += added.squares;
-    total.uncorrected += added.uncorrected;
-    total.sums.yPy += added.sums.yPy;
-    total.sums.yPPy += added.sums.yPPy;
-    total.sums.weights += added.sums.weights;
-    total.sums.squaredWeights += added.sums.squaredWeights;
+    total.squares += squares;
 }
 
 void MAWeightedFit::AddLeverages(const MAFittedRows& rows, MAProjectionSums& sums) const

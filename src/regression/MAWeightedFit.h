@@ -20,8 +20,8 @@ struct MAProjectionSums
     double squaredWeights = 0.0; ///< tr WW
     double yPy = 0.0;
     double yPPy = 0.0;
-    double yPPPy = 0.0;
-    double traceP = 0.0; ///< this and the next only of a fit with squares
+    double yPPPy = 0.0;  ///< only where asked for, as the traces
+    double traceP = 0.0;
     double tracePP = 0.0;
 };
 
@@ -58,9 +58,9 @@ public:
     /// Fits with basic rows in any case.
     void FitAboutBasicRows(const std::vector<double>& weights, bool withSquares);
 
-    /// Fits, and sums over the rows; with the traces only `withTraces`, which costs O(p²) a row. Each sum has
-    /// nearly all its digits, whatever the weights.
-    MAProjectionSums FitAndSum(const std::vector<double>& weights, bool withTraces);
+    /// Fits, and sums over the rows. Each sum has nearly all its digits, whatever the weights. The traces cost
+    /// O(p²) a row.
+    MAProjectionSums FitAndSum(const std::vector<double>& weights, bool withTraces, bool withCubic);
 
     /// 1 - h of every row, with all its digits; fits anew about basic rows where that needs it.
     std::vector<double> LeverageComplements();
@@ -82,7 +82,7 @@ private:
     static constexpr std::size_t stretch = 256;
 
     bool HasBasicRows() const { return !basicRows_.empty(); }
-    bool IsExact(const MAProjectionSums& sums, double uncorrected, bool withTraces) const;
+    bool IsExact(const MAProjectionSums& sums, bool withTraces) const;
     void UseOrthonormalColumns(const std::vector<double>& weights);
     void UseBasicRows(const std::vector<double>& weights);
     void ChooseBasicRows();
@@ -93,8 +93,9 @@ private:
     void Factorize();
     void Invert();
     void FormSquaredForm();
-    MAProjectionSums Sums(bool withTraces, double& uncorrected) const;
-    void AddResiduals(const MAFittedRows& rows, RowSums& total) const;
+    MAProjectionSums Sums(bool withTraces, bool withCubic) const;
+    void AddResiduals(const MAFittedRows& rows, MAProjectionSums& total) const;
+    void AddProducts(const MAFittedRows& rows, RowSums& total) const;
     void AddLeverages(const MAFittedRows& rows, MAProjectionSums& sums) const;
     double CubicForm(const RowSums& sums) const;
     void AddBasicRows(MAProjectionSums& sums) const;
