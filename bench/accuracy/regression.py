@@ -37,6 +37,14 @@ def all_regressions(folder):
                              ("bcg_2, on latitude and year", ["latitude", "year"])]:
         yield Regression(name, [ratio + [float(row[column]) for column in covariates]
                                 for ratio, row in zip(ratios, rows)], covariates, folder)
+    years = [float(row["year"]) for row in rows]
+    yield Regression("bcg_3, on year and its square",
+                     [ratio + [year, year * year] for ratio, year in zip(ratios, years)],
+                     ["year", "square"], folder)
+    yield Regression("bcg_4, variances over ten powers of ten",
+                     [[ratio[0], 10.0 ** (-10 * i / 12), float(row["latitude"]), year]
+                      for i, (ratio, row, year) in enumerate(zip(ratios, rows, years))],
+                     ["latitude", "year"], folder)
     for name, covariates in [("teacher_expectancy", ["weeks"]),
                              ("writing_to_learn", ["length", "wic", "feedback"])]:
         columns = ["effect", "variance", *covariates]

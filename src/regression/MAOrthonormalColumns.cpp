@@ -17,25 +17,27 @@ using Values = std::vector<double>;
 /// and what they are computed from are rounded.
 constexpr double roundingShare = 16.0 * std::numeric_limits<double>::epsilon();
 
-/// Sums side by side in stretches: short sums keep the rounding error of many rows small, and vector
-/// instructions add them.
+/// In stretches whose terms are stored before they are added up, eight sums side by side: vector instructions
+/// do both, and short sums keep the rounding error of many rows small.
 template <class Term>
 double SumOf(std::size_t count, Term term)
 {
-    constexpr std::size_t width = 4;
-    constexpr std::size_t stretch = 512;
+    constexpr std::size_t lanes = 8;
+    constexpr std::size_t stretch = 256;
+    double terms[stretch];
     double total = 0.0;
     for (std::size_t first = 0; first < count; first += stretch) {
-        const std::size_t end = std::min(count, first + stretch);
-        double sums[width] = {};
-        std::size_t i = first;
-        for (; i + width <= end; i += width) {
-            for (std::size_t j = 0; j < width; ++j)
-                sums[j] += term(i + j);
+        const std::size_t length = std::min(stretch, count - first);
+        for (std::size_t i = 0; i < length; ++i)
+            terms[i] = term(first + i);
+        std::fill(terms + length, terms + (length + lanes - 1) / lanes * lanes, 0.0);
+        double sums[lanes] = {};
+        for (std::size_t i = 0; i < length; i += lanes) {
+            for (std::size_t j = 0; j < lanes; ++j)
+                sums[j] += terms[i + j];
         }
-        for (; i < end; ++i)
-            sums[0] += term(i);
-        total += (sums[0] + sums[1]) + (sums[2] + sums[3]);
+        for (const double sum : sums)
+            total += sum;
     }
     return total;
 }
@@ -63,13 +65,14 @@ double MeanAfter(Values& values, Change change)
     return sum / static_cast<double>(values.size());
 }
 
-/// Weights relative to the largest, of which no sum overflows.
-Values RelativeWeights(const Values& weights)
+/// With weights relative to the largest, of which no sum overflows.
+double WeightedMeanOf(const Values& values, const Values& weights)
 {
-    Values relative = weights;
-    if (!weights.empty())
-        Multiply(relative, 1.0 / *std::max_element(weights.begin(), weights.end()));
-    return relative;
+    const double factor = 1.0 / *std::max_element(weights.begin(), weights.end());
+    const auto weightAt = [factor, w = weights.data()](std::size_t i) { return w[i] * factor; };
+    const double sum =
+        SumOf(values.size(), [=, v = values.data()](std::size_t i) { return weightAt(i) * v[i]; });
+    return sum / SumOf(values.size(), weightAt);
 }
 
 } // namespace
@@ -88,16 +91,14 @@ struct MAOrthonormalColumns::Column
 MAOrthonormalColumns::MAOrthonormalColumns(const MADesignRows& rows, bool hasIntercept, double tolerance)
     : rowCount_(rows.Count()), hasIntercept_(hasIntercept), nonRedundant_(rows.columnCount)
 {
-    const Values weights = RelativeWeights(rows.weights);
-    const double weightSum = SumOf(rowCount_, [&](std::size_t i) { return weights[i]; });
     for (std::size_t j = 0; j < rows.columnCount; ++j)
-        AddColumn(ColumnOf(rows, j), weights, weightSum, j, tolerance);
+        AddColumn(ColumnOf(rows, j), rows.weights, j, tolerance);
     upper_ = MASquareMatrix(Rank());
     for (std::size_t j = 0; j < Rank(); ++j) {
         for (std::size_t i = 0; i <= j; ++i)
             upper_(i, j) = r_[j][i];
     }
-    AddDependent(ColumnOf(rows, rows.columnCount), weights, weightSum);
+    AddDependent(ColumnOf(rows, rows.columnCount), rows.weights);
     work_ = {};
     r_ = {};
 }
@@ -110,30 +111,32 @@ MAOrthonormalColumns::Column MAOrthonormalColumns::ColumnOf(const MADesignRows& 
     column.values.resize(rowCount_);
     double largest = 0.0;
     for (std::size_t i = 0; i < rowCount_; ++i) {
-        column.values[i] = rows.Row(i)[position];
-        largest = std::max(largest, std::abs(column.values[i]));
+        const double value = rows.Row(i)[position];
+        column.values[i] = value;
+        if (std::abs(value) > largest) // seldom, and so no value waits for the one before
+            largest = std::abs(value);
     }
     column.scale = largest == 0.0 ? 0.0 : std::ldexp(1.0, std::ilogb(largest));
     return column;
 }
 
 /// Divides the column by its scale and, beside an intercept, counts it from its centre.
-void MAOrthonormalColumns::Centre(Column& column, const Values& weights, double weightSum) const
+void MAOrthonormalColumns::Centre(Column& column, const Values& weights) const
 {
     const double factor = 1.0 / column.scale;
     if (!HasIntercept())
         return Multiply(column.values, factor);
-    const double centre = DotAbout(column.values, 0.0, weights, 0.0) / weightSum * factor;
+    const double centre = WeightedMeanOf(column.values, weights) * factor;
     column.origin = MeanAfter(column.values, [=](double x, std::size_t) { return x * factor - centre; });
     column.centre = centre;
 }
 
-void MAOrthonormalColumns::AddColumn(Column column, const Values& weights, double weightSum,
-                                     std::size_t position, double tolerance)
+void MAOrthonormalColumns::AddColumn(Column column, const Values& weights, std::size_t position,
+                                     double tolerance)
 {
     if (column.scale == 0.0)
         return;
-    Centre(column, weights, weightSum);
+    Centre(column, weights);
     const double mean = column.centre + column.origin;
     const double squares = column.Squares();
     const double rawSquares = squares + static_cast<double>(rowCount_) * mean * mean;
@@ -158,7 +161,10 @@ double MAOrthonormalColumns::Orthogonalize(Column& column, double squares, doubl
 {
     double left = squares;
     for (int pass = 0; pass < 2 && (pass == 0 || left < 0.5 * squares); ++pass) {
-        for (std::size_t j = hasIntercept_ ? 1 : 0; j < work_.size(); ++j) {
+        const std::size_t start = hasIntercept_ ? 1 : 0;
+        if (work_.size() <= start)
+            return left;
+        for (std::size_t j = start; j < work_.size(); ++j) {
             const double share = DotAbout(work_[j], origins_[j], column.values, column.origin);
             shares[j] += share;
             const auto subtract = [share, z = work_[j].data()](double x, std::size_t i) {
@@ -172,10 +178,10 @@ double MAOrthonormalColumns::Orthogonalize(Column& column, double squares, doubl
     return left;
 }
 
-void MAOrthonormalColumns::AddDependent(Column dependent, const Values& weights, double weightSum)
+void MAOrthonormalColumns::AddDependent(Column dependent, const Values& weights)
 {
     dependent.scale = 1.0;
-    Centre(dependent, weights, weightSum);
+    Centre(dependent, weights);
     dependentCentre_ = dependent.centre;
     unweighted_.assign(Rank(), 0.0);
     residualSum_ = Orthogonalize(dependent, dependent.Squares(), unweighted_.data());

@@ -16,10 +16,10 @@ struct MADesignRows;
 /// column is first divided by a power of two and, beside an intercept, counted from its mean weighted by the
 /// omega weights: exact for values within a factor of two of the mean, so that a calendar year loses no
 /// digit, and the heavier a study, the nearer it is to the origin. The columns beside the intercept are then
-/// made orthonormal about their unweighted means, by Gram-Schmidt applied twice where it needs it (Giraud, Langou, Rozložník
-/// and van den Eshof 2005, Numerische Mathematik 101, 87-100), but keep the origin. So det Z'Z = 1. The
-/// dependent is treated like a column; what the others leave of it is what a fit is given. That changes the g
-/// of a fit by a constant and its residuals not at all.
+/// made orthonormal about their unweighted means, by Gram-Schmidt applied twice where it needs it (Giraud,
+/// Langou, Rozložník and van den Eshof 2005, Numerische Mathematik 101, 87-100), but keep the origin. So det
+/// Z'Z = 1. The dependent is treated like a column; what the others leave of it is what a fit is given. That
+/// changes the g of a fit by a constant and its residuals not at all.
 ///
 /// A column is redundant when those before it leave no more than `tolerance` of its sum of squares (beside an
 /// intercept: of that about its mean), or no more than rounding of its values. Weights play no part in that,
@@ -57,11 +57,10 @@ private:
     /// Whether the columns to come stand beside an intercept.
     bool HasIntercept() const { return hasIntercept_ && !work_.empty(); }
     Column ColumnOf(const MADesignRows& rows, std::size_t position) const;
-    void Centre(Column& column, const std::vector<double>& weights, double weightSum) const;
-    void AddColumn(Column column, const std::vector<double>& weights, double weightSum, std::size_t position,
-                   double tolerance);
+    void Centre(Column& column, const std::vector<double>& weights) const;
+    void AddColumn(Column column, const std::vector<double>& weights, std::size_t position, double tolerance);
     double Orthogonalize(Column& column, double squares, double* shares) const;
-    void AddDependent(Column dependent, const std::vector<double>& weights, double weightSum);
+    void AddDependent(Column dependent, const std::vector<double>& weights);
     void StoreRows(const std::vector<double>& residuals);
 
     std::size_t rowCount_;

@@ -26,6 +26,26 @@ double Dot(const double* left, const double* right, std::size_t count)
     return std::inner_product(left, left + count, right, 0.0);
 }
 
+/// Adds rows to two sums in turn, so that one addition need not wait for the other, and these to the total.
+template <class Add>
+void AddAlternately(std::size_t count, MAProjectionSums& total, Add add)
+{
+    MAProjectionSums even;
+    MAProjectionSums odd;
+    for (std::size_t i = 0; i + 1 < count; i += 2) {
+        add(even, i);
+        add(odd, i + 1);
+    }
+    if (count % 2 == 1)
+        add(even, count - 1);
+    total.yPy += even.yPy + odd.yPy;
+    total.yPPy += even.yPPy + odd.yPPy;
+    total.weights += even.weights + odd.weights;
+    total.squaredWeights += even.squaredWeights + odd.squaredWeights;
+    total.traceP += even.traceP + odd.traceP;
+    total.tracePP += even.tracePP + odd.tracePP;
+}
+
 MASquareMatrix Product(const MASquareMatrix& left, const MASquareMatrix& right)
 {
     const std::size_t n = left.Size();
@@ -225,7 +245,7 @@ void MAWeightedFit::Solve(bool withSquares)
     Factorize();
     Invert();
     if (withSquares)
-        FormSquaredForm();
+        FormHat();
     fitted_.resize(Rank());
     for (std::size_t j = 0; j < Rank(); ++j)
         fitted_[j] = crossProducts_.Get(Rank(), j);
@@ -252,7 +272,8 @@ void MAWeightedFit::FormCrossProducts(bool withSquares)
 /// stands for is not known, and its variance the largest.
 void MAWeightedFit::Factorize()
 {
-    factor_ = MASquareMatrix(Rank());
+    if (factor_.Size() != Rank())
+        factor_ = MASquareMatrix(Rank());
     smallestPivot_ = 1.0;
     for (std::size_t j = 0; j < Rank(); ++j) {
         for (std::size_t i = 0; i <= j; ++i) {
@@ -350,9 +371,9 @@ struct MAWeightedFit::RowSums
 MAProjectionSums MAWeightedFit::Sums(bool withTraces, bool withCubic) const
 {
     RowSums rowSums;
-    rowSums.shift.resize(Rank());
-    rowSums.products.resize(Rank());
-    for (std::size_t b = 0; b < basicRows_.size(); ++b)
+    rowSums.shift.resize(withCubic ? Rank() : 0);
+    rowSums.products.resize(withCubic ? Rank() : 0);
+    for (std::size_t b = 0; withCubic && b < basicRows_.size(); ++b)
         rowSums.shift[b] = basicWeights_[b] * fitted_[b];
     VisitRows(withTraces, [&](const MAFittedRows& rows) {
         AddResiduals(rows, rowSums.sums);
@@ -370,23 +391,17 @@ MAProjectionSums MAWeightedFit::Sums(bool withTraces, bool withCubic) const
     return rowSums.sums;
 }
 
-/// On a copy, which registers can hold.
 void MAWeightedFit::AddResiduals(const MAFittedRows& rows, MAProjectionSums& total) const
 {
     const double* const weights = Weights(rows.first);
-    MAProjectionSums added;
-    for (std::size_t i = 0; i < rows.count; ++i) {
+    AddAlternately(rows.count, total, [=, residuals = rows.residuals](MAProjectionSums& sums, std::size_t i) {
         const double weight = weights[i];
-        const double weighted = weight * rows.residuals[i];
-        added.yPy += weighted * rows.residuals[i];
-        added.yPPy += weighted * weighted;
-        added.weights += weight;
-        added.squaredWeights += weight * weight;
-    }
-    total.yPy += added.yPy;
-    total.yPPy += added.yPPy;
-    total.weights += added.weights;
-    total.squaredWeights += added.squaredWeights;
+        const double weighted = weight * residuals[i];
+        sums.yPy += weighted * residuals[i];
+        sums.yPPy += weighted * weighted;
+        sums.weights += weight;
+        sums.squaredWeights += weight * weight;
+    });
 }
 
 /// What `CubicForm` takes.
@@ -415,18 +430,14 @@ void MAWeightedFit::AddProducts(const MAFittedRows& rows, RowSums& total) const
     total.squares += squares;
 }
 
-void MAWeightedFit::AddLeverages(const MAFittedRows& rows, MAProjectionSums& sums) const
+void MAWeightedFit::AddLeverages(const MAFittedRows& rows, MAProjectionSums& total) const
 {
     const double* const weights = Weights(rows.first);
-    double traceP = 0.0;
-    double tracePP = 0.0;
-    for (std::size_t i = 0; i < rows.count; ++i) {
-        const double weight = weights[i];
-        traceP += rows.leverageComplements[i] * weight;
-        tracePP += (2.0 * rows.leverageComplements[i] - 1.0) * weight * weight;
-    }
-    sums.traceP += traceP;
-    sums.tracePP += tracePP;
+    AddAlternately(rows.count, total,
+                   [=, complements = rows.leverageComplements](MAProjectionSums& sums, std::size_t i) {
+                       sums.traceP += complements[i] * weights[i];
+                       sums.tracePP += (2.0 * complements[i] - 1.0) * weights[i] * weights[i];
+                   });
 }
 
 /// y'PPPy = s'(W - WUMU'W)s; where the difference cancels, as the residual sum of the regression of s.
@@ -464,53 +475,62 @@ void MAWeightedFit::AddBasicRows(MAProjectionSums& sums) const
     }
 }
 
-/// What the rows' own terms leave: tr KJ with J = U'W²U and K that of `SquaredProjection`, and basic rows.
+/// What the rows' own terms leave: tr MJMJ, and the basic rows with their columns.
 void MAWeightedFit::AddTraces(MAProjectionSums& sums) const
 {
     for (std::size_t i = 0; i < Rank(); ++i) {
         for (std::size_t j = 0; j < Rank(); ++j)
-            sums.tracePP += squaredForm_.Get(i, j) * squaredProducts_.Get(i, j);
+            sums.tracePP += hat_(i, j) * hat_(j, i);
     }
     for (std::size_t b = 0; b < basicRows_.size(); ++b) {
         sums.traceP += BasicComplement(b, b) * basicWeights_[b];
-        sums.tracePP += SquaredProjection(basicRows_[b]);
+        sums.tracePP += SquaredProjection(basicRows_[b]) + Square(basicWeights_[b]) * HatSquare(b);
     }
 }
 
-/// K = MJM + MB²M, so that (PP)_ii = w²(1 - 2h + u'Ku).
-void MAWeightedFit::FormSquaredForm()
+/// MJ with J = U'W²U.
+void MAWeightedFit::FormHat()
 {
-    const std::size_t p = Rank();
-    KXBitSet predictors(p + 1);
-    for (std::size_t j = 0; j < p; ++j)
-        predictors.Set(j);
-    hatSquares_ = KXSymMatrix::Sandwich(inverse_, squaredProducts_.ExtractSubmatrix(predictors));
-    KXSymMatrix basic(p);
-    for (std::size_t b = 0; b < basicRows_.size(); ++b)
-        basic.Set(b, b, Square(basicWeights_[b]));
-    squaredForm_ = KXSymMatrix::Sandwich(inverse_, basic);
-    for (std::size_t i = 0; i < p; ++i) {
-        for (std::size_t j = 0; j <= i; ++j)
-            squaredForm_.Set(i, j, squaredForm_.Get(i, j) + hatSquares_.Get(i, j));
+    hat_ = MASquareMatrix(Rank());
+    for (std::size_t i = 0; i < Rank(); ++i) {
+        for (std::size_t j = 0; j < Rank(); ++j) {
+            for (std::size_t l = 0; l < Rank(); ++l)
+                hat_(i, j) += inverse_.Get(i, l) * squaredProducts_.Get(l, j);
+        }
     }
 }
 
+/// (MJM)_jj.
+double MAWeightedFit::HatSquare(std::size_t j) const
+{
+    double sum = 0.0;
+    for (std::size_t l = 0; l < Rank(); ++l)
+        sum += hat_(j, l) * inverse_.Get(l, j);
+    return sum;
+}
+
+/// w²(1 - 2h + m'(J + B²)m) with m = Mu; of a basic row the squares of its columns P_NB and P_BB.
 double MAWeightedFit::SquaredProjection(std::size_t row) const
 {
     const auto found = std::find(basicRows_.begin(), basicRows_.end(), row);
-    if (found == basicRows_.end()) {
-        double leverage = 0.0;
-        double squared = 0.0;
-        inverse_.QuadraticForms(Row(row), Rank() + 1, 1, &leverage);
-        squaredForm_.QuadraticForms(Row(row), Rank() + 1, 1, &squared);
-        const double weight = (*given_)[row];
-        return Square(weight) * (1.0 - 2.0 * weight * leverage + squared);
+    if (found != basicRows_.end()) {
+        const auto basic = static_cast<std::size_t>(found - basicRows_.begin());
+        double sum = Square(basicWeights_[basic]) * HatSquare(basic);
+        for (std::size_t l = 0; l < Rank(); ++l)
+            sum += Square(BasicComplement(basic, l) * basicWeights_[l]);
+        return sum;
     }
-    const auto basic = static_cast<std::size_t>(found - basicRows_.begin());
-    double sum = Square(basicWeights_[basic]) * hatSquares_.Get(basic, basic);
-    for (std::size_t l = 0; l < Rank(); ++l)
-        sum += Square(BasicComplement(basic, l) * basicWeights_[l]);
-    return sum;
+    Values solved(Row(row), Row(row) + Rank());
+    SolveTransposed(factor_, solved.data());
+    const double weight = (*given_)[row];
+    double sum = 1.0 - 2.0 * weight * Dot(solved.data(), solved.data(), Rank());
+    SolveUpper(factor_, solved.data());
+    for (std::size_t i = 0; i < Rank(); ++i) {
+        for (std::size_t j = 0; j < Rank(); ++j)
+            sum += solved[i] * squaredProducts_.Get(i, j) * solved[j];
+        sum += HasBasicRows() ? Square(basicWeights_[i] * solved[i]) : 0.0;
+    }
+    return Square(weight) * sum;
 }
 
 /// Of basic rows from the fitted values y_B + a there, Z_B g = L E g.

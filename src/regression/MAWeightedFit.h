@@ -20,7 +20,7 @@ struct MAProjectionSums
     double squaredWeights = 0.0; ///< tr WW
     double yPy = 0.0;
     double yPPy = 0.0;
-    double yPPPy = 0.0;  ///< only where asked for, as the traces
+    double yPPPy = 0.0; ///< only where asked for, as the traces
     double traceP = 0.0;
     double tracePP = 0.0;
 };
@@ -58,8 +58,8 @@ public:
     /// Fits with basic rows in any case.
     void FitAboutBasicRows(const std::vector<double>& weights, bool withSquares);
 
-    /// Fits, and sums over the rows. Each sum has nearly all its digits, whatever the weights. The traces cost
-    /// O(p²) a row.
+    /// Fits, and sums over the rows. Each sum has nearly all its digits, whatever the weights. The traces
+    /// cost O(p²) a row.
     MAProjectionSums FitAndSum(const std::vector<double>& weights, bool withTraces, bool withCubic);
 
     /// 1 - h of every row, with all its digits; fits anew about basic rows where that needs it.
@@ -92,11 +92,12 @@ private:
     void FormCrossProducts(bool withSquares);
     void Factorize();
     void Invert();
-    void FormSquaredForm();
+    void FormHat();
+    double HatSquare(std::size_t j) const;
     MAProjectionSums Sums(bool withTraces, bool withCubic) const;
     void AddResiduals(const MAFittedRows& rows, MAProjectionSums& total) const;
     void AddProducts(const MAFittedRows& rows, RowSums& total) const;
-    void AddLeverages(const MAFittedRows& rows, MAProjectionSums& sums) const;
+    void AddLeverages(const MAFittedRows& rows, MAProjectionSums& total) const;
     double CubicForm(const RowSums& sums) const;
     void AddBasicRows(MAProjectionSums& sums) const;
     void AddTraces(MAProjectionSums& sums) const;
@@ -126,8 +127,7 @@ private:
     KXSymMatrix crossProducts_;   ///< G (or S) with the dependent
     KXSymMatrix squaredProducts_; ///< with squared weights
     KXSymMatrix inverse_;         ///< M
-    KXSymMatrix hatSquares_;      ///< MJM with J = U'W²U
-    KXSymMatrix squaredForm_;     ///< K of `SquaredProjection`
+    MASquareMatrix hat_;          ///< MJ with J = U'W²U
     MASquareMatrix factor_;       ///< upper triangle of S
     double smallestPivot_ = 1.0;  ///< as a share of its diagonal element
     std::vector<double> fitted_;  ///< a, coefficients of the coordinates
