@@ -87,6 +87,14 @@ TEST(Tau2Interval, EqualEffectsHaveAProfileLikelihoodInterval)
     ExpectBounds(bounds, 0.0, 1e-6 * std::expm1(3.84145882069412 / 2.0));
 }
 
+// The likelihood is greatest at 0; the set goes to about 1e-4 and goes on from 0.8 to the bound, a root found
+// with 50 digits.
+TEST(Tau2Interval, ProfileLikelihoodIntervalSpansGaps)
+{
+    const MATau2Bounds bounds = ProfileLikelihood({{0.0, 3.0}, {1.0, 1.0 / 8192.0}}, MALikelihoodType::Full);
+    ExpectBounds(bounds, 0.0, 3.26727438591546);
+}
+
 TEST(Tau2Interval, OneStudyHasNone)
 {
     ExpectBounds(QProfile({{0.3}, {0.1}}), missing, missing);
