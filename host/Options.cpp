@@ -91,6 +91,7 @@ Options::Options(Command ofCommand) : command(ofCommand)
     settings.SetOutcomesType(command == Command::BINARY ? MAConst::OUTCOME_BINARY
                                                         : MAConst::OUTCOME_CONTINUOUS);
     settings.SetInputESType(hasTables ? MAConst::INPUT_RAW : MAConst::INPUT_READY_MADE);
+    settings.SetPooledZeroCells(MAConst::POOLED_ZERO_CELLS_IF_NEEDED);
 }
 
 void Resolve(Options& options)

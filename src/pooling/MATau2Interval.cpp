@@ -173,4 +173,14 @@ MATau2Bounds ProfileLikelihoodInterval(MALikelihoodCurve& curve, double guess, d
                         LevelCrossing(curve, level, last->t, beyond).Find());
 }
 
+MATau2Bounds Tau2Interval(MALikelihoodCurve& curve, MAConst::TAU2INTERVAL type,
+                          MAConst::TAU2ESTIMATOR estimator, double guess, double alpha)
+{
+    if (type == MAConst::TAU2_INTERVAL_Q_PROFILE)
+        return QProfileInterval(curve, alpha);
+    if (type == MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD && HasLikelihood(estimator))
+        return ProfileLikelihoodInterval(curve, guess, alpha);
+    return {KXMV::Missing(), KXMV::Missing()};
+}
+
 } // namespace MA_NAMESPACE

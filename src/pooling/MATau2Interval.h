@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/pooling/MALikelihoodCurve.h"
+#include "meta_analysis/settings/MAConst.h"
 
 namespace MA_NAMESPACE {
 
@@ -24,5 +25,10 @@ MATau2Bounds QProfileInterval(MALikelihoodCurve& curve, double alpha);
 /// looks first, in the curve's units.
 /// Hardy and Thompson (1996), Statistics in Medicine 15, 619-629.
 MATau2Bounds ProfileLikelihoodInterval(MALikelihoodCurve& curve, double guess, double alpha);
+
+/// The interval of the given type for an estimator; both bounds missing for none, and for a profile
+/// likelihood of an estimator that maximises none.
+MATau2Bounds Tau2Interval(MALikelihoodCurve& curve, MAConst::TAU2INTERVAL type,
+                          MAConst::TAU2ESTIMATOR estimator, double guess, double alpha);
 
 } // namespace MA_NAMESPACE
