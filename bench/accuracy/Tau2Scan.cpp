@@ -274,6 +274,7 @@ Tau2Analysis Tau2Simulation::Next(VarianceFamily family)
     Tau2Analysis analysis;
     analysis.estimator = estimators[generator_() % std::size(estimators)];
     analysis.variances = Variances(family);
+    analysis.effects.reserve(analysis.variances.size());
     const double tau = Uniform(0.0, 0.5);
     for (const double variance : analysis.variances) {
         const double stretch = Uniform(0.0, 1.0) < 0.1 ? 5.0 : 1.0;
