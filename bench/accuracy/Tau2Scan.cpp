@@ -257,9 +257,9 @@ double Tau2Simulation::Variance(VarianceFamily family)
 std::vector<double> Tau2Simulation::Variances(VarianceFamily family)
 {
     const double count = std::floor(2.0 * std::exp(Uniform(0.0, std::log(50.5))));
-    std::vector<double> variances;
-    for (int i = 0; i < static_cast<int>(count); ++i)
-        variances.push_back(Variance(family));
+    std::vector<double> variances(static_cast<std::size_t>(count));
+    for (double& variance : variances)
+        variance = Variance(family);
     const double order = Uniform(0.0, 3.0);
     if (order < 2.0)
         std::sort(variances.begin(), variances.end());

@@ -68,7 +68,8 @@ Tally TallyOf(VarianceFamily family, int analyses)
 
 int main(int argumentCount, char** arguments)
 {
-    const int analyses = argumentCount > 1 ? std::atoi(arguments[1]) : 100000;
+    const int analyses =
+        argumentCount > 1 ? static_cast<int>(std::strtol(arguments[1], nullptr, 10)) : 100000;
     const int perFamily = analyses / static_cast<int>(std::size(varianceFamilies));
     std::puts("| variances | analyses | misses | evaluations, mean | most | error | change by unit |");
     std::puts("|---|---|---|---|---|---|---|");
