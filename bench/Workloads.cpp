@@ -3,6 +3,7 @@
 #include "meta_analysis/analysis/MABinModel.h"
 #include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/pooling/MARandomEffectModel.h"
+#include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
 #include "meta_analysis/regression/MAREAlgorithm.h"
 #include "meta_analysis/regression/MARegOutputStats.h"
 
@@ -90,6 +91,19 @@ bare::Fit FitRandomEffects(const SimulatedStudies& studies, MAConst::TAU2ESTIMAT
 bare::Fit RemlFit::Bare() const
 {
     return bare::FitReml(studies_.effectSizes.data(), studies_.variances.data(), studies_.effectSizes.size());
+}
+
+double RemlSearch::Estimate(MAConst::TAU2SEARCH search)
+{
+    MATAU2ESTIMATIOR estimator;
+    estimator.SetEffectSizes(&studies_.effectSizes);
+    estimator.SetVariances(&studies_.variances);
+    estimator.SetTau2Search(search);
+    if (estimator.ComputeTau2Variance(MAConst::TAU2_REML).IsError())
+        return notANumber;
+    if (search == MAConst::TAU2_SEARCH_GLOBAL)
+        evaluations_ = estimator.GetTau2Evaluations();
+    return estimator.GetBetweenStudyVariannce();
 }
 
 TableRun::TableRun(std::size_t count) : tables_(RepeatedTables(count)), records_(RecordsOf(tables_))

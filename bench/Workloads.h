@@ -30,6 +30,24 @@ private:
     SimulatedStudies studies_;
 };
 
+/// tau² of REML by the search for the global maximum. Its yardstick is scoring, as the library has it: within
+/// the default tolerance it ends at the same tau² on these data.
+class RemlSearch
+{
+public:
+    explicit RemlSearch(std::size_t count) : studies_(SimulateStudies(count)) {}
+    double Run() { return Estimate(MAConst::TAU2_SEARCH_GLOBAL); }
+    double Bare() { return Estimate(MAConst::TAU2_SEARCH_SCORING); }
+    /// Evaluations of the likelihood's slope by the last search.
+    int Evaluations() const { return evaluations_; }
+
+private:
+    double Estimate(MAConst::TAU2SEARCH search);
+
+    SimulatedStudies studies_;
+    int evaluations_ = 0;
+};
+
 /// The whole run on 2x2 tables, default settings. 13 are those of Colditz et al. (1994), JAMA 271, 698-702:
 /// BCG vaccination against tuberculosis; more repeat them.
 class TableRun

@@ -4,15 +4,15 @@
 report.py OUTPUT.json TARGETS.json BENCHMARK.json...
 
 Of repetitions the fastest counts: what else runs on a machine makes a benchmark slower, never faster. A time is
-set against that of the bare loop in the same run, where there is one, and against the target, which is a time or a
-ratio of the two.
+set against that of the bare loop in the same run, where there is one (of scoring, for the search of tau²), and
+against the target, which is a time or a ratio of the two.
 """
 
 import json
 import sys
 
 NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
-COLUMNS = ["name", "time", "bare loop", "ratio", "target", "met"]
+COLUMNS = ["name", "time", "bare loop", "ratio", "target", "met", "evaluations"]
 
 
 def measured_rows(path):
@@ -31,8 +31,9 @@ def measured_rows(path):
         keep_least(row, "seconds", entry.get("seconds", mean))
         if "bare_seconds" in entry:
             keep_least(row, "bare_seconds", entry["bare_seconds"])
-        if "bytes_per_study" in entry:
-            row["bytes_per_study"] = entry["bytes_per_study"]
+        for counter in ("bytes_per_study", "evaluations"):
+            if counter in entry:
+                row[counter] = entry[counter]
     return rows.values()
 
 
@@ -68,6 +69,7 @@ def cells(row):
         f"{row['ratio']:.2f}" if "ratio" in row else "",
         target_text(row["target"]) if "target" in row else "",
         ("yes" if row["met"] else "NO") if "met" in row else "",
+        f"{row['evaluations']:.0f}" if "evaluations" in row else "",
     ]
 
 

@@ -95,6 +95,9 @@ private:
     double below_;
 };
 
+/// A slope near 0 promises nothing beyond, where other variances begin to count.
+constexpr double longestStep = 5.0;
+
 /// Goes to where the parabola of value, slope and curvature meets the level, or to its vertex (Cauchy's
 /// form of Newton's method), and narrows the bracket. With excess e, fall s and curvature c this is
 /// d = 2e / (s + sqrt(s² - 2ce)).
@@ -104,11 +107,12 @@ double LevelCrossing::StepFrom(double t)
     const MALikelihoodTerms terms = curve_.At(t);
     const double w = t + v_;
     const double slope = 0.5 * (terms.fit - terms.trace) * w;
-    const double curvature = 0.5 * (terms.fitSlope - terms.traceSlope) * w * w + slope;
+    const double curvature = 0.5 * (terms.fitSlope * w - terms.traceSlope * w) * w + slope;
     const double fall = std::max(-direction_ * slope, 0.0); // may round to the other side of 0 at a maximum
     const double root = std::sqrt(std::max(fall * fall - 2.0 * curvature * excess, 0.0));
     (excess >= 0.0 ? above_ : below_) = t;
-    return excess == 0.0 ? 0.0 : direction_ * 2.0 * excess / (fall + root);
+    const double step = excess == 0.0 ? 0.0 : 2.0 * excess / (fall + root);
+    return direction_ * std::clamp(step, -longestStep, longestStep);
 }
 
 double LevelCrossing::Middle() const

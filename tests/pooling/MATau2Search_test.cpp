@@ -1,0 +1,86 @@
+// The search for the global maximum of the likelihood, against scans in extended precision.
+
+#include "Tau2Scan.h"
+#include "support/Compare.h"
+
+#include "meta_analysis/pooling/MAPooledCurve.h"
+#include "meta_analysis/pooling/MATau2Search.h"
+
+using namespace MA_NAMESPACE;
+
+namespace {
+
+constexpr MAConst::TAU2ESTIMATOR estimators[] = {MAConst::TAU2_ML, MAConst::TAU2_REML, MAConst::TAU2_EB};
+
+void ExpectFound(const Tau2Analysis& analysis)
+{
+    constexpr double otherUnit = 1.7e-5;
+    const Tau2Verdict verdict = JudgeSearch(analysis, otherUnit);
+    EXPECT_FALSE(verdict.isMiss) << verdict.tau2;
+    EXPECT_LE(verdict.error, 1e-12) << verdict.tau2;
+    EXPECT_LE(verdict.unitError, 1e-12) << verdict.tau2;
+    EXPECT_LE(verdict.evaluations, 60);
+}
+
+struct HardCase
+{
+    const char* what;
+    std::vector<double> effects;
+    std::vector<double> variances;
+    double reml; ///< NaN where no closed form or published figure gives it
+    double tolerance = 1e-14;
+};
+
+const HardCase hardCases[] = {
+    // The difference of two effects has variance v1 + v2 + 2 tau².
+    {"two studies", {0.3, 2.3}, {0.25, 1.75}, 1.0},
+    {"equal effects", {0.7, 0.7, 0.7}, {0.1, 2.0, 0.4}, 0.0},
+    {"equal variances", {-1.0, 0.0, 1.0, 4.0}, {0.5, 0.5, 0.5, 0.5}, 14.0 / 3.0 - 0.5},
+    {"both sides of the likelihood equation meet at 0", {-1.0, 1.0}, {2.0, 2.0}, 0.0},
+    {"one study dominates",
+     {0.1, 1.2, -0.7, 2.1, 0.4, -1.9, 0.8, 1.5, -0.3, 0.6},
+     {1e-8, 0.9, 1.1, 1.0, 0.95, 1.05, 0.97, 1.2, 0.8, 1.01},
+     notANumber},
+    {"several likelihood maxima",
+     {.2079, .0855, .9889, .4031, .3185, .8067, .5516, .0888, .5623, .8389, .5106, 1.4456, -.0543, .6439},
+     {.1763, .2224, .2803, .2341, .0730, .3336, .3613, .2599, .1189, .3848, .2689, .0131, .3649, .1473},
+     0.1464,
+     5e-5},
+};
+
+} // namespace
+
+TEST(Tau2Search, FindsTheMaximumOfHardCases)
+{
+    for (const HardCase& hard : hardCases) {
+        for (const MAConst::TAU2ESTIMATOR estimator : estimators) {
+            SCOPED_TRACE(testing::Message() << hard.what << ", estimator " << estimator);
+            const Tau2Analysis analysis{hard.effects, hard.variances, {}, estimator};
+            ExpectFound(analysis);
+            if (estimator == MAConst::TAU2_REML && !std::isnan(hard.reml)) {
+                EXPECT_NEAR(JudgeSearch(analysis, 1.0).tau2, hard.reml, hard.tolerance);
+            }
+        }
+    }
+}
+
+TEST(Tau2Search, MissesNoMaximumOfRandomAnalyses)
+{
+    for (const VarianceFamily family : varianceFamilies) {
+        Tau2Simulation simulation(4711);
+        for (int i = 0; i < 150; ++i) {
+            SCOPED_TRACE(testing::Message() << "family " << static_cast<int>(family) << ", analysis " << i);
+            ExpectFound(simulation.Next(family));
+        }
+    }
+}
+
+TEST(Tau2Search, OneStudyHasNoBetweenStudyVariance)
+{
+    const double effect = 0.4;
+    const double variance = 0.2;
+    for (const MAConst::TAU2ESTIMATOR estimator : estimators) {
+        MAPooledCurve curve(&effect, &variance, 1, LikelihoodOf(estimator));
+        EXPECT_EQ(SolveTau2(curve, estimator, curve.MomentEstimate()).t, 0.0);
+    }
+}
