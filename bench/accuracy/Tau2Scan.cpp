@@ -2,11 +2,15 @@
 
 #include "meta_analysis/pooling/MAPooledCurve.h"
 #include "meta_analysis/pooling/MATau2Search.h"
+#include "meta_analysis/regression/MADesignMatrix.h"
+#include "meta_analysis/regression/MAOrthonormalColumns.h"
+#include "meta_analysis/regression/MARegressionCurve.h"
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <functional>
+#include <utility>
 
 using namespace MA_NAMESPACE;
 
@@ -186,13 +190,44 @@ Extended DistanceToRoot(const std::function<Extended(Extended)>& falling, Extend
     return std::abs(low - tau2);
 }
 
+/// Intercept, covariates and effect of every study.
+MADesignRows RowsOf(const Tau2Analysis& analysis)
+{
+    MADesignRows rows;
+    rows.columnCount = analysis.covariates.size() + 1;
+    rows.variances = analysis.variances;
+    for (std::size_t i = 0; i < analysis.effects.size(); ++i) {
+        rows.cells.push_back(1.0);
+        for (const std::vector<double>& covariate : analysis.covariates)
+            rows.cells.push_back(covariate[i]);
+        rows.cells.push_back(analysis.effects[i]);
+        rows.weights.push_back(1.0 / analysis.variances[i]);
+    }
+    return rows;
+}
+
+MATau2Solution InUnitOfData(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess)
+{
+    const MATau2Solution solution = SolveTau2(curve, estimator, guess);
+    return {solution.t * curve.Unit(), solution.evaluations};
+}
+
+/// In a regression from where the residual sum of squares has its expectation if variances are all the
+/// largest.
 MATau2Solution Search(const Tau2Analysis& analysis)
 {
-    MAPooledCurve curve(analysis.effects.data(), analysis.variances.data(), analysis.effects.size(),
-                        LikelihoodOf(analysis.estimator));
-    MATau2Solution solution = SolveTau2(curve, analysis.estimator, curve.MomentEstimate());
-    solution.t *= curve.Unit();
-    return solution;
+    const MALikelihoodType type = LikelihoodOf(analysis.estimator);
+    if (analysis.covariates.empty()) {
+        MAPooledCurve curve(analysis.effects.data(), analysis.variances.data(), analysis.effects.size(),
+                            type);
+        return InUnitOfData(curve, analysis.estimator, curve.MomentEstimate());
+    }
+    constexpr double tolerance = 1e-12;
+    const MAOrthonormalColumns columns(RowsOf(analysis), true, tolerance);
+    MARegressionCurve curve(columns, analysis.variances, type);
+    const MACurveBounds& bounds = curve.Bounds();
+    return InUnitOfData(curve, analysis.estimator,
+                        bounds.residualSum / bounds.residualDf - bounds.maxVariance);
 }
 
 Tau2Analysis InOtherUnit(Tau2Analysis analysis, double factor)
@@ -268,6 +303,19 @@ std::vector<double> Tau2Simulation::Variances(VarianceFamily family)
     return variances;
 }
 
+/// One to three, normal, one of them with a mean far from 0; fewer than the studies leave room for.
+void Tau2Simulation::AddCovariates(Tau2Analysis& analysis)
+{
+    const std::size_t count = std::min<std::size_t>(1 + generator_() % 3, analysis.effects.size() - 2);
+    analysis.covariates.reserve(count);
+    for (std::size_t j = 0; j < count; ++j) {
+        std::vector<double> covariate(analysis.effects.size(), j == 0 ? 30.0 : 0.0);
+        for (double& value : covariate)
+            value += Normal();
+        analysis.covariates.push_back(std::move(covariate));
+    }
+}
+
 Tau2Analysis Tau2Simulation::Next(VarianceFamily family)
 {
     constexpr MAConst::TAU2ESTIMATOR estimators[] = {MAConst::TAU2_ML, MAConst::TAU2_REML, MAConst::TAU2_EB};
@@ -280,5 +328,7 @@ Tau2Analysis Tau2Simulation::Next(VarianceFamily family)
         const double stretch = Uniform(0.0, 1.0) < 0.1 ? 5.0 : 1.0;
         analysis.effects.push_back(0.3 + stretch * std::sqrt(variance + tau * tau) * Normal());
     }
+    if (Uniform(0.0, 1.0) < 0.1)
+        AddCovariates(analysis);
     return InOtherUnit(analysis, std::pow(10.0, Uniform(-4.0, 4.0)));
 }

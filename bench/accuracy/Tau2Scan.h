@@ -33,8 +33,9 @@ inline constexpr VarianceFamily varianceFamilies[] = {VarianceFamily::Uniform, V
                                                       VarianceFamily::WideLognormal, VarianceFamily::Equal,
                                                       VarianceFamily::PowersOfTen};
 
-/// Random analyses: 2 to 100 studies, in the order drawn or sorted by variance; a tenth of the effects are
-/// five times as far from the mean as the model has them; variances times 1e-8 to 1e8.
+/// Random analyses, a tenth of them regressions: 2 to 100 studies, in the order drawn or sorted by variance;
+/// a tenth of the effects are five times as far from the mean as the model has them; variances times 1e-8 to
+/// 1e8.
 class Tau2Simulation
 {
 public:
@@ -46,6 +47,7 @@ private:
     double Normal();
     double Variance(VarianceFamily family);
     std::vector<double> Variances(VarianceFamily family);
+    void AddCovariates(Tau2Analysis& analysis);
 
     std::mt19937_64 generator_;
 };

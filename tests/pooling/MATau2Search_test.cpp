@@ -75,6 +75,20 @@ TEST(Tau2Search, MissesNoMaximumOfRandomAnalyses)
     }
 }
 
+// With log-likelihood -6.303409 at 0 and -6.018869 at the greater maximum, found by an independent
+// maximisation.
+TEST(Tau2Search, FindsTheGreaterOfTwoMaximaOfARegression)
+{
+    const Tau2Analysis analysis{
+        {0.016779, 0.796272, 1.404543, -0.487727, 2.690687, 0.731744, 2.31175, 0.109614, 0.858999, -2.844727},
+        {0.001, 0.055928, 0.521481, 0.060657, 3.638258, 0.016879, 0.00968, 0.013116, 2.818472, 10},
+        {{-0.564825, 1.527239, 0.662909, -0.897445, 0.708595, 0.445024, 2.888549, 0.014565, 0.855125,
+          -0.462562}},
+        MAConst::TAU2_ML};
+    ExpectFound(analysis);
+    EXPECT_NEAR(JudgeSearch(analysis, 1.0).tau2, 0.01144157, 1e-8);
+}
+
 TEST(Tau2Search, OneStudyHasNoBetweenStudyVariance)
 {
     const double effect = 0.4;
