@@ -6,6 +6,7 @@
 #include "meta_analysis/settings/MAModelSettings.h"
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -23,14 +24,16 @@ enum class Command
 using ColumnName = std::optional<std::string>;
 
 /// What the command line asks for, complete with defaults. What the library has settings for stands in
-/// `settings`, with the library's defaults; missing there are the positions of the columns alone, which
-/// depend on the data.
+/// `settings`, with the library's defaults but for the search of the between-study variance and its interval;
+/// missing there are the positions of the columns alone, which depend on the data.
 struct Options
 {
     explicit Options(Command ofCommand);
 
     Command command;
     std::vector<std::string> arguments; ///< as given
+    std::set<std::string> given;        ///< names of the options that the command line has
+    std::optional<std::string> preset;
     std::string dataPath;
     std::optional<std::string> jsonPath; ///< "-" for standard output
     std::optional<std::string> htmlPath;
