@@ -66,6 +66,14 @@ public:
     double GetHresSquare() const;
     double GetIresSquare() const;
     double GetRSquare() const;
+    double GetTau2CILower() const { return double(); }
+    double GetTau2CIUpper() const { return double(); }
+    int GetTau2Convergence() const { return int(); }
+    int GetTau2Evaluations() const { return int(); }
+    double GetLogLikelihood() const { return double(); }
+    double GetAIC() const { return double(); }
+    double GetBIC() const { return double(); }
+    double GetAICc() const { return double(); }
 
 private:
     struct Results;
