@@ -63,6 +63,14 @@ TEST(Refusals, OfCommandLines)
          "--contour-level: '0.1' is given twice"},
         {effects + "--contour-level 0.1", "--contour-level needs --contours"},
         {effects + "--trim-fill cubic", "--trim-fill: 'cubic' is none of linear, run, quadratic"},
+        {effects + "--preset librarian", "--preset: 'librarian' is none of library"},
+        {binary + "--model fixed --tau2-interval none", "--tau2-interval is for the random-effects model"},
+        {binary + "--model fixed --probability-below 2", "--probability-below is for the random-effects"},
+        {binary + "--probability-above 0", "--probability-above: a ratio is above 0, and 0 is not"},
+        {effects + "--probability-above 0 --probability-below 1", "cannot be asked for together"},
+        {effects + "--tau2 dl --tau2-interval profile-likelihood", "is for --tau2 reml and --tau2 ml"},
+        {Regression("passive_smoking.csv") + "--prediction normal",
+         "'regression' has no option --prediction"},
         {effects + "--small-study-test 3", "type 3 needs the tables of the command binary"},
     });
 }
