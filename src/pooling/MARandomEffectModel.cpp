@@ -7,6 +7,7 @@
 #include "meta_analysis/pooling/MAPooledCurve.h"
 #include "meta_analysis/pooling/MAStudentTest.h"
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
+#include "meta_analysis/pooling/MATau2Interval.h"
 #include "meta_analysis/pooling/MATau2Search.h"
 
 #include <cmath>
@@ -236,11 +237,28 @@ void MARandomEffectModel::TestHomogeneity()
 /// The likelihood at tau², and the interval that goes by it or by Q.
 void MARandomEffectModel::MeasureLikelihood()
 {
-    if (!HasLikelihood(estimator_))
+    if (!HasLikelihood(estimator_) && tau2Interval_ == MAConst::TAU2_INTERVAL_NONE)
         return;
     MAPooledCurve curve(effectSizes_->data(), variances_->data(), studyCount_, LikelihoodOf(estimator_));
-    information_ =
-        InformationCriteria(curve.LogLikelihood(tau2_ / curve.Unit()), 2.0, curve.Bounds().traceSize);
+    const double t = tau2_ / curve.Unit();
+    if (HasLikelihood(estimator_))
+        information_ = InformationCriteria(curve.LogLikelihood(t), 2.0, curve.Bounds().traceSize);
+    SetTau2Bounds(Tau2Interval(curve, tau2Interval_, estimator_, t, alpha_));
+}
+
+/// The bounds of H² and I² are their values at those of tau².
+void MARandomEffectModel::SetTau2Bounds(const MATau2Bounds& bounds)
+{
+    tau2Lower_ = bounds.lower;
+    tau2Upper_ = bounds.upper;
+    if (KXMV::IsMissing(bounds.lower) || KXMV::IsMissing(bounds.upper))
+        return;
+    const MAHeterogeneityMeasures lower = HeterogeneityFromTau2(bounds.lower, typicalVariance_);
+    const MAHeterogeneityMeasures upper = HeterogeneityFromTau2(bounds.upper, typicalVariance_);
+    heterogeneity_.h2Lower = lower.h2;
+    heterogeneity_.h2Upper = upper.h2;
+    heterogeneity_.i2Lower = lower.i2;
+    heterogeneity_.i2Upper = upper.i2;
 }
 
 bool MARandomEffectModel::HasDoubtfulTau2() const

@@ -12,6 +12,8 @@
 
 namespace MA_NAMESPACE {
 
+struct MATau2Bounds;
+
 /// Random-effects pooling of effect sizes y with within-study variances v:
 ///     mean = sum(w y) / sum(w), variance = 1 / sum(w), w = 1 / (v + tau²),
 /// with tau² from `MATAU2ESTIMATIOR`, optionally with the Knapp-Hartung adjustment (Knapp and Hartung 2003,
@@ -122,6 +124,7 @@ private:
     double PredictionDf() const;
     void TestHomogeneity();
     void MeasureLikelihood();
+    void SetTau2Bounds(const MATau2Bounds& bounds);
 
     std::size_t studyCount_ = 0;
     const std::vector<double>* effectSizes_ = nullptr;

@@ -30,17 +30,6 @@ double UpperBoundOf(const MACurveBounds& bounds)
     return (rss + std::sqrt(rss * rss + 4.0 * m * rss * range)) / (2.0 * m) - bounds.minVariance;
 }
 
-bool AreUsable(const MACurveBounds& bounds)
-{
-    return bounds.minVariance > 0.0 && std::isfinite(bounds.maxVariance) && std::isfinite(bounds.residualSum);
-}
-
-/// Whether the likelihood can rise anywhere at all.
-bool CanRise(const MACurveBounds& bounds)
-{
-    return bounds.residualDf > 0.0 && bounds.residualSum > 0.0 && UpperBoundOf(bounds) > 0.0;
-}
-
 /// Whether (p + q x)² > r + u x on [0, end], with some slack: a parabola over a line, least at an end or at
 /// its vertex. `end` may be infinite, where q > 0 decides.
 bool SquareExceedsLine(double p, double q, double r, double u, double end)
@@ -61,6 +50,16 @@ double Crossing(double left, double leftSlope, double right, double rightSlope, 
 }
 
 } // namespace
+
+bool AreUsable(const MACurveBounds& bounds)
+{
+    return bounds.minVariance > 0.0 && std::isfinite(bounds.maxVariance) && std::isfinite(bounds.residualSum);
+}
+
+bool CanRise(const MACurveBounds& bounds)
+{
+    return bounds.residualDf > 0.0 && bounds.residualSum > 0.0 && UpperBoundOf(bounds) > 0.0;
+}
 
 bool MAStationaryPoints::Node::IsFinite() const
 {

@@ -18,6 +18,12 @@ struct MATau2Solution
     int evaluations;
 };
 
+/// Whether the data have a likelihood: their variances are positive, and all is finite.
+bool AreUsable(const MACurveBounds& bounds);
+
+/// Whether the likelihood can rise anywhere at all; if not, there is nothing to search.
+bool CanRise(const MACurveBounds& bounds);
+
 /// The global maximum of the likelihood over t >= 0; of equal ones the smallest t. `guess` is where the
 /// search looks first, in the curve's units; any value will do.
 MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess);

@@ -15,12 +15,6 @@ namespace {
 // From here on 24 nodes of the tail integral cost less than the terms of the series near x = a.
 constexpr double largeShape = 1000.0;
 
-// x^a e^-x / Gamma(a)
-double ScaledDensity(double a, double x) noexcept
-{
-    return invSqrtTwoPi * std::sqrt(a) * std::exp(-StirlingRemainder(a) - Deviance(a, x, x - a));
-}
-
 // P(a, x) over the scaled density, for a large a: the integral over u < x with u = x (1 - v).
 double LowerTail(double a, double x) noexcept
 {
@@ -73,13 +67,28 @@ double ModerateShape(double a, double x, double density) noexcept
 
 } // namespace
 
+// x^a e^-x / Gamma(a)
+double ScaledGammaDensity(double a, double x) noexcept
+{
+    return invSqrtTwoPi * std::sqrt(a) * std::exp(-StirlingRemainder(a) - Deviance(a, x, x - a));
+}
+
 double LowerGamma(double a, double x) noexcept
 {
-    const double density = ScaledDensity(a, x);
+    const double density = ScaledGammaDensity(a, x);
     if (density == 0.0) // so far out that the fraction would overflow
         return x < a ? 0.0 : 1.0;
     const double probability = a > largeShape ? LargeShape(a, x, density) : ModerateShape(a, x, density);
     return std::min(probability, 1.0); // the rounding of the series may exceed 1
+}
+
+// Up to x = a + 1 the lower probability leaves an upper one of a tenth of a or more.
+double UpperGamma(double a, double x) noexcept
+{
+    const double density = ScaledGammaDensity(a, x);
+    if (x < a || (a <= largeShape && x < a + 1.0))
+        return 1.0 - LowerGamma(a, x);
+    return density == 0.0 ? 0.0 : density * (a > largeShape ? UpperTail(a, x) : UpperFraction(a, x));
 }
 
 } // namespace distribution

@@ -6,4 +6,10 @@ namespace distribution {
 /// relative terms down to the smallest probabilities.
 double LowerGamma(double a, double x) noexcept;
 
+/// P(X > x), likewise.
+double UpperGamma(double a, double x) noexcept;
+
+/// x times the density of X at x: the slope of either probability by log x.
+double ScaledGammaDensity(double a, double x) noexcept;
+
 } // namespace distribution

@@ -1,5 +1,6 @@
 #include "meta_analysis/platform/common/KXDistFun.h"
 
+#include "meta_analysis/platform/common/GammaQuantile.h"
 #include "meta_analysis/platform/common/IncompleteBeta.h"
 #include "meta_analysis/platform/common/IncompleteGamma.h"
 #include "meta_analysis/platform/common/NormalQuantile.h"
@@ -76,6 +77,28 @@ double KXDistFun::CdfChi(double x, double df) noexcept
     if (df > largestDf) // all of the distribution lies closer to df than the next double
         return x < df ? 0.0 : x > df ? 1.0 : 0.5;
     return distribution::LowerGamma(0.5 * std::max(df, smallestDf), 0.5 * std::min(x, largestChi));
+}
+
+double KXDistFun::IdfChi(double p, double df) noexcept
+{
+    if (!(df > 0.0 && p >= 0.0 && p <= 1.0))
+        return notANumber;
+    if (p > 0.5)
+        return IdfChiUpper(1.0 - p, df);
+    if (p == 0.0 || std::isinf(df))
+        return p == 0.0 ? 0.0 : infinity;
+    return 2.0 * distribution::LowerGammaQuantile(0.5 * Limited(df), p);
+}
+
+double KXDistFun::IdfChiUpper(double q, double df) noexcept
+{
+    if (!(df > 0.0 && q >= 0.0 && q <= 1.0))
+        return notANumber;
+    if (q > 0.5)
+        return IdfChi(1.0 - q, df);
+    if (q == 0.0 || std::isinf(df))
+        return infinity;
+    return 2.0 * distribution::UpperGammaQuantile(0.5 * Limited(df), q);
 }
 
 double KXDistFun::CdfT(double t, double df) noexcept

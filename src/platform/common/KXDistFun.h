@@ -24,6 +24,12 @@ public:
     /// P(X <= x) for a chi-square X with df > 0 degrees of freedom; 0 for x <= 0.
     static double CdfChi(double x, double df) noexcept;
 
+    /// x with P(X <= x) = p, for p in [0, 1] and df > 0; 0 at 0 and where no double is as small, inf at 1.
+    static double IdfChi(double p, double df) noexcept;
+
+    /// x with P(X > x) = q, in the same way: digits of a q that 1 - q would lose count.
+    static double IdfChiUpper(double q, double df) noexcept;
+
     /// P(T <= t) for Student's t with df > 0 degrees of freedom.
     static double CdfT(double t, double df) noexcept;
 
