@@ -28,9 +28,9 @@ std::vector<ReportSection> WithoutEmpty(std::vector<ReportSection> sections);
 std::string LabelText(std::string label);
 
 /// Of a Q-profile interval that ends at 0.
-inline constexpr const char* EMPTY_Q_PROFILE =
-    "The effects vary less than sampling alone lets expect, for every tau²: the Q-profile interval is empty, "
-    "and given as [0, 0] by convention.";
+inline constexpr const char* EMPTY_Q_PROFILE = "The effects vary less than sampling error alone makes "
+                                               "likely, whatever tau² is: the Q-profile interval is "
+                                               "empty, and given as [0, 0] by convention.";
 
 bool HasAnyValue(const std::vector<double>& values);
 
