@@ -91,6 +91,12 @@ inline constexpr std::array ZERO_CELL_CHOICES{
     Choice{"none", MAConst::ZERO_ADJUST_NONE},
 };
 
+inline constexpr std::array POOLED_ZERO_CELL_CHOICES{
+    Choice{"if-needed", MAConst::POOLED_ZERO_CELLS_IF_NEEDED},
+    Choice{"as-studies", MAConst::POOLED_ZERO_CELLS_AS_STUDIES},
+    Choice{"none", MAConst::POOLED_ZERO_CELLS_NONE},
+};
+
 inline constexpr std::array GLASS_GROUP_CHOICES{
     Choice{"control", MAConst::GROUP_CONTROL},
     Choice{"treatment", MAConst::GROUP_TREATMENT},

@@ -1,6 +1,7 @@
 #include "host/ModelSections.h"
 
 #include "host/ReportParts.h"
+#include "host/ZeroCells.h"
 
 #include <fmt/format.h>
 
@@ -79,6 +80,7 @@ ReportSection CumulativeSection(const ReportSource& source, std::size_t group)
     AppendEffects(section.table,
                   CumulativeRows(source, [group](const Rows& rows) { return RowAt(rows, group); }),
                   HeadersOf(source.effect), source);
+    AppendCorrectionOfSteps(section.table, source, group);
     return section;
 }
 
@@ -163,8 +165,10 @@ ReportSection PooledEffect(const ReportSource& source)
     const EffectRows rows = PooledRows(source);
     ReportSection section = {"Pooled effect", {{"", source.RowLabels(rows.effects.values.size()), true}}, {}};
     AppendEffects(section.table, rows, HeadersOf(source.effect), source);
-    if (const std::string null = WordingOfNullHypothesis(source.settings); !null.empty())
-        section.sentences.push_back(null);
+    for (const std::string& sentence :
+         {WordingOfNullHypothesis(source.settings), WordingOfPooledCorrection(source)})
+        if (!sentence.empty())
+            section.sentences.push_back(sentence);
     return section;
 }
 

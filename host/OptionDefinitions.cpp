@@ -89,6 +89,8 @@ Definitions BinaryEffect(Settings& settings)
               &Settings::SetBinZeroAdjType, "which tables receive the zero-count constant in all cells"),
         Number("zero-delta", NOT_NEGATIVE, settings, &Settings::GetZeroCountDelta,
                &Settings::SetZeroCountDelta, "zero-count constant"),
+        OneOf("pooled-zero-cells", POOLED_ZERO_CELL_CHOICES, settings, &Settings::GetPooledZeroCells,
+              &Settings::SetPooledZeroCells, "correction of the counts that --weights mantel-haenszel pools"),
         Flag("drop-double-zero", settings, &Settings::GetDropBinZero, &Settings::SetDropBinZero,
              "drop tables without events, or without non-events, in both groups"),
     };

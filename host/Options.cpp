@@ -95,6 +95,7 @@ Options::Options(Command ofCommand) : command(ofCommand)
     settings.SetInputESType(hasTables ? MAConst::INPUT_RAW : MAConst::INPUT_READY_MADE);
     settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
     settings.SetTau2Interval(MAConst::TAU2_INTERVAL_Q_PROFILE);
+    settings.SetPooledZeroCells(MAConst::POOLED_ZERO_CELLS_IF_NEEDED);
 }
 
 void Resolve(Options& options)

@@ -24,8 +24,8 @@ enum class Command
 using ColumnName = std::optional<std::string>;
 
 /// What the command line asks for, complete with defaults. What the library has settings for stands in
-/// `settings`, with the library's defaults but for the search of the between-study variance and its interval;
-/// missing there are the positions of the columns alone, which depend on the data.
+/// `settings`, with the library's defaults but for those that the constructor sets; missing there are the
+/// positions of the columns alone, which depend on the data.
 struct Options
 {
     explicit Options(Command ofCommand);

@@ -6,6 +6,7 @@
 #include "host/ReportParts.h"
 #include "host/ReportSource.h"
 #include "host/Wording.h"
+#include "host/ZeroCells.h"
 
 #include <fmt/format.h>
 
@@ -59,6 +60,8 @@ ReportSection Studies(const ReportSource& source)
     AppendEffects(section.table, rows, HeadersOf(source.effect), source);
     section.table.push_back({"Weight %", TextsOf(InPercent(base.GetNormalizedWeight()),
                                                  [](double weight) { return FixedText(weight, 2); })});
+    if (const std::string correction = WordingOfStudyCorrection(source); !correction.empty())
+        section.sentences.push_back(correction);
     return section;
 }
 

@@ -160,6 +160,9 @@ void AddPlots(Json& results, const MABaseModel& model)
 void AddOwnResults(Json& results, const MABinModel& model)
 {
     results["ESType"] = ToJson(model.GetESType());
+    results["NZeroCorrected"] = ToJson(model.GetNZeroCorrected());
+    results["NPoolCorrected"] = ToJson(model.GetNPoolCorrected());
+    results["CumNPoolCorrected"] = ToJson(model.GetCumNPoolCorrected());
     results["ExpEffectSize"] = ToJson(model.GetExpEffectSize());
     results["ExpVariance"] = ToJson(model.GetExpVariance());
     results["ExpStdError"] = ToJson(model.GetExpStdError());

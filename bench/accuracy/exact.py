@@ -80,6 +80,12 @@ def tested_table(test, table, y):
     return z / v, 1 / mp.sqrt(v), v
 
 
+def is_informative(name, table):
+    """Whether a table with two groups has a part in the pooled effect."""
+    a, b, c, d = table
+    return name == "risk-difference" or (a + c > 0 and (b + d > 0 or name == "risk-ratio"))
+
+
 def pool_tables(name, tables):
     """Mantel and Haenszel, or Peto: estimate and variance."""
     rows = [(a, b, c, d, a + b, c + d, a + b + c + d) for a, b, c, d in tables]

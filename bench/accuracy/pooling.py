@@ -20,8 +20,9 @@ class Studies:
 
     kind = "pooling"
 
-    def __init__(self, name, arguments, effects, tables=None, effect=None):
+    def __init__(self, name, arguments, effects, tables=None, effect=None, as_read=None):
         self.name, self.arguments, self.tables, self.effect = name, arguments, tables, effect
+        self.as_read = as_read  # the tables without correction
         self.y = [e for e, _ in effects]
         self.v = [v for _, v in effects]
         self.x = [[mpf(1)]] * len(effects)
@@ -38,11 +39,12 @@ def options_of(columns):
 
 def studies_with_tables():
     for name in ["bcg_vaccine", "magnesium", "beta_blockers"]:
-        tables = [corrected(values(row, CELLS)) for row in read(name)]
+        as_read = [values(row, CELLS) for row in read(name)]
+        tables = [corrected(table) for table in as_read]
         for effect in ["odds-ratio", "peto", "risk-ratio", "risk-difference"]:
             yield Studies("%s, %s" % (name, effect),
                           ["binary", path_of(name), *options_of(CELLS), "--effect", effect],
-                          [exact.table_effect(effect, table) for table in tables], tables, effect)
+                          [exact.table_effect(effect, table) for table in tables], tables, effect, as_read)
 
 
 def studies_with_means():
@@ -97,12 +99,22 @@ def measure_fixed(studies):
     note_fixed_heterogeneity(studies.name, found, fit.squares(), len(studies.y))
 
 
+def measure_pooled_tables(studies, rule, tables, included):
+    """`included`: which studies take part, also in the homogeneity test of the corrected effects."""
+    found = run([*studies.arguments, "--model", "fixed", "--weights", "mantel-haenszel",
+                 "--pooled-zero-cells", rule])
+    where = "%s, %s" % (studies.name, rule)
+    estimate, variance = exact.pool_tables(studies.effect, [tables[i] for i in included])
+    note_estimate("Mantel-Haenszel, Peto", where, found, estimate, variance, Z, upper_normal)
+    q = sum((studies.y[i] - estimate)**2 / studies.v[i] for i in included)
+    note_fixed_heterogeneity(where, found, q, len(included))
+
+
 def measure_tables(studies):
-    found = run([*studies.arguments, "--model", "fixed", "--weights", "mantel-haenszel"])
-    estimate, variance = exact.pool_tables(studies.effect, studies.tables)
-    note_estimate("Mantel-Haenszel, Peto", studies.name, found, estimate, variance, Z, upper_normal)
-    q = sum((y - estimate)**2 / v for y, v in zip(studies.y, studies.v))
-    note_fixed_heterogeneity(studies.name, found, q, len(studies.y))
+    everyone = range(len(studies.tables))
+    measure_pooled_tables(studies, "as-studies", studies.tables, everyone)
+    informative = [i for i in everyone if exact.is_informative(studies.effect, studies.as_read[i])]
+    measure_pooled_tables(studies, "none", studies.as_read, informative)
 
 
 def measure_random(studies, estimator):

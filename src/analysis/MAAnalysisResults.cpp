@@ -18,17 +18,4 @@ std::vector<double> MAAnalysisResults::GetNormalizedWeight() const
     return normalized;
 }
 
-std::vector<std::vector<double>> MAAnalysisResults::CumulativeRows(double MAModelRow::*field) const
-{
-    try {
-        std::vector<std::vector<double>> rows;
-        rows.reserve(cumulativeRows_.size());
-        for (const std::vector<MAModelRow>& row : cumulativeRows_)
-            rows.push_back(FieldOf(row, field));
-        return rows;
-    } catch (...) {
-        return {};
-    }
-}
-
 } // namespace MA_NAMESPACE

@@ -327,7 +327,10 @@ private:
     {
         return filledResults_.models.empty() ? MAModelRow() : filledResults_.models.back();
     }
-    std::vector<std::vector<double>> CumulativeRows(double MAModelRow::*field) const;
+    std::vector<std::vector<double>> CumulativeRows(double MAModelRow::*field) const
+    {
+        return FieldOf(cumulativeRows_, field);
+    }
     std::vector<double> ModelColumn(double MAModelRow::*field) const
     {
         return FieldOf(results_.models, field);

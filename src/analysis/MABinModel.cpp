@@ -3,6 +3,7 @@
 #include "meta_analysis/analysis/InverseVarianceBuilder.h"
 #include "meta_analysis/analysis/MAModelRows.h"
 #include "meta_analysis/analysis/TableBuilder.h"
+#include "meta_analysis/effectsize/MAZeroCorrection.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -23,11 +24,12 @@ std::vector<double> Exponentiated(std::vector<double> values)
 MAModelRow RowOf(const MABinaryFixEffectModel& model, bool onLogScale)
 {
     if (onLogScale)
-        return {model.GetLogEstESVal(),    model.GetLogEstESVariance(), model.GetLogEstESStdError(),
-                model.GetEstESZVal(),      model.GetEstESSig(),         model.GetLogEstESCILower(),
-                model.GetLogEstESCIUpper()};
-    return {model.GetEstESVal(), model.GetEstESVariance(), model.GetEstESStdError(), model.GetEstESZVal(),
-            model.GetEstESSig(), model.GetEstESCILower(),  model.GetEstESCIUpper()};
+        return {model.GetLogEstESVal(),     model.GetLogEstESVariance(), model.GetLogEstESStdError(),
+                model.GetEstESZVal(),       model.GetEstESSig(),         model.GetLogEstESCILower(),
+                model.GetLogEstESCIUpper(), model.GetNPoolCorrected()};
+    return {model.GetEstESVal(),     model.GetEstESVariance(), model.GetEstESStdError(),
+            model.GetEstESZVal(),    model.GetEstESSig(),      model.GetEstESCILower(),
+            model.GetEstESCIUpper(), model.GetNPoolCorrected()};
 }
 
 } // namespace
@@ -129,7 +131,8 @@ KXStatus MABinModel::FixedBinModelContrastTest()
         return SetError(MAStatusCode::LENGTH_MISMATCH);
     return Guarded(status_, [this] {
         MATableColumns tables = studies_.tables;
-        MABinaryFixEffectModel model = FittedBinModel(tables);
+        MABinaryFixEffectModel model = NewModelOfRun(tables);
+        status_ = model.ComputeEffectSizeStatistics();
         if (status_.IsError())
             return status_;
         for (const std::vector<double>& coefficients : studies_.contrastCoefficients) {
@@ -209,24 +212,9 @@ KXStatus MABinModel::BuildBinModel(const std::vector<double>& treatmentEvents,
 {
     return Guarded(status_, [&] {
         MATableColumns tables = {treatmentEvents, treatmentNonEvents, controlEvents, controlNonEvents};
-        MABinaryFixEffectModel model = FittedBinModel(tables);
-        if (status_.IsError())
-            return status_;
-        const bool onLogScale = effectType_ != MAConst::BIN_RISK_DIFFERENCE;
-        results_.models.push_back(RowOf(model, onLogScale));
-        if (onLogScale)
-            results_.exponentiated.push_back(
-                {model.GetEstESVal(), model.GetEstESCILower(), model.GetEstESCIUpper()});
-        if (RecordsTestOutput())
-            GetBinFixModelTestOutput(model);
-        if (RecordsWeights(treatmentEvents.size())) {
-            const std::vector<double> weights = model.GetEstWeight();
-            RequireLength(treatmentEvents.size(), weights);
-            weights_.insert(weights_.end(), weights.begin(), weights.end());
-        }
-        if (RecordsGroupSize())
-            groupSizes_.push_back(static_cast<int>(treatmentEvents.size()));
-        return status_;
+        return AppendModel(NewBinFixEffectModel(tables.treatmentEvents, tables.treatmentNonEvents,
+                                                tables.controlEvents, tables.controlNonEvents),
+                           treatmentEvents.size());
     });
 }
 
@@ -237,24 +225,68 @@ KXStatus MABinModel::BuildBinOnlyTestModel(const std::vector<double>& treatmentE
 {
     return Guarded(status_, [&] {
         MATableColumns tables = {treatmentEvents, treatmentNonEvents, controlEvents, controlNonEvents};
-        const MABinaryFixEffectModel model = FittedBinModel(tables);
-        if (!status_.IsError())
-            GetBinFixModelTestOutput(model);
-        return status_;
+        return AppendTest(NewBinFixEffectModel(tables.treatmentEvents, tables.treatmentNonEvents,
+                                               tables.controlEvents, tables.controlNonEvents));
     });
 }
 
-/// Fits the tables; the outcome is the status of this object.
-MABinaryFixEffectModel MABinModel::FittedBinModel(MATableColumns& tables)
+KXStatus MABinModel::AppendModel(MABinaryFixEffectModel model, std::size_t studyCount)
+{
+    status_ = model.ComputeEffectSizeStatistics();
+    if (status_.IsError())
+        return status_;
+    const bool onLogScale = effectType_ != MAConst::BIN_RISK_DIFFERENCE;
+    results_.models.push_back(RowOf(model, onLogScale));
+    if (onLogScale)
+        results_.exponentiated.push_back(
+            {model.GetEstESVal(), model.GetEstESCILower(), model.GetEstESCIUpper()});
+    if (RecordsTestOutput())
+        GetBinFixModelTestOutput(model);
+    if (RecordsWeights(studyCount)) {
+        const std::vector<double> weights = model.GetEstWeight();
+        RequireLength(studyCount, weights);
+        weights_.insert(weights_.end(), weights.begin(), weights.end());
+    }
+    if (RecordsGroupSize())
+        groupSizes_.push_back(static_cast<int>(studyCount));
+    return status_;
+}
+
+KXStatus MABinModel::AppendTest(MABinaryFixEffectModel model)
+{
+    status_ = model.ComputeEffectSizeStatistics();
+    if (!status_.IsError())
+        GetBinFixModelTestOutput(model);
+    return status_;
+}
+
+MAZeroCorrection MABinModel::ZeroCorrection() const
+{
+    return {zeroAdjustment_, zeroDelta_};
+}
+
+int MABinModel::GetNZeroCorrected() const
+{
+    const std::size_t count = studies_.tables.treatmentEvents.size();
+    int corrected = 0;
+    for (std::size_t study = 0; study < count; ++study)
+        corrected += ZeroCorrection().AddedTo(TableBuilder::TableOf(studies_.tables, study)) != 0.0;
+    return corrected;
+}
+
+/// For tables of the run, as read: the object corrects them as the effect sizes did, with the user's
+/// constant, and for all alike where a single study had a zero cell.
+MABinaryFixEffectModel MABinModel::NewModelOfRun(MATableColumns& tables) const
 {
     MABinaryFixEffectModel model = NewBinFixEffectModel(tables.treatmentEvents, tables.treatmentNonEvents,
                                                         tables.controlEvents, tables.controlNonEvents);
-    status_ = model.ComputeEffectSizeStatistics();
+    model.SetZeroAdjType(zeroAdjustment_);
+    model.correctionDelta_ = zeroDelta_;
+    model.SetPooledZeroCells(pooledZeroCells_);
     return model;
 }
 
-/// The counts had their zero-cell correction when the effect sizes were computed, with the user's constant.
-/// A second one, by the pooling object, would shift the pooled estimate away from the studies' own effects.
+/// Without a zero-cell correction: counts that a host passes in are used as they are.
 MABinaryFixEffectModel MABinModel::NewBinFixEffectModel(std::vector<double>& treatmentEvents,
                                                         std::vector<double>& treatmentNonEvents,
                                                         std::vector<double>& controlEvents,

@@ -4,11 +4,13 @@
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/pooling/MABinaryFixEffectModel.h"
 
+#include <cstddef>
 #include <vector>
 
 namespace MA_NAMESPACE {
 
 class MABinaryEffectSize;
+struct MAZeroCorrection;
 
 /// The analysis of studies that report a 2x2 table: events and non-events in a treatment and a control
 /// group. (Ready-made effect sizes of binary outcomes go through it as well.)
@@ -38,7 +40,8 @@ public:
     KXStatus ExtractRawInputData(MultiPassRecordIter& records);
 
     /// Pools tables by Mantel and Haenszel or Peto and appends the results to the per-model lists. The
-    /// counts are used as they are, without zero-cell correction.
+    /// counts are used as they are, without zero-cell correction. (The models of a run correct theirs as
+    /// `SetPooledZeroCells` of the settings says.)
     KXStatus BuildBinModel(const std::vector<double>& treatmentEvents,
                            const std::vector<double>& treatmentNonEvents,
                            const std::vector<double>& controlEvents,
@@ -76,6 +79,20 @@ public:
                              MAConst::RegBaseTestType type);
 
     MAConst::BINESTYPE GetESType() const { return settings_->GetBinaryEstType(); }
+
+    /// Number of studies whose tables had the zero-cell correction for their own effect sizes; 0 for
+    /// ready-made effect sizes.
+    int GetNZeroCorrected() const;
+    /// Per model, and per group and step of a cumulative analysis: the number of tables that were pooled
+    /// with the correction; 0 for models that pool effect sizes.
+    std::vector<int> GetNPoolCorrected() const
+    {
+        return FieldOf(results_.models, &MAModelRow::correctedTables);
+    }
+    std::vector<std::vector<int>> GetCumNPoolCorrected() const
+    {
+        return FieldOf(cumulativeRows_, &MAModelRow::correctedTables);
+    }
 
     /// Per study, on the ratio scale; empty for risk differences computed from tables. From tables, the
     /// variance and the standard error are the exponentials of the log-scale ones, and so they are for
@@ -135,11 +152,16 @@ private:
     void ClassifyTable(const Record& record, int recordNumber);
     void TakeEffectSizes(const MABinaryEffectSize& effectSizes);
     void AddModelWarnings();
-    MABinaryFixEffectModel FittedBinModel(MATableColumns& tables);
+    MAZeroCorrection ZeroCorrection() const;
+    MABinaryFixEffectModel NewModelOfRun(MATableColumns& tables) const;
+    KXStatus AppendModel(MABinaryFixEffectModel model, std::size_t studyCount);
+    KXStatus AppendTest(MABinaryFixEffectModel model);
     void AppendExponentiated();
     KXStatus RunSteps(MultiPassRecordIter& records, const KXVarList& variables);
 
     MAConst::BINESTYPE effectType_ = MAConst::BIN_ODDS_RATIO;
+    double zeroDelta_ = 0.5;
+    MAConst::POOLEDZEROCELLS pooledZeroCells_ = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
     std::vector<double>
         labbeX_; ///< of the control group, one entry per study for which effects were computed
     std::vector<double> labbeY_; ///< of the treatment group

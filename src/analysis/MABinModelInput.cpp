@@ -69,14 +69,17 @@ KXStatus MABinModel::ESCalc(MultiPassRecordIter& records)
             return status_;
         effectType_ = settings_->GetBinaryEstType();
         zeroAdjustment_ = settings_->GetBinZeroAdjType();
+        zeroDelta_ = settings_->GetZeroCountDelta();
+        pooledZeroCells_ = settings_->GetPooledZeroCells();
         alpha_ = 1.0 - settings_->GetCILevel();
 
+        MATableColumns corrected = studies_.tables;
         MABinaryEffectSize effectSizes;
-        effectSizes.SetTreatmentGSuccessCounts(&studies_.tables.treatmentEvents);
-        effectSizes.SetTreatmentGFailureCounts(&studies_.tables.treatmentNonEvents);
-        effectSizes.SetControlGSuccessCounts(&studies_.tables.controlEvents);
-        effectSizes.SetControlGFailureCounts(&studies_.tables.controlNonEvents);
-        effectSizes.SetZeroCountDelta(settings_->GetZeroCountDelta());
+        effectSizes.SetTreatmentGSuccessCounts(&corrected.treatmentEvents);
+        effectSizes.SetTreatmentGFailureCounts(&corrected.treatmentNonEvents);
+        effectSizes.SetControlGSuccessCounts(&corrected.controlEvents);
+        effectSizes.SetControlGFailureCounts(&corrected.controlNonEvents);
+        effectSizes.SetZeroCountDelta(zeroDelta_);
         effectSizes.SetZeroAdjType(zeroAdjustment_);
         effectSizes.SetEstimationMethod(effectType_);
         effectSizes.SetSignLevel(alpha_);

@@ -16,6 +16,7 @@ struct MAModelRow
     double significance = KXMV::Missing();
     double ciLower = KXMV::Missing();
     double ciUpper = KXMV::Missing();
+    int correctedTables = 0; ///< 2x2 tables that were pooled with a zero-cell correction
 };
 
 /// A pooled model's estimate and interval on the ratio scale.
@@ -143,6 +144,21 @@ std::vector<Field> FieldOf(const std::vector<Row>& rows, Field Row::*field) noex
         fields.reserve(rows.size());
         for (const Row& row : rows)
             fields.push_back(row.*field);
+        return fields;
+    } catch (...) {
+        return {};
+    }
+}
+
+template <class Row, class Field>
+std::vector<std::vector<Field>> FieldOf(const std::vector<std::vector<Row>>& lists,
+                                        Field Row::*field) noexcept
+{
+    try {
+        std::vector<std::vector<Field>> fields;
+        fields.reserve(lists.size());
+        for (const std::vector<Row>& rows : lists)
+            fields.push_back(FieldOf(rows, field));
         return fields;
     } catch (...) {
         return {};

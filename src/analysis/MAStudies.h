@@ -43,7 +43,7 @@ struct MAStudies
     std::vector<int> recordNumber; ///< position of the study's record in the host's data, from 0
     std::vector<double> sampleSize;
 
-    MATableColumns tables; ///< raw input of binary outcomes, after the zero-cell correction
+    MATableColumns tables; ///< raw input of binary outcomes, as read
     MAMeansColumns means;  ///< raw input of continuous outcomes
 
     MAEffectColumns effects; ///< on the analysis scale: log for ratio measures

@@ -2,6 +2,8 @@
 
 #include "meta_analysis/analysis/MABinModel.h"
 #include "meta_analysis/analysis/MAModelBuilder.h"
+#include "meta_analysis/effectsize/MATable.h"
+#include "meta_analysis/pooling/MAPooledCounts.h"
 
 namespace MA_NAMESPACE {
 
@@ -16,13 +18,19 @@ public:
     KXStatus BuildPrefixes(const MASelection& selection) override;
     KXStatus BuildTest(const MASelection& selection) override;
 
+    static MATable TableOf(const MATableColumns& tables, std::size_t study)
+    {
+        return {tables.treatmentEvents[study], tables.treatmentNonEvents[study], tables.controlEvents[study],
+                tables.controlNonEvents[study]};
+    }
+
 private:
-    KXStatus BuildTables(const MATableColumns& tables);
+    KXStatus BuildTables(MATableColumns tables);
     MATableColumns SelectedTables(const MASelection& selection) const;
     template <class Pooling>
-    void AppendPrefixes(const MASelection& selection, Pooling pooling);
+    void AppendPrefixes(const MASelection& selection, MAPooledCounts<Pooling> counts);
     template <class Pooling>
-    void AppendRow(const Pooling& pooling, double quantile);
+    void AppendRow(const MAPooledEffect& pooled, double quantile);
 
     MABinModel& analysis_;
 };

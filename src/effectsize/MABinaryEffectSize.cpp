@@ -3,6 +3,7 @@
 #include "meta_analysis/effectsize/MAInputCheck.h"
 #include "meta_analysis/effectsize/MANormalTest.h"
 #include "meta_analysis/effectsize/MATable.h"
+#include "meta_analysis/effectsize/MAZeroCorrection.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXPower.h"
 #include "meta_analysis/settings/Guarded.h"
@@ -93,13 +94,13 @@ void MABinaryEffectSize::AdjustZeroCounts()
             }
         }
     }
+    const MAZeroCorrection correction = {zeroAdjustment_, zeroCountDelta_};
     for (std::size_t i = 0; i < studyCount_; ++i) {
-        if (zeroAdjustment_ == MAConst::ZERO_ADJUST_ALL ||
-            (zeroAdjustment_ == MAConst::ZERO_ADJUST_EACH && TableOf(i).HasZeroCell())) {
-            for (std::vector<double>* counts :
-                 {treatmentSuccesses_, treatmentFailures_, controlSuccesses_, controlFailures_})
-                (*counts)[i] += zeroCountDelta_;
-        }
+        const MATable corrected = correction.Corrected(TableOf(i));
+        (*treatmentSuccesses_)[i] = corrected.a;
+        (*treatmentFailures_)[i] = corrected.b;
+        (*controlSuccesses_)[i] = corrected.c;
+        (*controlFailures_)[i] = corrected.d;
     }
 }
 

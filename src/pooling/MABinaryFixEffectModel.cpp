@@ -5,6 +5,7 @@
 #include "meta_analysis/effectsize/MANormalTest.h"
 #include "meta_analysis/pooling/MABinaryPooling.h"
 #include "meta_analysis/pooling/MAHeterogeneity.h"
+#include "meta_analysis/pooling/MAPooledCounts.h"
 #include "meta_analysis/settings/Guarded.h"
 
 #include <cmath>
@@ -61,6 +62,11 @@ KXStatus MABinaryFixEffectModel::SetZeroAdjType(MAConst::ZEROADJTYPE type)
     return StoreSetting(type, zeroAdjustment_, status_);
 }
 
+KXStatus MABinaryFixEffectModel::SetPooledZeroCells(MAConst::POOLEDZEROCELLS rule)
+{
+    return StoreSetting(rule, pooledZeroCells_, status_);
+}
+
 KXStatus MABinaryFixEffectModel::SetEstimationMethod(MAConst::BINESTYPE method)
 {
     const KXStatus stored = StoreSetting(method, method_, status_);
@@ -79,6 +85,15 @@ MATable MABinaryFixEffectModel::TableOf(std::size_t study) const
             (*controlFailures_)[study]};
 }
 
+std::vector<MATable> MABinaryFixEffectModel::Tables() const
+{
+    std::vector<MATable> tables;
+    tables.reserve(studyCount_);
+    for (std::size_t i = 0; i < studyCount_; ++i)
+        tables.push_back(TableOf(i));
+    return tables;
+}
+
 KXStatus MABinaryFixEffectModel::ComputeEffectSizeStatistics()
 {
     if (status_.IsError())
@@ -90,11 +105,14 @@ KXStatus MABinaryFixEffectModel::ComputeEffectSizeStatistics()
 
 KXStatus MABinaryFixEffectModel::ComputeStatistics()
 {
+    const std::vector<MATable> asRead = Tables();
     if (ComputeStudyEffects().IsError())
         return status_;
     weights_.resize(studyCount_, KXMV::Missing());
     contrastEffects_.clear();
-    WithBinaryPooling(method_, [this](auto pooling) { EstimateBy(pooling); });
+    WithBinaryPooling(method_, [&](auto pooling) {
+        EstimateBy(MAPooledCounts<decltype(pooling)>(pooledZeroCells_), asRead);
+    });
     return status_;
 }
 
@@ -107,6 +125,7 @@ KXStatus MABinaryFixEffectModel::ComputeStudyEffects()
     effectSizes.SetControlGFailureCounts(controlFailures_);
     effectSizes.SetEstimationMethod(method_);
     effectSizes.SetZeroAdjType(zeroAdjustment_);
+    effectSizes.SetZeroCountDelta(correctionDelta_);
     status_ = effectSizes.ComputeEffectSizeStatistics();
     if (status_.IsError())
         return status_;
@@ -116,34 +135,39 @@ KXStatus MABinaryFixEffectModel::ComputeStudyEffects()
 }
 
 template <class Pooling>
-void MABinaryFixEffectModel::EstimateBy(Pooling pooling)
+void MABinaryFixEffectModel::EstimateBy(MAPooledCounts<Pooling> counts, const std::vector<MATable>& asRead)
 {
     RequireLength(studyCount_, studyEffects_);
     if constexpr (Pooling::onLogScale)
         RequireLength(studyCount_, studyLogEffects_);
+    std::vector<std::size_t> included;
+    included.reserve(studyCount_);
     for (std::size_t i = 0; i < studyCount_; ++i) {
-        const MATable table = TableOf(i);
-        weights_[i] = Pooling::Weight(table);
-        pooling.Add(table);
+        counts.Add(asRead[i], TableOf(i));
+        if (counts.Includes(asRead[i]))
+            included.push_back(i);
     }
+    const MAPooledEffect pooled = counts.Effect();
+    for (std::size_t i = 0; i < studyCount_; ++i)
+        weights_[i] = counts.Weight(asRead[i], TableOf(i), pooled.isCorrected);
+    correctedTables_ = pooled.correctedTables;
     const double quantile = TwoSidedNormalQuantile(alpha_);
-    StoreEstimate(pooling, quantile);
-    if (studyCount_ >= 2)
-        TestHomogeneity<Pooling>(pooling.Estimate(), quantile);
+    StoreEstimate<Pooling>(pooled, quantile);
+    if (included.size() >= 2)
+        TestHomogeneity<Pooling>(included, pooled.estimate, quantile);
 }
 
 /// The natural scale of a ratio follows from the log scale. Of the risk difference, the log members receive
 /// the logs of the natural values, NaN for a negative one.
 template <class Pooling>
-void MABinaryFixEffectModel::StoreEstimate(const Pooling& pooling, double quantile)
+void MABinaryFixEffectModel::StoreEstimate(const MAPooledEffect& pooled, double quantile)
 {
-    const double estimate = pooling.Estimate();
-    const double variance = pooling.Variance();
     const MANormalInference inference =
-        InferNormal(estimate, variance, NullOnTestScale<Pooling>(nullHypothesis_), quantile);
+        InferNormal(pooled.estimate, pooled.variance, NullOnTestScale<Pooling>(nullHypothesis_), quantile);
     zValue_ = inference.zValue;
     significance_ = inference.significance;
-    const Scale tested = {estimate, variance, inference.stdError, inference.ciUpper, inference.ciLower};
+    const Scale tested = {pooled.estimate, pooled.variance, inference.stdError, inference.ciUpper,
+                          inference.ciLower};
     if constexpr (Pooling::onLogScale) {
         log_ = tested;
         natural_.estimate = std::exp(log_.estimate);
@@ -159,18 +183,19 @@ void MABinaryFixEffectModel::StoreEstimate(const Pooling& pooling, double quanti
 }
 
 template <class Pooling>
-void MABinaryFixEffectModel::TestHomogeneity(double pooled, double quantile)
+void MABinaryFixEffectModel::TestHomogeneity(const std::vector<std::size_t>& studies, double pooled,
+                                             double quantile)
 {
     const std::vector<double>& effects = Pooling::onLogScale ? studyLogEffects_ : studyEffects_;
     double q = 0.0;
-    for (std::size_t i = 0; i < studyCount_; ++i) {
+    for (const std::size_t i : studies) {
         const double residual = effects[i] - pooled;
         q += 1.0 / Pooling::EffectVariance(TableOf(i)) * (residual * residual);
     }
     q_ = q;
-    df_ = static_cast<int>(studyCount_) - 1;
+    df_ = static_cast<int>(studies.size()) - 1;
     qSignificance_ = HomogeneitySignificance(q_, df_);
-    heterogeneity_ = MeasureHeterogeneity(q_, studyCount_, quantile);
+    heterogeneity_ = MeasureHeterogeneity(q_, studies.size(), quantile);
 }
 
 KXStatus MABinaryFixEffectModel::ContrastTest()

@@ -12,7 +12,9 @@
 
 namespace MA_NAMESPACE {
 
-class MABinaryEffectSize;
+template <class Pooling>
+class MAPooledCounts;
+struct MAPooledEffect;
 struct MATable;
 
 /// Fixed-effect pooling of 2x2 tables: Mantel-Haenszel for the odds ratio, risk ratio and risk difference,
@@ -49,11 +51,18 @@ public:
     KXStatus SetNullHypothesis(double value);
     /// 1 - confidence level.
     KXStatus SetSignLevel(double alpha);
+    /// Correction of the tables for the studies' effects, which the homogeneity test and contrasts use.
     KXStatus SetZeroAdjType(MAConst::ZEROADJTYPE type);
+    /// Whether the corrected counts are pooled (default), the counts as read, or the counts as read unless
+    /// the pooled effect or its variance is undefined without the correction. Counts pooled as read give the
+    /// less biased ratio where events are rare. Then a table without information on the effect (for odds
+    /// ratios without events, or without non-events, in both groups; for risk ratios without events in both)
+    /// has weight 0 and no part in the homogeneity test, and a pooled effect that stays undefined is NaN.
+    KXStatus SetPooledZeroCells(MAConst::POOLEDZEROCELLS rule);
     /// A value outside the enumeration pools nothing. Returns a fresh OK status.
     KXStatus SetEstimationMethod(MAConst::BINESTYPE method);
 
-    /// Corrects the counts, pools and tests. With k < 2 there are no heterogeneity results.
+    /// Corrects the counts, pools and tests. With fewer than two studies there are no heterogeneity results.
     /// Errors: 460001, 460099.
     KXStatus ComputeEffectSizeStatistics();
 
@@ -79,8 +88,10 @@ public:
     double GetLogEstESCIUpper() const { return log_.ciUpper; }
     double GetLogEstESCILower() const { return log_.ciLower; }
 
-    /// One entry per study; missing for a Peto table of fewer than two persons.
+    /// One entry per study, from the counts pooled; missing for a Peto table of fewer than two persons.
     std::vector<double> GetEstWeight() const { return CopyOf(weights_); }
+    /// Number of the tables that were pooled with a correction.
+    int GetNPoolCorrected() const { return correctedTables_; }
 
     double GetHomogeneityTestQ() const { return q_; }
     int GetHomogeneityTestDf() const { return df_; }
@@ -112,16 +123,20 @@ private:
         double ciLower = KXMV::Missing();
     };
 
+    /// Sets the constant of the correction for the analysis, whose user chooses it.
+    friend class MABinModel;
+
     bool HasCounts() const;
     MATable TableOf(std::size_t study) const;
+    std::vector<MATable> Tables() const;
     KXStatus ComputeStatistics();
     KXStatus ComputeStudyEffects();
     template <class Pooling>
-    void EstimateBy(Pooling pooling);
+    void EstimateBy(MAPooledCounts<Pooling> counts, const std::vector<MATable>& asRead);
     template <class Pooling>
-    void StoreEstimate(const Pooling& pooling, double quantile);
+    void StoreEstimate(const MAPooledEffect& pooled, double quantile);
     template <class Pooling>
-    void TestHomogeneity(double pooled, double quantile);
+    void TestHomogeneity(const std::vector<std::size_t>& studies, double pooled, double quantile);
 
     template <class Pooling>
     KXStatus ContrastTestBy(Pooling method);
@@ -139,8 +154,11 @@ private:
     double nullHypothesis_ = 0.0;
     double alpha_ = 0.05;
     MAConst::ZEROADJTYPE zeroAdjustment_ = MAConst::ZERO_ADJUST_EACH;
+    double correctionDelta_ = 0.5;
+    MAConst::POOLEDZEROCELLS pooledZeroCells_ = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
     MAConst::BINESTYPE method_ = MAConst::BIN_ODDS_RATIO;
     std::vector<double> weights_;
+    int correctedTables_ = 0;
     Scale natural_;
     Scale log_;
     double zValue_ = KXMV::Missing();

@@ -41,9 +41,9 @@ Published PublishedAs(const Figures& figures)
     return published;
 }
 
-/// Tables, the group, and the order.
-const Rows studies = {{12, 88, 20, 80, 2, 2005}, {15, 85, 25, 75, 1, 2001}, {9, 91, 8, 92, 2, 2003},
-                      {5, 95, 9, 91, 1, 2004},   {45, 55, 25, 75, 2, 1999}, {11, 89, 19, 81, 3, 2002}};
+/// Tables, the group, and the order. In group 1 no one treated has an event.
+const Rows studies = {{12, 88, 20, 80, 2, 2005}, {0, 85, 25, 75, 1, 2001},  {9, 91, 8, 92, 2, 2003},
+                      {0, 95, 9, 91, 1, 2004},   {45, 55, 25, 75, 2, 1999}, {11, 89, 19, 81, 3, 2002}};
 
 MAModelSettings SettingsBy(int group, int order)
 {
@@ -281,7 +281,10 @@ TEST(Cumulative, GroupsHaveSeriesOfTheirOwn)
 TEST(Subgroups, RemovedStudiesLeaveNoTrace)
 {
     const std::vector<std::string> differing = {"Missing", "Invalid", "StudyID", "Warnings", "Labbe"};
-    Rows rows = studies;
+    Rows all = studies;
+    for (Row& row : all)
+        row[0] += 1; // zero cells are not corrected here
+    Rows rows = all;
     rows.insert(rows.begin() + 1, {{0, 0, 4, 90, 1, 9}, {4, missing, 4, 90, 1, 9}});
     rows.insert(rows.begin() + 4, {0, 0, 7, 90, 2, 9});
     for (const Pooling& pooling : poolings) {
@@ -291,7 +294,7 @@ TEST(Subgroups, RemovedStudiesLeaveNoTrace)
             settings.SetBinZeroAdjType(ZERO_ADJUST_NONE);
             settings.SetContrastCoefIndex({5});
             const BinRun run(settings, rows);
-            const BinRun kept(settings, studies);
+            const BinRun kept(settings, all);
             EXPECT_EQ(FirstDifference(ResultsBut(differing, run.model), ResultsBut(differing, kept.model)),
                       "");
             EXPECT_EQ(run.model.GetNInvalid(), 2);

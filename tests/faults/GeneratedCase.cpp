@@ -227,6 +227,8 @@ AnalysisCase::AnalysisCase(ByteStream& bytes)
     const int variableCount = values.IsHostile() ? bytes.Below(16) : first + ROLE_COUNT;
     for (int i = 0; i < variableCount; ++i)
         variables.AddContVar("v" + std::to_string(i), "");
+    settings.SetPooledZeroCells(
+        values.Enumerator<POOLEDZEROCELLS>(3)); // last, for the corpus was made before
 }
 
 RegressionCase::RegressionCase(ByteStream& bytes) : isTame(!bytes.OneIn(2)), isRandom(bytes.OneIn(2))

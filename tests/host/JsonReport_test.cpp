@@ -117,9 +117,9 @@ TEST(JsonReport, TellsEverySetting)
         const char* settings;
     } cases[] = {
         {Bcg() +
-             "--effect peto --zero-cells none --zero-delta 0.25 --drop-double-zero --model fixed --tau2 hs "
-             "--tau2-search scoring --knapp-hartung adjusted --level=0.9 --weights mantel-haenszel --null "
-             "-0.5 "
+             "--effect peto --zero-cells none --zero-delta 0.25 --pooled-zero-cells as-studies "
+             "--drop-double-zero --model fixed --tau2 hs --tau2-search scoring "
+             "--knapp-hartung adjusted --level=0.9 --weights mantel-haenszel --null -0.5 "
              "--max-iterations 7 --max-step-halving 8 --tolerance 1e-9 --subgroup year "
              "--cumulative latitude --descending --contrast year --contrast allocation "
              "--trim-fill quadratic --side 2 --trim-fill-model fixed --trim-fill-tau2 eb "
@@ -129,9 +129,11 @@ TEST(JsonReport, TellsEverySetting)
          R"({
             "treatment-events": "treatment_events", "treatment-nonevents": "treatment_nonevents",
             "control-events": "control_events", "control-nonevents": "control_nonevents", "study": "study",
-            "effect": "peto", "zero-cells": "none", "zero-delta": 0.25, "drop-double-zero": true,
+            "effect": "peto", "zero-cells": "none", "zero-delta": 0.25,
+            "pooled-zero-cells": "as-studies", "drop-double-zero": true,
             "preset": null, "tau2-search": "scoring", "tau2-interval": "q-profile", "prediction": "t-k-2",
-            "probability-above": null, "probability-below": null, "model": "fixed", "tau2": "hs", "knapp-hartung": "adjusted", "level": 0.9,
+            "probability-above": null, "probability-below": null,
+            "model": "fixed", "tau2": "hs", "knapp-hartung": "adjusted", "level": 0.9,
             "weights": "mantel-haenszel", "null": -0.5, "max-iterations": 7, "max-step-halving": 8,
             "tolerance": 1e-9, "subgroup": "year", "cumulative": "latitude", "descending": true,
             "contrast": ["year", "allocation"], "trim-fill": "quadratic", "side": "2",

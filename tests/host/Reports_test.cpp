@@ -33,6 +33,10 @@ TEST(Reports, SayWhatTheLibraryDoesWithTheSettings)
     const Arguments fixed = Bcg() + "--model fixed";
     const Arguments effects = Effects("passive_smoking.csv") + "--outcome binary --model fixed";
     const std::string tables = "--weights mantel-haenszel";
+    const TemporaryFolder folder;
+    const std::string zeros =
+        folder.Write("t.csv", "treatment_events,treatment_nonevents,control_events,control_nonevents,g\n"
+                              "0,9,2,7,a\n0,8,3,5,b\n4,9,5,6,b\n");
     const std::string random = "random-effects model \\(restricted maximum likelihood\\), 95%";
     ExpectShown({
         {Bcg() + "--null 2",
@@ -46,6 +50,11 @@ TEST(Reports, SayWhatTheLibraryDoesWithTheSettings)
         {fixed + tables + "--null 2",
          "fixed-effect model \\(Mantel-Haenszel\\), .*The null hypothesis is OR = 2\\."},
         {fixed + tables + "--effect peto", "fixed-effect model \\(Peto\\), "},
+        {Binary(zeros) + "--model fixed" + tables + "--subgroup g",
+         "effects: 0.5 added to all cells of 2 tables\\..*of the counts pooled: 1 table in a\\."},
+        {Binary(zeros) + "--model fixed" + tables + "--cumulative g",
+         "of the counts pooled: no table\\..*p +Tables corrected\n1 +a [^\n]* 1\n2 +b [^\n]* 2\n3 +b [^\n]* "
+         "0\n"},
         {Bcg() + tables, random},
         {effects + tables, "fixed-effect model \\(inverse variance\\), "},
     });

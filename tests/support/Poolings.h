@@ -14,6 +14,7 @@ struct Pooling
         settings.SetBinaryEstType(effect);
         settings.SetModelType(model);
         settings.SetWeightType(weight);
+        settings.SetPooledZeroCells(zeroCells);
         return settings;
     }
     bool IsBinary() const { return weight == MAConst::WEIGHT_BINARY_FIXED; }
@@ -22,6 +23,7 @@ struct Pooling
     MAConst::BINESTYPE effect;
     MAConst::MODELTYPE model;
     MAConst::WEIGHTYPE weight;
+    MAConst::POOLEDZEROCELLS zeroCells = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
 };
 
 inline const Pooling poolings[] = {
@@ -31,6 +33,8 @@ inline const Pooling poolings[] = {
     {"Peto", MAConst::BIN_PETO_ODDS_RATIO, MAConst::MODEL_FIXED, MAConst::WEIGHT_BINARY_FIXED},
     {"risk ratio", MAConst::BIN_RISK_RATIO, MAConst::MODEL_FIXED, MAConst::WEIGHT_BINARY_FIXED},
     {"risk difference", MAConst::BIN_RISK_DIFFERENCE, MAConst::MODEL_FIXED, MAConst::WEIGHT_BINARY_FIXED},
+    {"risk ratio, as read", MAConst::BIN_RISK_RATIO, MAConst::MODEL_FIXED, MAConst::WEIGHT_BINARY_FIXED,
+     MAConst::POOLED_ZERO_CELLS_IF_NEEDED},
 };
 inline const Pooling& randomEffects = poolings[1];
 
