@@ -147,9 +147,9 @@ TEST(Reports, NameBothValuesWhereScoringMissedTheEstimate)
         {Effects(effects) + "--preset library",
          "Preset\nlibrary: --tau2-search scoring, .*reached --max-iterations .*" + doubt +
              "00[0-9]+ in place of 0\\.1464\\. Set --tau2-search global"},
-        {Effects(effects), "\ntau² [^\n]*\nOverall +0\\.1464 "},
+        {Effects(effects), " tau² [^\n]*\nOverall +0\\.1464 "},
         {regression + "--tau2-search scoring", doubt + "0000 in place of 0\\.0114\\. Set"},
-        {regression, "\ntau² [^\n]*\n0\\.0114 "},
+        {regression, " tau² [^\n]*\n0\\.0114 "},
     });
     EXPECT_THAT(JsonOf(Effects(effects) + "--preset library")["messages"].dump(),
                 testing::HasSubstr("in place of 0.1464"));
@@ -182,7 +182,7 @@ TEST(Reports, ShowRegressions)
          ".*Parameter +Coefficient \\[95% CI\\] +SE +t +p\n\\(intercept\\) "
          ".*tester=1 +- +- +- +-\n-: aliased"
          ".* F +df +residual df +p\n[0-9.]+ +1 +17 +0\\.[0-9]{4}\n"
-         ".*Q +df +p +I² % +H² +R² %\n[0-9.]+ +17 .*\ntau² \\[95% CI\\] +tau \\[95% CI\\]\n"},
+         ".*Q +df +p +I² % +H² +R² %\n[0-9.]+ +17 .* tau² \\[95% CI\\] +tau \\[95% CI\\]\n"},
         {tester + "--model fixed --dispersion --normal-tests",
          "SE +z +p\n.*Wald chi² +df +p\n.*Q +df +p +I² % +H²\n.*Multiplicative dispersion\n[0-9.]+, by "
          "which"},
