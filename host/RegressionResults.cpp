@@ -55,6 +55,7 @@ Json ResultsOf(const RegressionRequest& request, const RegressionAnalysis& analy
     results["BetaStandErr"] = ToJson(output.GetBetaStandErr());
     results["BetaTest"] = ToJson(output.GetBetaTest());
     results["BetaTestPValue"] = ToJson(output.GetBetaTestPValue());
+    results["BetaTestLog10PValue"] = ToJson(output.GetBetaTestLog10PValue());
     results["BetaConfInterValLower"] = ToJson(output.GetBetaConfInterValLower());
     results["BetaConfInterValUpper"] = ToJson(output.GetBetaConfInterValUpper());
     results["WaldChiSquareTest"] = ToJson(output.GetWaldChiSquareTest());
@@ -62,12 +63,14 @@ Json ResultsOf(const RegressionRequest& request, const RegressionAnalysis& analy
     results["WaldPValue"] = ToJson(output.GetWaldPValue());
     results["FTestVal"] = ToJson(output.GetFTestVal());
     results["FPValue"] = ToJson(output.GetFPValue());
+    results["ModelTestLog10PValue"] = ToJson(output.GetModelTestLog10PValue());
     results["FDf1"] = ToJson(output.GetFDf1());
     results["FDf2"] = ToJson(output.GetFDf2());
     results["MultiDisper"] = ToJson(output.GetMultiDisper());
     results["ResHomoChiSqure"] = ToJson(output.GetResHomoChiSqure());
     results["ResHomoDf"] = ToJson(output.GetResHomoDf());
     results["ResHomoPValue"] = ToJson(output.GetResHomoPValue());
+    results["ResHomoLog10PValue"] = ToJson(output.GetResHomoLog10PValue());
     results["HresSquare"] = ToJson(output.GetHresSquare());
     results["IresSquare"] = ToJson(output.GetIresSquare());
     results["RSquare"] = ToJson(output.GetRSquare());

@@ -39,6 +39,7 @@ void AddModels(Json& results, const MABaseModel& model)
     results["StdError"] = ToJson(model.GetStdError());
     results["ZVal"] = ToJson(model.GetZVal());
     results["Sig"] = ToJson(model.GetSig());
+    results["Log10Sig"] = ToJson(model.GetLog10Sig());
     results["CILower"] = ToJson(model.GetCILower());
     results["CIUpper"] = ToJson(model.GetCIUpper());
     results["SampSize"] = ToJson(model.GetSampSize());
@@ -49,6 +50,7 @@ void AddModels(Json& results, const MABaseModel& model)
     results["EstStdError"] = ToJson(model.GetEstStdError());
     results["EstZVal"] = ToJson(model.GetEstZVal());
     results["EstSig"] = ToJson(model.GetEstSig());
+    results["EstLog10Sig"] = ToJson(model.GetEstLog10Sig());
     results["EstCILower"] = ToJson(model.GetEstCILower());
     results["EstCIUpper"] = ToJson(model.GetEstCIUpper());
     results["PILower"] = ToJson(model.GetPILower());
@@ -66,6 +68,7 @@ void AddModels(Json& results, const MABaseModel& model)
     results["HomoTestChisquareQ"] = ToJson(model.GetHomoTestChisquareQ());
     results["HomoTestdf"] = ToJson(model.GetHomoTestdf());
     results["HomoTestSig"] = ToJson(model.GetHomoTestSig());
+    results["HomoTestLog10Sig"] = ToJson(model.GetHomoTestLog10Sig());
     results["H2Index"] = ToJson(model.GetH2Index());
     results["H2CILower"] = ToJson(model.GetH2CILower());
     results["H2CIUpper"] = ToJson(model.GetH2CIUpper());
@@ -78,6 +81,7 @@ void AddModels(Json& results, const MABaseModel& model)
     results["GDQbVal"] = ToJson(model.GetGDQbVal());
     results["GDQbDf"] = ToJson(model.GetGDQbDf());
     results["GDQbSig"] = ToJson(model.GetGDQbSig());
+    results["GDQbLog10Sig"] = ToJson(model.GetGDQbLog10Sig());
 }
 
 void AddContrastsAndCumulative(Json& results, const MABaseModel& model)
@@ -86,6 +90,7 @@ void AddContrastsAndCumulative(Json& results, const MABaseModel& model)
     results["ContrastEstStdError"] = ToJson(model.GetContrastEstStdError());
     results["ContrastEstZVal"] = ToJson(model.GetContrastEstZVal());
     results["ContrastEstSig"] = ToJson(model.GetContrastEstSig());
+    results["ContrastLog10Sig"] = ToJson(model.GetContrastLog10Sig());
     results["ContrastEstCILower"] = ToJson(model.GetContrastEstCILower());
     results["ContrastEstCIUpper"] = ToJson(model.GetContrastEstCIUpper());
     results["ContrastStatus"] = ToJson(model.GetContrastStatus());
@@ -95,6 +100,7 @@ void AddContrastsAndCumulative(Json& results, const MABaseModel& model)
     results["CumEstStdErr"] = ToJson(model.GetCumEstStdErr());
     results["CumEstZval"] = ToJson(model.GetCumEstZval());
     results["CumEstSig"] = ToJson(model.GetCumEstSig());
+    results["CumEstLog10Sig"] = ToJson(model.GetCumEstLog10Sig());
     results["CumEstCiLower"] = ToJson(model.GetCumEstCiLower());
     results["CumEstCiUpper"] = ToJson(model.GetCumEstCiUpper());
 }
@@ -119,6 +125,7 @@ void AddSmallStudyTest(Json& results, const MABaseModel& model)
     results["RegBasedTestStdError"] = ToJson(model.GetRegBasedTestStdError());
     results["RegBasedTestVal"] = ToJson(model.GetRegBasedTestVal());
     results["GeRegBasedTestSig"] = ToJson(model.GeRegBasedTestSig());
+    results["RegBasedTestLog10Sig"] = ToJson(model.GetRegBasedTestLog10Sig());
     results["RegBasedTestDf"] = ToJson(model.GetRegBasedTestDf());
     results["RegBasedTestCILower"] = ToJson(model.GetRegBasedTestCILower());
     results["RegBasedTestCIUpper"] = ToJson(model.GetRegBasedTestCIUpper());

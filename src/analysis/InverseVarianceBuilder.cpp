@@ -46,7 +46,7 @@ KXStatus MABaseModel::InverseVarianceBuilder::BuildFixedPrefixes(const MASelecti
         const double variance = 1.0 / weightSum;
         const MANormalInference inference = InferNormal(mean, variance, nullHypothesis, quantile);
         analysis_.results_.models.push_back({mean, variance, inference.stdError, inference.zValue,
-                                             inference.significance, inference.ciLower, inference.ciUpper});
+                                             inference.pValue, inference.ciLower, inference.ciUpper});
     }
     analysis_.status_ = KXStatus();
     RecordWeights(selection, 0.0);

@@ -1,5 +1,7 @@
 #include "meta_analysis/analysis/MAAnalysisResults.h"
 
+#include "meta_analysis/effectsize/MATestPValues.h"
+
 #include <numeric>
 
 namespace MA_NAMESPACE {
@@ -16,6 +18,11 @@ std::vector<double> MAAnalysisResults::GetNormalizedWeight() const
     for (double& weight : normalized)
         weight /= sum;
     return normalized;
+}
+
+std::vector<double> MAAnalysisResults::GetLog10Sig() const
+{
+    return FieldOf(studies_.zValue, [](double z) { return TwoSidedNormalPValue(z).log10; });
 }
 
 } // namespace MA_NAMESPACE

@@ -43,6 +43,9 @@ public:
     std::vector<double> GetStdError() const { return CopyOf(studies_.effects.stdError); }
     std::vector<double> GetZVal() const { return CopyOf(studies_.zValue); }
     std::vector<double> GetSig() const { return CopyOf(studies_.significance); }
+    /// Decimal logarithms of the p-values, here and below: right also where a p-value underflows to 0, and
+    /// missing where it is missing.
+    std::vector<double> GetLog10Sig() const;
     std::vector<double> GetCILower() const { return CopyOf(studies_.effects.ciLower); }
     std::vector<double> GetCIUpper() const { return CopyOf(studies_.effects.ciUpper); }
     /// Total sample sizes; empty for ready-made effect sizes.
@@ -59,7 +62,8 @@ public:
     std::vector<double> GetEstStdError() const { return ModelColumn(&MAModelRow::stdError); }
     /// z, or t under the Knapp-Hartung adjustment.
     std::vector<double> GetEstZVal() const { return ModelColumn(&MAModelRow::statistic); }
-    std::vector<double> GetEstSig() const { return ModelColumn(&MAModelRow::significance); }
+    std::vector<double> GetEstSig() const { return PValuesOf(results_.models, &MAPValue::value); }
+    std::vector<double> GetEstLog10Sig() const { return PValuesOf(results_.models, &MAPValue::log10); }
     std::vector<double> GetEstCILower() const { return ModelColumn(&MAModelRow::ciLower); }
     std::vector<double> GetEstCIUpper() const { return ModelColumn(&MAModelRow::ciUpper); }
 
@@ -101,10 +105,8 @@ public:
     /// those of the between-study variance.
     std::vector<double> GetHomoTestChisquareQ() const { return HeterogeneityColumn(&MAHeterogeneityRow::q); }
     std::vector<double> GetHomoTestdf() const { return HeterogeneityColumn(&MAHeterogeneityRow::df); }
-    std::vector<double> GetHomoTestSig() const
-    {
-        return HeterogeneityColumn(&MAHeterogeneityRow::significance);
-    }
+    std::vector<double> GetHomoTestSig() const { return PValuesOf(heterogeneity_, &MAPValue::value); }
+    std::vector<double> GetHomoTestLog10Sig() const { return PValuesOf(heterogeneity_, &MAPValue::log10); }
     std::vector<double> GetH2Index() const { return HeterogeneityColumn(&MAHeterogeneityRow::h2); }
     std::vector<double> GetH2CILower() const { return HeterogeneityColumn(&MAHeterogeneityRow::h2Lower); }
     std::vector<double> GetH2CIUpper() const { return HeterogeneityColumn(&MAHeterogeneityRow::h2Upper); }
@@ -121,7 +123,9 @@ public:
     /// Test of heterogeneity between the groups; 0 with fewer than two groups.
     double GetGDQbVal() const { return betweenGroups_.q; }
     int GetGDQbDf() const { return betweenGroups_.df; }
-    double GetGDQbSig() const { return betweenGroups_.significance; }
+    double GetGDQbSig() const { return betweenGroups_.pValue.value; }
+    /// Missing where the test was not made.
+    double GetGDQbLog10Sig() const { return betweenGroups_.pValue.log10; }
 
     /// Per contrast: estimate with its test and interval. Of the binary fixed-effect pooling, the z values
     /// are the standard errors once more.
@@ -131,10 +135,8 @@ public:
         return FieldOf(contrasts_, &MAContrastRow::stdError);
     }
     std::vector<double> GetContrastEstZVal() const { return FieldOf(contrasts_, &MAContrastRow::zValue); }
-    std::vector<double> GetContrastEstSig() const
-    {
-        return FieldOf(contrasts_, &MAContrastRow::significance);
-    }
+    std::vector<double> GetContrastEstSig() const { return PValuesOf(contrasts_, &MAPValue::value); }
+    std::vector<double> GetContrastLog10Sig() const { return PValuesOf(contrasts_, &MAPValue::log10); }
     std::vector<double> GetContrastEstCILower() const { return FieldOf(contrasts_, &MAContrastRow::ciLower); }
     std::vector<double> GetContrastEstCIUpper() const { return FieldOf(contrasts_, &MAContrastRow::ciUpper); }
     /// 0 tested, 1 all coefficients are 0, 2 tested with a warning; empty under binary fixed-effect pooling.
@@ -147,10 +149,8 @@ public:
     std::vector<std::vector<double>> GetCumEstES() const { return CumulativeRows(&MAModelRow::estimate); }
     std::vector<std::vector<double>> GetCumEstStdErr() const { return CumulativeRows(&MAModelRow::stdError); }
     std::vector<std::vector<double>> GetCumEstZval() const { return CumulativeRows(&MAModelRow::statistic); }
-    std::vector<std::vector<double>> GetCumEstSig() const
-    {
-        return CumulativeRows(&MAModelRow::significance);
-    }
+    std::vector<std::vector<double>> GetCumEstSig() const { return CumulativePValues(&MAPValue::value); }
+    std::vector<std::vector<double>> GetCumEstLog10Sig() const { return CumulativePValues(&MAPValue::log10); }
     std::vector<std::vector<double>> GetCumEstCiLower() const { return CumulativeRows(&MAModelRow::ciLower); }
     std::vector<std::vector<double>> GetCumEstCiUpper() const { return CumulativeRows(&MAModelRow::ciUpper); }
 
@@ -162,7 +162,7 @@ public:
     double GetOverallTFEffectSize() const { return FilledModel().estimate; }
     double GetOverallTFStdError() const { return FilledModel().stdError; }
     double GetOverallTFZVal() const { return FilledModel().statistic; }
-    double GetOverallTFSig() const { return FilledModel().significance; }
+    double GetOverallTFSig() const { return FilledModel().pValue.value; }
     double GetOverallTFCILower() const { return FilledModel().ciLower; }
     double GetOverallTFCIUpper() const { return FilledModel().ciUpper; }
 
@@ -191,7 +191,8 @@ public:
     double GetRegBasedTestCoef() const { return regressionTest_.coefficient; }
     double GetRegBasedTestStdError() const { return regressionTest_.stdError; }
     double GetRegBasedTestVal() const { return regressionTest_.statistic; }
-    double GeRegBasedTestSig() const { return regressionTest_.significance; }
+    double GeRegBasedTestSig() const { return regressionTest_.pValue.value; }
+    double GetRegBasedTestLog10Sig() const { return regressionTest_.pValue.log10; }
     double GetRegBasedTestDf() const { return regressionTest_.df; }
     double GetRegBasedTestCILower() const { return regressionTest_.ciLower; }
     double GetRegBasedTestCIUpper() const { return regressionTest_.ciUpper; }
@@ -329,7 +330,13 @@ private:
     }
     std::vector<std::vector<double>> CumulativeRows(double MAModelRow::*field) const
     {
-        return FieldOf(cumulativeRows_, field);
+        return FieldOf(cumulativeRows_,
+                       [=](const std::vector<MAModelRow>& steps) { return FieldOf(steps, field); });
+    }
+    std::vector<std::vector<double>> CumulativePValues(double MAPValue::*form) const
+    {
+        return FieldOf(cumulativeRows_,
+                       [=](const std::vector<MAModelRow>& steps) { return PValuesOf(steps, form); });
     }
     std::vector<double> ModelColumn(double MAModelRow::*field) const
     {

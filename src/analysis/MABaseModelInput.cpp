@@ -3,8 +3,8 @@
 
 #include "meta_analysis/analysis/MABaseModel.h"
 #include "meta_analysis/analysis/MARecordPass.h"
-#include "meta_analysis/effectsize/MANormalTest.h"
 #include "meta_analysis/effectsize/MAPoolable.h"
+#include "meta_analysis/effectsize/MATestPValues.h"
 #include "meta_analysis/platform/common/KXPower.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -175,7 +175,7 @@ void MABaseModel::AppendReadyMadeStudy(double effectSize, double variance, doubl
     studies_.effects.ciLower.push_back(lower);
     studies_.effects.ciUpper.push_back(upper);
     studies_.zValue.push_back(z);
-    studies_.significance.push_back(TwoSidedNormalSignificance(z));
+    studies_.significance.push_back(TwoSidedNormalPValue(z).value);
 
     studies_.ratioEffects.effectSize.push_back(ExponentOrZero(effectSize));
     studies_.ratioEffects.variance.push_back(ExponentOrZero(variance));

@@ -1,7 +1,7 @@
 // Coordinates of the funnel and Galbraith plots.
 
 #include "meta_analysis/analysis/MABaseModel.h"
-#include "meta_analysis/effectsize/MANormalTest.h"
+#include "meta_analysis/effectsize/MATestPValues.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/settings/Guarded.h"
 

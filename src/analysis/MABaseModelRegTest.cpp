@@ -50,14 +50,15 @@ MARegTestRun ResultsOf(const MARegBaseTest& test)
                         test.GetBetaStandErr(),
                         test.GetBetaTest(),
                         test.GetBetaTestPValue(),
+                        test.GetBetaTestLog10PValue(),
                         test.GetBetaConfInterValLower(),
                         test.GetBetaConfInterValUpper(),
                         test.GetParameters(),
                         test.GetRedundancyInfo()};
     const std::size_t count =
         std::max<std::size_t>(1, run.coefficients.size()); // the covariate is always there
-    RequireLength(count, run.coefficients, run.stdErrors, run.statistics, run.significances, run.lowerLimits,
-                  run.upperLimits, run.parameters);
+    RequireLength(count, run.coefficients, run.stdErrors, run.statistics, run.significances,
+                  run.log10Significances, run.lowerLimits, run.upperLimits, run.parameters);
     RequireMemory(run.nonRedundant.Size() == count);
     return run;
 }
@@ -145,9 +146,9 @@ void MABaseModel::StoreTest(const MARegBaseTest& test)
     if (!test.HasResults())
         return;
     const MARegTestRun run = ResultsOf(test);
-    regressionTest_ = {run.coefficients.back(),  run.stdErrors.back(),   run.statistics.back(),
-                       run.significances.back(), run.lowerLimits.back(), run.upperLimits.back(),
-                       test.GetResidualDf()};
+    const MAPValue pValue = {run.significances.back(), run.log10Significances.back()};
+    regressionTest_ = {run.coefficients.back(), run.stdErrors.back(),   run.statistics.back(), pValue,
+                       run.lowerLimits.back(),  run.upperLimits.back(), test.GetResidualDf()};
 }
 
 KXStatus MABaseModel::RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,

@@ -2,7 +2,7 @@
 
 #include "meta_analysis/analysis/InverseVarianceBuilder.h"
 #include "meta_analysis/analysis/MABaseModel.h"
-#include "meta_analysis/platform/common/KXDistFun.h"
+#include "meta_analysis/effectsize/MATestPValues.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -16,8 +16,9 @@ namespace {
 
 MAContrastRow RowOf(const MAContinousFixEffectModel& model)
 {
-    return {model.GetContrastGMeans(), model.GetContrastStdError(), model.GetContrastZVal(),
-            model.GetContrastSig(),    model.GetContrastCILower(),  model.GetContrastCIUpper()};
+    return {model.GetContrastGMeans(),  model.GetContrastStdError(),
+            model.GetContrastZVal(),    {model.GetContrastSig(), model.GetContrastLog10Sig()},
+            model.GetContrastCILower(), model.GetContrastCIUpper()};
 }
 
 /// A NaN is no zero.
@@ -110,7 +111,7 @@ void MABaseModel::ComputeCochranStatistics()
         betweenGroups_.q += weights[g] * (means[g] - grandMean) * (means[g] - grandMean);
     betweenGroups_.df = groupCount_ - 1;
     if (std::isfinite(betweenGroups_.q))
-        betweenGroups_.significance = 1.0 - KXDistFun::CdfChi(betweenGroups_.q, betweenGroups_.df);
+        betweenGroups_.pValue = ChiSquarePValue(betweenGroups_.q, betweenGroups_.df);
 }
 
 KXStatus MABaseModel::FixedModelContrastTest()

@@ -24,12 +24,22 @@ std::vector<double> Exponentiated(std::vector<double> values)
 MAModelRow RowOf(const MABinaryFixEffectModel& model, bool onLogScale)
 {
     if (onLogScale)
-        return {model.GetLogEstESVal(),     model.GetLogEstESVariance(), model.GetLogEstESStdError(),
-                model.GetEstESZVal(),       model.GetEstESSig(),         model.GetLogEstESCILower(),
-                model.GetLogEstESCIUpper(), model.GetNPoolCorrected()};
-    return {model.GetEstESVal(),     model.GetEstESVariance(), model.GetEstESStdError(),
-            model.GetEstESZVal(),    model.GetEstESSig(),      model.GetEstESCILower(),
-            model.GetEstESCIUpper(), model.GetNPoolCorrected()};
+        return {model.GetLogEstESVal(),
+                model.GetLogEstESVariance(),
+                model.GetLogEstESStdError(),
+                model.GetEstESZVal(),
+                {model.GetEstESSig(), model.GetEstESLog10Sig()},
+                model.GetLogEstESCILower(),
+                model.GetLogEstESCIUpper(),
+                model.GetNPoolCorrected()};
+    return {model.GetEstESVal(),
+            model.GetEstESVariance(),
+            model.GetEstESStdError(),
+            model.GetEstESZVal(),
+            {model.GetEstESSig(), model.GetEstESLog10Sig()},
+            model.GetEstESCILower(),
+            model.GetEstESCIUpper(),
+            model.GetNPoolCorrected()};
 }
 
 } // namespace
@@ -142,8 +152,11 @@ KXStatus MABinModel::FixedBinModelContrastTest()
             AddWarning(tested);
             // The z values receive the standard error once more, as hosts expect of this path.
             const double stdError = std::sqrt(model.GetContrastTestStdError());
-            contrasts_.push_back({model.GetContrastTestGMeans(), stdError, stdError,
-                                  model.GetContrastTest2SidedSig(), model.GetContrastTestCILower(),
+            contrasts_.push_back({model.GetContrastTestGMeans(),
+                                  stdError,
+                                  stdError,
+                                  {model.GetContrastTest2SidedSig(), model.GetContrastTest2SidedLog10Sig()},
+                                  model.GetContrastTestCILower(),
                                   model.GetContrastTestCIUpper()});
         }
         return status_;

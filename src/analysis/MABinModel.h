@@ -91,7 +91,9 @@ public:
     }
     std::vector<std::vector<int>> GetCumNPoolCorrected() const
     {
-        return FieldOf(cumulativeRows_, &MAModelRow::correctedTables);
+        return FieldOf(cumulativeRows_, [](const std::vector<MAModelRow>& steps) {
+            return FieldOf(steps, &MAModelRow::correctedTables);
+        });
     }
 
     /// Per study, on the ratio scale; empty for risk differences computed from tables. From tables, the

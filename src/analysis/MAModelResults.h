@@ -1,5 +1,7 @@
 #pragma once
 
+#include "meta_analysis/effectsize/MAPValue.h"
+#include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/KXMV.h"
 
 #include <vector>
@@ -13,7 +15,7 @@ struct MAModelRow
     double variance = KXMV::Missing();
     double stdError = KXMV::Missing();
     double statistic = KXMV::Missing();
-    double significance = KXMV::Missing();
+    MAPValue pValue;
     double ciLower = KXMV::Missing();
     double ciUpper = KXMV::Missing();
     int correctedTables = 0; ///< 2x2 tables that were pooled with a zero-cell correction
@@ -32,7 +34,7 @@ struct MAHeterogeneityRow
 {
     double q = KXMV::Missing();
     double df = KXMV::Missing();
-    double significance = KXMV::Missing();
+    MAPValue pValue;
     double h2 = KXMV::Missing();
     double h2Lower = KXMV::Missing();
     double h2Upper = KXMV::Missing();
@@ -57,7 +59,7 @@ struct MABetweenGroups
 {
     double q = 0.0;
     int df = 0;
-    double significance = 0.0;
+    MAPValue pValue = {0.0, KXMV::Missing()};
 };
 
 /// A contrast's estimate with its test and interval.
@@ -66,7 +68,7 @@ struct MAContrastRow
     double estimate;
     double stdError;
     double zValue;
-    double significance;
+    MAPValue pValue;
     double ciLower;
     double ciUpper;
 };
@@ -77,7 +79,7 @@ struct MARegTestRow
     double coefficient = KXMV::Missing();
     double stdError = KXMV::Missing();
     double statistic = KXMV::Missing();
-    double significance = KXMV::Missing();
+    MAPValue pValue;
     double ciLower = KXMV::Missing();
     double ciUpper = KXMV::Missing();
     int df = 0; ///< good records minus non-redundant parameters
@@ -135,19 +137,11 @@ struct MAModelResults
     }
 };
 
-/// One field of every row, as a getter returns it: empty when memory runs out, like `CopyOf`.
-template <class Row, class Field>
-std::vector<Field> FieldOf(const std::vector<Row>& rows, Field Row::*field) noexcept
+/// The p-values of the rows, or their decimal logarithms.
+template <class Row>
+std::vector<double> PValuesOf(const std::vector<Row>& rows, double MAPValue::*form) noexcept
 {
-    try {
-        std::vector<Field> fields;
-        fields.reserve(rows.size());
-        for (const Row& row : rows)
-            fields.push_back(row.*field);
-        return fields;
-    } catch (...) {
-        return {};
-    }
+    return FieldOf(rows, [=](const Row& row) { return row.pValue.*form; });
 }
 
 template <class Row, class Field>

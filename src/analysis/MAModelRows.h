@@ -13,16 +13,23 @@ namespace MA_NAMESPACE {
 
 inline MAModelRow RowOf(const MAContinousFixEffectModel& model)
 {
-    return {model.GetEstMeanEffectSize(),     model.GetEstEffectSizeVariance(),
-            model.GetEstEffectSizeStdError(), model.GetEstEffectSizeZVal(),
-            model.GetEstEffectSizeSig(),      model.GetEstEffectSizeCILower(),
+    return {model.GetEstMeanEffectSize(),
+            model.GetEstEffectSizeVariance(),
+            model.GetEstEffectSizeStdError(),
+            model.GetEstEffectSizeZVal(),
+            {model.GetEstEffectSizeSig(), model.GetEstEffectSizeLog10Sig()},
+            model.GetEstEffectSizeCILower(),
             model.GetEstEffectSizeCIUpper()};
 }
 
 inline MAModelRow RowOf(const MARandomEffectModel& model)
 {
-    return {model.GetEstEffectSize(), model.GetEstESVariance(), std::sqrt(model.GetEstESVariance()),
-            model.GetEstESTestStat(), model.GetEstESSig(),      model.GetEstESCILower(),
+    return {model.GetEstEffectSize(),
+            model.GetEstESVariance(),
+            std::sqrt(model.GetEstESVariance()),
+            model.GetEstESTestStat(),
+            {model.GetEstESSig(), model.GetEstESLog10Sig()},
+            model.GetEstESCILower(),
             model.GetEstESCIUpper()};
 }
 
@@ -54,7 +61,7 @@ MAHeterogeneityRow HeterogeneityRowOf(const FixedModel& model)
     MAHeterogeneityRow row;
     row.q = model.GetHomogeneityTestQ();
     row.df = HomogeneityDf(model);
-    row.significance = model.GetHomogeneityTestPVal();
+    row.pValue = {model.GetHomogeneityTestPVal(), model.GetHomogeneityTestLog10PVal()};
     row.h2 = model.GetHeterogeneityTestH2();
     row.h2Lower = model.GetHeterogeneityTestH2CILower();
     row.h2Upper = model.GetHeterogeneityTestH2CIUpper();
@@ -69,7 +76,7 @@ inline MAHeterogeneityRow HeterogeneityRowOf(const MARandomEffectModel& model)
     MAHeterogeneityRow row;
     row.q = model.GetHomogeneityTestQ();
     row.df = HomogeneityDf(model);
-    row.significance = model.GetHomogeneityTestPVal();
+    row.pValue = {model.GetHomogeneityTestPVal(), model.GetHomogeneityTestLog10PVal()};
     row.h2 = model.GetHeterogeneityTestH2();
     row.h2Lower = model.GetHeterogeneityTestH2CILower();
     row.h2Upper = model.GetHeterogeneityTestH2CIUpper();

@@ -138,6 +138,11 @@ std::vector<double> MARegBaseTest::GetBetaTestPValue() const
     return output_ == nullptr ? std::vector<double>() : output_->GetBetaTestPValue();
 }
 
+std::vector<double> MARegBaseTest::GetBetaTestLog10PValue() const
+{
+    return output_ == nullptr ? std::vector<double>() : output_->GetBetaTestLog10PValue();
+}
+
 std::vector<double> MARegBaseTest::GetBetaConfInterValLower() const
 {
     return output_ == nullptr ? std::vector<double>() : output_->GetBetaConfInterValLower();

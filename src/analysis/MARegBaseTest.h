@@ -57,6 +57,7 @@ public:
     std::vector<double> GetBetaStandErr() const;
     std::vector<double> GetBetaTest() const;
     std::vector<double> GetBetaTestPValue() const;
+    std::vector<double> GetBetaTestLog10PValue() const;
     std::vector<double> GetBetaConfInterValLower() const;
     std::vector<double> GetBetaConfInterValUpper() const;
     std::vector<KXRegrParameter> GetParameters() const;

@@ -15,6 +15,7 @@ struct MARegTestRun
     std::vector<double> stdErrors;
     std::vector<double> statistics;
     std::vector<double> significances;
+    std::vector<double> log10Significances;
     std::vector<double> lowerLimits;
     std::vector<double> upperLimits;
     std::vector<KXRegrParameter> parameters;

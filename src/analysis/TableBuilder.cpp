@@ -73,7 +73,7 @@ void MABinModel::TableBuilder::AppendRow(const MAPooledEffect& pooled, double qu
     const double nullValue = NullOnTestScale<Pooling>(analysis_.settings_->GetNullHypothesis());
     const MANormalInference inference = InferNormal(pooled.estimate, pooled.variance, nullValue, quantile);
     analysis_.results_.models.push_back({pooled.estimate, pooled.variance, inference.stdError,
-                                         inference.zValue, inference.significance, inference.ciLower,
+                                         inference.zValue, inference.pValue, inference.ciLower,
                                          inference.ciUpper, pooled.correctedTables});
     if constexpr (Pooling::onLogScale)
         analysis_.results_.exponentiated.push_back(

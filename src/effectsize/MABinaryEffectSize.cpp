@@ -1,8 +1,8 @@
 #include "meta_analysis/effectsize/MABinaryEffectSize.h"
 
 #include "meta_analysis/effectsize/MAInputCheck.h"
-#include "meta_analysis/effectsize/MANormalTest.h"
 #include "meta_analysis/effectsize/MATable.h"
+#include "meta_analysis/effectsize/MATestPValues.h"
 #include "meta_analysis/effectsize/MAZeroCorrection.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXPower.h"
@@ -308,7 +308,7 @@ void MABinaryEffectSize::ComputeTests()
         list->reserve(list->size() + studyCount_);
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const double z = tested.value[i] / tested.stdError[i];
-        const double significance = TwoSidedNormalSignificance(z);
+        const double significance = TwoSidedNormalPValue(z).value;
         double naturalZ = z;
         double naturalSignificance = significance;
         if (isRatio) {

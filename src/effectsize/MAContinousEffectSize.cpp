@@ -1,7 +1,7 @@
 #include "meta_analysis/effectsize/MAContinousEffectSize.h"
 
 #include "meta_analysis/effectsize/MAInputCheck.h"
-#include "meta_analysis/effectsize/MANormalTest.h"
+#include "meta_analysis/effectsize/MATestPValues.h"
 #include "meta_analysis/settings/Guarded.h"
 
 #include <cmath>
@@ -262,7 +262,7 @@ void MAContinousEffectSize::ComputeTests()
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const double z = effectSizes_[i] / stdErrors_[i];
         zValues_.push_back(z);
-        significances_.push_back(TwoSidedNormalSignificance(z));
+        significances_.push_back(TwoSidedNormalPValue(z).value);
     }
 }
 

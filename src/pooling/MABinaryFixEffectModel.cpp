@@ -165,7 +165,7 @@ void MABinaryFixEffectModel::StoreEstimate(const MAPooledEffect& pooled, double 
     const MANormalInference inference =
         InferNormal(pooled.estimate, pooled.variance, NullOnTestScale<Pooling>(nullHypothesis_), quantile);
     zValue_ = inference.zValue;
-    significance_ = inference.significance;
+    pValue_ = inference.pValue;
     const Scale tested = {pooled.estimate, pooled.variance, inference.stdError, inference.ciUpper,
                           inference.ciLower};
     if constexpr (Pooling::onLogScale) {
@@ -194,7 +194,7 @@ void MABinaryFixEffectModel::TestHomogeneity(const std::vector<std::size_t>& stu
     }
     q_ = q;
     df_ = static_cast<int>(studies.size()) - 1;
-    qSignificance_ = HomogeneitySignificance(q_, df_);
+    qPValue_ = HomogeneityPValue(q_, df_);
     heterogeneity_ = MeasureHeterogeneity(q_, studies.size(), quantile);
 }
 
@@ -230,8 +230,7 @@ KXStatus MABinaryFixEffectModel::ContrastTestBy(Pooling /*method*/)
     }
     const double stdError = std::sqrt(contrastVariance_);
     const double halfWidth = TwoSidedNormalQuantile(alpha_) * stdError;
-    contrastSignificance_ =
-        contrastVariance_ > 0.0 ? TwoSidedNormalSignificance(contrast_ / stdError) : KXMV::Missing();
+    contrastPValue_ = contrastVariance_ > 0.0 ? TwoSidedNormalPValue(contrast_ / stdError) : MAPValue();
     contrastCIUpper_ = contrast_ + halfWidth;
     contrastCILower_ = contrast_ - halfWidth;
     return result;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/effectsize/MAPValue.h"
 #include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXMV.h"
@@ -79,7 +80,8 @@ public:
     double GetEstESCIUpper() const { return natural_.ciUpper; }
     double GetEstESCILower() const { return natural_.ciLower; }
     double GetEstESZVal() const { return zValue_; }
-    double GetEstESSig() const { return significance_; }
+    double GetEstESSig() const { return pValue_.value; }
+    double GetEstESLog10Sig() const { return pValue_.log10; }
 
     /// Log scale. Of the risk difference these are the logs of the natural values, NaN for negative ones.
     double GetLogEstESVal() const { return log_.estimate; }
@@ -95,7 +97,8 @@ public:
 
     double GetHomogeneityTestQ() const { return q_; }
     int GetHomogeneityTestDf() const { return df_; }
-    double GetHomogeneityTestPVal() const { return qSignificance_; }
+    double GetHomogeneityTestPVal() const { return qPValue_.value; }
+    double GetHomogeneityTestLog10PVal() const { return qPValue_.log10; }
 
     /// I² is a fraction.
     double GetHeterogeneityTestH2() const { return heterogeneity_.h2; }
@@ -109,7 +112,8 @@ public:
     /// Both return the contrast's variance, neither a z value nor a standard error; hosts rely on it.
     double GetContrastTestZVal() const { return contrastVariance_; }
     double GetContrastTestStdError() const { return contrastVariance_; }
-    double GetContrastTest2SidedSig() const { return contrastSignificance_; }
+    double GetContrastTest2SidedSig() const { return contrastPValue_.value; }
+    double GetContrastTest2SidedLog10Sig() const { return contrastPValue_.log10; }
     double GetContrastTestCIUpper() const { return contrastCIUpper_; }
     double GetContrastTestCILower() const { return contrastCILower_; }
 
@@ -162,17 +166,17 @@ private:
     Scale natural_;
     Scale log_;
     double zValue_ = KXMV::Missing();
-    double significance_ = KXMV::Missing();
+    MAPValue pValue_;
     double q_ = KXMV::Missing();
     int df_ = 0;
-    double qSignificance_ = KXMV::Missing();
+    MAPValue qPValue_;
     MAHeterogeneityMeasures heterogeneity_;
     const std::vector<double>* contrastCoefficients_ = nullptr;
     std::vector<double> contrastEffects_; ///< of each study, on the test scale; made by the first contrast
     std::vector<double> contrastVariances_;
     double contrast_ = 0.0;
     double contrastVariance_ = 0.0;
-    double contrastSignificance_ = KXMV::Missing();
+    MAPValue contrastPValue_;
     double contrastCIUpper_ = KXMV::Missing();
     double contrastCILower_ = KXMV::Missing();
     KXStatus status_;

@@ -74,7 +74,7 @@ void MAContinousFixEffectModel::TestMean(double quantile)
     const MANormalInference inference = InferNormal(mean_, variance_, nullHypothesis_, quantile);
     stdError_ = inference.stdError;
     zValue_ = inference.zValue;
-    significance_ = inference.significance;
+    pValue_ = inference.pValue;
     ciUpper_ = inference.ciUpper;
     ciLower_ = inference.ciLower;
 }
@@ -88,7 +88,7 @@ void MAContinousFixEffectModel::TestHomogeneity(double quantile)
     }
     q_ = q;
     df_ = static_cast<int>(studyCount_) - 1;
-    qSignificance_ = HomogeneitySignificance(q_, df_);
+    qPValue_ = HomogeneityPValue(q_, df_);
     heterogeneity_ = MeasureHeterogeneity(q_, studyCount_, quantile);
 }
 
@@ -114,7 +114,7 @@ KXStatus MAContinousFixEffectModel::ContrastTest()
     contrastStdError_ = std::sqrt(contrastVariance_);
     if (contrastVariance_ > 0.0) {
         contrastZValue_ = contrast_ / contrastStdError_;
-        contrastSignificance_ = TwoSidedNormalSignificance(contrastZValue_);
+        contrastPValue_ = TwoSidedNormalPValue(contrastZValue_);
     }
     const double halfWidth = TwoSidedNormalQuantile(alpha_) * contrastStdError_;
     contrastCIUpper_ = contrast_ + halfWidth;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/effectsize/MAPValue.h"
 #include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXMV.h"
@@ -51,13 +52,15 @@ public:
     double GetEstEffectSizeVariance() const { return variance_; }
     double GetEstEffectSizeStdError() const { return stdError_; }
     double GetEstEffectSizeZVal() const { return zValue_; }
-    double GetEstEffectSizeSig() const { return significance_; }
+    double GetEstEffectSizeSig() const { return pValue_.value; }
+    double GetEstEffectSizeLog10Sig() const { return pValue_.log10; }
     double GetEstEffectSizeCIUpper() const { return ciUpper_; }
     double GetEstEffectSizeCILower() const { return ciLower_; }
 
     double GetHomogeneityTestQ() const { return q_; }
     int GetHomogeneityTestDf() const { return df_; }
-    double GetHomogeneityTestPVal() const { return qSignificance_; }
+    double GetHomogeneityTestPVal() const { return qPValue_.value; }
+    double GetHomogeneityTestLog10PVal() const { return qPValue_.log10; }
 
     /// I² is a fraction.
     double GetHeterogeneityTestH2() const { return heterogeneity_.h2; }
@@ -71,7 +74,8 @@ public:
     double GetContrastVariance() const { return contrastVariance_; }
     double GetContrastStdError() const { return contrastStdError_; }
     double GetContrastZVal() const { return contrastZValue_; }
-    double GetContrastSig() const { return contrastSignificance_; }
+    double GetContrastSig() const { return contrastPValue_.value; }
+    double GetContrastLog10Sig() const { return contrastPValue_.log10; }
     double GetContrastCIUpper() const { return contrastCIUpper_; }
     double GetContrastCILower() const { return contrastCILower_; }
 
@@ -92,12 +96,12 @@ private:
     double variance_ = KXMV::Missing();
     double stdError_ = KXMV::Missing();
     double zValue_ = KXMV::Missing();
-    double significance_ = KXMV::Missing();
+    MAPValue pValue_;
     double ciUpper_ = KXMV::Missing();
     double ciLower_ = KXMV::Missing();
     double q_ = KXMV::Missing();
     int df_ = 0;
-    double qSignificance_ = KXMV::Missing();
+    MAPValue qPValue_;
     MAHeterogeneityMeasures heterogeneity_;
     const std::vector<double>* contrastCoefficients_ = nullptr;
     std::vector<double> weights_;
@@ -105,7 +109,7 @@ private:
     double contrastVariance_ = KXMV::Missing();
     double contrastStdError_ = KXMV::Missing();
     double contrastZValue_ = KXMV::Missing();
-    double contrastSignificance_ = KXMV::Missing();
+    MAPValue contrastPValue_;
     double contrastCIUpper_ = KXMV::Missing();
     double contrastCILower_ = KXMV::Missing();
     KXStatus status_;

@@ -1,6 +1,6 @@
 #include "meta_analysis/pooling/MAHeterogeneity.h"
 
-#include "meta_analysis/platform/common/KXDistFun.h"
+#include "meta_analysis/effectsize/MATestPValues.h"
 #include "meta_analysis/platform/common/KXMV.h"
 
 #include <algorithm>
@@ -60,9 +60,9 @@ MAHeterogeneityMeasures MeasureHeterogeneity(double q, std::size_t k, double qua
     return measures;
 }
 
-double HomogeneitySignificance(double q, int df)
+MAPValue HomogeneityPValue(double q, int df)
 {
-    return std::isfinite(q) ? 1.0 - KXDistFun::CdfChi(q, df) : KXMV::Missing();
+    return std::isfinite(q) ? ChiSquarePValue(q, df) : MAPValue();
 }
 
 } // namespace MA_NAMESPACE

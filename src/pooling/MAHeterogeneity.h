@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/effectsize/MAPValue.h"
 #include "meta_analysis/pooling/MAHeterogeneityMeasures.h"
 
 #include <cstddef>
@@ -20,7 +21,7 @@ MAHeterogeneityMeasures HeterogeneityFromTau2(double tau2, double typicalVarianc
 /// is not finite (k = 2 with Q <= 2).
 MAHeterogeneityMeasures MeasureHeterogeneity(double q, std::size_t k, double quantile);
 
-/// Significance of the homogeneity statistic `q` with `df` degrees of freedom; missing unless q is finite.
-double HomogeneitySignificance(double q, int df);
+/// P-value of the homogeneity statistic `q` with `df` degrees of freedom; missing unless q is finite.
+MAPValue HomogeneityPValue(double q, int df);
 
 } // namespace MA_NAMESPACE

@@ -1,11 +1,10 @@
 #include "meta_analysis/pooling/MARandomEffectModel.h"
 
 #include "meta_analysis/effectsize/MAInputCheck.h"
-#include "meta_analysis/effectsize/MANormalTest.h"
+#include "meta_analysis/effectsize/MATestPValues.h"
 #include "meta_analysis/pooling/MAHeterogeneity.h"
 #include "meta_analysis/pooling/MAKnappHartung.h"
 #include "meta_analysis/pooling/MAPooledCurve.h"
-#include "meta_analysis/pooling/MAStudentTest.h"
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
 #include "meta_analysis/pooling/MATau2Interval.h"
 #include "meta_analysis/pooling/MATau2Search.h"
@@ -163,16 +162,18 @@ void MARandomEffectModel::TestMean()
     double quantile = 0.0;
     if (knappHartung_ == MAConst::KNAPP_HARTUNG_NONE) {
         quantile = TwoSidedNormalQuantile(alpha_);
-        significance_ = TwoSidedNormalSignificance(statistic_);
+        pValue_ = TwoSidedNormalPValue(statistic_);
     } else if (studyCount_ >= 2) {
         const double df = static_cast<double>(studyCount_) - 1.0;
         quantile = TwoSidedTQuantile(alpha_, df);
-        significance_ = TwoSidedTSignificance(statistic_, df);
+        pValue_ = TwoSidedTPValue(statistic_, df);
     } else {
         return;
     }
-    if (stdError == 0.0 && mean_ == 0.0) // all effects are 0, under Knapp and Hartung: there is no test
-        statistic_ = significance_ = KXMV::Missing();
+    if (stdError == 0.0 && mean_ == 0.0) { // all effects are 0, under Knapp and Hartung: there is no test
+        statistic_ = KXMV::Missing();
+        pValue_ = MAPValue();
+    }
     ciUpper_ = mean_ + stdError * quantile;
     ciLower_ = mean_ - stdError * quantile;
 }
@@ -228,7 +229,7 @@ void MARandomEffectModel::TestHomogeneity()
     }
     q_ = q;
     df_ = static_cast<int>(studyCount_) - 1;
-    qSignificance_ = HomogeneitySignificance(q_, df_);
+    qPValue_ = HomogeneityPValue(q_, df_);
 
     typicalVariance_ = df_ * weightSum / (2.0 * pairSum);
     heterogeneity_ = HeterogeneityFromTau2(tau2_, typicalVariance_);

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/effectsize/MAPValue.h"
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXStatus.h"
@@ -71,7 +72,8 @@ public:
     /// z, or t under the Knapp-Hartung adjustment.
     double GetEstESTestStat() const { return statistic_; }
     /// Missing, like the confidence interval, for k < 2 under the adjustment.
-    double GetEstESSig() const { return significance_; }
+    double GetEstESSig() const { return pValue_.value; }
+    double GetEstESLog10Sig() const { return pValue_.log10; }
     double GetEstESCIUpper() const { return ciUpper_; }
     double GetEstESCILower() const { return ciLower_; }
     /// Prediction interval mean ± q √(variance + tau²), q by default that of Student's t with k - 2 degrees
@@ -86,7 +88,8 @@ public:
     /// Homogeneity test with fixed-effect weights; missing for k < 2.
     double GetHomogeneityTestQ() const { return q_; }
     int GetHomogeneityTestDf() const { return df_; }
-    double GetHomogeneityTestPVal() const { return qSignificance_; }
+    double GetHomogeneityTestPVal() const { return qPValue_.value; }
+    double GetHomogeneityTestLog10PVal() const { return qPValue_.log10; }
     /// From tau² and the typical within-study variance, not from Q; missing for k < 2. I² is a fraction.
     double GetHeterogeneityTestH2() const { return heterogeneity_.h2; }
     double GetHeterogeneityTestI2() const { return heterogeneity_.i2; }
@@ -151,12 +154,12 @@ private:
     double piLower_ = KXMV::Missing();
     double probability_ = KXMV::Missing();
     double statistic_ = KXMV::Missing();
-    double significance_ = KXMV::Missing();
+    MAPValue pValue_;
     double ciUpper_ = KXMV::Missing();
     double ciLower_ = KXMV::Missing();
     double q_ = KXMV::Missing();
     int df_ = 0;
-    double qSignificance_ = KXMV::Missing();
+    MAPValue qPValue_;
     double typicalVariance_ = KXMV::Missing();
     MAHeterogeneityMeasures heterogeneity_;
     MAInformationCriteria information_;

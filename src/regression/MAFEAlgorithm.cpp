@@ -63,7 +63,7 @@ KXStatus MAFEAlgorithm::FitModel()
 void MAFEAlgorithm::MeasureHeterogeneity()
 {
     residualQ_ = fit_->ResidualQ();
-    residualQSignificance_ = fit_->ResidualQSignificance();
+    residualQPValue_ = fit_->ResidualQPValue();
     residualDf_ = fit_->ResidualDf();
     residualH2_ = 1.0;
     residualI2_ = 0.0;

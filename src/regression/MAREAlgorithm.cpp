@@ -210,7 +210,7 @@ KXStatus MAREAlgorithm::MeasureHeterogeneity()
     if (!Passed(fixed.Fit()) || !Passed(fixed.ComputeResidualHeterogeneity()))
         return status_;
     residualQ_ = fixed.ResidualQ();
-    residualQSignificance_ = fixed.ResidualQSignificance();
+    residualQPValue_ = fixed.ResidualQPValue();
     residualDf_ = fixed.ResidualDf();
 
     const double trace = fixed.WeightedResidualTrace();

@@ -161,7 +161,8 @@ void MARegAlgorithm::ForgetModel()
     fit_.reset();
     waldTest_.reset();
     fTest_.reset();
-    residualQ_ = residualQSignificance_ = residualH2_ = residualI2_ = KXMV::Missing();
+    residualQ_ = residualH2_ = residualI2_ = KXMV::Missing();
+    residualQPValue_ = MAPValue();
     residualDf_ = 0;
     tau2_ = rSquare_ = 0.0;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/effectsize/MAPValue.h"
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXBitSet.h"
 #include "meta_analysis/platform/common/KXMV.h"
@@ -115,7 +116,7 @@ protected:
     std::unique_ptr<MAModelTest> waldTest_; ///< null until computed
     std::unique_ptr<MAModelTest> fTest_;
     double residualQ_ = KXMV::Missing();
-    double residualQSignificance_ = KXMV::Missing();
+    MAPValue residualQPValue_;
     int residualDf_ = 0;
     double residualH2_ = KXMV::Missing();
     double residualI2_ = KXMV::Missing();

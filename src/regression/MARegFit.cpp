@@ -1,10 +1,8 @@
 #include "meta_analysis/regression/MARegFit.h"
 
-#include "meta_analysis/effectsize/MANormalTest.h"
-#include "meta_analysis/platform/common/KXDistFun.h"
+#include "meta_analysis/effectsize/MATestPValues.h"
 #include "meta_analysis/platform/common/KXMathFun.h"
 #include "meta_analysis/platform/common/UnrolledSize.h"
-#include "meta_analysis/pooling/MAStudentTest.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -270,9 +268,9 @@ double MARegFit::CriticalValue(bool useStudentT) const
 void MARegFit::ComputeCoefficientTests(bool useStudentT)
 {
     const std::size_t count = coefficients_.size();
-    for (std::vector<double>* list :
-         {&stdErrors_, &statistics_, &significances_, &lowerLimits_, &upperLimits_})
+    for (std::vector<double>* list : {&stdErrors_, &statistics_, &lowerLimits_, &upperLimits_})
         list->assign(count, KXMV::Missing());
+    pValues_.assign(count, MAPValue());
     if (KXMV::IsMissing(scale_))
         return;
     const double critical = CriticalValue(useStudentT);
@@ -286,9 +284,9 @@ void MARegFit::ComputeCoefficientTests(bool useStudentT)
             continue;
         statistics_[j] = coefficients_[j] / stdErrors_[j];
         if (!useStudentT)
-            significances_[j] = TwoSidedNormalSignificance(statistics_[j]);
+            pValues_[j] = TwoSidedNormalPValue(statistics_[j]);
         else if (ResidualDf() != 0)
-            significances_[j] = TwoSidedTSignificance(statistics_[j], ResidualDf());
+            pValues_[j] = TwoSidedTPValue(statistics_[j], ResidualDf());
     }
 }
 
@@ -313,10 +311,10 @@ MAModelTest MARegFit::TestModel(bool asF) const
     if (asF) {
         test.statistic = wald / (scale_ * test.df1);
         if (test.df2 != 0)
-            test.significance = 1.0 - KXDistFun::CdfF(test.statistic, test.df1, test.df2);
+            test.pValue = FPValue(test.statistic, test.df1, test.df2);
     } else {
         test.statistic = wald / dispersion_;
-        test.significance = 1.0 - KXDistFun::CdfChi(test.statistic, test.df1);
+        test.pValue = ChiSquarePValue(test.statistic, test.df1);
     }
     return test;
 }
@@ -326,7 +324,7 @@ KXStatus MARegFit::ComputeResidualHeterogeneity()
     residualQ_ = WeightedResidualSum();
     if (ResidualDf() == 0)
         return KXStatus(MAStatusCode::NO_RESIDUAL_DF, true);
-    residualQSignificance_ = 1.0 - KXDistFun::CdfChi(residualQ_, ResidualDf());
+    residualQPValue_ = ChiSquarePValue(residualQ_, ResidualDf());
     return KXStatus();
 }
 

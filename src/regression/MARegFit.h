@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/effectsize/MAPValue.h"
 #include "meta_analysis/platform/common/KXBitSet.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXStatus.h"
@@ -27,7 +28,7 @@ enum class MAWeightMode
 struct MAModelTest
 {
     double statistic = KXMV::Missing();
-    double significance = KXMV::Missing();
+    MAPValue pValue;
     int df1 = 0;
     int df2 = 0; ///< of an F test
 };
@@ -106,7 +107,7 @@ public:
     void ComputeCoefficientTests(bool useStudentT);
     /// Wald chi-square over the dispersion, or with `asF` the F test with the covariance's scale.
     MAModelTest TestModel(bool asF) const;
-    /// Residual heterogeneity Q and its significance. Warning 460049 without degrees of freedom.
+    /// Residual heterogeneity Q and its p-value. Warning 460049 without degrees of freedom.
     KXStatus ComputeResidualHeterogeneity();
     /// Residual, its standard error and leverage only for a row with a study.
     MAPrediction Predict(const MADesignRow& row, bool hasStudy, double criticalValue) const;
@@ -116,7 +117,7 @@ public:
     const std::vector<double>& Coefficients() const { return coefficients_; }
     const std::vector<double>& StdErrors() const { return stdErrors_; }
     const std::vector<double>& Statistics() const { return statistics_; }
-    const std::vector<double>& Significances() const { return significances_; }
+    const std::vector<MAPValue>& PValues() const { return pValues_; }
     const std::vector<double>& LowerLimits() const { return lowerLimits_; }
     const std::vector<double>& UpperLimits() const { return upperLimits_; }
     const KXBitSet& NonRedundant() const { return nonRedundant_; }
@@ -126,7 +127,7 @@ public:
     int ResidualDf() const { return goodRecords_ - NonRedundantCount(); }
     double Dispersion() const { return dispersion_; }
     double ResidualQ() const { return residualQ_; }
-    double ResidualQSignificance() const { return residualQSignificance_; }
+    const MAPValue& ResidualQPValue() const { return residualQPValue_; }
 
 private:
     static constexpr std::size_t stretch = 256;
@@ -158,10 +159,10 @@ private:
     double dispersion_ = 1.0;
     double scale_ = 1.0;
     double residualQ_ = KXMV::Missing();
-    double residualQSignificance_ = KXMV::Missing();
+    MAPValue residualQPValue_;
     std::vector<double> stdErrors_;
     std::vector<double> statistics_;
-    std::vector<double> significances_;
+    std::vector<MAPValue> pValues_;
     std::vector<double> lowerLimits_;
     std::vector<double> upperLimits_;
 };

@@ -19,18 +19,25 @@ struct MARegOutputStats::Results
     KXBitSet nonRedundant;
     std::vector<double> stdErrors;
     std::vector<double> statistics;
-    std::vector<double> significances;
+    std::vector<MAPValue> pValues;
     std::vector<double> lowerLimits;
     std::vector<double> upperLimits;
-    MAModelTest wald{0.0, 0.0, 0, 0};
-    MAModelTest f{0.0, 0.0, 0, 0};
+    MAModelTest wald{0.0, {0.0, KXMV::Missing()}, 0, 0};
+    MAModelTest f{0.0, {0.0, KXMV::Missing()}, 0, 0};
+    double modelLog10PValue = KXMV::Missing(); ///< of the one that was made
     double dispersion = 1.0;
     double residualQ = KXMV::Missing();
-    double residualQSignificance = KXMV::Missing();
+    MAPValue residualQPValue;
     int residualDf = 0;
     double residualH2 = KXMV::Missing();
     double residualI2 = KXMV::Missing();
     double rSquare = 0.0;
+
+    void TakeTest(const MAModelTest& made, MAModelTest& test)
+    {
+        test = made;
+        modelLog10PValue = made.pValue.log10;
+    }
 };
 
 MARegOutputStats::MARegOutputStats(const MARegSettings& /*settings*/, MAFEAlgorithm& engine) noexcept
@@ -52,14 +59,14 @@ MARegOutputStats::ResultsOf(const MARegAlgorithm& engine) noexcept
         results->tau2 = engine.tau2_;
         results->rSquare = engine.rSquare_;
         results->residualQ = engine.residualQ_;
-        results->residualQSignificance = engine.residualQSignificance_;
+        results->residualQPValue = engine.residualQPValue_;
         results->residualDf = engine.residualDf_;
         results->residualH2 = engine.residualH2_;
         results->residualI2 = engine.residualI2_;
         if (engine.waldTest_ != nullptr)
-            results->wald = *engine.waldTest_;
+            results->TakeTest(*engine.waldTest_, results->wald);
         if (engine.fTest_ != nullptr)
-            results->f = *engine.fTest_;
+            results->TakeTest(*engine.fTest_, results->f);
         if (const MARegFit* fit = engine.fit_.get()) {
             results->goodRecords = fit->GoodRecordCount();
             results->badRecords = fit->BadRecordCount();
@@ -67,7 +74,7 @@ MARegOutputStats::ResultsOf(const MARegAlgorithm& engine) noexcept
             results->nonRedundant = fit->NonRedundant();
             results->stdErrors = fit->StdErrors();
             results->statistics = fit->Statistics();
-            results->significances = fit->Significances();
+            results->pValues = fit->PValues();
             results->lowerLimits = fit->LowerLimits();
             results->upperLimits = fit->UpperLimits();
             results->dispersion = fit->Dispersion();
@@ -132,7 +139,12 @@ std::vector<double> MARegOutputStats::GetBetaTest() const
 
 std::vector<double> MARegOutputStats::GetBetaTestPValue() const
 {
-    return CopyOf(Get().significances);
+    return FieldOf(Get().pValues, &MAPValue::value);
+}
+
+std::vector<double> MARegOutputStats::GetBetaTestLog10PValue() const
+{
+    return FieldOf(Get().pValues, &MAPValue::log10);
 }
 
 std::vector<double> MARegOutputStats::GetBetaConfInterValLower() const
@@ -157,7 +169,7 @@ int MARegOutputStats::GetWaldDf() const
 
 double MARegOutputStats::GetWaldPValue() const
 {
-    return Get().wald.significance;
+    return Get().wald.pValue.value;
 }
 
 double MARegOutputStats::GetFTestVal() const
@@ -167,7 +179,12 @@ double MARegOutputStats::GetFTestVal() const
 
 double MARegOutputStats::GetFPValue() const
 {
-    return Get().f.significance;
+    return Get().f.pValue.value;
+}
+
+double MARegOutputStats::GetModelTestLog10PValue() const
+{
+    return Get().modelLog10PValue;
 }
 
 int MARegOutputStats::GetFDf1() const
@@ -197,7 +214,12 @@ double MARegOutputStats::GetResHomoDf() const
 
 double MARegOutputStats::GetResHomoPValue() const
 {
-    return Get().residualQSignificance;
+    return Get().residualQPValue.value;
+}
+
+double MARegOutputStats::GetResHomoLog10PValue() const
+{
+    return Get().residualQPValue.log10;
 }
 
 double MARegOutputStats::GetHresSquare() const

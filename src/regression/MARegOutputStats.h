@@ -46,6 +46,8 @@ public:
     std::vector<double> GetBetaStandErr() const;
     std::vector<double> GetBetaTest() const;
     std::vector<double> GetBetaTestPValue() const;
+    /// Decimal logarithm of the p-value, which is right also where that underflows to 0.
+    std::vector<double> GetBetaTestLog10PValue() const;
     std::vector<double> GetBetaConfInterValLower() const;
     std::vector<double> GetBetaConfInterValUpper() const;
 
@@ -57,12 +59,15 @@ public:
     double GetFPValue() const;
     int GetFDf1() const;
     int GetFDf2() const;
+    /// Decimal logarithm of the p-value of the one test that was made; missing when none was.
+    double GetModelTestLog10PValue() const;
 
     double GetMultiDisper() const;
     /// Residual heterogeneity; for random effects Q is that of the fixed-effect fit. I² and R² are fractions.
     double GetResHomoChiSqure() const;
     double GetResHomoDf() const;
     double GetResHomoPValue() const;
+    double GetResHomoLog10PValue() const;
     double GetHresSquare() const;
     double GetIresSquare() const;
     double GetRSquare() const;

@@ -71,6 +71,16 @@ const Names companions[] = {
     {"GetRegrTestCoefficient", "GetRegrTestBetaStandErr", "GetRegrBetaTestVal", "GetRegrBetaTestPValue"},
 };
 
+const std::pair<const char*, const char*> logarithmsOfPValues[] = {
+    {"GetSig", "GetLog10Sig"},
+    {"GetEstSig", "GetEstLog10Sig"},
+    {"GetHomoTestSig", "GetHomoTestLog10Sig"},
+    {"GetGDQbSig", "GetGDQbLog10Sig"},
+    {"GetContrastEstSig", "GetContrastLog10Sig"},
+    {"GetCumEstSig", "GetCumEstLog10Sig"},
+    {"GeRegBasedTestSig", "GetRegBasedTestLog10Sig"},
+};
+
 /// A result between its bounds.
 const struct
 {
@@ -312,6 +322,8 @@ void CheckShapesAndRanges(const Expectations& expect)
     for (const auto& interval : intervals)
         expect.Ordered(interval.lower, interval.middle, interval.upper);
     expect.Significances();
+    for (const auto& [pValues, logarithms] : logarithmsOfPValues)
+        expect.Logarithms(pValues, logarithms);
     expect.Between({"GetVariance", "GetTau2Var", "GetHomoTestChisquareQ", "GetHomoTestdf", "GetH2Index",
                     "GetH2CILower", "GetGDQbVal", "GetRegBasedTestDf"},
                    0.0, infinity);

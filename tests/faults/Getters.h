@@ -23,31 +23,33 @@ void VisitGetters(const MA_NAMESPACE::MAAnalysisResults* /*of*/, Visit visit)
     using Source = MA_NAMESPACE::MAAnalysisResults;
     VisitEach(visit, NAMED(GetNMissing), NAMED(GetNInvalid), NAMED(GetNDropped), NAMED(GetNonMissingStudyID),
               NAMED(GetEffectSize), NAMED(GetVariance), NAMED(GetStdError), NAMED(GetZVal), NAMED(GetSig),
-              NAMED(GetCILower), NAMED(GetCIUpper), NAMED(GetSampSize), NAMED(GetWeight),
+              NAMED(GetLog10Sig), NAMED(GetCILower), NAMED(GetCIUpper), NAMED(GetSampSize), NAMED(GetWeight),
               NAMED(GetNormalizedWeight), NAMED(GetEstEffectSize), NAMED(GetEstStdError), NAMED(GetEstZVal),
-              NAMED(GetEstSig), NAMED(GetEstCILower), NAMED(GetEstCIUpper), NAMED(GetPILower),
-              NAMED(GetPIUpper), NAMED(GetTau2Var), NAMED(GetHomoTestChisquareQ), NAMED(GetHomoTestdf),
-              NAMED(GetHomoTestSig), NAMED(GetH2Index), NAMED(GetH2CILower), NAMED(GetH2CIUpper),
-              NAMED(GetI2Index), NAMED(GetI2CILower), NAMED(GetI2CIUpper), NAMED(GetUniGroup),
-              NAMED(GetGroupN), NAMED(GetSubGroupStudyID), NAMED(GetGDQbVal), NAMED(GetGDQbDf),
-              NAMED(GetGDQbSig), NAMED(GetContrastEstES), NAMED(GetContrastEstStdError),
-              NAMED(GetContrastEstZVal), NAMED(GetContrastEstSig), NAMED(GetContrastEstCILower),
+              NAMED(GetEstSig), NAMED(GetEstLog10Sig), NAMED(GetEstCILower), NAMED(GetEstCIUpper),
+              NAMED(GetPILower), NAMED(GetPIUpper), NAMED(GetTau2Var), NAMED(GetHomoTestChisquareQ),
+              NAMED(GetHomoTestdf), NAMED(GetHomoTestSig), NAMED(GetHomoTestLog10Sig), NAMED(GetH2Index),
+              NAMED(GetH2CILower), NAMED(GetH2CIUpper), NAMED(GetI2Index), NAMED(GetI2CILower),
+              NAMED(GetI2CIUpper), NAMED(GetUniGroup), NAMED(GetGroupN), NAMED(GetSubGroupStudyID),
+              NAMED(GetGDQbVal), NAMED(GetGDQbDf), NAMED(GetGDQbSig), NAMED(GetGDQbLog10Sig),
+              NAMED(GetContrastEstES), NAMED(GetContrastEstStdError), NAMED(GetContrastEstZVal),
+              NAMED(GetContrastEstSig), NAMED(GetContrastLog10Sig), NAMED(GetContrastEstCILower),
               NAMED(GetContrastEstCIUpper), NAMED(GetContrastStatus), NAMED(GetCumulative),
               NAMED(GetEstCumulative), NAMED(GetCumEstES), NAMED(GetCumEstStdErr), NAMED(GetCumEstZval),
-              NAMED(GetCumEstSig), NAMED(GetCumEstCiLower), NAMED(GetCumEstCiUpper), NAMED(GetTFImputedN0),
-              NAMED(GetTFImputedEffectSize), NAMED(GetTFImputedStdError), NAMED(GetOverallTFEffectSize),
-              NAMED(GetOverallTFStdError), NAMED(GetOverallTFZVal), NAMED(GetOverallTFSig),
-              NAMED(GetOverallTFCILower), NAMED(GetOverallTFCIUpper), NAMED(GetFunnelX), NAMED(GetFunnelY),
-              NAMED(GetFunnelCIX), NAMED(GetFunnelCIY), NAMED(GetFunnelContourX), NAMED(GetFunnelContourY),
-              NAMED(GetGalbPlotX), NAMED(GetGalbPlotY), NAMED(GetGalbRegrSlope), NAMED(GetGalbRegrIntercept),
-              NAMED(GetBubbleFlags), NAMED(GetBubbleCoefs), NAMED(GetBubbleXs), NAMED(GetBubblePredVals),
-              NAMED(GetBubbleW), NAMED(GetBubbleCILower), NAMED(GetBubbleCIUpper), NAMED(GetBubbleCICurveX),
+              NAMED(GetCumEstSig), NAMED(GetCumEstLog10Sig), NAMED(GetCumEstCiLower), NAMED(GetCumEstCiUpper),
+              NAMED(GetTFImputedN0), NAMED(GetTFImputedEffectSize), NAMED(GetTFImputedStdError),
+              NAMED(GetOverallTFEffectSize), NAMED(GetOverallTFStdError), NAMED(GetOverallTFZVal),
+              NAMED(GetOverallTFSig), NAMED(GetOverallTFCILower), NAMED(GetOverallTFCIUpper),
+              NAMED(GetFunnelX), NAMED(GetFunnelY), NAMED(GetFunnelCIX), NAMED(GetFunnelCIY),
+              NAMED(GetFunnelContourX), NAMED(GetFunnelContourY), NAMED(GetGalbPlotX), NAMED(GetGalbPlotY),
+              NAMED(GetGalbRegrSlope), NAMED(GetGalbRegrIntercept), NAMED(GetBubbleFlags),
+              NAMED(GetBubbleCoefs), NAMED(GetBubbleXs), NAMED(GetBubblePredVals), NAMED(GetBubbleW),
+              NAMED(GetBubbleCILower), NAMED(GetBubbleCIUpper), NAMED(GetBubbleCICurveX),
               NAMED(GetBubbleCICurveLower), NAMED(GetBubbleCICurveUpper), NAMED(GetRegBasedTestCoef),
               NAMED(GetRegBasedTestStdError), NAMED(GetRegBasedTestVal), NAMED(GeRegBasedTestSig),
-              NAMED(GetRegBasedTestDf), NAMED(GetRegBasedTestCILower), NAMED(GetRegBasedTestCIUpper),
-              NAMED(GetIfRegrTestPassFlag), NAMED(GetRegrTestCoefficient), NAMED(GetRegrTestBetaStandErr),
-              NAMED(GetRegrBetaTestVal), NAMED(GetRegrBetaTestPValue), NAMED(GetRegrBetaConfInterValLower),
-              NAMED(GetRegrBetaConfInterValUpper));
+              NAMED(GetRegBasedTestLog10Sig), NAMED(GetRegBasedTestDf), NAMED(GetRegBasedTestCILower),
+              NAMED(GetRegBasedTestCIUpper), NAMED(GetIfRegrTestPassFlag), NAMED(GetRegrTestCoefficient),
+              NAMED(GetRegrTestBetaStandErr), NAMED(GetRegrBetaTestVal), NAMED(GetRegrBetaTestPValue),
+              NAMED(GetRegrBetaConfInterValLower), NAMED(GetRegrBetaConfInterValUpper));
 }
 
 template <class Visit>
@@ -71,10 +73,11 @@ void VisitGetters(const MA_NAMESPACE::MARegOutputStats* /*of*/, Visit visit)
     using Source = MA_NAMESPACE::MARegOutputStats;
     VisitEach(visit, NAMED(GetNGoodRecords), NAMED(GetNBadRecords), NAMED(GetTau), NAMED(GetEstimation),
               NAMED(GetBetaStandErr), NAMED(GetBetaTest), NAMED(GetBetaTestPValue),
-              NAMED(GetBetaConfInterValLower), NAMED(GetBetaConfInterValUpper), NAMED(GetWaldChiSquareTest),
-              NAMED(GetWaldDf), NAMED(GetWaldPValue), NAMED(GetFTestVal), NAMED(GetFDf1), NAMED(GetFDf2),
-              NAMED(GetFPValue), NAMED(GetMultiDisper), NAMED(GetResHomoChiSqure), NAMED(GetResHomoDf),
-              NAMED(GetResHomoPValue), NAMED(GetHresSquare), NAMED(GetIresSquare), NAMED(GetRSquare));
+              NAMED(GetBetaTestLog10PValue), NAMED(GetBetaConfInterValLower), NAMED(GetBetaConfInterValUpper),
+              NAMED(GetWaldChiSquareTest), NAMED(GetWaldDf), NAMED(GetWaldPValue), NAMED(GetFTestVal),
+              NAMED(GetFDf1), NAMED(GetFDf2), NAMED(GetFPValue), NAMED(GetModelTestLog10PValue),
+              NAMED(GetMultiDisper), NAMED(GetResHomoChiSqure), NAMED(GetResHomoDf), NAMED(GetResHomoPValue),
+              NAMED(GetResHomoLog10PValue), NAMED(GetHresSquare), NAMED(GetIresSquare), NAMED(GetRSquare));
 }
 
 #undef NAMED

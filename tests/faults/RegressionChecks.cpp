@@ -66,6 +66,8 @@ void RegressionCheck<Engine>::CheckResults()
         expect_.Numbers();
     }
     expect_.Significances();
+    expect_.Logarithms("GetBetaTestPValue", "GetBetaTestLog10PValue");
+    expect_.Logarithms("GetResHomoPValue", "GetResHomoLog10PValue");
     expect_.Between({"GetTau", "GetWaldChiSquareTest", "GetWaldDf", "GetFTestVal", "GetMultiDisper",
                      "GetResHomoChiSqure", "GetResHomoDf", "GetHresSquare"},
                     0.0, infinity);

@@ -90,9 +90,10 @@ void Expectations::Numbers(const Names& except) const
     for (const Result& result : results) {
         if (std::find(except.begin(), except.end(), result.name) != except.end())
             continue;
-        const bool isStatistic = result.name.ends_with("ZVal") || result.name.ends_with("Zval");
+        const bool mayBeInfinite = result.name.ends_with("ZVal") || result.name.ends_with("Zval") ||
+                                   result.name.find("Log10") != std::string::npos; // of an exact fit
         for (const double value : Values(result.name)) {
-            if (isStatistic ? std::isnan(value) : !std::isfinite(value))
+            if (mayBeInfinite ? std::isnan(value) : !std::isfinite(value))
                 violations.Add(result.name + " are numbers for ordinary data");
         }
     }
@@ -123,10 +124,26 @@ void Expectations::Significances() const
 {
     for (const Result& result : results) {
         const auto endsWith = [&](const char* ending) { return result.name.ends_with(ending); };
-        if (endsWith("Sig") || endsWith("PValue"))
+        if (endsWith("Log10Sig") || endsWith("Log10PValue"))
+            Between({result.name}, -infinity, 0.0);
+        else if (endsWith("Sig") || endsWith("PValue"))
             Between({result.name}, 0.0, 1.0);
         else if (endsWith("StdError") || endsWith("StdErr") || endsWith("StandErr"))
             Between({result.name}, 0.0, infinity);
+    }
+}
+
+void Expectations::Logarithms(const std::string& pValues, const std::string& logarithms) const
+{
+    SameShape({pValues, logarithms});
+    const std::vector<double> expected = Values(pValues);
+    const std::vector<double> values = Values(logarithms);
+    for (std::size_t i = 0; i < std::min(expected.size(), values.size()); ++i) {
+        const double p = expected[i];
+        const bool agree = KXMV::IsMissing(p) ? KXMV::IsMissing(values[i])
+                           : p > 1e-300       ? Close(values[i], std::log10(p), 1e-12)
+                                              : !(values[i] > -300.0);
+        violations.Expect(agree || std::isnan(p), logarithms + " is that of " + pValues);
     }
 }
 

@@ -67,6 +67,8 @@ struct Expectations
     void Between(const Names& names, double least, double most) const;
     /// Significances and standard errors, by the ends of their names.
     void Significances() const;
+    /// Of p-values, which are in the first, in the second.
+    void Logarithms(const std::string& pValues, const std::string& logarithms) const;
     void Ordered(const std::string& lower, const std::string& middle, const std::string& upper) const;
     /// A second run has the same results, and so has one with a record more that has no values, but for the
     /// count of such records.

@@ -30,6 +30,18 @@ TEST(Analyses, GroupStudiesByTexts)
               (std::vector<int>{8, 1, 2, 4, 5, 1, 1, 1, 14}));
 }
 
+/// Two studies of effect 200 and variance 2 pool to z = 200, whose p-value is 10 to the power of -8688 and 60
+/// digits of which are known.
+TEST(Analyses, GiveLogarithmsOfPValuesThatUnderflow)
+{
+    const TemporaryFolder folder;
+    const Arguments two = Effects(folder.Write("t.csv", "effect,variance\n200,2\n200,2\n"));
+    const json results = ResultsOf(two + Arguments{"--model", "fixed"});
+    EXPECT_EQ(results["EstSig"][0], 0.0);
+    EXPECT_DOUBLE_EQ(results["EstLog10Sig"][0], -8688.2887388558991567);
+    EXPECT_THAT(ReportOf(two), HasSubstr("< 0.0001"));
+}
+
 TEST(Analyses, DrawFunnelsOverTheAxisAskedFor)
 {
     const json results = ResultsOf(Bcg() + "--funnel-y variance");

@@ -16,16 +16,17 @@ struct ReferenceValue
     double value;
 };
 
-std::vector<ReferenceValue> ReferenceFile()
+/// Of the last column, which is never empty.
+std::vector<ReferenceValue> ReferenceFile(const std::string& name = "distributions")
 {
-    std::ifstream file(TESTS_DIR "/reference/distributions.csv");
+    std::ifstream file(TESTS_DIR "/reference/" + name + ".csv");
     std::vector<ReferenceValue> rows;
     std::string line;
     std::getline(file, line); // the header
     while (std::getline(file, line)) {
         const std::vector<std::string> fields = SplitLine(line);
         const auto number = [&](std::size_t i) { return std::strtod(fields.at(i).c_str(), nullptr); };
-        rows.push_back({line, fields[0], number(1), number(2), number(3), number(4)});
+        rows.push_back({line, fields[0], number(1), number(2), number(3), number(fields.size() - 1)});
     }
     return rows;
 }
@@ -84,6 +85,26 @@ TEST(KXDistFun, AgreesWithReference)
     }
 }
 
+// A tail's relative error is the absolute one of its logarithm.
+TEST(KXDistFun, TailsAndTheirLogarithmsAgreeWithReference)
+{
+    using D = KXDistFun;
+    const std::vector<ReferenceValue> rows = ReferenceFile("tails");
+    ASSERT_EQ(rows.size(), 66u);
+    for (const auto& [line, distribution, x, df1, df2, log10Tail] : rows) {
+        const auto [tail, logarithm] =
+            distribution == "StdNorm" ? std::pair(D::TailStdNorm(x), D::Log10TailStdNorm(x))
+            : distribution == "Chi"   ? std::pair(D::TailChi(x, df1), D::Log10TailChi(x, df1))
+            : distribution == "T"     ? std::pair(D::TailT(x, df1), D::Log10TailT(x, df1))
+                                      : std::pair(D::TailF(x, df1, df2), D::Log10TailF(x, df1, df2));
+        EXPECT_TRUE(Close(logarithm, log10Tail, 2e-14)) << line;
+        const std::string printed = SplitLine(line).at(4);
+        if (!printed.empty()) {
+            EXPECT_TRUE(Close(tail, std::strtod(printed.c_str(), nullptr), 1e-12)) << line;
+        }
+    }
+}
+
 TEST(KXDistFun, QuantileOfTHoldsTheAccuracyAskedFor)
 {
     for (const ReferenceValue& row : ReferenceFile()) {
@@ -122,8 +143,12 @@ TEST(KXDistFun, ProbabilitiesKeepWithinTheirBounds)
             SCOPED_TRACE(testing::Message() << x << ' ' << df);
             EXPECT_TRUE(isWithin(KXDistFun::CdfChi(x, df), 0.0));
             EXPECT_TRUE(isWithin(KXDistFun::CdfT(x, df), 0.5));
-            for (const double df2 : values)
+            EXPECT_LE(KXDistFun::Log10TailChi(x, df), 0.0);
+            EXPECT_LE(KXDistFun::Log10TailT(x, df), 0.0);
+            for (const double df2 : values) {
                 EXPECT_TRUE(isWithin(KXDistFun::CdfF(x, df, df2), 0.0)) << df2;
+                EXPECT_LE(KXDistFun::Log10TailF(x, df, df2), 0.0) << df2;
+            }
         }
     }
 }
@@ -134,22 +159,42 @@ TEST(KXDistFun, LimitsAndDomain)
     const std::pair<double, std::vector<double>> cases[] = {
         {0.0,
          {D::CdfStdNorm(-infinity), D::CdfChi(3.0, infinity), D::CdfT(-infinity, 3.0), D::CdfF(0.0, 3.0, 4.0),
-          D::CdfF(0.99, infinity, infinity), D::IdfT(0.5, 3.0), D::IdfChi(0.0, 3.0), D::IdfChi(1e-300, 0.5)}},
+          D::CdfF(0.99, infinity, infinity), D::IdfT(0.5, 3.0), D::TailChi(infinity, 3.0),
+          D::Log10TailChi(-1.0, 3.0), D::Log10TailF(0.0, 3.0, 4.0), D::Log10TailT(-infinity, 3.0),
+          D::IdfChi(0.0, 3.0), D::IdfChi(1e-300, 0.5)}},
         {0.5, {D::CdfT(0.0, 3.0)}},
         {1.0,
          {D::CdfChi(infinity, 3.0), D::CdfT(infinity, 3.0), D::CdfF(infinity, 3.0, 4.0),
           D::CdfF(1.01, infinity, infinity)}},
         {infinity, {D::IdfStdNorm(1.0), D::IdfChi(1.0, 3.0), D::IdfChiUpper(0.2, infinity)}},
-        {-infinity, {D::IdfStdNorm(0.0), D::IdfT(0.0, 3.0), D::IdfT(1e-10, 0.01)}}, // about -1e1000
+        {-infinity,
+         {D::IdfStdNorm(0.0), D::IdfT(0.0, 3.0), D::IdfT(1e-10, 0.01), // about -1e1000
+          D::Log10TailStdNorm(infinity), D::Log10TailChi(infinity, 3.0), D::Log10TailT(infinity, 3.0),
+          D::Log10TailF(infinity, 3.0, 4.0)}},
         {D::CdfStdNorm(-1.3), {D::CdfT(-1.3, infinity)}},
         {D::IdfStdNorm(0.2), {D::IdfT(0.2, infinity)}},
         {3.0 + 2.0 * D::IdfStdNorm(0.975), {D::IdfNorm(0.975, 3.0, 2.0)}},
         {notANumber,
-         {D::CdfStdNorm(notANumber), D::IdfStdNorm(-1e-300), D::IdfNorm(0.5, 3.0, 0.0), D::CdfChi(3.0, 0.0),
-          D::CdfChi(notANumber, 3.0), D::CdfT(1.0, -2.0), D::CdfT(notANumber, 3.0), D::IdfT(1.5, 3.0),
-          D::IdfT(0.2, 0.0), D::IdfT(0.2, 3.0, notANumber), D::IdfT(0.2, 3.0, 1e-20, notANumber),
-          D::IdfChi(-0.1, 3.0), D::IdfChiUpper(0.2, 0.0), D::CdfF(1.0, 0.0, 4.0), D::CdfF(1.0, 3.0, 0.0),
-          D::CdfF(notANumber, 3.0, 4.0)}},
+         {D::CdfStdNorm(notANumber),
+          D::IdfStdNorm(-1e-300),
+          D::IdfNorm(0.5, 3.0, 0.0),
+          D::CdfChi(3.0, 0.0),
+          D::CdfChi(notANumber, 3.0),
+          D::CdfT(1.0, -2.0),
+          D::CdfT(notANumber, 3.0),
+          D::IdfT(1.5, 3.0),
+          D::IdfT(0.2, 0.0),
+          D::IdfT(0.2, 3.0, notANumber),
+          D::IdfT(0.2, 3.0, 1e-20, notANumber),
+          D::IdfChi(-0.1, 3.0),
+          D::IdfChiUpper(0.2, 0.0),
+          D::CdfF(1.0, 0.0, 4.0),
+          D::CdfF(1.0, 3.0, 0.0),
+          D::CdfF(notANumber, 3.0, 4.0),
+          D::Log10TailStdNorm(notANumber),
+          D::Log10TailChi(1e200, -1.0),
+          D::TailT(1.0, 0.0),
+          D::Log10TailF(notANumber, 3.0, 4.0)}},
     };
     for (const auto& [expected, values] : cases) {
         for (std::size_t i = 0; i < values.size(); ++i)

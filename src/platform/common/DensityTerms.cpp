@@ -11,9 +11,13 @@ namespace {
 // From here on seven terms of Stirling's series (Abramowitz and Stegun 1964, 6.1.41) reach 3e-17.
 constexpr double seriesStart = 10.0;
 
-// Up to here u - log(1 + u) is summed. Beyond, the difference is a tenth of its terms or more, and loses less
-// than a digit.
+// Up to this |u / (2 + u)| the difference u - log(1 + u) is summed. Beyond, it is a sixth of its terms or
+// more.
 constexpr double cancellationLimit = 0.2;
+
+// Below this share of the count the logarithm of the expected value loses less than that of 1 plus the
+// relative difference.
+constexpr double smallShare = 0.25;
 
 // StirlingRemainder(1/2), (1), (3/2), ... (10): whole degrees of freedom need no others below the series.
 // Computed with 40 digits.
@@ -56,21 +60,24 @@ double StirlingRemainder(double x) noexcept
 }
 
 // log(1 + u) = 2 artanh(r) with r = u / (2 + u), and 2 r = u - r u: the leading term cancels on paper. With
-// r^2 <= 1/81 the eight terms kept leave nothing above rounding.
+// r^2 <= 1/25 the ten terms kept leave nothing above rounding.
 double LogRemainder(double u) noexcept
 {
-    if (std::fabs(u) > cancellationLimit)
-        return u - std::log1p(u);
     const double r = u / (2.0 + u);
+    if (std::fabs(r) > cancellationLimit)
+        return u - std::log1p(u);
     const double s = r * r;
-    const double high = 1.0 / 11.0 + s * (1.0 / 13.0 + s * (1.0 / 15.0 + s / 17.0));
-    const double sum = 1.0 / 3.0 + s * (1.0 / 5.0 + s * (1.0 / 7.0 + s * (1.0 / 9.0 + s * high)));
+    const double high = 1.0 / 15.0 + s * (1.0 / 17.0 + s * (1.0 / 19.0 + s / 21.0));
+    const double middle = 1.0 / 9.0 + s * (1.0 / 11.0 + s * (1.0 / 13.0 + s * high));
+    const double sum = 1.0 / 3.0 + s * (1.0 / 5.0 + s * (1.0 / 7.0 + s * middle));
     return r * (u - 2.0 * s * sum);
 }
 
+// A relative error of the difference hardly changes u - log(1 + u), one of the expected value does: in a far
+// tail of a large count the deviance is a small part of the count.
 double Deviance(double count, double expected, double difference) noexcept
 {
-    if (std::fabs(difference) < cancellationLimit * count)
+    if (expected > smallShare * count)
         return count * LogRemainder(difference / count);
     return difference - count * std::log(expected / count);
 }

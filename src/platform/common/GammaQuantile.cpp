@@ -93,12 +93,14 @@ double SolveTail(double a, double probability, double start, double sign, Tail t
 
 double LowerGammaQuantile(double a, double p) noexcept
 {
-    return SolveTail(a, p, LowerStart(a, p), 1.0, LowerGamma);
+    return SolveTail(a, p, LowerStart(a, p), 1.0,
+                     [](double shape, double x) { return GammaTails(shape, x).Lower(); });
 }
 
 double UpperGammaQuantile(double a, double q) noexcept
 {
-    return SolveTail(a, q, UpperStart(a, q), -1.0, UpperGamma);
+    return SolveTail(a, q, UpperStart(a, q), -1.0,
+                     [](double shape, double x) { return GammaTails(shape, x).Upper(); });
 }
 
 } // namespace distribution

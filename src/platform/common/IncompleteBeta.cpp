@@ -21,13 +21,13 @@ BetaPoint Mirrored(const BetaPoint& point) noexcept
 }
 
 // x^a y^b / B(a, b)
-double ScaledDensity(const BetaPoint& point) noexcept
+ScaledProbability ScaledDensity(const BetaPoint& point) noexcept
 {
     const auto [a, b, x, y, excess] = point;
     const double n = a + b;
     const double remainder = StirlingRemainder(n) - StirlingRemainder(a) - StirlingRemainder(b);
     const double deviance = Deviance(a, n * x, -excess) + Deviance(b, n * y, excess);
-    return invSqrtTwoPi * std::sqrt(a / n * b) * std::exp(remainder - deviance);
+    return {remainder - deviance, invSqrtTwoPi * std::sqrt(a / n * b)};
 }
 
 // P(X <= x) over the scaled density, for large parameters: the integral over u < x with u = x (1 - v).
@@ -44,11 +44,11 @@ double LowerTail(const BetaPoint& point) noexcept
 }
 
 // The point is below the mean or not far above it.
-double LowerProbability(const BetaPoint& point) noexcept
+ScaledProbability LowerProbability(const BetaPoint& point) noexcept
 {
     const bool isLarge = std::min(point.a, point.b) > largeParameter;
-    const double probability = ScaledDensity(point) * (isLarge ? LowerTail(point) : BetaFraction(point));
-    return std::min(probability, 1.0); // which rounding may exceed
+    const ScaledProbability density = ScaledDensity(point);
+    return {density.exponent, density.factor * (isLarge ? LowerTail(point) : BetaFraction(point))};
 }
 
 } // namespace
@@ -71,10 +71,10 @@ double BetaFraction(const BetaPoint& point) noexcept
 }
 
 // The fraction converges rapidly for x up to (a + 1) / (a + b + 2), a little above the mean.
-double LowerBeta(const BetaPoint& point) noexcept
+Tails BetaTails(const BetaPoint& point) noexcept
 {
     const bool isLower = point.excess >= point.x - point.y;
-    return isLower ? LowerProbability(point) : 1.0 - LowerProbability(Mirrored(point));
+    return {LowerProbability(isLower ? point : Mirrored(point)), isLower};
 }
 
 } // namespace distribution

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "meta_analysis/platform/common/Tails.h"
+
 namespace distribution {
 
 /// A beta distribution and a point of it. The parts depend on each other; they come together because each
@@ -13,8 +15,8 @@ struct BetaPoint
     double excess; ///< a y - b x: positive below the mean a / (a + b)
 };
 
-/// P(X <= x), for finite parameters.
-double LowerBeta(const BetaPoint& point) noexcept;
+/// P(X <= x) and P(X > x), for finite parameters.
+Tails BetaTails(const BetaPoint& point) noexcept;
 
 /// P(X <= x) B(a, b) / (x^a y^b), by a continued fraction. It is fast for x below the mean, and elsewhere as
 /// long as x is not near 1.

@@ -4,7 +4,6 @@
 #include "meta_analysis/platform/common/DensityTerms.h"
 #include "meta_analysis/platform/common/TailIntegral.h"
 
-#include <algorithm>
 #include <cmath>
 #include <limits>
 
@@ -14,6 +13,12 @@ namespace {
 
 // From here on 24 nodes of the tail integral cost less than the terms of the series near x = a.
 constexpr double largeShape = 1000.0;
+
+// log of x^a e^-x / Gamma(a), but for the factor sqrt(a / (2 pi))
+double DensityExponent(double a, double x) noexcept
+{
+    return -StirlingRemainder(a) - Deviance(a, x, x - a);
+}
 
 // P(a, x) over the scaled density, for a large a: the integral over u < x with u = x (1 - v).
 double LowerTail(double a, double x) noexcept
@@ -34,7 +39,7 @@ double UpperTail(double a, double x) noexcept
 // overlap.
 double LowerSeries(double a, double x) noexcept
 {
-    // More than any x <= a + 3 with a <= largeShape needs.
+    // More than any x <= a + 1 with a <= largeShape needs.
     constexpr double maxTerms = 1000.0;
     double sum = 1.0;
     double term = 1.0;
@@ -46,49 +51,39 @@ double LowerSeries(double a, double x) noexcept
 }
 
 // Q(a, x) over the scaled density by the even part of Legendre's fraction (Abramowitz and Stegun 1964,
-// 6.5.31), which needs few levels except near x = a. Taking the complement of this one, rather than the lower
-// series throughout, gives 1 - P to the rounding of P.
+// 6.5.31), which needs few levels except near x = a.
 double UpperFraction(double a, double x) noexcept
 {
     const double first = x + 1.0 - a;
     return ContinuedFraction(first, [=](double k) { return PartialQuotient{k * (a - k), first + 2.0 * k}; });
 }
 
-double LargeShape(double a, double x, double density) noexcept
+Tails LargeShape(double a, double x, const ScaledProbability& density) noexcept
 {
-    return x < a ? density * LowerTail(a, x) : 1.0 - density * UpperTail(a, x);
+    const bool isLower = x < a;
+    const double tail = isLower ? LowerTail(a, x) : UpperTail(a, x);
+    return {{density.exponent, density.factor * tail}, isLower};
 }
 
-// Just above x = a the series still takes less time than the fraction.
-double ModerateShape(double a, double x, double density) noexcept
+// Up to x = a + 1 the lower probability leaves an upper one of a tenth of a or more.
+Tails ModerateShape(double a, double x, const ScaledProbability& density) noexcept
 {
-    return x < a + 3.0 ? density * LowerSeries(a, x) / a : 1.0 - density * UpperFraction(a, x);
+    const bool isLower = x < a + 1.0;
+    const double tail = isLower ? LowerSeries(a, x) / a : UpperFraction(a, x);
+    return {{density.exponent, density.factor * tail}, isLower};
 }
 
 } // namespace
 
-// x^a e^-x / Gamma(a)
 double ScaledGammaDensity(double a, double x) noexcept
 {
-    return invSqrtTwoPi * std::sqrt(a) * std::exp(-StirlingRemainder(a) - Deviance(a, x, x - a));
+    return invSqrtTwoPi * std::sqrt(a) * std::exp(DensityExponent(a, x));
 }
 
-double LowerGamma(double a, double x) noexcept
+Tails GammaTails(double a, double x) noexcept
 {
-    const double density = ScaledGammaDensity(a, x);
-    if (density == 0.0) // so far out that the fraction would overflow
-        return x < a ? 0.0 : 1.0;
-    const double probability = a > largeShape ? LargeShape(a, x, density) : ModerateShape(a, x, density);
-    return std::min(probability, 1.0); // the rounding of the series may exceed 1
-}
-
-// Up to x = a + 1 the lower probability leaves an upper one of a tenth of a or more.
-double UpperGamma(double a, double x) noexcept
-{
-    const double density = ScaledGammaDensity(a, x);
-    if (x < a || (a <= largeShape && x < a + 1.0))
-        return 1.0 - LowerGamma(a, x);
-    return density == 0.0 ? 0.0 : density * (a > largeShape ? UpperTail(a, x) : UpperFraction(a, x));
+    const ScaledProbability density = {DensityExponent(a, x), invSqrtTwoPi * std::sqrt(a)};
+    return a > largeShape ? LargeShape(a, x, density) : ModerateShape(a, x, density);
 }
 
 } // namespace distribution

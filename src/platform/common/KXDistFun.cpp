@@ -9,8 +9,12 @@
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <numbers>
 
 namespace {
+
+using distribution::Tails;
+using std::numbers::log10e;
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double infinity = std::numeric_limits<double>::infinity();
@@ -19,7 +23,18 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 // nothing overflows.
 constexpr double smallestDf = 1e-100;
 constexpr double largestDf = 1e100;
-constexpr double largestChi = 1e150; // beyond it no probability is left for any of these
+constexpr double largestChi = 1e150; // beyond it the logarithm of the tail is -x / 2 for any of these
+
+// At this z the normal tail is far from underflow, and the fraction of the gamma distribution takes few
+// levels.
+constexpr double normalLogStart = 30.0;
+
+// From odds this small on, the tail of F is proportional to a power of f.
+constexpr double powerLawOdds = 1e-200;
+
+constexpr Tails allBelow = {{-infinity, 1.0}, false};
+constexpr Tails allAbove = {{0.0, 1.0}, false};
+constexpr Tails undefinedTails = {{notANumber, 1.0}, false};
 
 double Limited(double df) noexcept
 {
@@ -37,7 +52,41 @@ distribution::BetaPoint BetaPointOf(double f, double df1, double df2) noexcept
         return {a, b, odds / (1.0 + odds), 1.0 / (1.0 + odds), a * (1.0 - f) / (1.0 + odds)};
     }
     const double odds = b / a / f;
-    return {a, b, 1.0 / (1.0 + odds), odds / (1.0 + odds), b * (1.0 / f - 1.0) / (1.0 + odds)};
+    return {a, b, 1.0 / (1.0 + odds), odds / (1.0 + odds), b * ((1.0 - f) / f) / (1.0 + odds)};
+}
+
+Tails ChiTails(double x, double df) noexcept
+{
+    if (!(df > 0.0) || std::isnan(x))
+        return undefinedTails;
+    if (x <= 0.0 || std::isinf(x))
+        return x > 0.0 ? allBelow : allAbove;
+    if (df > largestDf) // all of the distribution lies closer to df than the next double
+        return x < df ? allAbove : x > df ? allBelow : Tails{{0.0, 0.5}, false};
+    return distribution::GammaTails(0.5 * std::max(df, smallestDf), 0.5 * std::min(x, largestChi));
+}
+
+// For finite df.
+Tails StudentTails(double t, double df) noexcept
+{
+    if (!(df > 0.0) || std::isnan(t))
+        return undefinedTails;
+    return {distribution::StudentT(Limited(df)).Upper(std::fabs(t)), t <= 0.0};
+}
+
+// Beyond the point where the tail becomes a power of f it is continued as one, which does not underflow as
+// the odds do.
+Tails FTails(double f, double df1, double df2) noexcept
+{
+    if (!(df1 > 0.0) || !(df2 > 0.0) || std::isnan(f))
+        return undefinedTails;
+    if (f <= 0.0 || std::isinf(f))
+        return f > 0.0 ? allBelow : allAbove;
+    const double limit = std::max(1.0, Limited(df2) / Limited(df1) / powerLawOdds);
+    Tails tails = distribution::BetaTails(BetaPointOf(std::min(f, limit), Limited(df1), Limited(df2)));
+    if (f > limit)
+        tails.computed.exponent -= 0.5 * Limited(df2) * std::log(f / limit);
+    return tails;
 }
 
 } // namespace
@@ -56,6 +105,19 @@ double KXDistFun::CdfStdNorm(double z) noexcept
     return probability * (1.0 - 2.0 * x * rounding);
 }
 
+double KXDistFun::TailStdNorm(double z) noexcept
+{
+    return CdfStdNorm(-z);
+}
+
+// P(Z > z) is half the tail of the chi-square distribution with one degree of freedom at z^2.
+double KXDistFun::Log10TailStdNorm(double z) noexcept
+{
+    if (z < 0.0)
+        return log10e * std::log1p(-CdfStdNorm(z));
+    return z > normalLogStart ? Log10TailChi(z * z, 1.0) + std::log10(0.5) : std::log10(TailStdNorm(z));
+}
+
 double KXDistFun::IdfStdNorm(double p) noexcept
 {
     if (p > 0.0 && p < 1.0)
@@ -70,13 +132,18 @@ double KXDistFun::IdfNorm(double p, double mean, double sd) noexcept
 
 double KXDistFun::CdfChi(double x, double df) noexcept
 {
-    if (!(df > 0.0) || std::isnan(x))
-        return notANumber;
-    if (x <= 0.0 || std::isinf(x))
-        return x > 0.0 ? 1.0 : 0.0;
-    if (df > largestDf) // all of the distribution lies closer to df than the next double
-        return x < df ? 0.0 : x > df ? 1.0 : 0.5;
-    return distribution::LowerGamma(0.5 * std::max(df, smallestDf), 0.5 * std::min(x, largestChi));
+    return ChiTails(x, df).Lower();
+}
+
+double KXDistFun::TailChi(double x, double df) noexcept
+{
+    return ChiTails(x, df).Upper();
+}
+
+double KXDistFun::Log10TailChi(double x, double df) noexcept
+{
+    const bool isBeyond = x > largestChi && df > 0.0 && df <= largestDf;
+    return log10e * (isBeyond ? -0.5 * x : ChiTails(x, df).LogUpper());
 }
 
 double KXDistFun::IdfChi(double p, double df) noexcept
@@ -103,12 +170,17 @@ double KXDistFun::IdfChiUpper(double q, double df) noexcept
 
 double KXDistFun::CdfT(double t, double df) noexcept
 {
-    if (!(df > 0.0) || std::isnan(t))
-        return notANumber;
-    if (std::isinf(df))
-        return CdfStdNorm(t);
-    const double tail = distribution::StudentT(Limited(df)).Upper(std::fabs(t));
-    return t > 0.0 ? 1.0 - tail : tail;
+    return std::isinf(df) && df > 0.0 ? CdfStdNorm(t) : StudentTails(t, df).Lower();
+}
+
+double KXDistFun::TailT(double t, double df) noexcept
+{
+    return CdfT(-t, df);
+}
+
+double KXDistFun::Log10TailT(double t, double df) noexcept
+{
+    return std::isinf(df) && df > 0.0 ? Log10TailStdNorm(t) : log10e * StudentTails(t, df).LogUpper();
 }
 
 double KXDistFun::IdfT(double p, double df, double eps, double accuracy) noexcept
@@ -123,9 +195,15 @@ double KXDistFun::IdfT(double p, double df, double eps, double accuracy) noexcep
 
 double KXDistFun::CdfF(double f, double df1, double df2) noexcept
 {
-    if (!(df1 > 0.0) || !(df2 > 0.0) || std::isnan(f))
-        return notANumber;
-    if (f <= 0.0 || std::isinf(f))
-        return f > 0.0 ? 1.0 : 0.0;
-    return distribution::LowerBeta(BetaPointOf(f, Limited(df1), Limited(df2)));
+    return FTails(f, df1, df2).Lower();
+}
+
+double KXDistFun::TailF(double f, double df1, double df2) noexcept
+{
+    return FTails(f, df1, df2).Upper();
+}
+
+double KXDistFun::Log10TailF(double f, double df1, double df2) noexcept
+{
+    return log10e * FTails(f, df1, df2).LogUpper();
 }

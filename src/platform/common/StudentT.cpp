@@ -26,9 +26,10 @@ StudentT::StudentT(double df) noexcept
                    Deviance(half_, half_ + 0.5, 0.5) - logSqrtTwoPi)
 {}
 
-double StudentT::Upper(double t) const noexcept
+ScaledProbability StudentT::Upper(double t) const noexcept
 {
-    return std::min(Evaluate(t).upper, 0.5); // which rounding may exceed near t = 0
+    const ScaledProbability upper = Evaluate(t).upper;
+    return upper.Value() > 0.5 ? ScaledProbability{0.0, 0.5} : upper; // which rounding may exceed near t = 0
 }
 
 // The series of the central probability is fast up to a share of 1/2, and at t^2 = 6 it leaves an upper
@@ -40,21 +41,22 @@ bool StudentT::IsCentral(double t) const noexcept
 
 StudentT::Point StudentT::Evaluate(double t) const noexcept
 {
-    // t (1 + ratio)^-(df + 1)/2 is written with the power df / 2, which underflows no sooner than the result.
+    // t (1 + ratio)^-(df + 1)/2 is written with the power df / 2, so that what multiplies it is never large.
     // The ratio overflows long after 1 + ratio has become equal to it.
     const double ratio = t * t / df_;
     const double logOnePlusRatio = std::isinf(ratio) ? 2.0 * std::log(t) - std::log(df_) : std::log1p(ratio);
     const double tailShare = 1.0 / (1.0 + ratio);
     const double centralShare = 1.0 / (1.0 + 1.0 / ratio);
     const double root = std::sqrt(df_ * centralShare);
-    const double scaledDensity = root * std::exp(logConstant_ - half_ * logOnePlusRatio);
+    const ScaledProbability density = {logConstant_ - half_ * logOnePlusRatio, root};
     if (IsCentral(t)) {
-        const double central = scaledDensity * CentralSeries(centralShare);
-        return {centralShare, scaledDensity, central, 0.5 - central};
+        const double central = root * std::exp(density.exponent) * CentralSeries(centralShare);
+        return {centralShare, density, central, {0.0, 0.5 - central}};
     }
     const double excess = half_ * centralShare - 0.5 * tailShare;
-    const double upper = 0.5 * scaledDensity * BetaFraction({half_, 0.5, tailShare, centralShare, excess});
-    return {centralShare, scaledDensity, 0.5 - upper, upper};
+    const double fraction = BetaFraction({half_, 0.5, tailShare, centralShare, excess});
+    const ScaledProbability upper = {density.exponent, 0.5 * root * fraction};
+    return {centralShare, density, 0.5 - upper.Value(), upper};
 }
 
 // P(0 < T < t) over the scaled density. The probability is half the beta distribution function with
@@ -84,8 +86,8 @@ double StudentT::UpperQuantile(double q, double eps, double accuracy) const noex
     double t = QuantileStart(q);
     for (int step = 0; step < maxSteps && std::isfinite(t); ++step) {
         const Point point = Evaluate(t);
-        const double error = IsCentral(t) ? (0.5 - q) - point.central : point.upper - q;
-        const double r = error / point.scaledDensity;
+        const double error = IsCentral(t) ? (0.5 - q) - point.central : point.upper.Value() - q;
+        const double r = error / point.scaledDensity.Value();
         const double p = (df_ + 1.0) * point.centralShare;
         const double pPrime = p * (1.0 - 2.0 * point.centralShare);
         const double change = r * (1.0 + r * (0.5 * p + r * (2.0 * p * p + pPrime) / 6.0));

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "meta_analysis/platform/common/Tails.h"
+
 namespace distribution {
 
 /// Student's t distribution with `df` > 0 degrees of freedom, on its upper half; the lower half follows
@@ -10,7 +12,7 @@ public:
     explicit StudentT(double df) noexcept;
 
     /// P(T > t) for t >= 0.
-    double Upper(double t) const noexcept;
+    ScaledProbability Upper(double t) const noexcept;
 
     /// t >= 0 with P(T > t) = q, for 0 < q <= 1/2; infinite where it exceeds what a double holds. Stops once
     /// the estimated error is below `accuracy` in relative or below `eps` in absolute terms.
@@ -21,10 +23,10 @@ private:
     /// the other one is its complement to 1/2.
     struct Point
     {
-        double centralShare;  ///< t^2 / (df + t^2)
-        double scaledDensity; ///< t times the density, minus the derivative of `upper` by log t
-        double central;       ///< P(0 < T < t)
-        double upper;         ///< P(T > t)
+        double centralShare;             ///< t^2 / (df + t^2)
+        ScaledProbability scaledDensity; ///< t times the density, minus the derivative of `upper` by log t
+        double central;                  ///< P(0 < T < t)
+        ScaledProbability upper;         ///< P(T > t)
     };
 
     bool IsCentral(double t) const noexcept;
