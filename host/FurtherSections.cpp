@@ -199,9 +199,6 @@ ReportSection Contrasts(const ReportSource& source)
     const Texts labels = VariableLabels(source.settings.GetContrastCoefIndex(), source.request.variables);
     if (labels.empty())
         return {};
-    if (base.GetContrastEstES().empty())
-        return {
-            "Contrasts", {}, {"Contrasts are tested under the fixed-effect model alone (--model fixed)."}};
     EffectRows rows = {
         .ratios = {},
         .effects = {base.GetContrastEstES(), base.GetContrastEstCILower(), base.GetContrastEstCIUpper()},

@@ -5,6 +5,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstddef>
 
 using namespace MA_NAMESPACE;
@@ -153,6 +154,29 @@ void AppendProbability(ReportSection& section, const ReportSource& source)
                                 (isAbove ? "above" : "below") + " that value.");
 }
 
+/// The interval that fixed-effect models take from Q alone, where Q is far below its degrees of freedom.
+bool HasI2WithoutWidth(const MABaseModel& base)
+{
+    const std::vector<double> upper = base.GetI2CIUpper();
+    return base.GetModelType() == MAConst::MODEL_FIXED &&
+           std::find(upper.begin(), upper.end(), 0.0) != upper.end();
+}
+
+/// Where the test between the groups has other weights than one would think.
+std::vector<std::string> BetweenGroupsSentences(const ReportSource& source)
+{
+    const std::vector<int> sizes = source.base.GetGroupN();
+    const bool hasSingle = std::find(sizes.begin(), sizes.end(), 1) != sizes.end();
+    std::vector<std::string> sentences;
+    if (hasSingle && source.settings.GetModelType() == MAConst::MODEL_RANDOM)
+        sentences.push_back("A group of one study has no between-study variance of its own: it enters this "
+                            "test with its within-study variance alone, and so with a large weight.");
+    if (PoolsTables(source.settings))
+        sentences.push_back("This test weighs the studies by the inverse of their variance, unlike the "
+                            "pooled effects above, whose differences it need not match.");
+    return sentences;
+}
+
 } // namespace
 
 EffectRows PooledRows(const ReportSource& source)
@@ -193,14 +217,20 @@ ReportSection Heterogeneity(const ReportSource& source)
     const MABaseModel& base = source.base;
     const std::vector<double> q = base.GetHomoTestChisquareQ();
     const auto asCount = [](double value) { return FixedText(value, 0); };
-    return {"Heterogeneity",
-            {{"", source.RowLabels(q.size()), true},
-             {"Q", TextsOf(q, NumberText)},
-             {"df", TextsOf(base.GetHomoTestdf(), asCount)},
-             {"p", TextsOf(base.GetHomoTestSig(), PValueText)},
-             I2Column(source),
-             EstimateColumn(source, "H²", {base.GetH2Index(), base.GetH2CILower(), base.GetH2CIUpper()})},
-            {}};
+    ReportSection section = {
+        "Heterogeneity",
+        {{"", source.RowLabels(q.size()), true},
+         {"Q", TextsOf(q, NumberText)},
+         {"df", TextsOf(base.GetHomoTestdf(), asCount)},
+         {"p", TextsOf(base.GetHomoTestSig(), PValueText)},
+         I2Column(source),
+         EstimateColumn(source, "H²", {base.GetH2Index(), base.GetH2CILower(), base.GetH2CIUpper()})},
+        {}};
+    if (HasI2WithoutWidth(base))
+        section.sentences.push_back(
+            "An I² of 0 with the interval [0, 0] is no certainty: where Q is far below its degrees of "
+            "freedom, the formula of the interval gives nothing else.");
+    return section;
 }
 
 ReportSection BetweenStudyVariance(const ReportSource& source)
@@ -232,6 +262,7 @@ ReportSection BetweenGroups(const ReportSource& source)
     section.table.push_back({"Q", {NumberText(base.GetGDQbVal())}});
     section.table.push_back({"df", {std::to_string(base.GetGDQbDf())}});
     section.table.push_back({"p", {PValueText(base.GetGDQbSig())}});
+    section.sentences = BetweenGroupsSentences(source);
     return section;
 }
 

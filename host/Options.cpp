@@ -4,6 +4,7 @@
 #include "host/OptionDefinitions.h"
 #include "host/Presets.h"
 #include "host/RandomEffectsOptions.h"
+#include "host/Wording.h"
 
 #include <algorithm>
 
@@ -85,6 +86,44 @@ void CheckContours(const Options& options)
         throw UnusableInput("--contour-level needs --contours, which names the test of the level.");
 }
 
+/// A run under random effects tests against no effect, and has no contrasts.
+void CheckFixedModelOptions(const Options& options)
+{
+    const bool isRandom = options.settings.GetModelType() == MAConst::MODEL_RANDOM;
+    if (isRandom && !options.contrasts.empty())
+        throw UnusableInput(
+            "--contrast needs --model fixed: contrasts are of studies that share one effect.");
+    if (isRandom && options.settings.GetNullHypothesis() != 0)
+        throw UnusableInput("--null needs --model fixed: the random model tests against no effect.");
+}
+
+/// Pooled tables have a null hypothesis on the ratio scale, where 0 stands for no effect.
+void CheckNullOfRatio(const MAModelSettings& settings)
+{
+    const bool poolsRatios = PoolsTables(settings) && WordingOfEffect(settings).isRatio;
+    if (poolsRatios && settings.GetNullHypothesis() < 0)
+        throw UnusableInput(fmt::format("--null: {} cannot be a ratio; with --weights mantel-haenszel it is "
+                                        "one (default: no effect).",
+                                        settings.GetNullHypothesis()));
+}
+
+bool Iterates(MAConst::MODELTYPE model, MAConst::TAU2ESTIMATOR estimator)
+{
+    return model == MAConst::MODEL_RANDOM &&
+           (estimator == MAConst::TAU2_ML || estimator == MAConst::TAU2_REML ||
+            estimator == MAConst::TAU2_EB);
+}
+
+/// Without an iteration an iterative estimator would be another one, that of its start.
+void CheckIterations(const MAModelSettings& settings)
+{
+    const bool iterates =
+        Iterates(settings.GetModelType(), settings.GetEstTauType()) ||
+        (settings.GetIsTRIMFILL() && Iterates(settings.GetTFModelType(), settings.GetTFEstTauType()));
+    if (iterates && settings.GetTau2Search() == MAConst::TAU2_SEARCH_SCORING && settings.GetMaxIter() < 1)
+        throw UnusableInput("--max-iterations: 0 leaves the estimator of tau² without an iteration.");
+}
+
 } // namespace
 
 Options::Options(Command ofCommand) : command(ofCommand)
@@ -110,6 +149,9 @@ void Resolve(Options& options)
     if (options.readyMadeEffect)
         ResolveReadyMadeEffect(*options.readyMadeEffect, options.settings);
     CheckRandomEffects(options);
+    CheckFixedModelOptions(options);
+    CheckNullOfRatio(options.settings);
+    CheckIterations(options.settings);
 }
 
 } // namespace host

@@ -81,16 +81,20 @@ constexpr StatusSentence SENTENCES[] = {
      "The scoring steps did not reach the between-study variance that their estimator defines; choose the "
      "global search."},
     {MAStatusCode::CONFIDENCE_LEVEL_OUTSIDE,
-     "The confidence level is not between 0 and 1; the intervals have no meaning."},
-    {MAStatusCode::RATIO_NULL_NOT_POSITIVE,
-     "A ratio cannot be zero or negative under the null hypothesis; zero is taken as one."},
-    {MAStatusCode::CONTRAST_IGNORED, "The random-effects model ignores contrast coefficients."},
+     "The confidence level is not between 0 and 1, such as 0.95; the intervals have no meaning."},
+    {MAStatusCode::RATIO_NULL_NOT_POSITIVE, "A ratio under the null hypothesis cannot be negative; the test "
+                                            "has no result. Zero stands for a ratio of "
+                                            "1."},
+    {MAStatusCode::CONTRAST_IGNORED,
+     "Contrasts are tested under the fixed-effect model alone: this run has none."},
     {MAStatusCode::NULL_IGNORED,
-     "The random-effects model tests against no effect and ignores the null value."},
-    {MAStatusCode::NO_STUDY_IN_RUN, "No study could be used: there are no results."},
+     "The random-effects model tests against no effect: the null value was not used."},
+    {MAStatusCode::NO_STUDY_IN_RUN, "No study could be used: there is nothing to pool."},
     {MAStatusCode::NO_ITERATION_ALLOWED,
-     "The iteration limit allows no iteration: the between-study variance is the Hedges estimate."},
-    {MAStatusCode::MODEL_TYPE_UNKNOWN, "The model type is not one of the known ones."},
+     "The iteration limit allows no iteration: the between-study variance is the estimate after Hedges, from "
+     "which the iterations would start."},
+    {MAStatusCode::MODEL_TYPE_UNKNOWN,
+     "The model type is neither fixed nor random effects; it is taken as random effects."},
     {MAStatusCode::TAU2_INTERVAL_UNAVAILABLE,
      "There is a profile-likelihood interval for the ML and REML estimators only."},
 };

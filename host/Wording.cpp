@@ -152,9 +152,6 @@ std::string WordingOfNullHypothesis(const MAModelSettings& settings)
     if (null == 0)
         return {};
     const EffectWording effect = WordingOfEffect(settings);
-    if (IsRandom(settings))
-        return fmt::format("--null {} is for the fixed-effect model; the null hypothesis here is {} = 0.",
-                           null, effect.AnalysisSymbol());
     return fmt::format("The null hypothesis is {} = {}.",
                        PoolsTables(settings) ? effect.symbol : effect.AnalysisSymbol(), null);
 }

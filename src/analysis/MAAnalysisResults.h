@@ -287,13 +287,15 @@ protected:
     MAConst::WEIGHTYPE weightType_ = MAConst::WEIGHT_INVERSE_VARIANCE;
     MAConst::KNAPPHADJTYPE knappHartung_ = MAConst::KNAPP_HARTUNG_NONE;
     MAConst::INPUTESTYPE inputType_ = MAConst::INPUT_RAW;
+    MAConst::BINESTYPE effectType_ = MAConst::BIN_ODDS_RATIO; ///< of the studies that were read
 
     MAConst::ZEROADJTYPE zeroAdjustment_ =
         MAConst::ZERO_ADJUST_EACH; ///< of tables, as their effect sizes left it
     bool trimFillRunning_ = false;
 
     MAStudies studies_;
-    int recordCount_ = 0;
+    static constexpr int unread = -1;
+    int recordCount_ = unread; ///< of the last pass that came to its end
     int missingCount_ = 0;
     int invalidCount_ = 0;
     int droppedCount_ = 0;
@@ -317,6 +319,8 @@ protected:
     MAModelResults filledResults_; ///< trim-and-fill's; during it, the overall model's
     MAImputedStudies imputed_;
     int imputedCount_ = 0;
+    MAConst::TRIMFSIDE trimmedSide_ =
+        MAConst::TRIM_SIDE_AUTO; ///< of the last trim-and-fill; before one, auto
     MAFunnelRows funnel_;
     MAGalbraithRows galbraith_;
     MARegTestRow regressionTest_;

@@ -3,6 +3,7 @@
 #include "meta_analysis/analysis/MAModelBuilder.h"
 #include "meta_analysis/analysis/MAModelRows.h"
 #include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/MAWarnings.h"
 
@@ -49,6 +50,12 @@ void MABaseModel::AddWarning(const KXStatus& warning)
     AppendNewWarning(warning, warnings_);
 }
 
+void MABaseModel::AddWarnings(const std::vector<int>& codes)
+{
+    for (const int code : codes)
+        AddWarning(code);
+}
+
 void MABaseModel::CopyRunSettings()
 {
     modelType_ = settings_->GetModelType();
@@ -66,16 +73,7 @@ KXStatus MABaseModel::ReadStudies(MultiPassRecordIter& records)
 
 void MABaseModel::CheckInputSettings()
 {
-    if (modelType_ == MAConst::MODEL_FIXED && !settings_->ContrastCoefIndex().empty())
-        AddWarning(MAStatusCode::FIXED_MODEL_WITH_CONTRAST);
-    if (studies_.Count() == 1)
-        AddWarning(MAStatusCode::ONE_STUDY);
-    if (studies_.Count() == 2)
-        AddWarning(MAStatusCode::TWO_STUDIES);
-    if (inputType_ == MAConst::INPUT_READY_MADE) {
-        AddWarning(MAStatusCode::READY_MADE_EFFECTS);
-        AddWarning(MAStatusCode::READY_MADE_EFFECTS_AGAIN);
-    }
+    AddWarnings(WarningsOfRun(*settings_, studies_.Count()));
 }
 
 void MABaseModel::PrepareGroups()

@@ -63,7 +63,7 @@ public:
 
     /// One model per distinct subgroup value, then one of all studies, then the test between the groups.
     /// Under random effects every group has its own between-study variance. Returns the first model's error;
-    /// 460001 when the studies are not complete yet.
+    /// 460001 before studies were read, and while they are not complete.
     KXStatus BuildSubGroupModel();
 
     /// Per subgroup (or for all studies) the model of the first 1, 2, ... studies in the order of the
@@ -81,8 +81,9 @@ public:
     /// lists keep the overall model. Error 460075 without studies, and those of the pooling classes; warning
     /// 460038 when the number still changed at the iteration limit.
     KXStatus TrimFill();
-    /// The studies that trim-and-fill trims, as set or, if automatic, as the data suggest: the largest where
-    /// the regression-based test has a positive slope, else the smallest.
+    /// The studies that trim-and-fill trimmed; before one, those that it would trim, as set or, if automatic,
+    /// as the data suggest: the largest where the regression-based test has a positive slope, else the
+    /// smallest.
     MAConst::TRIMFSIDE GetTRimFillSide() const;
 
     /// Coordinates of the funnel and Galbraith plots: row 0 all studies, then one row per subgroup.
@@ -91,18 +92,21 @@ public:
     /// Regression-based small-study test of the type in the settings: of all studies, or with two or more
     /// groups of each group and then of all. `settings` gives everything but response and omega weight. A
     /// test that fails, or has fewer than 3 studies, leaves flag 0 and empty rows, and the others go on.
-    /// Error 460028 fewer than 3 studies in all; the error of the overall test.
+    /// Errors: 460028 fewer than 3 studies in all; 460011 and 460012 the records fail in any of the tests, or
+    /// have another number than when the studies were read; the error of the overall test.
     KXStatus RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables, MARegSettings settings);
 
     /// Bubble plot of the studies over each covariate of `settings`: a regression on that covariate alone,
     /// under the model of the run, after `RUN`. Appends an entry per covariate to the bubble lists. Errors:
-    /// 460009 a covariate is not in the variable list, 460011 the iterator cannot be started, 460012 it
-    /// fails or the host cancels.
+    /// 460009 the settings are invalid, or a covariate is not in the variable list, 460060 the code of the
+    /// estimator is unknown (under random effects), 460011 the iterator cannot be started, 460012 it fails or
+    /// the host cancels.
     KXStatus BubblePlot(MultiPassRecordIter& records, const KXVarList& variables,
                         const MARegSettings& settings);
 
 protected:
-    /// Adds warnings for combinations of settings and data that deserve a second look.
+    /// Adds warnings for combinations of settings and data that deserve a second look, once the studies were
+    /// read.
     void CheckInputSettings();
     /// Distinct subgroup values of the studies, ascending.
     std::vector<double> GetUniqGroupElem() const;
@@ -110,10 +114,10 @@ protected:
     /// The steps that the runs of the derived classes share.
     void CopyRunSettings();
     KXStatus ReadStudies(MultiPassRecordIter& records);
-    /// Before studies are read anew: forgets those that there are, and what counts their records.
+    /// Clears the studies and the record counts, before studies are read.
     void ForgetStudies();
-    /// Passes on the result of reading studies. After an error on the way their columns may differ in length,
-    /// and they are forgotten.
+    /// Passes on the result of reading studies. Clears the studies when an error left their columns with
+    /// different lengths; the record counts then say how far the pass came. Clears both when memory ran out.
     KXStatus ForgetIfBroken(const KXStatus& result);
     /// After effect sizes were taken from an object that computed them: throws when a copy failed.
     void RequireEffectCopies() const;
@@ -125,9 +129,10 @@ protected:
     /// The small-study test of a driver; its results go to the single getters.
     KXStatus RunRegressionTest(MultiPassRecordIter& records, const KXVarList& variables,
                                MAConst::RegBaseTestType type);
-    /// The small-study test of a run goes with trim-and-fill, whose side it decides. Its failure does not end
-    /// the run: the host sees missing test values. Only memory that runs out does; of a test whose estimator
-    /// is a known one, 460060 stands for that too.
+    /// The small-study test of a run goes with trim-and-fill, whose side it decides. A failure of the test
+    /// itself leaves its values missing, and the run goes on. The run ends when memory runs out, for which
+    /// TAU2_FAILED stands too as the estimator is a known one, and when the records failed: another side, and
+    /// with it another trim-and-fill, must not follow from an iterator that broke off.
     template <class Test>
     KXStatus RunSmallStudyTest(const KXVarList& variables, Test test)
     {
@@ -135,8 +140,16 @@ protected:
             return status_;
         const KXStatus before = status_;
         const int code = test().GetCode();
-        const bool isMemory = code == MAStatusCode::OUT_OF_MEMORY || code == MAStatusCode::TAU2_FAILED;
-        return status_ = isMemory ? KXStatus(MAStatusCode::OUT_OF_MEMORY) : before;
+        if (code == MAStatusCode::OUT_OF_MEMORY || code == MAStatusCode::TAU2_FAILED)
+            return status_ = KXStatus(MAStatusCode::OUT_OF_MEMORY);
+        if (!IsFailureOfRecords(status_))
+            status_ = before;
+        return status_;
+    }
+    static bool IsFailureOfRecords(const KXStatus& status)
+    {
+        return status.GetCode() == MAStatusCode::ITERATOR_NOT_STARTED ||
+               status.GetCode() == MAStatusCode::ITERATOR_FAILED;
     }
 
     /// The test of heterogeneity between the groups; adds to the stored Q.
@@ -162,13 +175,16 @@ protected:
     /// Takes up a warning that there is not yet; within a guarded operation, for it may throw std::bad_alloc.
     void AddWarning(const KXStatus& warning);
     void AddWarning(int code) { AddWarning(KXStatus(code, true)); }
+    void AddWarnings(const std::vector<int>& codes);
     KXStatus SetError(int code) { return status_ = KXStatus(code); }
 
     bool HasContrasts() const { return !studies_.contrastCoefficients.empty(); }
     bool HasGroups() const { return groupCount_ > 1; }
+    /// Whether a pass over the records came to its end, or left studies.
+    bool HasRead() const { return recordCount_ != unread || studies_.Count() > 0; }
     /// Whether every study has its group value. A public build that is called before the studies are complete
     /// finds it otherwise.
-    bool HasGroupValues() const { return studies_.groupValue.size() == studies_.Count(); }
+    bool HasGroupValues() const { return HasRead() && studies_.groupValue.size() == studies_.Count(); }
     bool HasCumulativeValues() const { return !studies_.cumulativeValue.empty(); }
     /// Whether a model build records its heterogeneity output (else a whole analysis records it once).
     bool RecordsTestOutput() const { return !HasCumulativeValues() && !trimFillRunning_; }
@@ -204,6 +220,7 @@ private:
 
     MABubbleRows OfStudies(MABubbleRows rows) const;
 
+    MAConst::TRIMFSIDE SideToTrim() const;
     KXStatus TrimAndFill();
     KXStatus TrimIteratively(const std::vector<double>& values, const std::vector<double>& variances);
     KXStatus FillAndPool(const std::vector<double>& values, const std::vector<double>& variances,

@@ -4,25 +4,14 @@
 #include "meta_analysis/analysis/MABaseModel.h"
 #include "meta_analysis/analysis/MARecordPass.h"
 #include "meta_analysis/effectsize/MAPoolable.h"
+#include "meta_analysis/effectsize/MARatio.h"
 #include "meta_analysis/effectsize/MATestPValues.h"
-#include "meta_analysis/platform/common/KXPower.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <cmath>
 
 namespace MA_NAMESPACE {
-
-namespace {
-
-double ExponentOrZero(double x)
-{
-    double result = 0.0;
-    KXPower::Exponent(x, result);
-    return result;
-}
-
-} // namespace
 
 KXStatus MABaseModel::ExtractModelInputData(MultiPassRecordIter& records)
 {
@@ -42,6 +31,7 @@ KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
     KXStatus status;
     if (settings_->GetInputESType() == MAConst::INPUT_READY_MADE) {
         ForgetStudies();
+        effectType_ = settings_->GetBinaryEstType();
         studies_.contrastCoefficients.resize(contrastIndices.size());
         const double quantile = TwoSidedNormalQuantile(alpha_);
         status = ReadPass(records, recordCount_, [&](const Record& record, int recordNumber) {
@@ -83,7 +73,7 @@ KXStatus MABaseModel::ReviewComputedStudies(MultiPassRecordIter& records,
         }
         ++next;
     });
-    if (!status.IsError() && computedFrom != 0 && recordCount_ != computedFrom)
+    if (!status.IsError() && computedFrom != unread && recordCount_ != computedFrom)
         return KXStatus(MAStatusCode::ITERATOR_FAILED);
     if (!status.IsError() && keptCount != computedCount) {
         studies_.Keep(kept);
@@ -103,7 +93,7 @@ void MABaseModel::ForgetStudies()
 {
     studies_ = MAStudies();
     groups_.clear();
-    recordCount_ = 0;
+    recordCount_ = unread;
     missingCount_ = 0;
     invalidCount_ = 0;
     droppedCount_ = 0;
@@ -118,9 +108,10 @@ void MABaseModel::RequireEffectCopies() const
 
 KXStatus MABaseModel::ForgetIfBroken(const KXStatus& result)
 {
-    const bool lacksEffects = result.IsError() && studies_.Count() != studies_.recordNumber.size();
-    if (lacksEffects || result.GetCode() == MAStatusCode::OUT_OF_MEMORY)
+    if (result.GetCode() == MAStatusCode::OUT_OF_MEMORY)
         ForgetStudies();
+    else if (result.IsError() && studies_.Count() != studies_.recordNumber.size())
+        studies_ = MAStudies();
     return result;
 }
 
@@ -177,11 +168,11 @@ void MABaseModel::AppendReadyMadeStudy(double effectSize, double variance, doubl
     studies_.zValue.push_back(z);
     studies_.significance.push_back(TwoSidedNormalPValue(z).value);
 
-    studies_.ratioEffects.effectSize.push_back(ExponentOrZero(effectSize));
-    studies_.ratioEffects.variance.push_back(ExponentOrZero(variance));
-    studies_.ratioEffects.stdError.push_back(ExponentOrZero(stdError));
-    studies_.ratioEffects.ciLower.push_back(ExponentOrZero(lower));
-    studies_.ratioEffects.ciUpper.push_back(ExponentOrZero(upper));
+    studies_.ratioEffects.effectSize.push_back(RatioOf(effectSize));
+    studies_.ratioEffects.variance.push_back(RatioOf(variance));
+    studies_.ratioEffects.stdError.push_back(RatioOf(stdError));
+    studies_.ratioEffects.ciLower.push_back(RatioOf(lower));
+    studies_.ratioEffects.ciUpper.push_back(RatioOf(upper));
 }
 
 /// Contrast coefficients are taken as they are: a NaN among them is a non-zero coefficient.

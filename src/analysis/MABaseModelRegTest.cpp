@@ -3,6 +3,7 @@
 #include "meta_analysis/analysis/MABaseModel.h"
 #include "meta_analysis/analysis/MARecordColumns.h"
 #include "meta_analysis/analysis/MARegBaseTest.h"
+#include "meta_analysis/analysis/MAWatchedIterator.h"
 #include "meta_analysis/regression/MAIterator.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAEstimatorCode.h"
@@ -69,7 +70,7 @@ MARecordColumns MABaseModel::ColumnsByRecord(const MASelection& selection) const
 {
     // Record numbers ascend; those of a pass that failed may go beyond the records counted before.
     const int lastRecord = studies_.recordNumber.empty() ? -1 : studies_.recordNumber.back();
-    MARecordColumns columns(std::max(recordCount_, lastRecord + 1));
+    MARecordColumns columns(std::max({recordCount_, lastRecord + 1, 0}));
     for (const std::size_t study : selection) {
         const auto record = static_cast<std::size_t>(studies_.recordNumber[study]);
         columns.effectSizes[record] = studies_.effects.effectSize[study];
@@ -82,7 +83,7 @@ MARecordColumns MABaseModel::ColumnsByRecord(const MASelection& selection) const
 /// than three.
 KXStatus MABaseModel::RequireStudiesForTest(MultiPassRecordIter& records)
 {
-    if (recordCount_ == 0 && studies_.Count() == 0) {
+    if (!HasRead()) {
         CopyRunSettings();
         if (ReadStudies(records).IsError())
             return status_;
@@ -97,11 +98,14 @@ KXStatus MABaseModel::RunRegressionTest(MultiPassRecordIter& records, const KXVa
         if (RequireStudiesForTest(records).IsError())
             return status_;
         const MARecordColumns columns = ColumnsByRecord(AllStudies());
-        MAIterator iterator(records, variables, columns.effectSizes, columns.variances);
+        MAWatchedIterator watched(records, recordCount_);
+        MAIterator iterator(watched, variables, columns.effectSizes, columns.variances);
         const MARegSettings settings = TestSettings(iterator.GetVarianceIndex());
         MARegBaseTest test(settings, iterator.GetVarList());
         SetUpTest(test, iterator.GetEffectSizeIndex(), type);
         status_ = test.Test(iterator);
+        if (watched.Failure().IsError())
+            status_ = watched.Failure();
         if (!status_.IsError())
             StoreTest(test);
         return status_;
@@ -160,8 +164,11 @@ KXStatus MABaseModel::RegBasedTest(MultiPassRecordIter& records, const KXVarList
         if (RequireStudiesForTest(records).IsError())
             return status_;
         if (HasGroups()) {
-            for (const MASelection& members : MembersByGroup())
-                TestSelection(records, variables, settings, members);
+            for (const MASelection& members : MembersByGroup()) {
+                const KXStatus tested = TestSelection(records, variables, settings, members);
+                if (IsFailureOfRecords(tested))
+                    return status_ = tested;
+            }
         }
         return status_ = TestSelection(records, variables, settings, AllStudies());
     });
@@ -175,7 +182,8 @@ KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarLis
     if (selection.size() < fewestStudies)
         return KXStatus(MAStatusCode::TOO_FEW_FOR_TEST);
     const MARecordColumns columns = ColumnsByRecord(selection);
-    MAIterator iterator(records, variables, columns.effectSizes, columns.variances);
+    MAWatchedIterator watched(records, recordCount_);
+    MAIterator iterator(watched, variables, columns.effectSizes, columns.variances);
     settings.SetOMWVarIndex(iterator.GetVarianceIndex());
     settings.SetOMWVarType(MAConst::OMEGA_VARIANCE);
     MARegBaseTest test(settings, iterator.GetVarList());
@@ -183,6 +191,8 @@ KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarLis
     RecordsWithEffect ofGroup(iterator, iterator.GetEffectSizeIndex());
     const bool isGroup = selection.size() < studies_.Count();
     const KXStatus tested = isGroup ? test.Test(ofGroup) : test.Test(iterator);
+    if (watched.Failure().IsError())
+        return watched.Failure();
     if (!tested.IsError() && test.HasResults())
         regressionTests_.back() = ResultsOf(test);
     return tested;

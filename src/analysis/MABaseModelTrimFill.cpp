@@ -95,6 +95,11 @@ int MABaseModel::CalcN0(std::vector<double> values, MAConst::TRIMFMETHOD method)
 
 MAConst::TRIMFSIDE MABaseModel::GetTRimFillSide() const
 {
+    return trimmedSide_ == MAConst::TRIM_SIDE_AUTO ? SideToTrim() : trimmedSide_;
+}
+
+MAConst::TRIMFSIDE MABaseModel::SideToTrim() const
+{
     if (settings_->GetTrimFillSide() != MAConst::TRIM_SIDE_AUTO)
         return settings_->GetTrimFillSide();
     const double slope = regressionTest_.coefficient;
@@ -136,10 +141,11 @@ KXStatus MABaseModel::TrimFill()
 
 KXStatus MABaseModel::TrimAndFill()
 {
-    const double sign = GetTRimFillSide() == MAConst::TRIM_SIDE_LARGEST ? 1.0 : -1.0;
     filledResults_ = results_;
     if (studies_.Count() == 0)
         return SetError(MAStatusCode::NO_ANALYSED_STUDY);
+    trimmedSide_ = SideToTrim();
+    const double sign = trimmedSide_ == MAConst::TRIM_SIDE_LARGEST ? 1.0 : -1.0;
     const MAEffectColumns& effects = studies_.effects;
     if (results_.models.empty() && BuildModel(effects.effectSize, effects.variance).IsError())
         return status_;

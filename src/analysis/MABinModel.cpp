@@ -5,6 +5,7 @@
 #include "meta_analysis/analysis/TableBuilder.h"
 #include "meta_analysis/effectsize/MAZeroCorrection.h"
 #include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -16,7 +17,7 @@ namespace {
 
 std::vector<double> Exponentiated(std::vector<double> values)
 {
-    std::transform(values.begin(), values.end(), values.begin(), ExponentOrMissing);
+    std::transform(values.begin(), values.end(), values.begin(), RatioOf);
     return values;
 }
 
@@ -63,7 +64,7 @@ KXStatus MABinModel::RunSteps(MultiPassRecordIter& records, const KXVarList& var
     if (ReadStudies(records).IsError())
         return status_;
     CheckInputSettings();
-    AddModelWarnings();
+    AddWarnings(WarningsOfBinaryRun(*settings_));
     PrepareGroups();
     if (BuildModelsByMethod().IsError())
         return status_;
@@ -151,7 +152,8 @@ KXStatus MABinModel::FixedBinModelContrastTest()
             RequireMemory(tested);
             AddWarning(tested);
             // The z values receive the standard error once more, as hosts expect of this path.
-            const double stdError = std::sqrt(model.GetContrastTestStdError());
+            const double variance = model.GetContrastTestStdError();
+            const double stdError = KXMV::IsMissing(variance) ? variance : std::sqrt(variance);
             contrasts_.push_back({model.GetContrastTestGMeans(),
                                   stdError,
                                   stdError,
@@ -192,14 +194,6 @@ void MABinModel::AppendLabbeRow(const MASelection& members)
     labbe_.x.push_back(Selected(labbeX_, members));
     labbe_.y.push_back(Selected(labbeY_, members));
     labbe_.weight.push_back(Selected(weights_, members));
-}
-
-void MABinModel::AddModelWarnings()
-{
-    if (modelType_ == MAConst::MODEL_FIXED && weightType_ == MAConst::WEIGHT_INVERSE_VARIANCE)
-        AddWarning(MAStatusCode::BINARY_FIXED_INVERSE_VARIANCE);
-    if (modelType_ == MAConst::MODEL_RANDOM)
-        AddWarning(MAStatusCode::BINARY_RANDOM_EFFECTS);
 }
 
 /// Only raw tables under the fixed-effect model: other combinations pool by inverse variance.
@@ -379,7 +373,7 @@ std::vector<std::vector<double>> MABinModel::GetCumExpEstCiUpper() const
 
 std::vector<std::vector<double>> MABinModel::ExponentiatedRows(std::vector<std::vector<double>> rows) const
 {
-    if (GetESType() == MAConst::BIN_RISK_DIFFERENCE)
+    if (effectType_ == MAConst::BIN_RISK_DIFFERENCE)
         return {};
     for (std::vector<double>& row : rows)
         row = Exponentiated(std::move(row));

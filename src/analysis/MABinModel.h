@@ -141,7 +141,7 @@ private:
     KXStatus BuildModelsByMethod();
     void RunTrimFillUnlessBinary();
     /// False for ready-made effect sizes.
-    bool HasTables() const { return studies_.tables.treatmentEvents.size() == studies_.Count(); }
+    bool HasTables() const { return HasRead() && studies_.tables.treatmentEvents.size() == studies_.Count(); }
     bool HasLabbePlot() const;
     void AppendLabbeRow(const MASelection& members);
     MAExponentiatedRow FilledExponentiated() const
@@ -153,7 +153,6 @@ private:
     bool UsesBinaryPooling() const;
     void ClassifyTable(const Record& record, int recordNumber);
     void TakeEffectSizes(const MABinaryEffectSize& effectSizes);
-    void AddModelWarnings();
     MAZeroCorrection ZeroCorrection() const;
     MABinaryFixEffectModel NewModelOfRun(MATableColumns& tables) const;
     KXStatus AppendModel(MABinaryFixEffectModel model, std::size_t studyCount);
@@ -161,7 +160,6 @@ private:
     void AppendExponentiated();
     KXStatus RunSteps(MultiPassRecordIter& records, const KXVarList& variables);
 
-    MAConst::BINESTYPE effectType_ = MAConst::BIN_ODDS_RATIO;
     double zeroDelta_ = 0.5;
     MAConst::POOLEDZEROCELLS pooledZeroCells_ = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
     std::vector<double>

@@ -7,6 +7,7 @@
 #include "meta_analysis/regression/MAREAlgorithm.h"
 #include "meta_analysis/regression/MARegOutputStats.h"
 #include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MAEstimatorCode.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -76,6 +77,9 @@ KXStatus MABubblePlot::Compute(MultiPassRecordIter& records, int covariate)
 KXStatus MABubblePlot::ComputeRows(MultiPassRecordIter& records, int covariate)
 {
     rows_ = MABubbleRows();
+    const KXStatus settings = CheckSettings();
+    if (settings.IsError())
+        return settings;
     if (covariate < 0 || covariate >= variables_->Size())
         return KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
     const KXStatus started = StartPass(records);
@@ -89,9 +93,23 @@ KXStatus MABubblePlot::ComputeRows(MultiPassRecordIter& records, int covariate)
     });
     if (read.IsError())
         return read;
-    if (isCentered_)
+    if (isCentered_ && settings_->GetInterceptUse())
         Center(studies);
     return model_ == MAConst::MODEL_FIXED ? Fit<MAFEAlgorithm>(studies) : Fit<MAREAlgorithm>(studies);
+}
+
+/// The regression would fail on settings that it cannot use, which looks like studies without a line.
+KXStatus MABubblePlot::CheckSettings() const
+{
+    if (!settings_->IsComplete())
+        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
+    const KXStatus valid = settings_->IsValidSettings(false);
+    if (valid.IsError())
+        return valid;
+    const bool needsEstimator = model_ != MAConst::MODEL_FIXED;
+    return needsEstimator && EstimatorOfCode(settings_->GetEstTauType()) == unknownEstimator
+               ? KXStatus(MAStatusCode::TAU2_FAILED)
+               : KXStatus();
 }
 
 void MABubblePlot::Center(std::vector<Study>& studies)

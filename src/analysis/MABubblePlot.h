@@ -30,14 +30,15 @@ public:
     /// Fixed effects weight a study by 1 / variance, random effects by 1 / (variance + tau²).
     void SetModelType(MAConst::MODELTYPE type) { model_ = type; }
     /// Subtracts the covariate's unweighted mean over the usable studies: moves x, the curve's x and the
-    /// intercept, and nothing else.
+    /// intercept, and nothing else. Without an intercept it would change the line, and is not done.
     void SetCenter(bool center) { isCentered_ = center; }
     /// Points of the confidence band; one point is the smallest x, less than one none.
     void SetCurveNPoints(int count) { curvePointCount_ = count; }
 
-    /// The plot of one covariate, by its index in the variable list. Errors: 460009 no such variable, 460011
-    /// the iterator cannot be started, 460012 it fails or the host cancels, 460099. A regression that cannot
-    /// be fitted (no usable study, a constant covariate) is no error: the rows say so.
+    /// The plot of one covariate, by its index in the variable list. Errors: 460009 no such variable, or
+    /// invalid settings, 460060 unknown estimator under random effects, 460011 the iterator cannot be
+    /// started, 460012 it fails or the host cancels, 460099. A regression that cannot be fitted (no usable
+    /// study, a constant covariate) is no error: the rows say so.
     KXStatus Compute(MultiPassRecordIter& records, int covariate);
 
     const MABubbleRows& GetRows() const { return rows_; }
@@ -46,6 +47,7 @@ private:
     struct Study;
 
     KXStatus ComputeRows(MultiPassRecordIter& records, int covariate);
+    KXStatus CheckSettings() const;
     static void Center(std::vector<Study>& studies);
     MARegSettings SimpleRegression() const;
     template <class Engine>

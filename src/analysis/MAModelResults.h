@@ -144,19 +144,4 @@ std::vector<double> PValuesOf(const std::vector<Row>& rows, double MAPValue::*fo
     return FieldOf(rows, [=](const Row& row) { return row.pValue.*form; });
 }
 
-template <class Row, class Field>
-std::vector<std::vector<Field>> FieldOf(const std::vector<std::vector<Row>>& lists,
-                                        Field Row::*field) noexcept
-{
-    try {
-        std::vector<std::vector<Field>> fields;
-        fields.reserve(lists.size());
-        for (const std::vector<Row>& rows : lists)
-            fields.push_back(FieldOf(rows, field));
-        return fields;
-    } catch (...) {
-        return {};
-    }
-}
-
 } // namespace MA_NAMESPACE

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "meta_analysis/analysis/MAModelResults.h"
-#include "meta_analysis/platform/common/KXPower.h"
+#include "meta_analysis/effectsize/MARatio.h"
 #include "meta_analysis/pooling/MAContinousFixEffectModel.h"
 #include "meta_analysis/pooling/MARandomEffectModel.h"
 
@@ -33,18 +33,10 @@ inline MAModelRow RowOf(const MARandomEffectModel& model)
             model.GetEstESCIUpper()};
 }
 
-/// Missing for a missing value and where the exponential overflows.
-inline double ExponentOrMissing(double x)
-{
-    double result = KXMV::Missing();
-    KXPower::Exponent(x, result);
-    return result;
-}
-
 /// A row of the log scale on the ratio scale.
 inline MAExponentiatedRow Exponentiated(const MAModelRow& row)
 {
-    return {ExponentOrMissing(row.estimate), ExponentOrMissing(row.ciLower), ExponentOrMissing(row.ciUpper)};
+    return {RatioOf(row.estimate), RatioOf(row.ciLower), RatioOf(row.ciUpper)};
 }
 
 /// Degrees of freedom of a homogeneity test that was made; a model of one study makes none.

@@ -1,11 +1,11 @@
 #include "meta_analysis/effectsize/MABinaryEffectSize.h"
 
 #include "meta_analysis/effectsize/MAInputCheck.h"
+#include "meta_analysis/effectsize/MARatio.h"
 #include "meta_analysis/effectsize/MATable.h"
 #include "meta_analysis/effectsize/MATestPValues.h"
 #include "meta_analysis/effectsize/MAZeroCorrection.h"
 #include "meta_analysis/platform/common/KXMV.h"
-#include "meta_analysis/platform/common/KXPower.h"
 #include "meta_analysis/settings/Guarded.h"
 
 #include <cmath>
@@ -180,7 +180,7 @@ void MABinaryEffectSize::ComputePOREffectSize()
         const double variance = table.HypergeometricVariance();
         if (table.Size() > 1 && variance != 0) {
             log_.value[i] = table.ExcessEvents() / variance;
-            KXPower::Exponent(log_.value[i], natural_.value[i]);
+            natural_.value[i] = RatioOf(log_.value[i]);
         }
     }
 }
@@ -207,15 +207,15 @@ void MABinaryEffectSize::ComputeRREffectSize()
         const bool hasControlRisk = table.ControlSize() != 0 && table.c != 0;
         if (hasTreatmentRisk) {
             log_.treatmentRatio[i] = std::log(table.a) - std::log(table.TreatmentSize());
-            KXPower::Exponent(log_.treatmentRatio[i], natural_.treatmentRatio[i]);
+            natural_.treatmentRatio[i] = RatioOf(log_.treatmentRatio[i]);
         }
         if (hasControlRisk) {
             log_.controlRatio[i] = std::log(table.c) - std::log(table.ControlSize());
-            KXPower::Exponent(log_.controlRatio[i], natural_.controlRatio[i]);
+            natural_.controlRatio[i] = RatioOf(log_.controlRatio[i]);
         }
         if (hasTreatmentRisk && hasControlRisk) {
             log_.value[i] = log_.treatmentRatio[i] - log_.controlRatio[i];
-            KXPower::Exponent(log_.value[i], natural_.value[i]);
+            natural_.value[i] = RatioOf(log_.value[i]);
         }
     }
 }
@@ -270,8 +270,8 @@ void MABinaryEffectSize::SetLogVariance(std::size_t study, double variance)
 {
     log_.variance[study] = variance;
     log_.stdError[study] = std::sqrt(variance);
-    KXPower::Exponent(log_.variance[study], natural_.variance[study]);
-    KXPower::Exponent(log_.stdError[study], natural_.stdError[study]);
+    natural_.variance[study] = RatioOf(log_.variance[study]);
+    natural_.stdError[study] = RatioOf(log_.stdError[study]);
 }
 
 void MABinaryEffectSize::ComputeCIBound(double z)
@@ -292,8 +292,8 @@ void MABinaryEffectSize::ComputeCIBound(double z)
         const double halfWidth = z * std::sqrt(log_.variance[i]);
         log_.ciUpper[i] = log_.value[i] + halfWidth;
         log_.ciLower[i] = log_.value[i] - halfWidth;
-        KXPower::Exponent(log_.ciUpper[i], natural_.ciUpper[i]);
-        KXPower::Exponent(log_.ciLower[i], natural_.ciLower[i]);
+        natural_.ciUpper[i] = RatioOf(log_.ciUpper[i]);
+        natural_.ciLower[i] = RatioOf(log_.ciLower[i]);
     }
 }
 
@@ -314,9 +314,8 @@ void MABinaryEffectSize::ComputeTests()
         if (isRatio) {
             log_.zValue.push_back(z);
             log_.significance.push_back(significance);
-            naturalZ = naturalSignificance = KXMV::Missing();
-            KXPower::Exponent(z, naturalZ);
-            KXPower::Exponent(significance, naturalSignificance);
+            naturalZ = RatioOf(z);
+            naturalSignificance = RatioOf(significance);
         }
         natural_.zValue.push_back(naturalZ);
         natural_.significance.push_back(naturalSignificance);

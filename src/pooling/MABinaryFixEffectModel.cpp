@@ -217,23 +217,43 @@ KXStatus MABinaryFixEffectModel::ContrastTestBy(Pooling /*method*/)
     if (contrastEffects_.size() != studyCount_)
         PrepareContrastTerms<Pooling>();
     KXStatus result = status_;
+    bool isDefined = true;
     contrast_ = 0.0;
     contrastVariance_ = 0.0;
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const double coefficient = (*contrastCoefficients_)[i];
-        if (KXMV::IsMissing(coefficient)) {
+        if (KXMV::IsMissing(coefficient))
             result = KXStatus(MAStatusCode::CONTRAST_COEFFICIENT_MISSING, true);
+        if (KXMV::IsMissing(coefficient) || coefficient == 0.0)
             continue;
-        }
+        isDefined = isDefined && HasContrastTerm(i);
         contrast_ += coefficient * contrastEffects_[i];
         contrastVariance_ += coefficient * coefficient * contrastVariances_[i];
+    }
+    TestContrast(isDefined);
+    return result;
+}
+
+/// The inference on a contrast; without one when it is not defined.
+void MABinaryFixEffectModel::TestContrast(bool isDefined)
+{
+    if (!isDefined) {
+        contrast_ = contrastVariance_ = KXMV::Missing();
+        contrastPValue_ = MAPValue();
+        contrastCIUpper_ = contrastCILower_ = KXMV::Missing();
+        return;
     }
     const double stdError = std::sqrt(contrastVariance_);
     const double halfWidth = TwoSidedNormalQuantile(alpha_) * stdError;
     contrastPValue_ = contrastVariance_ > 0.0 ? TwoSidedNormalPValue(contrast_ / stdError) : MAPValue();
     contrastCIUpper_ = contrast_ + halfWidth;
     contrastCILower_ = contrast_ - halfWidth;
-    return result;
+}
+
+/// Whether the table has an effect of its own with a variance.
+bool MABinaryFixEffectModel::HasContrastTerm(std::size_t study) const
+{
+    return !KXMV::IsMissing(contrastEffects_[study]) && std::isfinite(contrastVariances_[study]);
 }
 
 /// Once for all contrasts of the object: the studies' effects and variances on the scale of the test.

@@ -69,6 +69,7 @@ public:
 
     /// Estimate sum(g y) and variance sum(g² v) of a contrast with coefficients g, its significance and
     /// interval. A study whose coefficient is missing is left out, and warning 460050 returned (not stored).
+    /// All are missing when a table whose coefficient is not 0 has no effect, such as one with a zero cell.
     /// Does nothing without coefficients.
     KXStatus ContrastTest();
 
@@ -146,6 +147,8 @@ private:
     KXStatus ContrastTestBy(Pooling method);
     template <class Pooling>
     void PrepareContrastTerms();
+    bool HasContrastTerm(std::size_t study) const;
+    void TestContrast(bool isDefined);
 
     std::size_t studyCount_ = 0;
     std::vector<double> studyEffects_; ///< natural scale

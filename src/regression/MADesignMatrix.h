@@ -35,7 +35,8 @@ struct MADesignRows
 ///
 /// Calling order: `ReadFirstPass` over all records (statistics, levels of the factors, then the columns are
 /// fixed), `AttachIterator`, `CacheRows`. From then on every pass of an estimation runs over `Rows()`, in
-/// memory. The settings are the host's and must outlive the object.
+/// memory. The settings are the host's and must outlive the object. The order of the
+/// virtual operations is part of the interface: hosts are compiled against it.
 ///
 /// A record is usable when its dependent is there, its omega weight is positive, each factor of the settings
 /// has a level below the factor's size and each covariate of the settings is there, whether or not a model
@@ -53,6 +54,9 @@ public:
 
     /// Builds the row of a record; 460031, and the row as it was, when the record is not usable.
     virtual KXStatus GetRow(const Record& record, MADesignRow& row, bool skipDependentAndWeight) const;
+
+    /// Writes statistics, counts and effects to the debug display.
+    virtual void Display() const;
 
     /// First pass: takes up one record; 460031 when it is not usable.
     virtual KXStatus Update(const Record& record);
@@ -88,8 +92,6 @@ public:
     const KXFactorCounts& GetEffectFactorCounts() const { return effectFactorCounts_; }
     long GetTotalRecords() const { return totalRecords_; }
     long GetCompleteRecords() const { return completeRecords_; }
-
-    void Display() const;
 
 private:
     bool HasDependentAndWeight(const Record& record) const;

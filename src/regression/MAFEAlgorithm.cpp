@@ -31,7 +31,10 @@ KXStatus MAFEAlgorithm::BuildModel(MultiPassRecordIter& records)
 
 KXStatus MAFEAlgorithm::BuildFrom(MultiPassRecordIter& records)
 {
-    if (!Passed(PrepareRows(records)) || !Passed(FitModel()))
+    if (!Passed(PrepareRows(records)))
+        return status_;
+    WarnOfSettings(false);
+    if (!Passed(FitModel()))
         return status_;
     // Scores use the settings' distribution; the Knapp-Hartung flag plays no part in them.
     FinishBuild(settings_->GetTestDistType() == MAConst::TEST_STUDENT_T);

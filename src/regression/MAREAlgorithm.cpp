@@ -11,8 +11,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <cstring>
-#include <iterator>
 
 namespace MA_NAMESPACE {
 
@@ -26,9 +24,6 @@ constexpr double negligible = 1e-12;
 /// fixed-effect weights here; the unweighted fit makes tau² larger, and with it R² smaller.
 constexpr MAWeightMode hunterSchmidtWeights = MAWeightMode::Unweighted;
 
-/// The number behind an estimator code that is none of the known ones.
-constexpr int unknownEstimator = estimatorCodeCount;
-
 } // namespace
 
 MAREAlgorithm::MAREAlgorithm(const MARegSettings& settings) : MARegAlgorithm(settings) {}
@@ -36,10 +31,7 @@ MAREAlgorithm::~MAREAlgorithm() = default;
 
 int MAREAlgorithm::GetEstTauType() const
 {
-    const char* code = settings_->GetEstTauType();
-    const auto found = std::find_if(std::begin(estimatorCodes), std::end(estimatorCodes),
-                                    [&](const char* known) { return std::strcmp(known, code) == 0; });
-    return static_cast<int>(found - std::begin(estimatorCodes));
+    return EstimatorOfCode(settings_->GetEstTauType());
 }
 
 bool MAREAlgorithm::UsesStudentT() const
@@ -57,7 +49,10 @@ KXStatus MAREAlgorithm::BuildModel(MultiPassRecordIter& records)
 
 KXStatus MAREAlgorithm::BuildFrom(MultiPassRecordIter& records)
 {
-    if (Passed(PrepareRows(records)) && Passed(computeTauSquare()) && Passed(FitModel()))
+    if (!Passed(PrepareRows(records)))
+        return status_;
+    WarnOfSettings(true);
+    if (Passed(computeTauSquare()) && Passed(FitModel()))
         FinishBuild(UsesStudentT());
     return status_;
 }

@@ -5,6 +5,7 @@
 #include "meta_analysis/regression/MADesignMatrix.h"
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/MAWarnings.h"
 
@@ -153,6 +154,12 @@ KXStatus MARegAlgorithm::PrepareRows(MultiPassRecordIter& records)
     if (!cached.IsError() && design_->Rows().Count() == 0 && design_->GetTotalRecords() > 0)
         return KXStatus(MAStatusCode::NO_USABLE_STUDY);
     return cached;
+}
+
+void MARegAlgorithm::WarnOfSettings(bool isRandom)
+{
+    for (const int code : WarningsOfRegression(*settings_, isRandom))
+        Passed(KXStatus(code, true));
 }
 
 void MARegAlgorithm::ForgetModel()

@@ -88,6 +88,8 @@ protected:
     KXStatus PrepareRows(MultiPassRecordIter& records);
     /// Adds a warning to the list; an error becomes the status. True when the build can go on.
     bool Passed(const KXStatus& status);
+    /// Adds the warnings about the settings to those of the build.
+    void WarnOfSettings(bool isRandom);
     /// Takes down the model, so that nothing of it stands beside another's results.
     void ForgetModel();
     /// What comes after a fit: the model is built, and records can be scored.

@@ -1,10 +1,25 @@
 #pragma once
 
+#include <algorithm>
+#include <cstring>
+#include <iterator>
+
 namespace MA_NAMESPACE {
 
 /// The codes by which the regression settings name the between-study variance estimators; each stands at the
 /// position that is its number in `MAConst::TAU2ESTIMATOR`.
 inline constexpr const char* estimatorCodes[] = {"HE", "HS", "DL", "SJ", "ML", "REML", "EB"};
 inline constexpr int estimatorCodeCount = sizeof estimatorCodes / sizeof *estimatorCodes;
+
+/// The number behind a code that is none of the known ones.
+inline constexpr int unknownEstimator = estimatorCodeCount;
+
+/// The number of the estimator with this code.
+inline int EstimatorOfCode(const char* code)
+{
+    const auto found = std::find_if(std::begin(estimatorCodes), std::end(estimatorCodes),
+                                    [&](const char* known) { return std::strcmp(known, code) == 0; });
+    return static_cast<int>(found - std::begin(estimatorCodes));
+}
 
 } // namespace MA_NAMESPACE

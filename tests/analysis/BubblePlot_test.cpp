@@ -176,6 +176,43 @@ TEST(BubblePlot, WithoutInterceptRunsThroughTheOrigin)
     EXPECT_TRUE(Close(model.GetBubblePredVals()[0][0], model.GetBubbleCoefs()[0][0] * 44, machineEpsilon));
 }
 
+/// Centring would move the line, which has no intercept to move with it.
+TEST(BubblePlot, IsCentredWithAnInterceptAlone)
+{
+    Trials trials(MODEL_FIXED);
+    const MABinModel plain = trials.Plotted(MARegSettings());
+    trials.settings.SetCenterBubblePlot(true);
+    const MABinModel centred = trials.Plotted(MARegSettings());
+    EXPECT_EQ(centred.GetBubbleXs(), plain.GetBubbleXs());
+    EXPECT_EQ(centred.GetBubbleCoefs(), plain.GetBubbleCoefs());
+}
+
+TEST(BubblePlot, RefusesSettingsThatNoRegressionCanUse)
+{
+    struct Case
+    {
+        void (*change)(MARegSettings&);
+        MODELTYPE model;
+        int code;
+    };
+    const Case cases[] = {
+        {[](MARegSettings& s) { s.SetMaxStepHalvingValue(0); }, MODEL_FIXED, MAStatusCode::INPUT_NOT_GIVEN},
+        {[](MARegSettings& s) { s.SetParameterTolerance(-1); }, MODEL_RANDOM, MAStatusCode::INPUT_NOT_GIVEN},
+        {[](MARegSettings& s) { s.SetEstTauType("reml"); }, MODEL_RANDOM, MAStatusCode::TAU2_FAILED},
+        {[](MARegSettings& s) { s.SetEstTauType("reml"); }, MODEL_FIXED, 0}, // which estimates none
+    };
+    for (const Case& one : cases) {
+        const Trials trials(one.model);
+        MABinModel model = trials.Plotted(WithIntercept(), {});
+        MARegSettings regression = WithIntercept();
+        regression.AddCovariate(trials.data.IndexOf("latitude"));
+        one.change(regression);
+        VectorRecordIter records(trials.data.rows);
+        EXPECT_EQ(model.BubblePlot(records, VariablesOf(trials.data.rows), regression), KXStatus(one.code));
+        EXPECT_EQ(model.GetBubbleFlags().empty(), one.code != 0);
+    }
+}
+
 TEST(BubblePlot, KeepsToTheIterationsOfTheSettings)
 {
     const Trials trials(MODEL_RANDOM);

@@ -119,4 +119,6 @@ TEST(Contrasts, OfPetoOddsRatiosBeyondNumbers)
     const Row logs = run.model.GetEffectSize();
     ASSERT_GT(logs.at(0), 710.0);
     EXPECT_TRUE(Close(run.model.GetContrastEstES().at(0), logs[0] - logs[1], 4 * machineEpsilon));
+    EXPECT_EQ(run.model.GetContrastExpEstES(), Row{infinity});
+    EXPECT_EQ(run.model.GetExpEffectSize()[0], infinity);
 }

@@ -143,6 +143,10 @@ std::vector<int> ExpectedWarnings(const MAModelSettings& settings, std::size_t k
         codes.push_back(k == 1 ? ONE_STUDY : TWO_STUDIES);
     if (settings.GetInputESType() == INPUT_READY_MADE)
         codes.insert(codes.end(), {READY_MADE_EFFECTS, READY_MADE_EFFECTS_AGAIN});
+    if (!isFixed && !settings.GetContrastCoefIndex().empty())
+        codes.push_back(CONTRAST_IGNORED);
+    if (k == 0)
+        codes.push_back(NO_STUDY_IN_RUN);
     if (isBinary && isFixed && settings.GetWeightType() == WEIGHT_INVERSE_VARIANCE)
         codes.push_back(BINARY_FIXED_INVERSE_VARIANCE);
     if (isBinary && !isFixed)
@@ -173,8 +177,8 @@ TEST(MABaseModel, ClassificationOfReadyMadeEffects)
     }
     // Exponentials that overflow.
     const BinRun huge(BinaryEffectSettings(), {{800, 0.5}});
-    EXPECT_EQ(huge.model.GetExpEffectSize(), Row{0.0});
-    EXPECT_EQ(huge.model.GetEstExpEffectSize(), Row{missing});
+    EXPECT_EQ(huge.model.GetExpEffectSize(), Row{infinity});
+    EXPECT_EQ(huge.model.GetEstExpEffectSize(), Row{infinity});
 }
 
 TEST(MABaseModel, RequiredVariables)
@@ -242,6 +246,12 @@ TEST(MABaseModel, FaultsOfTheRecordIterator)
                 EXPECT_EQ(model.GetEstEffectSize().empty(), code != 0);
             }
         }
+        Rows incomplete = rows;
+        incomplete[0].clear();
+        FaultyRecordIter records(incomplete, Faults::REPORTS_ERROR, 2); // at the end of the first
+        std::remove_pointer_t<decltype(driver)> model(settings);
+        model.RUN(records, KXVarList());
+        EXPECT_EQ(model.GetNMissing(), 1); // up to there
     });
 }
 
@@ -271,12 +281,15 @@ TEST(MABaseModel, DirectCalls)
     M early(settings);
     VectorRecordIter records(tables);
     EXPECT_TRUE(early.ESCalc(records).IsOK());
+    M unread(settings);
     BinRun ofEffects(EffectSettings(), effects);
-    for (M* const model : {&early, &ofEffects.model}) {
+    for (M* const model : {&early, &unread, &ofEffects.model}) {
         for (const auto& [name, call] : calls)
             EXPECT_EQ(call(*model), refused) << name;
     }
     EXPECT_EQ(early.BuildSubGroupModel(), refused);
+    EXPECT_EQ(unread.BuildSubGroupModel(), refused);
+    EXPECT_TRUE(BinRun(settings, {}).model.BuildBinSubGroupModel().IsOK()); // read, and nothing usable
     EXPECT_TRUE(early.GetTau2Var().empty());
     EXPECT_TRUE(ofEffects.model.BuildSubGroupModel().IsOK());
 

@@ -140,9 +140,12 @@ TEST(Cumulative, MeetsTheReferenceFigures)
         Published published = PublishedAs(row);
         published.settings.SetCommulativeIndex(published.data.IndexOf(row.column));
         const nlohmann::json& figures = published.figures.at(row.key);
-        const BinRun run(published.settings, published.data.rows);
+        BinRun run(published.settings, published.data.rows);
         const std::vector<Rows> rows = CumulativeRows(run.model);
         ASSERT_EQ(rows[0].at(0).size(), figures.size());
+        run.settings.SetBinaryEstType(run.model.GetCumExpEstES().empty() ? BIN_ODDS_RATIO
+                                                                         : BIN_RISK_DIFFERENCE);
+        EXPECT_EQ(CumulativeRows(run.model), rows); // settings of a run to come
         for (std::size_t step = 0; step < figures.size(); ++step) {
             const double key = figures[step].at("key");
             EXPECT_EQ(run.model.GetEstCumulative().at(0).at(step), key);

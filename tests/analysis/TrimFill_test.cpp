@@ -198,7 +198,8 @@ TEST(TrimFill, Examples)
 TEST(TrimFill, SideThatTheDataSuggest)
 {
     // The covariance of y / v = -4, 0.5, 0.25 and 1 / se = 2, 1, 0.5 is negative.
-    const ContRun three(TrimFillSettings(EffectSettings(), MODEL_FIXED), {{-1, 0.25}, {0.5, 1}, {1, 4}});
+    ContRun three(TrimFillSettings(EffectSettings(), MODEL_FIXED), {{-1, 0.25}, {0.5, 1}, {1, 4}});
+    three.settings.SetTrimFillSide(TRIM_SIDE_LARGEST); // of a trim-and-fill to come
     EXPECT_EQ(three.model.GetTRimFillSide(), TRIM_SIDE_SMALLEST);
     int imputed = 0;
     for (unsigned seed = 1; seed <= 60; ++seed) {

@@ -146,8 +146,9 @@ void ExpectEngineSound(Lie lie, int pass)
 
 } // namespace
 
-/// A run reads raw data in its first pass and what goes with the studies in its second; the small-study tests
-/// and the bubble plots have the others.
+/// A run reads raw data in its first pass and what goes with the studies in its second. Then the small-study
+/// test, which looks whether the records start, reads them twice. The tests and the bubble plots that follow
+/// the run have the others.
 TEST(LyingIterators, Analyses)
 {
     for (const Lie lie : lies) {
@@ -155,15 +156,15 @@ TEST(LyingIterators, Analyses)
             for (const MODELTYPE model : {MODEL_FIXED, MODEL_RANDOM}) {
                 SCOPED_TRACE(testing::Message()
                              << "lie " << lie << " in pass " << pass << ", model " << model);
-                const bool looksUnread = pass == 1 && lie == NO_RECORDS; // and not as a pass over none
-                const bool isFound = pass <= 2 && !looksUnread && (!HasSameCount(lie) || lie == LATE_ERROR);
+                const bool isFindable = !HasSameCount(lie) || lie == LATE_ERROR;
                 const KXStatus failed(MAStatusCode::ITERATOR_FAILED);
                 EXPECT_EQ(LyingRun<MABinModel>(Everything(TableSettings(), model), lie, pass) == failed,
-                          isFound);
+                          pass <= 5 && pass != 3 && isFindable);
                 LyingRun<MAContModel>(Everything(MeansSettings(), model), lie, pass);
+                const bool leavesTooFewToTest = pass == 1 && (lie == NO_RECORDS || lie == PAUSE);
                 EXPECT_EQ(LyingRun<MAContModel>(Everything(EffectSettings(CONTRAST), model), lie, pass) ==
                               failed,
-                          pass == 1 && lie == LATE_ERROR);
+                          pass <= 4 && pass != 2 && isFindable && !leavesTooFewToTest);
             }
         }
     }

@@ -81,6 +81,8 @@ TEST(JsonReport, WritesMissingAndInfiniteValues)
     EXPECT_EQ(results["EffectSize"], json::array());
     EXPECT_EQ(results["EstEffectSize"], json::array({nullptr}));
     EXPECT_EQ(results["EstStdError"], json::array({"inf"})); // of no studies
+    const Arguments ratio = Effects(folder.Write("r.csv", "effect,variance\n800,1\n")) + "--outcome binary";
+    EXPECT_EQ(ResultsOf(ratio)["EstExpEffectSize"], json::array({"inf"}));
 }
 
 TEST(JsonReport, IsValidWhateverTheBytesOfTheArguments)
@@ -93,7 +95,7 @@ TEST(JsonReport, IsValidWhateverTheBytesOfTheArguments)
 
 TEST(JsonReport, DescribesARun)
 {
-    const Arguments peto = Bcg() + "--effect peto --null -0.5";
+    const Arguments peto = Bcg() + "--effect peto --zero-delta 0.25";
     const json report = JsonOf(peto);
     EXPECT_EQ(report["schema"], 1);
     EXPECT_EQ(report["program"], "meta-analysis");
@@ -119,7 +121,7 @@ TEST(JsonReport, TellsEverySetting)
         {Bcg() +
              "--effect peto --zero-cells none --zero-delta 0.25 --pooled-zero-cells as-studies "
              "--drop-double-zero --model fixed --tau2 hs --tau2-search scoring "
-             "--knapp-hartung adjusted --level=0.9 --weights mantel-haenszel --null -0.5 "
+             "--knapp-hartung adjusted --level=0.9 --weights mantel-haenszel --null 0.5 "
              "--max-iterations 7 --max-step-halving 8 --tolerance 1e-9 --subgroup year "
              "--cumulative latitude --descending --contrast year --contrast allocation "
              "--trim-fill quadratic --side 2 --trim-fill-model fixed --trim-fill-tau2 eb "
@@ -134,7 +136,7 @@ TEST(JsonReport, TellsEverySetting)
             "preset": null, "tau2-search": "scoring", "tau2-interval": "q-profile", "prediction": "t-k-2",
             "probability-above": null, "probability-below": null,
             "model": "fixed", "tau2": "hs", "knapp-hartung": "adjusted", "level": 0.9,
-            "weights": "mantel-haenszel", "null": -0.5, "max-iterations": 7, "max-step-halving": 8,
+            "weights": "mantel-haenszel", "null": 0.5, "max-iterations": 7, "max-step-halving": 8,
             "tolerance": 1e-9, "subgroup": "year", "cumulative": "latitude", "descending": true,
             "contrast": ["year", "allocation"], "trim-fill": "quadratic", "side": "2",
             "trim-fill-model": "fixed", "trim-fill-tau2": "eb", "trim-fill-knapp-hartung": "truncated",

@@ -39,9 +39,7 @@ TEST(Reports, SayWhatTheLibraryDoesWithTheSettings)
                               "0,9,2,7,a\n0,8,3,5,b\n4,9,5,6,b\n");
     const std::string random = "random-effects model \\(restricted maximum likelihood\\), 95%";
     ExpectShown({
-        {Bcg() + "--null 2",
-         random + ".*SE +z +p\n"
-                  ".*--null 2 is for the fixed-effect model; the null hypothesis here is log OR = 0\\."},
+        {Bcg(), random + ".*SE +z +p\n"},
         {Bcg() + "--tau2 dl --knapp-hartung truncated",
          "random-effects model \\(DerSimonian-Laird\\), truncated Knapp-Hartung adjustment, .*SE +t +p\n"},
         {fixed + "--knapp-hartung adjusted --null 0.5",
@@ -63,11 +61,18 @@ TEST(Reports, SayWhatTheLibraryDoesWithTheSettings)
 TEST(Reports, ShowGroupsInOrderOfTheirTexts)
 {
     const TemporaryFolder folder;
+    const std::string even =
+        folder.Write("e.csv", "effect,variance\n1,1\n1.1,1\n0.9,1\n1,1\n1.1,1\n0.9,1\n1,1\n1,1\n");
     const std::string gaps = folder.Write("t.csv", "effect,variance,g\n1,1,b\n2,1,NA\n3,1,a\n4,1,\n");
     ExpectShown({
         {Effects("passive_smoking.csv") + "--subgroup country",
          "Pooled effect\n.*\nChina .*\nGermany .*\nGreece .*\nHong Kong .*\nJapan .*\nRussia .*\nSweden .*\n"
-         "UK .*\nUSA .*\nOverall .*\nHeterogeneity between the groups\n +Q +df +p\n9.97[0-9]+ +8 +0.26"},
+         "UK .*\nUSA .*\nOverall .*\nHeterogeneity between the groups\n +Q +df +p\n9.97[0-9]+ +8 +0.26"
+         "[^\n]*\nA group of one study has no between-study variance of its own"},
+        {Bcg() + "--subgroup allocation --model fixed --weights mantel-haenszel --effect risk-difference",
+         "Heterogeneity between the groups\n[^\n]*\n[^\n]*\nThis test weighs the studies by the inverse"},
+        {Effects(even) + "--model fixed", "Heterogeneity\n[^\n]*\n[^\n]* 0.00 \\[0.00, 0.00\\] [^\n]*\n"
+                                          "An I² of 0 with the interval \\[0, 0\\] is no certainty"},
         {Effects(gaps) + "--subgroup g",
          "\n2 +\\(missing\\) +2.0000.*\n\\(missing\\) +3.0000 .*\na +3.0000 .*\nb +1.0000 .*\nOverall "},
     });
@@ -98,7 +103,6 @@ TEST(Reports, ShowContrastsAndPlots)
     const Arguments contrasts = Bcg() + "--contrast allocation --contrast year";
     ExpectShown({
         {contrasts + "--model fixed", "Contrasts\n +exp\\(contrast\\) [^\n]*\nallocation [^\n]*\nyear "},
-        {contrasts, "tested under the fixed-effect model alone"},
         {Bcg() + "--funnel-y inverse-variance --contours lower", "\nIts picture has no contours: "},
         {Bcg() + "--effect risk-ratio --bubble year --bubble latitude",
          "Bubble plots\n.*\nyear +13 .*\nlatitude +13 +0.2515 +-0.0291\n"},

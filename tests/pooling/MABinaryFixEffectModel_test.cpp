@@ -126,6 +126,34 @@ TEST(MABinaryFixEffectModel, ContrastIsOfTheEffectsComputedLastWithACoefficientF
     EXPECT_EQ(model.ContrastTest(), KXStatus(MAStatusCode::LENGTH_MISMATCH));
 }
 
+TEST(MABinaryFixEffectModel, ContrastWithATableWithoutEffectIsMissing)
+{
+    struct Case
+    {
+        BINESTYPE effect;
+        Row table; ///< has no effect
+    };
+    for (const Case& one :
+         {Case{BIN_ODDS_RATIO, {0, 10, 3, 7}}, Case{BIN_RISK_RATIO, {0, 10, 3, 7}},
+          Case{BIN_PETO_ODDS_RATIO, {0, 10, 0, 7}}, Case{BIN_RISK_DIFFERENCE, {0, 0, 3, 7}}}) {
+        SCOPED_TRACE(one.effect);
+        Tables tables({{12, 88, 20, 80}, one.table, {15, 85, 25, 75}});
+        MABinaryFixEffectModel model = Fitted(tables, one.effect);
+        const std::vector<double> withIt = {1, -1, 0};
+        model.SetContrastCoef(&withIt);
+        EXPECT_TRUE(model.ContrastTest().IsOK());
+        EXPECT_EQ((Row{model.GetContrastTestGMeans(), model.GetContrastTestStdError(),
+                       model.GetContrastTest2SidedSig(), model.GetContrastTestCILower(),
+                       model.GetContrastTestCIUpper()}),
+                  Row(5, missing));
+        const std::vector<double> withoutIt = {1, 0, -1};
+        model.SetContrastCoef(&withoutIt);
+        EXPECT_TRUE(model.ContrastTest().IsOK());
+        EXPECT_LT(std::abs(model.GetContrastTestGMeans()), 1.0);
+        EXPECT_GT(model.GetContrastTest2SidedSig(), 0.0);
+    }
+}
+
 TEST(MABinaryFixEffectModel, StudyVectorsAreChecked)
 {
     using C = MABinaryFixEffectModel;

@@ -51,12 +51,12 @@ public:
     /// Appends a copy of an effect to the model. False, and nothing changed, when memory runs out.
     virtual bool AddModelEffect(const KXModelEffect& effect);
 
+    /// Writes the settings to the debug display.
+    virtual void Display() const = 0;
+
     /// False when memory ran out for a copy of these settings, whose lists are then empty; what uses them
     /// gives error 460099. No operation but the display throws.
     virtual bool IsComplete() const noexcept { return !lists_.IsLost(); }
-
-    /// Writes the settings to the debug display.
-    virtual void Display() const = 0;
 
     /// Position of the variable in the factors, also when it was there before with the same size; -1, and
     /// nothing changed, for a negative index, a size below 1 or another than before, the dependent, a
