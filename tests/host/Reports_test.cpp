@@ -186,7 +186,7 @@ TEST(Reports, ShowRegressions)
          ".*Parameter +Coefficient \\[95% CI\\] +SE +t +p\n\\(intercept\\) "
          ".*tester=1 +- +- +- +-\n-: aliased"
          ".* F +df +residual df +p\n[0-9.]+ +1 +17 +0\\.[0-9]{4}\n"
-         ".*Q +df +p +I² % +H² +R² %\n[0-9.]+ +17 .* tau² \\[95% CI\\] +tau \\[95% CI\\]\n"},
+         ".*Q +df +p +I² % +H² +R² %\n[0-9.]+ +17 .* tau² \\[95% CI\\] +tau \\[95% CI\\]"},
         {tester + "--model fixed --dispersion --normal-tests",
          "SE +z +p\n.*Wald chi² +df +p\n.*Q +df +p +I² % +H²\n.*Multiplicative dispersion\n[0-9.]+, by "
          "which"},
