@@ -147,6 +147,7 @@ MAModelSettings RiskRatiosByAllocation()
     MAModelSettings settings;
     settings.SetOutcomesType(MAConst::OUTCOME_BINARY);
     settings.SetBinaryEstType(MAConst::BIN_RISK_RATIO);
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
     settings.SetTreatmentSuccessIndex(VACCINATED_CASES);
     settings.SetTreatmentFailureIndex(VACCINATED_HEALTHY);
     settings.SetControlSuccessIndex(CONTROL_CASES);
@@ -217,6 +218,7 @@ MARegSettings RegressionOnLatitude(const MAIterator& studies, Session& session)
     latitude.AddCovariate(LATITUDE);
     settings.AddModelEffect(latitude);
     settings.SetEstTauType("REML");
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
     settings.SetTestDistType(MAConst::TEST_STANDARD_NORMAL);
     settings.SetCancelObject(&session);
     settings.SetRecProgressListener(&session);

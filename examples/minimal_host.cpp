@@ -13,11 +13,13 @@ using namespace MA_NAMESPACE;
 
 int main()
 {
-    // The variables, and which of them holds what; every other setting keeps its default: odds ratios,
-    // random effects by restricted maximum likelihood, 95% intervals.
+    // The variables, and which of them holds what; but for the search every other setting keeps its
+    // default: odds ratios, random effects by restricted maximum likelihood, 95% intervals.
     KXVarList variables;
     MAModelSettings settings;
     settings.SetOutcomesType(MAConst::OUTCOME_BINARY);
+    // The default, scoring steps, can miss the between-study variance that the estimator defines.
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
     settings.SetTreatmentSuccessIndex(variables.AddContVar("vaccinated_cases", "Cases, vaccinated"));
     settings.SetTreatmentFailureIndex(variables.AddContVar("vaccinated_healthy", "Healthy, vaccinated"));
     settings.SetControlSuccessIndex(variables.AddContVar("control_cases", "Cases, not vaccinated"));

@@ -1,6 +1,9 @@
 #include "host/Analysis.h"
 
 #include "host/RegressionSettings.h"
+#include "host/StatusText.h"
+
+#include <type_traits>
 
 using namespace MA_NAMESPACE;
 
@@ -11,8 +14,13 @@ namespace {
 Analysis NewAnalysis(const MAModelSettings& settings)
 {
     if (settings.GetOutcomesType() == MAConst::OUTCOME_BINARY)
-        return {.model = MABinModel(settings), .status = {}, .testStatus = {}, .bubbleStatus = {}};
-    return {.model = MAContModel(settings), .status = {}, .testStatus = {}, .bubbleStatus = {}};
+        return {.model = MABinModel(settings),
+                .status = {},
+                .testStatus = {},
+                .bubbleStatus = {},
+                .globalTau2 = {}};
+    return {
+        .model = MAContModel(settings), .status = {}, .testStatus = {}, .bubbleStatus = {}, .globalTau2 = {}};
 }
 
 KXStatus TestOverall(MABinModel& model, Request& request)
@@ -47,6 +55,19 @@ KXStatus RunSmallStudyTest(Model& model, Request& request)
     if (status.IsError())
         return status;
     return model.RegBasedTest(request.records, request.variables, TestSettings(request.settings));
+}
+
+/// The same models without what goes beyond them.
+template <class Model>
+std::vector<double> Tau2ByGlobalSearch(Request& request)
+{
+    MAModelSettings settings = request.settings;
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    settings.SetIsTRIMFILL(false);
+    settings.SetCommulativeIndex(-1);
+    Model model(settings);
+    model.RUN(request.records, request.variables);
+    return model.GetTau2Var();
 }
 
 KXStatus PlotBubbles(MABaseModel& model, Request& request)
@@ -92,6 +113,8 @@ Analysis RunAnalysis(Request& request)
                 analysis.testStatus = RunSmallStudyTest(model, request);
             if (!request.bubbleCovariates.empty())
                 analysis.bubbleStatus = PlotBubbles(model, request);
+            if (HasTau2Doubt(model.GetWarnings()))
+                analysis.globalTau2 = Tau2ByGlobalSearch<std::remove_reference_t<decltype(model)>>(request);
         },
         analysis.model);
     return analysis;

@@ -10,6 +10,7 @@
 #include <cstddef>
 #include <optional>
 #include <variant>
+#include <vector>
 
 namespace host {
 
@@ -25,6 +26,9 @@ struct Analysis
     /// The studies that trim-and-fill trims. Kept from the run: where the side follows from the small-study
     /// test in the run, a later test of another type changes what the model says.
     MAConst::TRIMFSIDE trimmedSide = MAConst::TRIM_SIDE_AUTO;
+
+    /// tau² of each model by the global search, when the run's own is doubtful (460100); else empty.
+    std::vector<double> globalTau2;
 
     const MA_NAMESPACE::MABaseModel& Base() const;
     RecordUse Records(std::size_t read) const;

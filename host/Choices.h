@@ -61,6 +61,23 @@ inline constexpr std::array TAU2_CHOICES{
     Choice{"eb", MAConst::TAU2_EB},
 };
 
+inline constexpr std::array TAU2_SEARCH_CHOICES{
+    Choice{"global", MAConst::TAU2_SEARCH_GLOBAL},
+    Choice{"scoring", MAConst::TAU2_SEARCH_SCORING},
+};
+
+inline constexpr std::array TAU2_INTERVAL_CHOICES{
+    Choice{"q-profile", MAConst::TAU2_INTERVAL_Q_PROFILE},
+    Choice{"profile-likelihood", MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD},
+    Choice{"none", MAConst::TAU2_INTERVAL_NONE},
+};
+
+inline constexpr std::array PREDICTION_CHOICES{
+    Choice{"t-k-2", MAConst::PREDICTION_T_K_MINUS_2},
+    Choice{"t-k-1", MAConst::PREDICTION_T_K_MINUS_1},
+    Choice{"normal", MAConst::PREDICTION_NORMAL},
+};
+
 inline constexpr std::array KNAPP_HARTUNG_CHOICES{
     Choice{"none", MAConst::KNAPP_HARTUNG_NONE},
     Choice{"adjusted", MAConst::KNAPP_HARTUNG_ADJUSTED},

@@ -130,13 +130,24 @@ std::vector<OptionDefinition> OutputOptions(Options& options)
     return all;
 }
 
+/// The option, which is noted when it is given.
+OptionDefinition Noted(OptionDefinition definition, std::set<std::string>& given)
+{
+    definition.store = [store = std::move(definition.store), name = definition.name,
+                        &given](const std::string& text) {
+        store(text);
+        given.insert(name);
+    };
+    return definition;
+}
+
 void AddOptions(CommandParser& parser)
 {
     CLI::App& app = *parser.app;
     app.allow_extras();
     app.add_option("DATA", parser.options.dataPath, "CSV file with the data")->type_name("FILE");
     for (const OptionDefinition& definition : DefineOptions(parser.options))
-        AddOption(app, definition);
+        AddOption(app, Noted(definition, parser.options.given));
     for (const OptionDefinition& definition : OutputOptions(parser.options))
         AddOption(app, definition);
     app.footer(EXIT_STATUSES);

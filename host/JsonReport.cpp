@@ -1,10 +1,8 @@
 #include "host/JsonReport.h"
 
-#include "host/JsonValue.h"
 #include "host/OptionDefinitions.h"
 #include "host/ProgramInfo.h"
 #include "host/Results.h"
-#include "host/StatusText.h"
 
 namespace host {
 
@@ -55,9 +53,12 @@ void Append(std::string& text, const Json& value, const std::string& indent = ""
 
 std::string RenderJson(const Options& options, const JsonParts& parts)
 {
+    Json codes = Json::array();
     Json sentences = Json::array();
-    for (const KXStatus& warning : parts.warnings)
-        sentences.push_back(SentenceOf(warning.GetCode()));
+    for (const ShownWarning& warning : parts.warnings) {
+        codes.push_back(warning.code);
+        sentences.push_back(warning.sentence);
+    }
     const Json report = {{"schema", SCHEMA},
                          {"program", PROGRAM_NAME},
                          {"version", PROGRAM_VERSION},
@@ -65,7 +66,7 @@ std::string RenderJson(const Options& options, const JsonParts& parts)
                          {"settings", SettingsOf(options)},
                          {"records", RecordsOf(parts.records)},
                          {"status", StatusOf(parts.status)},
-                         {"warnings", ToJson(parts.warnings)},
+                         {"warnings", codes},
                          {"messages", sentences},
                          {"results", parts.results}};
     std::string text;
@@ -73,10 +74,11 @@ std::string RenderJson(const Options& options, const JsonParts& parts)
     return text + '\n';
 }
 
-std::string RenderJson(const Options& options, const DataTable& table, const Analysis& analysis)
+std::string RenderJson(const Options& options, const DataTable& table, const Request& request,
+                       const Analysis& analysis)
 {
     return RenderJson(options, {analysis.Records(table.RowCount()), analysis.FinalStatus(),
-                                analysis.Base().GetWarnings(), ResultsOf(analysis)});
+                                WarningsOf(ReportSource(request, analysis)), ResultsOf(analysis)});
 }
 
 } // namespace host

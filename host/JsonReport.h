@@ -4,6 +4,7 @@
 #include "host/DataTable.h"
 #include "host/Options.h"
 #include "host/RecordUse.h"
+#include "host/Warnings.h"
 
 #include "meta_analysis/platform/common/KXStatus.h"
 
@@ -19,13 +20,14 @@ struct JsonParts
 {
     RecordUse records;
     KXStatus status;
-    std::vector<KXStatus> warnings;
+    std::vector<ShownWarning> warnings;
     nlohmann::ordered_json results;
 };
 
 /// A run as one JSON object, for programs; also of one that ended with an error. Record numbers in it
 /// count from 0. Doubles are written with as many digits as it takes to read back the same double.
 std::string RenderJson(const Options& options, const JsonParts& parts);
-std::string RenderJson(const Options& options, const DataTable& table, const Analysis& analysis);
+std::string RenderJson(const Options& options, const DataTable& table, const Request& request,
+                       const Analysis& analysis);
 
 } // namespace host

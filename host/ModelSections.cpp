@@ -3,12 +3,9 @@
 #include "host/ReportParts.h"
 #include "host/ZeroCells.h"
 
-#include "meta_analysis/platform/common/KXMV.h"
-
 #include <fmt/format.h>
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 
 using namespace MA_NAMESPACE;
@@ -18,14 +15,6 @@ namespace host {
 namespace {
 
 using Rows = std::vector<std::vector<double>>;
-
-std::vector<double> SquareRoots(std::vector<double> values)
-{
-    for (double& value : values)
-        if (!KXMV::IsMissing(value))
-            value = std::sqrt(value);
-    return values;
-}
 
 /// The last step of each row, with which all its studies are in.
 std::vector<double> LastSteps(const Rows& rows)
@@ -96,6 +85,75 @@ ReportSection CumulativeSection(const ReportSource& source, std::size_t group)
     return section;
 }
 
+/// The estimates with their intervals, or alone where none has one.
+ReportColumn EstimateColumn(const ReportSource& source, const std::string& symbol, const Estimates& estimates)
+{
+    if (!HasAnyValue(estimates.lower))
+        return {symbol, TextsOf(estimates.values, NumberText)};
+    return {source.IntervalHeader(symbol), EstimateTexts(estimates)};
+}
+
+ReportColumn I2Column(const ReportSource& source)
+{
+    constexpr int decimals = 2;
+    const Estimates percent = {InPercent(source.base.GetI2Index()), InPercent(source.base.GetI2CILower()),
+                               InPercent(source.base.GetI2CIUpper())};
+    if (HasAnyValue(percent.lower))
+        return {source.IntervalHeader("I² %"), EstimateTexts(percent, decimals)};
+    return {"I² %", TextsOf(percent.values, [](double value) { return FixedText(value, decimals); })};
+}
+
+/// "Overall: " where there are several models.
+std::string Opening(const std::vector<std::string>& labels, std::size_t model)
+{
+    return labels.size() > 1 ? labels[model] + ": " : "";
+}
+
+/// What a reader should know of the intervals of tau².
+void AppendIntervalSentences(ReportSection& section, const ReportSource& source)
+{
+    const std::vector<double> upper = source.base.GetTau2CIUpper();
+    const MAConst::TAU2INTERVAL method = source.settings.GetTau2Interval();
+    if (!HasAnyValue(upper))
+        return;
+    section.sentences.push_back(fmt::format("The intervals of tau², tau, I² and H² are {} intervals.",
+                                            WordingOfTau2Interval(method)));
+    const std::vector<std::string> labels = source.RowLabels(upper.size());
+    for (std::size_t i = 0; i < upper.size(); ++i)
+        if (upper[i] == 0 && method == MAConst::TAU2_INTERVAL_Q_PROFILE)
+            section.sentences.push_back(Opening(labels, i) + EMPTY_Q_PROFILE);
+}
+
+void AppendDoubtfulEnds(ReportSection& section, const ReportSource& source)
+{
+    const std::vector<double> convergence = source.base.GetTau2Convergence();
+    const std::vector<std::string> labels = source.RowLabels(convergence.size());
+    for (std::size_t i = 0; i < convergence.size(); ++i)
+        if (const std::string doubt = WordingOfDoubtfulEnd(convergence[i]); !doubt.empty())
+            section.sentences.push_back(Opening(labels, i) + doubt + '.');
+}
+
+std::string TitleOfPrediction(const ReportSource& source)
+{
+    const std::string rule = WordingOfPrediction(source.settings.GetPrediction());
+    return source.level + " prediction interval" + (rule.empty() ? "" : ", " + rule);
+}
+
+/// The probability beyond the threshold that is asked for, if any.
+void AppendProbability(ReportSection& section, const ReportSource& source)
+{
+    const double above = source.settings.GetProbabilityAbove();
+    const double below = source.settings.GetProbabilityBelow();
+    if (!HasAnyValue({above, below}))
+        return;
+    const bool isAbove = HasValue(above);
+    const std::string symbol =
+        fmt::format("P({} {} {})", source.effect.symbol, isAbove ? '>' : '<', isAbove ? above : below);
+    section.table.push_back({symbol, TextsOf(source.base.GetPIProbability(), PValueText)});
+    section.sentences.push_back(symbol + ": probability that the true effect of a new study is " +
+                                (isAbove ? "above" : "below") + " that value.");
+}
+
 /// The interval that fixed-effect models take from Q alone, where Q is far below its degrees of freedom.
 bool HasI2WithoutWidth(const MABaseModel& base)
 {
@@ -144,12 +202,13 @@ ReportSection PredictionInterval(const ReportSource& source)
     if (!HasAnyValue(effects.lower))
         return {};
     ReportSection section = {
-        source.level + " prediction interval", {{"", source.RowLabels(effects.lower.size()), true}}, {}};
+        TitleOfPrediction(source), {{"", source.RowLabels(effects.lower.size()), true}}, {}};
     if (source.binary)
         section.table.push_back(
             {source.effect.symbol,
              EstimateTexts({{}, source.binary->GetExpPILower(), source.binary->GetExpPIUpper()})});
     section.table.push_back({source.effect.AnalysisSymbol(), EstimateTexts(effects, source.decimals)});
+    AppendProbability(section, source);
     return section;
 }
 
@@ -157,32 +216,40 @@ ReportSection Heterogeneity(const ReportSource& source)
 {
     const MABaseModel& base = source.base;
     const std::vector<double> q = base.GetHomoTestChisquareQ();
-    ReportSection section = {"Heterogeneity", {{"", source.RowLabels(q.size()), true}}, {}};
     const auto asCount = [](double value) { return FixedText(value, 0); };
-    const auto asPercent = [](double value) { return FixedText(value, 2); };
-    section.table.push_back({"Q", TextsOf(q, NumberText)});
-    section.table.push_back({"df", TextsOf(base.GetHomoTestdf(), asCount)});
-    section.table.push_back({"p", TextsOf(base.GetHomoTestSig(), PValueText)});
-    if (HasAnyValue(base.GetTau2Var())) {
-        section.table.push_back({"tau²", TextsOf(base.GetTau2Var(), NumberText)});
-        section.table.push_back({"tau", TextsOf(SquareRoots(base.GetTau2Var()), NumberText)});
-    }
-    if (HasAnyValue(base.GetI2CILower())) {
-        section.table.push_back({source.IntervalHeader("I² %"),
-                                 EstimateTexts({InPercent(base.GetI2Index()), InPercent(base.GetI2CILower()),
-                                                InPercent(base.GetI2CIUpper())},
-                                               2)});
-        section.table.push_back(
-            {source.IntervalHeader("H²"),
-             EstimateTexts({base.GetH2Index(), base.GetH2CILower(), base.GetH2CIUpper()})});
-    } else {
-        section.table.push_back({"I² %", TextsOf(InPercent(base.GetI2Index()), asPercent)});
-        section.table.push_back({"H²", TextsOf(base.GetH2Index(), NumberText)});
-    }
+    ReportSection section = {
+        "Heterogeneity",
+        {{"", source.RowLabels(q.size()), true},
+         {"Q", TextsOf(q, NumberText)},
+         {"df", TextsOf(base.GetHomoTestdf(), asCount)},
+         {"p", TextsOf(base.GetHomoTestSig(), PValueText)},
+         I2Column(source),
+         EstimateColumn(source, "H²", {base.GetH2Index(), base.GetH2CILower(), base.GetH2CIUpper()})},
+        {}};
     if (HasI2WithoutWidth(base))
         section.sentences.push_back(
             "An I² of 0 with the interval [0, 0] is no certainty: where Q is far below its degrees of "
             "freedom, the formula of the interval gives nothing else.");
+    return section;
+}
+
+ReportSection BetweenStudyVariance(const ReportSource& source)
+{
+    const MABaseModel& base = source.base;
+    const Estimates tau2 = {base.GetTau2Var(), base.GetTau2CILower(), base.GetTau2CIUpper()};
+    if (!HasAnyValue(tau2.values))
+        return {};
+    ReportSection section = {
+        "Variance between studies", {{"", source.RowLabels(tau2.values.size()), true}}, {}};
+    section.table.push_back(EstimateColumn(source, "tau²", tau2));
+    section.table.push_back(EstimateColumn(
+        source, "tau", {SquareRoots(tau2.values), SquareRoots(tau2.lower), SquareRoots(tau2.upper)}));
+    if (HasAnyValue(base.GetLogLikelihood())) {
+        section.table.push_back({"log-likelihood", TextsOf(base.GetLogLikelihood(), NumberText)});
+        section.table.push_back({"AIC", TextsOf(base.GetAIC(), NumberText)});
+    }
+    AppendIntervalSentences(section, source);
+    AppendDoubtfulEnds(section, source);
     return section;
 }
 

@@ -15,6 +15,7 @@ EffectRows PooledRows(const ReportSource& source);
 ReportSection PooledEffect(const ReportSource& source);
 ReportSection PredictionInterval(const ReportSource& source);
 ReportSection Heterogeneity(const ReportSource& source);
+ReportSection BetweenStudyVariance(const ReportSource& source);
 ReportSection BetweenGroups(const ReportSource& source);
 
 /// A section for each group, or one for all studies.

@@ -96,6 +96,14 @@ std::vector<double> InPercent(std::vector<double> fractions)
     return fractions;
 }
 
+std::vector<double> SquareRoots(std::vector<double> values)
+{
+    for (double& value : values)
+        if (!KXMV::IsMissing(value))
+            value = std::sqrt(value);
+    return values;
+}
+
 int DecimalsFor(const std::vector<double>& stdErrors)
 {
     double smallest = 1;

@@ -28,6 +28,9 @@ std::string PercentText(double fraction, int decimals);
 /// The numbers times 100; missing stays missing.
 std::vector<double> InPercent(std::vector<double> fractions);
 
+/// Missing stays missing.
+std::vector<double> SquareRoots(std::vector<double> values);
+
 /// Decimals that suit effects with these standard errors: three significant digits of the smallest, but no
 /// less than four.
 int DecimalsFor(const std::vector<double>& stdErrors);

@@ -2,6 +2,8 @@
 
 #include "host/AnalysisOptions.h"
 #include "host/OptionKinds.h"
+#include "host/Presets.h"
+#include "host/RandomEffectsOptions.h"
 
 using namespace MA_NAMESPACE;
 
@@ -179,10 +181,14 @@ std::vector<OptionDefinition> DefineOptions(Options& options)
     AppendGroup(all, "Effect size", EffectsOf(options));
     if (options.command == Command::REGRESSION)
         AppendGroup(all, "Predictors", RegressionTerms(options.regression));
+    AppendGroup(all, "Model", {PresetOption(options)});
     AppendGroup(all, "Model", ModelOf(options.settings));
     AppendGroup(all, "Model",
                 options.command == Command::REGRESSION ? RegressionTests(options.regression)
                                                        : PoolingOf(options.settings));
+    AppendGroup(all, "Random-effects model", BetweenStudyVariance(options.settings));
+    if (options.command != Command::REGRESSION)
+        AppendGroup(all, "Random-effects model", Predictions(options.settings));
     AppendGroup(all, "Iteration", IterationOf(options.settings));
     if (options.command != Command::REGRESSION)
         AppendAnalysisOptions(all, options);

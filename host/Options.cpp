@@ -2,6 +2,8 @@
 
 #include "host/Choices.h"
 #include "host/OptionDefinitions.h"
+#include "host/Presets.h"
+#include "host/RandomEffectsOptions.h"
 #include "host/Wording.h"
 
 #include <algorithm>
@@ -130,11 +132,14 @@ Options::Options(Command ofCommand) : command(ofCommand)
     settings.SetOutcomesType(command == Command::BINARY ? MAConst::OUTCOME_BINARY
                                                         : MAConst::OUTCOME_CONTINUOUS);
     settings.SetInputESType(hasTables ? MAConst::INPUT_RAW : MAConst::INPUT_READY_MADE);
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    settings.SetTau2Interval(MAConst::TAU2_INTERVAL_Q_PROFILE);
     settings.SetPooledZeroCells(MAConst::POOLED_ZERO_CELLS_IF_NEEDED);
 }
 
 void Resolve(Options& options)
 {
+    ApplyPreset(options);
     RequireColumns(options);
     if (options.command == Command::REGRESSION)
         CheckRegression(options);
@@ -143,6 +148,7 @@ void Resolve(Options& options)
     CheckContours(options);
     if (options.readyMadeEffect)
         ResolveReadyMadeEffect(*options.readyMadeEffect, options.settings);
+    CheckRandomEffects(options);
     CheckFixedModelOptions(options);
     CheckNullOfRatio(options.settings);
     CheckIterations(options.settings);

@@ -6,6 +6,7 @@
 #include "meta_analysis/settings/MAModelSettings.h"
 
 #include <optional>
+#include <set>
 #include <string>
 #include <vector>
 
@@ -31,6 +32,8 @@ struct Options
 
     Command command;
     std::vector<std::string> arguments; ///< as given
+    std::set<std::string> given;        ///< names of the options that the command line has
+    std::optional<std::string> preset;
     std::string dataPath;
     std::optional<std::string> jsonPath; ///< "-" for standard output
     std::optional<std::string> htmlPath;

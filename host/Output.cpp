@@ -257,7 +257,7 @@ ExitStatus WriteOutput(const Options& options, const DataTable& table, const Req
 {
     return WriteOutput(options,
                        {analysis.status, [&] { return MakeReport(options, table, request, analysis); },
-                        [&] { return RenderJson(options, table, analysis); }, analysis.FinalStatus(),
+                        [&] { return RenderJson(options, table, request, analysis); }, analysis.FinalStatus(),
                         [&] { return MakePictures(request, analysis); }});
 }
 

@@ -25,7 +25,7 @@ int AnalyseRegression(const Options& options, const DataTable& table)
     const auto makeReport = [&] { return MakeRegressionReport(options, request, analysis); };
     const auto makeJson = [&] {
         return RenderJson(
-            options, {analysis.records, analysis.status, analysis.warnings, ResultsOf(request, analysis)});
+            options, {analysis.records, analysis.status, WarningsOf(analysis), ResultsOf(request, analysis)});
     };
     return WriteOutput(options, {analysis.status, makeReport, makeJson});
 }

@@ -1,6 +1,7 @@
 #include "host/RegressionAnalysis.h"
 
 #include "host/Progress.h"
+#include "host/StatusText.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/ProgressListener.h"
@@ -61,6 +62,17 @@ RecordUse UseOf(const std::vector<Record>& records, const RegressionAnalysis& an
 }
 
 template <class Engine>
+double Tau2ByGlobalSearch(const RegressionRequest& request)
+{
+    MARegSettings settings = request.settings;
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    Engine engine(settings);
+    VectorRecordIter records(request.records);
+    engine.BuildModel(records);
+    return MARegOutputStats(settings, engine).GetTau();
+}
+
+template <class Engine>
 RegressionAnalysis Run(const RegressionRequest& request)
 {
     Progress progress;
@@ -81,6 +93,8 @@ RegressionAnalysis Run(const RegressionRequest& request)
                       static_cast<long>(request.records.size()));
         analysis.scores.push_back(ScoreOf(engine, record));
     }
+    if (HasTau2Doubt(analysis.warnings))
+        analysis.globalTau2 = Tau2ByGlobalSearch<Engine>(request);
     analysis.records = UseOf(request.records, analysis);
     return analysis;
 }

@@ -32,6 +32,7 @@ struct RegressionAnalysis
     std::unique_ptr<const MA_NAMESPACE::MARegOutputStats> output; ///< also after an error: what there is
     std::vector<std::optional<Score>> scores;                     ///< one a record; none for an unusable one
     RecordUse records;
+    std::optional<double> globalTau2; ///< by the global search, when the model's own is doubtful (460100)
 };
 
 /// Runs the engine of the model, fixed or random, and scores every record.

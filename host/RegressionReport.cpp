@@ -6,7 +6,6 @@
 
 #include <fmt/format.h>
 
-#include <cmath>
 #include <cstddef>
 #include <string>
 #include <utility>
@@ -43,6 +42,7 @@ public:
     ReportSection Coefficients() const;
     ReportSection ModelTest() const;
     ReportSection Heterogeneity() const;
+    ReportSection BetweenStudyVariance() const;
     ReportSection Dispersion() const;
 
 private:
@@ -59,6 +59,13 @@ private:
     ReportColumn EffectColumn(const char* header, const std::vector<double>& values) const
     {
         return {header, TextsOf(values, [this](double value) { return FixedText(value, decimals_); })};
+    }
+
+    ReportColumn VarianceColumn(const char* header, const Estimates& estimates) const
+    {
+        if (!HasAnyValue(estimates.lower))
+            return {header, TextsOf(estimates.values, NumberText)};
+        return {IntervalHeader(header), EstimateTexts(estimates)};
     }
 
     Texts ParameterNames() const;
@@ -176,14 +183,33 @@ ReportSection RegressionReportMaker::Heterogeneity() const
                               Cell("df", FixedText(output_.GetResHomoDf(), 0)),
                               Cell("p", PValueText(output_.GetResHomoPValue()))},
                              {}};
-    if (isRandom_) {
-        section.table.push_back(Cell("tau²", NumberText(output_.GetTau())));
-        section.table.push_back(Cell("tau", NumberText(std::sqrt(output_.GetTau()))));
-    }
     section.table.push_back(Cell("I² %", PercentText(output_.GetIresSquare())));
     section.table.push_back(Cell("H²", NumberText(output_.GetHresSquare())));
     if (isRandom_)
         section.table.push_back(Cell("R² %", PercentText(output_.GetRSquare())));
+    return section;
+}
+
+ReportSection RegressionReportMaker::BetweenStudyVariance() const
+{
+    if (!isRandom_)
+        return {};
+    const Estimates tau2 = {{output_.GetTau()}, {output_.GetTau2CILower()}, {output_.GetTau2CIUpper()}};
+    const Estimates tau = {SquareRoots(tau2.values), SquareRoots(tau2.lower), SquareRoots(tau2.upper)};
+    ReportSection section = {
+        "Residual variance between studies", {VarianceColumn("tau²", tau2), VarianceColumn("tau", tau)}, {}};
+    if (HasAnyValue({output_.GetLogLikelihood()})) {
+        section.table.push_back(Cell("log-likelihood", NumberText(output_.GetLogLikelihood())));
+        section.table.push_back(Cell("AIC", NumberText(output_.GetAIC())));
+    }
+    const MAConst::TAU2INTERVAL method = request_.settings.GetTau2Interval();
+    if (HasAnyValue(tau2.upper))
+        section.sentences.push_back(
+            fmt::format("The intervals are {} intervals.", WordingOfTau2Interval(method)));
+    if (method == MAConst::TAU2_INTERVAL_Q_PROFILE && tau2.upper.front() == 0)
+        section.sentences.emplace_back(EMPTY_Q_PROFILE);
+    if (const std::string doubt = WordingOfDoubtfulEnd(output_.GetTau2Convergence()); !doubt.empty())
+        section.sentences.push_back(doubt + '.');
     return section;
 }
 
@@ -205,12 +231,14 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
 {
     const RegressionReportMaker maker(options, request, analysis);
     std::vector<ReportSection> sections = {RecordsSection(options.dataPath, analysis.records),
+                                           PresetSection(options),
                                            maker.Studies(),
                                            maker.Coefficients(),
                                            maker.ModelTest(),
                                            maker.Heterogeneity(),
+                                           maker.BetweenStudyVariance(),
                                            maker.Dispersion(),
-                                           WarningsSection(analysis.warnings)};
+                                           WarningsSection(WarningsOf(analysis))};
     return {maker.Title(), WithoutEmpty(std::move(sections))};
 }
 

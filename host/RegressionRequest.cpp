@@ -29,6 +29,7 @@ void RequireTaken(bool isTaken)
 MARegSettings SettingsOf(const Options& options)
 {
     MARegSettings settings = RegressionSettings(options.settings);
+    settings.SetTau2Interval(options.settings.GetTau2Interval());
     settings.SetInterceptUse(!options.regression.noIntercept);
     settings.SetMultiDiser(options.regression.dispersion);
     settings.SetTestDistType(options.regression.normalTests ? MAConst::TEST_STANDARD_NORMAL

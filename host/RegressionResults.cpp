@@ -41,6 +41,14 @@ Json ResultsOf(const RegressionRequest& request, const RegressionAnalysis& analy
     results["NGoodRecords"] = ToJson(output.GetNGoodRecords());
     results["NBadRecords"] = ToJson(output.GetNBadRecords());
     results["Tau"] = ToJson(output.GetTau());
+    results["Tau2CILower"] = ToJson(output.GetTau2CILower());
+    results["Tau2CIUpper"] = ToJson(output.GetTau2CIUpper());
+    results["Tau2Convergence"] = ToJson(output.GetTau2Convergence());
+    results["Tau2Evaluations"] = ToJson(output.GetTau2Evaluations());
+    results["LogLikelihood"] = ToJson(output.GetLogLikelihood());
+    results["AIC"] = ToJson(output.GetAIC());
+    results["BIC"] = ToJson(output.GetBIC());
+    results["AICc"] = ToJson(output.GetAICc());
     results["Estimation"] = ToJson(output.GetEstimation());
     results["Parameters"] = NamesOf(output.GetParameters(), request);
     results["RedundancyInfo"] = ToJson(output.GetRedundancyInfo());

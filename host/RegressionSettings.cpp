@@ -35,6 +35,7 @@ MARegSettings RegressionSettings(const MAModelSettings& settings)
     MARegSettings regression;
     regression.SetInterceptUse(true);
     regression.SetEstTauType(CodeOf(settings.GetEstTauType()));
+    regression.SetTau2Search(settings.GetTau2Search());
     regression.SetKnapHartAdjust(adjustment != MAConst::KNAPP_HARTUNG_NONE);
     regression.SetTruncAjustValue(adjustment == MAConst::KNAPP_HARTUNG_TRUNCATED);
     regression.SetConfidenceLevel(settings.GetCILevel());

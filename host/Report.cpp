@@ -73,8 +73,9 @@ void Append(std::vector<ReportSection>& sections, std::vector<ReportSection> mor
 
 std::vector<ReportSection> AnalysisSections(const ReportSource& source)
 {
-    std::vector<ReportSection> sections = {Studies(source), PooledEffect(source), PredictionInterval(source),
-                                           Heterogeneity(source), BetweenGroups(source)};
+    std::vector<ReportSection> sections = {
+        Studies(source),       PooledEffect(source),         PredictionInterval(source),
+        Heterogeneity(source), BetweenStudyVariance(source), BetweenGroups(source)};
     Append(sections, CumulativeAnalysis(source));
     sections.push_back(Contrasts(source));
     Append(sections, TrimAndFill(source));
@@ -91,10 +92,10 @@ Report MakeReport(const Options& options, const DataTable& table, const Request&
 {
     const ReportSource source(request, analysis);
     const RecordUse records = analysis.Records(table.RowCount());
-    std::vector<ReportSection> sections = {RecordsSection(options.dataPath, records)};
+    std::vector<ReportSection> sections = {RecordsSection(options.dataPath, records), PresetSection(options)};
     if (!records.used.empty())
         Append(sections, AnalysisSections(source));
-    sections.push_back(WarningsSection(source.base.GetWarnings()));
+    sections.push_back(WarningsSection(WarningsOf(source)));
     return {Title(source), WithoutEmpty(std::move(sections))};
 }
 

@@ -1,7 +1,7 @@
 #include "host/ReportParts.h"
 
 #include "host/NumberText.h"
-#include "host/StatusText.h"
+#include "host/Presets.h"
 
 #include <fmt/format.h>
 
@@ -18,11 +18,19 @@ ReportSection RecordsSection(const std::string& dataPath, const RecordUse& recor
     return section;
 }
 
-ReportSection WarningsSection(const std::vector<KXStatus>& warnings)
+ReportSection WarningsSection(const std::vector<ShownWarning>& warnings)
 {
     ReportSection section = {"Warnings", {}, {}};
-    for (const KXStatus& warning : warnings)
-        section.sentences.push_back(fmt::format("{}: {}", warning.GetCode(), SentenceOf(warning.GetCode())));
+    for (const ShownWarning& warning : warnings)
+        section.sentences.push_back(fmt::format("{}: {}", warning.code, warning.sentence));
+    return section;
+}
+
+ReportSection PresetSection(const Options& options)
+{
+    ReportSection section = {"Preset", {}, {}};
+    if (options.preset)
+        section.sentences.push_back(PresetSentence(options));
     return section;
 }
 

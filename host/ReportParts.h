@@ -2,8 +2,7 @@
 
 #include "host/RecordUse.h"
 #include "host/Report.h"
-
-#include "meta_analysis/platform/common/KXStatus.h"
+#include "host/Warnings.h"
 
 #include <algorithm>
 #include <string>
@@ -17,13 +16,21 @@ namespace host {
 ReportSection RecordsSection(const std::string& dataPath, const RecordUse& records);
 
 /// Every warning with its code and a sentence.
-ReportSection WarningsSection(const std::vector<KXStatus>& warnings);
+ReportSection WarningsSection(const std::vector<ShownWarning>& warnings);
+
+/// The preset with its settings, when there is one.
+ReportSection PresetSection(const Options& options);
 
 /// The sections that have something to show.
 std::vector<ReportSection> WithoutEmpty(std::vector<ReportSection> sections);
 
 /// A label as one line of text, whatever the field held.
 std::string LabelText(std::string label);
+
+/// Of a Q-profile interval that ends at 0.
+inline constexpr const char* EMPTY_Q_PROFILE = "The effects vary less than sampling error alone makes "
+                                               "likely, whatever tau² is: the Q-profile interval is "
+                                               "empty, and given as [0, 0] by convention.";
 
 bool HasAnyValue(const std::vector<double>& values);
 

@@ -56,6 +56,15 @@ void AddModels(Json& results, const MABaseModel& model)
     results["PILower"] = ToJson(model.GetPILower());
     results["PIUpper"] = ToJson(model.GetPIUpper());
     results["Tau2Var"] = ToJson(model.GetTau2Var());
+    results["Tau2CILower"] = ToJson(model.GetTau2CILower());
+    results["Tau2CIUpper"] = ToJson(model.GetTau2CIUpper());
+    results["Tau2Convergence"] = ToJson(model.GetTau2Convergence());
+    results["Tau2Evaluations"] = ToJson(model.GetTau2Evaluations());
+    results["LogLikelihood"] = ToJson(model.GetLogLikelihood());
+    results["AIC"] = ToJson(model.GetAIC());
+    results["BIC"] = ToJson(model.GetBIC());
+    results["AICc"] = ToJson(model.GetAICc());
+    results["PIProbability"] = ToJson(model.GetPIProbability());
     results["HomoTestChisquareQ"] = ToJson(model.GetHomoTestChisquareQ());
     results["HomoTestdf"] = ToJson(model.GetHomoTestdf());
     results["HomoTestSig"] = ToJson(model.GetHomoTestSig());

@@ -4,6 +4,8 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
+
 using namespace MA_NAMESPACE;
 
 namespace host {
@@ -105,6 +107,13 @@ std::string SentenceOf(int statusCode)
         if (entry.code == statusCode)
             return entry.sentence;
     return fmt::format("The library gives no meaning to code {}.", statusCode);
+}
+
+bool HasTau2Doubt(const std::vector<KXStatus>& warnings)
+{
+    return std::any_of(warnings.begin(), warnings.end(), [](const KXStatus& warning) {
+        return warning.GetCode() == MAStatusCode::TAU2_DOUBTFUL;
+    });
 }
 
 } // namespace host

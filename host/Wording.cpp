@@ -156,6 +156,44 @@ std::string WordingOfNullHypothesis(const MAModelSettings& settings)
                        PoolsTables(settings) ? effect.symbol : effect.AnalysisSymbol(), null);
 }
 
+std::string WordingOfPrediction(MAConst::PREDICTIONTYPE prediction)
+{
+    switch (prediction) {
+    case MAConst::PREDICTION_T_K_MINUS_2:
+        return {};
+    case MAConst::PREDICTION_T_K_MINUS_1:
+        return "Student's t with k - 1 degrees of freedom";
+    case MAConst::PREDICTION_NORMAL:
+        return "normal distribution";
+    }
+    return {};
+}
+
+std::string WordingOfTau2Interval(MAConst::TAU2INTERVAL interval)
+{
+    switch (interval) {
+    case MAConst::TAU2_INTERVAL_NONE:
+        return {};
+    case MAConst::TAU2_INTERVAL_Q_PROFILE:
+        return "Q-profile";
+    case MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD:
+        return "profile-likelihood";
+    }
+    return {};
+}
+
+std::string WordingOfDoubtfulEnd(double convergence)
+{
+    const auto is = [convergence](MAConst::TAU2CONVERGENCE end) {
+        return convergence == static_cast<int>(end);
+    };
+    if (is(MAConst::TAU2_ITERATION_LIMIT))
+        return "The scoring steps for tau² reached --max-iterations before one fell below --tolerance";
+    if (is(MAConst::TAU2_STEP_NOT_FINITE))
+        return "A scoring step for tau² was not a number; tau² is that before it";
+    return {};
+}
+
 std::string WordingOfLevel(const MAModelSettings& settings)
 {
     return fmt::format("{:.12g}%", 100 * settings.GetCILevel());

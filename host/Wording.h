@@ -39,6 +39,15 @@ std::string WordingOfTrimmingModel(const MA_NAMESPACE::MAModelSettings& settings
 /// What the test of the pooled effect has as null hypothesis, when that is not simply 0; else empty.
 std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& settings);
 
+/// The distribution of the prediction interval, when that is not the usual one; else empty.
+std::string WordingOfPrediction(MAConst::PREDICTIONTYPE prediction);
+
+/// The method of the interval of tau²: "Q-profile".
+std::string WordingOfTau2Interval(MAConst::TAU2INTERVAL interval);
+
+/// What is wrong with the end of an iteration; empty when nothing is.
+std::string WordingOfDoubtfulEnd(double convergence);
+
 /// The confidence level in percent: "95%".
 std::string WordingOfLevel(const MA_NAMESPACE::MAModelSettings& settings);
 

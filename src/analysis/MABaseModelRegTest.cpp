@@ -150,6 +150,7 @@ void MABaseModel::StoreTest(const MARegBaseTest& test)
     if (!test.HasResults())
         return;
     const MARegTestRun run = ResultsOf(test);
+    WarnOfTest(test);
     const MAPValue pValue = {run.significances.back(), run.log10Significances.back()};
     regressionTest_ = {run.coefficients.back(), run.stdErrors.back(),   run.statistics.back(), pValue,
                        run.lowerLimits.back(),  run.upperLimits.back(), test.GetResidualDf()};
@@ -193,9 +194,20 @@ KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarLis
     const KXStatus tested = isGroup ? test.Test(ofGroup) : test.Test(iterator);
     if (watched.Failure().IsError())
         return watched.Failure();
-    if (!tested.IsError() && test.HasResults())
+    if (!tested.IsError() && test.HasResults()) {
         regressionTests_.back() = ResultsOf(test);
+        WarnOfTest(test);
+    }
     return tested;
+}
+
+/// Of the warnings of a test's regression, the one that its figures are not what they are labelled.
+void MABaseModel::WarnOfTest(const MARegBaseTest& test)
+{
+    for (const KXStatus& warning : test.GetWarnings()) {
+        if (warning.GetCode() == MAStatusCode::TAU2_DOUBTFUL)
+            AddWarning(warning);
+    }
 }
 
 } // namespace MA_NAMESPACE

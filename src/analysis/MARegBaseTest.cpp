@@ -111,6 +111,7 @@ KXStatus MARegBaseTest::BuildWith(MARegSettings& testSettings, RegTestRecordIter
     const KXStatus built = engine.BuildModel(records);
     if (built.IsError())
         return built;
+    warnings_ = engine.GetWarnings();
     auto output = std::make_unique<MARegOutputStats>(testSettings, engine);
     if (!output->IsComplete())
         return KXStatus(MAStatusCode::OUT_OF_MEMORY);

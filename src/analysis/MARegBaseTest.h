@@ -52,6 +52,8 @@ public:
 
     /// Whether a test has succeeded.
     bool HasResults() const { return output_ != nullptr; }
+    /// Warnings of the meta-regression of the last test.
+    const std::vector<KXStatus>& GetWarnings() const { return warnings_; }
     /// Results, one entry per parameter; empty before a test has succeeded, and when memory runs out.
     std::vector<double> GetCoefficient() const;
     std::vector<double> GetBetaStandErr() const;
@@ -83,6 +85,7 @@ private:
     MAConst::RegBaseTestType test_;
     MAConst::MODELTYPE model_;
     std::unique_ptr<MARegOutputStats> output_;
+    std::vector<KXStatus> warnings_;
     bool dropBinZero_ = false;
     MAConst::ZEROADJTYPE zeroAdjustment_ = MAConst::ZERO_ADJUST_EACH;
 };

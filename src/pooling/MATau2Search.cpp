@@ -264,8 +264,10 @@ MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess)
         const double step = (q.value - target) * q.value / (target * -q.slope);
         const bool isSmall = std::abs(step) <= 4.0 * roundingUnit * (t + bounds.minVariance);
         const bool cannotStepBack = t == 0.0 || evaluations > 1;
-        if (std::isnan(step) || isSmall || (step <= 0.0 && cannotStepBack))
-            return {std::isnan(step) ? step : t, evaluations};
+        if (!std::isfinite(step) || q.slope == 0.0)
+            return {std::numeric_limits<double>::quiet_NaN(), evaluations};
+        if (isSmall || (step <= 0.0 && cannotStepBack))
+            return {t, evaluations};
         t = std::max(t + step, 0.0);
     }
 }

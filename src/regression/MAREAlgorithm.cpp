@@ -3,8 +3,11 @@
 #include "meta_analysis/pooling/MAHeterogeneity.h"
 #include "meta_analysis/pooling/MAKnappHartung.h"
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
+#include "meta_analysis/pooling/MATau2Interval.h"
+#include "meta_analysis/pooling/MATau2Search.h"
 #include "meta_analysis/regression/MADesignMatrix.h"
 #include "meta_analysis/regression/MARegFit.h"
+#include "meta_analysis/regression/MARegressionCurve.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAEstimatorCode.h"
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -67,12 +70,13 @@ KXStatus MAREAlgorithm::FitModel()
     if (settings_->IsKnapHartAdjust())
         ScaleByKnappHartung();
     fit_->ComputeCoefficientTests(UsesStudentT());
-    if (usedByRegBaseTest_)
+    if (!Passed(CheckTau2()) || usedByRegBaseTest_)
         return status_;
     TestModel(settings_->IsKnapHartAdjust());
     if (!Passed(MeasureHeterogeneity()))
         return status_;
     MeasureExplained();
+    MeasureLikelihood();
     return status_;
 }
 
@@ -146,9 +150,48 @@ KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::v
         estimator.SetVariances(variances);
     SetSearch(estimator);
     const KXStatus estimated = estimator.ComputeTau2Variance(static_cast<MAConst::TAU2ESTIMATOR>(type));
-    if (!estimated.IsError())
-        tau2_ = estimator.GetBetweenStudyVariannce();
+    if (estimated.IsError())
+        return estimated;
+    tau2_ = estimator.GetBetweenStudyVariannce();
+    tau2Results_.convergence = estimator.GetTau2Convergence();
+    tau2Results_.evaluations = estimator.GetTau2Evaluations();
     return estimated;
+}
+
+/// The scoring steps can miss the estimate that the model is labelled with: warning 460100 where it is off
+/// the one that a search proves. Takes a search, and another fit only where they differ.
+KXStatus MAREAlgorithm::CheckTau2()
+{
+    const auto estimator = static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType());
+    if (!IsIterative(estimator) || settings_->GetTau2Search() == MAConst::TAU2_SEARCH_GLOBAL)
+        return KXStatus();
+    MARegressionCurve curve(design_->Columns(), design_->Rows().variances, LikelihoodOf(estimator));
+    const double proved = curve.Unit() * SolveTau2(curve, estimator, tau2_ / curve.Unit()).t;
+    if (!IsTau2Off(tau2_, proved, 0.0))
+        return KXStatus();
+    MARegFit fixed(*design_);
+    const KXStatus fitted = fixed.Fit();
+    if (fitted.IsError() || !IsTau2Off(tau2_, proved, TypicalVariance(fixed)))
+        return fitted;
+    return KXStatus(MAStatusCode::TAU2_DOUBTFUL, true);
+}
+
+/// The likelihood at tau², and the interval that goes by it or by Q.
+void MAREAlgorithm::MeasureLikelihood()
+{
+    const int code = GetEstTauType();
+    if (code == unknownEstimator || fit_->ResidualDf() < 1)
+        return;
+    const auto estimator = static_cast<MAConst::TAU2ESTIMATOR>(code);
+    MARegressionCurve curve(design_->Columns(), design_->Rows().variances, LikelihoodOf(estimator));
+    const double t = tau2_ / curve.Unit();
+    if (HasLikelihood(estimator))
+        tau2Results_.information = InformationCriteria(
+            curve.LogLikelihood(t), fit_->NonRedundantCount() + 1.0, curve.Bounds().traceSize);
+    const MATau2Bounds bounds = Tau2Interval(curve, settings_->GetTau2Interval(), estimator, t,
+                                             1.0 - settings_->GetConfidenceLevel());
+    tau2Results_.lower = bounds.lower;
+    tau2Results_.upper = bounds.upper;
 }
 
 /// Crude variance of the effect sizes, with divisor k.
@@ -209,14 +252,18 @@ KXStatus MAREAlgorithm::MeasureHeterogeneity()
     residualQPValue_ = fixed.ResidualQPValue();
     residualDf_ = fixed.ResidualDf();
 
-    const double trace = fixed.WeightedResidualTrace();
-    const double meanVariance = design_->MeanVariance();
-    const double least = negligible * meanVariance;
-    const double typicalVariance = trace * meanVariance >= negligible ? residualDf_ / trace : 0.0;
+    const double least = negligible * design_->MeanVariance();
+    const double typicalVariance = TypicalVariance(fixed);
     const MAHeterogeneityMeasures measures = HeterogeneityFromTau2(tau2_, typicalVariance);
     residualI2_ = tau2_ + typicalVariance < least ? 0.0 : measures.i2;
     residualH2_ = typicalVariance < least ? 0.0 : measures.h2;
     return status_;
+}
+
+double MAREAlgorithm::TypicalVariance(const MARegFit& fixed) const
+{
+    const double trace = fixed.WeightedResidualTrace();
+    return trace * design_->MeanVariance() >= negligible ? fixed.ResidualDf() / trace : 0.0;
 }
 
 /// R²: the part of the between-study variance that the predictors take away; 0 when they do not.

@@ -36,6 +36,9 @@ private:
     KXStatus computeTauFromSJ();
     KXStatus computeInitTau2(double& tau2) const;
     KXStatus computeTau2C(double& tau2) const;
+    double TypicalVariance(const MARegFit& fixed) const;
+    KXStatus CheckTau2();
+    void MeasureLikelihood();
     KXStatus EstimateTau2(const MARegFit& fit, int type, const std::vector<double>* variances);
     void SetSearch(MATAU2ESTIMATIOR& estimator) const;
     void ScaleByKnappHartung();

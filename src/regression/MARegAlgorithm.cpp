@@ -172,6 +172,7 @@ void MARegAlgorithm::ForgetModel()
     residualQPValue_ = MAPValue();
     residualDf_ = 0;
     tau2_ = rSquare_ = 0.0;
+    tau2Results_ = MATau2Results();
 }
 
 bool MARegAlgorithm::Passed(const KXStatus& status)

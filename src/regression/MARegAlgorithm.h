@@ -8,6 +8,7 @@
 #include "meta_analysis/platform/common/MultiPassRecordIter.h"
 #include "meta_analysis/platform/regression/KXFactorCounts.h"
 #include "meta_analysis/platform/regression/KXRegrParameter.h"
+#include "meta_analysis/pooling/MATau2Results.h"
 #include "meta_analysis/settings/MARegSettings.h"
 
 #include <memory>
@@ -114,6 +115,7 @@ protected:
     std::vector<KXStatus> warnings_;
 
     double tau2_ = 0.0;
+    MATau2Results tau2Results_;
     double rSquare_ = 0.0;
     std::unique_ptr<MAModelTest> waldTest_; ///< null until computed
     std::unique_ptr<MAModelTest> fTest_;

@@ -14,6 +14,7 @@ struct MARegOutputStats::Results
     int goodRecords = 0;
     int badRecords = 0;
     double tau2 = 0.0;
+    MATau2Results tau2Results;
     std::vector<double> coefficients;
     std::vector<KXRegrParameter> parameters;
     KXBitSet nonRedundant;
@@ -57,6 +58,7 @@ MARegOutputStats::ResultsOf(const MARegAlgorithm& engine) noexcept
         auto results = std::make_unique<Results>();
         results->parameters = engine.parameters_;
         results->tau2 = engine.tau2_;
+        results->tau2Results = engine.tau2Results_;
         results->rSquare = engine.rSquare_;
         results->residualQ = engine.residualQ_;
         results->residualQPValue = engine.residualQPValue_;
@@ -235,6 +237,46 @@ double MARegOutputStats::GetIresSquare() const
 double MARegOutputStats::GetRSquare() const
 {
     return Get().rSquare;
+}
+
+double MARegOutputStats::GetTau2CILower() const
+{
+    return Get().tau2Results.lower;
+}
+
+double MARegOutputStats::GetTau2CIUpper() const
+{
+    return Get().tau2Results.upper;
+}
+
+int MARegOutputStats::GetTau2Convergence() const
+{
+    return Get().tau2Results.convergence;
+}
+
+int MARegOutputStats::GetTau2Evaluations() const
+{
+    return Get().tau2Results.evaluations;
+}
+
+double MARegOutputStats::GetLogLikelihood() const
+{
+    return Get().tau2Results.information.logLikelihood;
+}
+
+double MARegOutputStats::GetAIC() const
+{
+    return Get().tau2Results.information.aic;
+}
+
+double MARegOutputStats::GetBIC() const
+{
+    return Get().tau2Results.information.bic;
+}
+
+double MARegOutputStats::GetAICc() const
+{
+    return Get().tau2Results.information.aicc;
 }
 
 } // namespace MA_NAMESPACE

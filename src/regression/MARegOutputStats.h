@@ -72,6 +72,22 @@ public:
     double GetIresSquare() const;
     double GetRSquare() const;
 
+    /// Interval of the residual between-study variance; missing unless the settings ask for one, for fixed
+    /// effects and without residual degrees of freedom.
+    double GetTau2CILower() const;
+    double GetTau2CIUpper() const;
+    /// How the residual between-study variance was found, a value of `MAConst::TAU2CONVERGENCE`, and in how
+    /// many evaluations of the likelihood's slope, or iterations. 0 for fixed effects.
+    int GetTau2Convergence() const;
+    int GetTau2Evaluations() const;
+    /// Log-likelihood (ML) or restricted log-likelihood (REML) at the residual between-study variance, with
+    /// all constants, so that it does not depend on the units of the predictors, and its criteria with p + 1
+    /// parameters and k (ML) or k - p (REML) observations. Missing for fixed effects and other estimators.
+    double GetLogLikelihood() const;
+    double GetAIC() const;
+    double GetBIC() const;
+    double GetAICc() const;
+
 private:
     struct Results;
 

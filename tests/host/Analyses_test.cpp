@@ -1,6 +1,6 @@
 // What the program has the library compute beside the pooled effect.
 
-#include "host/RunProgram.h"
+#include "host/PublishedFigure.h"
 
 #include <set>
 
@@ -8,6 +8,21 @@ using nlohmann::json;
 using testing::HasSubstr;
 
 namespace {
+
+TEST(Analyses, HaveThePublishedIntervalsAndPredictions)
+{
+    const char* const data = "bcg_vaccine_log_risk_ratio_more";
+    const Arguments ratios = Bcg() + "--effect risk-ratio";
+    ExpectPublished({
+        {data, "/REML/q_profile/tau2/upper", ratios, "/Tau2CIUpper/0"},
+        {data, "/REML/q_profile/I2/lower", ratios, "/I2CILower/0"},
+        {data, "/ML/profile_likelihood/tau2/lower", ratios + "--tau2 ml --tau2-interval profile-likelihood",
+         "/Tau2CILower/0"},
+        {data, "/DL/prediction/t_k_minus_1/lower", ratios + "--tau2 dl --prediction t-k-1", "/PILower/0"},
+        {data, "/EB/probability_above_0/normal",
+         ratios + "--tau2 eb --prediction normal --probability-above 1", "/PIProbability/0"},
+    });
+}
 
 TEST(Analyses, GroupStudiesByTexts)
 {

@@ -120,7 +120,7 @@ TEST(JsonReport, TellsEverySetting)
     } cases[] = {
         {Bcg() +
              "--effect peto --zero-cells none --zero-delta 0.25 --pooled-zero-cells as-studies "
-             "--drop-double-zero --model fixed --tau2 hs "
+             "--drop-double-zero --model fixed --tau2 hs --tau2-search scoring "
              "--knapp-hartung adjusted --level=0.9 --weights mantel-haenszel --null 0.5 "
              "--max-iterations 7 --max-step-halving 8 --tolerance 1e-9 --subgroup year "
              "--cumulative latitude --descending --contrast year --contrast allocation "
@@ -133,6 +133,8 @@ TEST(JsonReport, TellsEverySetting)
             "control-events": "control_events", "control-nonevents": "control_nonevents", "study": "study",
             "effect": "peto", "zero-cells": "none", "zero-delta": 0.25,
             "pooled-zero-cells": "as-studies", "drop-double-zero": true,
+            "preset": null, "tau2-search": "scoring", "tau2-interval": "q-profile", "prediction": "t-k-2",
+            "probability-above": null, "probability-below": null,
             "model": "fixed", "tau2": "hs", "knapp-hartung": "adjusted", "level": 0.9,
             "weights": "mantel-haenszel", "null": 0.5, "max-iterations": 7, "max-step-halving": 8,
             "tolerance": 1e-9, "subgroup": "year", "cumulative": "latitude", "descending": true,
@@ -148,12 +150,27 @@ TEST(JsonReport, TellsEverySetting)
          R"({
             "effect-size": "effect", "variance": null, "std-error": "variance", "weight": null,
             "study": "study", "covariate": ["weeks", "year"], "factor": ["tester"],
-            "interaction": ["weeks:tester"], "no-intercept": true, "model": "fixed", "tau2": "hs",
+            "interaction": ["weeks:tester"], "no-intercept": true,
+            "preset": null, "tau2-search": "global", "tau2-interval": "q-profile", "model": "fixed", "tau2": "hs",
             "knapp-hartung": "truncated", "level": 0.9, "dispersion": true, "normal-tests": true,
             "max-iterations": 100, "max-step-halving": 5, "tolerance": 1e-6})"},
     };
     for (const auto& one : cases)
         EXPECT_EQ(JsonOf(one.command)["settings"], json::parse(one.settings));
+}
+
+/// Whatever their order; and options that the user did not give are not refused.
+TEST(JsonReport, TellsPresetsAndTheOptionsThatWinOverThem)
+{
+    const Arguments effects = Effects("passive_smoking.csv");
+    for (const char* const options : {"--preset library --prediction normal --probability-below -1.5",
+                                      "--probability-below -1.5 --prediction normal --preset library"}) {
+        json settings = JsonOf(effects + options)["settings"];
+        EXPECT_EQ((json{settings["preset"], settings["tau2-search"], settings["tau2-interval"],
+                        settings["prediction"], settings["probability-below"]}),
+                  (json{"library", "scoring", "none", "normal", -1.5}));
+    }
+    EXPECT_EQ(RunProgram(effects + "--model fixed --preset library").exitStatus, 0);
 }
 
 } // namespace

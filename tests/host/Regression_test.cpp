@@ -58,6 +58,8 @@ TEST(Regression, ReproducesThePublishedData)
          latitude + "--weight w --knapp-hartung adjusted", stdError},
         {"bcg_vaccine", "/risk_ratio/meta_regression_latitude_and_year_minus_1900/DL_z/se/1",
          latitude + "--variance v --covariate years --tau2 dl", stdError},
+        {"bcg_vaccine_regression_more", "/REML/q_profile/upper", latitude + "--variance v --covariate years",
+         "/Tau2CIUpper"},
         {"bcg_vaccine", "/risk_ratio/meta_regression_allocation_factor_reference_2/EB_t/se/1",
          allocation + "--std-error se --tau2 eb", stdError},
         {"bcg_vaccine", "/risk_ratio/meta_regression_allocation_factor_reference_2/SJ_knha/se/1",

@@ -132,6 +132,46 @@ TEST(Reports, ExplainSmallStudyEffectsWithoutAClaim)
     });
 }
 
+/// Effects of which REML has its maximum at 0.1464, and a regression of which ML has it at 0.0114369.
+TEST(Reports, NameBothValuesWhereScoringMissedTheEstimate)
+{
+    const TemporaryFolder folder;
+    const std::string effects = folder.Write(
+        "y.csv", "effect,variance\n.2079,.1763\n.0855,.2224\n.9889,.2803\n.4031,.2341\n.3185,.0730\n"
+                 ".8067,.3336\n.5516,.3613\n.0888,.2599\n.5623,.1189\n.8389,.3848\n.5106,.2689\n"
+                 "1.4456,.0131\n-.0543,.3649\n.6439,.1473\n");
+    const std::string moderated = folder.Write(
+        "x.csv", "effect,variance,x\n0.016779,0.001,-0.564825\n0.796272,0.055928,1.527239\n"
+                 "1.404543,0.521481,0.662909\n-0.487727,0.060657,-0.897445\n"
+                 "2.690687,3.638258,0.708595\n0.731744,0.016879,0.445024\n2.31175,0.00968,2.888549\n"
+                 "0.109614,0.013116,0.014565\n0.858999,2.818472,0.855125\n-2.844727,10,-0.462562\n");
+    const Arguments regression = Regression(moderated) + "--covariate x --tau2 ml";
+    const std::string doubt = "\n460100: [^\n]*: at 0\\.";
+    ExpectShown({
+        {Effects(effects) + "--preset library",
+         "Preset\nlibrary: --tau2-search scoring, .*reached --max-iterations .*" + doubt +
+             "00[0-9]+ in place of 0\\.1464\\. Set --tau2-search global"},
+        {Effects(effects), " tau² [^\n]*\nOverall +0\\.1464 "},
+        {regression + "--tau2-search scoring", doubt + "0000 in place of 0\\.0114\\. Set"},
+        {regression, " tau² [^\n]*\n0\\.0114 "},
+    });
+    EXPECT_THAT(JsonOf(Effects(effects) + "--preset library")["messages"].dump(),
+                testing::HasSubstr("in place of 0.1464"));
+}
+
+TEST(Reports, ExplainIntervalsAndPredictions)
+{
+    const TemporaryFolder folder;
+    const std::string equal = folder.Write("t.csv", "effect,variance\n1,1\n1,2\n1,1\n");
+    ExpectShown({
+        {Effects(equal), "\\[0\\.0000, 0\\.0000\\].*Q-profile intervals\\.\n.*interval is empty"},
+        {Effects(equal) + "--tau2-interval profile-likelihood", "0\\.0000 \\[0\\.0000, [0-9.]+\\].*"
+                                                                "profile-likelihood intervals\\.\n\nWarn"},
+        {Bcg() + "--effect risk-ratio --prediction normal --probability-above 1.5",
+         "95% prediction interval, normal distribution\n[^\n]*P\\(RR > 1.5\\)\nOverall "},
+    });
+}
+
 TEST(Reports, ShowRegressions)
 {
     const TemporaryFolder folder;
@@ -146,7 +186,7 @@ TEST(Reports, ShowRegressions)
          ".*Parameter +Coefficient \\[95% CI\\] +SE +t +p\n\\(intercept\\) "
          ".*tester=1 +- +- +- +-\n-: aliased"
          ".* F +df +residual df +p\n[0-9.]+ +1 +17 +0\\.[0-9]{4}\n"
-         ".*Q +df +p +tau² +tau +I² % +H² +R² %\n[0-9.]+ +17 "},
+         ".*Q +df +p +I² % +H² +R² %\n[0-9.]+ +17 .* tau² \\[95% CI\\] +tau \\[95% CI\\]"},
         {tester + "--model fixed --dispersion --normal-tests",
          "SE +z +p\n.*Wald chi² +df +p\n.*Q +df +p +I² % +H²\n.*Multiplicative dispersion\n[0-9.]+, by "
          "which"},

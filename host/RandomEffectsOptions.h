@@ -1,0 +1,17 @@
+#pragma once
+
+#include "host/OptionDefinitions.h"
+
+namespace host {
+
+// How the random-effects model finds the between-study variance, and what it says of that variance and of
+// new studies.
+
+std::vector<OptionDefinition> BetweenStudyVariance(MA_NAMESPACE::MAModelSettings& settings);
+std::vector<OptionDefinition> Predictions(MA_NAMESPACE::MAModelSettings& settings);
+
+/// Refuses what is given and has no effect or no meaning under the model and the estimator. Throws
+/// UnusableInput.
+void CheckRandomEffects(const Options& options);
+
+} // namespace host
