@@ -89,7 +89,7 @@ TEST(SettingsWarnings, OfRegressions)
     const Rows studies = RandomStudies(1, 8, 1);
     EXPECT_EQ(FERegression(settings, studies).WarningCodes(), std::vector<int>{CONFIDENCE_LEVEL_OUTSIDE});
     EXPECT_EQ(RERegression(settings, studies).WarningCodes(),
-              (std::vector<int>{CONFIDENCE_LEVEL_OUTSIDE, NO_ITERATION_ALLOWED}));
+              (std::vector<int>{CONFIDENCE_LEVEL_OUTSIDE, NO_ITERATION_ALLOWED, TAU2_DOUBTFUL}));
     settings.SetEstTauType("DL");
     settings.SetConfidenceLevel(0.95);
     EXPECT_EQ(RERegression(settings, studies).WarningCodes(), std::vector<int>());
