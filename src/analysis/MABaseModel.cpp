@@ -7,6 +7,7 @@
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/MAWarnings.h"
 
+#include <algorithm>
 #include <cmath>
 #include <set>
 
@@ -155,11 +156,11 @@ MARandomEffectModel MABaseModel::NewStepModel(const std::vector<double>& effectS
     return model;
 }
 
-/// A threshold of ratios is given on the natural scale.
+/// A threshold of ratios is given on the natural scale; every ratio is above one that is not positive.
 void MABaseModel::SetThreshold(MARandomEffectModel& model) const
 {
     const auto onAnalysisScale = [this](double value) {
-        return IsOnLogScale() && !KXMV::IsMissing(value) ? std::log(value) : value;
+        return IsOnLogScale() && !KXMV::IsMissing(value) ? std::log(std::max(value, 0.0)) : value;
     };
     if (!KXMV::IsMissing(settings_->GetProbabilityAbove()))
         model.SetProbabilityAbove(onAnalysisScale(settings_->GetProbabilityAbove()));

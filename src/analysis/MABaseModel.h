@@ -215,7 +215,7 @@ private:
     MARegSettings TestSettings(int varianceIndex) const;
     void SetUpTest(MARegBaseTest& test, int effectSizeIndex, MAConst::RegBaseTestType type) const;
     void StoreTest(const MARegBaseTest& test);
-    void WarnOfTest(const MARegBaseTest& test);
+    void AddWarningsOfFigures(const std::vector<KXStatus>& warnings);
     KXStatus TestSelection(MultiPassRecordIter& records, const KXVarList& variables, MARegSettings& settings,
                            const MASelection& selection);
 

@@ -19,6 +19,7 @@ KXStatus MABaseModel::BubblePlot(MultiPassRecordIter& records, const KXVarList& 
         if (!plotSettings.IsComplete())
             return SetError(MAStatusCode::OUT_OF_MEMORY);
         plotSettings.SetConfidenceLevel(settings_->GetCILevel());
+        plotSettings.SetTau2Search(settings_->GetTau2Search());
         MABubblePlot plot(plotSettings, iterator.GetVarList());
         plot.SetEffectSizeIndex(iterator.GetEffectSizeIndex());
         plot.SetVarianceIndex(iterator.GetVarianceIndex());
@@ -29,6 +30,7 @@ KXStatus MABaseModel::BubblePlot(MultiPassRecordIter& records, const KXVarList& 
             const KXStatus computed = plot.Compute(iterator, covariate);
             if (computed.IsError())
                 return status_ = computed;
+            AddWarningsOfFigures(plot.GetWarnings());
             bubbles_.push_back(OfStudies(plot.GetRows()));
         }
         return KXStatus();

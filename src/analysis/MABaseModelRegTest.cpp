@@ -150,7 +150,7 @@ void MABaseModel::StoreTest(const MARegBaseTest& test)
     if (!test.HasResults())
         return;
     const MARegTestRun run = ResultsOf(test);
-    WarnOfTest(test);
+    AddWarningsOfFigures(test.GetWarnings());
     const MAPValue pValue = {run.significances.back(), run.log10Significances.back()};
     regressionTest_ = {run.coefficients.back(), run.stdErrors.back(),   run.statistics.back(), pValue,
                        run.lowerLimits.back(),  run.upperLimits.back(), test.GetResidualDf()};
@@ -196,16 +196,17 @@ KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarLis
         return watched.Failure();
     if (!tested.IsError() && test.HasResults()) {
         regressionTests_.back() = ResultsOf(test);
-        WarnOfTest(test);
+        AddWarningsOfFigures(test.GetWarnings());
     }
     return tested;
 }
 
-/// Of the warnings of a test's regression, the one that its figures are not what they are labelled.
-void MABaseModel::WarnOfTest(const MARegBaseTest& test)
+/// Of the warnings of a test's or a plot's regression, those that its figures are not what they are labelled:
+/// a doubtful tau², a confidence level outside (0, 1), no iteration.
+void MABaseModel::AddWarningsOfFigures(const std::vector<KXStatus>& warnings)
 {
-    for (const KXStatus& warning : test.GetWarnings()) {
-        if (warning.GetCode() == MAStatusCode::TAU2_DOUBTFUL)
+    for (const KXStatus& warning : warnings) {
+        if (warning.GetCode() >= MAStatusCode::TAU2_DOUBTFUL)
             AddWarning(warning);
     }
 }

@@ -148,6 +148,7 @@ MARegSettings MABubblePlot::SimpleRegression() const
     simple.SetMaxStepHalvingValue(settings_->GetMaxStepHalvingValue());
     simple.SetMultiDiser(settings_->HasMultiDisper());
     simple.SetEstTauType(settings_->GetEstTauType());
+    simple.SetTau2Search(settings_->GetTau2Search());
     simple.SetKnapHartAdjust(settings_->IsKnapHartAdjust());
     simple.SetTruncAjustValue(settings_->IsTruncAjustValue());
     simple.SetTestDistType(settings_->GetTestDistType());
@@ -171,6 +172,7 @@ KXStatus MABubblePlot::Fit(const std::vector<Study>& studies)
     engine.setUsedByRegBaseTest(true);
     const KXStatus built = engine.BuildModel(records);
     RequireMemory(built);
+    warnings_ = engine.GetWarnings();
     if (built.IsError())
         return built.GetCode() == MAStatusCode::ITERATOR_FAILED ? built : KXStatus();
     const MARegOutputStats output(simple, engine);

@@ -42,6 +42,8 @@ public:
     KXStatus Compute(MultiPassRecordIter& records, int covariate);
 
     const MABubbleRows& GetRows() const { return rows_; }
+    /// Warnings of the regression of the last plot.
+    const std::vector<KXStatus>& GetWarnings() const { return warnings_; }
 
 private:
     struct Study;
@@ -65,6 +67,7 @@ private:
     bool isCentered_ = false;
     int curvePointCount_ = 100;
     MABubbleRows rows_;
+    std::vector<KXStatus> warnings_;
 };
 
 } // namespace MA_NAMESPACE

@@ -31,7 +31,8 @@ MAHeterogeneityMeasures HeterogeneityFromQ(double q, double df)
 {
     MAHeterogeneityMeasures measures;
     measures.h2 = q / df;
-    measures.i2 = q > df ? (q - df) / q : 0.0;
+    if (!std::isnan(q)) // of a pooled effect that is not defined
+        measures.i2 = q > df ? (q - df) / q : 0.0;
     return measures;
 }
 

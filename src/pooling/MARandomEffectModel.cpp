@@ -178,7 +178,7 @@ void MARandomEffectModel::TestMean()
     ciLower_ = mean_ - stdError * quantile;
 }
 
-/// Infinite for the normal distribution, which Student's t then is.
+/// Infinite for the normal distribution, which Student's t then is; 0 or less where nothing can be predicted.
 double MARandomEffectModel::PredictionDf() const
 {
     const auto k = static_cast<double>(studyCount_);
@@ -188,7 +188,7 @@ double MARandomEffectModel::PredictionDf() const
     case MAConst::PREDICTION_T_K_MINUS_1:
         return k - 1.0;
     case MAConst::PREDICTION_NORMAL:
-        return std::numeric_limits<double>::infinity();
+        return studyCount_ < 2 ? 0.0 : std::numeric_limits<double>::infinity();
     }
     return k - 2.0; // a value outside the enumeration
 }
