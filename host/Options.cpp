@@ -107,6 +107,15 @@ void CheckNullOfRatio(const MAModelSettings& settings)
                                         settings.GetNullHypothesis()));
 }
 
+/// Only where tables are pooled are there counts to correct for it.
+void CheckPooledZeroCells(const Options& options)
+{
+    if (options.given.contains("pooled-zero-cells") && !PoolsTables(options.settings))
+        throw UnusableInput(
+            "--pooled-zero-cells needs --weights mantel-haenszel and --model fixed, which pool "
+            "the counts of the tables.");
+}
+
 bool Iterates(MAConst::MODELTYPE model, MAConst::TAU2ESTIMATOR estimator)
 {
     return model == MAConst::MODEL_RANDOM &&
@@ -151,6 +160,7 @@ void Resolve(Options& options)
     CheckRandomEffects(options);
     CheckFixedModelOptions(options);
     CheckNullOfRatio(options.settings);
+    CheckPooledZeroCells(options);
     CheckIterations(options.settings);
 }
 

@@ -153,8 +153,8 @@ ReportSection RegressionReportMaker::Coefficients() const
     const KXBitSet estimated = output_.GetRedundancyInfo();
     if (estimated.Count() < estimated.Size())
         section.sentences.push_back(
-            "-: aliased, which is determined by the parameters before it and counts as "
-            "0 in the fit.");
+            "-: aliased: the parameters before it determine it, to within the computational tolerance, "
+            "and it counts as 0 in the fit.");
     return section;
 }
 

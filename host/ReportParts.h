@@ -30,7 +30,8 @@ std::string LabelText(std::string label);
 /// Of a Q-profile interval that ends at 0.
 inline constexpr const char* EMPTY_Q_PROFILE = "The effects vary less than sampling error alone makes "
                                                "likely, whatever tau² is: the Q-profile interval is "
-                                               "empty, and given as [0, 0] by convention.";
+                                               "empty, and given as [0, 0] by convention, even where the "
+                                               "estimate is another.";
 
 bool HasAnyValue(const std::vector<double>& values);
 

@@ -34,7 +34,22 @@ std::string WordingOf(const std::vector<int>& corrected, const std::vector<std::
             rows.push_back(corrected.size() == 1
                                ? CountOfTables(corrected[row])
                                : fmt::format("{} in {}", CountOfTables(corrected[row]), labels[row]));
-    return rows.empty() ? "no table" : fmt::format("{}", fmt::join(rows, ", "));
+    if (rows.empty())
+        return "no table";
+    const char* const others =
+        rows.size() < corrected.size() ? "; the other rows pool the counts as read" : "";
+    return fmt::format("{}{}", fmt::join(rows, ", "), others);
+}
+
+/// Tables without events (of odds ratios also: without non-events) in both groups have weight 0.
+std::string WordingOfIdleTables(const MABinModel& model)
+{
+    const std::vector<double> weights = model.GetWeight();
+    const auto idle = static_cast<int>(std::count(weights.begin(), weights.end(), 0.0));
+    if (idle == 0)
+        return {};
+    return fmt::format(" Without information on the ratio, and so without part in the pooled effect: {}.",
+                       CountOfTables(idle));
 }
 
 } // namespace
@@ -55,8 +70,8 @@ std::string WordingOfPooledCorrection(const ReportSource& source)
     if (!PoolsTables(source.settings) || model == nullptr || model->GetNZeroCorrected() == 0)
         return {};
     const std::vector<int> corrected = CorrectedByRow(*model);
-    return fmt::format("Zero-cell correction of the counts pooled: {}.",
-                       WordingOf(corrected, source.RowLabels(corrected.size())));
+    return fmt::format("Zero-cell correction of the counts pooled: {}.{}",
+                       WordingOf(corrected, source.RowLabels(corrected.size())), WordingOfIdleTables(*model));
 }
 
 void AppendCorrectionOfSteps(std::vector<ReportColumn>& table, const ReportSource& source, std::size_t group)
