@@ -30,7 +30,7 @@ public:
     /// computed before: 460009 one of the four count variables is not given, 460011 the iterator cannot be
     /// started, 460012 it fails or the passes differ, 460075 trim-and-fill without studies, 460099 memory
     /// runs out, and those of the pooling classes. Warnings (`GetWarnings`): 460037 to 460046, 460050,
-    /// 460051, 460074.
+    /// 460051, 460074, 460100 to 460108.
     KXStatus RUN(MultiPassRecordIter& records, const KXVarList& variables);
 
     /// Effect sizes of the tables. Errors as `RUN`.

@@ -25,7 +25,7 @@ public:
     /// computed before: 460009 a required size, mean or dispersion variable is not given, 460011 the iterator
     /// cannot be started, 460012 it fails or the passes differ, 460075 trim-and-fill without studies, 460099
     /// memory runs out, and those of the pooling classes. Warnings (`GetWarnings`): 460037 to 460043, 460050,
-    /// 460074.
+    /// 460074, 460100 to 460108.
     KXStatus RUN(MultiPassRecordIter& records, const KXVarList& variables);
 
     /// Effect sizes of the group means. Errors as `RUN`.
