@@ -78,8 +78,8 @@ constexpr StatusSentence SENTENCES[] = {
     {MAStatusCode::STUDIES_REMOVED,
      "Studies whose effect size or variance cannot be pooled were removed; they count as invalid."},
     {MAStatusCode::TAU2_DOUBTFUL,
-     "The scoring steps did not reach the between-study variance that their estimator defines; choose the "
-     "global search."},
+     "The between-study variance is not proved to be the one that its estimator defines; choose the global "
+     "search, where it is not set."},
     {MAStatusCode::CONFIDENCE_LEVEL_OUTSIDE,
      "The confidence level is not between 0 and 1, such as 0.95; the intervals have no meaning."},
     {MAStatusCode::RATIO_NULL_NOT_POSITIVE, "A ratio under the null hypothesis cannot be negative; the test "

@@ -203,35 +203,41 @@ void MARandomEffectModel::PredictEffect()
     if (KXMV::IsMissing(threshold_) || !(df > 0.0))
         return;
     const double distance = (mean_ - threshold_) / stdDev;
+    if (std::isnan(distance)) // a distribution of one value, which is the threshold
+        return;
     probability_ = KXDistFun::CdfT(isThresholdAbove_ ? distance : -distance, df);
 }
 
 /// Q is the weighted residual sum about the fixed-effect mean, which is never negative. The typical
 /// within-study variance s² = (k - 1) / (sum(w) - sum(w²) / sum(w)) of Higgins and Thompson (2002) has its
 /// denominator as twice the sum of the products of all pairs of weights over their sum: no cancellation
-/// when one weight dominates.
+/// when one weight dominates. As products with shares of the sum they neither overflow nor vanish.
 void MARandomEffectModel::TestHomogeneity()
 {
     double weightSum = 0.0;
     double weightedSum = 0.0;
-    double pairSum = 0.0;
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const double weight = 1.0 / (*variances_)[i];
-        pairSum += weight * weightSum;
         weightSum += weight;
         weightedSum += weight * (*effectSizes_)[i];
     }
     const double fixedMean = weightedSum / weightSum;
+    const double inverseSum = 1.0 / weightSum;
     double q = 0.0;
+    double share = 0.0; // of the weights so far
+    double pairSum = 0.0;
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const double residual = (*effectSizes_)[i] - fixedMean;
+        const double weight = 1.0 / (*variances_)[i];
         q += residual * residual / (*variances_)[i];
+        pairSum += weight * share;
+        share += weight * inverseSum;
     }
     q_ = q;
     df_ = static_cast<int>(studyCount_) - 1;
     qPValue_ = HomogeneityPValue(q_, df_);
 
-    typicalVariance_ = df_ * weightSum / (2.0 * pairSum);
+    typicalVariance_ = df_ / (2.0 * pairSum);
     heterogeneity_ = HeterogeneityFromTau2(tau2_, typicalVariance_);
 }
 

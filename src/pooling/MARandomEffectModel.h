@@ -83,7 +83,8 @@ public:
     double GetEstESPILower() const { return piLower_; }
     /// Probability that the true effect of a new study lies above (or below) the threshold c: the
     /// distribution function of the prediction at (mean - c) / √(variance + tau²), or of its negative.
-    /// Missing without a threshold or without degrees of freedom.
+    /// Missing without a threshold or without degrees of freedom, and where mean - c and variance + tau² are
+    /// both 0.
     double GetPIProbability() const { return probability_; }
     /// Homogeneity test with fixed-effect weights; missing for k < 2.
     double GetHomogeneityTestQ() const { return q_; }
@@ -106,8 +107,8 @@ public:
     MAConst::TAU2CONVERGENCE GetTau2Convergence() const { return convergence_; }
     int GetTau2Evaluations() const { return evaluations_; }
     /// Whether tau² of an iterative estimator is off the one that the global search proves by more than a
-    /// hundredth of the latter plus the typical within-study variance. Takes one search, and none after a
-    /// global one.
+    /// hundredth of the latter plus the typical within-study variance, or the search proves none. Takes one
+    /// search, and none after a global one that ended with a proof.
     bool HasDoubtfulTau2() const;
 
     /// Log-likelihood (ML) or restricted log-likelihood (REML) at tau², with all constants, and the criteria

@@ -161,17 +161,18 @@ void MATAU2ESTIMATIOR::DLEstimator()
 {
     const WeightedMean fixed = CalcEstES(0.0);
     double q = 0.0;
-    double weightSum = 0.0;
+    const double inverseSum = 1.0 / fixed.weightSum;
+    double share = 0.0; // of the weights so far
     double pairSum = 0.0;
     for (std::size_t i = 0; i < studyCount_; ++i) {
         const double weight = 1.0 / (*variances_)[i];
         q += weight * Square((*effectSizes_)[i] - fixed.mean);
-        pairSum += weight * weightSum;
-        weightSum += weight;
+        pairSum += weight * share;
+        share += weight * inverseSum;
     }
     // sum(w) - sum(w²) / sum(w) as twice the sum of the products of all pairs: the difference would cancel
-    // when one weight dominates.
-    const double c = 2.0 * pairSum / weightSum;
+    // when one weight dominates. As products with shares they neither overflow nor vanish in any unit.
+    const double c = 2.0 * pairSum;
     tau2_ = c == 0.0 ? 0.0 : TruncateAtZero((q - (static_cast<double>(studyCount_) - 1.0)) / c);
 }
 
@@ -187,7 +188,7 @@ void MATAU2ESTIMATIOR::SJEstimator()
     const WeightedMean weighted = CalcEstES(crude);
     double sum = 0.0;
     for (std::size_t i = 0; i < studyCount_; ++i)
-        sum += Square((*effectSizes_)[i] - weighted.mean) * crude / (crude + (*variances_)[i]);
+        sum += Square((*effectSizes_)[i] - weighted.mean) * (crude / (crude + (*variances_)[i]));
     tau2_ = studyCount_ == 1 ? 0.0 : TruncateAtZero(sum / (k - 1.0));
 }
 

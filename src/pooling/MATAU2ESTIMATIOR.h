@@ -76,7 +76,8 @@ public:
     /// tau² >= 0 of the last computation; -1.0 before it and after an error.
     double GetBetweenStudyVariannce() const { return status_.IsError() ? -1.0 : tau2_; }
     /// How the last computation ended. The global search ends with `TAU2_STEP_NOT_FINITE`, and at the Hedges
-    /// estimate, only where a variance is not positive and finite.
+    /// estimate, only where a variance is not positive and finite, or the effects span 1e75 standard errors
+    /// and more.
     MAConst::TAU2CONVERGENCE GetTau2Convergence() const { return convergence_; }
     /// Evaluations of the likelihood's slope, or scoring iterations; 0 for a closed form.
     int GetTau2Evaluations() const { return evaluations_; }

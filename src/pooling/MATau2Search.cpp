@@ -21,6 +21,10 @@ constexpr double roundingSteps = 1e-11;
 /// The residual sum of squares is counted larger by this share where it serves as a bound.
 constexpr double boundSlack = 1e-8;
 
+/// Of the residual sum of squares, in units of about the smallest variance: with larger ones products of
+/// weights vanish beside 1 / tau², and the search would take what is left for a proof.
+constexpr double greatestResidualSum = 1e150;
+
 /// Beyond it A < B, from A <= residualSum / (v_min + t)² and B >= traceSize / (v_max + t).
 double UpperBoundOf(const MACurveBounds& bounds)
 {
@@ -53,7 +57,8 @@ double Crossing(double left, double leftSlope, double right, double rightSlope, 
 
 bool AreUsable(const MACurveBounds& bounds)
 {
-    return bounds.minVariance > 0.0 && std::isfinite(bounds.maxVariance) && std::isfinite(bounds.residualSum);
+    return bounds.minVariance > 0.0 && std::isfinite(bounds.maxVariance) &&
+           bounds.residualSum <= greatestResidualSum;
 }
 
 bool CanRise(const MACurveBounds& bounds)

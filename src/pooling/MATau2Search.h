@@ -11,14 +11,14 @@
 namespace MA_NAMESPACE {
 
 /// The between-study variance where a search ended, in the units of its curve; NaN where the data leave none
-/// (a variance that is not positive and finite).
+/// (a variance that is not positive and finite, or effects too far apart for them).
 struct MATau2Solution
 {
     double t;
     int evaluations;
 };
 
-/// Whether the data have a likelihood: their variances are positive, and all is finite.
+/// Whether the data have a likelihood: their variances are positive, and all is finite and within range.
 bool AreUsable(const MACurveBounds& bounds);
 
 /// Whether the likelihood can rise anywhere at all; if not, there is nothing to search.
@@ -36,10 +36,10 @@ MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess);
 MATau2Solution SolveTau2(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess);
 
 /// Whether an estimate of tau² is off the one that a search has proved by more than a hundredth of the latter
-/// plus the typical within-study variance.
+/// plus the typical within-study variance. So it is where there is no proof, and `proved` not a number.
 inline bool IsTau2Off(double estimate, double proved, double typicalVariance)
 {
-    return std::abs(estimate - proved) > 0.01 * (proved + typicalVariance);
+    return !(std::abs(estimate - proved) <= 0.01 * (proved + typicalVariance));
 }
 
 /// Whether an estimator is one that iterates, or searches.

@@ -163,7 +163,7 @@ KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::v
 KXStatus MAREAlgorithm::CheckTau2()
 {
     const auto estimator = static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType());
-    if (!IsIterative(estimator) || settings_->GetTau2Search() == MAConst::TAU2_SEARCH_GLOBAL)
+    if (!IsIterative(estimator) || tau2Results_.convergence == MAConst::TAU2_GLOBAL_OPTIMUM)
         return KXStatus();
     MARegressionCurve curve(design_->Columns(), design_->Rows().variances, LikelihoodOf(estimator));
     const double proved = curve.Unit() * SolveTau2(curve, estimator, tau2_ / curve.Unit()).t;

@@ -7,6 +7,8 @@
 #include "meta_analysis/pooling/MAContinousFixEffectModel.h"
 #include "meta_analysis/pooling/MARandomEffectModel.h"
 
+#include <cmath>
+
 using namespace MA_NAMESPACE;
 using namespace MAConst;
 
@@ -162,6 +164,52 @@ TEST(MARandomEffectModel, UnknownEstimatorFails)
     EXPECT_EQ(model.SetEstimationType(TAU2_DL), failed);
     EXPECT_EQ(model.EstimateMeanESStats(), failed);
     EXPECT_EQ(model.GetEstEffectSize(), missing);
+}
+
+/// Squares of these weights and their products with effects' squares are beyond the range of a double.
+TEST(MARandomEffectModel, UnitOfTheEffectsPlaysNoPart)
+{
+    const Rows studies = {{0.5, 0.2}, {0.1, 0.03}, {-0.7, 0.25}, {1.9, 0.5}};
+    for (const double unit : {std::ldexp(1.0, -300), std::ldexp(1.0, 300)}) {
+        Rows scaled = studies;
+        for (Row& study : scaled)
+            study = {study[0] * unit, study[1] * unit * unit};
+        for (const TAU2ESTIMATOR estimator : {TAU2_HE, TAU2_HS, TAU2_DL, TAU2_SJ}) {
+            SCOPED_TRACE(testing::Message() << estimator << ", unit " << unit);
+            const MARandomEffectModel expected = Pooled(studies).Random(estimator);
+            const MARandomEffectModel model = Pooled(scaled).Random(estimator);
+            EXPECT_EQ(model.GetBetweenStudyVariance(), expected.GetBetweenStudyVariance() * unit * unit);
+            EXPECT_EQ(model.GetHeterogeneityTestI2(), expected.GetHeterogeneityTestI2());
+            EXPECT_EQ(model.GetHeterogeneityTestH2(), expected.GetHeterogeneityTestH2());
+        }
+    }
+}
+
+/// Effects so large beside their variances that the search has no numbers left: it ends without a proof.
+TEST(MARandomEffectModel, SearchWithoutProofIsDoubtful)
+{
+    Pooled pooled({{1e150, 1}, {-1e150, 1}, {0, 1}});
+    MARandomEffectModel model;
+    model.SetEffectSizes(&pooled.effects);
+    model.SetVariances(&pooled.variances);
+    model.SetEstimationType(TAU2_ML);
+    model.SetTau2Search(TAU2_SEARCH_GLOBAL);
+    EXPECT_TRUE(model.EstimateMeanESStats().IsOK());
+    EXPECT_EQ(model.GetTau2Convergence(), TAU2_STEP_NOT_FINITE);
+    EXPECT_TRUE(model.HasDoubtfulTau2());
+}
+
+/// Knapp and Hartung's variance is 0, and so is tau²: all of the distribution is at the threshold.
+TEST(MARandomEffectModel, ThresholdAtADistributionOfOneValueHasNoProbability)
+{
+    Pooled pooled({{0.5, 1}, {0.5, 1}, {0.5, 1}});
+    MARandomEffectModel model;
+    model.SetEffectSizes(&pooled.effects);
+    model.SetVariances(&pooled.variances);
+    model.SetKHAdjType(KNAPP_HARTUNG_ADJUSTED);
+    model.SetProbabilityAbove(0.5);
+    EXPECT_TRUE(model.EstimateMeanESStats().IsOK());
+    EXPECT_EQ(model.GetPIProbability(), missing);
 }
 
 /// Numbers that strain or break the arithmetic.
