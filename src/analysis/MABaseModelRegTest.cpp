@@ -201,7 +201,7 @@ KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarLis
     return tested;
 }
 
-/// Of the warnings of a test's regression, the one that its figures are not what they are labelled.
+/// Passes on `TAU2_DOUBTFUL` alone: the other warnings of the test's regression do not concern its figures.
 void MABaseModel::WarnOfTest(const MARegBaseTest& test)
 {
     for (const KXStatus& warning : test.GetWarnings()) {

@@ -19,7 +19,7 @@ struct MATau2Bounds;
 ///     mean = sum(w y) / sum(w), variance = 1 / sum(w), w = 1 / (v + tau²),
 /// with tau² from `MATAU2ESTIMATIOR`, optionally with the Knapp-Hartung adjustment (Knapp and Hartung 2003,
 /// Statistics in Medicine 22, 2693-2710), a test against 0, a confidence and a prediction interval, the
-/// homogeneity test, H² and I², on request intervals of tau², H² and I², and the likelihood.
+/// homogeneity test, H² and I², the likelihood of ML and REML, and on request intervals of tau², H² and I².
 ///
 /// Calling order: construct, set effect sizes, variances and options, `EstimateMeanESStats`, read the
 /// getters. The vectors are the caller's and must outlive the object. Everything is on the scale of the
@@ -48,7 +48,7 @@ public:
     KXStatus SetMaxStepHalving(int maxStepHalving);
     KXStatus SetConverTol(double tolerance);
     KXStatus SetEstimationType(MAConst::TAU2ESTIMATOR type);
-    /// How the iterative estimators are found; scoring unless set.
+    /// How ML, REML and EB find their estimate; scoring unless set.
     KXStatus SetTau2Search(MAConst::TAU2SEARCH search);
     /// Interval of tau², and by it of H² and I²; none unless set. Profile likelihood is for ML and REML, and
     /// gives none for other estimators.
