@@ -116,23 +116,6 @@ void CheckPooledZeroCells(const Options& options)
             "the counts of the tables.");
 }
 
-bool Iterates(MAConst::MODELTYPE model, MAConst::TAU2ESTIMATOR estimator)
-{
-    return model == MAConst::MODEL_RANDOM &&
-           (estimator == MAConst::TAU2_ML || estimator == MAConst::TAU2_REML ||
-            estimator == MAConst::TAU2_EB);
-}
-
-/// Without an iteration an iterative estimator would be another one, that of its start.
-void CheckIterations(const MAModelSettings& settings)
-{
-    const bool iterates =
-        Iterates(settings.GetModelType(), settings.GetEstTauType()) ||
-        (settings.GetIsTRIMFILL() && Iterates(settings.GetTFModelType(), settings.GetTFEstTauType()));
-    if (iterates && settings.GetTau2Search() == MAConst::TAU2_SEARCH_SCORING && settings.GetMaxIter() < 1)
-        throw UnusableInput("--max-iterations: 0 leaves the estimator of tau² without an iteration.");
-}
-
 } // namespace
 
 Options::Options(Command ofCommand) : command(ofCommand)

@@ -16,7 +16,7 @@ struct Rectangle
 Rectangle RectangleOf(const Axis& x, const Axis& y);
 
 /// The outline of what lies both inside the closed outline and inside the rectangle, after Sutherland and
-/// Hodgman: parts that fall asunder stay joined along the rectangle's sides. Empty when nothing does.
+/// Hodgman: disconnected parts stay joined along the rectangle's sides. Empty when nothing does.
 /// Coordinates are finite.
 std::vector<Point> CutToRectangle(std::vector<Point> outline, const Rectangle& rectangle);
 

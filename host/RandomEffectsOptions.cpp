@@ -33,6 +33,12 @@ bool IsLikelihoodEstimator(MAConst::TAU2ESTIMATOR estimator)
     return estimator == MAConst::TAU2_ML || estimator == MAConst::TAU2_REML;
 }
 
+bool Iterates(MAConst::MODELTYPE model, MAConst::TAU2ESTIMATOR estimator)
+{
+    return model == MAConst::MODEL_RANDOM &&
+           (IsLikelihoodEstimator(estimator) || estimator == MAConst::TAU2_EB);
+}
+
 void RefuseUnderFixedModel(const Options& options)
 {
     if (options.settings.GetModelType() != MAConst::MODEL_FIXED)
@@ -80,6 +86,15 @@ void CheckRandomEffects(const Options& options)
     if (options.settings.GetTau2Interval() == MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD &&
         !IsLikelihoodEstimator(options.settings.GetEstTauType()))
         throw UnusableInput("--tau2-interval profile-likelihood is for --tau2 reml and --tau2 ml.");
+}
+
+void CheckIterations(const Settings& settings)
+{
+    const bool iterates =
+        Iterates(settings.GetModelType(), settings.GetEstTauType()) ||
+        (settings.GetIsTRIMFILL() && Iterates(settings.GetTFModelType(), settings.GetTFEstTauType()));
+    if (iterates && settings.GetTau2Search() == MAConst::TAU2_SEARCH_SCORING && settings.GetMaxIter() < 1)
+        throw UnusableInput("--max-iterations: 0 leaves the estimator of tau² without an iteration.");
 }
 
 } // namespace host

@@ -14,4 +14,8 @@ std::vector<OptionDefinition> Predictions(MA_NAMESPACE::MAModelSettings& setting
 /// UnusableInput.
 void CheckRandomEffects(const Options& options);
 
+/// Refuses an iterative estimator without an iteration, which would be the estimator of its start. Throws
+/// UnusableInput.
+void CheckIterations(const MA_NAMESPACE::MAModelSettings& settings);
+
 } // namespace host

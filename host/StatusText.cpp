@@ -82,9 +82,9 @@ constexpr StatusSentence SENTENCES[] = {
      "search, where it is not set."},
     {MAStatusCode::CONFIDENCE_LEVEL_OUTSIDE,
      "The confidence level is not between 0 and 1, such as 0.95; the intervals have no meaning."},
-    {MAStatusCode::RATIO_NULL_NOT_POSITIVE, "A ratio under the null hypothesis cannot be negative; the test "
-                                            "has no result. Zero stands for a ratio of "
-                                            "1."},
+    {MAStatusCode::RATIO_NULL_NEGATIVE, "A ratio under the null hypothesis cannot be negative; the test "
+                                        "has no result. Zero stands for a ratio of "
+                                        "1."},
     {MAStatusCode::CONTRAST_IGNORED,
      "Contrasts are tested under the fixed-effect model alone: this run has none."},
     {MAStatusCode::NULL_IGNORED,

@@ -43,8 +43,8 @@ public:
     std::vector<double> GetStdError() const { return CopyOf(studies_.effects.stdError); }
     std::vector<double> GetZVal() const { return CopyOf(studies_.zValue); }
     std::vector<double> GetSig() const { return CopyOf(studies_.significance); }
-    /// Decimal logarithms of the p-values, here and below: right also where a p-value underflows to 0, and
-    /// missing where it is missing.
+    /// Decimal logarithm of each p-value: right also where the p-value underflows to 0, missing where it is
+    /// missing. The same holds for every getter with `Log10` in its name.
     std::vector<double> GetLog10Sig() const;
     std::vector<double> GetCILower() const { return CopyOf(studies_.effects.ciLower); }
     std::vector<double> GetCIUpper() const { return CopyOf(studies_.effects.ciUpper); }
@@ -101,8 +101,8 @@ public:
     std::vector<double> GetBIC() const { return HeterogeneityColumn(&MAHeterogeneityRow::bic); }
     std::vector<double> GetAICc() const { return HeterogeneityColumn(&MAHeterogeneityRow::aicc); }
 
-    /// Per model: homogeneity test; H² and I² (a fraction). Under random effects their bounds follow from
-    /// those of the between-study variance.
+    /// Per model: homogeneity test; H² and I² (a fraction). Under random effects the bounds of H² and I²
+    /// follow from those of the between-study variance, and are missing when these are.
     std::vector<double> GetHomoTestChisquareQ() const { return HeterogeneityColumn(&MAHeterogeneityRow::q); }
     std::vector<double> GetHomoTestdf() const { return HeterogeneityColumn(&MAHeterogeneityRow::df); }
     std::vector<double> GetHomoTestSig() const { return PValuesOf(heterogeneity_, &MAPValue::value); }

@@ -147,7 +147,7 @@ MARandomEffectModel MABaseModel::NewRandomEffectModel(const std::vector<double>&
     return model;
 }
 
-/// For a step of a cumulative analysis or of trimming, of which no interval of tau² is reported.
+/// The model of a step of a cumulative analysis or of trimming, whose interval of tau² is not reported.
 MARandomEffectModel MABaseModel::NewStepModel(const std::vector<double>& effectSizes,
                                               const std::vector<double>& variances) const
 {
@@ -221,7 +221,7 @@ KXStatus MABaseModel::BuildTest(Model model)
     return status_;
 }
 
-/// The scoring steps of the settings' default can miss the estimate that a reported model is labelled with.
+/// Scoring, the default, can miss the estimate that a reported model is labelled with.
 void MABaseModel::WarnOfDoubtfulTau2(const MARandomEffectModel& model)
 {
     if (model.HasDoubtfulTau2())

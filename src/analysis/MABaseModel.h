@@ -130,9 +130,9 @@ protected:
     KXStatus RunRegressionTest(MultiPassRecordIter& records, const KXVarList& variables,
                                MAConst::RegBaseTestType type);
     /// The small-study test of a run goes with trim-and-fill, whose side it decides. A failure of the test
-    /// itself leaves its values missing, and the run goes on. The run ends when memory runs out, for which
-    /// TAU2_FAILED stands too as the estimator is a known one, and when the records failed: another side, and
-    /// with it another trim-and-fill, must not follow from an iterator that broke off.
+    /// itself leaves its values missing, and the run goes on. Two failures end the run: memory that runs out,
+    /// which `TAU2_FAILED` means as well because the estimator is a known one, and records that failed,
+    /// because trim-and-fill would take its side from a part of them.
     template <class Test>
     KXStatus RunSmallStudyTest(const KXVarList& variables, Test test)
     {
@@ -156,7 +156,7 @@ protected:
     void ComputeCochranStatistics();
     /// Empties the per-model lists that later models fill anew, on request the between-study variances too.
     void ResetEstESStat(bool alsoTau2) { results_.Reset(alsoTau2); }
-    /// Appends the per-model rows that there are as one row of the cumulative lists.
+    /// Appends the rows of the models as one row of the cumulative lists.
     void PushCumuStatistics() { cumulativeRows_.push_back(results_.models); }
     /// Estimate of the number of missing studies from values on the trimmed side's scale, about the estimate
     /// built last.
@@ -172,7 +172,7 @@ protected:
     /// The studies of each group, in study order; without a subgroup variable all are one group.
     std::vector<MASelection> MembersByGroup() const;
 
-    /// Takes up a warning that there is not yet; within a guarded operation, for it may throw std::bad_alloc.
+    /// Records the warning unless it is already recorded. May throw std::bad_alloc.
     void AddWarning(const KXStatus& warning);
     void AddWarning(int code) { AddWarning(KXStatus(code, true)); }
     void AddWarnings(const std::vector<int>& codes);
@@ -182,8 +182,8 @@ protected:
     bool HasGroups() const { return groupCount_ > 1; }
     /// Whether a pass over the records came to its end, or left studies.
     bool HasRead() const { return recordCount_ != unread || studies_.Count() > 0; }
-    /// Whether every study has its group value. A public build that is called before the studies are complete
-    /// finds it otherwise.
+    /// Whether every study has its group value: false before the studies are complete, when a host can call a
+    /// public build already.
     bool HasGroupValues() const { return HasRead() && studies_.groupValue.size() == studies_.Count(); }
     bool HasCumulativeValues() const { return !studies_.cumulativeValue.empty(); }
     /// Whether a model build records its heterogeneity output (else a whole analysis records it once).

@@ -281,8 +281,8 @@ int MABinModel::GetNZeroCorrected() const
     return corrected;
 }
 
-/// For tables of the run, as read: the object corrects them as the effect sizes did, with the user's
-/// constant, and for all alike where a single study had a zero cell.
+/// For tables of the run, as read. The object corrects the tables that the effect sizes corrected, with the
+/// user's constant: all tables, also of a group without a zero cell, when `ZERO_ADJUST_ALL_IF_ANY` found one.
 MABinaryFixEffectModel MABinModel::NewModelOfRun(MATableColumns& tables) const
 {
     MABinaryFixEffectModel model = NewBinFixEffectModel(tables.treatmentEvents, tables.treatmentNonEvents,

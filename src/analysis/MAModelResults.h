@@ -137,7 +137,7 @@ struct MAModelResults
     }
 };
 
-/// The p-values of the rows, or their decimal logarithms.
+/// The p-values of the rows (`form` is `&MAPValue::value`) or their decimal logarithms (`&MAPValue::log10`).
 template <class Row>
 std::vector<double> PValuesOf(const std::vector<Row>& rows, double MAPValue::*form) noexcept
 {

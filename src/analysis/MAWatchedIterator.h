@@ -9,8 +9,8 @@
 
 namespace MA_NAMESPACE {
 
-/// The host's records, with a memory of what went wrong in reading them. A computation on the records has
-/// failures of its own, and reports both alike.
+/// The host's records, and the first failure of reading them. A computation on the records reports its own
+/// failures with the same codes; `Failure` tells the two apart.
 class MAWatchedIterator : public MultiPassRecordIter
 {
 public:

@@ -2,6 +2,7 @@
 
 #include "meta_analysis/analysis/MARecordPass.h"
 #include "meta_analysis/effectsize/MATable.h"
+#include "meta_analysis/effectsize/MAZeroCorrection.h"
 
 #include <cmath>
 
@@ -108,11 +109,7 @@ bool RegTestRecordIterator::ReadTable(const Record& source, MATable& table) cons
 
 void RegTestRecordIterator::AppendTableColumns(const MATable& counts)
 {
-    const bool isAdjusted = zeroAdjustment_ == MAConst::ZERO_ADJUST_ALL ||
-                            (zeroAdjustment_ == MAConst::ZERO_ADJUST_EACH && counts.HasZeroCell());
-    const double constant = isAdjusted ? zeroCountConstant : 0.0;
-    const MATable table = {counts.a + constant, counts.b + constant, counts.c + constant,
-                           counts.d + constant};
+    const MATable table = MAZeroCorrection{zeroAdjustment_, zeroCountConstant}.Corrected(counts);
     const double n = table.Size();
     const double events = table.a + table.c;
     const double nonEvents = table.b + table.d;

@@ -8,8 +8,8 @@ namespace MA_NAMESPACE {
 /// The zero-cell correction of 2x2 tables: which of them receive the constant in all four cells.
 struct MAZeroCorrection
 {
-    /// `ZERO_ADJUST_ALL_IF_ANY` depends on the other tables. It corrects nothing here: where a table has a
-    /// zero cell, its place is taken by `ZERO_ADJUST_ALL` first.
+    /// `ZERO_ADJUST_ALL_IF_ANY` depends on the other tables, and corrects nothing here: `MABinaryEffectSize`
+    /// replaces it by `ZERO_ADJUST_ALL` when a table has a zero cell.
     MAConst::ZEROADJTYPE type;
     double delta;
 

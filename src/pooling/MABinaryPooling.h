@@ -10,9 +10,9 @@ namespace MA_NAMESPACE {
 
 // The fixed-effect methods for 2x2 tables. Each is a set of running sums, to which tables are added one by
 // one and from which the pooled estimate and its variance follow at any time, on the scale of the test:
-// the log scale for ratios, the natural scale for the risk difference. With it go the weight of a table
-// the variance of a table's own effect on that scale, and whether a table tells anything about the pooled
-// effect at all: of one that does not, every term of the sums is 0 (or 0 / 0).
+// the log scale for ratios, the natural scale for the risk difference. Each method also has the weight of a
+// table, the variance of a table's own effect on that scale, and whether a table has information on the
+// pooled effect: without it every term of the sums is 0 (or 0 / 0).
 
 /// Mantel and Haenszel (1959), Journal of the National Cancer Institute 22, 719-748; variance of Robins,
 /// Breslow and Greenland (1986), Biometrics 42, 311-323.
@@ -22,7 +22,7 @@ public:
     static constexpr bool onLogScale = true;
     static double Weight(const MATable& table) { return table.b * table.c / table.Size(); }
     static double EffectVariance(const MATable& table) { return table.LogOddsRatioVariance(); }
-    /// Not without events, or without non-events, in both groups, nor with an empty group.
+    /// False without events, or without non-events, in both groups, and with an empty group.
     static bool IsInformative(const MATable& table)
     {
         return (table.a != 0 && table.d != 0) || (table.b != 0 && table.c != 0);
@@ -65,7 +65,8 @@ public:
     static constexpr bool onLogScale = true;
     static double Weight(const MATable& table) { return table.TreatmentSize() * table.c / table.Size(); }
     static double EffectVariance(const MATable& table) { return table.LogRiskRatioVariance(); }
-    /// Not without events in both groups, nor with an empty group. All persons with events have risks of 1.
+    /// False without events in both groups, and with an empty group. True where all persons have events:
+    /// both risks are 1.
     static bool IsInformative(const MATable& table)
     {
         return (table.a != 0 && table.ControlSize() != 0) || (table.c != 0 && table.TreatmentSize() != 0);
@@ -99,7 +100,7 @@ public:
         return table.TreatmentSize() * table.ControlSize() / table.Size();
     }
     static double EffectVariance(const MATable& table) { return table.RiskDifferenceVariance(); }
-    /// Not with an empty group. Two risks of 0 have the difference 0.
+    /// False with an empty group. True for two risks of 0, whose difference is 0.
     static bool IsInformative(const MATable& table)
     {
         return table.TreatmentSize() != 0 && table.ControlSize() != 0;
@@ -135,7 +136,7 @@ public:
         return table.Size() > 1.0 ? table.HypergeometricVariance() : KXMV::Missing();
     }
     static double EffectVariance(const MATable& table) { return 1.0 / table.HypergeometricVariance(); }
-    /// As an odds ratio, and not with a single person.
+    /// False as for the odds ratio, and with a single person.
     static bool IsInformative(const MATable& table)
     {
         return table.Size() > 1.0 && table.HypergeometricVariance() != 0;

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "meta_analysis/settings/MAConst.h"
+#include "meta_analysis/settings/MAEstimatorCode.h"
 
 #include <cmath>
 
@@ -12,12 +12,6 @@ enum class MALikelihoodType
     Full,
     Restricted
 };
-
-/// Whether an estimator maximises a likelihood.
-inline bool HasLikelihood(MAConst::TAU2ESTIMATOR estimator)
-{
-    return estimator == MAConst::TAU2_ML || estimator == MAConst::TAU2_REML;
-}
 
 /// The likelihood that an estimator goes by; EB, which has none, shares the Q statistic of either.
 inline MALikelihoodType LikelihoodOf(MAConst::TAU2ESTIMATOR estimator)

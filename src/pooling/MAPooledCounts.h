@@ -14,7 +14,7 @@ struct MAPooledEffect
 {
     double estimate;
     double variance;
-    bool isCorrected; ///< of the counts as the zero-cell correction of the studies left them
+    bool isCorrected; ///< whether the corrected counts were pooled
     int correctedTables;
 };
 
@@ -26,7 +26,7 @@ struct MAPooledEffect
 ///
 /// Where counts are pooled as read, a table without information on the effect (an odds ratio without events
 /// in either group) takes no part: its terms are 0, and those of its correction would only tell the ratio of
-/// its group sizes. So it stays out of the corrected sums of `POOLED_ZERO_CELLS_IF_NEEDED` as well.
+/// its group sizes. So the corrected sums of `POOLED_ZERO_CELLS_IF_NEEDED` leave it out as well.
 template <class Pooling>
 class MAPooledCounts
 {
@@ -73,9 +73,9 @@ private:
         return {corrected_.Estimate(), corrected_.Variance(), true, correctedTables_};
     }
 
-    /// A ratio of 0 or infinity, or of nothing at all, has no test, no interval and no distance from the
-    /// studies' effects. Not a number rather than the missing value, which further arithmetic would take for
-    /// a number.
+    /// A ratio of 0 or infinity, or of no table, has no test, no interval and no distance from the studies'
+    /// effects. It becomes NaN rather than the missing value, which further arithmetic would take for a
+    /// number.
     static MAPooledEffect NaNUnlessFinite(MAPooledEffect effect)
     {
         if (!std::isfinite(effect.estimate) || !std::isfinite(effect.variance))

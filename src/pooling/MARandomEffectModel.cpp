@@ -119,8 +119,8 @@ KXStatus MARandomEffectModel::EstimateTau2()
     if (!HaveLength(studyCount_, effectSizes_, variances_))
         return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
     tau2_ = estimator.GetBetweenStudyVariannce();
-    convergence_ = estimator.GetTau2Convergence();
-    evaluations_ = estimator.GetTau2Evaluations();
+    tau2Results_.convergence = estimator.GetTau2Convergence();
+    tau2Results_.evaluations = estimator.GetTau2Evaluations();
     if (tau2_ == -1.0)
         status_ = KXStatus(MAStatusCode::TAU2_FAILED);
     return status_;
@@ -249,15 +249,15 @@ void MARandomEffectModel::MeasureLikelihood()
     MAPooledCurve curve(effectSizes_->data(), variances_->data(), studyCount_, LikelihoodOf(estimator_));
     const double t = tau2_ / curve.Unit();
     if (HasLikelihood(estimator_))
-        information_ = InformationCriteria(curve.LogLikelihood(t), 2.0, curve.Bounds().traceSize);
+        tau2Results_.information = InformationCriteria(curve.LogLikelihood(t), 2.0, curve.Bounds().traceSize);
     SetTau2Bounds(Tau2Interval(curve, tau2Interval_, estimator_, t, alpha_));
 }
 
 /// The bounds of H² and I² are their values at those of tau².
 void MARandomEffectModel::SetTau2Bounds(const MATau2Bounds& bounds)
 {
-    tau2Lower_ = bounds.lower;
-    tau2Upper_ = bounds.upper;
+    tau2Results_.lower = bounds.lower;
+    tau2Results_.upper = bounds.upper;
     if (KXMV::IsMissing(bounds.lower) || KXMV::IsMissing(bounds.upper))
         return;
     const MAHeterogeneityMeasures lower = HeterogeneityFromTau2(bounds.lower, typicalVariance_);
@@ -270,8 +270,8 @@ void MARandomEffectModel::SetTau2Bounds(const MATau2Bounds& bounds)
 
 bool MARandomEffectModel::HasDoubtfulTau2() const
 {
-    if (!IsIterative(estimator_) || convergence_ == MAConst::TAU2_GLOBAL_OPTIMUM || studyCount_ < 2 ||
-        status_.IsError())
+    if (!IsIterative(estimator_) || tau2Results_.convergence == MAConst::TAU2_GLOBAL_OPTIMUM ||
+        studyCount_ < 2 || status_.IsError())
         return false;
     MAPooledCurve curve(effectSizes_->data(), variances_->data(), studyCount_, LikelihoodOf(estimator_));
     const double proved = curve.Unit() * SolveTau2(curve, estimator_, tau2_ / curve.Unit()).t;

@@ -5,7 +5,7 @@
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/pooling/MAHeterogeneityMeasures.h"
-#include "meta_analysis/pooling/MAInformationCriteria.h"
+#include "meta_analysis/pooling/MATau2Results.h"
 #include "meta_analysis/settings/MAConst.h"
 
 #include <cstddef>
@@ -19,7 +19,7 @@ struct MATau2Bounds;
 ///     mean = sum(w y) / sum(w), variance = 1 / sum(w), w = 1 / (v + tau²),
 /// with tau² from `MATAU2ESTIMATIOR`, optionally with the Knapp-Hartung adjustment (Knapp and Hartung 2003,
 /// Statistics in Medicine 22, 2693-2710), a test against 0, a confidence and a prediction interval, the
-/// homogeneity test, H² and I², on request intervals of tau², H² and I², and the likelihood.
+/// homogeneity test, H² and I², the likelihood of ML and REML, and on request intervals of tau², H² and I².
 ///
 /// Calling order: construct, set effect sizes, variances and options, `EstimateMeanESStats`, read the
 /// getters. The vectors are the caller's and must outlive the object. Everything is on the scale of the
@@ -48,7 +48,7 @@ public:
     KXStatus SetMaxStepHalving(int maxStepHalving);
     KXStatus SetConverTol(double tolerance);
     KXStatus SetEstimationType(MAConst::TAU2ESTIMATOR type);
-    /// How the iterative estimators are found; scoring unless set.
+    /// How ML, REML and EB find their estimate; scoring unless set.
     KXStatus SetTau2Search(MAConst::TAU2SEARCH search);
     /// Interval of tau², and by it of H² and I²; none unless set. Profile likelihood is for ML and REML, and
     /// gives none for other estimators.
@@ -96,16 +96,16 @@ public:
     double GetHeterogeneityTestI2() const { return heterogeneity_.i2; }
     /// Bounds of tau² at the confidence level, 0 at least, and of H² and I² from them. Missing unless asked
     /// for, and for k < 2.
-    double GetTau2CILower() const { return tau2Lower_; }
-    double GetTau2CIUpper() const { return tau2Upper_; }
+    double GetTau2CILower() const { return tau2Results_.lower; }
+    double GetTau2CIUpper() const { return tau2Results_.upper; }
     double GetHeterogeneityTestH2CILower() const { return heterogeneity_.h2Lower; }
     double GetHeterogeneityTestH2CIUpper() const { return heterogeneity_.h2Upper; }
     double GetHeterogeneityTestI2CILower() const { return heterogeneity_.i2Lower; }
     double GetHeterogeneityTestI2CIUpper() const { return heterogeneity_.i2Upper; }
 
     /// How tau² was found, see `MATAU2ESTIMATIOR`.
-    MAConst::TAU2CONVERGENCE GetTau2Convergence() const { return convergence_; }
-    int GetTau2Evaluations() const { return evaluations_; }
+    MAConst::TAU2CONVERGENCE GetTau2Convergence() const { return tau2Results_.convergence; }
+    int GetTau2Evaluations() const { return tau2Results_.evaluations; }
     /// Whether tau² of an iterative estimator is off the one that the global search proves by more than a
     /// hundredth of the latter plus the typical within-study variance, or the search proves none. Takes one
     /// search, and none after a global one that ended with a proof.
@@ -114,10 +114,10 @@ public:
     /// Log-likelihood (ML) or restricted log-likelihood (REML) at tau², with all constants, and the criteria
     /// of Akaike and Schwarz with two parameters; of k observations (ML) or k - 1 (REML). Missing for other
     /// estimators and for k < 2.
-    double GetLogLikelihood() const { return information_.logLikelihood; }
-    double GetAIC() const { return information_.aic; }
-    double GetBIC() const { return information_.bic; }
-    double GetAICc() const { return information_.aicc; }
+    double GetLogLikelihood() const { return tau2Results_.information.logLikelihood; }
+    double GetAIC() const { return tau2Results_.information.aic; }
+    double GetBIC() const { return tau2Results_.information.bic; }
+    double GetAICc() const { return tau2Results_.information.aicc; }
 
 private:
     KXStatus EstimateTau2();
@@ -145,10 +145,7 @@ private:
     double threshold_ = KXMV::Missing();
     bool isThresholdAbove_ = true;
     double tau2_ = 0.0;
-    MAConst::TAU2CONVERGENCE convergence_ = MAConst::TAU2_CLOSED_FORM;
-    int evaluations_ = 0;
-    double tau2Lower_ = KXMV::Missing();
-    double tau2Upper_ = KXMV::Missing();
+    MATau2Results tau2Results_;
     double mean_ = KXMV::Missing();
     double variance_ = KXMV::Missing();
     double piUpper_ = KXMV::Missing();
@@ -163,7 +160,6 @@ private:
     MAPValue qPValue_;
     double typicalVariance_ = KXMV::Missing();
     MAHeterogeneityMeasures heterogeneity_;
-    MAInformationCriteria information_;
     KXStatus status_;
 };
 

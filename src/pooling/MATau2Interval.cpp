@@ -180,7 +180,7 @@ MATau2Bounds Tau2Interval(MALikelihoodCurve& curve, MAConst::TAU2INTERVAL type,
         return QProfileInterval(curve, alpha);
     if (type == MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD && HasLikelihood(estimator))
         return ProfileLikelihoodInterval(curve, guess, alpha);
-    return {KXMV::Missing(), KXMV::Missing()};
+    return noBounds;
 }
 
 } // namespace MA_NAMESPACE

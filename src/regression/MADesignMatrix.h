@@ -37,8 +37,8 @@ struct MADesignRows
 ///
 /// Calling order: `ReadFirstPass` over all records (statistics, levels of the factors, then the columns are
 /// fixed), `AttachIterator`, `CacheRows`. From then on every pass of an estimation runs over `Rows()`, in
-/// memory. The settings are the host's and must outlive the object. The order of the
-/// virtual operations is part of the interface: hosts are compiled against it.
+/// memory. The settings are the host's and must outlive the object. The order of the virtual operations is
+/// part of the interface: hosts are compiled against it.
 ///
 /// A record is usable when its dependent is there, its omega weight is positive, each factor of the settings
 /// has a level below the factor's size and each covariate of the settings is there, whether or not a model
@@ -85,7 +85,7 @@ public:
     /// computational tolerance of the settings.
     const MAOrthonormalColumns& Columns() const { return *columns_; }
 
-    /// Of the rows; what a variance is compared with to call it negligible.
+    /// Mean variance of the rows, once they are cached. A variance is negligible in comparison with it.
     double MeanVariance() const { return meanVariance_; }
 
     const MARegSettings& GetSettings() const { return *settings_; }

@@ -158,8 +158,8 @@ KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::v
     return estimated;
 }
 
-/// The scoring steps can miss the estimate that the model is labelled with: warning 460100 where it is off
-/// the one that a search proves. Takes a search, and another fit only where they differ.
+/// Warning `TAU2_DOUBTFUL` when scoring missed the estimate that the model is labelled with, which a search
+/// proves. The typical variance takes another fit, made only where tau² differs from the proved one.
 KXStatus MAREAlgorithm::CheckTau2()
 {
     const auto estimator = static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType());

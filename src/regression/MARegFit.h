@@ -44,8 +44,8 @@ struct MAPrediction
     double leverage = KXMV::Missing();
 };
 
-/// Weighted least squares over the rows of a design matrix: what both meta-regression engines and the
-/// between-study variance estimators fit.
+/// Weighted least squares over the rows of a design matrix, with the tests and predictions of a model: what
+/// both meta-regression engines fit.
 ///
 /// With X the predictors, W the weights and M = (X'WX)⁻ (zero rows and columns for redundant predictors):
 /// b = M X'Wy, covariance V = scale M, leverage h_i = w_i x_i'M x_i. The fit works on the design's

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "meta_analysis/settings/MAConst.h"
+
 #include <algorithm>
 #include <cstring>
 #include <iterator>
@@ -20,6 +22,12 @@ inline int EstimatorOfCode(const char* code)
     const auto found = std::find_if(std::begin(estimatorCodes), std::end(estimatorCodes),
                                     [&](const char* known) { return std::strcmp(known, code) == 0; });
     return static_cast<int>(found - std::begin(estimatorCodes));
+}
+
+/// Whether an estimator maximises a likelihood.
+inline bool HasLikelihood(MAConst::TAU2ESTIMATOR estimator)
+{
+    return estimator == MAConst::TAU2_ML || estimator == MAConst::TAU2_REML;
 }
 
 } // namespace MA_NAMESPACE

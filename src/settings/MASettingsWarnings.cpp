@@ -58,11 +58,21 @@ bool IsKnownModel(MAConst::MODELTYPE type)
     return type == MAConst::MODEL_FIXED || type == MAConst::MODEL_RANDOM;
 }
 
-bool Iterates(int estimator, MAConst::TAU2SEARCH search)
+bool Iterates(MAConst::TAU2ESTIMATOR estimator, MAConst::TAU2SEARCH search)
 {
-    const bool isIterative =
-        estimator == MAConst::TAU2_ML || estimator == MAConst::TAU2_REML || estimator == MAConst::TAU2_EB;
+    const bool isIterative = HasLikelihood(estimator) || estimator == MAConst::TAU2_EB;
     return isIterative && search != MAConst::TAU2_SEARCH_GLOBAL;
+}
+
+/// Whether the interval asked for is one that the estimator does not have.
+bool LacksInterval(MAConst::TAU2ESTIMATOR estimator, MAConst::TAU2INTERVAL interval)
+{
+    return interval == MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD && !HasLikelihood(estimator);
+}
+
+MAConst::TAU2ESTIMATOR EstimatorOf(const MARegSettings& settings)
+{
+    return static_cast<MAConst::TAU2ESTIMATOR>(EstimatorOfCode(settings.GetEstTauType()));
 }
 
 /// Whether a model of the run, or of its trimming, estimates tau² by iteration.
@@ -99,6 +109,11 @@ constexpr Rule<Run> rulesOfRuns[] = {
          return !IsKnownModel(run.settings.GetModelType()) ||
                 (run.settings.GetIsTRIMFILL() && !IsKnownModel(run.settings.GetTFModelType()));
      }},
+    {MAStatusCode::TAU2_INTERVAL_UNAVAILABLE,
+     [](const Run& run) {
+         return !IsFixed(run.settings) &&
+                LacksInterval(run.settings.GetEstTauType(), run.settings.GetTau2Interval());
+     }},
 };
 
 /// Tables are pooled with a null value on the ratio scale, of which 0 stands for 1. Effect sizes are pooled
@@ -118,7 +133,7 @@ constexpr Rule<MAModelSettings> rulesOfBinaryRuns[] = {
      }},
     {MAStatusCode::BINARY_RANDOM_EFFECTS,
      [](const MAModelSettings& settings) { return settings.GetModelType() == MAConst::MODEL_RANDOM; }},
-    {MAStatusCode::RATIO_NULL_NOT_POSITIVE, HasImpossibleRatio},
+    {MAStatusCode::RATIO_NULL_NEGATIVE, HasImpossibleRatio},
 };
 
 constexpr Rule<RegressionRun> rulesOfRegressions[] = {
@@ -127,7 +142,11 @@ constexpr Rule<RegressionRun> rulesOfRegressions[] = {
     {MAStatusCode::NO_ITERATION_ALLOWED,
      [](const RegressionRun& run) {
          return run.isRandom && run.settings.GetMaxIterations() < 1 &&
-                Iterates(EstimatorOfCode(run.settings.GetEstTauType()), run.settings.GetTau2Search());
+                Iterates(EstimatorOf(run.settings), run.settings.GetTau2Search());
+     }},
+    {MAStatusCode::TAU2_INTERVAL_UNAVAILABLE,
+     [](const RegressionRun& run) {
+         return run.isRandom && LacksInterval(EstimatorOf(run.settings), run.settings.GetTau2Interval());
      }},
 };
 

@@ -60,6 +60,7 @@ const Names companions[] = {
     {"GetEffectSize", "GetVariance", "GetStdError", "GetZVal", "GetSig", "GetNonMissingStudyID"},
     {"GetEstEffectSize", "GetEstStdError", "GetEstZVal", "GetEstSig"},
     {"GetHomoTestChisquareQ", "GetHomoTestdf", "GetHomoTestSig", "GetPILower", "GetPIUpper"},
+    {"GetHomoTestChisquareQ", "GetTau2CILower", "GetTau2CIUpper", "GetTau2Convergence", "GetAIC"},
     {"GetContrastEstES", "GetContrastEstStdError", "GetContrastEstZVal", "GetContrastEstSig"},
     {"GetCumEstES", "GetCumEstStdErr", "GetCumEstZval", "GetCumEstSig", "GetCumEstCiLower"},
     {"GetFunnelX", "GetFunnelY"},
@@ -325,9 +326,10 @@ void CheckShapesAndRanges(const Expectations& expect)
     for (const auto& [pValues, logarithms] : logarithmsOfPValues)
         expect.Logarithms(pValues, logarithms);
     expect.Between({"GetVariance", "GetTau2Var", "GetHomoTestChisquareQ", "GetHomoTestdf", "GetH2Index",
-                    "GetH2CILower", "GetGDQbVal", "GetRegBasedTestDf"},
+                    "GetH2CILower", "GetTau2Evaluations", "GetGDQbVal", "GetRegBasedTestDf"},
                    0.0, infinity);
-    expect.Between({"GetI2Index", "GetI2CILower", "GetI2CIUpper", "GetNormalizedWeight"}, 0.0, 1.0);
+    expect.Between({"GetI2Index", "GetI2CILower", "GetI2CIUpper", "GetNormalizedWeight", "GetPIProbability"},
+                   0.0, 1.0);
     expect.Between({"GetBubbleW"}, 0.0, 100.0);
 }
 

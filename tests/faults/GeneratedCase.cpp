@@ -227,8 +227,10 @@ AnalysisCase::AnalysisCase(ByteStream& bytes)
     const int variableCount = values.IsHostile() ? bytes.Below(16) : first + ROLE_COUNT;
     for (int i = 0; i < variableCount; ++i)
         variables.AddContVar("v" + std::to_string(i), "");
-    settings.SetPooledZeroCells(
-        values.Enumerator<POOLEDZEROCELLS>(3)); // last, for the corpus was made before
+    settings.SetPooledZeroCells(values.Enumerator<POOLEDZEROCELLS>(3)); // here the corpus ends
+    settings.SetTau2Search(values.Enumerator<TAU2SEARCH>(2));
+    settings.SetPrediction(values.Enumerator<PREDICTIONTYPE>(3));
+    settings.SetProbabilityAbove(values.Positive());
 }
 
 RegressionCase::RegressionCase(ByteStream& bytes) : isTame(!bytes.OneIn(2)), isRandom(bytes.OneIn(2))
@@ -252,4 +254,5 @@ RegressionCase::RegressionCase(ByteStream& bytes) : isTame(!bytes.OneIn(2)), isR
         if (values.IsHostile())
             rows.back().resize(static_cast<std::size_t>(values.Stream().Below(6)));
     }
+    settings.SetTau2Search(values.Enumerator<TAU2SEARCH>(2)); // last, for the corpus was made before
 }

@@ -83,12 +83,12 @@ void RegressionCheck<Engine>::CheckResults()
     violations_.Expect(static_cast<std::size_t>(records) == made_.rows.size(), "every record is good or bad");
 }
 
-/// Leverages sum to the number of estimated parameters. The sweep takes pivots down to its tolerance, by
-/// whose inverse a rounding error can grow.
+/// Leverages sum to the number of estimated parameters. A column that is kept has more than the computational
+/// tolerance of its sum of squares left, by whose inverse root a rounding error can grow.
 template <class Engine>
 void RegressionCheck<Engine>::CheckScores()
 {
-    const double rounding = machineEpsilon / made_.settings.GetComputationalTolerance();
+    const double rounding = 16 * machineEpsilon / std::sqrt(made_.settings.GetComputationalTolerance());
     double leverages = 0.0;
     for (const Row& row : made_.rows) {
         const Scores scores(fit_.engine, row);

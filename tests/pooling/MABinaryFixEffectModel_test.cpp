@@ -30,8 +30,8 @@ MABinaryFixEffectModel Fitted(Tables& tables, BINESTYPE method)
 
 } // namespace
 
-/// 0 is none of a ratio, and 1 none of a difference.
-TEST(MABinaryFixEffectModel, NullValueThatCannotBeMeantIsNoEffect)
+/// A null value of 0 stands for a ratio of 1, and one of 1 for a difference of 0.
+TEST(MABinaryFixEffectModel, NullValueOfTheOtherScaleMeansNoEffect)
 {
     for (const BINESTYPE method : methods) {
         for (const double null : {0.0, 1.0, 0.5}) {
@@ -83,19 +83,7 @@ TEST(MABinaryFixEffectModel, ZeroCellCorrection)
     EXPECT_EQ(tables.ToRows(), (Rows{{2, 1, 4, 5}, {5, 6, 7, 8}}));
 }
 
-/// The studies' effects have the correction all the same, which the caller's vectors show.
-TEST(MABinaryFixEffectModel, PoolsTheCountsAsReadOnRequest)
-{
-    Tables tables({{0, 100, 4, 96}, {1, 99, 5, 95}, {2, 198, 6, 194}});
-    MABinaryFixEffectModel model = Given(tables, BIN_ODDS_RATIO, ZERO_ADJUST_EACH);
-    model.SetPooledZeroCells(POOLED_ZERO_CELLS_NONE);
-    model.ComputeEffectSizeStatistics();
-    EXPECT_DOUBLE_EQ(model.GetEstESVal(), 1.445 / 7.445);
-    EXPECT_EQ(tables.ToRows()[0], (Row{0.5, 100.5, 4.5, 96.5}));
-    EXPECT_EQ(model.GetNPoolCorrected(), 0);
-}
-
-TEST(MABinaryFixEffectModel, OtherScaleOfTheResults)
+TEST(MABinaryFixEffectModel, ResultsOfTheOtherScaleAreExponentialsOrLogarithms)
 {
     Tables tables(trials);
     const MABinaryFixEffectModel difference = Fitted(tables, BIN_RISK_DIFFERENCE);

@@ -8,12 +8,12 @@ using nlohmann::json;
 
 namespace {
 
-/// The figures have 15 digits; solving the normal equations costs up to three of them.
+/// The figures have 15 digits, less those that their own solver lost.
 constexpr double closedFormTolerance = 1e-12;
 /// The figures and the library stop below a step of 1e-12, slowly converging ones a little before the root.
 constexpr double iterativeTolerance = 1e-10;
-/// What is left of the digits of 1 - P.
-constexpr double significanceTolerance = 1e-12;
+/// By how much the relative error of a p-value exceeds that of its statistic, which is below 10.
+constexpr double tailFactor = 100.0;
 
 struct Model
 {
@@ -83,7 +83,7 @@ void ExpectCoefficients(const MARegOutputStats& output, const json& figures, dou
         EXPECT_TRUE(Close(output.GetEstimation()[j], figures.at("b")[j], tolerance, stdError));
         EXPECT_TRUE(Close(output.GetBetaStandErr()[j], stdError, tolerance));
         EXPECT_TRUE(Close(output.GetBetaTest()[j], figures.at("stat")[j], tolerance, 1.0));
-        EXPECT_NEAR(output.GetBetaTestPValue()[j], figures.at("p")[j], significanceTolerance + tolerance);
+        EXPECT_TRUE(Close(output.GetBetaTestPValue()[j], figures.at("p")[j], tailFactor * tolerance));
         if (!figures.contains("ci_lower"))
             continue;
         EXPECT_TRUE(
@@ -101,13 +101,13 @@ void ExpectModelTests(const MARegOutputStats& output, const json& figures, doubl
     if (figures.contains("wald")) {
         EXPECT_EQ(output.GetWaldDf(), figures.at("wald_df"));
         EXPECT_TRUE(Close(output.GetWaldChiSquareTest(), figures.at("wald"), tolerance));
-        EXPECT_NEAR(output.GetWaldPValue(), figures.at("wald_p"), significanceTolerance + tolerance);
+        EXPECT_TRUE(Close(output.GetWaldPValue(), figures.at("wald_p"), tailFactor * tolerance));
     }
     if (figures.contains("F")) {
         EXPECT_EQ(output.GetFDf1(), tested);
         EXPECT_EQ(output.GetFDf2(), figures.at("QE_df"));
         EXPECT_TRUE(Close(output.GetFTestVal(), figures.at("F"), tolerance));
-        EXPECT_NEAR(output.GetFPValue(), figures.at("F_p"), significanceTolerance + tolerance);
+        EXPECT_TRUE(Close(output.GetFPValue(), figures.at("F_p"), tailFactor * tolerance));
     }
 }
 
@@ -115,7 +115,7 @@ void ExpectHeterogeneity(const MARegOutputStats& output, const json& figures, do
 {
     EXPECT_TRUE(Close(output.GetResHomoChiSqure(), figures.at("QE"), closedFormTolerance));
     EXPECT_EQ(output.GetResHomoDf(), figures.at("QE_df"));
-    EXPECT_NEAR(output.GetResHomoPValue(), figures.at("QE_p"), significanceTolerance);
+    EXPECT_TRUE(Close(output.GetResHomoPValue(), figures.at("QE_p"), tailFactor * tolerance));
     EXPECT_TRUE(Close(output.GetHresSquare(), figures.at("H2"), tolerance));
     EXPECT_TRUE(Close(output.GetIresSquare(), figures.at("I2"), tolerance, 1.0));
     // The figures' last step of the iteration is below 1e-12, which is all of a tau² at the boundary.

@@ -44,11 +44,11 @@ const Case cases[] = {
     {"level in percent", CONFIDENCE_LEVEL_OUTSIDE, true, [](S& s) { s.SetCILevel(95); }},
     {"level NaN", CONFIDENCE_LEVEL_OUTSIDE, true, [](S& s) { s.SetCILevel(notANumber); }},
     {"level inside", CONFIDENCE_LEVEL_OUTSIDE, false, [](S& s) { s.SetCILevel(0.999); }},
-    {"negative ratio", RATIO_NULL_NOT_POSITIVE, true, [](S& s) { PoolTables(s), s.SetNullHypothesis(-1); }},
-    {"ratio 0 stands for 1", RATIO_NULL_NOT_POSITIVE, false, [](S& s) { PoolTables(s); }},
-    {"negative difference", RATIO_NULL_NOT_POSITIVE, false,
+    {"negative ratio", RATIO_NULL_NEGATIVE, true, [](S& s) { PoolTables(s), s.SetNullHypothesis(-1); }},
+    {"ratio 0 stands for 1", RATIO_NULL_NEGATIVE, false, [](S& s) { PoolTables(s); }},
+    {"negative difference", RATIO_NULL_NEGATIVE, false,
      [](S& s) { PoolTables(s), s.SetNullHypothesis(-1), s.SetBinaryEstType(BIN_RISK_DIFFERENCE); }},
-    {"negative logarithm", RATIO_NULL_NOT_POSITIVE, false,
+    {"negative logarithm", RATIO_NULL_NEGATIVE, false,
      [](S& s) { s.SetModelType(MODEL_FIXED), s.SetNullHypothesis(-1); }},
     {"contrast of random effects", CONTRAST_IGNORED, true, [](S& s) { s.SetContrastCoefIndex({0}); }},
     {"null of random effects", NULL_IGNORED, true, [](S& s) { s.SetNullHypothesis(2); }},
@@ -64,6 +64,10 @@ const Case cases[] = {
      [](S& s) { s.SetMaxIter(0), s.SetTau2Search(TAU2_SEARCH_GLOBAL); }},
     {"other model", MODEL_TYPE_UNKNOWN, true, [](S& s) { s.SetModelType(static_cast<MODELTYPE>(2)); }},
     {"known model", MODEL_TYPE_UNKNOWN, false, [](S&) {}},
+    {"profile likelihood of moments", TAU2_INTERVAL_UNAVAILABLE, true,
+     [](S& s) { s.SetEstTauType(TAU2_DL), s.SetTau2Interval(TAU2_INTERVAL_PROFILE_LIKELIHOOD); }},
+    {"profile likelihood of REML", TAU2_INTERVAL_UNAVAILABLE, false,
+     [](S& s) { s.SetTau2Interval(TAU2_INTERVAL_PROFILE_LIKELIHOOD); }},
 };
 
 } // namespace
@@ -93,4 +97,6 @@ TEST(SettingsWarnings, OfRegressions)
     settings.SetEstTauType("DL");
     settings.SetConfidenceLevel(0.95);
     EXPECT_EQ(RERegression(settings, studies).WarningCodes(), std::vector<int>());
+    settings.SetTau2Interval(TAU2_INTERVAL_PROFILE_LIKELIHOOD);
+    EXPECT_EQ(RERegression(settings, studies).WarningCodes(), std::vector<int>{TAU2_INTERVAL_UNAVAILABLE});
 }

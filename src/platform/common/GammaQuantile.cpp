@@ -19,7 +19,8 @@ double LogGamma(double x) noexcept
     return (x - 0.5) * std::log(x) - x + logSqrtTwoPi + StirlingRemainder(x);
 }
 
-// Near a = 0 by the slope there, less Euler's constant, for the sum would leave its rounding alone.
+// Near a = 0 the slope there, minus Euler's constant, takes the place of the sum, of which only rounding
+// would remain.
 double LogGammaPlusOne(double a) noexcept
 {
     return a < 1e-8 ? -0.57721566490153286061 * a : LogGamma(a + 1.0);
@@ -68,7 +69,7 @@ double UpperStart(double a, double q) noexcept
 // density: from its second step on the method approaches the quantile from one side. A step s leaves about
 // bend s^2 / 2, where bend, second over first derivative, is a - x - x f(x) / P(X <= x) below and
 // a - x + x f(x) / P(X > x) above.
-// Of shapes so large that the start is exact, and where the tail underflows, the start stands.
+// The start is the result for shapes so large that it is exact, and where the tail underflows.
 template <class Tail>
 double SolveTail(double a, double probability, double start, double sign, Tail tail) noexcept
 {

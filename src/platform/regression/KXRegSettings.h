@@ -83,6 +83,8 @@ public:
     int GetRegrWeightVar() const noexcept { return regrWeightVar_; }
     void SetInterceptUse(bool value) noexcept { interceptUse_ = value; }
     bool GetInterceptUse() const noexcept { return interceptUse_; }
+    /// A column of a regression is redundant when those before it leave no more than this part of its sum of
+    /// squares; default 1e-12.
     void SetComputationalTolerance(double value) noexcept { computationalTolerance_ = value; }
     double GetComputationalTolerance() const noexcept { return computationalTolerance_; }
     void SetConfidenceLevel(double value) noexcept { confidenceLevel_ = value; }
@@ -108,7 +110,7 @@ private:
     int freqWeightVar_ = -1; ///< how many cases a record stands for
     int regrWeightVar_ = -1; ///< weight of a record in the regression
     bool interceptUse_ = true;
-    double computationalTolerance_ = 1e-12; ///< singularity tolerance of the sweep
-    double confidenceLevel_ = 0.95;         ///< a fraction
-    KXQueryCancel* cancel_ = nullptr;       ///< asked during passes over the data; the host's, null for none
+    double computationalTolerance_ = 1e-12;
+    double confidenceLevel_ = 0.95;   ///< a fraction
+    KXQueryCancel* cancel_ = nullptr; ///< asked during passes over the data; the host's, null for none
 };
