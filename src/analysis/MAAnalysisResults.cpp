@@ -22,7 +22,7 @@ std::vector<double> MAAnalysisResults::GetNormalizedWeight() const
 
 std::vector<double> MAAnalysisResults::GetLog10Sig() const
 {
-    return FieldOf(studies_.zValue, [](double z) { return TwoSidedNormalPValue(z).log10; });
+    return FieldOf(studies_.zValue, [](double z) { return TwoSidedNormalPValue(z).Log10(); });
 }
 
 } // namespace MA_NAMESPACE

@@ -63,7 +63,7 @@ public:
     /// z, or t under the Knapp-Hartung adjustment.
     std::vector<double> GetEstZVal() const { return ModelColumn(&MAModelRow::statistic); }
     std::vector<double> GetEstSig() const { return PValuesOf(results_.models, &MAPValue::value); }
-    std::vector<double> GetEstLog10Sig() const { return PValuesOf(results_.models, &MAPValue::log10); }
+    std::vector<double> GetEstLog10Sig() const { return PValuesOf(results_.models, &MAPValue::Log10); }
     std::vector<double> GetEstCILower() const { return ModelColumn(&MAModelRow::ciLower); }
     std::vector<double> GetEstCIUpper() const { return ModelColumn(&MAModelRow::ciUpper); }
 
@@ -106,7 +106,7 @@ public:
     std::vector<double> GetHomoTestChisquareQ() const { return HeterogeneityColumn(&MAHeterogeneityRow::q); }
     std::vector<double> GetHomoTestdf() const { return HeterogeneityColumn(&MAHeterogeneityRow::df); }
     std::vector<double> GetHomoTestSig() const { return PValuesOf(heterogeneity_, &MAPValue::value); }
-    std::vector<double> GetHomoTestLog10Sig() const { return PValuesOf(heterogeneity_, &MAPValue::log10); }
+    std::vector<double> GetHomoTestLog10Sig() const { return PValuesOf(heterogeneity_, &MAPValue::Log10); }
     std::vector<double> GetH2Index() const { return HeterogeneityColumn(&MAHeterogeneityRow::h2); }
     std::vector<double> GetH2CILower() const { return HeterogeneityColumn(&MAHeterogeneityRow::h2Lower); }
     std::vector<double> GetH2CIUpper() const { return HeterogeneityColumn(&MAHeterogeneityRow::h2Upper); }
@@ -125,7 +125,7 @@ public:
     int GetGDQbDf() const { return betweenGroups_.df; }
     double GetGDQbSig() const { return betweenGroups_.pValue.value; }
     /// Missing where the test was not made.
-    double GetGDQbLog10Sig() const { return betweenGroups_.pValue.log10; }
+    double GetGDQbLog10Sig() const { return betweenGroups_.pValue.Log10(); }
 
     /// Per contrast: estimate with its test and interval. Of the binary fixed-effect pooling, the z values
     /// are the standard errors once more.
@@ -136,7 +136,7 @@ public:
     }
     std::vector<double> GetContrastEstZVal() const { return FieldOf(contrasts_, &MAContrastRow::zValue); }
     std::vector<double> GetContrastEstSig() const { return PValuesOf(contrasts_, &MAPValue::value); }
-    std::vector<double> GetContrastLog10Sig() const { return PValuesOf(contrasts_, &MAPValue::log10); }
+    std::vector<double> GetContrastLog10Sig() const { return PValuesOf(contrasts_, &MAPValue::Log10); }
     std::vector<double> GetContrastEstCILower() const { return FieldOf(contrasts_, &MAContrastRow::ciLower); }
     std::vector<double> GetContrastEstCIUpper() const { return FieldOf(contrasts_, &MAContrastRow::ciUpper); }
     /// 0 tested, 1 all coefficients are 0, 2 tested with a warning; empty under binary fixed-effect pooling.
@@ -150,7 +150,7 @@ public:
     std::vector<std::vector<double>> GetCumEstStdErr() const { return CumulativeRows(&MAModelRow::stdError); }
     std::vector<std::vector<double>> GetCumEstZval() const { return CumulativeRows(&MAModelRow::statistic); }
     std::vector<std::vector<double>> GetCumEstSig() const { return CumulativePValues(&MAPValue::value); }
-    std::vector<std::vector<double>> GetCumEstLog10Sig() const { return CumulativePValues(&MAPValue::log10); }
+    std::vector<std::vector<double>> GetCumEstLog10Sig() const { return CumulativePValues(&MAPValue::Log10); }
     std::vector<std::vector<double>> GetCumEstCiLower() const { return CumulativeRows(&MAModelRow::ciLower); }
     std::vector<std::vector<double>> GetCumEstCiUpper() const { return CumulativeRows(&MAModelRow::ciUpper); }
 
@@ -192,7 +192,7 @@ public:
     double GetRegBasedTestStdError() const { return regressionTest_.stdError; }
     double GetRegBasedTestVal() const { return regressionTest_.statistic; }
     double GeRegBasedTestSig() const { return regressionTest_.pValue.value; }
-    double GetRegBasedTestLog10Sig() const { return regressionTest_.pValue.log10; }
+    double GetRegBasedTestLog10Sig() const { return regressionTest_.pValue.Log10(); }
     double GetRegBasedTestDf() const { return regressionTest_.df; }
     double GetRegBasedTestCILower() const { return regressionTest_.ciLower; }
     double GetRegBasedTestCIUpper() const { return regressionTest_.ciUpper; }
@@ -337,7 +337,8 @@ private:
         return FieldOf(cumulativeRows_,
                        [=](const std::vector<MAModelRow>& steps) { return FieldOf(steps, field); });
     }
-    std::vector<std::vector<double>> CumulativePValues(double MAPValue::*form) const
+    template <class Form>
+    std::vector<std::vector<double>> CumulativePValues(Form form) const
     {
         return FieldOf(cumulativeRows_,
                        [=](const std::vector<MAModelRow>& steps) { return PValuesOf(steps, form); });

@@ -29,7 +29,7 @@ MAModelRow RowOf(const MABinaryFixEffectModel& model, bool onLogScale)
                 model.GetLogEstESVariance(),
                 model.GetLogEstESStdError(),
                 model.GetEstESZVal(),
-                {model.GetEstESSig(), model.GetEstESLog10Sig()},
+                PValueOf(model.GetEstESSig(), [&] { return model.GetEstESLog10Sig(); }),
                 model.GetLogEstESCILower(),
                 model.GetLogEstESCIUpper(),
                 model.GetNPoolCorrected()};
@@ -37,7 +37,7 @@ MAModelRow RowOf(const MABinaryFixEffectModel& model, bool onLogScale)
             model.GetEstESVariance(),
             model.GetEstESStdError(),
             model.GetEstESZVal(),
-            {model.GetEstESSig(), model.GetEstESLog10Sig()},
+            PValueOf(model.GetEstESSig(), [&] { return model.GetEstESLog10Sig(); }),
             model.GetEstESCILower(),
             model.GetEstESCIUpper(),
             model.GetNPoolCorrected()};

@@ -4,6 +4,7 @@
 #include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/KXMV.h"
 
+#include <functional>
 #include <vector>
 
 namespace MA_NAMESPACE {
@@ -137,11 +138,11 @@ struct MAModelResults
     }
 };
 
-/// The p-values of the rows (`form` is `&MAPValue::value`) or their decimal logarithms (`&MAPValue::log10`).
-template <class Row>
-std::vector<double> PValuesOf(const std::vector<Row>& rows, double MAPValue::*form) noexcept
+/// The p-values of the rows (`form` is `&MAPValue::value`) or their decimal logarithms (`&MAPValue::Log10`).
+template <class Row, class Form>
+std::vector<double> PValuesOf(const std::vector<Row>& rows, Form form) noexcept
 {
-    return FieldOf(rows, [=](const Row& row) { return row.pValue.*form; });
+    return FieldOf(rows, [=](const Row& row) { return std::invoke(form, row.pValue); });
 }
 
 } // namespace MA_NAMESPACE

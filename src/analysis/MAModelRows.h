@@ -17,7 +17,7 @@ inline MAModelRow RowOf(const MAContinousFixEffectModel& model)
             model.GetEstEffectSizeVariance(),
             model.GetEstEffectSizeStdError(),
             model.GetEstEffectSizeZVal(),
-            {model.GetEstEffectSizeSig(), model.GetEstEffectSizeLog10Sig()},
+            PValueOf(model.GetEstEffectSizeSig(), [&] { return model.GetEstEffectSizeLog10Sig(); }),
             model.GetEstEffectSizeCILower(),
             model.GetEstEffectSizeCIUpper()};
 }
@@ -28,7 +28,7 @@ inline MAModelRow RowOf(const MARandomEffectModel& model)
             model.GetEstESVariance(),
             std::sqrt(model.GetEstESVariance()),
             model.GetEstESTestStat(),
-            {model.GetEstESSig(), model.GetEstESLog10Sig()},
+            PValueOf(model.GetEstESSig(), [&] { return model.GetEstESLog10Sig(); }),
             model.GetEstESCILower(),
             model.GetEstESCIUpper()};
 }
@@ -53,7 +53,8 @@ MAHeterogeneityRow HeterogeneityRowOf(const FixedModel& model)
     MAHeterogeneityRow row;
     row.q = model.GetHomogeneityTestQ();
     row.df = HomogeneityDf(model);
-    row.pValue = {model.GetHomogeneityTestPVal(), model.GetHomogeneityTestLog10PVal()};
+    row.pValue =
+        PValueOf(model.GetHomogeneityTestPVal(), [&] { return model.GetHomogeneityTestLog10PVal(); });
     row.h2 = model.GetHeterogeneityTestH2();
     row.h2Lower = model.GetHeterogeneityTestH2CILower();
     row.h2Upper = model.GetHeterogeneityTestH2CIUpper();
@@ -68,7 +69,8 @@ inline MAHeterogeneityRow HeterogeneityRowOf(const MARandomEffectModel& model)
     MAHeterogeneityRow row;
     row.q = model.GetHomogeneityTestQ();
     row.df = HomogeneityDf(model);
-    row.pValue = {model.GetHomogeneityTestPVal(), model.GetHomogeneityTestLog10PVal()};
+    row.pValue =
+        PValueOf(model.GetHomogeneityTestPVal(), [&] { return model.GetHomogeneityTestLog10PVal(); });
     row.h2 = model.GetHeterogeneityTestH2();
     row.h2Lower = model.GetHeterogeneityTestH2CILower();
     row.h2Upper = model.GetHeterogeneityTestH2CIUpper();

@@ -4,7 +4,6 @@
 #include "meta_analysis/platform/common/KXDistFun.h"
 
 #include <cmath>
-#include <limits>
 
 namespace MA_NAMESPACE {
 
@@ -14,8 +13,7 @@ template <class Log10Tail>
 MAPValue PValueOfTail(double tail, bool twoSided, Log10Tail log10Tail) noexcept
 {
     const double value = twoSided ? 2.0 * tail : tail;
-    const bool underflows = tail < std::numeric_limits<double>::min();
-    return {value, underflows ? log10Tail() + std::log10(twoSided ? 2.0 : 1.0) : std::log10(value)};
+    return PValueOf(value, [&] { return log10Tail() + std::log10(twoSided ? 2.0 : 1.0); });
 }
 
 /// Two-sided p-value of a standard normal statistic.

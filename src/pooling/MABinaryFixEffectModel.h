@@ -82,7 +82,7 @@ public:
     double GetEstESCILower() const { return natural_.ciLower; }
     double GetEstESZVal() const { return zValue_; }
     double GetEstESSig() const { return pValue_.value; }
-    double GetEstESLog10Sig() const { return pValue_.log10; }
+    double GetEstESLog10Sig() const { return pValue_.Log10(); }
 
     /// Log scale. Of the risk difference these are the logs of the natural values, NaN for negative ones.
     double GetLogEstESVal() const { return log_.estimate; }
@@ -99,7 +99,7 @@ public:
     double GetHomogeneityTestQ() const { return q_; }
     int GetHomogeneityTestDf() const { return df_; }
     double GetHomogeneityTestPVal() const { return qPValue_.value; }
-    double GetHomogeneityTestLog10PVal() const { return qPValue_.log10; }
+    double GetHomogeneityTestLog10PVal() const { return qPValue_.Log10(); }
 
     /// I² is a fraction.
     double GetHeterogeneityTestH2() const { return heterogeneity_.h2; }
@@ -114,7 +114,7 @@ public:
     double GetContrastTestZVal() const { return contrastVariance_; }
     double GetContrastTestStdError() const { return contrastVariance_; }
     double GetContrastTest2SidedSig() const { return contrastPValue_.value; }
-    double GetContrastTest2SidedLog10Sig() const { return contrastPValue_.log10; }
+    double GetContrastTest2SidedLog10Sig() const { return contrastPValue_.Log10(); }
     double GetContrastTestCIUpper() const { return contrastCIUpper_; }
     double GetContrastTestCILower() const { return contrastCILower_; }
 

@@ -53,14 +53,14 @@ public:
     double GetEstEffectSizeStdError() const { return stdError_; }
     double GetEstEffectSizeZVal() const { return zValue_; }
     double GetEstEffectSizeSig() const { return pValue_.value; }
-    double GetEstEffectSizeLog10Sig() const { return pValue_.log10; }
+    double GetEstEffectSizeLog10Sig() const { return pValue_.Log10(); }
     double GetEstEffectSizeCIUpper() const { return ciUpper_; }
     double GetEstEffectSizeCILower() const { return ciLower_; }
 
     double GetHomogeneityTestQ() const { return q_; }
     int GetHomogeneityTestDf() const { return df_; }
     double GetHomogeneityTestPVal() const { return qPValue_.value; }
-    double GetHomogeneityTestLog10PVal() const { return qPValue_.log10; }
+    double GetHomogeneityTestLog10PVal() const { return qPValue_.Log10(); }
 
     /// I² is a fraction.
     double GetHeterogeneityTestH2() const { return heterogeneity_.h2; }
@@ -75,7 +75,7 @@ public:
     double GetContrastStdError() const { return contrastStdError_; }
     double GetContrastZVal() const { return contrastZValue_; }
     double GetContrastSig() const { return contrastPValue_.value; }
-    double GetContrastLog10Sig() const { return contrastPValue_.log10; }
+    double GetContrastLog10Sig() const { return contrastPValue_.Log10(); }
     double GetContrastCIUpper() const { return contrastCIUpper_; }
     double GetContrastCILower() const { return contrastCILower_; }
 

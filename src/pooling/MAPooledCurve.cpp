@@ -1,7 +1,6 @@
 #include "meta_analysis/pooling/MAPooledCurve.h"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
 
 namespace MA_NAMESPACE {
@@ -20,62 +19,75 @@ double Square(double x)
 } // namespace
 
 /// Sums over the studies but the reference, with weights w and effects d counted from the reference study,
-/// whose own d is 0.
-struct MAPooledCurve::Sums
+/// whose own d is 0. One study after another: the terms wait for the division, not for each other.
+struct MAPooledCurve::SlopeSums
 {
-    enum Term
+    double w = 0.0;
+    double ww = 0.0;
+    double www = 0.0;
+    double wd = 0.0;
+    double wwd = 0.0;
+    double wwwd = 0.0;
+    double wwdd = 0.0;
+    double wwwdd = 0.0;
+
+    void Add(double weight, double d)
     {
-        W,
-        WW,
-        WWW,
-        WD,
-        WWD,
-        WWWD,
-        WDD,
-        WWDD,
-        WWWDD,
-        TermCount
-    };
-
-    std::array<double, TermCount> terms{};
-
-    double operator[](Term term) const { return terms[term]; }
-    void AddBlock(const double* effects, const double* variances, std::size_t count, double t, double effect0,
-                  double unit, double scale);
+        const double squared = weight * weight;
+        const double product = weight * d;
+        const double squaredProduct = weight * product;
+        w += weight;
+        ww += squared;
+        www += squared * weight;
+        wd += product;
+        wwd += squaredProduct;
+        wwwd += squared * product;
+        wwdd += product * product;
+        wwwdd += squaredProduct * product;
+    }
+    void Add(const SlopeSums& block)
+    {
+        w += block.w;
+        ww += block.ww;
+        www += block.www;
+        wd += block.wd;
+        wwd += block.wwd;
+        wwwd += block.wwwd;
+        wwdd += block.wwdd;
+        wwwdd += block.wwwdd;
+    }
 };
 
-/// In two lanes, for which there are registers of two numbers.
-void MAPooledCurve::Sums::AddBlock(const double* effects, const double* variances, std::size_t count,
-                                   double t, double effect0, double unit, double scale)
+/// As `SlopeSums`, for Q.
+struct MAPooledCurve::QSums
 {
-    constexpr std::size_t lanes = 2;
-    double block[TermCount][lanes] = {};
-    const auto addLane = [&](std::size_t lane, std::size_t i) {
-        const double w = unit / (variances[i] + t);
-        const double d = (effects[i] - effect0) * scale;
-        const double ww = w * w;
-        const double wd = w * d;
-        const double wwd = w * wd;
-        block[W][lane] += w;
-        block[WW][lane] += ww;
-        block[WWW][lane] += ww * w;
-        block[WD][lane] += wd;
-        block[WWD][lane] += wwd;
-        block[WWWD][lane] += ww * wd;
-        block[WDD][lane] += wd * d;
-        block[WWDD][lane] += wd * wd;
-        block[WWWDD][lane] += wwd * wd;
-    };
-    std::size_t i = 0;
-    for (; i + lanes <= count; i += lanes) {
-        for (std::size_t lane = 0; lane < lanes; ++lane)
-            addLane(lane, i + lane);
+    double w = 0.0;
+    double ww = 0.0;
+    double wd = 0.0;
+    double wwd = 0.0;
+    double wdd = 0.0;
+    double wwdd = 0.0;
+
+    void Add(double weight, double d)
+    {
+        const double product = weight * d;
+        w += weight;
+        ww += weight * weight;
+        wd += product;
+        wwd += weight * product;
+        wdd += product * d;
+        wwdd += product * product;
     }
-    if (i < count)
-        addLane(0, i);
-    for (std::size_t term = 0; term < TermCount; ++term)
-        terms[term] += block[term][0] + block[term][1];
-}
+    void Add(const QSums& block)
+    {
+        w += block.w;
+        ww += block.ww;
+        wd += block.wd;
+        wwd += block.wwd;
+        wdd += block.wdd;
+        wwdd += block.wwdd;
+    }
+};
 
 MAPooledCurve::MAPooledCurve(const double* effects, const double* variances, std::size_t count,
                              MALikelihoodType type)
@@ -92,14 +104,19 @@ MAPooledCurve::MAPooledCurve(const double* effects, const double* variances, std
 /// A variance that is not a number is no smallest one and no largest: it makes the residual sum none.
 void MAPooledCurve::FindReference()
 {
-    double largest = variances_[0];
+    double smallest = variances_[0];
+    double largest = smallest;
+    std::size_t reference = 0;
     for (std::size_t i = 1; i < count_; ++i) {
-        if (variances_[i] < variances_[reference_])
-            reference_ = i;
-        largest = std::max(largest, variances_[i]);
+        const double variance = variances_[i];
+        if (variance < smallest) {
+            smallest = variance;
+            reference = i;
+        }
+        largest = std::max(largest, variance);
     }
-    referenceEffect_ = effects_[reference_];
-    const double smallest = variances_[reference_];
+    reference_ = reference;
+    referenceEffect_ = effects_[reference];
     if (!(smallest > 0.0) || !std::isfinite(largest))
         return;
     unit_ = PowerOf4Below(smallest);
@@ -118,7 +135,7 @@ void MAPooledCurve::MeasureSpread()
         const double d = (effects_[i] - referenceEffect_) * effectScale_;
         sum += d;
         squares += d * d;
-        varianceSum += variances_[i] / unit_;
+        varianceSum += variances_[i] * effectScale_ * effectScale_;
     }
     const auto k = static_cast<double>(count_);
     bounds_.residualSum = std::max(squares - sum * (sum / k), 0.0);
@@ -127,17 +144,32 @@ void MAPooledCurve::MeasureSpread()
     momentEstimate_ = bounds_.residualSum / (k - 1.0) - varianceSum / k;
 }
 
-MAPooledCurve::Sums MAPooledCurve::SumOthers(double t) const
+template <class Sums>
+Sums MAPooledCurve::SumOthers(double t) const
 {
-    Sums sums;
-    const auto addRange = [&](std::size_t first, std::size_t end) {
-        for (; first < end; first += blockSize)
-            sums.AddBlock(effects_ + first, variances_ + first, std::min(blockSize, end - first), t * unit_,
-                          referenceEffect_, unit_, effectScale_);
+    const double* const effects = effects_;
+    const double* const variances = variances_;
+    const double unit = unit_;
+    const double shift = t * unit;
+    const double origin = referenceEffect_;
+    const double scale = effectScale_;
+    Sums total;
+    std::size_t i = 0;
+    const auto addUpTo = [&](std::size_t end, Sums& block) {
+        for (; i < end; ++i)
+            block.Add(unit / (variances[i] + shift), (effects[i] - origin) * scale);
     };
-    addRange(0, reference_);
-    addRange(reference_ + 1, count_);
-    return sums;
+    while (i < count_) {
+        const std::size_t end = std::min(i + blockSize, count_);
+        Sums block;
+        if (reference_ >= i && reference_ < end) {
+            addUpTo(reference_, block);
+            ++i;
+        }
+        addUpTo(end, block);
+        total.Add(block);
+    }
+    return total;
 }
 
 /// With w0 the weight of the reference study, W the sum of all weights and m the mean of the effects d:
@@ -146,18 +178,18 @@ MAPooledCurve::Sums MAPooledCurve::SumOthers(double t) const
 /// w (d - m); as P takes no notice of a constant, z is counted from z0 = -m w0, where w0 alone would cancel.
 MALikelihoodTerms MAPooledCurve::At(double t)
 {
-    const Sums s = SumOthers(t);
+    const auto s = SumOthers<SlopeSums>(t);
     const double w0 = 1.0 / (bounds_.minVariance + t);
-    const double w = w0 + s[Sums::W];
-    const double ww = w0 * w0 + s[Sums::WW];
-    const double m = s[Sums::WD] / w;
+    const double w = w0 + s.w;
+    const double ww = w0 * w0 + s.ww;
+    const double m = s.wd / w;
 
     MALikelihoodTerms terms;
-    terms.fit = s[Sums::WWDD] - 2.0 * m * s[Sums::WWD] + m * m * ww;
+    terms.fit = s.wwdd - 2.0 * m * s.wwd + m * m * ww;
     // Sums of w z², and of w z, with z counted from z0.
-    const double zz = s[Sums::WWWDD] + 2.0 * m * (w0 * s[Sums::WWD] - s[Sums::WWWD]) +
-                      m * m * (w0 * (w0 * s[Sums::W] - 2.0 * s[Sums::WW]) + s[Sums::WWW]);
-    const double z = s[Sums::WWD] + m * (w0 * s[Sums::W] - s[Sums::WW]);
+    const double zz =
+        s.wwwdd + 2.0 * m * (w0 * s.wwd - s.wwwd) + m * m * (w0 * (w0 * s.w - 2.0 * s.ww) + s.www);
+    const double z = s.wwd + m * (w0 * s.w - s.ww);
     terms.fitSlope = -2.0 * (zz - z * (z / w));
     if (type_ == MALikelihoodType::Full) {
         terms.trace = w;
@@ -165,30 +197,29 @@ MALikelihoodTerms MAPooledCurve::At(double t)
         return terms;
     }
     const double share0 = w0 / w;
-    const double shareW = s[Sums::W] / w;
-    const double shareWW = s[Sums::WW] / w;
-    terms.trace = s[Sums::W] - shareWW + w0 * shareW;
-    terms.traceSlope = -(Square(w0 * shareW) + 2.0 * share0 * share0 * s[Sums::WW] + s[Sums::WW] -
-                         2.0 * s[Sums::WWW] / w + shareWW * shareWW);
+    const double shareW = s.w / w;
+    const double shareWW = s.ww / w;
+    terms.trace = s.w - shareWW + w0 * shareW;
+    terms.traceSlope =
+        -(Square(w0 * shareW) + 2.0 * share0 * share0 * s.ww + s.ww - 2.0 * s.www / w + shareWW * shareWW);
     return terms;
 }
 
 MAGeneralizedQ MAPooledCurve::QAt(double t)
 {
-    const Sums s = SumOthers(t);
+    const auto s = SumOthers<QSums>(t);
     const double w0 = 1.0 / (bounds_.minVariance + t);
-    const double m = s[Sums::WD] / (w0 + s[Sums::W]);
-    return {s[Sums::WDD] - m * s[Sums::WD],
-            -(s[Sums::WWDD] - 2.0 * m * s[Sums::WWD] + m * m * (w0 * w0 + s[Sums::WW]))};
+    const double m = s.wd / (w0 + s.w);
+    return {s.wdd - m * s.wd, -(s.wwdd - 2.0 * m * s.wwd + m * m * (w0 * w0 + s.ww))};
 }
 
 /// ML: -(1/2) [sum log(v + t) + y'Py + k log 2π]. REML: the same with k - 1 in place of k, and log(sum(w) /
 /// k) added within the brackets.
 double MAPooledCurve::LogLikelihood(double t)
 {
-    const Sums s = SumOthers(t);
-    const double w = 1.0 / (bounds_.minVariance + t) + s[Sums::W];
-    const double q = s[Sums::WDD] - s[Sums::WD] * (s[Sums::WD] / w);
+    const auto s = SumOthers<QSums>(t);
+    const double w = 1.0 / (bounds_.minVariance + t) + s.w;
+    const double q = s.wdd - s.wd * (s.wd / w);
     const auto k = static_cast<double>(count_);
     const double logUnit = std::log(unit_);
     double twice = LogDeterminant(t) + k * logUnit + q + bounds_.traceSize * logTwoPi;

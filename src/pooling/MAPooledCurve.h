@@ -24,10 +24,12 @@ public:
     double MomentEstimate() const { return momentEstimate_; }
 
 private:
-    struct Sums;
+    struct SlopeSums;
+    struct QSums;
 
     void FindReference();
     void MeasureSpread();
+    template <class Sums>
     Sums SumOthers(double t) const;
     double LogDeterminant(double t) const;
 

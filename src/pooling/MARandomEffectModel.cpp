@@ -274,7 +274,8 @@ bool MARandomEffectModel::HasDoubtfulTau2() const
         studyCount_ < 2 || status_.IsError())
         return false;
     MAPooledCurve curve(effectSizes_->data(), variances_->data(), studyCount_, LikelihoodOf(estimator_));
-    const double proved = curve.Unit() * SolveTau2(curve, estimator_, tau2_ / curve.Unit()).t;
+    const double proved =
+        curve.Unit() * SolveTau2(curve, estimator_, tau2_ / curve.Unit(), comparingPrecision).t;
     return IsTau2Off(tau2_, proved, typicalVariance_);
 }
 

@@ -73,7 +73,7 @@ public:
     double GetEstESTestStat() const { return statistic_; }
     /// Missing, like the confidence interval, for k < 2 under the adjustment.
     double GetEstESSig() const { return pValue_.value; }
-    double GetEstESLog10Sig() const { return pValue_.log10; }
+    double GetEstESLog10Sig() const { return pValue_.Log10(); }
     double GetEstESCIUpper() const { return ciUpper_; }
     double GetEstESCILower() const { return ciLower_; }
     /// Prediction interval mean ± q √(variance + tau²), q by default that of Student's t with k - 2 degrees
@@ -90,7 +90,7 @@ public:
     double GetHomogeneityTestQ() const { return q_; }
     int GetHomogeneityTestDf() const { return df_; }
     double GetHomogeneityTestPVal() const { return qPValue_.value; }
-    double GetHomogeneityTestLog10PVal() const { return qPValue_.log10; }
+    double GetHomogeneityTestLog10PVal() const { return qPValue_.Log10(); }
     /// From tau² and the typical within-study variance, not from Q; missing for k < 2. I² is a fraction.
     double GetHeterogeneityTestH2() const { return heterogeneity_.h2; }
     double GetHeterogeneityTestI2() const { return heterogeneity_.i2; }

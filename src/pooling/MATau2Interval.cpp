@@ -153,7 +153,8 @@ MATau2Bounds QProfileInterval(MALikelihoodCurve& curve, double alpha)
     const double df = curve.Bounds().residualDf;
     const double lower = FindQRoot(curve, KXDistFun::IdfChiUpper(0.5 * alpha, df), 0.0).t;
     const double upper = FindQRoot(curve, KXDistFun::IdfChi(0.5 * alpha, df), lower).t;
-    return InUnitOfData(curve, lower, upper);
+    // At confidence levels near 0 both are one root, and rounding may exchange them.
+    return InUnitOfData(curve, lower, upper < lower ? lower : upper);
 }
 
 MATau2Bounds ProfileLikelihoodInterval(MALikelihoodCurve& curve, double guess, double alpha)

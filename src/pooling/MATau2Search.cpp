@@ -74,11 +74,12 @@ bool MAStationaryPoints::Node::IsFinite() const
 /// How far A and B are apart: |B / A - 1|.
 double MAStationaryPoints::Node::Imbalance() const
 {
-    return std::abs(a * a / b - 1.0);
+    return std::abs(Excess());
 }
 
-MAStationaryPoints::MAStationaryPoints(MALikelihoodCurve& curve, double guess)
+MAStationaryPoints::MAStationaryPoints(MALikelihoodCurve& curve, double guess, double precision)
     : curve_(curve),
+      precision_(std::max(precision, roundingUnit)),
       upperBound_(UpperBoundOf(curve.Bounds())),
       leastASlope_((1.0 - boundSlack) / std::sqrt(curve.Bounds().residualSum)),
       left_(Evaluate(0.0)),
@@ -102,7 +103,7 @@ MAStationaryPoints::Node MAStationaryPoints::Evaluate(double t)
     ++evaluations_;
     const double a = 1.0 / std::sqrt(terms.fit);
     const double b = 1.0 / terms.trace;
-    const Node node{t, a, -0.5 * terms.fitSlope / terms.fit * a, b, -terms.traceSlope * b * b, std::sqrt(b)};
+    const Node node{t, a, -0.5 * terms.fitSlope * a * a * a, b, -terms.traceSlope * b * b, std::sqrt(b)};
     isSound_ = isSound_ && node.IsFinite();
     return node;
 }
@@ -185,49 +186,84 @@ bool MAStationaryPoints::IsTooShort(const Node& left, const Node& right) const
            right.t - left.t <= 8.0 * roundingUnit * (left.t + curve_.Bounds().minVariance);
 }
 
-/// Newton's step on a² / b - 1, whose slope changes little; for equal variances it is a line.
-double MAStationaryPoints::NewtonStep(const Node& at)
+/// a² / b - 1, whose slope changes little; for equal variances it is a line.
+double MAStationaryPoints::Node::Excess() const
 {
-    return (at.b - at.a * at.a) * at.b / (at.a * (2.0 * at.aSlope * at.b - at.a * at.bSlope));
+    return (a * a - b) / b;
 }
 
-/// Newton's method between the ends, which close in on the root. A step that does not halve the one before it
-/// halves the interval instead, unless both are down to the rounding of A and B. Convergence is quadratic:
-/// with the curvature that two steps show, at least 1, the square of a step is what the next would still
-/// change.
+MAStationaryPoints::RootPoint MAStationaryPoints::RootPointAt(const Node& node)
+{
+    const double slope = node.a * (2.0 * node.aSlope * node.b - node.a * node.bSlope);
+    return {node.t, node.Excess(), node.b * node.b / slope};
+}
+
+/// Newton's step, or where the point before is near, a cubic one: t as a function of a² / b - 1 has known
+/// values and slopes at both, and the cubic through them is read at 0 (inverse Hermite interpolation). The
+/// error of the first is C x² with the curvature C and the step x relative to v + t, that of the second
+/// C³ (xy)², y being what the point before is off. C is counted at least 1.
+MAStationaryPoints::RootStep MAStationaryPoints::StepToRoot(const RootPoint& before, const RootPoint& at,
+                                                            double previous) const
+{
+    const double v = curve_.Bounds().minVariance;
+    const double scale = 1.0 / (at.t + v);
+    const double newton = -at.excess * at.inverseSlope;
+    const double x = std::abs(newton) * scale;
+    const auto linear = [=] { return RootStep{newton, x, std::max(x / (previous * previous), 1.0) * x * x}; };
+    const double y = std::abs(at.t + newton - before.t) / (std::min(at.t, before.t) + v);
+    if (!(y <= 0.5))
+        return linear();
+    const double perRise = 1.0 / (at.excess - before.excess);
+    const double chord = (at.t - before.t) * perRise;
+    const double bend = at.inverseSlope - chord;
+    const double twist = bend - (chord - before.inverseSlope);
+    const double correction = at.excess * at.excess * perRise * (bend - before.excess * perRise * twist);
+    if (!(std::abs(correction) <= 0.5 * std::abs(newton)))
+        return linear();
+    const double squareError = std::max(std::abs(correction) * scale, x * x);
+    const double bentShare = squareError / (x * x) * y;
+    return {newton + correction, std::abs(newton + correction) * scale,
+            squareError * std::min(1.0, bentShare * bentShare)};
+}
+
+/// Between the ends, which close in on the root. A step that does not halve the one before it halves the
+/// interval instead, unless both are down to the rounding of A and B. The last step is taken without a look
+/// at where it leads, once its error is small enough.
 double MAStationaryPoints::RefineRoot(const Node& left, const Node& right)
 {
     const double v = curve_.Bounds().minVariance;
     double low = left.t;
     double high = std::min(right.t, upperBound_);
-    Node at = std::isfinite(right.t) && right.Imbalance() < left.Imbalance() ? right : left;
+    const bool isRightNearer = std::isfinite(right.t) && right.Imbalance() < left.Imbalance();
+    RootPoint at = RootPointAt(isRightNearer ? right : left);
+    RootPoint before = RootPointAt(isRightNearer ? left : right);
     double previous = infinity; // relative to v + t, as the steps are
     while (isSound_) {
-        const double step = NewtonStep(at);
-        const double relative = std::abs(step) / (at.t + v);
-        const bool shrinks = relative <= 0.5 * previous;
-        const double curvature = std::max(relative / (previous * previous), 1.0);
-        if (curvature * relative * relative <= roundingUnit || (!shrinks && relative <= roundingSteps))
-            return std::clamp(at.t + step, low, high);
-        double next = at.t + step;
+        const RootStep step = StepToRoot(before, at, previous);
+        const bool shrinks = step.size <= 0.5 * previous;
+        double next = at.t + step.length;
+        if (step.error <= precision_ || (!shrinks && step.size <= roundingSteps))
+            return std::clamp(next, low, high);
         if (!(shrinks && next > low && next < high))
             next = std::sqrt((low + v) * (high + v)) - v;
         if (!(next > low && next < high))
             return at.t;
         previous = std::abs(next - at.t) / (next + v);
-        at = Evaluate(next);
-        (at.IsRising() == left.IsRising() ? low : high) = next;
+        before = at;
+        const Node node = Evaluate(next);
+        at = RootPointAt(node);
+        (node.IsRising() == left.IsRising() ? low : high) = next;
     }
     return std::numeric_limits<double>::quiet_NaN();
 }
 
-MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess)
+MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess, double precision)
 {
     if (!AreUsable(curve.Bounds()))
         return {std::numeric_limits<double>::quiet_NaN(), 0};
     if (!CanRise(curve.Bounds()))
         return {0.0, 0};
-    MAStationaryPoints points(curve, guess);
+    MAStationaryPoints points(curve, guess, precision);
     std::optional<double> best;
     std::optional<double> bestLikelihood;
     const auto consider = [&](double t) {
@@ -256,7 +292,7 @@ MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess)
 
 /// Newton's method on 1 / Q, which is concave: from the left it never passes the root, and from the right its
 /// first step lands left of it. There a step back is the rounding error of Q.
-MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess)
+MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess, double precision)
 {
     const MACurveBounds& bounds = curve.Bounds();
     if (!AreUsable(bounds))
@@ -267,7 +303,8 @@ MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess)
     for (int evaluations = 1;; ++evaluations) {
         const MAGeneralizedQ q = curve.QAt(t);
         const double step = (q.value - target) * q.value / (target * -q.slope);
-        const bool isSmall = std::abs(step) <= 4.0 * roundingUnit * (t + bounds.minVariance);
+        const bool isSmall =
+            std::abs(step) <= std::max(4.0 * roundingUnit, precision) * (t + bounds.minVariance);
         const bool cannotStepBack = t == 0.0 || evaluations > 1;
         if (!std::isfinite(step) || q.slope == 0.0)
             return {std::numeric_limits<double>::quiet_NaN(), evaluations};
@@ -278,10 +315,11 @@ MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess)
 }
 
 /// EB: Paule and Mandel (1982), Journal of Research of the National Bureau of Standards 87, 377-385.
-MATau2Solution SolveTau2(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess)
+MATau2Solution SolveTau2(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess,
+                         double precision)
 {
-    return estimator == MAConst::TAU2_EB ? FindQRoot(curve, curve.Bounds().residualDf, guess)
-                                         : FindLikelihoodMaximum(curve, guess);
+    return estimator == MAConst::TAU2_EB ? FindQRoot(curve, curve.Bounds().residualDf, guess, precision)
+                                         : FindLikelihoodMaximum(curve, guess, precision);
 }
 
 } // namespace MA_NAMESPACE

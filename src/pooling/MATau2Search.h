@@ -25,15 +25,20 @@ bool AreUsable(const MACurveBounds& bounds);
 bool CanRise(const MACurveBounds& bounds);
 
 /// The global maximum of the likelihood over t >= 0; of equal ones the smallest t. `guess` is where the
-/// search looks first, in the curve's units; any value will do.
-MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess);
+/// search looks first, in the curve's units; any value will do. `precision` is how far it may end from the
+/// maximum, relative to the smallest v + t; 0 for all digits, without which a search is as sure but shorter.
+MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess, double precision = 0.0);
 
 /// The t >= 0 with Q(t) = `target`; 0 where Q(0) is not above it, and where the
 /// target is 0 for want of degrees of freedom.
-MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess);
+MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess, double precision = 0.0);
 
 /// The estimate that `estimator` (ML, REML or EB) defines; `curve` is of the likelihood that goes with it.
-MATau2Solution SolveTau2(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess);
+MATau2Solution SolveTau2(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess,
+                         double precision = 0.0);
+
+/// Precision of a search that another estimate is compared with, beside the hundredth that counts there.
+constexpr double comparingPrecision = 1e-6;
 
 /// Whether an estimate of tau² is off the one that a search has proved by more than a hundredth of the latter
 /// plus the typical within-study variance. So it is where there is no proof, and `proved` not a number.
@@ -70,7 +75,7 @@ struct MAStationaryPoint
 class MAStationaryPoints
 {
 public:
-    MAStationaryPoints(MALikelihoodCurve& curve, double guess);
+    MAStationaryPoints(MALikelihoodCurve& curve, double guess, double precision = 0.0);
 
     /// Whether the likelihood falls at once from t = 0.
     bool FallsAtZero() const { return fallsAtZero_; }
@@ -95,6 +100,23 @@ private:
         bool IsRising() const { return b > a * a; }
         bool IsFinite() const;
         double Imbalance() const;
+        double Excess() const;
+    };
+
+    /// a² / b - 1 at one t, of which a root is sought.
+    struct RootPoint
+    {
+        double t;
+        double excess;
+        double inverseSlope;
+    };
+
+    /// A step towards a root; its size and the error that it leaves, relative to v + t.
+    struct RootStep
+    {
+        double length;
+        double size;
+        double error;
     };
 
     /// What is known of the slope of the likelihood on an interval.
@@ -113,7 +135,8 @@ private:
     bool StaysNegative(const Node& left, const Node& right) const;
     double SplitPoint(const Node& left, const Node& right) const;
     bool IsTooShort(const Node& left, const Node& right) const;
-    static double NewtonStep(const Node& at);
+    static RootPoint RootPointAt(const Node& node);
+    RootStep StepToRoot(const RootPoint& before, const RootPoint& at, double previous) const;
     double RefineRoot(const Node& left, const Node& right);
 
     /// Splits at the geometric mean exhaust a double after 64 levels, those next to 0 after 53 more; each
@@ -121,6 +144,7 @@ private:
     static constexpr std::size_t maxNodes = 160;
 
     MALikelihoodCurve& curve_;
+    double precision_;
     double upperBound_;  ///< beyond it A < B
     double leastASlope_; ///< slope of a at infinity
     bool isSound_ = true;

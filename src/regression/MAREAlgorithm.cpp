@@ -1,11 +1,13 @@
 #include "meta_analysis/regression/MAREAlgorithm.h"
 
+#include "meta_analysis/effectsize/MATestPValues.h"
 #include "meta_analysis/pooling/MAHeterogeneity.h"
 #include "meta_analysis/pooling/MAKnappHartung.h"
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
 #include "meta_analysis/pooling/MATau2Interval.h"
 #include "meta_analysis/pooling/MATau2Search.h"
 #include "meta_analysis/regression/MADesignMatrix.h"
+#include "meta_analysis/regression/MAProgress.h"
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/regression/MARegressionCurve.h"
 #include "meta_analysis/settings/Guarded.h"
@@ -70,13 +72,17 @@ KXStatus MAREAlgorithm::FitModel()
     if (settings_->IsKnapHartAdjust())
         ScaleByKnappHartung();
     fit_->ComputeCoefficientTests(UsesStudentT());
-    if (!Passed(CheckTau2()) || usedByRegBaseTest_)
+    // A number outside the enumeration is of no estimator, and has the curve of Q.
+    MARegressionCurve curve(design_->Columns(), design_->Rows().variances,
+                            LikelihoodOf(static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType())));
+    CheckTau2(curve);
+    if (usedByRegBaseTest_)
         return status_;
     TestModel(settings_->IsKnapHartAdjust());
-    if (!Passed(MeasureHeterogeneity()))
+    if (!Passed(MeasureHeterogeneity(curve)))
         return status_;
     MeasureExplained();
-    MeasureLikelihood();
+    MeasureLikelihood(curve);
     return status_;
 }
 
@@ -159,31 +165,25 @@ KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::v
 }
 
 /// Warning `TAU2_DOUBTFUL` when scoring missed the estimate that the model is labelled with, which a search
-/// proves. The typical variance takes another fit, made only where tau² differs from the proved one.
-KXStatus MAREAlgorithm::CheckTau2()
+/// proves.
+void MAREAlgorithm::CheckTau2(MARegressionCurve& curve)
 {
     const auto estimator = static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType());
     if (!IsIterative(estimator) || tau2Results_.convergence == MAConst::TAU2_GLOBAL_OPTIMUM)
-        return KXStatus();
-    MARegressionCurve curve(design_->Columns(), design_->Rows().variances, LikelihoodOf(estimator));
-    const double proved = curve.Unit() * SolveTau2(curve, estimator, tau2_ / curve.Unit()).t;
-    if (!IsTau2Off(tau2_, proved, 0.0))
-        return KXStatus();
-    MARegFit fixed(*design_);
-    const KXStatus fitted = fixed.Fit();
-    if (fitted.IsError() || !IsTau2Off(tau2_, proved, TypicalVariance(fixed)))
-        return fitted;
-    return KXStatus(MAStatusCode::TAU2_DOUBTFUL, true);
+        return;
+    const double proved =
+        curve.Unit() * SolveTau2(curve, estimator, tau2_ / curve.Unit(), comparingPrecision).t;
+    if (IsTau2Off(tau2_, proved, 0.0) && IsTau2Off(tau2_, proved, TypicalVariance(curve)))
+        Passed(KXStatus(MAStatusCode::TAU2_DOUBTFUL, true));
 }
 
 /// The likelihood at tau², and the interval that goes by it or by Q.
-void MAREAlgorithm::MeasureLikelihood()
+void MAREAlgorithm::MeasureLikelihood(MARegressionCurve& curve)
 {
     const int code = GetEstTauType();
     if (code == unknownEstimator || fit_->ResidualDf() < 1)
         return;
     const auto estimator = static_cast<MAConst::TAU2ESTIMATOR>(code);
-    MARegressionCurve curve(design_->Columns(), design_->Rows().variances, LikelihoodOf(estimator));
     const double t = tau2_ / curve.Unit();
     if (HasLikelihood(estimator))
         tau2Results_.information = InformationCriteria(
@@ -240,30 +240,32 @@ void MAREAlgorithm::SetSearch(MATAU2ESTIMATIOR& estimator) const
     estimator.SetTau2Search(settings_->GetTau2Search());
 }
 
-/// Residual Q comes from the fixed-effect fit, and so does the typical within-study variance s² = (k - p) / T
+/// Residual Q is that at tau² = 0, and so is the typical within-study variance s² = (k - p) / T
 /// with T the weighted residual trace, which I² and H² set against tau² (Higgins and Thompson 2002,
 /// Statistics in Medicine 21, 1539-1558).
-KXStatus MAREAlgorithm::MeasureHeterogeneity()
+KXStatus MAREAlgorithm::MeasureHeterogeneity(MARegressionCurve& curve)
 {
-    MARegFit fixed(*design_);
-    if (!Passed(fixed.Fit()) || !Passed(fixed.ComputeResidualHeterogeneity()))
-        return status_;
-    residualQ_ = fixed.ResidualQ();
-    residualQPValue_ = fixed.ResidualQPValue();
-    residualDf_ = fixed.ResidualDf();
+    if (!MAProgress(*settings_, settings_->GetIterProgressListener()).Step())
+        return KXStatus(MAStatusCode::ITERATOR_FAILED);
+    residualQ_ = curve.SumsAt(0.0, true).yPy;
+    residualDf_ = static_cast<int>(curve.Bounds().residualDf);
+    if (residualDf_ == 0)
+        Passed(KXStatus(MAStatusCode::NO_RESIDUAL_DF, true));
+    else
+        residualQPValue_ = ChiSquarePValue(residualQ_, residualDf_);
 
     const double least = negligible * design_->MeanVariance();
-    const double typicalVariance = TypicalVariance(fixed);
+    const double typicalVariance = TypicalVariance(curve);
     const MAHeterogeneityMeasures measures = HeterogeneityFromTau2(tau2_, typicalVariance);
     residualI2_ = tau2_ + typicalVariance < least ? 0.0 : measures.i2;
     residualH2_ = typicalVariance < least ? 0.0 : measures.h2;
-    return status_;
+    return KXStatus();
 }
 
-double MAREAlgorithm::TypicalVariance(const MARegFit& fixed) const
+double MAREAlgorithm::TypicalVariance(MARegressionCurve& curve) const
 {
-    const double trace = fixed.WeightedResidualTrace();
-    return trace * design_->MeanVariance() >= negligible ? fixed.ResidualDf() / trace : 0.0;
+    const double trace = curve.SumsAt(0.0, true).traceP / curve.Unit();
+    return trace * design_->MeanVariance() >= negligible ? curve.Bounds().residualDf / trace : 0.0;
 }
 
 /// R²: the part of the between-study variance that the predictors take away; 0 when they do not.

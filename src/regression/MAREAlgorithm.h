@@ -4,6 +4,7 @@
 
 namespace MA_NAMESPACE {
 
+class MARegressionCurve;
 class MATAU2ESTIMATIOR;
 enum class MAWeightMode;
 
@@ -36,13 +37,13 @@ private:
     KXStatus computeTauFromSJ();
     KXStatus computeInitTau2(double& tau2) const;
     KXStatus computeTau2C(double& tau2) const;
-    double TypicalVariance(const MARegFit& fixed) const;
-    KXStatus CheckTau2();
-    void MeasureLikelihood();
+    double TypicalVariance(MARegressionCurve& curve) const;
+    void CheckTau2(MARegressionCurve& curve);
+    void MeasureLikelihood(MARegressionCurve& curve);
     KXStatus EstimateTau2(const MARegFit& fit, int type, const std::vector<double>* variances);
     void SetSearch(MATAU2ESTIMATIOR& estimator) const;
     void ScaleByKnappHartung();
-    KXStatus MeasureHeterogeneity();
+    KXStatus MeasureHeterogeneity(MARegressionCurve& curve);
     void MeasureExplained();
     bool UsesStudentT() const;
 };

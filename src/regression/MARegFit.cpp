@@ -113,12 +113,6 @@ double MARegFit::WeightedResidualSum() const
     return sum;
 }
 
-double MARegFit::WeightedResidualTrace() const
-{
-    const std::vector<double> complements = LeverageComplements();
-    return std::inner_product(complements.begin(), complements.end(), weights_.begin(), 0.0);
-}
-
 KXStatus MARegFit::ComputeDispersion()
 {
     dispersion_ = 1.0;

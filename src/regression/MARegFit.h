@@ -69,8 +69,6 @@ public:
     std::vector<double> LeverageComplements() const;
     /// sum(w_i r_i²).
     double WeightedResidualSum() const;
-    /// sum(w_i (1 - h_i)).
-    double WeightedResidualTrace() const;
 
     /// Dispersion: weighted residual variance, which becomes the scale of the covariance. Warnings 460047
     /// as many good records as parameters, 460048 near zero (1 in both cases).

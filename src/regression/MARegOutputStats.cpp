@@ -37,7 +37,7 @@ struct MARegOutputStats::Results
     void TakeTest(const MAModelTest& made, MAModelTest& test)
     {
         test = made;
-        modelLog10PValue = made.pValue.log10;
+        modelLog10PValue = made.pValue.Log10();
     }
 };
 
@@ -146,7 +146,7 @@ std::vector<double> MARegOutputStats::GetBetaTestPValue() const
 
 std::vector<double> MARegOutputStats::GetBetaTestLog10PValue() const
 {
-    return FieldOf(Get().pValues, &MAPValue::log10);
+    return FieldOf(Get().pValues, &MAPValue::Log10);
 }
 
 std::vector<double> MARegOutputStats::GetBetaConfInterValLower() const
@@ -221,7 +221,7 @@ double MARegOutputStats::GetResHomoPValue() const
 
 double MARegOutputStats::GetResHomoLog10PValue() const
 {
-    return Get().residualQPValue.log10;
+    return Get().residualQPValue.Log10();
 }
 
 double MARegOutputStats::GetHresSquare() const

@@ -18,10 +18,15 @@ MARegressionCurve::MARegressionCurve(const MAOrthonormalColumns& columns,
 
 void MARegressionCurve::MeasureBounds()
 {
-    const auto [smallest, largest] = std::minmax_element(variances_->begin(), variances_->end());
-    unit_ = PowerOf4Below(*smallest);
-    bounds_.minVariance = *smallest / unit_;
-    bounds_.maxVariance = *largest / unit_;
+    double smallest = variances_->front();
+    double largest = smallest;
+    for (const double variance : *variances_) {
+        smallest = std::min(smallest, variance);
+        largest = std::max(largest, variance);
+    }
+    unit_ = PowerOf4Below(smallest);
+    bounds_.minVariance = smallest / unit_;
+    bounds_.maxVariance = largest / unit_;
     bounds_.residualSum = columns_->ResidualSum() / unit_;
 }
 
@@ -38,6 +43,18 @@ void MARegressionCurve::Weigh(double t)
 
 MAProjectionSums MARegressionCurve::SumsAt(double t, bool withTraces, bool withCubic)
 {
+    for (const Evaluation& known : {last_, atZero_}) {
+        if (known.t == t && known.withTraces >= withTraces && known.withCubic >= withCubic)
+            return known.sums;
+    }
+    last_ = {t, withTraces, withCubic, Evaluate(t, withTraces, withCubic)};
+    if (t == 0.0)
+        atZero_ = last_;
+    return last_.sums;
+}
+
+MAProjectionSums MARegressionCurve::Evaluate(double t, bool withTraces, bool withCubic)
+{
     Weigh(t);
     MAProjectionSums sums = fit_.FitAndSum(weights_, withTraces, withCubic);
     sums.yPy /= unit_;
@@ -51,6 +68,7 @@ MAProjectionSums MARegressionCurve::SumsAt(double t, bool withTraces, bool withC
 void MARegressionCurve::LeaveOutUpTo(double variance)
 {
     leftOut_.clear();
+    last_ = atZero_ = Evaluation();
     for (std::size_t i = 0; i < variances_->size(); ++i) {
         if (!((*variances_)[i] > variance))
             leftOut_.push_back(i);
@@ -105,7 +123,9 @@ MAGeneralizedQ MARegressionCurve::QAt(double t)
 /// log det X'WX - log det X'X = log det Z'WZ added within the brackets.
 double MARegressionCurve::LogLikelihood(double t)
 {
-    const double q = SumsAt(t, false).yPy;
+    if (last_.t != t)
+        last_ = {t, false, false, Evaluate(t, false, false)};
+    const double q = last_.sums.yPy;
     double twice = LogDeterminant() + bounds_.traceSize * (logTwoPi + std::log(unit_)) + q;
     if (type_ == MALikelihoodType::Restricted)
         twice += fit_.LogDeterminant();

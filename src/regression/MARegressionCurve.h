@@ -4,6 +4,7 @@
 #include "meta_analysis/regression/MAWeightedFit.h"
 
 #include <cstddef>
+#include <limits>
 #include <vector>
 
 namespace MA_NAMESPACE {
@@ -27,10 +28,20 @@ public:
 
     /// Rows of variances up to this one remain in the fits of `SumsAt`, but their terms not in the sums.
     void LeaveOutUpTo(double variance);
-    /// Sums at t, in the curve's units; y'PPPy and, at O(p²) a row, the traces only where asked for.
+    /// Sums at t, in the curve's units; y'PPPy and, at O(p²) a row, the traces only where asked for. Those of
+    /// the last t and of t = 0 are kept, at which several results are often asked for.
     MAProjectionSums SumsAt(double t, bool withTraces, bool withCubic = false);
 
 private:
+    struct Evaluation
+    {
+        double t = std::numeric_limits<double>::quiet_NaN();
+        bool withTraces = false;
+        bool withCubic = false;
+        MAProjectionSums sums;
+    };
+
+    MAProjectionSums Evaluate(double t, bool withTraces, bool withCubic);
     void Weigh(double t);
     void MeasureBounds();
     void LeaveOut(MAProjectionSums& sums, bool withTraces) const;
@@ -39,8 +50,10 @@ private:
     const MAOrthonormalColumns* columns_;
     const std::vector<double>* variances_;
     MALikelihoodType type_;
-    MAWeightedFit fit_;
+    MAWeightedFit fit_; ///< at the last t, as the weights
     std::vector<double> weights_;
+    Evaluation last_;
+    Evaluation atZero_;
     std::vector<std::size_t> leftOut_;
 };
 

@@ -46,6 +46,17 @@ void AddAlternately(std::size_t count, MAProjectionSums& total, Add add)
     total.tracePP += even.tracePP + odd.tracePP;
 }
 
+/// Zeros that nothing else can refer to; a few can so be held in registers.
+template <std::size_t size>
+std::array<double, size> ZeroRow(std::integral_constant<std::size_t, size>)
+{
+    return {};
+}
+Values ZeroRow(std::size_t size)
+{
+    return Values(size);
+}
+
 MASquareMatrix Product(const MASquareMatrix& left, const MASquareMatrix& right)
 {
     const std::size_t n = left.Size();
@@ -408,26 +419,24 @@ void MAWeightedFit::AddResiduals(const MAFittedRows& rows, MAProjectionSums& tot
 void MAWeightedFit::AddProducts(const MAFittedRows& rows, RowSums& total) const
 {
     const double* const weights = Weights(rows.first);
-    std::array<double, stretch> weighted; // Ws
-    double squares = 0.0;
+    const double* const shift = total.shift.data();
     WithUnrolledSize(Rank() + 1, [&](auto size) {
+        auto products = ZeroRow(size);
+        double squares = 0.0;
         const double* row = Row(rows.first);
         for (std::size_t i = 0; i < rows.count; ++i, row += size) {
             double s = weights[i] * rows.residuals[i];
             for (std::size_t j = 0; j + 1 < size; ++j)
-                s += row[j] * total.shift[j];
-            weighted[i] = weights[i] * s;
-            squares += weighted[i] * s;
+                s += row[j] * shift[j];
+            const double weighted = weights[i] * s;
+            squares += weighted * s;
+            for (std::size_t j = 0; j + 1 < size; ++j)
+                products[j] += weighted * row[j];
         }
-        for (std::size_t j = 0; j + 1 < size; ++j) {
-            const double* const column = Row(rows.first) + j;
-            double product = 0.0;
-            for (std::size_t i = 0; i < rows.count; ++i)
-                product += weighted[i] * column[i * size];
-            total.products[j] += product;
-        }
+        for (std::size_t j = 0; j + 1 < size; ++j)
+            total.products[j] += products[j];
+        total.squares += squares;
     });
-    total.squares += squares;
 }
 
 void MAWeightedFit::AddLeverages(const MAFittedRows& rows, MAProjectionSums& total) const
