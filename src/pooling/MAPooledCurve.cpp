@@ -237,7 +237,7 @@ double MAPooledCurve::LogDeterminant(double t) const
     for (std::size_t first = 0; first < count_; first += factors) {
         double product = 1.0;
         for (std::size_t i = first; i < std::min(first + factors, count_); ++i)
-            product *= variances_[i] / unit_ + t;
+            product *= variances_[i] * effectScale_ * effectScale_ + t;
         sum += std::log(product);
     }
     return sum;
