@@ -182,7 +182,8 @@ MALikelihoodTerms MAPooledCurve::At(double t)
     const double w0 = 1.0 / (bounds_.minVariance + t);
     const double w = w0 + s.w;
     const double ww = w0 * w0 + s.ww;
-    const double m = s.wd / w;
+    const double perW = 1.0 / w;
+    const double m = s.wd * perW;
 
     MALikelihoodTerms terms;
     terms.fit = s.wwdd - 2.0 * m * s.wwd + m * m * ww;
@@ -190,18 +191,18 @@ MALikelihoodTerms MAPooledCurve::At(double t)
     const double zz =
         s.wwwdd + 2.0 * m * (w0 * s.wwd - s.wwwd) + m * m * (w0 * (w0 * s.w - 2.0 * s.ww) + s.www);
     const double z = s.wwd + m * (w0 * s.w - s.ww);
-    terms.fitSlope = -2.0 * (zz - z * (z / w));
+    terms.fitSlope = -2.0 * (zz - z * (z * perW));
     if (type_ == MALikelihoodType::Full) {
         terms.trace = w;
         terms.traceSlope = -ww;
         return terms;
     }
-    const double share0 = w0 / w;
-    const double shareW = s.w / w;
-    const double shareWW = s.ww / w;
+    const double share0 = w0 * perW;
+    const double shareW = s.w * perW;
+    const double shareWW = s.ww * perW;
     terms.trace = s.w - shareWW + w0 * shareW;
     terms.traceSlope =
-        -(Square(w0 * shareW) + 2.0 * share0 * share0 * s.ww + s.ww - 2.0 * s.www / w + shareWW * shareWW);
+        -(Square(w0 * shareW) + 2.0 * share0 * share0 * s.ww + s.ww - 2.0 * s.www * perW + shareWW * shareWW);
     return terms;
 }
 
@@ -236,7 +237,7 @@ double MAPooledCurve::LogDeterminant(double t) const
     for (std::size_t first = 0; first < count_; first += factors) {
         double product = 1.0;
         for (std::size_t i = first; i < std::min(first + factors, count_); ++i)
-            product *= variances_[i] / unit_ + t;
+            product *= variances_[i] * effectScale_ * effectScale_ + t;
         sum += std::log(product);
     }
     return sum;

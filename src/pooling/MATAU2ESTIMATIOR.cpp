@@ -77,7 +77,6 @@ KXStatus MATAU2ESTIMATIOR::ComputePlain(MAConst::TAU2ESTIMATOR type)
     if (!HaveLength(studyCount_, effectSizes_, variances_))
         return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
 
-    CalcMeanES();
     switch (type) {
     case MAConst::TAU2_HE:
         HEEstimator();
@@ -135,6 +134,7 @@ void MATAU2ESTIMATIOR::HEEstimator()
     tau2_ = 0.0;
     if (studyCount_ < 2)
         return;
+    CalcMeanES();
     const auto k = static_cast<double>(studyCount_);
     double residualSum = 0.0;
     double varianceSum = 0.0;
@@ -179,6 +179,7 @@ void MATAU2ESTIMATIOR::DLEstimator()
 /// One step from the crude variance of the effects (Sidik and Jonkman 2005, Applied Statistics 54, 367-384).
 void MATAU2ESTIMATIOR::SJEstimator()
 {
+    CalcMeanES();
     const auto k = static_cast<double>(studyCount_);
     double crude = 0.0;
     for (const double y : *effectSizes_)

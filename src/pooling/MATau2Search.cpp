@@ -61,9 +61,12 @@ bool AreUsable(const MACurveBounds& bounds)
            bounds.residualSum <= greatestResidualSum;
 }
 
+/// The upper bound is positive where those of A and B meet beyond t = 0.
 bool CanRise(const MACurveBounds& bounds)
 {
-    return bounds.residualDf > 0.0 && bounds.residualSum > 0.0 && UpperBoundOf(bounds) > 0.0;
+    const double rss = bounds.residualSum * (1.0 + boundSlack);
+    return bounds.residualDf > 0.0 && bounds.residualSum > 0.0 &&
+           rss * bounds.maxVariance > bounds.traceSize * bounds.minVariance * bounds.minVariance;
 }
 
 bool MAStationaryPoints::Node::IsFinite() const
