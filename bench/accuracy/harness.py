@@ -11,7 +11,7 @@ from mpmath import mp, mpf
 import exact
 
 DATA = Path(__file__).resolve().parents[2] / "tests" / "data"
-TIGHT = ["--tolerance", "1e-14", "--max-iterations", "10000", "--max-step-halving", "100"]
+TIGHT = ["--tau2-search", "scoring", "--tolerance", "1e-14", "--max-iterations", "10000", "--max-step-halving", "100"]
 Z = exact.normal_quantile(mpf("0.975"))
 
 
@@ -68,8 +68,8 @@ def note_tau2(studies, estimator, tight, loose, expected):
     if expected == 0:
         note(studies.kind + ": τ² where 0 is exact, over the median v", where, loose, expected, typical)
     else:
-        note(studies.kind + ": τ², iterative, tolerance 1e-14", where, tight, expected)
-        note(studies.kind + ": τ², iterative, by default (absolute)", where, loose, expected, 1)
+        note(studies.kind + ": τ², scoring, tolerance 1e-14", where, tight, expected)
+        note(studies.kind + ": τ², global search", where, loose, expected)
 
 
 def position(quantity):
