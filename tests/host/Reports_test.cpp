@@ -49,7 +49,8 @@ TEST(Reports, SayWhatTheLibraryDoesWithTheSettings)
          "fixed-effect model \\(Mantel-Haenszel\\), .*The null hypothesis is OR = 2\\."},
         {fixed + tables + "--effect peto", "fixed-effect model \\(Peto\\), "},
         {Binary(zeros) + "--model fixed" + tables + "--subgroup g",
-         "effects: 0.5 added to all cells of 2 tables\\..*of the counts pooled: 1 table in a; the other rows"},
+         "effects: 0.5 added to all cells of 2 tables\\..*of the counts pooled: 1 table in a; the other "
+         "rows"},
         {Binary(zeros) + "--model fixed" + tables + "--cumulative g",
          "of the counts pooled: no table\\..*p +Tables corrected\n1 +a [^\n]* 1\n2 +b [^\n]* 2\n3 +b [^\n]* "
          "0\n"},
