@@ -47,12 +47,6 @@ inline bool IsTau2Off(double estimate, double proved, double typicalVariance)
     return !(std::abs(estimate - proved) <= 0.01 * (proved + typicalVariance));
 }
 
-/// Whether an estimator is one that iterates, or searches.
-inline bool IsIterative(MAConst::TAU2ESTIMATOR estimator)
-{
-    return HasLikelihood(estimator) || estimator == MAConst::TAU2_EB;
-}
-
 /// A point where the slope of the likelihood changes its sign.
 struct MAStationaryPoint
 {

@@ -30,4 +30,10 @@ inline bool HasLikelihood(MAConst::TAU2ESTIMATOR estimator)
     return estimator == MAConst::TAU2_ML || estimator == MAConst::TAU2_REML;
 }
 
+/// Whether an estimator is found by iteration or search, and not in closed form.
+inline bool IsIterative(MAConst::TAU2ESTIMATOR estimator)
+{
+    return HasLikelihood(estimator) || estimator == MAConst::TAU2_EB;
+}
+
 } // namespace MA_NAMESPACE

@@ -60,8 +60,7 @@ bool IsKnownModel(MAConst::MODELTYPE type)
 
 bool Iterates(MAConst::TAU2ESTIMATOR estimator, MAConst::TAU2SEARCH search)
 {
-    const bool isIterative = HasLikelihood(estimator) || estimator == MAConst::TAU2_EB;
-    return isIterative && search != MAConst::TAU2_SEARCH_GLOBAL;
+    return IsIterative(estimator) && search != MAConst::TAU2_SEARCH_GLOBAL;
 }
 
 /// Whether the interval asked for is one that the estimator does not have.
