@@ -168,6 +168,7 @@ void AddOwnResults(Json& results, const MABinModel& model)
 {
     results["ESType"] = ToJson(model.GetESType());
     results["NZeroCorrected"] = ToJson(model.GetNZeroCorrected());
+    results["NUninformative"] = ToJson(model.GetNUninformative());
     results["NPoolCorrected"] = ToJson(model.GetNPoolCorrected());
     results["CumNPoolCorrected"] = ToJson(model.GetCumNPoolCorrected());
     results["ExpEffectSize"] = ToJson(model.GetExpEffectSize());

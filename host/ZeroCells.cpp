@@ -4,6 +4,7 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
+#include <cmath>
 
 using namespace MA_NAMESPACE;
 
@@ -41,15 +42,17 @@ std::string WordingOf(const std::vector<int>& corrected, const std::vector<std::
     return fmt::format("{}{}", fmt::join(rows, ", "), others);
 }
 
-/// Tables without events (of odds ratios also: without non-events) in both groups have weight 0.
-std::string WordingOfIdleTables(const MABinModel& model)
+/// What the counts as read keep out of a pooled effect, or keep from having one.
+std::string WordingOfCountsAsRead(const MABinModel& model)
 {
-    const std::vector<double> weights = model.GetWeight();
-    const auto idle = static_cast<int>(std::count(weights.begin(), weights.end(), 0.0));
-    if (idle == 0)
-        return {};
-    return fmt::format(" Without information on the ratio, and so without part in the pooled effect: {}.",
-                       CountOfTables(idle));
+    std::string text;
+    if (const int leftOut = model.GetNUninformative(); leftOut > 0)
+        text += fmt::format(" Without information on the effect, and so without part in the pooled one: {}.",
+                            CountOfTables(leftOut));
+    const std::vector<double> pooled = model.GetEstEffectSize();
+    if (std::any_of(pooled.begin(), pooled.end(), [](double effect) { return std::isnan(effect); }))
+        text += " -: the counts have no pooled effect.";
+    return text;
 }
 
 } // namespace
@@ -71,7 +74,8 @@ std::string WordingOfPooledCorrection(const ReportSource& source)
         return {};
     const std::vector<int> corrected = CorrectedByRow(*model);
     return fmt::format("Zero-cell correction of the counts pooled: {}.{}",
-                       WordingOf(corrected, source.RowLabels(corrected.size())), WordingOfIdleTables(*model));
+                       WordingOf(corrected, source.RowLabels(corrected.size())),
+                       WordingOfCountsAsRead(*model));
 }
 
 void AppendCorrectionOfSteps(std::vector<ReportColumn>& table, const ReportSource& source, std::size_t group)

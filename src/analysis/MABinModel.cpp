@@ -4,6 +4,8 @@
 #include "meta_analysis/analysis/MAModelRows.h"
 #include "meta_analysis/analysis/TableBuilder.h"
 #include "meta_analysis/effectsize/MAZeroCorrection.h"
+#include "meta_analysis/pooling/MABinaryPooling.h"
+#include "meta_analysis/pooling/MAPooledCounts.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -279,6 +281,19 @@ int MABinModel::GetNZeroCorrected() const
     for (std::size_t study = 0; study < count; ++study)
         corrected += ZeroCorrection().AddedTo(TableBuilder::TableOf(studies_.tables, study)) != 0.0;
     return corrected;
+}
+
+int MABinModel::GetNUninformative() const
+{
+    int leftOut = 0;
+    if (!UsesBinaryPooling())
+        return leftOut;
+    WithBinaryPooling(effectType_, [&](auto pooling) {
+        const MAPooledCounts<decltype(pooling)> counts(pooledZeroCells_);
+        for (std::size_t study = 0; study < studies_.tables.treatmentEvents.size(); ++study)
+            leftOut += counts.Includes(TableBuilder::TableOf(studies_.tables, study)) ? 0 : 1;
+    });
+    return leftOut;
 }
 
 /// For tables of the run, as read. The object corrects the tables that the effect sizes corrected, with the

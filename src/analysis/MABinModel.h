@@ -83,6 +83,9 @@ public:
     /// Number of studies whose tables had the zero-cell correction for their own effect sizes; 0 for
     /// ready-made effect sizes.
     int GetNZeroCorrected() const;
+    /// Number of studies whose tables tell nothing of the effect, such as an odds ratio without events in
+    /// either group, and which pooled counts therefore leave out; 0 unless counts are pooled as read.
+    int GetNUninformative() const;
     /// Per model, and per group and step of a cumulative analysis: the number of tables that were pooled
     /// with the correction; 0 for models that pool effect sizes.
     std::vector<int> GetNPoolCorrected() const

@@ -59,14 +59,14 @@ void VisitGetters(const MA_NAMESPACE::MABinModel* model, Visit visit)
 {
     using Source = MA_NAMESPACE::MABinModel;
     VisitGetters<Visit&>(static_cast<const MA_NAMESPACE::MAAnalysisResults*>(model), visit);
-    VisitEach(visit, NAMED(GetNZeroCorrected), NAMED(GetNPoolCorrected), NAMED(GetCumNPoolCorrected),
-              NAMED(GetExpEffectSize), NAMED(GetExpVariance), NAMED(GetExpStdError), NAMED(GetExpCILower),
-              NAMED(GetExpCIUpper), NAMED(GetEstExpEffectSize), NAMED(GetEstExpCILower),
-              NAMED(GetEstExpCIUpper), NAMED(GetExpPILower), NAMED(GetExpPIUpper), NAMED(GetContrastExpEstES),
-              NAMED(GetContrastExpEstCILower), NAMED(GetContrastExpEstCIUpper), NAMED(GetCumExpEstES),
-              NAMED(GetCumExpEstCiLower), NAMED(GetCumExpEstCiUpper), NAMED(GetOverallTFExpEffectSize),
-              NAMED(GetOverallTFExpCILower), NAMED(GetOverallTFExpCIUpper), NAMED(GetLabbePlotX),
-              NAMED(GetLabbePlotY), NAMED(GetLabbePlotW));
+    VisitEach(visit, NAMED(GetNZeroCorrected), NAMED(GetNUninformative), NAMED(GetNPoolCorrected),
+              NAMED(GetCumNPoolCorrected), NAMED(GetExpEffectSize), NAMED(GetExpVariance),
+              NAMED(GetExpStdError), NAMED(GetExpCILower), NAMED(GetExpCIUpper), NAMED(GetEstExpEffectSize),
+              NAMED(GetEstExpCILower), NAMED(GetEstExpCIUpper), NAMED(GetExpPILower), NAMED(GetExpPIUpper),
+              NAMED(GetContrastExpEstES), NAMED(GetContrastExpEstCILower), NAMED(GetContrastExpEstCIUpper),
+              NAMED(GetCumExpEstES), NAMED(GetCumExpEstCiLower), NAMED(GetCumExpEstCiUpper),
+              NAMED(GetOverallTFExpEffectSize), NAMED(GetOverallTFExpCILower), NAMED(GetOverallTFExpCIUpper),
+              NAMED(GetLabbePlotX), NAMED(GetLabbePlotY), NAMED(GetLabbePlotW));
 }
 
 template <class Visit>

@@ -53,6 +53,7 @@ TEST(Refusals, OfCommandLines)
         {binary + "--level 0.9x", "--level: '0.9x' is not a number"},
         {binary + "--null nan", "--null: 'nan' is not a finite number"},
         {binary + "--null 2", "--null needs --model fixed"},
+        {binary + "--pooled-zero-cells none", "--pooled-zero-cells needs --weights mantel-haenszel"},
         {binary + "--contrast year", "--contrast needs --model fixed"},
         {binary + "--model fixed --weights mantel-haenszel --null -1", "--null: -1 cannot be a ratio"},
         {binary + "--tau2-search scoring --max-iterations 0", "--max-iterations: 0 leaves the estimator"},

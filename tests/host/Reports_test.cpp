@@ -37,6 +37,9 @@ TEST(Reports, SayWhatTheLibraryDoesWithTheSettings)
     const std::string zeros =
         folder.Write("t.csv", "treatment_events,treatment_nonevents,control_events,control_nonevents,g\n"
                               "0,9,2,7,a\n0,8,3,5,b\n4,9,5,6,b\n");
+    const std::string oneSided =
+        folder.Write("o.csv", "treatment_events,treatment_nonevents,control_events,control_nonevents\n"
+                              "0,100,0,100\n3,97,0,100\n2,98,0,100\n");
     const std::string random = "random-effects model \\(restricted maximum likelihood\\), 95%";
     ExpectShown({
         {Bcg(), random + ".*SE +z +p\n"},
@@ -51,6 +54,9 @@ TEST(Reports, SayWhatTheLibraryDoesWithTheSettings)
         {Binary(zeros) + "--model fixed" + tables + "--subgroup g",
          "effects: 0.5 added to all cells of 2 tables\\..*of the counts pooled: 1 table in a; the other "
          "rows"},
+        {Binary(oneSided) + "--model fixed" + tables + "--pooled-zero-cells none",
+         "Overall +- \\[-, -\\].*part in the pooled one: 1 table\\. -: the counts have no pooled effect.*"
+         "Overall +- +1 +- +- +-\n"},
         {Binary(zeros) + "--model fixed" + tables + "--cumulative g",
          "of the counts pooled: no table\\..*p +Tables corrected\n1 +a [^\n]* 1\n2 +b [^\n]* 2\n3 +b [^\n]* "
          "0\n"},
