@@ -1,4 +1,4 @@
-# What `cmake --install` puts in place beside the public headers, which src/ installs itself. The three
+# What `cmake --install` puts in place beside the public headers, which meta_analysis/ installs itself. The three
 # components are what Debian makes packages of: library, development and program.
 include(CMakePackageConfigHelpers)
 

@@ -1,10 +1,10 @@
 #include "Tau2Scan.h"
 
 #include "meta_analysis/pooling/MAPooledCurve.h"
+#include "meta_analysis/pooling/MARegressionCurve.h"
 #include "meta_analysis/pooling/MATau2Search.h"
-#include "meta_analysis/regression/MADesignMatrix.h"
-#include "meta_analysis/regression/MAOrthonormalColumns.h"
-#include "meta_analysis/regression/MARegressionCurve.h"
+#include "meta_analysis/regression/design/MADesignMatrix.h"
+#include "meta_analysis/regression/design/MAOrthonormalColumns.h"
 
 #include <algorithm>
 #include <cmath>

@@ -5,8 +5,8 @@
 #include "support/Published.h"
 #include "support/SmallStudyRun.h"
 
-#include "meta_analysis/analysis/MARegBaseTest.h"
-#include "meta_analysis/analysis/RegTestRecordIterator.h"
+#include "meta_analysis/analysis/steps/MARegBaseTest.h"
+#include "meta_analysis/analysis/steps/RegTestRecordIterator.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 

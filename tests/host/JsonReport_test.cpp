@@ -11,7 +11,7 @@ namespace {
 /// The keys that the public getters without arguments of a header of the library ask for.
 Texts KeysOfGetters(const std::string& header)
 {
-    std::ifstream file(TESTS_DIR "/../src/" + header);
+    std::ifstream file(TESTS_DIR "/../meta_analysis/" + header);
     std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     text.resize(std::min({text.find("protected:"), text.find("private:"), text.size()}));
     const std::regex getter(R"(\b(?:Get|(?=GeR))(\w+)\(\) const)"); // one lacks the t

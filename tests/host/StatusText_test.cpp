@@ -16,7 +16,7 @@ std::string ProjectFile(const std::string& path)
 
 TEST(StatusText, EveryCodeOfTheLibraryHasASentenceAndIsDocumented)
 {
-    const std::string text = ProjectFile("src/settings/MAStatusCode.h");
+    const std::string text = ProjectFile("meta_analysis/settings/MAStatusCode.h");
     const std::string document = ProjectFile("docs/embedding.md");
     const std::regex number("\\b460\\d{3}\\b");
     int count = 0;

@@ -2,7 +2,7 @@
 
 #include "support/Compare.h"
 
-#include "meta_analysis/regression/MADesignMatrix.h"
+#include "meta_analysis/regression/design/MADesignMatrix.h"
 
 #include <cstring>
 

@@ -5,7 +5,7 @@
 #include "support/StudyVectors.h"
 
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
-#include "meta_analysis/regression/MADesignMatrix.h"
+#include "meta_analysis/regression/design/MADesignMatrix.h"
 
 #include <functional>
 

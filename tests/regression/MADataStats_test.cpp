@@ -2,7 +2,7 @@
 #include "support/Data.h"
 #include "support/DisplayOf.h"
 
-#include "meta_analysis/regression/MADataStats.h"
+#include "meta_analysis/regression/design/MADataStats.h"
 
 using MA_NAMESPACE::DataStat;
 using MA_NAMESPACE::MADataStats;

@@ -3,7 +3,7 @@
 #include "support/DisplayOf.h"
 #include "support/Regression.h"
 
-#include "meta_analysis/regression/MADesignMatrix.h"
+#include "meta_analysis/regression/design/MADesignMatrix.h"
 
 using namespace MA_NAMESPACE;
 

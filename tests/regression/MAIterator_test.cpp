@@ -2,7 +2,7 @@
 #include "support/Data.h"
 #include "support/FaultyRecordIter.h"
 
-#include "meta_analysis/regression/MAIterator.h"
+#include "meta_analysis/regression/design/MAIterator.h"
 
 using MA_NAMESPACE::MAIterator;
 

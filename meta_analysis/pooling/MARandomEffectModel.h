@@ -1,0 +1,166 @@
+#pragma once
+
+#include "meta_analysis/inference/MAHeterogeneityMeasures.h"
+#include "meta_analysis/inference/MAPValue.h"
+#include "meta_analysis/platform/common/Export.h"
+#include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/pooling/MATau2Results.h"
+#include "meta_analysis/settings/MAConst.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+struct MATau2Bounds;
+
+/// Random-effects pooling of effect sizes y with within-study variances v:
+///     mean = sum(w y) / sum(w), variance = 1 / sum(w), w = 1 / (v + tau²),
+/// with tau² from `MATAU2ESTIMATIOR`, optionally with the Knapp-Hartung adjustment (Knapp and Hartung 2003,
+/// Statistics in Medicine 22, 2693-2710), a test against 0, a confidence and a prediction interval, the
+/// homogeneity test, H² and I², the likelihood of ML and REML, and on request intervals of tau², H² and I².
+///
+/// Calling order: construct, set effect sizes, variances and options, `EstimateMeanESStats`, read the
+/// getters. The vectors are the caller's and must outlive the object. Everything is on the scale of the
+/// effect sizes; a result that is not defined is missing. Cost: O(k) an iteration of the estimator, no
+/// allocation.
+///
+/// The status is sticky: after an error every setter and the estimation do nothing and return it.
+class META_ANALYSIS_EXPORT MARandomEffectModel
+{
+public:
+    MARandomEffectModel();
+    MARandomEffectModel(const MARandomEffectModel&);
+    MARandomEffectModel& operator=(const MARandomEffectModel&);
+    virtual ~MARandomEffectModel();
+
+    /// Study vectors. The first fixes the study count k; error 460001 for another length.
+    KXStatus SetEffectSizes(const std::vector<double>* effectSizes);
+    KXStatus SetVariances(const std::vector<double>* variances);
+    /// Under an adjustment, the test and the confidence interval use Student's t with k - 1 degrees of
+    /// freedom.
+    KXStatus SetKHAdjType(MAConst::KNAPPHADJTYPE type);
+    /// 1 - confidence level.
+    KXStatus SetSignLevel(double alpha);
+    /// Limits of the iterative estimators, see `MATAU2ESTIMATIOR`.
+    KXStatus SetMaxIter(int maxIter);
+    KXStatus SetMaxStepHalving(int maxStepHalving);
+    KXStatus SetConverTol(double tolerance);
+    KXStatus SetEstimationType(MAConst::TAU2ESTIMATOR type);
+    /// How ML, REML and EB find their estimate; scoring unless set.
+    KXStatus SetTau2Search(MAConst::TAU2SEARCH search);
+    /// Interval of tau², and by it of H² and I²; none unless set. Profile likelihood is for ML and REML, and
+    /// gives none for other estimators.
+    KXStatus SetTau2Interval(MAConst::TAU2INTERVAL type);
+    /// Distribution of the prediction interval and of `GetPIProbability`; t with k - 2 degrees of freedom
+    /// unless set.
+    KXStatus SetPrediction(MAConst::PREDICTIONTYPE type);
+    /// Threshold, on the scale of the effect sizes, beyond which the probability of a new study's true effect
+    /// is wanted; the last one set holds, and a missing one asks for none.
+    KXStatus SetProbabilityAbove(double threshold);
+    KXStatus SetProbabilityBelow(double threshold);
+
+    /// Errors: 460060 the estimator failed (a type outside the enumeration), and those of the estimator.
+    KXStatus EstimateMeanESStats();
+
+    double GetBetweenStudyVariance() const { return tau2_; }
+    double GetEstEffectSize() const { return mean_; }
+    double GetEstESVariance() const { return variance_; }
+    /// The variance once more, not its square root: hosts take the root themselves.
+    double GetEstESStdError() const { return variance_; }
+    /// z, or t under the Knapp-Hartung adjustment.
+    double GetEstESTestStat() const { return statistic_; }
+    /// Missing, like the confidence interval, for k < 2 under the adjustment.
+    double GetEstESSig() const { return pValue_.value; }
+    double GetEstESLog10Sig() const { return pValue_.Log10(); }
+    double GetEstESCIUpper() const { return ciUpper_; }
+    double GetEstESCILower() const { return ciLower_; }
+    /// Prediction interval mean ± q √(variance + tau²), q by default that of Student's t with k - 2 degrees
+    /// of freedom (Higgins, Thompson and Spiegelhalter 2009, Journal of the Royal Statistical Society A 172,
+    /// 137-159). NaN without degrees of freedom (k < 3); missing then under the adjustment.
+    double GetEstESPIUpper() const { return piUpper_; }
+    double GetEstESPILower() const { return piLower_; }
+    /// Probability that the true effect of a new study lies above (or below) the threshold c: the
+    /// distribution function of the prediction at (mean - c) / √(variance + tau²), or of its negative.
+    /// Missing without a threshold or without degrees of freedom, and where mean - c and variance + tau² are
+    /// both 0.
+    double GetPIProbability() const { return probability_; }
+    /// Homogeneity test with fixed-effect weights; missing for k < 2.
+    double GetHomogeneityTestQ() const { return q_; }
+    int GetHomogeneityTestDf() const { return df_; }
+    double GetHomogeneityTestPVal() const { return qPValue_.value; }
+    double GetHomogeneityTestLog10PVal() const { return qPValue_.Log10(); }
+    /// From tau² and the typical within-study variance, not from Q; missing for k < 2. I² is a fraction.
+    double GetHeterogeneityTestH2() const { return heterogeneity_.h2; }
+    double GetHeterogeneityTestI2() const { return heterogeneity_.i2; }
+    /// Bounds of tau² at the confidence level, 0 at least, and of H² and I² from them. Missing unless asked
+    /// for, and for k < 2.
+    double GetTau2CILower() const { return tau2Results_.lower; }
+    double GetTau2CIUpper() const { return tau2Results_.upper; }
+    double GetHeterogeneityTestH2CILower() const { return heterogeneity_.h2Lower; }
+    double GetHeterogeneityTestH2CIUpper() const { return heterogeneity_.h2Upper; }
+    double GetHeterogeneityTestI2CILower() const { return heterogeneity_.i2Lower; }
+    double GetHeterogeneityTestI2CIUpper() const { return heterogeneity_.i2Upper; }
+
+    /// How tau² was found, see `MATAU2ESTIMATIOR`.
+    MAConst::TAU2CONVERGENCE GetTau2Convergence() const { return tau2Results_.convergence; }
+    int GetTau2Evaluations() const { return tau2Results_.evaluations; }
+    /// Whether tau² of an iterative estimator is off the one that the global search proves by more than a
+    /// hundredth of the latter plus the typical within-study variance, or the search proves none. Takes one
+    /// search, and none after a global one that ended with a proof.
+    bool HasDoubtfulTau2() const;
+
+    /// Log-likelihood (ML) or restricted log-likelihood (REML) at tau², with all constants, and the criteria
+    /// of Akaike and Schwarz with two parameters; of k observations (ML) or k - 1 (REML). Missing for other
+    /// estimators and for k < 2.
+    double GetLogLikelihood() const { return tau2Results_.information.logLikelihood; }
+    double GetAIC() const { return tau2Results_.information.aic; }
+    double GetBIC() const { return tau2Results_.information.bic; }
+    double GetAICc() const { return tau2Results_.information.aicc; }
+
+private:
+    KXStatus EstimateTau2();
+    void PoolEffectSizes();
+    double VarianceFactor() const;
+    void TestMean();
+    void PredictEffect();
+    double PredictionDf() const;
+    void TestHomogeneity();
+    void MeasureLikelihood();
+    void SetTau2Bounds(const MATau2Bounds& bounds);
+
+    std::size_t studyCount_ = 0;
+    const std::vector<double>* effectSizes_ = nullptr;
+    const std::vector<double>* variances_ = nullptr;
+    MAConst::KNAPPHADJTYPE knappHartung_ = MAConst::KNAPP_HARTUNG_NONE;
+    MAConst::TAU2ESTIMATOR estimator_ = MAConst::TAU2_REML;
+    int maxIter_ = 100;
+    int maxStepHalving_ = 5;
+    double tolerance_ = 1e-6;
+    double alpha_ = 0.05;
+    MAConst::TAU2SEARCH search_ = MAConst::TAU2_SEARCH_SCORING;
+    MAConst::TAU2INTERVAL tau2Interval_ = MAConst::TAU2_INTERVAL_NONE;
+    MAConst::PREDICTIONTYPE prediction_ = MAConst::PREDICTION_T_K_MINUS_2;
+    double threshold_ = KXMV::Missing();
+    bool isThresholdAbove_ = true;
+    double tau2_ = 0.0;
+    MATau2Results tau2Results_;
+    double mean_ = KXMV::Missing();
+    double variance_ = KXMV::Missing();
+    double piUpper_ = KXMV::Missing();
+    double piLower_ = KXMV::Missing();
+    double probability_ = KXMV::Missing();
+    double statistic_ = KXMV::Missing();
+    MAPValue pValue_;
+    double ciUpper_ = KXMV::Missing();
+    double ciLower_ = KXMV::Missing();
+    double q_ = KXMV::Missing();
+    int df_ = 0;
+    MAPValue qPValue_;
+    double typicalVariance_ = KXMV::Missing();
+    MAHeterogeneityMeasures heterogeneity_;
+    KXStatus status_;
+};
+
+} // namespace MA_NAMESPACE

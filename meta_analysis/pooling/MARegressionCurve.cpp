@@ -1,0 +1,150 @@
+#include "meta_analysis/pooling/MARegressionCurve.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+MARegressionCurve::MARegressionCurve(const MAOrthonormalColumns& columns,
+                                     const std::vector<double>& variances, MALikelihoodType type)
+    : columns_(&columns), variances_(&variances), type_(type), fit_(columns), weights_(variances.size())
+{
+    const auto count = static_cast<double>(variances.size());
+    bounds_.residualDf = count - static_cast<double>(columns.Rank());
+    bounds_.traceSize = type == MALikelihoodType::Full ? count : bounds_.residualDf;
+    if (!variances.empty())
+        MeasureBounds();
+}
+
+void MARegressionCurve::MeasureBounds()
+{
+    double smallest = variances_->front();
+    double largest = smallest;
+    for (const double variance : *variances_) {
+        smallest = std::min(smallest, variance);
+        largest = std::max(largest, variance);
+    }
+    unit_ = PowerOf4Below(smallest);
+    bounds_.minVariance = smallest / unit_;
+    bounds_.maxVariance = largest / unit_;
+    bounds_.residualSum = columns_->ResidualSum() / unit_;
+}
+
+void MARegressionCurve::Weigh(double t)
+{
+    const double* const variances = variances_->data();
+    double* const weights = weights_.data();
+    const double unit = unit_;
+    const double shift = t * unit;
+    const std::size_t count = weights_.size();
+    for (std::size_t i = 0; i < count; ++i)
+        weights[i] = unit / (variances[i] + shift);
+}
+
+MAProjectionSums MARegressionCurve::SumsAt(double t, bool withTraces, bool withCubic)
+{
+    for (const Evaluation& known : {last_, atZero_}) {
+        if (known.t == t && known.withTraces >= withTraces && known.withCubic >= withCubic)
+            return known.sums;
+    }
+    last_ = {t, withTraces, withCubic, Evaluate(t, withTraces, withCubic)};
+    if (t == 0.0)
+        atZero_ = last_;
+    return last_.sums;
+}
+
+MAProjectionSums MARegressionCurve::Evaluate(double t, bool withTraces, bool withCubic)
+{
+    Weigh(t);
+    MAProjectionSums sums = fit_.FitAndSum(weights_, withTraces, withCubic);
+    sums.yPy /= unit_;
+    sums.yPPy /= unit_;
+    sums.yPPPy /= unit_;
+    if (!leftOut_.empty())
+        LeaveOut(sums, withTraces);
+    return sums;
+}
+
+void MARegressionCurve::LeaveOutUpTo(double variance)
+{
+    leftOut_.clear();
+    last_ = atZero_ = Evaluation();
+    for (std::size_t i = 0; i < variances_->size(); ++i) {
+        if (!((*variances_)[i] > variance))
+            leftOut_.push_back(i);
+    }
+}
+
+/// The sums of weights are added up without such a row, beside which all others are rounding; the terms of P,
+/// in which none dominates, are subtracted.
+void MARegressionCurve::LeaveOut(MAProjectionSums& sums, bool withTraces) const
+{
+    const std::vector<double> complements =
+        withTraces ? MAWeightedFit(fit_).LeverageComplements() : std::vector<double>();
+    std::vector<double> counted = weights_;
+    fit_.VisitRows(false, [&](const MAFittedRows& rows) {
+        for (const std::size_t row : leftOut_) {
+            if (row < rows.first || row >= rows.first + rows.count)
+                continue;
+            const double weight = weights_[row];
+            const double residual = rows.residuals[row - rows.first];
+            counted[row] = 0.0;
+            sums.yPy -= weight * residual * residual / unit_;
+            sums.yPPy -= weight * residual * weight * residual / unit_;
+            if (withTraces) {
+                sums.traceP -= weight * complements[row];
+                sums.tracePP -= fit_.SquaredProjection(row);
+            }
+        }
+    });
+    sums.count -= static_cast<double>(leftOut_.size());
+    sums.weights = sums.squaredWeights = 0.0;
+    for (const double weight : counted) {
+        sums.weights += weight;
+        sums.squaredWeights += weight * weight;
+    }
+}
+
+MALikelihoodTerms MARegressionCurve::At(double t)
+{
+    const bool isRestricted = type_ == MALikelihoodType::Restricted;
+    const MAProjectionSums sums = SumsAt(t, isRestricted, true);
+    return {sums.yPPy, -2.0 * sums.yPPPy, isRestricted ? sums.traceP : sums.weights,
+            isRestricted ? -sums.tracePP : -sums.squaredWeights};
+}
+
+MAGeneralizedQ MARegressionCurve::QAt(double t)
+{
+    const MAProjectionSums sums = SumsAt(t, false);
+    return {sums.yPy, -sums.yPPy};
+}
+
+/// ML: -(1/2) [sum log(v + t) + y'Py + k log 2π]. REML: the same with k - p in place of k, and
+/// log det X'WX - log det X'X = log det Z'WZ added within the brackets.
+double MARegressionCurve::LogLikelihood(double t)
+{
+    if (last_.t != t)
+        last_ = {t, false, false, Evaluate(t, false, false)};
+    const double q = last_.sums.yPy;
+    double twice = LogDeterminant() + bounds_.traceSize * (logTwoPi + std::log(unit_)) + q;
+    if (type_ == MALikelihoodType::Restricted)
+        twice += fit_.LogDeterminant();
+    return -0.5 * twice;
+}
+
+/// Sum of log(v + t), with one logarithm for eight rows: the product of their weights is no less than 1e-280.
+double MARegressionCurve::LogDeterminant() const
+{
+    const double smallest = weights_.empty() ? 1.0 : *std::min_element(weights_.begin(), weights_.end());
+    const std::size_t factors = smallest > 1e-35 ? 8 : 1;
+    double sum = 0.0;
+    for (std::size_t first = 0; first < weights_.size(); first += factors) {
+        double product = 1.0;
+        for (std::size_t i = first; i < std::min(first + factors, weights_.size()); ++i)
+            product *= weights_[i];
+        sum -= std::log(product);
+    }
+    return sum;
+}
+
+} // namespace MA_NAMESPACE

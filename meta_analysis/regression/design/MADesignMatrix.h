@@ -1,0 +1,140 @@
+#pragma once
+
+#include "meta_analysis/platform/common/Export.h"
+#include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/platform/common/MultiPassRecordIter.h"
+#include "meta_analysis/platform/regression/KXFactorCounts.h"
+#include "meta_analysis/regression/design/MADPStrategy.h"
+#include "meta_analysis/regression/design/MADataStats.h"
+#include "meta_analysis/regression/design/MADesignMatrixEffect.h"
+#include "meta_analysis/regression/design/MADesignRow.h"
+#include "meta_analysis/regression/design/MAOWStrategy.h"
+#include "meta_analysis/settings/MARegSettings.h"
+
+#include <cstddef>
+#include <memory>
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+class MAOrthonormalColumns;
+
+/// The usable rows of a meta-regression in one contiguous block: k rows of p predictors and the dependent.
+struct MADesignRows
+{
+    std::size_t columnCount = 0;   ///< p
+    std::vector<double> cells;     ///< row after row; each the p predictors, then the dependent
+    std::vector<double> weights;   ///< omega weight of each row: finite and positive
+    std::vector<double> variances; ///< their inverses, kept because every iteration needs them
+
+    std::size_t Count() const { return weights.size(); }
+    const double* Row(std::size_t i) const { return cells.data() + i * (columnCount + 1); }
+    double Dependent(std::size_t i) const { return Row(i)[columnCount]; }
+};
+
+/// Turns records into the rows of a weighted regression: an intercept column where the settings ask for one,
+/// then the columns of the model effects, in order; the dependent value; and the omega weight.
+///
+/// Calling order: `ReadFirstPass` over all records (statistics, levels of the factors, then the columns are
+/// fixed), `AttachIterator`, `CacheRows`. From then on every pass of an estimation runs over `Rows()`, in
+/// memory. The settings are the host's and must outlive the object. The order of the virtual operations is
+/// part of the interface: hosts are compiled against it.
+///
+/// A record is usable when its dependent is there, its omega weight is positive, each factor of the settings
+/// has a level below the factor's size and each covariate of the settings is there, whether or not a model
+/// effect uses it. Warning 460031 stands for a record that is not.
+class META_ANALYSIS_EXPORT MADesignMatrix
+{
+public:
+    explicit MADesignMatrix(const MARegSettings& settings);
+    MADesignMatrix(const MADesignMatrix&) = delete;
+    MADesignMatrix& operator=(const MADesignMatrix&) = delete;
+    virtual ~MADesignMatrix();
+
+    /// Whether the model effects have variables, and all of them are factors or covariates of the settings.
+    bool HasKnownEffects() const;
+
+    /// Builds the row of a record; 460031, and the row as it was, when the record is not usable.
+    virtual KXStatus GetRow(const Record& record, MADesignRow& row, bool skipDependentAndWeight) const;
+
+    /// Writes statistics, counts and effects to the debug display.
+    virtual void Display() const;
+
+    /// First pass: takes up one record; 460031 when it is not usable.
+    virtual KXStatus Update(const Record& record);
+
+    /// 460031 when the record is not usable. Without dependent and weight, only the predictors are checked.
+    virtual KXStatus CheckRecord(const Record& record, bool skipDependentAndWeight) const;
+
+    /// The whole first pass over a started iterator; fixes the columns at its end. Error 460012 when the
+    /// iterator fails or the host cancels. Warning 460031 when a record was not usable.
+    KXStatus ReadFirstPass(MultiPassRecordIter& records);
+
+    void AttachIterator(MultiPassRecordIter& records);
+    /// Rewinds the attached iterator; error 460012 when it cannot.
+    KXStatus Rewind();
+    /// Reads the attached iterator from its start into `Rows()`. Rows with a bad effect, without a study, or
+    /// with predictors whose weighted squares cannot be represented are left out, with the same warning.
+    /// Errors as `ReadFirstPass`; 460012 also when there are more or fewer records than in the first pass.
+    KXStatus CacheRows();
+
+    /// Whether the rows are cached, so that a regression can be fitted.
+    bool IsReady() const { return rowsCached_; }
+    const MADesignRows& Rows() const { return rows_; }
+    /// The columns of `Rows()` made orthonormal, once they are cached; redundancy is decided by the
+    /// computational tolerance of the settings.
+    const MAOrthonormalColumns& Columns() const { return *columns_; }
+
+    /// Mean variance of the rows, once they are cached. A variance is negligible in comparison with it.
+    double MeanVariance() const { return meanVariance_; }
+
+    const MARegSettings& GetSettings() const { return *settings_; }
+    int GetParamSize() const { return paramSize_; }
+    /// Number of columns when some were taken out of the matrix; 0: none ever are.
+    int GetReducedParamSize() const { return 0; }
+    bool HasIntercept() const { return hasIntercept_; }
+    const std::vector<MADesignMatrixEffect>& GetEffects() const { return effects_; }
+    const MADataStats& GetDataStats() const { return statistics_; }
+    /// Counts over the factors of the settings, and over those that the model effects use.
+    const KXFactorCounts& GetFactorCounts() const { return factorCounts_; }
+    const KXFactorCounts& GetEffectFactorCounts() const { return effectFactorCounts_; }
+    long GetTotalRecords() const { return totalRecords_; }
+    long GetCompleteRecords() const { return completeRecords_; }
+
+private:
+    bool HasDependentAndWeight(const Record& record) const;
+    bool HasPredictors(const Record& record) const;
+    bool HasUsableLevels(const Record& record) const;
+    bool HasCovariates(const Record& record) const;
+    void CountLevels(const Record& record);
+    void FixColumns();
+    KXStatus ReadRows();
+    bool CacheRow(const Record& record);
+    bool CodePredictors(const Record& record, double* row) const;
+    void ApplyStudy(const Record& record, MADesignRow& row) const;
+
+    const MARegSettings* settings_;
+    std::vector<int> factors_;
+    std::vector<int> factorSizes_;
+    std::vector<int> covariates_;
+    std::unique_ptr<MADPSingle> dependent_; ///< null without a dependent
+    std::unique_ptr<IMAOWStrategy> omegaWeight_;
+    KXFactorCounts factorCounts_;
+    KXFactorCounts effectFactorCounts_;
+    MADataStats statistics_;
+    long totalRecords_ = 0;
+    long completeRecords_ = 0;
+    std::vector<long> unusableRecords_; ///< numbers of the others, which the later passes leave out
+    double completeFrequency_ = 0.0;    ///< sum of frequency weights of complete records: 1 for each
+    int paramSize_ = 0;
+    std::vector<MADesignMatrixEffect> effects_;
+    bool hasIntercept_;
+    bool columnsFixed_ = false;
+    MultiPassRecordIter* records_ = nullptr; ///< attached, not owned
+    MADesignRows rows_;
+    std::unique_ptr<const MAOrthonormalColumns> columns_;
+    double meanVariance_ = 0.0;
+    bool rowsCached_ = false;
+};
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,82 @@
+#pragma once
+
+#include "meta_analysis/platform/common/KXBitSet.h"
+#include "meta_analysis/regression/design/MATriangle.h"
+
+#include <cstddef>
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+struct MADesignRows;
+
+/// The columns of a design, made orthonormal once, on which all its fits work.
+///
+/// X = ZR for the columns that are not redundant, in their order, so that x'b = z'g for b = R⁻¹g. Every
+/// column is first divided by a power of two and, beside an intercept, counted from its mean weighted by the
+/// omega weights: exact for values within a factor of two of the mean, so that a calendar year loses no
+/// digit, and the heavier a study, the nearer it is to the origin. The columns beside the intercept are then
+/// made orthonormal about their unweighted means, by Gram-Schmidt applied twice where it needs it (Giraud,
+/// Langou, Rozložník and van den Eshof 2005, Numerische Mathematik 101, 87-100), but keep the origin. So det
+/// Z'Z = 1. The dependent is treated like a column; what the others leave of it is what a fit is given. That
+/// changes the g of a fit by a constant and its residuals not at all.
+///
+/// A column is redundant when those before it leave no more than `tolerance` of its sum of squares (beside an
+/// intercept: of that about its mean), or no more than rounding of its values. Weights play no part in that,
+/// so that all fits of a design agree about the redundant columns.
+class MAOrthonormalColumns
+{
+public:
+    /// Cost: O(k p²), with one copy of the rows as workspace.
+    MAOrthonormalColumns(const MADesignRows& rows, bool hasIntercept, double tolerance);
+
+    std::size_t RowCount() const { return rowCount_; }
+    /// Number of columns that are not redundant.
+    std::size_t Rank() const { return kept_.size(); }
+    const KXBitSet& NonRedundant() const { return nonRedundant_; }
+    /// The positions of the columns that are not redundant.
+    const std::vector<std::size_t>& Kept() const { return kept_; }
+
+    /// Rank() coordinates z of a row, then what is left of its dependent.
+    const double* Row(std::size_t i) const { return cells_.data() + i * (Rank() + 1); }
+    /// Coordinates z of any row of predictors.
+    std::vector<double> Coordinates(const double* predictors) const;
+
+    /// What the treatment of the dependent adds to the g of a fit of the residuals, and to its fitted values.
+    const std::vector<double>& UnweightedCoordinates() const { return unweighted_; }
+    double DependentCentre() const { return dependentCentre_; }
+    /// Residual sum of squares of the unweighted fit.
+    double ResidualSum() const { return residualSum_; }
+
+    /// d with b_j = d'g (plus the dependent's centre for an intercept) for the kept column `index`.
+    std::vector<double> DirectionOfCoefficient(std::size_t index) const;
+
+private:
+    struct Column;
+
+    /// Whether the columns to come stand beside an intercept.
+    bool HasIntercept() const { return hasIntercept_ && !work_.empty(); }
+    Column ColumnOf(const MADesignRows& rows, std::size_t position) const;
+    void Centre(Column& column, const std::vector<double>& weights) const;
+    void AddColumn(Column column, const std::vector<double>& weights, std::size_t position, double tolerance);
+    double Orthogonalize(Column& column, double squares, double* shares) const;
+    void AddDependent(Column dependent, const std::vector<double>& weights);
+    void StoreRows(const std::vector<double>& residuals);
+
+    std::size_t rowCount_;
+    bool hasIntercept_;
+    KXBitSet nonRedundant_;
+    std::vector<std::size_t> kept_;
+    std::vector<double> scales_;            ///< of the kept columns: powers of two
+    std::vector<double> centres_;           ///< of the kept columns after scaling
+    std::vector<std::vector<double>> r_;    ///< column by column, the diagonal element last
+    std::vector<double> origins_;           ///< unweighted means of Z, about which it is orthonormal
+    std::vector<std::vector<double>> work_; ///< Z column by column, while it is built
+    MASquareMatrix upper_;                  ///< R
+    std::vector<double> cells_;
+    std::vector<double> unweighted_;
+    double dependentCentre_ = 0.0;
+    double residualSum_ = 0.0;
+};
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,150 @@
+#pragma once
+
+#include "meta_analysis/platform/common/KXSymMatrix.h"
+#include "meta_analysis/platform/common/UnrolledSize.h"
+#include "meta_analysis/regression/design/MAOrthonormalColumns.h"
+#include "meta_analysis/regression/design/MATriangle.h"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+/// Sums over the rows of a weighted fit, with P = W - WZ(Z'WZ)⁻¹Z'W.
+struct MAProjectionSums
+{
+    double count = 0.0;          ///< of rows
+    double weights = 0.0;        ///< tr W
+    double squaredWeights = 0.0; ///< tr WW
+    double yPy = 0.0;
+    double yPPy = 0.0;
+    double yPPPy = 0.0; ///< only where asked for, as the traces
+    double traceP = 0.0;
+    double tracePP = 0.0;
+};
+
+/// A stretch of a fit's rows, one entry each.
+struct MAFittedRows
+{
+    std::size_t first; ///< number of its first row
+    std::size_t count;
+    const double* residuals;
+    const double* leverageComplements; ///< 1 - h; null unless asked for
+};
+
+/// Weighted least squares of the residuals of a design's dependent on its orthonormal columns Z.
+///
+/// The rows u of Z are fitted by S = Σ w uu'. Its condition is at most the ratio of the weights, and where it
+/// costs digits the rows take other coordinates: p basic rows, those that the weights make decide (the
+/// heaviest, next the heaviest beside it, and so on), become unit vectors, u = Z_B'⁻¹z, and the dependent is
+/// counted from the fit through them, y - u'y_B. With B the weights of the basic rows and G the sum over the
+/// others, S = B + G, and a, the fitted values there, is small. Scaled to a unit diagonal S is well
+/// conditioned however the weights differ (Peters and Wilkinson 1970, The Computer Journal 13, 309-316), and
+/// what cancels where a row dominates has a form without differences:
+///
+///     1 - h_j = (GM)_jj        P_BB = GMB        P_NB = -W U M B        (M = S⁻¹, N the other rows)
+///
+/// A leverage of the others is at most about p / (p + 1).
+class MAWeightedFit
+{
+public:
+    explicit MAWeightedFit(const MAOrthonormalColumns& columns) : columns_(&columns) {}
+
+    /// Fits with a weight >= 0 for each row, which must outlive the use of the fit; with basic rows where
+    /// Z'WZ loses digits. `withSquares` also forms Σ w² uu', for the traces.
+    void Fit(const std::vector<double>& weights, bool withSquares);
+    /// Fits with basic rows in any case.
+    void FitAboutBasicRows(const std::vector<double>& weights, bool withSquares);
+
+    /// Fits, and sums over the rows. Each sum has nearly all its digits, whatever the weights. The traces
+    /// cost O(p²) a row.
+    MAProjectionSums FitAndSum(const std::vector<double>& weights, bool withTraces, bool withCubic);
+
+    /// 1 - h of every row, with all its digits; fits anew about basic rows where that needs it.
+    std::vector<double> LeverageComplements();
+    /// (PP)_ii of a row, after a fit with squares.
+    double SquaredProjection(std::size_t row) const;
+
+    /// Calls `visit(rows)` for stretch after stretch of the rows, of a length that the fastest cache holds.
+    template <class Visit>
+    void VisitRows(bool withLeverages, Visit visit) const;
+
+    /// The coefficients g of Z, and the upper triangle R with R'R = Z'WZ.
+    std::vector<double> Coordinates() const;
+    MASquareMatrix Factor() const;
+    double LogDeterminant() const; ///< of Z'WZ
+
+private:
+    struct RowSums;
+
+    static constexpr std::size_t stretch = 256;
+
+    bool HasBasicRows() const { return !basicRows_.empty(); }
+    bool IsExact(const MAProjectionSums& sums, bool withTraces) const;
+    void UseOrthonormalColumns(const std::vector<double>& weights);
+    void UseBasicRows(const std::vector<double>& weights);
+    void ChooseBasicRows();
+    std::size_t HeaviestRow(const std::vector<double>& left) const;
+    void StoreBasicCoordinates();
+    void Solve(bool withSquares);
+    void FormCrossProducts(bool withSquares);
+    void Factorize();
+    void Invert();
+    void FormHat();
+    double HatSquare(std::size_t j) const;
+    MAProjectionSums Sums(bool withTraces, bool withCubic) const;
+    void AddResiduals(const MAFittedRows& rows, MAProjectionSums& total) const;
+    void AddProducts(const MAFittedRows& rows, RowSums& total) const;
+    void AddLeverages(const MAFittedRows& rows, MAProjectionSums& total) const;
+    double CubicForm(const RowSums& sums) const;
+    void AddBasicRows(MAProjectionSums& sums) const;
+    void AddTraces(MAProjectionSums& sums) const;
+    void ComputeResiduals(std::size_t first, std::size_t count, double* residuals) const;
+    void ComputeComplements(std::size_t first, std::size_t count, double* complements) const;
+    double BasicComplement(std::size_t j, std::size_t l) const;
+
+    const double* Row(std::size_t i) const
+    {
+        return HasBasicRows() ? basicCells_.data() + i * (Rank() + 1) : columns_->Row(i);
+    }
+    const double* Weights(std::size_t i) const
+    {
+        return (HasBasicRows() ? otherWeights_ : *given_).data() + i;
+    }
+    std::size_t Rank() const { return columns_->Rank(); }
+
+    const MAOrthonormalColumns* columns_;
+    const std::vector<double>* given_ = nullptr; ///< the weights
+    std::vector<std::size_t> basicRows_;
+    std::vector<double> basicWeights_;
+    std::vector<double> otherWeights_; ///< 0 for basic rows
+    std::vector<double> basicCells_;   ///< u and the dependent counted from the basic rows
+    MASquareMatrix directions_;        ///< orthonormal rows E with Z_B = L E
+    MASquareMatrix basis_;             ///< L' (upper)
+
+    KXSymMatrix crossProducts_;   ///< G (or S) with the dependent
+    KXSymMatrix squaredProducts_; ///< with squared weights
+    KXSymMatrix inverse_;         ///< M
+    MASquareMatrix hat_;          ///< MJ with J = U'W²U
+    MASquareMatrix factor_;       ///< upper triangle of S
+    double smallestPivot_ = 1.0;  ///< as a share of its diagonal element
+    std::vector<double> fitted_;  ///< a, coefficients of the coordinates
+};
+
+template <class Visit>
+void MAWeightedFit::VisitRows(bool withLeverages, Visit visit) const
+{
+    std::array<double, stretch> residuals;
+    std::array<double, stretch> complements;
+    for (std::size_t first = 0; first < given_->size(); first += stretch) {
+        const std::size_t count = std::min(stretch, given_->size() - first);
+        ComputeResiduals(first, count, residuals.data());
+        if (withLeverages)
+            ComputeComplements(first, count, complements.data());
+        visit(MAFittedRows{first, count, residuals.data(), withLeverages ? complements.data() : nullptr});
+    }
+}
+
+} // namespace MA_NAMESPACE
