@@ -1,0 +1,38 @@
+#pragma once
+
+#include "meta_analysis/inference/MAEstimate.h"
+#include "meta_analysis/inference/MAHeterogeneityMeasures.h"
+#include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/pooling/MATau2Results.h"
+
+namespace MA_NAMESPACE {
+
+/// Cochran's test of homogeneity, with fixed-effect weights; missing for fewer than two studies.
+struct MAHomogeneityTest
+{
+    double q = KXMV::Missing();
+    int df = 0;
+    MAPValue pValue;
+};
+
+/// Where the true effect of a new study is expected; missing for fixed-effect models.
+struct MAPrediction
+{
+    double lower = KXMV::Missing();
+    double upper = KXMV::Missing();
+    double probability = KXMV::Missing(); ///< of an effect beyond the threshold of the choice
+};
+
+/// Everything that one pooling of studies yields. What the model does not define is missing.
+struct MAPooledModel
+{
+    KXStatus status;
+    MAEstimate effect;
+    MAHomogeneityTest homogeneity;
+    MAHeterogeneityMeasures heterogeneity;
+    double tau2 = KXMV::Missing(); ///< missing for fixed-effect models, whose weights have none
+    MATau2Results tau2Results;
+    MAPrediction prediction;
+};
+
+} // namespace MA_NAMESPACE
