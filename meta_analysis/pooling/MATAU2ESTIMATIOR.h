@@ -11,8 +11,6 @@
 namespace MA_NAMESPACE {
 
 class MADesignMatrix;
-class MARegressionCurve;
-struct MATau2StepSums;
 
 /// Between-study variance tau² of k effect sizes y with within-study variances v, or the residual one of a
 /// meta-regression.
@@ -89,16 +87,8 @@ private:
     KXStatus ComputePlain();
     KXStatus ComputeRegression();
 
-    double XBETA(const double* row) const;
-    double ResidualOf(std::size_t row) const;
-    bool HasResidualDf(std::size_t rowCount);
-    void HERegEstimator();
-    void HSRegEstimator();
-    void DLRegEstimator();
-    void SJRegEstimator();
-    void IterateRegression();
-    void SearchRegression();
-    MATau2StepSums RegressionSums(MARegressionCurve& curve, double tau2);
+    std::vector<double> Residuals() const;
+    double FittedValue(const double* row) const;
 
     std::size_t studyCount_ = 0;
     const std::vector<double>* effectSizes_ = nullptr;
@@ -106,7 +96,7 @@ private:
     const MADesignMatrix* design_ = nullptr;
     std::vector<double> coefficients_;
     std::vector<double> leverageComplements_; ///< 1 - h
-    std::vector<double> residuals_;           ///< empty: computed from the coefficients
+    std::vector<double> residuals_;           ///< those not set are computed from the coefficients
     int parameterCount_ = 1;
     int nonRedundantCount_ = 1;
     MATau2Choice choice_;

@@ -5,8 +5,7 @@
 #include "meta_analysis/inference/MATestPValues.h"
 #include "meta_analysis/pooling/MARegressionCurve.h"
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
-#include "meta_analysis/pooling/MATau2Interval.h"
-#include "meta_analysis/pooling/MATau2Search.h"
+#include "meta_analysis/pooling/MATau2Inference.h"
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/regression/design/MADesignMatrix.h"
 #include "meta_analysis/regression/design/MAProgress.h"
@@ -169,11 +168,8 @@ KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::v
 void MAREAlgorithm::CheckTau2(MARegressionCurve& curve)
 {
     const auto estimator = static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType());
-    if (!IsIterative(estimator) || tau2Results_.convergence == MAConst::TAU2_GLOBAL_OPTIMUM)
-        return;
-    const double proved =
-        curve.Unit() * SolveTau2(curve, estimator, tau2_ / curve.Unit(), comparingPrecision).t;
-    if (IsTau2Off(tau2_, proved, 0.0) && IsTau2Off(tau2_, proved, TypicalVariance(curve)))
+    if (IsTau2Doubtful(curve, estimator, tau2_, tau2Results_.convergence,
+                       [&] { return TypicalVariance(curve); }))
         Passed(KXStatus(MAStatusCode::TAU2_DOUBTFUL, true));
 }
 
@@ -183,15 +179,10 @@ void MAREAlgorithm::MeasureLikelihood(MARegressionCurve& curve)
     const int code = GetEstTauType();
     if (code == unknownEstimator || fit_->ResidualDf() < 1)
         return;
-    const auto estimator = static_cast<MAConst::TAU2ESTIMATOR>(code);
-    const double t = tau2_ / curve.Unit();
-    if (HasLikelihood(estimator))
-        tau2Results_.information = InformationCriteria(
-            curve.LogLikelihood(t), fit_->NonRedundantCount() + 1.0, curve.Bounds().traceSize);
-    const MATau2Bounds bounds = Tau2Interval(curve, settings_->GetTau2Interval(), estimator, t,
-                                             1.0 - settings_->GetConfidenceLevel());
-    tau2Results_.lower = bounds.lower;
-    tau2Results_.upper = bounds.upper;
+    InferTau2(curve, tau2_,
+              {static_cast<MAConst::TAU2ESTIMATOR>(code), settings_->GetTau2Interval(),
+               1.0 - settings_->GetConfidenceLevel(), fit_->NonRedundantCount()},
+              tau2Results_);
 }
 
 /// Crude variance of the effect sizes, with divisor k.
