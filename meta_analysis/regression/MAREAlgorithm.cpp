@@ -10,6 +10,7 @@
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/regression/design/MADesignMatrix.h"
 #include "meta_analysis/regression/design/MAProgress.h"
+#include "meta_analysis/settings/Alpha.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAEstimatorCode.h"
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -189,7 +190,7 @@ void MAREAlgorithm::MeasureLikelihood(MARegressionCurve& curve)
         tau2Results_.information = InformationCriteria(
             curve.LogLikelihood(t), fit_->NonRedundantCount() + 1.0, curve.Bounds().traceSize);
     const MATau2Bounds bounds = Tau2Interval(curve, settings_->GetTau2Interval(), estimator, t,
-                                             1.0 - settings_->GetConfidenceLevel());
+                                             AlphaOf(settings_->GetConfidenceLevel()));
     tau2Results_.lower = bounds.lower;
     tau2Results_.upper = bounds.upper;
 }

@@ -1,6 +1,7 @@
 #include "meta_analysis/regression/MARegFit.h"
 
 #include "meta_analysis/inference/MATestPValues.h"
+#include "meta_analysis/settings/Alpha.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -129,7 +130,7 @@ KXStatus MARegFit::ComputeDispersion()
 /// 0 without residual degrees of freedom for Student's t, so that intervals shrink to a point.
 double MARegFit::CriticalValue(bool useStudentT) const
 {
-    const double alpha = 1.0 - design_->GetSettings().GetConfidenceLevel();
+    const double alpha = AlphaOf(design_->GetSettings().GetConfidenceLevel());
     if (!useStudentT)
         return TwoSidedNormalQuantile(alpha);
     return ResidualDf() == 0 ? 0.0 : TwoSidedTQuantile(alpha, ResidualDf());
