@@ -3,7 +3,7 @@
 #include "meta_analysis/inference/MAHeterogeneity.h"
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/regression/design/MADesignMatrix.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <cmath>
 #include <memory>

@@ -11,9 +11,9 @@
 #include "meta_analysis/regression/design/MADesignMatrix.h"
 #include "meta_analysis/regression/design/MAProgress.h"
 #include "meta_analysis/settings/Alpha.h"
-#include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAEstimatorCode.h"
 #include "meta_analysis/settings/MAStatusCode.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,13 +1,12 @@
 #include "meta_analysis/regression/MARegAlgorithm.h"
 
-#include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/KXDisplay_940.h"
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/regression/design/MADesignMatrix.h"
-#include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/MAWarnings.h"
+#include "meta_analysis/settings/Memory.h"
 
 namespace MA_NAMESPACE {
 
@@ -15,8 +14,6 @@ namespace {
 
 KXStatus StatusOf(const MARegSettings& settings)
 {
-    if (!settings.IsComplete())
-        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
     return settings.IsValid() ? KXStatus() : KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
 }
 

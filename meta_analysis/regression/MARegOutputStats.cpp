@@ -1,9 +1,9 @@
 #include "meta_analysis/regression/MARegOutputStats.h"
 
-#include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/regression/MAFEAlgorithm.h"
 #include "meta_analysis/regression/MAREAlgorithm.h"
 #include "meta_analysis/regression/MARegFit.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <exception>
 

@@ -159,8 +159,6 @@ void MABaseModel::StoreTest(const MARegBaseTest& test)
 KXStatus MABaseModel::RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
                                    MARegSettings settings)
 {
-    if (!settings.IsComplete())
-        return SetError(MAStatusCode::OUT_OF_MEMORY);
     return Guarded(status_, [&] {
         if (RequireStudiesForTest(records).IsError())
             return status_;

@@ -65,8 +65,6 @@ KXStatus MARegBaseTest::RunTest(MultiPassRecordIter& records)
         return KXStatus(MAStatusCode::RECORD_NOT_RESIZED);
 
     MARegSettings testSettings(*settings_);
-    if (!testSettings.IsComplete())
-        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
     const KXStatus copied = copySettings(columns, testSettings);
     return copied.IsError() ? copied : RegModelTest(testSettings, testRecords, true);
 }
