@@ -157,9 +157,10 @@ void MABaseModel::StoreTest(const MARegBaseTest& test)
 }
 
 KXStatus MABaseModel::RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
-                                   MARegSettings settings)
+                                   const MARegSettings& given)
 {
     return Guarded(status_, [&] {
+        MARegSettings settings(given);
         if (RequireStudiesForTest(records).IsError())
             return status_;
         if (HasGroups()) {
