@@ -110,10 +110,7 @@ KXStatus MARegBaseTest::BuildWith(MARegSettings& testSettings, RegTestRecordIter
     if (built.IsError())
         return built;
     warnings_ = engine.GetWarnings();
-    auto output = std::make_unique<MARegOutputStats>(testSettings, engine);
-    if (!output->IsComplete())
-        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
-    output_ = std::move(output);
+    output_ = std::make_unique<MARegOutputStats>(testSettings, engine);
     return built;
 }
 
