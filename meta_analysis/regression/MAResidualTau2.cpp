@@ -1,6 +1,7 @@
 #include "meta_analysis/regression/MAResidualTau2.h"
 
 #include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
+#include "meta_analysis/pooling/MATau2Estimators.h"
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/settings/MAEstimatorCode.h"
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -11,7 +12,23 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-constexpr MATau2Estimate noVariance = {.tau2 = 0.0};
+constexpr MATau2Estimate noVariance = {KXStatus(), 0.0, MAConst::TAU2_CLOSED_FORM, 0};
+
+MATau2Estimate Failed(const KXStatus& status)
+{
+    MATau2Estimate failed;
+    failed.status = status;
+    return failed;
+}
+
+MATau2Choice ChoiceOf(const MARegSettings& settings)
+{
+    const auto estimator = static_cast<MAConst::TAU2ESTIMATOR>(EstimatorOfCode(settings.GetEstTauType()));
+    return {
+        estimator,
+        {settings.GetMaxIterations(), settings.GetMaxStepHalvingValue(), settings.GetParameterTolerance()},
+        settings.GetTau2Search()};
+}
 
 void SetSearch(const MARegSettings& settings, MATAU2ESTIMATIOR& estimator)
 {
@@ -33,7 +50,7 @@ std::vector<double> EffectSizes(const MADesignRows& rows)
 MATau2Estimate ResultOf(const MATAU2ESTIMATIOR& estimator, const KXStatus& status)
 {
     if (status.IsError())
-        return {.status = status};
+        return Failed(status);
     return {status, estimator.GetBetweenStudyVariannce(), estimator.GetTau2Convergence(),
             estimator.GetTau2Evaluations()};
 }
@@ -60,7 +77,7 @@ MATau2Estimate EstimateByFit(const MADesignMatrix& design, MAWeightMode mode, MA
     MARegFit fit(design, mode);
     const KXStatus fitted = fit.Fit();
     if (fitted.IsError())
-        return {.status = fitted};
+        return Failed(fitted);
     return EstimateFrom(fit, type, nullptr);
 }
 
@@ -85,27 +102,22 @@ double CrudeVariance(const MADesignRows& rows)
 MATau2Estimate EstimateBySidikJonkman(const MADesignMatrix& design)
 {
     if (design.Rows().Count() == 1)
-        return {.status = KXStatus(MAStatusCode::ONE_USABLE_STUDY)};
+        return Failed(KXStatus(MAStatusCode::ONE_USABLE_STUDY));
     const double crude = CrudeVariance(design.Rows());
     if (crude == 0.0)
         return noVariance;
     MARegFit fit(design, MAWeightMode::ScaledRandom, crude);
     const KXStatus fitted = fit.Fit();
     if (fitted.IsError())
-        return {.status = fitted};
+        return Failed(fitted);
     return EstimateFrom(fit, MAConst::TAU2_SJ, &fit.Weights());
-}
-
-MAConst::TAU2ESTIMATOR EstimatorOf(const MADesignMatrix& design)
-{
-    return static_cast<MAConst::TAU2ESTIMATOR>(EstimatorOfCode(design.GetSettings().GetEstTauType()));
 }
 
 } // namespace
 
 MATau2Estimate EstimateResidualTau2(const MADesignMatrix& design)
 {
-    const MAConst::TAU2ESTIMATOR estimator = EstimatorOf(design);
+    const MAConst::TAU2ESTIMATOR estimator = ChoiceOf(design.GetSettings()).estimator;
     switch (estimator) {
     case MAConst::TAU2_DL:
         return EstimateByFit(design, MAWeightMode::FixedEffect, estimator);
@@ -127,12 +139,7 @@ MATau2Estimate EstimateResidualTau2(const MADesignMatrix& design)
 MATau2Estimate EstimateTau2WithoutPredictors(const MADesignMatrix& design)
 {
     const std::vector<double> effectSizes = EffectSizes(design.Rows());
-    MATAU2ESTIMATIOR estimator;
-    estimator.SetEffectSizes(&effectSizes);
-    estimator.SetVariances(&design.Rows().variances);
-    SetSearch(design.GetSettings(), estimator);
-    const KXStatus estimated = estimator.ComputeTau2Variance(EstimatorOf(design));
-    return ResultOf(estimator, estimated);
+    return EstimateTau2({effectSizes, design.Rows().variances}, ChoiceOf(design.GetSettings()));
 }
 
 } // namespace MA_NAMESPACE

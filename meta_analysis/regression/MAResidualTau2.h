@@ -1,19 +1,9 @@
 #pragma once
 
-#include "meta_analysis/platform/common/KXStatus.h"
-#include "meta_analysis/pooling/MATau2Results.h"
+#include "meta_analysis/pooling/MATau2Estimate.h"
 #include "meta_analysis/regression/design/MADesignMatrix.h"
 
 namespace MA_NAMESPACE {
-
-/// An estimate of the between-study variance.
-struct MATau2Estimate
-{
-    KXStatus status;
-    double tau2 = 0.0;
-    MAConst::TAU2CONVERGENCE convergence = MAConst::TAU2_CLOSED_FORM;
-    int evaluations = 0;
-};
 
 /// tau² that the predictors leave, by the estimator of the settings; 0 for a code that is no estimator.
 /// Errors: `ONE_USABLE_STUDY` (Sidik-Jonkman), `TOO_FEW_ROWS`, `ITERATOR_FAILED`.

@@ -1,7 +1,7 @@
 #include "meta_analysis/analysis/models/InverseVarianceBuilder.h"
 
 #include "meta_analysis/analysis/models/MAModelRows.h"
-#include "meta_analysis/inference/MANormalTest.h"
+#include "meta_analysis/inference/MAInference.h"
 
 namespace MA_NAMESPACE {
 
@@ -44,8 +44,8 @@ KXStatus MABaseModel::InverseVarianceBuilder::BuildFixedPrefixes(const MASelecti
         weightedSum += weight * effects.effectSize[study];
         const double mean = weightedSum / weightSum;
         const double variance = 1.0 / weightSum;
-        const MANormalInference inference = InferNormal(mean, variance, nullHypothesis, quantile);
-        analysis_.results_.models.push_back({mean, variance, inference.stdError, inference.zValue,
+        const MAEstimate inference = InferNormal(mean, variance, nullHypothesis, quantile);
+        analysis_.results_.models.push_back({mean, variance, inference.stdError, inference.statistic,
                                              inference.pValue, inference.ciLower, inference.ciUpper});
     }
     analysis_.status_ = KXStatus();

@@ -1,7 +1,7 @@
 #include "meta_analysis/analysis/models/TableBuilder.h"
 
 #include "meta_analysis/effectsize/MAZeroCorrection.h"
-#include "meta_analysis/inference/MANormalTest.h"
+#include "meta_analysis/inference/MAInference.h"
 #include "meta_analysis/pooling/MABinaryPooling.h"
 
 #include <cmath>
@@ -71,11 +71,11 @@ template <class Pooling>
 void MABinModel::TableBuilder::AppendRow(const MAPooledEffect& pooled, double quantile)
 {
     const double nullValue = NullOnTestScale<Pooling>(analysis_.settings_->GetNullHypothesis());
-    const MANormalInference inference = InferNormal(pooled.estimate, pooled.variance, nullValue, quantile);
+    const MAEstimate inference = InferNormal(pooled.estimate, pooled.variance, nullValue, quantile);
     analysis_.results_.models.push_back({pooled.estimate, pooled.variance, inference.stdError,
-                                         inference.zValue, inference.pValue, inference.ciLower,
+                                         inference.statistic, inference.pValue, inference.ciLower,
                                          inference.ciUpper, pooled.correctedTables});
-    if constexpr (Pooling::onLogScale)
+    if constexpr (Pooling::Measure::onLogScale)
         analysis_.results_.exponentiated.push_back(
             {std::exp(pooled.estimate), std::exp(inference.ciLower), std::exp(inference.ciUpper)});
 }
