@@ -94,7 +94,8 @@ public:
     /// test that fails, or has fewer than 3 studies, leaves flag 0 and empty rows, and the others go on.
     /// Errors: 460028 fewer than 3 studies in all; 460011 and 460012 the records fail in any of the tests, or
     /// have another number than when the studies were read; the error of the overall test.
-    KXStatus RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables, MARegSettings settings);
+    KXStatus RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
+                          const MARegSettings& settings);
 
     /// Bubble plot of the studies over each covariate of `settings`: a regression on that covariate alone,
     /// under the model of the run, after `RUN`. Appends an entry per covariate to the bubble lists. Errors:

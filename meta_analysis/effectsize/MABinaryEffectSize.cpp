@@ -4,7 +4,7 @@
 #include "meta_analysis/effectsize/MAStudyEstimate.h"
 #include "meta_analysis/effectsize/MATableEffect.h"
 #include "meta_analysis/effectsize/MAZeroCorrection.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <cmath>
 

@@ -1,10 +1,10 @@
 #pragma once
 
 #include "meta_analysis/effectsize/MAEstimateColumns.h"
-#include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/settings/MAConst.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <cstddef>
 #include <vector>

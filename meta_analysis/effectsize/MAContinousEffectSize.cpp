@@ -3,7 +3,7 @@
 #include "meta_analysis/effectsize/MAInputCheck.h"
 #include "meta_analysis/effectsize/MAMeans.h"
 #include "meta_analysis/inference/MAInference.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/Memory.h"
 
 namespace MA_NAMESPACE {
 

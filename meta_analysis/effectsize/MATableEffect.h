@@ -3,7 +3,7 @@
 #include "meta_analysis/effectsize/MARatio.h"
 #include "meta_analysis/effectsize/MATable.h"
 #include "meta_analysis/platform/common/KXMV.h"
-#include "meta_analysis/settings/MAConst.h"
+#include "meta_analysis/settings/MAMeasures.h"
 
 #include <cmath>
 
@@ -30,8 +30,9 @@ struct MATableEffect
 
 struct MAOddsRatio
 {
-    static constexpr bool onLogScale = true;
-    static constexpr bool hasGroups = true;
+    static constexpr MAConst::BINESTYPE type = MAConst::BIN_ODDS_RATIO;
+    static constexpr bool onLogScale = IsOnLogScale(type);
+    static constexpr bool hasGroups = HasGroupValues(type);
     static constexpr double undefined = KXMV::Missing();
 
     static bool HasEffect(const MATable& table) { return !table.HasZeroCell(); }
@@ -61,8 +62,9 @@ struct MAOddsRatio
 
 struct MAPetoOddsRatio
 {
-    static constexpr bool onLogScale = true;
-    static constexpr bool hasGroups = false;
+    static constexpr MAConst::BINESTYPE type = MAConst::BIN_PETO_ODDS_RATIO;
+    static constexpr bool onLogScale = IsOnLogScale(type);
+    static constexpr bool hasGroups = HasGroupValues(type);
     static constexpr double undefined = KXMV::Missing();
 
     /// False without events, or without non-events, in both groups, and with a single person.
@@ -86,8 +88,9 @@ struct MAPetoOddsRatio
 
 struct MARiskRatio
 {
-    static constexpr bool onLogScale = true;
-    static constexpr bool hasGroups = true;
+    static constexpr MAConst::BINESTYPE type = MAConst::BIN_RISK_RATIO;
+    static constexpr bool onLogScale = IsOnLogScale(type);
+    static constexpr bool hasGroups = HasGroupValues(type);
     static constexpr double undefined = KXMV::Missing();
 
     static bool HasEffect(const MATable& table)
@@ -120,8 +123,9 @@ private:
 
 struct MARiskDifference
 {
-    static constexpr bool onLogScale = false;
-    static constexpr bool hasGroups = true;
+    static constexpr MAConst::BINESTYPE type = MAConst::BIN_RISK_DIFFERENCE;
+    static constexpr bool onLogScale = IsOnLogScale(type);
+    static constexpr bool hasGroups = HasGroupValues(type);
     static constexpr double undefined = 0.0;
 
     static bool HasEffect(const MATable& table)

@@ -5,7 +5,8 @@
 #include "meta_analysis/pooling/MARegressionTau2.h"
 #include "meta_analysis/pooling/MATau2Estimators.h"
 #include "meta_analysis/regression/design/MADesignMatrix.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MAEstimators.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <span>
 #include <utility>
@@ -120,7 +121,7 @@ KXStatus MATAU2ESTIMATIOR::ComputeTau2Variance(MAConst::TAU2ESTIMATOR type)
         return status_;
     estimate_.convergence = MAConst::TAU2_CLOSED_FORM;
     estimate_.evaluations = 0;
-    if (type < MAConst::TAU2_HE || type > MAConst::TAU2_EB)
+    if (!IsEstimator(type))
         return status_;
     choice_.estimator = type;
     return Guarded(status_, [this] { return UsesRegression() ? ComputeRegression() : ComputePlain(); });

@@ -1,6 +1,6 @@
 #include "meta_analysis/settings/MASettingsWarnings.h"
 
-#include "meta_analysis/settings/MAEstimatorCode.h"
+#include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 namespace MA_NAMESPACE {
@@ -84,7 +84,7 @@ bool HasIterations(const MAModelSettings& settings)
 
 bool HasContrasts(const Run& run)
 {
-    return !run.settings.ContrastCoefIndex().empty();
+    return !run.settings.GetContrastCoefIndex().empty();
 }
 
 constexpr Rule<Run> rulesOfRuns[] = {

@@ -16,8 +16,6 @@ KXStatus MABaseModel::BubblePlot(MultiPassRecordIter& records, const KXVarList& 
         const MARecordColumns columns = ColumnsByRecord(AllStudies());
         MAIterator iterator(records, variables, columns.effectSizes, columns.variances);
         MARegSettings plotSettings(settings);
-        if (!plotSettings.IsComplete())
-            return SetError(MAStatusCode::OUT_OF_MEMORY);
         plotSettings.SetConfidenceLevel(settings_->GetCILevel());
         plotSettings.SetTau2Search(settings_->GetTau2Search());
         MABubblePlot plot(plotSettings, iterator.GetVarList());

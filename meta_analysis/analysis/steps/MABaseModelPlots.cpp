@@ -170,7 +170,8 @@ void MABaseModel::CalcFunnelPlotContours()
 {
     if (settings_->GetFunnelConTourTesType() == MAConst::CONTOUR_NONE)
         return;
-    const std::vector<double>& levels = settings_->FunnelConTourCutoff();
+    std::vector<double> levels;
+    settings_->GetSetFunnelConTourCutoff(levels);
     std::vector<double> extents;
     extents.reserve(levels.size());
     const double yMax = Largest(funnel_.y.back());

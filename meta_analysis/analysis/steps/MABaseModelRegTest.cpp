@@ -6,7 +6,7 @@
 #include "meta_analysis/analysis/studies/MAWatchedIterator.h"
 #include "meta_analysis/regression/design/MAIterator.h"
 #include "meta_analysis/settings/Guarded.h"
-#include "meta_analysis/settings/MAEstimatorCode.h"
+#include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -124,8 +124,8 @@ MARegSettings MABaseModel::TestSettings(int varianceIndex) const
     settings.SetMaxIterations(settings_->GetMaxIter());
     settings.SetMaxStepHalvingValue(settings_->GetMaxStepHalving());
     const int estimator = settings_->GetEstTauType();
-    if (estimator >= 0 && estimator < estimatorCodeCount)
-        settings.SetEstTauType(estimatorCodes[estimator]);
+    if (estimator >= 0 && estimator < estimatorCount)
+        settings.SetEstTauType(estimators[estimator].code);
     settings.SetTau2Search(settings_->GetTau2Search());
     settings.SetKnapHartAdjust(settings_->GetKnapHartAdjustType() != MAConst::KNAPP_HARTUNG_NONE);
     settings.SetTruncAjustValue(settings_->GetKnapHartAdjustType() == MAConst::KNAPP_HARTUNG_TRUNCATED);
@@ -157,11 +157,10 @@ void MABaseModel::StoreTest(const MARegBaseTest& test)
 }
 
 KXStatus MABaseModel::RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
-                                   MARegSettings settings)
+                                   const MARegSettings& given)
 {
-    if (!settings.IsComplete())
-        return SetError(MAStatusCode::OUT_OF_MEMORY);
     return Guarded(status_, [&] {
+        MARegSettings settings(given);
         if (RequireStudiesForTest(records).IsError())
             return status_;
         if (HasGroups()) {

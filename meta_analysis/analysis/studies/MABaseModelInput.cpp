@@ -20,14 +20,12 @@ KXStatus MABaseModel::ExtractModelInputData(MultiPassRecordIter& records)
 
 KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
 {
-    if (!settings_->IsComplete())
-        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
     const KXStatus started = StartPass(records);
     if (started.IsError())
         return started;
     alpha_ = 1.0 - settings_->GetCILevel();
     ForgetStudyRoles();
-    const std::vector<int> contrastIndices = settings_->ContrastCoefIndex();
+    const std::vector<int> contrastIndices = settings_->GetContrastCoefIndex();
     KXStatus status;
     if (settings_->GetInputESType() == MAConst::INPUT_READY_MADE) {
         ForgetStudies();
@@ -44,7 +42,7 @@ KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
     }
     if (status.IsError())
         return status;
-    if (settings_->InputContrastCoef().size() != static_cast<std::size_t>(recordCount_))
+    if (settings_->GetInputContrastCoef().size() != static_cast<std::size_t>(recordCount_))
         AddWarning(MAStatusCode::CONTRAST_COUNT_MISMATCH);
     return status;
 }
