@@ -1,41 +1,146 @@
 #include "meta_analysis/analysis/MABaseModel.h"
 
-#include "meta_analysis/analysis/models/MAModelBuilder.h"
-#include "meta_analysis/analysis/models/MAModelRows.h"
+#include "meta_analysis/analysis/MAAnalysisState.h"
+#include "meta_analysis/analysis/steps/MABubblePlots.h"
+#include "meta_analysis/analysis/steps/MACumulative.h"
+#include "meta_analysis/analysis/steps/MAFunnelPlot.h"
+#include "meta_analysis/analysis/studies/MACompleteStudies.h"
+#include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/MAWarnings.h"
 
 #include <algorithm>
-#include <cmath>
-#include <set>
+#include <utility>
 
 namespace MA_NAMESPACE {
 
 namespace {
 
-double Tau2Of(const MAContinousFixEffectModel& /*model*/)
+constexpr std::size_t fewestStudiesOfTest = 3;
+
+bool IsFailureOfRecords(const KXStatus& status)
 {
-    return 0.0;
+    return status.GetCode() == MAStatusCode::ITERATOR_NOT_STARTED ||
+           status.GetCode() == MAStatusCode::ITERATOR_FAILED;
 }
 
-double Tau2Of(const MARandomEffectModel& model)
+template <class T>
+void Append(std::vector<T>& list, const std::vector<T>& more)
 {
-    return model.GetBetweenStudyVariance();
+    list.insert(list.end(), more.begin(), more.end());
 }
 
 } // namespace
 
-MABaseModel::MABaseModel(const MAModelSettings& settings) : MAAnalysisResults(settings) {}
+MABaseModel::MABaseModel(const MAModelSettings& settings)
+    : MABaseModel(settings, MAConst::OUTCOME_CONTINUOUS)
+{}
+MABaseModel::MABaseModel(const MAModelSettings& settings, MAConst::OUTCOMETYPE outcome)
+    : MAAnalysisResults(settings, outcome)
+{}
 MABaseModel::MABaseModel(const MABaseModel&) = default;
 MABaseModel& MABaseModel::operator=(const MABaseModel&) = default;
 MABaseModel::~MABaseModel() = default;
+
+KXStatus MABaseModel::Run(MultiPassRecordIter& records, const KXVarList& variables)
+{
+    Restart();
+    State().settings.run = RunSettingsOf(*settings_);
+    if (ReadStudies(records).IsError())
+        return status_;
+    CheckInputSettings();
+    State().groups.values = GetUniqGroupElem();
+    State().groups.shownValues = State().groups.values;
+    if (BuildModels(PoolsTables() ? TableChoice() : EffectsChoice()).IsError() ||
+        TestContrastsOfRun().IsError())
+        return status_;
+    if (State().studies.Count() == 1)
+        return status_;
+    if (TestForSmallStudies(records, variables).IsError() || TrimAndFillInRun().IsError() ||
+        ComputePlotStatistics().IsError())
+        return status_;
+    AppendImputedToFunnel();
+    return status_;
+}
+
+// Reading
 
 KXStatus MABaseModel::ESCalc(MultiPassRecordIter& /*records*/)
 {
     return KXStatus();
 }
+
+KXStatus MABaseModel::ReadStudies(MultiPassRecordIter& records)
+{
+    const bool isRaw = State().settings.run.inputType == MAConst::INPUT_RAW;
+    const KXStatus computed = isRaw ? ESCalc(records) : KXStatus();
+    return computed.IsError() ? status_ = computed : ExtractModelInputData(records);
+}
+
+KXStatus MABaseModel::ExtractModelInputData(MultiPassRecordIter& records)
+{
+    return ForgetIfBroken(Guarded(status_, [&] { return status_ = ExtractModelInput(records); }));
+}
+
+KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
+{
+    if (!settings_->IsComplete())
+        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
+    const KXStatus started = StartPass(records);
+    if (started.IsError())
+        return started;
+    MAAnalysisState& state = State();
+    state.settings.alpha = 1.0 - settings_->GetCILevel();
+    state.groups.members.clear();
+    if (settings_->GetInputESType() == MAConst::INPUT_READY_MADE) {
+        state.settings.tables.measure = settings_->GetBinaryEstType();
+        return Take(ReadReadyMadeStudies(records, *settings_, state.settings.alpha));
+    }
+    return Take(CompleteStudies(records, *settings_,
+                                {KXStatus(), std::move(state.studies), state.counts, {}}));
+}
+
+KXStatus MABaseModel::Take(MAReading reading)
+{
+    State().studies = std::move(reading.studies);
+    State().counts = reading.counts;
+    AddWarnings(reading.warnings);
+    return reading.status;
+}
+
+KXStatus MABaseModel::ForgetIfBroken(const KXStatus& result)
+{
+    if (!result.IsError() || !HasState())
+        return result;
+    MAAnalysisState& state = State();
+    if (result.GetCode() == MAStatusCode::OUT_OF_MEMORY) {
+        state.studies = MAStudies();
+        state.groups.members.clear();
+        state.counts = MARecordCounts();
+    } else if (state.studies.Count() != state.studies.recordNumber.size()) {
+        state.studies = MAStudies();
+    }
+    return result;
+}
+
+bool MABaseModel::HasRead() const
+{
+    return Results().counts.records != MARecordCounts::unread || Results().studies.Count() > 0;
+}
+
+bool MABaseModel::HasGroupValues() const
+{
+    return HasRead() && Results().studies.groupValue.size() == Results().studies.Count();
+}
+
+bool MABaseModel::HasCumulativeValues() const
+{
+    return !Results().studies.cumulativeValue.empty();
+}
+
+// Warnings
 
 bool MABaseModel::AddNewWarning(const KXStatus& status, std::vector<KXStatus>& list)
 {
@@ -48,7 +153,7 @@ bool MABaseModel::AddNewWarning(const KXStatus& status, std::vector<KXStatus>& l
 
 void MABaseModel::AddWarning(const KXStatus& warning)
 {
-    AppendNewWarning(warning, warnings_);
+    AppendNewWarning(warning, State().warnings);
 }
 
 void MABaseModel::AddWarnings(const std::vector<int>& codes)
@@ -57,125 +162,43 @@ void MABaseModel::AddWarnings(const std::vector<int>& codes)
         AddWarning(code);
 }
 
-void MABaseModel::CopyRunSettings()
+/// Of the warnings of a test's or a plot's regression, those that its figures are not what they are labelled:
+/// a doubtful tau², a confidence level outside (0, 1), no iteration.
+void MABaseModel::AddWarningsOfFigures(const std::vector<KXStatus>& warnings)
 {
-    modelType_ = settings_->GetModelType();
-    tau2Estimator_ = settings_->GetEstTauType();
-    knappHartung_ = settings_->GetKnapHartAdjustType();
-    weightType_ = settings_->GetWeightType();
-    inputType_ = settings_->GetInputESType();
-}
-
-KXStatus MABaseModel::ReadStudies(MultiPassRecordIter& records)
-{
-    const KXStatus computed = inputType_ == MAConst::INPUT_RAW ? ESCalc(records) : KXStatus();
-    return computed.IsError() ? status_ = computed : ExtractModelInputData(records);
+    for (const KXStatus& warning : warnings) {
+        if (warning.GetCode() >= MAStatusCode::TAU2_DOUBTFUL)
+            AddWarning(warning);
+    }
 }
 
 void MABaseModel::CheckInputSettings()
 {
-    AddWarnings(WarningsOfRun(*settings_, studies_.Count()));
+    AddWarnings(WarningsOfRun(*settings_, Results().studies.Count()));
+    if (outcome_ == MAConst::OUTCOME_BINARY)
+        AddWarnings(WarningsOfBinaryRun(*settings_));
 }
 
-void MABaseModel::PrepareGroups()
+// Models
+
+MAModelChoice MABaseModel::EffectsChoice() const
 {
-    groupValues_ = GetUniqGroupElem();
-    groupCount_ = static_cast<int>(groupValues_.size());
-    trimFillRunning_ = false;
+    return EffectsModel(*settings_, Results().settings.run, outcome_, Results().settings.alpha);
 }
 
-std::vector<double> MABaseModel::GetUniqGroupElem() const
+bool MABaseModel::PoolsTables() const
 {
-    const std::set<double> distinct(studies_.groupValue.begin(), studies_.groupValue.end());
-    return {distinct.begin(), distinct.end()};
-}
-
-/// One model of all studies, one per subgroup, or one after each study of a cumulative analysis.
-void MABaseModel::BuildModels(MAModelBuilder& builder)
-{
-    if (HasCumulativeValues()) {
-        BuildCumulative(builder);
-    } else if (HasGroups()) {
-        BuildSubGroups(builder);
-    } else {
-        builder.BuildAll();
-        modelRecords_.push_back(studies_.recordNumber);
-    }
-}
-
-void MABaseModel::RunTrimFill()
-{
-    trimFillRunning_ = settings_->GetIsTRIMFILL();
-    if (trimFillRunning_)
-        TrimFill();
-}
-
-/// The imputed studies are the last row of the funnel plot, without a contour of their own.
-void MABaseModel::AppendImputedToFunnel()
-{
-    funnel_.x.push_back(imputed_.effectSize);
-    CalcFunnelPlotY(imputed_.variance, true);
-}
-
-MAContinousFixEffectModel MABaseModel::NewContFixEffectModel(const std::vector<double>& effectSizes,
-                                                             const std::vector<double>& variances) const
-{
-    MAContinousFixEffectModel model;
-    model.SetEffectSizes(&effectSizes);
-    model.SetVariances(&variances);
-    model.SetNullHypothesis(settings_->GetNullHypothesis());
-    model.SetSignLevel(alpha_);
-    return model;
-}
-
-MARandomEffectModel MABaseModel::NewRandomEffectModel(const std::vector<double>& effectSizes,
-                                                      const std::vector<double>& variances) const
-{
-    MARandomEffectModel model;
-    model.SetEffectSizes(&effectSizes);
-    model.SetVariances(&variances);
-    model.SetEstimationType(tau2Estimator_);
-    model.SetKHAdjType(knappHartung_);
-    model.SetSignLevel(alpha_);
-    model.SetMaxIter(settings_->GetMaxIter());
-    model.SetMaxStepHalving(settings_->GetMaxStepHalving());
-    model.SetConverTol(settings_->GetConnvergenceTol());
-    model.SetTau2Search(settings_->GetTau2Search());
-    model.SetTau2Interval(settings_->GetTau2Interval());
-    model.SetPrediction(settings_->GetPrediction());
-    SetThreshold(model);
-    return model;
-}
-
-/// The model of a step of a cumulative analysis or of trimming, whose interval of tau² is not reported.
-MARandomEffectModel MABaseModel::NewStepModel(const std::vector<double>& effectSizes,
-                                              const std::vector<double>& variances) const
-{
-    MARandomEffectModel model = NewRandomEffectModel(effectSizes, variances);
-    model.SetTau2Interval(MAConst::TAU2_INTERVAL_NONE);
-    return model;
-}
-
-/// A threshold of ratios is given on the natural scale; every ratio is above one that is not positive.
-void MABaseModel::SetThreshold(MARandomEffectModel& model) const
-{
-    const auto onAnalysisScale = [this](double value) {
-        return IsOnLogScale() && !KXMV::IsMissing(value) ? std::log(std::max(value, 0.0)) : value;
-    };
-    if (!KXMV::IsMissing(settings_->GetProbabilityAbove()))
-        model.SetProbabilityAbove(onAnalysisScale(settings_->GetProbabilityAbove()));
-    else
-        model.SetProbabilityBelow(onAnalysisScale(settings_->GetProbabilityBelow()));
+    return PoolsCounts(Results().settings.run, outcome_);
 }
 
 KXStatus MABaseModel::BuildModel(const std::vector<double>& effectSizes, const std::vector<double>& variances)
 {
     return Guarded(status_, [&] {
-        return modelType_ == MAConst::MODEL_FIXED
-                   ? Build(NewContFixEffectModel(effectSizes, variances), variances)
-                   : Build(RecordsTestOutput() ? NewRandomEffectModel(effectSizes, variances)
-                                               : NewStepModel(effectSizes, variances),
-                           variances);
+        const MAEffects effects = {effectSizes, variances};
+        const MAPooledStudies pooled =
+            HasCumulativeValues() ? MAPooledStudies{PoolStep(effects, WithoutTau2Interval(EffectsChoice()))}
+                                  : PoolEffects(effects, EffectsChoice());
+        return AppendModel(pooled, variances.size(), InverseVarianceWeights(variances, pooled.model));
     });
 }
 
@@ -183,74 +206,476 @@ KXStatus MABaseModel::BuildOnlyTestModel(const std::vector<double>& effectSizes,
                                          const std::vector<double>& variances)
 {
     return Guarded(status_, [&] {
-        return modelType_ == MAConst::MODEL_FIXED ? BuildTest(NewContFixEffectModel(effectSizes, variances))
-                                                  : BuildTest(NewRandomEffectModel(effectSizes, variances));
+        const MAPooledStudies pooled = PoolEffects({effectSizes, variances}, EffectsChoice());
+        status_ = pooled.model.status;
+        if (!status_.IsError())
+            AppendReported(pooled);
+        return status_;
     });
 }
 
-template <class Model>
-KXStatus MABaseModel::Build(Model model, const std::vector<double>& variances)
+KXStatus MABaseModel::AppendModel(const MAPooledStudies& pooled, std::size_t studyCount,
+                                  const std::vector<double>& weights)
 {
-    status_ = model.EstimateMeanESStats();
+    status_ = pooled.model.status;
     if (status_.IsError())
         return status_;
-    results_.models.push_back(RowOf(model));
-    if (RecordsTestOutput())
-        RecordTestOutput(model);
-    RecordInverseVarianceWeights(variances, Tau2Of(model));
-    if (RecordsGroupSize())
-        groupSizes_.push_back(static_cast<int>(variances.size()));
+    State().models.models.push_back({pooled.model.effect, pooled.correctedTables});
+    if (!HasCumulativeValues())
+        AppendReported(pooled);
+    if (studyCount == Results().studies.Count())
+        Append(State().models.weights, weights);
+    if (!HasCumulativeValues() && Results().groups.values.size() == 1)
+        State().models.groupSizes.push_back(static_cast<int>(studyCount));
     return status_;
 }
 
-void MABaseModel::RecordInverseVarianceWeights(const std::vector<double>& variances, double tau2)
+void MABaseModel::AppendReported(const MAPooledStudies& pooled)
 {
-    if (!RecordsWeights(variances.size()))
-        return;
-    weights_.reserve(weights_.size() + variances.size());
-    for (const double variance : variances)
-        weights_.push_back(1.0 / (tau2 + variance));
-}
-
-template <class Model>
-KXStatus MABaseModel::BuildTest(Model model)
-{
-    status_ = model.EstimateMeanESStats();
-    if (!status_.IsError())
-        RecordTestOutput(model);
-    return status_;
-}
-
-/// Scoring, the default, can miss the estimate that a reported model is labelled with.
-void MABaseModel::WarnOfDoubtfulTau2(const MARandomEffectModel& model)
-{
-    if (model.HasDoubtfulTau2())
+    AppendHeterogeneity(pooled.model);
+    if (pooled.isTau2Doubtful)
         AddWarning(MAStatusCode::TAU2_DOUBTFUL);
 }
 
-void MABaseModel::RecordTestOutput(const MARandomEffectModel& model)
+void MABaseModel::AppendHeterogeneity(const MAPooledModel& model)
 {
-    GetRandomModelTestOutput(model);
-    WarnOfDoubtfulTau2(model);
+    Guarded(status_, [&] {
+        MAModelLists& models = State().models;
+        models.tau2.reserve(models.tau2.size() + 1); // so that both lists grow, or neither
+        models.heterogeneity.push_back(model);
+        models.tau2.push_back(model.tau2);
+        return status_;
+    });
+}
+
+MAContinousFixEffectModel MABaseModel::NewContFixEffectModel(const std::vector<double>& effectSizes,
+                                                             const std::vector<double>& variances) const
+{
+    const MAFixedEffectChoice choice = EffectsChoice().fixed;
+    MAContinousFixEffectModel model;
+    model.SetEffectSizes(&effectSizes);
+    model.SetVariances(&variances);
+    model.SetNullHypothesis(choice.nullHypothesis);
+    model.SetSignLevel(choice.alpha);
+    return model;
+}
+
+MARandomEffectModel MABaseModel::NewRandomEffectModel(const std::vector<double>& effectSizes,
+                                                      const std::vector<double>& variances) const
+{
+    const MARandomEffectsChoice choice = EffectsChoice().random;
+    MARandomEffectModel model;
+    model.SetEffectSizes(&effectSizes);
+    model.SetVariances(&variances);
+    model.SetEstimationType(choice.estimator);
+    model.SetKHAdjType(choice.knappHartung);
+    model.SetSignLevel(choice.alpha);
+    model.SetMaxIter(choice.limits.maxIter);
+    model.SetMaxStepHalving(choice.limits.maxStepHalving);
+    model.SetConverTol(choice.limits.tolerance);
+    model.SetTau2Search(choice.search);
+    model.SetTau2Interval(choice.tau2Interval);
+    model.SetPrediction(choice.prediction);
+    if (choice.isThresholdAbove)
+        model.SetProbabilityAbove(choice.threshold);
+    else
+        model.SetProbabilityBelow(choice.threshold);
+    return model;
 }
 
 void MABaseModel::GetContFixModelTestOutput(const MAContinousFixEffectModel& model)
 {
-    AppendTestOutput(HeterogeneityRowOf(model), KXMV::Missing());
+    AppendHeterogeneity(model.GetPooledModel());
 }
 
 void MABaseModel::GetRandomModelTestOutput(const MARandomEffectModel& model)
 {
-    AppendTestOutput(HeterogeneityRowOf(model), model.GetBetweenStudyVariance());
+    AppendHeterogeneity(model.GetPooledModel());
 }
 
-void MABaseModel::AppendTestOutput(const MAHeterogeneityRow& row, double tau2)
+void MABaseModel::ResetEstESStat(bool alsoTau2)
 {
-    Guarded(status_, [&] {
-        results_.tau2.reserve(results_.tau2.size() + 1); // so that both lists grow, or neither
-        heterogeneity_.push_back(row);
-        results_.tau2.push_back(tau2);
+    if (!HasState())
+        return;
+    State().models.models.clear();
+    if (alsoTau2)
+        State().models.tau2.clear();
+}
+
+/// One model of all studies, one per subgroup, or one after each study of a cumulative analysis.
+KXStatus MABaseModel::BuildModels(const MAModelChoice& choice)
+{
+    if (HasCumulativeValues())
+        return BuildCumulative(choice);
+    if (Results().groups.AreSeveral())
+        return BuildSubgroups(choice);
+    BuildOverall(choice);
+    State().models.recordNumbers.push_back(Results().studies.recordNumber);
+    return status_;
+}
+
+KXStatus MABaseModel::BuildOverall(const MAModelChoice& choice)
+{
+    const MAStudies& studies = Results().studies;
+    const MAPooledStudies pooled = Pool(studies, choice);
+    return AppendModel(pooled, studies.Count(), PoolingWeights(studies, pooled));
+}
+
+// Subgroups, the test between them, and cumulative analysis
+
+std::vector<double> MABaseModel::GetUniqGroupElem() const
+{
+    return GroupValuesOf(Results().studies);
+}
+
+void MABaseModel::AppendGroup(MASelection members)
+{
+    State().models.recordNumbers.push_back(Selected(Results().studies.recordNumber, members));
+    State().groups.members.push_back(std::move(members));
+}
+
+void MABaseModel::ComputeCochranStatistics()
+{
+    const MAAnalysisState& results = Results();
+    const std::size_t groupCount = results.groups.values.size();
+    if (groupCount < 2 || results.groups.members.size() < groupCount)
+        return;
+    const std::vector<MASelection> groups(results.groups.members.begin(),
+                                          results.groups.members.begin() +
+                                              static_cast<std::ptrdiff_t>(groupCount));
+    MABetweenGroups test =
+        TestBetweenGroups(results.studies, groups, results.settings.run.modelType, results.models.tau2);
+    test.q += results.groups.between.q;
+    State().groups.between = test;
+}
+
+KXStatus MABaseModel::BuildSubGroupModel()
+{
+    return Guarded(status_, [this] { return BuildSubgroups(EffectsChoice()); });
+}
+
+KXStatus MABaseModel::BuildSubgroups(const MAModelChoice& choice)
+{
+    if (!HasGroupValues())
+        return SetError(MAStatusCode::LENGTH_MISMATCH);
+    MAAnalysisState& state = State();
+    std::vector<MASelection> groups = MembersByGroup(state.studies, state.groups.values);
+    const MASubgroups result = AnalyseSubgroups(state.studies, groups, choice);
+    for (std::size_t g = 0; g < result.groups.size(); ++g) {
+        AppendModel(result.groups[g], groups[g].size(), {});
+        state.models.groupSizes.push_back(static_cast<int>(groups[g].size()));
+        AppendGroup(std::move(groups[g]));
+    }
+    if (!result.overall.has_value())
+        return status_ = result.status;
+    ComputeCochranStatistics();
+    state.groups.shownValues.push_back(MAStudies::noGroup);
+    return AppendModel(*result.overall, state.studies.Count(),
+                       PoolingWeights(state.studies, *result.overall));
+}
+
+KXStatus MABaseModel::BuildCumulativeModel()
+{
+    return Guarded(status_, [this] { return BuildCumulative(EffectsChoice()); });
+}
+
+/// The test between the groups reads one between-study variance per group, which the resets leave in place.
+KXStatus MABaseModel::BuildCumulative(const MAModelChoice& choice)
+{
+    MAAnalysisState& state = State();
+    if (!HasGroupValues() || state.studies.cumulativeValue.size() != state.studies.Count())
+        return SetError(MAStatusCode::LENGTH_MISMATCH);
+    MACumulative result =
+        AnalyseCumulatively(state.studies, MembersByGroup(state.studies, state.groups.values),
+                            settings_->GetSortType(), choice);
+    for (MACumulativeGroup& group : result.groups) {
+        state.models.models = std::move(group.steps);
+        AppendReported(group.whole);
+        state.models.groupSizes.push_back(static_cast<int>(group.order.size()));
+        AppendGroup(std::move(group.order));
+        state.cumulative.values.push_back(std::move(group.values));
+        PushCumuStatistics();
+    }
+    Append(state.models.weights, result.weights);
+    if (result.overall.has_value()) {
+        ComputeCochranStatistics();
+        state.groups.shownValues.push_back(MAStudies::noGroup);
+        state.models.models = {{result.overall->model.effect, result.overall->correctedTables}};
+        AppendReported(*result.overall);
+        state.cumulative.values.emplace_back();
+        PushCumuStatistics();
+    }
+    return status_ = result.status;
+}
+
+void MABaseModel::PushCumuStatistics()
+{
+    State().cumulative.steps.push_back(Results().models.models);
+}
+
+// Contrasts
+
+KXStatus MABaseModel::FixedModelContrastTest()
+{
+    return Guarded(status_, [this] {
+        for (const MAContrast& contrast : TestContrasts(Results().studies, EffectsChoice().fixed)) {
+            AddWarning(contrast.status);
+            State().contrasts.push_back(contrast);
+            State().contrastStatus.push_back(contrast.status.IsWarning() ? 2 : (contrast.isZero ? 1 : 0));
+        }
         return status_;
+    });
+}
+
+KXStatus MABaseModel::TestContrastsOfRun()
+{
+    if (Results().settings.run.modelType != MAConst::MODEL_FIXED)
+        return status_;
+    return PoolsTables() ? TestContrastsOfTables() : FixedModelContrastTest();
+}
+
+KXStatus MABaseModel::TestContrastsOfTables()
+{
+    for (const MAContrast& contrast : TestTableContrasts(Results().studies, TableChoice().tables)) {
+        AddWarning(contrast.status);
+        State().contrasts.push_back(contrast);
+    }
+    return status_;
+}
+
+// Small-study tests
+
+/// Reads the studies when nothing was read yet; a run that found none is not repeated.
+KXStatus MABaseModel::RequireStudiesForTest(MultiPassRecordIter& records)
+{
+    if (!HasRead()) {
+        State().settings.run = RunSettingsOf(*settings_);
+        if (ReadStudies(records).IsError())
+            return status_;
+    }
+    return Results().studies.Count() < fewestStudiesOfTest ? SetError(MAStatusCode::TOO_FEW_FOR_TEST)
+                                                           : KXStatus();
+}
+
+KXStatus MABaseModel::RunSmallStudyTest(MultiPassRecordIter& records, const KXVarList& variables,
+                                        MAConst::RegBaseTestType type)
+{
+    return Guarded(status_, [&] {
+        if (RequireStudiesForTest(records).IsError())
+            return status_;
+        const MAAnalysisState& results = Results();
+        const MASmallStudyTest test =
+            TestSmallStudies(records, variables, results.studies, AllOf(results.studies),
+                             results.counts.records,
+                             {type, results.settings.run.modelType, results.settings.tables.correction.type,
+                              SmallStudyRegression(*settings_)});
+        if (test.hasPassed) {
+            State().runTest = {test.Covariate(), test.df};
+            AddWarningsOfFigures(test.warnings);
+        }
+        return status_ = test.status;
+    });
+}
+
+/// The small-study test of a run goes with trim-and-fill, whose side it decides. A failure of the test itself
+/// leaves its values missing, and the run goes on. Two failures end the run: memory that runs out, which
+/// `TAU2_FAILED` means as well because the estimator is a known one, and records that failed, because
+/// trim-and-fill would take its side from a part of them.
+KXStatus MABaseModel::TestForSmallStudies(MultiPassRecordIter& records, const KXVarList& variables)
+{
+    if (variables.Size() == 0 || !settings_->GetIsTRIMFILL())
+        return status_;
+    const KXStatus before = status_;
+    const int code =
+        RunSmallStudyTest(records, variables, MAConst::REG_TEST_EFFECT_ON_STD_ERROR).GetCode();
+    if (code == MAStatusCode::OUT_OF_MEMORY || code == MAStatusCode::TAU2_FAILED)
+        return SetError(MAStatusCode::OUT_OF_MEMORY);
+    if (!IsFailureOfRecords(status_))
+        status_ = before;
+    return status_;
+}
+
+KXStatus MABaseModel::RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
+                                   MARegSettings settings)
+{
+    if (!settings.IsComplete())
+        return SetError(MAStatusCode::OUT_OF_MEMORY);
+    return Guarded(status_, [&] {
+        if (RequireStudiesForTest(records).IsError())
+            return status_;
+        if (Results().groups.AreSeveral()) {
+            for (const MASelection& members : MembersByGroup(Results().studies, Results().groups.values)) {
+                const KXStatus tested = TestSelection(records, variables, settings, members);
+                if (IsFailureOfRecords(tested))
+                    return status_ = tested;
+            }
+        }
+        return status_ = TestSelection(records, variables, settings, AllOf(Results().studies));
+    });
+}
+
+/// One test on some of the studies, appended to the tests' lists also when it fails.
+KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarList& variables,
+                                    const MARegSettings& settings, const MASelection& selection)
+{
+    const MAAnalysisState& results = Results();
+    State().tests.emplace_back();
+    State().tests.back() =
+        TestSmallStudies(records, variables, results.studies, selection, results.counts.records,
+                         {settings_->GetRegBaseTestType(), results.settings.run.modelType,
+                          results.settings.tables.correction.type, settings});
+    AddWarningsOfFigures(results.tests.back().warnings);
+    return results.tests.back().status;
+}
+
+// Trim-and-fill
+
+MAConst::TRIMFSIDE MABaseModel::GetTRimFillSide() const
+{
+    const MAAnalysisState& results = Results();
+    if (results.trimFill.side != MAConst::TRIM_SIDE_AUTO)
+        return results.trimFill.side;
+    return settings_->GetTrimFillSide() != MAConst::TRIM_SIDE_AUTO
+               ? settings_->GetTrimFillSide()
+               : SuggestedSide(results.studies, results.runTest.effect.estimate);
+}
+
+int MABaseModel::CalcN0(std::vector<double> values, MAConst::TRIMFMETHOD method) const
+{
+    const std::vector<MAPooledRow>& models = Results().models.models;
+    return models.empty() ? 0 : MissingStudies(std::move(values), models.front().effect.estimate, method);
+}
+
+KXStatus MABaseModel::TrimAndFillInRun()
+{
+    if (!settings_->GetIsTRIMFILL())
+        return status_;
+    if (!PoolsTables())
+        return TrimFill();
+    AddWarning(MAStatusCode::TRIM_FILL_NOT_RUN);
+    return status_;
+}
+
+KXStatus MABaseModel::TrimFill()
+{
+    return Guarded(status_, [this] { return TrimAndFill(); });
+}
+
+KXStatus MABaseModel::TrimAndFill()
+{
+    MAAnalysisState& state = State();
+    if (state.studies.Count() == 0)
+        return SetError(MAStatusCode::NO_ANALYSED_STUDY);
+    state.trimFill.side = MAConst::TRIM_SIDE_AUTO;
+    state.trimFill.side = GetTRimFillSide();
+    const MAModelChoice choice = WithoutTau2Interval(EffectsChoice());
+    if (state.models.models.empty()) {
+        status_ = PoolStep({state.studies.effectSize, state.studies.variance}, choice).status;
+        if (status_.IsError())
+            return status_;
+    }
+    const MATrimAndFill found = TrimAndFillStudies(
+        state.studies, {state.trimFill.side, settings_->GetTrimFillMethod(), settings_->GetMaxIter(),
+                        TrimmingModel(*settings_, choice), choice});
+    if (!found.hasConverged)
+        AddWarning(MAStatusCode::TRIM_FILL_NOT_CONVERGED);
+    state.trimFill.imputedCount = found.imputedCount;
+    Append(state.trimFill.imputed.effectSize, found.imputed.effectSize);
+    Append(state.trimFill.imputed.variance, found.imputed.variance);
+    Append(state.trimFill.imputed.stdError, found.imputed.stdError);
+    state.trimFill.model.reset();
+    if (found.filled.has_value()) {
+        state.trimFill.model = found.filled->model.effect;
+        if (found.filled->isTau2Doubtful)
+            AddWarning(MAStatusCode::TAU2_DOUBTFUL);
+    } else if (found.imputedCount == 0 && !state.models.models.empty()) {
+        state.trimFill.model = state.models.models.back().effect;
+    }
+    return status_ = found.status;
+}
+
+// Plots
+
+/// The Galbraith row of a group is scaled by the variances, not by the standard errors as that of all
+/// studies.
+KXStatus MABaseModel::ComputePlotStatistics()
+{
+    return Guarded(status_, [this] {
+        const MAAnalysisState& results = Results();
+        const std::vector<MAPooledRow>& models = results.models.models;
+        const MAEstimate overall = models.empty() ? MAEstimate() : models.back().effect;
+        const bool isFilled = settings_->GetIsTRIMFILL() && results.trimFill.model.has_value();
+        PlotStudies(results.studies.effectSize, results.studies.variance,
+                    FieldOf(results.studies.tests, &MAStudyTest::stdError),
+                    isFilled ? results.trimFill.model->estimate : overall.estimate);
+        const std::size_t groupCount =
+            std::min(results.groups.members.size(), results.groups.values.size());
+        for (std::size_t g = 0; results.groups.AreSeveral() && g < groupCount; ++g) {
+            const MASelection& members = results.groups.members[g];
+            const std::vector<double> variances = Selected(results.studies.variance, members);
+            PlotStudies(Selected(results.studies.effectSize, members), variances, variances,
+                        GroupEstimate(g));
+        }
+        return status_;
+    });
+}
+
+void MABaseModel::PlotStudies(std::vector<double> effectSizes, const std::vector<double>& variances,
+                              const std::vector<double>& scale, double centre)
+{
+    const MAFunnelChoice choice = FunnelChoiceOf(*settings_, Results().settings.alpha);
+    State().galbraith.push_back(PlotGalbraith(effectSizes, scale, choice.alpha));
+    MAFunnelPlot plot = PlotFunnel(std::move(effectSizes), variances, centre, choice);
+    MAFunnelRows& funnel = State().funnel;
+    funnel.x.push_back(std::move(plot.x));
+    funnel.y.push_back(std::move(plot.y));
+    funnel.yMax.push_back(plot.yMax);
+    funnel.lineX.push_back(std::move(plot.lineX));
+    funnel.lineY.push_back(std::move(plot.lineY));
+    if (choice.contours != MAConst::CONTOUR_NONE)
+        funnel.contours.push_back(std::move(plot.contours));
+}
+
+double MABaseModel::GroupEstimate(std::size_t group) const
+{
+    const MAAnalysisState& results = Results();
+    if (HasCumulativeValues())
+        return group < results.cumulative.steps.size() && !results.cumulative.steps[group].empty()
+                   ? results.cumulative.steps[group].back().effect.estimate
+                   : KXMV::Missing();
+    return group < results.models.models.size() ? results.models.models[group].effect.estimate
+                                                : KXMV::Missing();
+}
+
+void MABaseModel::CalcFunnelPlotY(const std::vector<double>& variances, bool withoutContour)
+{
+    MAFunnelRows& funnel = State().funnel;
+    funnel.y.push_back(FunnelHeights(variances, settings_->GetFunnelYType()));
+    if (!withoutContour)
+        funnel.yMax.push_back(LargestHeight(funnel.y.back()));
+}
+
+/// The imputed studies are the last row of the funnel plot, without a contour of their own.
+void MABaseModel::AppendImputedToFunnel()
+{
+    if (!settings_->GetIsTRIMFILL() || PoolsTables())
+        return;
+    State().funnel.x.push_back(Results().trimFill.imputed.effectSize);
+    CalcFunnelPlotY(Results().trimFill.imputed.variance, true);
+}
+
+KXStatus MABaseModel::BubblePlot(MultiPassRecordIter& records, const KXVarList& variables,
+                                 const MARegSettings& settings)
+{
+    return Guarded(status_, [&] {
+        const MAAnalysisState& results = Results();
+        MABubblePlots bubbles = PlotBubbles(records, variables, settings, results.studies,
+                                            results.counts.records, *settings_,
+                                            results.settings.run.modelType);
+        AddWarningsOfFigures(bubbles.warnings);
+        for (MABubbleRows& plot : bubbles.plots)
+            State().bubbles.push_back(std::move(plot));
+        return bubbles.status.IsError() ? status_ = bubbles.status : KXStatus();
     });
 }
 
