@@ -1,18 +1,35 @@
 #include "meta_analysis/pooling/MABinaryFixEffectModel.h"
 
-#include "meta_analysis/effectsize/MABinaryEffectSize.h"
 #include "meta_analysis/effectsize/MAInputCheck.h"
-#include "meta_analysis/inference/MAHeterogeneity.h"
-#include "meta_analysis/inference/MANormalTest.h"
-#include "meta_analysis/pooling/MABinaryPooling.h"
-#include "meta_analysis/pooling/MAPooledCounts.h"
+#include "meta_analysis/pooling/MAContrast.h"
+#include "meta_analysis/pooling/MATablePooling.h"
 #include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/MAMeasures.h"
 
 #include <cmath>
 
 namespace MA_NAMESPACE {
 
-MABinaryFixEffectModel::MABinaryFixEffectModel() = default;
+namespace {
+
+MAEstimate Logs(const MAEstimate& natural)
+{
+    MAEstimate logs;
+    logs.estimate = std::log(natural.estimate);
+    logs.variance = std::log(natural.variance);
+    logs.stdError = std::log(natural.stdError);
+    logs.ciLower = std::log(natural.ciLower);
+    logs.ciUpper = std::log(natural.ciUpper);
+    return logs;
+}
+
+} // namespace
+
+/// Until a contrast is tested it is 0, and so is its variance.
+MABinaryFixEffectModel::MABinaryFixEffectModel()
+{
+    contrast_.estimate = contrast_.variance = 0.0;
+}
 MABinaryFixEffectModel::MABinaryFixEffectModel(const MABinaryFixEffectModel&) = default;
 MABinaryFixEffectModel& MABinaryFixEffectModel::operator=(const MABinaryFixEffectModel&) = default;
 MABinaryFixEffectModel::~MABinaryFixEffectModel() = default;
@@ -42,9 +59,9 @@ KXStatus MABinaryFixEffectModel::SetContrastCoef(const std::vector<double>* coef
     return StoreStudyVector(coefficients, contrastCoefficients_, studyCount_, status_);
 }
 
-KXStatus MABinaryFixEffectModel::SetZeroCountDelta(double delta)
+KXStatus MABinaryFixEffectModel::SetZeroCountDelta(double /*delta*/)
 {
-    return StoreSetting(delta, zeroCountDelta_, status_);
+    return status_;
 }
 
 KXStatus MABinaryFixEffectModel::SetNullHypothesis(double value)
@@ -79,19 +96,19 @@ bool MABinaryFixEffectModel::HasCounts() const
                       controlFailures_);
 }
 
-MATable MABinaryFixEffectModel::TableOf(std::size_t study) const
-{
-    return {(*treatmentSuccesses_)[study], (*treatmentFailures_)[study], (*controlSuccesses_)[study],
-            (*controlFailures_)[study]};
-}
-
 std::vector<MATable> MABinaryFixEffectModel::Tables() const
 {
     std::vector<MATable> tables;
     tables.reserve(studyCount_);
     for (std::size_t i = 0; i < studyCount_; ++i)
-        tables.push_back(TableOf(i));
+        tables.push_back({(*treatmentSuccesses_)[i], (*treatmentFailures_)[i], (*controlSuccesses_)[i],
+                          (*controlFailures_)[i]});
     return tables;
+}
+
+MATablePoolingChoice MABinaryFixEffectModel::Choice() const
+{
+    return {method_, {zeroAdjustment_, correctionDelta_}, pooledZeroCells_, nullHypothesis_, alpha_};
 }
 
 KXStatus MABinaryFixEffectModel::ComputeEffectSizeStatistics()
@@ -106,164 +123,46 @@ KXStatus MABinaryFixEffectModel::ComputeEffectSizeStatistics()
 KXStatus MABinaryFixEffectModel::ComputeStatistics()
 {
     const std::vector<MATable> asRead = Tables();
-    if (ComputeStudyEffects().IsError())
-        return status_;
-    weights_.resize(studyCount_, KXMV::Missing());
-    contrastEffects_.clear();
-    WithBinaryPooling(method_, [&](auto pooling) {
-        EstimateBy(MAPooledCounts<decltype(pooling)>(pooledZeroCells_), asRead);
-    });
+    CorrectCounts(asRead);
+    pooled_ = PoolTables(asRead, Choice());
+    SetScales();
+    MATableEffects effects = EffectsOfTables(asRead, Choice());
+    tableEffects_.swap(effects.effectSizes);
+    tableVariances_.swap(effects.variances);
     return status_;
-}
-
-KXStatus MABinaryFixEffectModel::ComputeStudyEffects()
-{
-    MABinaryEffectSize effectSizes;
-    effectSizes.SetTreatmentGSuccessCounts(treatmentSuccesses_);
-    effectSizes.SetTreatmentGFailureCounts(treatmentFailures_);
-    effectSizes.SetControlGSuccessCounts(controlSuccesses_);
-    effectSizes.SetControlGFailureCounts(controlFailures_);
-    effectSizes.SetEstimationMethod(method_);
-    effectSizes.SetZeroAdjType(zeroAdjustment_);
-    effectSizes.SetZeroCountDelta(correctionDelta_);
-    status_ = effectSizes.ComputeEffectSizeStatistics();
-    if (status_.IsError())
-        return status_;
-    studyEffects_ = effectSizes.GetEffectSizeVal();
-    studyLogEffects_ = effectSizes.GetLogEffectSizeVal();
-    return status_;
-}
-
-template <class Pooling>
-void MABinaryFixEffectModel::EstimateBy(MAPooledCounts<Pooling> counts, const std::vector<MATable>& asRead)
-{
-    RequireLength(studyCount_, studyEffects_);
-    if constexpr (Pooling::onLogScale)
-        RequireLength(studyCount_, studyLogEffects_);
-    std::vector<std::size_t> included;
-    included.reserve(studyCount_);
-    for (std::size_t i = 0; i < studyCount_; ++i) {
-        counts.Add(asRead[i], TableOf(i));
-        if (counts.Includes(asRead[i]))
-            included.push_back(i);
-    }
-    const MAPooledEffect pooled = counts.Effect();
-    for (std::size_t i = 0; i < studyCount_; ++i)
-        weights_[i] = counts.Weight(asRead[i], TableOf(i), pooled.isCorrected);
-    correctedTables_ = pooled.correctedTables;
-    const double quantile = TwoSidedNormalQuantile(alpha_);
-    StoreEstimate<Pooling>(pooled, quantile);
-    if (included.size() >= 2)
-        TestHomogeneity<Pooling>(included, pooled.estimate, quantile);
 }
 
 /// The natural scale of a ratio follows from the log scale. Of the risk difference, the log members receive
 /// the logs of the natural values, NaN for a negative one.
-template <class Pooling>
-void MABinaryFixEffectModel::StoreEstimate(const MAPooledEffect& pooled, double quantile)
+void MABinaryFixEffectModel::SetScales()
 {
-    const MANormalInference inference =
-        InferNormal(pooled.estimate, pooled.variance, NullOnTestScale<Pooling>(nullHypothesis_), quantile);
-    zValue_ = inference.zValue;
-    pValue_ = inference.pValue;
-    const Scale tested = {pooled.estimate, pooled.variance, inference.stdError, inference.ciUpper,
-                          inference.ciLower};
-    if constexpr (Pooling::onLogScale) {
-        log_ = tested;
-        natural_.estimate = std::exp(log_.estimate);
-        natural_.variance = std::exp(log_.variance);
-        natural_.stdError = std::sqrt(natural_.variance);
-        natural_.ciUpper = std::exp(log_.ciUpper);
-        natural_.ciLower = std::exp(log_.ciLower);
-    } else {
-        natural_ = tested;
-        log_ = {std::log(natural_.estimate), std::log(natural_.variance), std::log(natural_.stdError),
-                std::log(natural_.ciUpper), std::log(natural_.ciLower)};
-    }
+    const bool onLogScale = IsOnLogScale(method_);
+    natural_ = onLogScale ? pooled_.ratio : pooled_.model.effect;
+    log_ = onLogScale ? pooled_.model.effect : Logs(natural_);
 }
 
-template <class Pooling>
-void MABinaryFixEffectModel::TestHomogeneity(const std::vector<std::size_t>& studies, double pooled,
-                                             double quantile)
+void MABinaryFixEffectModel::CorrectCounts(const std::vector<MATable>& asRead)
 {
-    const std::vector<double>& effects = Pooling::onLogScale ? studyLogEffects_ : studyEffects_;
-    double q = 0.0;
-    for (const std::size_t i : studies) {
-        const double residual = effects[i] - pooled;
-        q += 1.0 / Pooling::EffectVariance(TableOf(i)) * (residual * residual);
+    const MAZeroCorrection correction = Choice().correction.ResolvedFor(asRead);
+    for (std::size_t i = 0; i < studyCount_; ++i) {
+        const MATable corrected = correction.Corrected(asRead[i]);
+        (*treatmentSuccesses_)[i] = corrected.a;
+        (*treatmentFailures_)[i] = corrected.b;
+        (*controlSuccesses_)[i] = corrected.c;
+        (*controlFailures_)[i] = corrected.d;
     }
-    q_ = q;
-    df_ = static_cast<int>(studies.size()) - 1;
-    qPValue_ = HomogeneityPValue(q_, df_);
-    heterogeneity_ = MeasureHeterogeneity(q_, studies.size(), quantile);
 }
 
 KXStatus MABinaryFixEffectModel::ContrastTest()
 {
-    if (contrastCoefficients_ == nullptr || status_.IsError())
+    if (contrastCoefficients_ == nullptr || status_.IsError() || !IsMeasure(method_))
         return status_;
-    return Guarded(status_, [this] {
-        KXStatus result = status_;
-        WithBinaryPooling(method_, [&](auto pooling) { result = ContrastTestBy(pooling); });
-        return result;
-    });
-}
-
-template <class Pooling>
-KXStatus MABinaryFixEffectModel::ContrastTestBy(Pooling /*method*/)
-{
-    if (!HasCounts() || !HaveLength(studyCount_, &studyEffects_, contrastCoefficients_))
+    if (!HasCounts() || !HaveLength(studyCount_, &tableEffects_, &tableVariances_, contrastCoefficients_))
         return KXStatus(MAStatusCode::LENGTH_MISMATCH);
-    if (contrastEffects_.size() != studyCount_)
-        PrepareContrastTerms<Pooling>();
-    KXStatus result = status_;
-    bool isDefined = true;
-    contrast_ = 0.0;
-    contrastVariance_ = 0.0;
-    for (std::size_t i = 0; i < studyCount_; ++i) {
-        const double coefficient = (*contrastCoefficients_)[i];
-        if (KXMV::IsMissing(coefficient))
-            result = KXStatus(MAStatusCode::CONTRAST_COEFFICIENT_MISSING, true);
-        if (KXMV::IsMissing(coefficient) || coefficient == 0.0)
-            continue;
-        isDefined = isDefined && HasContrastTerm(i);
-        contrast_ += coefficient * contrastEffects_[i];
-        contrastVariance_ += coefficient * coefficient * contrastVariances_[i];
-    }
-    TestContrast(isDefined);
-    return result;
-}
-
-/// The inference on a contrast; without one when it is not defined.
-void MABinaryFixEffectModel::TestContrast(bool isDefined)
-{
-    if (!isDefined) {
-        contrast_ = contrastVariance_ = KXMV::Missing();
-        contrastPValue_ = MAPValue();
-        contrastCIUpper_ = contrastCILower_ = KXMV::Missing();
-        return;
-    }
-    const double stdError = std::sqrt(contrastVariance_);
-    const double halfWidth = TwoSidedNormalQuantile(alpha_) * stdError;
-    contrastPValue_ = contrastVariance_ > 0.0 ? TwoSidedNormalPValue(contrast_ / stdError) : MAPValue();
-    contrastCIUpper_ = contrast_ + halfWidth;
-    contrastCILower_ = contrast_ - halfWidth;
-}
-
-/// Whether the table has an effect of its own with a variance.
-bool MABinaryFixEffectModel::HasContrastTerm(std::size_t study) const
-{
-    return !KXMV::IsMissing(contrastEffects_[study]) && std::isfinite(contrastVariances_[study]);
-}
-
-/// Once for all contrasts of the object: the studies' effects and variances on the scale of the test.
-template <class Pooling>
-void MABinaryFixEffectModel::PrepareContrastTerms()
-{
-    contrastEffects_ = Pooling::onLogScale ? studyLogEffects_ : studyEffects_;
-    contrastVariances_.resize(studyCount_);
-    for (std::size_t i = 0; i < studyCount_; ++i)
-        contrastVariances_[i] = Pooling::EffectVariance(TableOf(i));
+    const MAContrastTest test =
+        TestTableContrast({tableEffects_, tableVariances_}, *contrastCoefficients_, alpha_);
+    contrast_ = test.contrast;
+    return test.status;
 }
 
 } // namespace MA_NAMESPACE

@@ -1,11 +1,9 @@
 #pragma once
 
-#include "meta_analysis/inference/MAHeterogeneityMeasures.h"
-#include "meta_analysis/inference/MAPValue.h"
 #include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/Export.h"
-#include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/pooling/MAPooledTables.h"
 #include "meta_analysis/settings/MAConst.h"
 
 #include <cstddef>
@@ -13,10 +11,8 @@
 
 namespace MA_NAMESPACE {
 
-template <class Pooling>
-class MAPooledCounts;
-struct MAPooledEffect;
 struct MATable;
+struct MATablePoolingChoice;
 
 /// Fixed-effect pooling of 2x2 tables: Mantel-Haenszel for the odds ratio, risk ratio and risk difference,
 /// Peto for the Peto odds ratio; with a z test, a confidence interval, the homogeneity test, H² and I² with
@@ -80,9 +76,9 @@ public:
     double GetEstESStdError() const { return natural_.stdError; }
     double GetEstESCIUpper() const { return natural_.ciUpper; }
     double GetEstESCILower() const { return natural_.ciLower; }
-    double GetEstESZVal() const { return zValue_; }
-    double GetEstESSig() const { return pValue_.value; }
-    double GetEstESLog10Sig() const { return pValue_.Log10(); }
+    double GetEstESZVal() const { return pooled_.model.effect.statistic; }
+    double GetEstESSig() const { return pooled_.model.effect.pValue.value; }
+    double GetEstESLog10Sig() const { return pooled_.model.effect.pValue.Log10(); }
 
     /// Log scale. Of the risk difference these are the logs of the natural values, NaN for negative ones.
     double GetLogEstESVal() const { return log_.estimate; }
@@ -92,96 +88,61 @@ public:
     double GetLogEstESCILower() const { return log_.ciLower; }
 
     /// One entry per study, from the counts pooled; missing for a Peto table of fewer than two persons.
-    std::vector<double> GetEstWeight() const { return CopyOf(weights_); }
+    std::vector<double> GetEstWeight() const { return CopyOf(pooled_.weights); }
     /// Number of the tables that were pooled with a correction.
-    int GetNPoolCorrected() const { return correctedTables_; }
+    int GetNPoolCorrected() const { return pooled_.correctedTables; }
 
-    double GetHomogeneityTestQ() const { return q_; }
-    int GetHomogeneityTestDf() const { return df_; }
-    double GetHomogeneityTestPVal() const { return qPValue_.value; }
-    double GetHomogeneityTestLog10PVal() const { return qPValue_.Log10(); }
+    double GetHomogeneityTestQ() const { return pooled_.model.homogeneity.q; }
+    int GetHomogeneityTestDf() const { return pooled_.model.homogeneity.df; }
+    double GetHomogeneityTestPVal() const { return pooled_.model.homogeneity.pValue.value; }
+    double GetHomogeneityTestLog10PVal() const { return pooled_.model.homogeneity.pValue.Log10(); }
 
     /// I² is a fraction.
-    double GetHeterogeneityTestH2() const { return heterogeneity_.h2; }
-    double GetHeterogeneityTestH2CILower() const { return heterogeneity_.h2Lower; }
-    double GetHeterogeneityTestH2CIUpper() const { return heterogeneity_.h2Upper; }
-    double GetHeterogeneityTestI2() const { return heterogeneity_.i2; }
-    double GetHeterogeneityTestI2CILower() const { return heterogeneity_.i2Lower; }
-    double GetHeterogeneityTestI2CIUpper() const { return heterogeneity_.i2Upper; }
+    double GetHeterogeneityTestH2() const { return pooled_.model.heterogeneity.h2; }
+    double GetHeterogeneityTestH2CILower() const { return pooled_.model.heterogeneity.h2Lower; }
+    double GetHeterogeneityTestH2CIUpper() const { return pooled_.model.heterogeneity.h2Upper; }
+    double GetHeterogeneityTestI2() const { return pooled_.model.heterogeneity.i2; }
+    double GetHeterogeneityTestI2CILower() const { return pooled_.model.heterogeneity.i2Lower; }
+    double GetHeterogeneityTestI2CIUpper() const { return pooled_.model.heterogeneity.i2Upper; }
 
-    double GetContrastTestGMeans() const { return contrast_; }
+    double GetContrastTestGMeans() const { return contrast_.estimate; }
     /// Both return the contrast's variance, neither a z value nor a standard error; hosts rely on it.
-    double GetContrastTestZVal() const { return contrastVariance_; }
-    double GetContrastTestStdError() const { return contrastVariance_; }
-    double GetContrastTest2SidedSig() const { return contrastPValue_.value; }
-    double GetContrastTest2SidedLog10Sig() const { return contrastPValue_.Log10(); }
-    double GetContrastTestCIUpper() const { return contrastCIUpper_; }
-    double GetContrastTestCILower() const { return contrastCILower_; }
+    double GetContrastTestZVal() const { return contrast_.variance; }
+    double GetContrastTestStdError() const { return contrast_.variance; }
+    double GetContrastTest2SidedSig() const { return contrast_.pValue.value; }
+    double GetContrastTest2SidedLog10Sig() const { return contrast_.pValue.Log10(); }
+    double GetContrastTestCIUpper() const { return contrast_.ciUpper; }
+    double GetContrastTestCILower() const { return contrast_.ciLower; }
 
 private:
-    struct Scale
-    {
-        double estimate = KXMV::Missing();
-        double variance = KXMV::Missing();
-        double stdError = KXMV::Missing();
-        double ciUpper = KXMV::Missing();
-        double ciLower = KXMV::Missing();
-    };
-
     /// Sets the constant of the correction for the analysis, whose user chooses it.
     friend class MABinModel;
 
     bool HasCounts() const;
-    MATable TableOf(std::size_t study) const;
     std::vector<MATable> Tables() const;
+    MATablePoolingChoice Choice() const;
     KXStatus ComputeStatistics();
-    KXStatus ComputeStudyEffects();
-    template <class Pooling>
-    void EstimateBy(MAPooledCounts<Pooling> counts, const std::vector<MATable>& asRead);
-    template <class Pooling>
-    void StoreEstimate(const MAPooledEffect& pooled, double quantile);
-    template <class Pooling>
-    void TestHomogeneity(const std::vector<std::size_t>& studies, double pooled, double quantile);
-
-    template <class Pooling>
-    KXStatus ContrastTestBy(Pooling method);
-    template <class Pooling>
-    void PrepareContrastTerms();
-    bool HasContrastTerm(std::size_t study) const;
-    void TestContrast(bool isDefined);
+    void SetScales();
+    void CorrectCounts(const std::vector<MATable>& asRead);
 
     std::size_t studyCount_ = 0;
-    std::vector<double> studyEffects_; ///< natural scale
-    std::vector<double> studyLogEffects_;
     std::vector<double>* treatmentSuccesses_ = nullptr;
     std::vector<double>* controlSuccesses_ = nullptr;
     std::vector<double>* treatmentFailures_ = nullptr;
     std::vector<double>* controlFailures_ = nullptr;
-    double zeroCountDelta_ = 0.5;
+    const std::vector<double>* contrastCoefficients_ = nullptr;
     double nullHypothesis_ = 0.0;
     double alpha_ = 0.05;
     MAConst::ZEROADJTYPE zeroAdjustment_ = MAConst::ZERO_ADJUST_EACH;
     double correctionDelta_ = 0.5;
     MAConst::POOLEDZEROCELLS pooledZeroCells_ = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
     MAConst::BINESTYPE method_ = MAConst::BIN_ODDS_RATIO;
-    std::vector<double> weights_;
-    int correctedTables_ = 0;
-    Scale natural_;
-    Scale log_;
-    double zValue_ = KXMV::Missing();
-    MAPValue pValue_;
-    double q_ = KXMV::Missing();
-    int df_ = 0;
-    MAPValue qPValue_;
-    MAHeterogeneityMeasures heterogeneity_;
-    const std::vector<double>* contrastCoefficients_ = nullptr;
-    std::vector<double> contrastEffects_; ///< of each study, on the test scale; made by the first contrast
-    std::vector<double> contrastVariances_;
-    double contrast_ = 0.0;
-    double contrastVariance_ = 0.0;
-    MAPValue contrastPValue_;
-    double contrastCIUpper_ = KXMV::Missing();
-    double contrastCILower_ = KXMV::Missing();
+    MAPooledTables pooled_;
+    MAEstimate natural_;
+    MAEstimate log_;
+    std::vector<double> tableEffects_; ///< of the corrected tables, with their variances, for contrasts
+    std::vector<double> tableVariances_;
+    MAEstimate contrast_;
     KXStatus status_;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/effectsize/MATable.h"
+#include "meta_analysis/effectsize/MATableEffect.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/settings/MAConst.h"
 
@@ -10,18 +11,16 @@ namespace MA_NAMESPACE {
 
 // The fixed-effect methods for 2x2 tables. Each is a set of running sums, to which tables are added one by
 // one and from which the pooled estimate and its variance follow at any time, on the scale of the test:
-// the log scale for ratios, the natural scale for the risk difference. Each method also has the weight of a
-// table, the variance of a table's own effect on that scale, and whether a table has information on the
-// pooled effect: without it every term of the sums is 0 (or 0 / 0).
+// that of the analysis. Each method also names the measure that it pools, and has the weight of a table, and
+// whether a table has information on the pooled effect: without it every term of the sums is 0 (or 0 / 0).
 
 /// Mantel and Haenszel (1959), Journal of the National Cancer Institute 22, 719-748; variance of Robins,
 /// Breslow and Greenland (1986), Biometrics 42, 311-323.
 class MAOddsRatioPooling
 {
 public:
-    static constexpr bool onLogScale = true;
+    using Measure = MAOddsRatio;
     static double Weight(const MATable& table) { return table.b * table.c / table.Size(); }
-    static double EffectVariance(const MATable& table) { return table.LogOddsRatioVariance(); }
     /// False without events, or without non-events, in both groups, and with an empty group.
     static bool IsInformative(const MATable& table)
     {
@@ -62,9 +61,8 @@ private:
 class MARiskRatioPooling
 {
 public:
-    static constexpr bool onLogScale = true;
+    using Measure = MARiskRatio;
     static double Weight(const MATable& table) { return table.TreatmentSize() * table.c / table.Size(); }
-    static double EffectVariance(const MATable& table) { return table.LogRiskRatioVariance(); }
     /// False without events in both groups, and with an empty group. True where all persons have events:
     /// both risks are 1.
     static bool IsInformative(const MATable& table)
@@ -94,12 +92,11 @@ private:
 class MARiskDifferencePooling
 {
 public:
-    static constexpr bool onLogScale = false;
+    using Measure = MARiskDifference;
     static double Weight(const MATable& table)
     {
         return table.TreatmentSize() * table.ControlSize() / table.Size();
     }
-    static double EffectVariance(const MATable& table) { return table.RiskDifferenceVariance(); }
     /// False with an empty group. True for two risks of 0, whose difference is 0.
     static bool IsInformative(const MATable& table)
     {
@@ -129,13 +126,12 @@ private:
 class MAPetoPooling
 {
 public:
-    static constexpr bool onLogScale = true;
+    using Measure = MAPetoOddsRatio;
     /// A single person has no variance.
     static double Weight(const MATable& table)
     {
         return table.Size() > 1.0 ? table.HypergeometricVariance() : KXMV::Missing();
     }
-    static double EffectVariance(const MATable& table) { return 1.0 / table.HypergeometricVariance(); }
     /// False as for the odds ratio, and with a single person.
     static bool IsInformative(const MATable& table)
     {
@@ -173,8 +169,6 @@ void WithBinaryPooling(MAConst::BINESTYPE effect, Use&& use)
     case MAConst::BIN_RISK_DIFFERENCE:
         use(MARiskDifferencePooling());
         break;
-    default:
-        break;
     }
 }
 
@@ -183,7 +177,7 @@ void WithBinaryPooling(MAConst::BINESTYPE effect, Use&& use)
 template <class Pooling>
 double NullOnTestScale(double nullHypothesis)
 {
-    if constexpr (Pooling::onLogScale)
+    if constexpr (Pooling::Measure::onLogScale)
         return std::log(nullHypothesis == 0.0 ? 1.0 : nullHypothesis);
     else
         return nullHypothesis == 1.0 ? 0.0 : nullHypothesis;

@@ -1,11 +1,10 @@
 #pragma once
 
-#include "meta_analysis/inference/MAHeterogeneityMeasures.h"
-#include "meta_analysis/inference/MAPValue.h"
 #include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/Export.h"
-#include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/pooling/MAPooledModel.h"
+#include "meta_analysis/pooling/MAPoolingChoice.h"
 
 #include <cstddef>
 #include <vector>
@@ -48,70 +47,49 @@ public:
     /// variance of 0, z and significance keep their previous values. Does nothing without coefficients.
     KXStatus ContrastTest();
 
-    double GetEstMeanEffectSize() const { return mean_; }
-    double GetEstEffectSizeVariance() const { return variance_; }
-    double GetEstEffectSizeStdError() const { return stdError_; }
-    double GetEstEffectSizeZVal() const { return zValue_; }
-    double GetEstEffectSizeSig() const { return pValue_.value; }
-    double GetEstEffectSizeLog10Sig() const { return pValue_.Log10(); }
-    double GetEstEffectSizeCIUpper() const { return ciUpper_; }
-    double GetEstEffectSizeCILower() const { return ciLower_; }
+    double GetEstMeanEffectSize() const { return model_.effect.estimate; }
+    double GetEstEffectSizeVariance() const { return model_.effect.variance; }
+    double GetEstEffectSizeStdError() const { return model_.effect.stdError; }
+    double GetEstEffectSizeZVal() const { return model_.effect.statistic; }
+    double GetEstEffectSizeSig() const { return model_.effect.pValue.value; }
+    double GetEstEffectSizeLog10Sig() const { return model_.effect.pValue.Log10(); }
+    double GetEstEffectSizeCIUpper() const { return model_.effect.ciUpper; }
+    double GetEstEffectSizeCILower() const { return model_.effect.ciLower; }
 
-    double GetHomogeneityTestQ() const { return q_; }
-    int GetHomogeneityTestDf() const { return df_; }
-    double GetHomogeneityTestPVal() const { return qPValue_.value; }
-    double GetHomogeneityTestLog10PVal() const { return qPValue_.Log10(); }
+    double GetHomogeneityTestQ() const { return model_.homogeneity.q; }
+    int GetHomogeneityTestDf() const { return model_.homogeneity.df; }
+    double GetHomogeneityTestPVal() const { return model_.homogeneity.pValue.value; }
+    double GetHomogeneityTestLog10PVal() const { return model_.homogeneity.pValue.Log10(); }
 
     /// I² is a fraction.
-    double GetHeterogeneityTestH2() const { return heterogeneity_.h2; }
-    double GetHeterogeneityTestH2CILower() const { return heterogeneity_.h2Lower; }
-    double GetHeterogeneityTestH2CIUpper() const { return heterogeneity_.h2Upper; }
-    double GetHeterogeneityTestI2() const { return heterogeneity_.i2; }
-    double GetHeterogeneityTestI2CILower() const { return heterogeneity_.i2Lower; }
-    double GetHeterogeneityTestI2CIUpper() const { return heterogeneity_.i2Upper; }
+    double GetHeterogeneityTestH2() const { return model_.heterogeneity.h2; }
+    double GetHeterogeneityTestH2CILower() const { return model_.heterogeneity.h2Lower; }
+    double GetHeterogeneityTestH2CIUpper() const { return model_.heterogeneity.h2Upper; }
+    double GetHeterogeneityTestI2() const { return model_.heterogeneity.i2; }
+    double GetHeterogeneityTestI2CILower() const { return model_.heterogeneity.i2Lower; }
+    double GetHeterogeneityTestI2CIUpper() const { return model_.heterogeneity.i2Upper; }
 
-    double GetContrastGMeans() const { return contrast_; }
-    double GetContrastVariance() const { return contrastVariance_; }
-    double GetContrastStdError() const { return contrastStdError_; }
-    double GetContrastZVal() const { return contrastZValue_; }
-    double GetContrastSig() const { return contrastPValue_.value; }
-    double GetContrastLog10Sig() const { return contrastPValue_.Log10(); }
-    double GetContrastCIUpper() const { return contrastCIUpper_; }
-    double GetContrastCILower() const { return contrastCILower_; }
+    double GetContrastGMeans() const { return contrast_.estimate; }
+    double GetContrastVariance() const { return contrast_.variance; }
+    double GetContrastStdError() const { return contrast_.stdError; }
+    double GetContrastZVal() const { return contrast_.statistic; }
+    double GetContrastSig() const { return contrast_.pValue.value; }
+    double GetContrastLog10Sig() const { return contrast_.pValue.Log10(); }
+    double GetContrastCIUpper() const { return contrast_.ciUpper; }
+    double GetContrastCILower() const { return contrast_.ciLower; }
 
     /// 1 / v, one entry per study.
     std::vector<double> GetEstWeight() const { return CopyOf(weights_); }
 
 private:
-    void PoolEffectSizes();
-    void TestMean(double quantile);
-    void TestHomogeneity(double quantile);
-
     std::size_t studyCount_ = 0;
     const std::vector<double>* effectSizes_ = nullptr;
     const std::vector<double>* variances_ = nullptr;
-    double nullHypothesis_ = 0.0;
-    double alpha_ = 0.05;
-    double mean_ = KXMV::Missing();
-    double variance_ = KXMV::Missing();
-    double stdError_ = KXMV::Missing();
-    double zValue_ = KXMV::Missing();
-    MAPValue pValue_;
-    double ciUpper_ = KXMV::Missing();
-    double ciLower_ = KXMV::Missing();
-    double q_ = KXMV::Missing();
-    int df_ = 0;
-    MAPValue qPValue_;
-    MAHeterogeneityMeasures heterogeneity_;
     const std::vector<double>* contrastCoefficients_ = nullptr;
+    MAFixedEffectChoice choice_;
+    MAPooledModel model_;
     std::vector<double> weights_;
-    double contrast_ = KXMV::Missing();
-    double contrastVariance_ = KXMV::Missing();
-    double contrastStdError_ = KXMV::Missing();
-    double contrastZValue_ = KXMV::Missing();
-    MAPValue contrastPValue_;
-    double contrastCIUpper_ = KXMV::Missing();
-    double contrastCILower_ = KXMV::Missing();
+    MAEstimate contrast_;
     KXStatus status_;
 };
 

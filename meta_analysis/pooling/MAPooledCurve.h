@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/inference/MAEffects.h"
 #include "meta_analysis/pooling/MALikelihoodCurve.h"
 
 #include <cstddef>
@@ -42,5 +43,11 @@ private:
     double effectScale_ = 1.0; ///< 1 / sqrt(unit)
     double momentEstimate_ = 0.0;
 };
+
+/// The curve of the likelihood that the estimator goes by.
+inline MAPooledCurve CurveOf(const MAEffects& studies, MAConst::TAU2ESTIMATOR estimator)
+{
+    return {studies.effectSizes.data(), studies.variances.data(), studies.Count(), LikelihoodOf(estimator)};
+}
 
 } // namespace MA_NAMESPACE

@@ -30,7 +30,9 @@ struct MAPooledModel
     MAEstimate effect;
     MAHomogeneityTest homogeneity;
     MAHeterogeneityMeasures heterogeneity;
-    double tau2 = KXMV::Missing(); ///< missing for fixed-effect models, whose weights have none
+    /// (k - 1) / (sum(w) - sum(w²) / sum(w)), w = 1 / v; missing for fixed-effect models.
+    double typicalVariance = KXMV::Missing();
+    double tau2 = KXMV::Missing(); ///< missing for fixed-effect models, -1 after an error
     MATau2Results tau2Results;
     MAPrediction prediction;
 };

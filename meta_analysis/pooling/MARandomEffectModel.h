@@ -1,11 +1,9 @@
 #pragma once
 
-#include "meta_analysis/inference/MAHeterogeneityMeasures.h"
-#include "meta_analysis/inference/MAPValue.h"
 #include "meta_analysis/platform/common/Export.h"
-#include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXStatus.h"
-#include "meta_analysis/pooling/MATau2Results.h"
+#include "meta_analysis/pooling/MAPooledModel.h"
+#include "meta_analysis/pooling/MAPoolingChoice.h"
 #include "meta_analysis/settings/MAConst.h"
 
 #include <cstddef>
@@ -13,7 +11,7 @@
 
 namespace MA_NAMESPACE {
 
-struct MATau2Bounds;
+struct MAEffects;
 
 /// Random-effects pooling of effect sizes y with within-study variances v:
 ///     mean = sum(w y) / sum(w), variance = 1 / sum(w), w = 1 / (v + tau²),
@@ -64,48 +62,48 @@ public:
     /// Errors: 460060 the estimator failed (a type outside the enumeration), and those of the estimator.
     KXStatus EstimateMeanESStats();
 
-    double GetBetweenStudyVariance() const { return tau2_; }
-    double GetEstEffectSize() const { return mean_; }
-    double GetEstESVariance() const { return variance_; }
+    double GetBetweenStudyVariance() const { return model_.tau2; }
+    double GetEstEffectSize() const { return model_.effect.estimate; }
+    double GetEstESVariance() const { return model_.effect.variance; }
     /// The variance once more, not its square root: hosts take the root themselves.
-    double GetEstESStdError() const { return variance_; }
+    double GetEstESStdError() const { return model_.effect.variance; }
     /// z, or t under the Knapp-Hartung adjustment.
-    double GetEstESTestStat() const { return statistic_; }
+    double GetEstESTestStat() const { return model_.effect.statistic; }
     /// Missing, like the confidence interval, for k < 2 under the adjustment.
-    double GetEstESSig() const { return pValue_.value; }
-    double GetEstESLog10Sig() const { return pValue_.Log10(); }
-    double GetEstESCIUpper() const { return ciUpper_; }
-    double GetEstESCILower() const { return ciLower_; }
+    double GetEstESSig() const { return model_.effect.pValue.value; }
+    double GetEstESLog10Sig() const { return model_.effect.pValue.Log10(); }
+    double GetEstESCIUpper() const { return model_.effect.ciUpper; }
+    double GetEstESCILower() const { return model_.effect.ciLower; }
     /// Prediction interval mean ± q √(variance + tau²), q by default that of Student's t with k - 2 degrees
     /// of freedom (Higgins, Thompson and Spiegelhalter 2009, Journal of the Royal Statistical Society A 172,
     /// 137-159). NaN without degrees of freedom (k < 3); missing then under the adjustment.
-    double GetEstESPIUpper() const { return piUpper_; }
-    double GetEstESPILower() const { return piLower_; }
+    double GetEstESPIUpper() const { return model_.prediction.upper; }
+    double GetEstESPILower() const { return model_.prediction.lower; }
     /// Probability that the true effect of a new study lies above (or below) the threshold c: the
     /// distribution function of the prediction at (mean - c) / √(variance + tau²), or of its negative.
     /// Missing without a threshold or without degrees of freedom, and where mean - c and variance + tau² are
     /// both 0.
-    double GetPIProbability() const { return probability_; }
+    double GetPIProbability() const { return model_.prediction.probability; }
     /// Homogeneity test with fixed-effect weights; missing for k < 2.
-    double GetHomogeneityTestQ() const { return q_; }
-    int GetHomogeneityTestDf() const { return df_; }
-    double GetHomogeneityTestPVal() const { return qPValue_.value; }
-    double GetHomogeneityTestLog10PVal() const { return qPValue_.Log10(); }
+    double GetHomogeneityTestQ() const { return model_.homogeneity.q; }
+    int GetHomogeneityTestDf() const { return model_.homogeneity.df; }
+    double GetHomogeneityTestPVal() const { return model_.homogeneity.pValue.value; }
+    double GetHomogeneityTestLog10PVal() const { return model_.homogeneity.pValue.Log10(); }
     /// From tau² and the typical within-study variance, not from Q; missing for k < 2. I² is a fraction.
-    double GetHeterogeneityTestH2() const { return heterogeneity_.h2; }
-    double GetHeterogeneityTestI2() const { return heterogeneity_.i2; }
+    double GetHeterogeneityTestH2() const { return model_.heterogeneity.h2; }
+    double GetHeterogeneityTestI2() const { return model_.heterogeneity.i2; }
     /// Bounds of tau² at the confidence level, 0 at least, and of H² and I² from them. Missing unless asked
     /// for, and for k < 2.
-    double GetTau2CILower() const { return tau2Results_.lower; }
-    double GetTau2CIUpper() const { return tau2Results_.upper; }
-    double GetHeterogeneityTestH2CILower() const { return heterogeneity_.h2Lower; }
-    double GetHeterogeneityTestH2CIUpper() const { return heterogeneity_.h2Upper; }
-    double GetHeterogeneityTestI2CILower() const { return heterogeneity_.i2Lower; }
-    double GetHeterogeneityTestI2CIUpper() const { return heterogeneity_.i2Upper; }
+    double GetTau2CILower() const { return model_.tau2Results.lower; }
+    double GetTau2CIUpper() const { return model_.tau2Results.upper; }
+    double GetHeterogeneityTestH2CILower() const { return model_.heterogeneity.h2Lower; }
+    double GetHeterogeneityTestH2CIUpper() const { return model_.heterogeneity.h2Upper; }
+    double GetHeterogeneityTestI2CILower() const { return model_.heterogeneity.i2Lower; }
+    double GetHeterogeneityTestI2CIUpper() const { return model_.heterogeneity.i2Upper; }
 
     /// How tau² was found, see `MATAU2ESTIMATIOR`.
-    MAConst::TAU2CONVERGENCE GetTau2Convergence() const { return tau2Results_.convergence; }
-    int GetTau2Evaluations() const { return tau2Results_.evaluations; }
+    MAConst::TAU2CONVERGENCE GetTau2Convergence() const { return model_.tau2Results.convergence; }
+    int GetTau2Evaluations() const { return model_.tau2Results.evaluations; }
     /// Whether tau² of an iterative estimator is off the one that the global search proves by more than a
     /// hundredth of the latter plus the typical within-study variance, or the search proves none. Takes one
     /// search, and none after a global one that ended with a proof.
@@ -114,52 +112,19 @@ public:
     /// Log-likelihood (ML) or restricted log-likelihood (REML) at tau², with all constants, and the criteria
     /// of Akaike and Schwarz with two parameters; of k observations (ML) or k - 1 (REML). Missing for other
     /// estimators and for k < 2.
-    double GetLogLikelihood() const { return tau2Results_.information.logLikelihood; }
-    double GetAIC() const { return tau2Results_.information.aic; }
-    double GetBIC() const { return tau2Results_.information.bic; }
-    double GetAICc() const { return tau2Results_.information.aicc; }
+    double GetLogLikelihood() const { return model_.tau2Results.information.logLikelihood; }
+    double GetAIC() const { return model_.tau2Results.information.aic; }
+    double GetBIC() const { return model_.tau2Results.information.bic; }
+    double GetAICc() const { return model_.tau2Results.information.aicc; }
 
 private:
-    KXStatus EstimateTau2();
-    void PoolEffectSizes();
-    double VarianceFactor() const;
-    void TestMean();
-    void PredictEffect();
-    double PredictionDf() const;
-    void TestHomogeneity();
-    void MeasureLikelihood();
-    void SetTau2Bounds(const MATau2Bounds& bounds);
+    MAEffects Studies() const;
 
     std::size_t studyCount_ = 0;
     const std::vector<double>* effectSizes_ = nullptr;
     const std::vector<double>* variances_ = nullptr;
-    MAConst::KNAPPHADJTYPE knappHartung_ = MAConst::KNAPP_HARTUNG_NONE;
-    MAConst::TAU2ESTIMATOR estimator_ = MAConst::TAU2_REML;
-    int maxIter_ = 100;
-    int maxStepHalving_ = 5;
-    double tolerance_ = 1e-6;
-    double alpha_ = 0.05;
-    MAConst::TAU2SEARCH search_ = MAConst::TAU2_SEARCH_SCORING;
-    MAConst::TAU2INTERVAL tau2Interval_ = MAConst::TAU2_INTERVAL_NONE;
-    MAConst::PREDICTIONTYPE prediction_ = MAConst::PREDICTION_T_K_MINUS_2;
-    double threshold_ = KXMV::Missing();
-    bool isThresholdAbove_ = true;
-    double tau2_ = 0.0;
-    MATau2Results tau2Results_;
-    double mean_ = KXMV::Missing();
-    double variance_ = KXMV::Missing();
-    double piUpper_ = KXMV::Missing();
-    double piLower_ = KXMV::Missing();
-    double probability_ = KXMV::Missing();
-    double statistic_ = KXMV::Missing();
-    MAPValue pValue_;
-    double ciUpper_ = KXMV::Missing();
-    double ciLower_ = KXMV::Missing();
-    double q_ = KXMV::Missing();
-    int df_ = 0;
-    MAPValue qPValue_;
-    double typicalVariance_ = KXMV::Missing();
-    MAHeterogeneityMeasures heterogeneity_;
+    MARandomEffectsChoice choice_;
+    MAPooledModel model_;
     KXStatus status_;
 };
 

@@ -2,7 +2,8 @@
 
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
-#include "meta_analysis/settings/MAConst.h"
+#include "meta_analysis/pooling/MAPoolingChoice.h"
+#include "meta_analysis/pooling/MATau2Estimate.h"
 
 #include <cstddef>
 #include <vector>
@@ -11,7 +12,7 @@ namespace MA_NAMESPACE {
 
 class MADesignMatrix;
 class MARegressionCurve;
-struct MATau2Solution;
+struct MATau2StepSums;
 
 /// Between-study variance tau² of k effect sizes y with within-study variances v, or the residual one of a
 /// meta-regression.
@@ -74,33 +75,19 @@ public:
     KXStatus ComputeTau2Variance(MAConst::TAU2ESTIMATOR type);
 
     /// tau² >= 0 of the last computation; -1.0 before it and after an error.
-    double GetBetweenStudyVariannce() const { return status_.IsError() ? -1.0 : tau2_; }
+    double GetBetweenStudyVariannce() const { return status_.IsError() ? -1.0 : estimate_.tau2; }
     /// How the last computation ended. The global search ends with `TAU2_STEP_NOT_FINITE`, and at the Hedges
     /// estimate, only where a variance is not positive and finite, or the effects span 1e75 standard errors
     /// and more.
-    MAConst::TAU2CONVERGENCE GetTau2Convergence() const { return convergence_; }
+    MAConst::TAU2CONVERGENCE GetTau2Convergence() const { return estimate_.convergence; }
     /// Evaluations of the likelihood's slope, or scoring iterations; 0 for a closed form.
-    int GetTau2Evaluations() const { return evaluations_; }
+    int GetTau2Evaluations() const { return estimate_.evaluations; }
 
 private:
-    struct WeightedMean;
-    struct StepSums;
-
     KXStatus StoreParameterCount(int count);
     bool UsesRegression() const { return design_ != nullptr && !coefficients_.empty(); }
-    KXStatus ComputePlain(MAConst::TAU2ESTIMATOR type);
-    KXStatus ComputeRegression(MAConst::TAU2ESTIMATOR type);
-
-    void CalcMeanES();
-    WeightedMean CalcEstES(double t) const;
-    void HEEstimator();
-    void HSEstimator();
-    void DLEstimator();
-    void SJEstimator();
-    StepSums PlainSums() const;
-    void EstimateByScoring(MAConst::TAU2ESTIMATOR type);
-    void EstimateBySearch(MAConst::TAU2ESTIMATOR type);
-    void StoreSolution(const MATau2Solution& solution, double unit);
+    KXStatus ComputePlain();
+    KXStatus ComputeRegression();
 
     double XBETA(const double* row) const;
     double ResidualOf(std::size_t row) const;
@@ -109,14 +96,9 @@ private:
     void HSRegEstimator();
     void DLRegEstimator();
     void SJRegEstimator();
-    void IterateRegression(MAConst::TAU2ESTIMATOR type);
-    void SearchRegression(MAConst::TAU2ESTIMATOR type);
-    StepSums RegressionSums(MARegressionCurve& curve, MAConst::TAU2ESTIMATOR type);
-
-    double StepFrom(const StepSums& sums, MAConst::TAU2ESTIMATOR type) const;
-    template <class Sums>
-    void Tau2IterEstimation(MAConst::TAU2ESTIMATOR type, Sums sumsAtTau2);
-    bool TakeStep(double step);
+    void IterateRegression();
+    void SearchRegression();
+    MATau2StepSums RegressionSums(MARegressionCurve& curve, double tau2);
 
     std::size_t studyCount_ = 0;
     const std::vector<double>* effectSizes_ = nullptr;
@@ -127,14 +109,8 @@ private:
     std::vector<double> residuals_;           ///< empty: computed from the coefficients
     int parameterCount_ = 1;
     int nonRedundantCount_ = 1;
-    int maxIter_ = 100;
-    int maxStepHalving_ = 5;
-    double tolerance_ = 1e-6;
-    MAConst::TAU2SEARCH search_ = MAConst::TAU2_SEARCH_SCORING;
-    double meanEffectSize_ = 0.0;
-    double tau2_ = -1.0;
-    MAConst::TAU2CONVERGENCE convergence_ = MAConst::TAU2_CLOSED_FORM;
-    int evaluations_ = 0;
+    MATau2Choice choice_;
+    MATau2Estimate estimate_;
     KXStatus status_;
 };
 

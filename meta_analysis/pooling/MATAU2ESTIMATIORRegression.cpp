@@ -83,13 +83,13 @@ KXStatus MATAU2ESTIMATIOR::SetRegResiduals(std::vector<double> residuals)
     return status_;
 }
 
-KXStatus MATAU2ESTIMATIOR::ComputeRegression(MAConst::TAU2ESTIMATOR type)
+KXStatus MATAU2ESTIMATIOR::ComputeRegression()
 {
     if (!design_->IsReady())
         return status_ = KXStatus(MAStatusCode::ITERATOR_FAILED);
     if (coefficients_.size() != design_->Rows().columnCount)
         return status_ = KXStatus(MAStatusCode::PARAMETER_COUNT_MISMATCH);
-    switch (type) {
+    switch (choice_.estimator) {
     case MAConst::TAU2_HE:
         HERegEstimator();
         break;
@@ -108,12 +108,10 @@ KXStatus MATAU2ESTIMATIOR::ComputeRegression(MAConst::TAU2ESTIMATOR type)
         HERegEstimator();
         if (status_.IsError())
             break;
-        if (search_ == MAConst::TAU2_SEARCH_GLOBAL)
-            SearchRegression(type);
+        if (choice_.search == MAConst::TAU2_SEARCH_GLOBAL)
+            SearchRegression();
         else
-            IterateRegression(type);
-        break;
-    default:
+            IterateRegression();
         break;
     }
     return status_;
@@ -141,7 +139,7 @@ bool MATAU2ESTIMATIOR::HasResidualDf(std::size_t rowCount)
 {
     if (static_cast<double>(rowCount) > nonRedundantCount_)
         return true;
-    tau2_ = 0.0;
+    estimate_.tau2 = 0.0;
     status_ = KXStatus(MAStatusCode::TOO_FEW_ROWS);
     return false;
 }
@@ -159,7 +157,7 @@ void MATAU2ESTIMATIOR::HERegEstimator()
     double sum = 0.0;
     for (std::size_t i = 0; i < n; ++i)
         sum += Square(ResidualOf(i)) - leverageComplements_[i] * rows.variances[i];
-    tau2_ = TruncateAtZero(sum / (static_cast<double>(n) - nonRedundantCount_));
+    estimate_.tau2 = TruncateAtZero(sum / (static_cast<double>(n) - nonRedundantCount_));
 }
 
 void MATAU2ESTIMATIOR::HSRegEstimator()
@@ -171,7 +169,7 @@ void MATAU2ESTIMATIOR::HSRegEstimator()
         q += Square(ResidualOf(i)) * rows.weights[i];
         weightSum += rows.weights[i];
     }
-    tau2_ = TruncateAtZero((q - static_cast<double>(rows.Count())) / weightSum);
+    estimate_.tau2 = TruncateAtZero((q - static_cast<double>(rows.Count())) / weightSum);
 }
 
 void MATAU2ESTIMATIOR::DLRegEstimator()
@@ -190,7 +188,7 @@ void MATAU2ESTIMATIOR::DLRegEstimator()
     }
     const double df = static_cast<double>(n) - nonRedundantCount_;
     // Without residual degrees of freedom c is 0 but for rounding, and so is q.
-    tau2_ = df == 0.0 || c == 0.0 ? 0.0 : TruncateAtZero((q - df) / c);
+    estimate_.tau2 = df == 0.0 || c == 0.0 ? 0.0 : TruncateAtZero((q - df) / c);
 }
 
 /// The variances vector holds the weights of the fit here, one per row.
@@ -206,45 +204,46 @@ void MATAU2ESTIMATIOR::SJRegEstimator()
     double sum = 0.0;
     for (std::size_t i = 0; i < n; ++i)
         sum += Square(ResidualOf(i)) * (*variances_)[i];
-    tau2_ = TruncateAtZero(sum / (static_cast<double>(n) - nonRedundantCount_));
+    estimate_.tau2 = TruncateAtZero(sum / (static_cast<double>(n) - nonRedundantCount_));
 }
 
-void MATAU2ESTIMATIOR::IterateRegression(MAConst::TAU2ESTIMATOR type)
+void MATAU2ESTIMATIOR::IterateRegression()
 {
     MARegressionCurve curve(design_->Columns(), design_->Rows().variances, MALikelihoodType::Restricted);
     curve.LeaveOutUpTo(negligibleVariance * design_->MeanVariance());
     const MARegSettings& settings = design_->GetSettings();
     MAProgress progress(settings, settings.GetIterProgressListener());
-    Tau2IterEstimation(type, [&] {
-        StepSums sums = RegressionSums(curve, type);
-        if (!progress.Step())
-            status_ = KXStatus(MAStatusCode::ITERATOR_FAILED);
+    estimate_ = ScoreTau2(estimate_.tau2, choice_, nonRedundantCount_, [&](double tau2) {
+        MATau2StepSums sums = RegressionSums(curve, tau2);
+        sums.isCancelled = !progress.Step();
         return sums;
     });
+    status_ = estimate_.status;
 }
 
 /// From the Hedges estimate. The host may cancel before it.
-void MATAU2ESTIMATIOR::SearchRegression(MAConst::TAU2ESTIMATOR type)
+void MATAU2ESTIMATIOR::SearchRegression()
 {
     const MARegSettings& settings = design_->GetSettings();
     if (!MAProgress(settings, settings.GetIterProgressListener()).Step()) {
         status_ = KXStatus(MAStatusCode::ITERATOR_FAILED);
         return;
     }
+    const MAConst::TAU2ESTIMATOR type = choice_.estimator;
     MARegressionCurve curve(design_->Columns(), design_->Rows().variances, LikelihoodOf(type));
-    const double start = tau2_;
-    StoreSolution(SolveTau2(curve, type, start / curve.Unit()), curve.Unit());
-    if (convergence_ == MAConst::TAU2_STEP_NOT_FINITE)
-        tau2_ = start;
+    const double start = estimate_.tau2;
+    estimate_ = EstimateOf(SolveTau2(curve, type, start / curve.Unit()), curve.Unit());
+    if (estimate_.convergence == MAConst::TAU2_STEP_NOT_FINITE)
+        estimate_.tau2 = start;
 }
 
 /// Refits the regression at the current tau² and takes the sums of its residuals; of its leverages only where
 /// they are needed, for they cost O(p²) a row.
-MATAU2ESTIMATIOR::StepSums MATAU2ESTIMATIOR::RegressionSums(MARegressionCurve& curve,
-                                                            MAConst::TAU2ESTIMATOR type)
+MATau2StepSums MATAU2ESTIMATIOR::RegressionSums(MARegressionCurve& curve, double tau2)
 {
-    const MAProjectionSums fitted = curve.SumsAt(tau2_ / curve.Unit(), type == MAConst::TAU2_REML);
-    StepSums sums;
+    const MAProjectionSums fitted =
+        curve.SumsAt(tau2 / curve.Unit(), choice_.estimator == MAConst::TAU2_REML);
+    MATau2StepSums sums;
     sums.unit = curve.Unit();
     sums.count = fitted.count;
     sums.w1 = fitted.weights;

@@ -1,10 +1,14 @@
 #pragma once
 
-#include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
+#include "meta_analysis/pooling/MAPoolingChoice.h"
+#include "meta_analysis/pooling/MATau2Estimate.h"
+#include "meta_analysis/settings/MAStatusCode.h"
 
 #include <cmath>
 
 namespace MA_NAMESPACE {
+
+struct MATau2Solution;
 
 /// What is not greater than 0, a NaN included, becomes 0.
 inline double TruncateAtZero(double tau2)
@@ -19,9 +23,10 @@ inline double Square(double x)
 
 /// What the iterative estimators take from the data at the current tau², with w = 1 / (v + tau²), residuals r
 /// and leverages h.
-struct MATAU2ESTIMATIOR::StepSums
+struct MATau2StepSums
 {
-    double unit = 1.0; ///< of the variances that the sums are counted in
+    bool isCancelled = false; ///< by the host
+    double unit = 1.0;        ///< of the variances that the sums are counted in
     double count = 0.0;
     double w1 = 0.0;     ///< sum(w)
     double w2 = 0.0;     ///< sum(w²)
@@ -43,21 +48,37 @@ struct MATAU2ESTIMATIOR::StepSums
     }
 };
 
-/// Scoring from the tau² that is there, which records how it ends. Ends at the iteration limit, at an error,
-/// below the tolerance (that last small step is not taken), or when no halving makes the step usable, which a
-/// NaN or infinite one never is.
-template <class Sums>
-void MATAU2ESTIMATIOR::Tau2IterEstimation(MAConst::TAU2ESTIMATOR type, Sums sumsAtTau2)
+/// The scoring step of tau², in the unit of the sums, for `rank` independent coefficients.
+double ScoringStep(const MATau2StepSums& sums, MAConst::TAU2ESTIMATOR estimator, double rank);
+
+/// Moves tau² by the step, halved until tau² stays >= 0, at most one time more than the limit. False, tau²
+/// unchanged and the reason recorded, when that does not help.
+bool TakeStep(MATau2Estimate& estimate, double step, int maxStepHalving);
+
+/// The estimate that a search ended at, in the unit of its curve.
+MATau2Estimate EstimateOf(const MATau2Solution& solution, double unit);
+
+/// Scoring from `start`. Ends at the iteration limit, when the host cancels (ITERATOR_FAILED), below the
+/// tolerance (that last small step is not taken), or when no halving makes the step usable, which a NaN or
+/// infinite one never is.
+template <class SumsAt>
+MATau2Estimate ScoreTau2(double start, const MATau2Choice& choice, double rank, SumsAt sumsAt)
 {
-    for (evaluations_ = 0; evaluations_ < maxIter_;) {
-        const StepSums sums = sumsAtTau2();
-        const double step = StepFrom(sums, type) * sums.unit;
-        ++evaluations_;
-        convergence_ = MAConst::TAU2_STEP_BELOW_TOLERANCE;
-        if (status_.IsError() || tolerance_ > std::abs(step) || !TakeStep(step))
-            return;
+    MATau2Estimate estimate;
+    estimate.tau2 = start;
+    while (estimate.evaluations < choice.limits.maxIter) {
+        const MATau2StepSums sums = sumsAt(estimate.tau2);
+        const double step = ScoringStep(sums, choice.estimator, rank) * sums.unit;
+        ++estimate.evaluations;
+        estimate.convergence = MAConst::TAU2_STEP_BELOW_TOLERANCE;
+        if (sums.isCancelled)
+            estimate.status = KXStatus(MAStatusCode::ITERATOR_FAILED);
+        if (sums.isCancelled || choice.limits.tolerance > std::abs(step) ||
+            !TakeStep(estimate, step, choice.limits.maxStepHalving))
+            return estimate;
     }
-    convergence_ = MAConst::TAU2_ITERATION_LIMIT;
+    estimate.convergence = MAConst::TAU2_ITERATION_LIMIT;
+    return estimate;
 }
 
 } // namespace MA_NAMESPACE

@@ -1,0 +1,187 @@
+#include "meta_analysis/pooling/MAPooling.h"
+
+#include "meta_analysis/inference/MAHeterogeneity.h"
+#include "meta_analysis/inference/MAInference.h"
+#include "meta_analysis/inference/MAKnappHartung.h"
+#include "meta_analysis/inference/MAWeightedMean.h"
+#include "meta_analysis/pooling/MAPooledCurve.h"
+#include "meta_analysis/pooling/MATau2Estimators.h"
+#include "meta_analysis/pooling/MATau2Interval.h"
+#include "meta_analysis/pooling/MATau2Search.h"
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <cmath>
+#include <limits>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+MAPooledModel Failed(const KXStatus& status)
+{
+    MAPooledModel model;
+    model.status = status;
+    return model;
+}
+
+MAHomogeneityTest TestHomogeneity(double q, std::size_t studyCount)
+{
+    const int df = static_cast<int>(studyCount) - 1;
+    return {q, df, HomogeneityPValue(q, df)};
+}
+
+/// The factor of the variance; 1 for a single study, which has no residual.
+double VarianceFactor(const MAEffects& studies, MAConst::KNAPPHADJTYPE adjustment, double mean, double tau2)
+{
+    if (studies.Count() < 2)
+        return 1.0;
+    return KnappHartungFactor(ResidualSum(studies, mean, tau2), static_cast<double>(studies.Count()) - 1.0,
+                              adjustment == MAConst::KNAPP_HARTUNG_TRUNCATED);
+}
+
+/// Student's t has k - 1 degrees of freedom under the adjustment of Knapp and Hartung: a single study has no
+/// test and no interval.
+MAEstimate InferMean(const MAEffects& studies, const MARandomEffectsChoice& choice, double tau2)
+{
+    const MAWeightedMean sums = WeightedMean(studies, tau2);
+    const double mean = sums.Mean();
+    if (choice.knappHartung == MAConst::KNAPP_HARTUNG_NONE)
+        return InferNormal(mean, sums.Variance(), 0.0, TwoSidedNormalQuantile(choice.alpha));
+    const double factor = VarianceFactor(studies, choice.knappHartung, mean, tau2);
+    return InferT(mean, factor / sums.weightSum, static_cast<double>(studies.Count()) - 1.0, choice.alpha);
+}
+
+/// Effects that are all 0 have no variance under the adjustment, and no test: it would be of 0 / 0.
+MAEstimate PoolWithTau2(const MAEffects& studies, const MARandomEffectsChoice& choice, double tau2)
+{
+    MAEstimate pooled = InferMean(studies, choice, tau2);
+    if (pooled.stdError == 0.0 && pooled.estimate == 0.0) {
+        pooled.statistic = KXMV::Missing();
+        pooled.pValue = MAPValue();
+    }
+    return pooled;
+}
+
+/// Infinite for the normal distribution, which Student's t then is; 0 or less where nothing can be predicted.
+double PredictionDf(MAConst::PREDICTIONTYPE type, std::size_t studyCount)
+{
+    const auto k = static_cast<double>(studyCount);
+    switch (type) {
+    case MAConst::PREDICTION_T_K_MINUS_2:
+        return k - 2.0;
+    case MAConst::PREDICTION_T_K_MINUS_1:
+        return k - 1.0;
+    case MAConst::PREDICTION_NORMAL:
+        return studyCount < 2 ? 0.0 : std::numeric_limits<double>::infinity();
+    }
+    return k - 2.0; // a value outside the enumeration
+}
+
+/// Under the adjustment of Knapp and Hartung nothing is predicted without degrees of freedom; otherwise the
+/// bounds are NaN then.
+MAPrediction PredictEffect(const MAEstimate& effect, double tau2, const MARandomEffectsChoice& choice,
+                           std::size_t studyCount)
+{
+    MAPrediction predicted;
+    const double df = PredictionDf(choice.prediction, studyCount);
+    if (choice.knappHartung != MAConst::KNAPP_HARTUNG_NONE && (studyCount < 2 || !(df > 0.0)))
+        return predicted;
+    const double stdDev = std::sqrt(effect.variance + tau2);
+    const double halfWidth = stdDev * TwoSidedTQuantile(choice.alpha, df);
+    predicted.lower = effect.estimate - halfWidth;
+    predicted.upper = effect.estimate + halfWidth;
+    if (KXMV::IsMissing(choice.threshold) || !(df > 0.0))
+        return predicted;
+    const double distance = (effect.estimate - choice.threshold) / stdDev;
+    if (!std::isnan(distance)) // it is for a distribution of one value, which is the threshold
+        predicted.probability = KXDistFun::CdfT(choice.isThresholdAbove ? distance : -distance, df);
+    return predicted;
+}
+
+/// Cochran's test, and H² and I² from the typical within-study variance s² = (k - 1) / (sum(w) - sum(w²) /
+/// sum(w)), w = 1 / v, of Higgins and Thompson (2002), Statistics in Medicine 21, 1539-1558.
+void SetHeterogeneity(const MAEffects& studies, MAPooledModel& model)
+{
+    const MAWeightedMean fixed = WeightedMean(studies, 0.0);
+    model.homogeneity = TestHomogeneity(ResidualSum(studies, fixed.Mean(), 0.0), studies.Count());
+    model.typicalVariance = model.homogeneity.df / PairSum(studies, fixed.weightSum);
+    model.heterogeneity = HeterogeneityFromTau2(model.tau2, model.typicalVariance);
+}
+
+/// The bounds of H² and I² are their values at those of tau².
+void SetTau2Bounds(const MATau2Bounds& bounds, MAPooledModel& model)
+{
+    model.tau2Results.lower = bounds.lower;
+    model.tau2Results.upper = bounds.upper;
+    if (KXMV::IsMissing(bounds.lower) || KXMV::IsMissing(bounds.upper))
+        return;
+    const MAHeterogeneityMeasures lower = HeterogeneityFromTau2(bounds.lower, model.typicalVariance);
+    const MAHeterogeneityMeasures upper = HeterogeneityFromTau2(bounds.upper, model.typicalVariance);
+    model.heterogeneity.h2Lower = lower.h2;
+    model.heterogeneity.h2Upper = upper.h2;
+    model.heterogeneity.i2Lower = lower.i2;
+    model.heterogeneity.i2Upper = upper.i2;
+}
+
+/// The likelihood at tau², and the interval that goes by it or by Q.
+void SetLikelihood(const MAEffects& studies, const MARandomEffectsChoice& choice, MAPooledModel& model)
+{
+    const bool hasLikelihood = HasLikelihood(choice.estimator);
+    if (!hasLikelihood && choice.tau2Interval == MAConst::TAU2_INTERVAL_NONE)
+        return;
+    MAPooledCurve curve = CurveOf(studies, choice.estimator);
+    const double t = model.tau2 / curve.Unit();
+    if (hasLikelihood)
+        model.tau2Results.information =
+            InformationCriteria(curve.LogLikelihood(t), 2.0, curve.Bounds().traceSize);
+    SetTau2Bounds(Tau2Interval(curve, choice.tau2Interval, choice.estimator, t, choice.alpha), model);
+}
+
+} // namespace
+
+MAPooledModel PoolFixedEffect(const MAEffects& studies, const MAFixedEffectChoice& choice)
+{
+    if (!studies.HaveEqualLengths())
+        return Failed(KXStatus(MAStatusCode::LENGTH_MISMATCH));
+    MAPooledModel model;
+    const double quantile = TwoSidedNormalQuantile(choice.alpha);
+    const MAWeightedMean sums = WeightedMean(studies, 0.0);
+    model.effect = InferNormal(sums.Mean(), sums.Variance(), choice.nullHypothesis, quantile);
+    if (studies.Count() >= 2) {
+        model.homogeneity = TestHomogeneity(CochranQ(studies, model.effect.estimate), studies.Count());
+        model.heterogeneity = MeasureHeterogeneity(model.homogeneity.q, studies.Count(), quantile);
+    }
+    return model;
+}
+
+MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsChoice& choice)
+{
+    const MATau2Estimate estimated = EstimateTau2(studies, {choice.estimator, choice.limits, choice.search});
+    MAPooledModel model;
+    model.status = estimated.status;
+    model.tau2 = estimated.tau2;
+    if (model.status.IsError())
+        return model;
+    model.tau2Results.convergence = estimated.convergence;
+    model.tau2Results.evaluations = estimated.evaluations;
+    model.effect = PoolWithTau2(studies, choice, model.tau2);
+    model.prediction = PredictEffect(model.effect, model.tau2, choice, studies.Count());
+    if (studies.Count() >= 2) {
+        SetHeterogeneity(studies, model);
+        SetLikelihood(studies, choice, model);
+    }
+    return model;
+}
+
+bool IsTau2Doubtful(const MAEffects& studies, const MARandomEffectsChoice& choice, const MAPooledModel& model)
+{
+    if (!IsIterative(choice.estimator) || model.tau2Results.convergence == MAConst::TAU2_GLOBAL_OPTIMUM ||
+        studies.Count() < 2 || model.status.IsError())
+        return false;
+    MAPooledCurve curve = CurveOf(studies, choice.estimator);
+    const double proved =
+        curve.Unit() * SolveTau2(curve, choice.estimator, model.tau2 / curve.Unit(), comparingPrecision).t;
+    return IsTau2Off(model.tau2, proved, model.typicalVariance);
+}
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,163 @@
+#include "meta_analysis/pooling/MATablePooling.h"
+
+#include "meta_analysis/inference/MAHeterogeneity.h"
+#include "meta_analysis/inference/MAInference.h"
+#include "meta_analysis/pooling/MABinaryPooling.h"
+#include "meta_analysis/pooling/MAPooledCounts.h"
+
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+MAEstimate AsRatio(const MAEstimate& onLogScale)
+{
+    MAEstimate ratio;
+    ratio.estimate = std::exp(onLogScale.estimate);
+    ratio.variance = std::exp(onLogScale.variance);
+    ratio.stdError = std::sqrt(ratio.variance);
+    ratio.ciLower = std::exp(onLogScale.ciLower);
+    ratio.ciUpper = std::exp(onLogScale.ciUpper);
+    return ratio;
+}
+
+/// The tables as read, each with its correction, under the running sums of a method.
+template <class Pooling>
+class TablePool
+{
+public:
+    using Measure = typename Pooling::Measure;
+
+    TablePool(std::span<const MATable> tables, const MATablePoolingChoice& choice)
+        : tables_(tables),
+          choice_(choice),
+          correction_(choice.correction.ResolvedFor(tables)),
+          quantile_(TwoSidedNormalQuantile(choice.alpha)),
+          counts_(choice.pooledZeroCells)
+    {}
+
+    MAPooledTables PoolAll();
+    std::vector<MATableEstimate> PoolPrefixes();
+
+private:
+    void Add(const MATable& table) { counts_.Add(table, correction_.Corrected(table)); }
+    MATableEstimate Estimate(const MAPooledEffect& pooled) const;
+    void TestHomogeneity(std::size_t studyCount, MAPooledModel& model) const;
+
+    std::span<const MATable> tables_;
+    const MATablePoolingChoice& choice_;
+    MAZeroCorrection correction_;
+    double quantile_;
+    MAPooledCounts<Pooling> counts_;
+};
+
+template <class Pooling>
+MATableEstimate TablePool<Pooling>::Estimate(const MAPooledEffect& pooled) const
+{
+    MATableEstimate result;
+    result.effect = InferNormal(pooled.estimate, pooled.variance,
+                                NullOnTestScale<Pooling>(choice_.nullHypothesis), quantile_);
+    result.correctedTables = pooled.correctedTables;
+    if constexpr (Measure::onLogScale)
+        result.ratio = AsRatio(result.effect);
+    return result;
+}
+
+template <class Pooling>
+MAPooledTables TablePool<Pooling>::PoolAll()
+{
+    for (const MATable& table : tables_)
+        Add(table);
+    const MAPooledEffect pooled = counts_.Effect();
+    const MATableEstimate estimate = Estimate(pooled);
+
+    MAPooledTables result;
+    result.model.effect = estimate.effect;
+    result.ratio = estimate.ratio;
+    result.correctedTables = estimate.correctedTables;
+    result.weights.reserve(tables_.size());
+    for (const MATable& table : tables_) {
+        result.weights.push_back(counts_.Weight(table, correction_.Corrected(table), pooled.isCorrected));
+        result.leftOutTables += !counts_.Includes(table);
+    }
+    const std::size_t studyCount = tables_.size() - static_cast<std::size_t>(result.leftOutTables);
+    if (studyCount >= 2)
+        TestHomogeneity(studyCount, result.model);
+    return result;
+}
+
+template <class Pooling>
+void TablePool<Pooling>::TestHomogeneity(std::size_t studyCount, MAPooledModel& model) const
+{
+    double q = 0.0;
+    for (const MATable& table : tables_) {
+        if (!counts_.Includes(table))
+            continue;
+        const MATable corrected = correction_.Corrected(table);
+        const double residual = Measure::Effect(corrected) - model.effect.estimate;
+        q += 1.0 / Measure::Variance(corrected) * (residual * residual);
+    }
+    const int df = static_cast<int>(studyCount) - 1;
+    model.homogeneity = {q, df, HomogeneityPValue(q, df)};
+    model.heterogeneity = MeasureHeterogeneity(q, studyCount, quantile_);
+}
+
+template <class Pooling>
+std::vector<MATableEstimate> TablePool<Pooling>::PoolPrefixes()
+{
+    std::vector<MATableEstimate> estimates;
+    estimates.reserve(tables_.size());
+    for (const MATable& table : tables_) {
+        Add(table);
+        estimates.push_back(Estimate(counts_.Effect()));
+    }
+    return estimates;
+}
+
+template <class Measure>
+MATableEffects EffectsBy(std::span<const MATable> tables, const MATablePoolingChoice& choice)
+{
+    const MAZeroCorrection correction = choice.correction.ResolvedFor(tables);
+    MATableEffects effects;
+    effects.effectSizes.reserve(tables.size());
+    effects.variances.reserve(tables.size());
+    for (const MATable& table : tables) {
+        const MATable corrected = correction.Corrected(table);
+        effects.effectSizes.push_back(Measure::Effect(corrected));
+        effects.variances.push_back(Measure::Variance(corrected));
+    }
+    return effects;
+}
+
+} // namespace
+
+MAPooledTables PoolTables(std::span<const MATable> tables, const MATablePoolingChoice& choice)
+{
+    MAPooledTables result;
+    WithBinaryPooling(choice.measure,
+                      [&](auto pooling) { result = TablePool<decltype(pooling)>(tables, choice).PoolAll(); });
+    result.weights.resize(tables.size(), KXMV::Missing());
+    return result;
+}
+
+std::vector<MATableEstimate> PoolTablePrefixes(std::span<const MATable> tables,
+                                               const MATablePoolingChoice& choice)
+{
+    std::vector<MATableEstimate> estimates;
+    WithBinaryPooling(choice.measure, [&](auto pooling) {
+        estimates = TablePool<decltype(pooling)>(tables, choice).PoolPrefixes();
+    });
+    return estimates;
+}
+
+MATableEffects EffectsOfTables(std::span<const MATable> tables, const MATablePoolingChoice& choice)
+{
+    MATableEffects effects;
+    WithBinaryPooling(choice.measure, [&](auto pooling) {
+        effects = EffectsBy<typename decltype(pooling)::Measure>(tables, choice);
+    });
+    return effects;
+}
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,207 @@
+// The estimators of the between-study variance without covariates.
+
+#include "meta_analysis/pooling/MATau2Estimators.h"
+
+#include "meta_analysis/inference/MAWeightedMean.h"
+#include "meta_analysis/pooling/MAPooledCurve.h"
+#include "meta_analysis/pooling/MATau2Search.h"
+#include "meta_analysis/pooling/MATau2Steps.h"
+
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+double MeanOf(std::span<const double> values)
+{
+    double sum = 0.0;
+    for (const double value : values)
+        sum += value;
+    return values.empty() ? 0.0 : sum / static_cast<double>(values.size());
+}
+
+/// Mean of the effect sizes with weights 1 / (v + t), and the sum of these weights. The weights of the mean
+/// carry the factor t, which cancels but keeps them of order 1 for any t > 0.
+struct ScaledMean
+{
+    double mean;
+    double weightSum;
+};
+
+ScaledMean ScaledMeanAt(const MAEffects& studies, double t)
+{
+    const double factor = t == 0.0 ? 1.0 : t;
+    const MAWeightedMean sums = WeightedMean(studies, t, factor);
+    return {sums.Mean(), sums.weightSum / factor};
+}
+
+/// Expectation of the unweighted sum of squares (Hedges 1983, Psychological Bulletin 93, 388-395).
+double HedgesTau2(const MAEffects& studies)
+{
+    if (studies.Count() < 2)
+        return 0.0;
+    const double mean = MeanOf(studies.effectSizes);
+    const auto k = static_cast<double>(studies.Count());
+    double residualSum = 0.0;
+    double varianceSum = 0.0;
+    for (std::size_t i = 0; i < studies.Count(); ++i) {
+        residualSum += Square(studies.effectSizes[i] - mean);
+        varianceSum += studies.variances[i];
+    }
+    return TruncateAtZero(residualSum / (k - 1.0) - varianceSum / k);
+}
+
+/// (Q - k) / sum(1 / v) with the fixed-effect Q (Hunter and Schmidt 1990, Methods of Meta-Analysis).
+double HunterSchmidtTau2(const MAEffects& studies)
+{
+    const MAWeightedMean fixed = WeightedMean(studies, 0.0);
+    const double q = ResidualSum(studies, fixed.Mean(), 0.0);
+    return TruncateAtZero((q - static_cast<double>(studies.Count())) / fixed.weightSum);
+}
+
+/// (Q - (k - 1)) / c with c = sum(w) - sum(w²) / sum(w), w = 1 / v, and 0 when c is 0.
+/// DerSimonian and Laird (1986), Controlled Clinical Trials 7, 177-188.
+double DerSimonianLairdTau2(const MAEffects& studies)
+{
+    const MAWeightedMean fixed = WeightedMean(studies, 0.0);
+    const double q = CochranQ(studies, fixed.Mean());
+    const double c = PairSum(studies, fixed.weightSum);
+    return c == 0.0 ? 0.0 : TruncateAtZero((q - (static_cast<double>(studies.Count()) - 1.0)) / c);
+}
+
+/// One step from the crude variance of the effects (Sidik and Jonkman 2005, Applied Statistics 54, 367-384).
+double SidikJonkmanTau2(const MAEffects& studies)
+{
+    if (studies.Count() == 1)
+        return 0.0;
+    const auto k = static_cast<double>(studies.Count());
+    const double mean = MeanOf(studies.effectSizes);
+    double crude = 0.0;
+    for (const double y : studies.effectSizes)
+        crude += Square(y - mean);
+    crude /= k;
+
+    const ScaledMean weighted = ScaledMeanAt(studies, crude);
+    double sum = 0.0;
+    for (std::size_t i = 0; i < studies.Count(); ++i)
+        sum += Square(studies.effectSizes[i] - weighted.mean) * (crude / (crude + studies.variances[i]));
+    return TruncateAtZero(sum / (k - 1.0));
+}
+
+/// P = W - W 1 1' W / sum(w) has the diagonal w (sum(w) - w) / sum(w). The traces are taken as sums of
+/// positive terms, over the diagonal and over pairs of studies: written with leverages they would cancel
+/// where one weight dominates, and for one study leave a quotient of rounding errors in place of 0.
+MATau2StepSums StepSumsAt(const MAEffects& studies, double tau2)
+{
+    const ScaledMean weighted = ScaledMeanAt(studies, tau2);
+    const double inverseSum = 1.0 / weighted.weightSum;
+    MATau2StepSums sums;
+    double pairs = 0.0;
+    double squaredPairs = 0.0;
+    double squaredDiagonal = 0.0;
+    for (std::size_t i = 0; i < studies.Count(); ++i) {
+        const double weight = 1.0 / (tau2 + studies.variances[i]);
+        pairs += weight * sums.w1;
+        squaredPairs += weight * weight * sums.w2;
+        squaredDiagonal += Square(weight * (weighted.weightSum - weight) * inverseSum);
+        sums.Add(weight, studies.effectSizes[i] - weighted.mean);
+    }
+    sums.traceP = 2.0 * pairs * inverseSum;
+    sums.tracePP = squaredDiagonal + 2.0 * squaredPairs * Square(inverseSum);
+    return sums;
+}
+
+MATau2Estimate Score(const MAEffects& studies, const MATau2Choice& choice)
+{
+    return ScoreTau2(HedgesTau2(studies), choice, 1.0,
+                     [&](double tau2) { return StepSumsAt(studies, tau2); });
+}
+
+/// The Hedges estimate where the search has none.
+MATau2Estimate Search(const MAEffects& studies, const MATau2Choice& choice)
+{
+    MAPooledCurve curve = CurveOf(studies, choice.estimator);
+    MATau2Estimate estimate =
+        EstimateOf(SolveTau2(curve, choice.estimator, curve.MomentEstimate()), curve.Unit());
+    if (estimate.convergence == MAConst::TAU2_STEP_NOT_FINITE)
+        estimate.tau2 = HedgesTau2(studies);
+    return estimate;
+}
+
+MATau2Estimate ClosedForm(double tau2)
+{
+    MATau2Estimate estimate;
+    estimate.tau2 = tau2;
+    return estimate;
+}
+
+} // namespace
+
+MATau2Estimate EstimateTau2(const MAEffects& studies, const MATau2Choice& choice)
+{
+    MATau2Estimate failed;
+    if (!studies.HaveEqualLengths()) {
+        failed.status = KXStatus(MAStatusCode::LENGTH_MISMATCH);
+        return failed;
+    }
+    switch (choice.estimator) {
+    case MAConst::TAU2_HE:
+        return ClosedForm(HedgesTau2(studies));
+    case MAConst::TAU2_HS:
+        return ClosedForm(HunterSchmidtTau2(studies));
+    case MAConst::TAU2_DL:
+        return ClosedForm(DerSimonianLairdTau2(studies));
+    case MAConst::TAU2_SJ:
+        return ClosedForm(SidikJonkmanTau2(studies));
+    case MAConst::TAU2_ML:
+    case MAConst::TAU2_REML:
+    case MAConst::TAU2_EB:
+        return choice.search == MAConst::TAU2_SEARCH_GLOBAL ? Search(studies, choice)
+                                                            : Score(studies, choice);
+    }
+    failed.status = KXStatus(MAStatusCode::TAU2_FAILED);
+    return failed;
+}
+
+/// ML: the score of the profile likelihood over its information. REML: (y'PPy - tr P) / tr PP with
+/// P = W - WX(X'WX)⁻X'W. EB: Morris (1983), Journal of the American Statistical Association 78, 47-55.
+double ScoringStep(const MATau2StepSums& sums, MAConst::TAU2ESTIMATOR estimator, double rank)
+{
+    if (estimator == MAConst::TAU2_ML)
+        return (sums.w2r2 - sums.w1) / sums.w2;
+    if (estimator == MAConst::TAU2_EB)
+        return (sums.count / (sums.count - rank) * sums.wr2 - sums.count) / sums.w1;
+    return sums.tracePP == 0.0 ? 0.0 : (sums.w2r2 - sums.traceP) / sums.tracePP;
+}
+
+bool TakeStep(MATau2Estimate& estimate, double step, int maxStepHalving)
+{
+    double fraction = step;
+    for (int halvings = 0; std::isfinite(fraction); ++halvings) {
+        const double candidate = estimate.tau2 + fraction;
+        if (candidate >= 0.0) {
+            estimate.tau2 = candidate;
+            return true;
+        }
+        if (halvings > maxStepHalving) {
+            estimate.convergence = MAConst::TAU2_STEP_HALVING_FAILED;
+            return false;
+        }
+        fraction *= 0.5;
+    }
+    estimate.convergence = MAConst::TAU2_STEP_NOT_FINITE;
+    return false;
+}
+
+MATau2Estimate EstimateOf(const MATau2Solution& solution, double unit)
+{
+    MATau2Estimate estimate;
+    estimate.tau2 = solution.t * unit;
+    estimate.evaluations = solution.evaluations;
+    estimate.convergence =
+        std::isfinite(estimate.tau2) ? MAConst::TAU2_GLOBAL_OPTIMUM : MAConst::TAU2_STEP_NOT_FINITE;
+    return estimate;
+}
+
+} // namespace MA_NAMESPACE
