@@ -213,6 +213,7 @@ protected:
     /// The state to write to. Constructing an analysis allocates nothing and cannot fail: the first operation
     /// makes the state, and may throw std::bad_alloc.
     MAAnalysisState& State();
+    bool HasState() const noexcept { return state_ != nullptr; }
     /// The state to read.
     const MAAnalysisState& Results() const noexcept;
     /// Forgets everything, as a run does that begins afresh.

@@ -20,8 +20,7 @@ struct MACopiedSettings
 {
     MARunSettings run;
     double alpha = 0.05; ///< 1 - confidence level
-    MATableMeasure tables;
-    MAConst::POOLEDZEROCELLS pooledZeroCells = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
+    MATablePoolingChoice tables; ///< null value and level apart, which the models take from the settings
 };
 
 /// The per-model lists that hosts read. A run fills them, and operations called one by one append to them.

@@ -11,6 +11,7 @@
 #include "meta_analysis/settings/MARegSettings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
+#include <cstddef>
 #include <vector>
 
 namespace MA_NAMESPACE {
@@ -141,13 +142,13 @@ protected:
     MAModelChoice TableChoice() const;
     bool PoolsTables() const;
 
+    KXStatus TestContrastsOfTables();
+
     /// Appends a pooled model of `studyCount` studies, with weights when these are as many as the studies.
     KXStatus AppendModel(const MAPooledStudies& pooled, std::size_t studyCount,
                          const std::vector<double>& weights);
     void AppendHeterogeneity(const MAPooledModel& model);
 
-    /// Starts a pass; on success the studies and the record counts are cleared.
-    KXStatus StartReading(MultiPassRecordIter& records);
     /// Takes what a pass has read; returns its status.
     KXStatus Take(MAReading reading);
     /// Passes on the result of reading studies. Clears the studies when an error left their columns with
@@ -173,12 +174,12 @@ private:
     KXStatus BuildModels(const MAModelChoice& choice);
     KXStatus BuildOverall(const MAModelChoice& choice);
     void AppendReported(const MAPooledStudies& pooled);
-    void AppendGroup(MASelection members);
+    void AppendGroup(std::vector<std::size_t> members);
     KXStatus TestContrastsOfRun();
     KXStatus TestForSmallStudies(MultiPassRecordIter& records, const KXVarList& variables);
     KXStatus RequireStudiesForTest(MultiPassRecordIter& records);
     KXStatus TestSelection(MultiPassRecordIter& records, const KXVarList& variables,
-                           const MARegSettings& settings, const MASelection& selection);
+                           const MARegSettings& settings, const std::vector<std::size_t>& selection);
     void AddWarningsOfFigures(const std::vector<KXStatus>& warnings);
     KXStatus TrimAndFillInRun();
     KXStatus TrimAndFill();

@@ -114,10 +114,10 @@ public:
     double GetContrastTestCIUpper() const { return contrast_.ciUpper; }
     double GetContrastTestCILower() const { return contrast_.ciLower; }
 
-private:
-    /// Sets the constant of the correction for the analysis, whose user chooses it.
-    friend class MABinModel;
+    /// All of the above but the contrasts, as one value.
+    const MAPooledModel& GetPooledModel() const { return pooled_.model; }
 
+private:
     bool HasCounts() const;
     std::vector<MATable> Tables() const;
     MATablePoolingChoice Choice() const;

@@ -1,5 +1,7 @@
 #include "meta_analysis/analysis/models/MAModelChoice.h"
 
+#include "meta_analysis/settings/MAMeasures.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -21,7 +23,7 @@ MARunSettings RunSettingsOf(const MAModelSettings& settings)
             settings.GetWeightType(), settings.GetInputESType()};
 }
 
-bool PoolsTables(const MARunSettings& run, MAConst::OUTCOMETYPE outcome)
+bool PoolsCounts(const MARunSettings& run, MAConst::OUTCOMETYPE outcome)
 {
     return outcome == MAConst::OUTCOME_BINARY && run.weightType == MAConst::WEIGHT_BINARY_FIXED &&
            run.inputType == MAConst::INPUT_RAW && run.modelType == MAConst::MODEL_FIXED;
@@ -30,8 +32,7 @@ bool PoolsTables(const MARunSettings& run, MAConst::OUTCOMETYPE outcome)
 MAModelChoice EffectsModel(const MAModelSettings& settings, const MARunSettings& run,
                            MAConst::OUTCOMETYPE outcome, double alpha)
 {
-    const bool isOnLogScale =
-        outcome == MAConst::OUTCOME_BINARY && settings.GetBinaryEstType() != MAConst::BIN_RISK_DIFFERENCE;
+    const bool isOnLogScale = outcome == MAConst::OUTCOME_BINARY && IsOnLogScale(settings.GetBinaryEstType());
     const bool isThresholdAbove = !KXMV::IsMissing(settings.GetProbabilityAbove());
     MAModelChoice choice;
     choice.type = run.modelType;

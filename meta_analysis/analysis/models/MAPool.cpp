@@ -66,7 +66,8 @@ MAPooledModel PoolStep(const MAEffects& effects, const MAModelChoice& choice)
 
 MAPooledStudies PoolEffects(const MAEffects& effects, const MAModelChoice& choice)
 {
-    MAPooledStudies pooled = {PoolStep(effects, choice)};
+    MAPooledStudies pooled;
+    pooled.model = PoolStep(effects, choice);
     pooled.isTau2Doubtful =
         choice.type != MAConst::MODEL_FIXED && IsTau2Doubtful(effects, choice.random, pooled.model);
     return pooled;

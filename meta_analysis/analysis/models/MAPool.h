@@ -2,6 +2,7 @@
 
 #include "meta_analysis/analysis/models/MAModelChoice.h"
 #include "meta_analysis/analysis/studies/MAStudies.h"
+#include "meta_analysis/pooling/MAPooling.h"
 
 #include <vector>
 

@@ -2,6 +2,7 @@
 
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/effectsize/MAContinousEffectSize.h"
+#include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/settings/Guarded.h"
 
 #include <cmath>
@@ -62,6 +63,42 @@ void Classify(const MAGroupMeans& means, int recordNumber, MAReading& reading)
     }
 }
 
+struct MeansColumns
+{
+    explicit MeansColumns(const std::vector<MAGroupMeans>& means)
+        : treatmentSize(FieldOf(means, &MAGroupMeans::treatmentSize)),
+          controlSize(FieldOf(means, &MAGroupMeans::controlSize)),
+          treatmentMean(FieldOf(means, &MAGroupMeans::treatmentMean)),
+          controlMean(FieldOf(means, &MAGroupMeans::controlMean)),
+          treatmentStdDev(FieldOf(means, &MAGroupMeans::treatmentStdDev)),
+          controlStdDev(FieldOf(means, &MAGroupMeans::controlStdDev))
+    {
+        RequireLength(means.size(), treatmentSize, controlSize, treatmentMean, controlMean, treatmentStdDev,
+                      controlStdDev);
+    }
+
+    std::vector<double> treatmentSize;
+    std::vector<double> controlSize;
+    std::vector<double> treatmentMean;
+    std::vector<double> controlMean;
+    std::vector<double> treatmentStdDev;
+    std::vector<double> controlStdDev;
+};
+
+void TakeEffects(const MAContinousEffectSize& effects, MAStudies& studies)
+{
+    studies.effectSize = effects.GetEffectSizeVal();
+    studies.variance = effects.GetEffectSizeVariance();
+    const std::vector<double> stdErrors = effects.GetEffectSizeStdError();
+    const std::vector<double> zValues = effects.GetEffectSizeZVal();
+    const std::vector<double> pValues = effects.GetEffectSizeSig();
+    const std::vector<double> lower = effects.GetEffectSizeCILower();
+    const std::vector<double> upper = effects.GetEffectSizeCIUpper();
+    RequireLength(studies.Count(), studies.variance, stdErrors, zValues, pValues, lower, upper);
+    for (std::size_t i = 0; i < studies.Count(); ++i)
+        studies.tests.push_back({stdErrors[i], zValues[i], pValues[i], lower[i], upper[i]});
+}
+
 } // namespace
 
 bool NamesMeans(const MAModelSettings& settings)
@@ -85,9 +122,25 @@ MAReading ReadMeans(MultiPassRecordIter& records, const MAModelSettings& setting
     return reading;
 }
 
-MAMeansEffects WithMeansEffects(MAStudies studies, const MAModelSettings& settings, double alpha)
+MAMeansStudies WithMeansEffects(MAStudies studies, const MAModelSettings& settings, double alpha)
 {
-    return {KXStatus(), std::move(studies)};
+    const MeansColumns columns(studies.means);
+    MAContinousEffectSize effects;
+    effects.SetTreatmentGSizes(&columns.treatmentSize);
+    effects.SetControlGSizes(&columns.controlSize);
+    effects.SetTreatmentGMeans(&columns.treatmentMean);
+    effects.SetControlGMeans(&columns.controlMean);
+    effects.SetTreatmentGStdErrors(&columns.treatmentStdDev);
+    effects.SetControlGStdErrors(&columns.controlStdDev);
+    effects.SetSignLevel(alpha);
+    effects.SetEqualAssumptionofVariance(settings.GetVarEqualAssumption());
+    effects.SetVarianceAdjustment(settings.GetVarianceAdjustment());
+    effects.SetGlassDsVarianceDependent(settings.GetGlassDsVarDependentGroup());
+    effects.SetEstimationMethod(settings.GetContinousEstType());
+    const KXStatus status = effects.ComputeEffectSizeStatistics();
+    if (!status.IsError())
+        TakeEffects(effects, studies);
+    return {status, std::move(studies)};
 }
 
 } // namespace MA_NAMESPACE

@@ -13,11 +13,11 @@ bool NamesMeans(const MAModelSettings& settings);
 MAReading ReadMeans(MultiPassRecordIter& records, const MAModelSettings& settings);
 
 /// The studies of means with their effect sizes.
-struct MAMeansEffects
+struct MAMeansStudies
 {
     KXStatus status;
     MAStudies studies;
 };
-MAMeansEffects WithMeansEffects(MAStudies studies, const MAModelSettings& settings, double alpha);
+MAMeansStudies WithMeansEffects(MAStudies studies, const MAModelSettings& settings, double alpha);
 
 } // namespace MA_NAMESPACE

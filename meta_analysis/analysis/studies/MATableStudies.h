@@ -13,21 +13,14 @@ bool NamesTables(const MAModelSettings& settings);
 /// Reads and classifies the 2x2 tables of a started pass. Error ITERATOR_FAILED.
 MAReading ReadTables(MultiPassRecordIter& records, const MAModelSettings& settings);
 
-/// Effect sizes of tables: the measure, and the correction of zero cells.
-struct MATableMeasure
-{
-    MAConst::BINESTYPE effect = MAConst::BIN_ODDS_RATIO;
-    MAZeroCorrection correction = {MAConst::ZERO_ADJUST_EACH, 0.5};
-};
-
-/// The studies of tables with their effect sizes, and the measure with the correction as it turned out:
-/// `ZERO_ADJUST_ALL_IF_ANY` has become `ZERO_ADJUST_ALL` when a table had a zero cell.
+/// The studies of tables with their effect sizes.
 struct MATableStudies
 {
     KXStatus status;
     MAStudies studies;
-    MATableMeasure measure;
+    MAZeroCorrection correction; ///< resolved for the tables
 };
-MATableStudies WithTableEffects(MAStudies studies, const MATableMeasure& measure, double alpha);
+MATableStudies WithTableEffects(MAStudies studies, MAConst::BINESTYPE measure,
+                                const MAZeroCorrection& correction, double alpha);
 
 } // namespace MA_NAMESPACE
