@@ -239,8 +239,6 @@ void Regress(const MABinModel& analysis, Session& session)
     if (!Succeeded("Regression", engine.BuildModel(studies), session))
         return;
     const MARegOutputStats output(settings, engine);
-    if (!output.IsComplete())
-        return; // without memory for the copies of the results
     std::printf("Slope over latitude: %.4f, standard error %.4f, z = %.2f, R2 = %.1f%%\n",
                 output.GetEstimation()[1], output.GetBetaStandErr()[1], output.GetBetaTest()[1],
                 100.0 * output.GetRSquare());

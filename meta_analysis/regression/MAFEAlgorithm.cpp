@@ -1,12 +1,11 @@
 #include "meta_analysis/regression/MAFEAlgorithm.h"
 
 #include "meta_analysis/inference/MAHeterogeneity.h"
-#include "meta_analysis/regression/MARegFit.h"
-#include "meta_analysis/regression/design/MADesignMatrix.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/inference/MATestPValues.h"
+#include "meta_analysis/regression/MARegBuild.h"
+#include "meta_analysis/settings/MAStatusCode.h"
 
 #include <cmath>
-#include <memory>
 
 namespace MA_NAMESPACE {
 
@@ -16,6 +15,59 @@ namespace {
 /// heterogeneity: the fit is exact.
 constexpr double negligibleQ = 1e-12;
 
+MAResidualHeterogeneity HeterogeneityOf(const MARegFit& fit)
+{
+    MAResidualHeterogeneity residual;
+    residual.q = fit.WeightedResidualSum();
+    residual.df = fit.ResidualDf();
+    residual.h2 = 1.0;
+    residual.i2 = 0.0;
+    if (residual.df == 0)
+        return residual;
+    residual.qPValue = ChiSquarePValue(residual.q, residual.df);
+    if (std::abs(residual.q) >= negligibleQ) {
+        const MAHeterogeneityMeasures measures = HeterogeneityFromQ(residual.q, residual.df);
+        residual.h2 = measures.h2;
+        residual.i2 = measures.i2;
+    }
+    return residual;
+}
+
+/// Estimates, tests and heterogeneity, as far as the use asks for them.
+void Describe(const MARegTask& task, MARegBuild& build)
+{
+    const MARegSettings& settings = task.Settings();
+    const MARegFit& fit = *build.fit;
+    if (settings.HasMultiDisper()) {
+        const MADispersion dispersion = DispersionOf(fit);
+        build.Passed(dispersion.warning);
+        build.results.dispersion = build.scale = dispersion.value;
+    }
+    if (task.use == MARegUse::BubblePlot)
+        return;
+    const bool useStudentT =
+        settings.IsKnapHartAdjust() || settings.GetTestDistType() == MAConst::TEST_STUDENT_T;
+    build.results.tests = TestCoefficients(fit, build.scale, useStudentT);
+    if (task.use == MARegUse::SmallStudyTest)
+        return;
+    build.results.wald = WaldTest(fit, build.results.dispersion);
+    build.results.residual = HeterogeneityOf(fit);
+    if (fit.ResidualDf() == 0)
+        build.Passed(KXStatus(MAStatusCode::NO_RESIDUAL_DF, true));
+}
+
+MARegBuild FitFixedEffects(const MARegTask& task)
+{
+    MARegBuild build;
+    if (!build.Fit(task.design, MAWeightMode::FixedEffect, 0.0))
+        return build;
+    Describe(task, build);
+    // Predictions use the settings' distribution; the Knapp-Hartung flag plays no part in them.
+    build.criticalValue =
+        CriticalValue(*build.fit, task.Settings().GetTestDistType() == MAConst::TEST_STUDENT_T);
+    return build;
+}
+
 } // namespace
 
 MAFEAlgorithm::MAFEAlgorithm(const MARegSettings& settings) : MARegAlgorithm(settings) {}
@@ -23,64 +75,7 @@ MAFEAlgorithm::~MAFEAlgorithm() = default;
 
 KXStatus MAFEAlgorithm::BuildModel(MultiPassRecordIter& records)
 {
-    const KXStatus built = Guarded(status_, [&] { return BuildFrom(records); });
-    if (built.IsError())
-        ForgetModel();
-    return built;
-}
-
-KXStatus MAFEAlgorithm::BuildFrom(MultiPassRecordIter& records)
-{
-    if (!Passed(PrepareRows(records)))
-        return status_;
-    WarnOfSettings(false);
-    if (!Passed(FitModel()))
-        return status_;
-    // Scores use the settings' distribution; the Knapp-Hartung flag plays no part in them.
-    FinishBuild(settings_->GetTestDistType() == MAConst::TEST_STUDENT_T);
-    return status_;
-}
-
-KXStatus MAFEAlgorithm::FitModel()
-{
-    fit_ = std::make_unique<MARegFit>(*design_);
-    if (!Passed(fit_->Fit()))
-        return status_;
-    if (settings_->HasMultiDisper() && !Passed(fit_->ComputeDispersion()))
-        return status_;
-    if (usedByBubblePlot_)
-        return status_;
-    const bool useStudentT =
-        settings_->IsKnapHartAdjust() || settings_->GetTestDistType() == MAConst::TEST_STUDENT_T;
-    fit_->ComputeCoefficientTests(useStudentT);
-    if (usedByRegBaseTest_)
-        return status_;
-    TestModel(false);
-    if (!Passed(fit_->ComputeResidualHeterogeneity()))
-        return status_;
-    MeasureHeterogeneity();
-    return status_;
-}
-
-void MAFEAlgorithm::MeasureHeterogeneity()
-{
-    residualQ_ = fit_->ResidualQ();
-    residualQPValue_ = fit_->ResidualQPValue();
-    residualDf_ = fit_->ResidualDf();
-    residualH2_ = 1.0;
-    residualI2_ = 0.0;
-    if (residualDf_ != 0 && std::abs(residualQ_) >= negligibleQ) {
-        const MAHeterogeneityMeasures measures = HeterogeneityFromQ(residualQ_, residualDf_);
-        residualH2_ = measures.h2;
-        residualI2_ = measures.i2;
-    }
-}
-
-KXStatus MAFEAlgorithm::Score(const Record& record, double& fit, double& stdError, double& lower,
-                              double& upper, double& residual, double& residualStdError,
-                              double& leverage) const
-{
-    return ScoreRecord(record, fit, stdError, lower, upper, residual, residualStdError, leverage);
+    return Build(records, false, FitFixedEffects);
 }
 
 } // namespace MA_NAMESPACE

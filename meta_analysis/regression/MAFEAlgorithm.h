@@ -17,13 +17,6 @@ public:
     ~MAFEAlgorithm();
 
     KXStatus BuildModel(MultiPassRecordIter& records) override;
-    KXStatus Score(const Record& record, double& fit, double& stdError, double& lower, double& upper,
-                   double& residual, double& residualStdError, double& leverage) const override;
-
-private:
-    KXStatus BuildFrom(MultiPassRecordIter& records);
-    KXStatus FitModel();
-    void MeasureHeterogeneity();
 };
 
 } // namespace MA_NAMESPACE

@@ -4,18 +4,16 @@
 #include "meta_analysis/inference/MAKnappHartung.h"
 #include "meta_analysis/inference/MATestPValues.h"
 #include "meta_analysis/pooling/MARegressionCurve.h"
-#include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
 #include "meta_analysis/pooling/MATau2Interval.h"
 #include "meta_analysis/pooling/MATau2Search.h"
-#include "meta_analysis/regression/MARegFit.h"
-#include "meta_analysis/regression/design/MADesignMatrix.h"
+#include "meta_analysis/regression/MARegBuild.h"
+#include "meta_analysis/regression/MAResidualTau2.h"
 #include "meta_analysis/regression/design/MAProgress.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/Alpha.h"
 #include "meta_analysis/settings/MAEstimatorCode.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
-#include <cmath>
 
 namespace MA_NAMESPACE {
 
@@ -25,9 +23,135 @@ namespace {
 /// one: squared rounding errors leave less.
 constexpr double negligible = 1e-12;
 
-/// Weights of the fit from which Hunter and Schmidt's residuals are taken. Their published estimator has
-/// fixed-effect weights here; the unweighted fit makes tau² larger, and with it R² smaller.
-constexpr MAWeightMode hunterSchmidtWeights = MAWeightMode::Unweighted;
+/// `unknownEstimator` for a code that is none.
+MAConst::TAU2ESTIMATOR EstimatorOf(const MARegSettings& settings)
+{
+    return static_cast<MAConst::TAU2ESTIMATOR>(EstimatorOfCode(settings.GetEstTauType()));
+}
+
+bool UsesStudentT(const MARegSettings& settings)
+{
+    return settings.IsKnapHartAdjust() || settings.GetTestDistType() == MAConst::TEST_STUDENT_T;
+}
+
+/// Scale of the covariance after Knapp and Hartung. Without residual degrees of freedom there is no factor,
+/// and the truncated one is 1.
+double KnappHartungScale(const MARegFit& fit, bool truncated)
+{
+    const int df = fit.ResidualDf();
+    if (df == 0)
+        return truncated ? 1.0 : KXMV::Missing();
+    return KnappHartungFactor(fit.WeightedResidualSum(), df, truncated);
+}
+
+/// The typical within-study variance s² = (k - p) / T, with T the weighted residual trace at tau² = 0,
+/// against which I² and H² set tau² (Higgins and Thompson 2002, Statistics in Medicine 21, 1539-1558).
+double TypicalVariance(MARegressionCurve& curve, double meanVariance)
+{
+    const double trace = curve.SumsAt(0.0, true).traceP / curve.Unit();
+    return trace * meanVariance >= negligible ? curve.Bounds().residualDf / trace : 0.0;
+}
+
+/// Whether scoring missed the estimate that the model is labelled with, which a search proves.
+bool IsTau2Doubtful(const MARegTask& task, const MARegResults& results, MARegressionCurve& curve)
+{
+    const MAConst::TAU2ESTIMATOR estimator = EstimatorOf(task.Settings());
+    if (!IsIterative(estimator) || results.tau2Results.convergence == MAConst::TAU2_GLOBAL_OPTIMUM)
+        return false;
+    const double proved =
+        curve.Unit() * SolveTau2(curve, estimator, results.tau2 / curve.Unit(), comparingPrecision).t;
+    return IsTau2Off(results.tau2, proved, 0.0) &&
+           IsTau2Off(results.tau2, proved, TypicalVariance(curve, task.design.MeanVariance()));
+}
+
+/// The likelihood at tau², and the interval that goes by it or by Q.
+void MeasureLikelihood(const MARegTask& task, const MARegFit& fit, MARegressionCurve& curve,
+                       MARegResults& results)
+{
+    const MAConst::TAU2ESTIMATOR estimator = EstimatorOf(task.Settings());
+    if (estimator == unknownEstimator || fit.ResidualDf() < 1)
+        return;
+    const double t = results.tau2 / curve.Unit();
+    if (HasLikelihood(estimator))
+        results.tau2Results.information = InformationCriteria(
+            curve.LogLikelihood(t), fit.NonRedundantCount() + 1.0, curve.Bounds().traceSize);
+    const MATau2Bounds bounds = Tau2Interval(curve, task.Settings().GetTau2Interval(), estimator, t,
+                                             AlphaOf(task.Settings().GetConfidenceLevel()));
+    results.tau2Results.lower = bounds.lower;
+    results.tau2Results.upper = bounds.upper;
+}
+
+/// Residual Q is that at tau² = 0.
+MAResidualHeterogeneity HeterogeneityOf(double tau2, MARegressionCurve& curve, double meanVariance)
+{
+    MAResidualHeterogeneity residual;
+    residual.q = curve.SumsAt(0.0, true).yPy;
+    residual.df = static_cast<int>(curve.Bounds().residualDf);
+    if (residual.df != 0)
+        residual.qPValue = ChiSquarePValue(residual.q, residual.df);
+    const double least = negligible * meanVariance;
+    const double typicalVariance = TypicalVariance(curve, meanVariance);
+    const MAHeterogeneityMeasures measures = HeterogeneityFromTau2(tau2, typicalVariance);
+    residual.i2 = tau2 + typicalVariance < least ? 0.0 : measures.i2;
+    residual.h2 = typicalVariance < least ? 0.0 : measures.h2;
+    return residual;
+}
+
+/// R²: the part of the between-study variance that the predictors take away; 0 when they do not.
+double ExplainedPart(double tau2, const MADesignMatrix& design)
+{
+    const MATau2Estimate without = EstimateTau2WithoutPredictors(design);
+    if (without.status.IsError() || !(without.tau2 >= negligible * design.MeanVariance()))
+        return 0.0;
+    return std::max(0.0, (without.tau2 - tau2) / without.tau2);
+}
+
+/// Tests and heterogeneity, as far as the use asks for them. Error `ITERATOR_FAILED` when the host cancels.
+KXStatus Describe(const MARegTask& task, MARegBuild& build)
+{
+    const MARegSettings& settings = task.Settings();
+    const MARegFit& fit = *build.fit;
+    MARegResults& results = build.results;
+    if (settings.IsKnapHartAdjust())
+        build.scale = KnappHartungScale(fit, settings.IsTruncAjustValue());
+    results.tests = TestCoefficients(fit, build.scale, UsesStudentT(settings));
+    // A code that is no estimator has the curve of Q.
+    MARegressionCurve curve(task.design.Columns(), task.design.Rows().variances,
+                            LikelihoodOf(EstimatorOf(settings)));
+    if (IsTau2Doubtful(task, results, curve))
+        build.Passed(KXStatus(MAStatusCode::TAU2_DOUBTFUL, true));
+    if (task.use == MARegUse::SmallStudyTest)
+        return KXStatus();
+    if (settings.IsKnapHartAdjust())
+        results.f = FTest(fit, build.scale);
+    else
+        results.wald = WaldTest(fit, results.dispersion);
+    if (!MAProgress(settings, settings.GetIterProgressListener()).Step())
+        return KXStatus(MAStatusCode::ITERATOR_FAILED);
+    results.residual = HeterogeneityOf(results.tau2, curve, task.design.MeanVariance());
+    if (results.residual.df == 0)
+        build.Passed(KXStatus(MAStatusCode::NO_RESIDUAL_DF, true));
+    results.rSquare = ExplainedPart(results.tau2, task.design);
+    MeasureLikelihood(task, fit, curve, results);
+    return KXStatus();
+}
+
+MARegBuild FitRandomEffects(const MARegTask& task)
+{
+    MARegBuild build;
+    const MATau2Estimate estimate = EstimateResidualTau2(task.design);
+    if (!build.Passed(estimate.status))
+        return build;
+    build.results.tau2 = estimate.tau2;
+    build.results.tau2Results.convergence = estimate.convergence;
+    build.results.tau2Results.evaluations = estimate.evaluations;
+    if (!build.Fit(task.design, MAWeightMode::RandomEffects, estimate.tau2))
+        return build;
+    if (task.use != MARegUse::BubblePlot && !build.Passed(Describe(task, build)))
+        return build;
+    build.criticalValue = CriticalValue(*build.fit, UsesStudentT(task.Settings()));
+    return build;
+}
 
 } // namespace
 
@@ -36,253 +160,12 @@ MAREAlgorithm::~MAREAlgorithm() = default;
 
 int MAREAlgorithm::GetEstTauType() const
 {
-    return EstimatorOfCode(settings_->GetEstTauType());
-}
-
-bool MAREAlgorithm::UsesStudentT() const
-{
-    return settings_->IsKnapHartAdjust() || settings_->GetTestDistType() == MAConst::TEST_STUDENT_T;
+    return EstimatorOfCode(GetSettings().GetEstTauType());
 }
 
 KXStatus MAREAlgorithm::BuildModel(MultiPassRecordIter& records)
 {
-    const KXStatus built = Guarded(status_, [&] { return BuildFrom(records); });
-    if (built.IsError())
-        ForgetModel();
-    return built;
-}
-
-KXStatus MAREAlgorithm::BuildFrom(MultiPassRecordIter& records)
-{
-    if (!Passed(PrepareRows(records)))
-        return status_;
-    WarnOfSettings(true);
-    if (Passed(computeTauSquare()) && Passed(FitModel()))
-        FinishBuild(UsesStudentT());
-    return status_;
-}
-
-KXStatus MAREAlgorithm::FitModel()
-{
-    fit_ = std::make_unique<MARegFit>(*design_, MAWeightMode::RandomEffects, tau2_);
-    if (!Passed(fit_->Fit()))
-        return status_;
-    if (usedByBubblePlot_)
-        return status_;
-    if (settings_->IsKnapHartAdjust())
-        ScaleByKnappHartung();
-    fit_->ComputeCoefficientTests(UsesStudentT());
-    // A number outside the enumeration is of no estimator, and has the curve of Q.
-    MARegressionCurve curve(design_->Columns(), design_->Rows().variances,
-                            LikelihoodOf(static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType())));
-    CheckTau2(curve);
-    if (usedByRegBaseTest_)
-        return status_;
-    TestModel(settings_->IsKnapHartAdjust());
-    if (!Passed(MeasureHeterogeneity(curve)))
-        return status_;
-    MeasureExplained();
-    MeasureLikelihood(curve);
-    return status_;
-}
-
-/// Without residual degrees of freedom there is no factor, and the truncated one is 1.
-void MAREAlgorithm::ScaleByKnappHartung()
-{
-    const bool truncated = settings_->IsTruncAjustValue();
-    const int df = fit_->ResidualDf();
-    if (df == 0)
-        fit_->SetScale(truncated ? 1.0 : KXMV::Missing());
-    else
-        fit_->SetScale(KnappHartungFactor(fit_->WeightedResidualSum(), df, truncated));
-}
-
-/// tau² from the residuals of a fit whose weights depend on the estimator.
-KXStatus MAREAlgorithm::computeTauSquare()
-{
-    tau2_ = 0.0;
-    const int estimator = GetEstTauType();
-    switch (estimator) {
-    case MAConst::TAU2_HS:
-        return computeTauFrom(hunterSchmidtWeights, estimator);
-    case MAConst::TAU2_DL:
-        return computeTauFrom(MAWeightMode::FixedEffect, estimator);
-    case MAConst::TAU2_SJ:
-        return computeTauFromSJ();
-    case unknownEstimator:
-        return KXStatus();
-    default:
-        return computeTauFromHE(estimator);
-    }
-}
-
-/// Hedges' estimator has an unweighted fit; the iterative ones start from it.
-KXStatus MAREAlgorithm::computeTauFromHE(int estimator)
-{
-    return computeTauFrom(MAWeightMode::Unweighted, estimator);
-}
-
-KXStatus MAREAlgorithm::computeTauFrom(MAWeightMode mode, int estimator)
-{
-    MARegFit fit(*design_, mode);
-    const KXStatus fitted = fit.Fit();
-    return fitted.IsError() ? fitted : EstimateTau2(fit, estimator, nullptr);
-}
-
-/// Sidik and Jonkman's one step from the crude variance of the effects, tau²_0: its weights are those of the
-/// fit, tau²_0 / (v + tau²_0).
-KXStatus MAREAlgorithm::computeTauFromSJ()
-{
-    double crude = 0.0;
-    const KXStatus started = computeInitTau2(crude);
-    if (started.IsError() || crude == 0.0)
-        return started;
-    MARegFit fit(*design_, MAWeightMode::ScaledRandom, crude);
-    const KXStatus fitted = fit.Fit();
-    if (fitted.IsError())
-        return fitted;
-    return EstimateTau2(fit, MAConst::TAU2_SJ, &fit.Weights());
-}
-
-KXStatus MAREAlgorithm::EstimateTau2(const MARegFit& fit, int type, const std::vector<double>* variances)
-{
-    MATAU2ESTIMATIOR estimator;
-    estimator.SetDesignMatrix(design_.get());
-    estimator.SetRegCoef(&fit.Coefficients());
-    estimator.SetNonRedundantParamSize(fit.NonRedundantCount());
-    estimator.SetRegResiduals(fit.Residuals());
-    estimator.SetDiagHComplement(fit.LeverageComplements());
-    if (variances != nullptr)
-        estimator.SetVariances(variances);
-    SetSearch(estimator);
-    const KXStatus estimated = estimator.ComputeTau2Variance(static_cast<MAConst::TAU2ESTIMATOR>(type));
-    if (estimated.IsError())
-        return estimated;
-    tau2_ = estimator.GetBetweenStudyVariannce();
-    tau2Results_.convergence = estimator.GetTau2Convergence();
-    tau2Results_.evaluations = estimator.GetTau2Evaluations();
-    return estimated;
-}
-
-/// Warning `TAU2_DOUBTFUL` when scoring missed the estimate that the model is labelled with, which a search
-/// proves.
-void MAREAlgorithm::CheckTau2(MARegressionCurve& curve)
-{
-    const auto estimator = static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType());
-    if (!IsIterative(estimator) || tau2Results_.convergence == MAConst::TAU2_GLOBAL_OPTIMUM)
-        return;
-    const double proved =
-        curve.Unit() * SolveTau2(curve, estimator, tau2_ / curve.Unit(), comparingPrecision).t;
-    if (IsTau2Off(tau2_, proved, 0.0) && IsTau2Off(tau2_, proved, TypicalVariance(curve)))
-        Passed(KXStatus(MAStatusCode::TAU2_DOUBTFUL, true));
-}
-
-/// The likelihood at tau², and the interval that goes by it or by Q.
-void MAREAlgorithm::MeasureLikelihood(MARegressionCurve& curve)
-{
-    const int code = GetEstTauType();
-    if (code == unknownEstimator || fit_->ResidualDf() < 1)
-        return;
-    const auto estimator = static_cast<MAConst::TAU2ESTIMATOR>(code);
-    const double t = tau2_ / curve.Unit();
-    if (HasLikelihood(estimator))
-        tau2Results_.information = InformationCriteria(
-            curve.LogLikelihood(t), fit_->NonRedundantCount() + 1.0, curve.Bounds().traceSize);
-    const MATau2Bounds bounds = Tau2Interval(curve, settings_->GetTau2Interval(), estimator, t,
-                                             1.0 - settings_->GetConfidenceLevel());
-    tau2Results_.lower = bounds.lower;
-    tau2Results_.upper = bounds.upper;
-}
-
-/// Crude variance of the effect sizes, with divisor k.
-KXStatus MAREAlgorithm::computeInitTau2(double& tau2) const
-{
-    const MADesignRows& rows = design_->Rows();
-    const auto count = static_cast<double>(rows.Count());
-    if (rows.Count() == 1)
-        return KXStatus(MAStatusCode::ONE_USABLE_STUDY);
-    double sum = 0.0;
-    for (std::size_t i = 0; i < rows.Count(); ++i)
-        sum += rows.Dependent(i);
-    const double mean = sum / count;
-    double squares = 0.0;
-    for (std::size_t i = 0; i < rows.Count(); ++i) {
-        const double deviation = rows.Dependent(i) - mean;
-        squares += deviation * deviation;
-    }
-    tau2 = rows.Count() == 0 ? 0.0 : squares / count;
-    return KXStatus();
-}
-
-/// tau² of the model without predictors.
-KXStatus MAREAlgorithm::computeTau2C(double& tau2) const
-{
-    const MADesignRows& rows = design_->Rows();
-    std::vector<double> effectSizes;
-    effectSizes.reserve(rows.Count());
-    for (std::size_t i = 0; i < rows.Count(); ++i)
-        effectSizes.push_back(rows.Dependent(i));
-    MATAU2ESTIMATIOR estimator;
-    estimator.SetEffectSizes(&effectSizes);
-    estimator.SetVariances(&rows.variances);
-    SetSearch(estimator);
-    const KXStatus estimated =
-        estimator.ComputeTau2Variance(static_cast<MAConst::TAU2ESTIMATOR>(GetEstTauType()));
-    tau2 = estimator.GetBetweenStudyVariannce();
-    return estimated;
-}
-
-void MAREAlgorithm::SetSearch(MATAU2ESTIMATIOR& estimator) const
-{
-    estimator.SetMaxIter(settings_->GetMaxIterations());
-    estimator.SetMaxStepHalving(settings_->GetMaxStepHalvingValue());
-    estimator.SetConverTol(settings_->GetParameterTolerance());
-    estimator.SetTau2Search(settings_->GetTau2Search());
-}
-
-/// Residual Q is that at tau² = 0, and so is the typical within-study variance s² = (k - p) / T
-/// with T the weighted residual trace, which I² and H² set against tau² (Higgins and Thompson 2002,
-/// Statistics in Medicine 21, 1539-1558).
-KXStatus MAREAlgorithm::MeasureHeterogeneity(MARegressionCurve& curve)
-{
-    if (!MAProgress(*settings_, settings_->GetIterProgressListener()).Step())
-        return KXStatus(MAStatusCode::ITERATOR_FAILED);
-    residualQ_ = curve.SumsAt(0.0, true).yPy;
-    residualDf_ = static_cast<int>(curve.Bounds().residualDf);
-    if (residualDf_ == 0)
-        Passed(KXStatus(MAStatusCode::NO_RESIDUAL_DF, true));
-    else
-        residualQPValue_ = ChiSquarePValue(residualQ_, residualDf_);
-
-    const double least = negligible * design_->MeanVariance();
-    const double typicalVariance = TypicalVariance(curve);
-    const MAHeterogeneityMeasures measures = HeterogeneityFromTau2(tau2_, typicalVariance);
-    residualI2_ = tau2_ + typicalVariance < least ? 0.0 : measures.i2;
-    residualH2_ = typicalVariance < least ? 0.0 : measures.h2;
-    return KXStatus();
-}
-
-double MAREAlgorithm::TypicalVariance(MARegressionCurve& curve) const
-{
-    const double trace = curve.SumsAt(0.0, true).traceP / curve.Unit();
-    return trace * design_->MeanVariance() >= negligible ? curve.Bounds().residualDf / trace : 0.0;
-}
-
-/// R²: the part of the between-study variance that the predictors take away; 0 when they do not.
-void MAREAlgorithm::MeasureExplained()
-{
-    double withoutPredictors = 0.0;
-    rSquare_ = 0.0;
-    if (!computeTau2C(withoutPredictors).IsError() &&
-        withoutPredictors >= negligible * design_->MeanVariance())
-        rSquare_ = std::max(0.0, (withoutPredictors - tau2_) / withoutPredictors);
-}
-
-KXStatus MAREAlgorithm::Score(const Record& record, double& fit, double& stdError, double& lower,
-                              double& upper, double& residual, double& residualStdError,
-                              double& leverage) const
-{
-    return ScoreRecord(record, fit, stdError, lower, upper, residual, residualStdError, leverage);
+    return Build(records, true, FitRandomEffects);
 }
 
 } // namespace MA_NAMESPACE

@@ -1,206 +1,247 @@
 #include "meta_analysis/regression/MARegAlgorithm.h"
 
-#include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/KXDisplay_940.h"
-#include "meta_analysis/regression/MARegFit.h"
-#include "meta_analysis/regression/design/MADesignMatrix.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/regression/MARegBuild.h"
 #include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/MAWarnings.h"
+#include "meta_analysis/settings/Memory.h"
+
+#include <utility>
 
 namespace MA_NAMESPACE {
 
 namespace {
 
-KXStatus StatusOf(const MARegSettings& settings)
+std::vector<MAEffectInfo> EffectInfoOf(const MADesignMatrix& design)
 {
-    if (!settings.IsComplete())
-        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
-    return settings.IsValid() ? KXStatus() : KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
+    std::vector<MAEffectInfo> info;
+    for (const MADesignMatrixEffect& effect : design.GetEffects())
+        info.push_back(
+            {static_cast<int>(info.size()), effect.GetStart(), effect.GetSize(), effect.GetCombinations()});
+    return info;
 }
 
-} // namespace
-
-MARegAlgorithm::MARegAlgorithm(const MARegSettings& settings)
-    : settings_(&settings), settingsStatus_(StatusOf(settings)), status_(settingsStatus_)
-{}
-
-MARegAlgorithm::~MARegAlgorithm() = default;
-
-const MARegSettings& MARegAlgorithm::GetSettings() const
-{
-    return *settings_;
-}
-
-std::vector<KXRegrParameter> MARegAlgorithm::GetParameters() const
-{
-    return CopyOf(parameters_);
-}
-
-bool MARegAlgorithm::AreParamsCreated() const
-{
-    return parametersCreated_;
-}
-
-KXFactorCounts MARegAlgorithm::GetFactorCounts() const
-{
-    KXFactorCounts none({}, {}, -1, -1);
-    try {
-        return design_ == nullptr ? none : design_->GetFactorCounts();
-    } catch (const std::exception&) {
-        return none;
-    }
-}
-
-bool MARegAlgorithm::IsModelBuilt() const
-{
-    return modelBuilt_;
-}
-
-KXStatus MARegAlgorithm::GetStatus() const
-{
-    return status_;
-}
-
-std::vector<MAEffectInfo> MARegAlgorithm::GetEffectInfo() const
-{
-    return CopyOf(effectInfo_);
-}
-
-void MARegAlgorithm::SetNumOfPredictors(int count)
-{
-    predictorCount_ = count;
-}
-
-int MARegAlgorithm::GetNBadRecords() const
-{
-    return fit_ == nullptr ? 0 : fit_->BadRecordCount();
-}
-
-KXStatus MARegAlgorithm::CreateParameters(MultiPassRecordIter& records)
-{
-    return Guarded(status_, [&] {
-        status_ = settingsStatus_;
-        Passed(CreateParametersFrom(records));
-        return status_;
-    });
-}
-
-KXStatus MARegAlgorithm::CreateParametersFrom(MultiPassRecordIter& records)
-{
-    if (status_.IsError())
-        return status_;
-    if (!records.Start())
-        return KXStatus(MAStatusCode::ITERATOR_NOT_STARTED);
-    ForgetModel();
-    warnings_.clear();
-    parameters_.clear();
-    effectInfo_.clear();
-    parametersCreated_ = parametersUsed_ = false;
-    design_ = std::make_unique<MADesignMatrix>(*settings_);
-    if (!design_->HasKnownEffects())
-        return KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
-    const KXStatus firstPass = design_->ReadFirstPass(records);
-    if (firstPass.IsError())
-        return firstPass;
-    AppendNewWarning(firstPass, warnings_);
-
-    SaveEffectInfo();
-    if (design_->HasIntercept())
-        parameters_.emplace_back();
-    const std::vector<KXModelEffect>& effects = settings_->GetModelEffects();
-    for (std::size_t i = 0; i < effects.size(); ++i)
-        AppendParameters(effects[i], effectInfo_[i]);
-    parametersCreated_ = true;
-    return KXStatus();
-}
-
-void MARegAlgorithm::SaveEffectInfo()
-{
-    for (const MADesignMatrixEffect& effect : design_->GetEffects())
-        effectInfo_.push_back({static_cast<int>(effectInfo_.size()), effect.GetStart(), effect.GetSize(),
-                               effect.GetCombinations()});
-}
-
-void MARegAlgorithm::AppendParameters(const KXModelEffect& effect, const MAEffectInfo& info)
+void AppendParameters(const KXModelEffect& effect, const MAEffectInfo& info, MARegrParameters& parameters)
 {
     KXRegrParameter parameter;
     parameter.SetupFromEffect(effect, info.effectNumber, 0);
     if (effect.GetNFactors() == 0)
-        parameters_.push_back(parameter);
+        parameters.push_back(parameter);
     for (const std::vector<int>& combination : info.combinations) {
         parameter.SetCategories(combination);
-        parameters_.push_back(parameter);
+        parameters.push_back(parameter);
     }
 }
 
-KXStatus MARegAlgorithm::PrepareRows(MultiPassRecordIter& records)
+MARegrParameters ParametersOf(const MADesignMatrix& design, const std::vector<MAEffectInfo>& info)
 {
-    status_ = settingsStatus_; // an error of an earlier build does not stand in the way
-    ForgetModel();
-    if (status_.IsError())
-        return status_;
+    MARegrParameters parameters(design.HasIntercept() ? 1 : 0);
+    const std::vector<KXModelEffect>& effects = design.GetSettings().GetModelEffects();
+    for (std::size_t i = 0; i < effects.size(); ++i)
+        AppendParameters(effects[i], info[i], parameters);
+    return parameters;
+}
+
+} // namespace
+
+struct MARegAlgorithm::State
+{
+    explicit State(const MARegSettings& given)
+        : settings(given),
+          settingsStatus(given.IsValid() ? KXStatus() : KXStatus(MAStatusCode::INPUT_NOT_GIVEN)),
+          status(settingsStatus)
+    {}
+
+    MARegUse Use() const
+    {
+        if (usedByBubblePlot)
+            return MARegUse::BubblePlot;
+        return usedByRegBaseTest ? MARegUse::SmallStudyTest : MARegUse::Model;
+    }
+
+    /// Adds a warning to the list; an error becomes the status. True when the build can go on.
+    bool Passed(const KXStatus& passed)
+    {
+        AppendNewWarning(passed, warnings);
+        if (passed.IsError())
+            status = passed;
+        return !passed.IsError();
+    }
+
+    /// Takes down the model, so that nothing of it stands beside another's results.
+    void ForgetModel() noexcept
+    {
+        fit.reset();
+        results = unfitted;
+    }
+
+    KXStatus CreateParameters(MultiPassRecordIter& records);
+    KXStatus PrepareRows(MultiPassRecordIter& records);
+    KXStatus Build(MultiPassRecordIter& records, bool isRandom, MARegBuild (*fitModel)(const MARegTask&));
+    KXStatus PredictRecord(const Record& record, MAPrediction& prediction) const;
+
+    const MARegSettings& settings; ///< the host's
+    const KXStatus settingsStatus; ///< an error when they could not be used at construction
+    KXStatus status;
+    std::unique_ptr<MADesignMatrix> design;
+    std::vector<MAEffectInfo> effectInfo;
+    bool parametersUsed = false; ///< by a build
+    int predictorCount = 0;
+    bool usedByRegBaseTest = false;
+    bool usedByBubblePlot = false;
+    std::vector<KXStatus> warnings;
+
+    std::shared_ptr<const MARegResults> unfitted; ///< with the parameters alone; null until they are created
+    std::shared_ptr<const MARegResults> results;
+    std::unique_ptr<MARegFit> fit; ///< null until a model is built
+    double scale = 1.0;
+    double criticalValue = 0.0; ///< one for all predictions
+};
+
+KXStatus MARegAlgorithm::State::CreateParameters(MultiPassRecordIter& records)
+{
+    if (status.IsError())
+        return status;
     if (!records.Start())
         return KXStatus(MAStatusCode::ITERATOR_NOT_STARTED);
-    if (!parametersCreated_ || parametersUsed_) {
-        const KXStatus created = CreateParametersFrom(records);
+    unfitted.reset();
+    ForgetModel();
+    warnings.clear();
+    effectInfo.clear();
+    parametersUsed = false;
+    design = std::make_unique<MADesignMatrix>(settings);
+    if (!design->HasKnownEffects())
+        return KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
+    const KXStatus firstPass = design->ReadFirstPass(records);
+    if (firstPass.IsError())
+        return firstPass;
+    AppendNewWarning(firstPass, warnings);
+
+    effectInfo = EffectInfoOf(*design);
+    auto created = std::make_shared<MARegResults>();
+    created->parameters = std::make_shared<const MARegrParameters>(ParametersOf(*design, effectInfo));
+    results = unfitted = std::move(created);
+    return KXStatus();
+}
+
+KXStatus MARegAlgorithm::State::PrepareRows(MultiPassRecordIter& records)
+{
+    status = settingsStatus; // an error of an earlier build does not stand in the way
+    ForgetModel();
+    if (status.IsError())
+        return status;
+    if (!records.Start())
+        return KXStatus(MAStatusCode::ITERATOR_NOT_STARTED);
+    if (unfitted == nullptr || parametersUsed) {
+        const KXStatus created = CreateParameters(records);
         if (created.IsError())
             return created;
     }
-    parametersUsed_ = true;
-    design_->AttachIterator(records);
-    const KXStatus cached = design_->CacheRows();
-    if (!cached.IsError() && design_->Rows().Count() == 0 && design_->GetTotalRecords() > 0)
+    parametersUsed = true;
+    design->AttachIterator(records);
+    const KXStatus cached = design->CacheRows();
+    if (!cached.IsError() && design->Rows().Count() == 0 && design->GetTotalRecords() > 0)
         return KXStatus(MAStatusCode::NO_USABLE_STUDY);
     return cached;
 }
 
-void MARegAlgorithm::WarnOfSettings(bool isRandom)
+KXStatus MARegAlgorithm::State::Build(MultiPassRecordIter& records, bool isRandom,
+                                      MARegBuild (*fitModel)(const MARegTask&))
 {
-    for (const int code : WarningsOfRegression(*settings_, isRandom))
+    if (!Passed(PrepareRows(records)))
+        return status;
+    for (const int code : WarningsOfRegression(settings, isRandom))
         Passed(KXStatus(code, true));
+    MARegBuild build = fitModel({*design, Use()});
+    for (const KXStatus& warning : build.warnings)
+        Passed(warning);
+    if (!Passed(build.status))
+        return status;
+    build.results.parameters = unfitted->parameters;
+    results = std::make_shared<const MARegResults>(std::move(build.results));
+    fit = std::move(build.fit);
+    scale = build.scale;
+    criticalValue = build.criticalValue;
+    return status;
 }
 
-void MARegAlgorithm::ForgetModel()
+KXStatus MARegAlgorithm::State::PredictRecord(const Record& record, MAPrediction& prediction) const
 {
-    modelBuilt_ = false;
-    fit_.reset();
-    waldTest_.reset();
-    fTest_.reset();
-    residualQ_ = residualH2_ = residualI2_ = KXMV::Missing();
-    residualQPValue_ = MAPValue();
-    residualDf_ = 0;
-    tau2_ = rSquare_ = 0.0;
-    tau2Results_ = MATau2Results();
+    const KXStatus unusable(MAStatusCode::UNUSABLE_RECORD, true);
+    if (fit == nullptr)
+        return unusable;
+    MADesignRow row;
+    if (!design->GetRow(record, row, true).IsOK() || row.isBad)
+        return unusable;
+    const bool hasStudy = design->CheckRecord(record, false).IsOK() && row.HasStudy();
+    prediction = Predict(*fit, scale, criticalValue, row, hasStudy);
+    return KXStatus();
 }
 
-bool MARegAlgorithm::Passed(const KXStatus& status)
+MARegAlgorithm::MARegAlgorithm(const MARegSettings& settings) : state_(std::make_unique<State>(settings)) {}
+MARegAlgorithm::~MARegAlgorithm() = default;
+
+const MARegSettings& MARegAlgorithm::GetSettings() const
 {
-    AppendNewWarning(status, warnings_);
-    if (status.IsError())
-        status_ = status;
-    return !status.IsError();
+    return state_->settings;
 }
 
-void MARegAlgorithm::TestModel(bool asF)
+KXStatus MARegAlgorithm::CreateParameters(MultiPassRecordIter& records)
 {
-    (asF ? fTest_ : waldTest_) = std::make_unique<MAModelTest>(fit_->TestModel(asF));
+    return Guarded(state_->status, [&] {
+        state_->status = state_->settingsStatus;
+        state_->Passed(state_->CreateParameters(records));
+        return state_->status;
+    });
 }
 
-void MARegAlgorithm::FinishBuild(bool scoresUseStudentT)
+std::vector<KXRegrParameter> MARegAlgorithm::GetParameters() const
 {
-    scoreCriticalValue_ = fit_->CriticalValue(scoresUseStudentT);
-    modelBuilt_ = true;
+    return AreParamsCreated() ? CopyOf(*state_->unfitted->parameters) : MARegrParameters();
 }
 
-KXStatus MARegAlgorithm::ScoreRecord(const Record& record, double& fit, double& stdError, double& lower,
-                                     double& upper, double& residual, double& residualStdError,
-                                     double& leverage) const
+bool MARegAlgorithm::AreParamsCreated() const
+{
+    return state_->unfitted != nullptr;
+}
+
+KXFactorCounts MARegAlgorithm::GetFactorCounts() const
+{
+    return state_->design == nullptr ? KXFactorCounts() : CopyOf(state_->design->GetFactorCounts());
+}
+
+KXStatus MARegAlgorithm::Build(MultiPassRecordIter& records, bool isRandom,
+                               MARegBuild (*fit)(const MARegTask&))
+{
+    const KXStatus built = Guarded(state_->status, [&] { return state_->Build(records, isRandom, fit); });
+    if (built.IsError())
+        state_->ForgetModel();
+    return built;
+}
+
+bool MARegAlgorithm::IsModelBuilt() const
+{
+    return state_->fit != nullptr;
+}
+
+KXStatus MARegAlgorithm::GetStatus() const
+{
+    return state_->status;
+}
+
+std::vector<MAEffectInfo> MARegAlgorithm::GetEffectInfo() const
+{
+    return CopyOf(state_->effectInfo);
+}
+
+KXStatus MARegAlgorithm::Score(const Record& record, double& fit, double& stdError, double& lower,
+                               double& upper, double& residual, double& residualStdError,
+                               double& leverage) const
 {
     MAPrediction prediction;
     KXStatus result;
-    Guarded(result, [&] { return result = Predict(record, prediction); });
+    Guarded(result, [&] { return result = state_->PredictRecord(record, prediction); });
     fit = prediction.fit;
     stdError = prediction.stdError;
     lower = prediction.ciLower;
@@ -211,24 +252,16 @@ KXStatus MARegAlgorithm::ScoreRecord(const Record& record, double& fit, double& 
     return result;
 }
 
-KXStatus MARegAlgorithm::Predict(const Record& record, MAPrediction& prediction) const
+void MARegAlgorithm::SetNumOfPredictors(int count)
 {
-    const KXStatus unusable(MAStatusCode::UNUSABLE_RECORD, true);
-    if (!modelBuilt_)
-        return unusable;
-    MADesignRow row;
-    if (!design_->GetRow(record, row, true).IsOK() || row.isBad)
-        return unusable;
-    const bool hasStudy = design_->CheckRecord(record, false).IsOK() && row.HasStudy();
-    prediction = fit_->Predict(row, hasStudy, scoreCriticalValue_);
-    return KXStatus();
+    state_->predictorCount = count;
 }
 
 void MARegAlgorithm::Display() const
 {
     KXDisplay_940::DisplayText("MAAlgorithm display start");
     KXDisplay_940::DisplayText("Effect info:");
-    for (const MAEffectInfo& info : effectInfo_) {
+    for (const MAEffectInfo& info : state_->effectInfo) {
         KXDisplay_940::DisplayText("Effect number");
         KXDisplay_940::DisplayI("index", info.effectNumber);
         KXDisplay_940::DisplayI("start", info.startColumn);
@@ -238,6 +271,31 @@ void MARegAlgorithm::Display() const
             KXDisplay_940::DisplayIV("", combination);
     }
     KXDisplay_940::DisplayText("MAAlgorithm display end");
+}
+
+int MARegAlgorithm::GetNBadRecords() const
+{
+    return state_->results == nullptr ? 0 : state_->results->badRecords;
+}
+
+const std::vector<KXStatus>& MARegAlgorithm::GetWarnings() const
+{
+    return state_->warnings;
+}
+
+void MARegAlgorithm::setUsedByRegBaseTest(bool used)
+{
+    state_->usedByRegBaseTest = used;
+}
+
+void MARegAlgorithm::setUsedByBubbPlot(bool used)
+{
+    state_->usedByBubblePlot = used;
+}
+
+std::shared_ptr<const MARegResults> MARegAlgorithm::Results() const noexcept
+{
+    return state_->results;
 }
 
 } // namespace MA_NAMESPACE

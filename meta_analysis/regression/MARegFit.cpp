@@ -1,20 +1,16 @@
 #include "meta_analysis/regression/MARegFit.h"
 
-#include "meta_analysis/inference/MATestPValues.h"
+#include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/regression/design/MAProgress.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
-#include <algorithm>
 #include <cmath>
 #include <numeric>
+#include <utility>
 
 namespace MA_NAMESPACE {
 
 namespace {
-
-/// Below it a dispersion counts as zero: the fit is exact. Weighted residuals are of order 1 when a model
-/// fits, and the square of the rounding error of one is some 1e-32; this leaves room for variances far
-/// from 1.
-constexpr double negligibleDispersion = 1e-12;
 
 double WeightOf(MAWeightMode mode, double tau2, double omegaWeight, double variance)
 {
@@ -28,12 +24,7 @@ double WeightOf(MAWeightMode mode, double tau2, double omegaWeight, double varia
 } // namespace
 
 MARegFit::MARegFit(const MADesignMatrix& design, MAWeightMode mode, double tau2)
-    : design_(&design),
-      columns_(&design.Columns()),
-      mode_(mode),
-      tau2_(tau2),
-      progress_(design.GetSettings(), design.GetSettings().GetIterProgressListener()),
-      fit_(*columns_)
+    : design_(&design), columns_(&design.Columns()), mode_(mode), tau2_(tau2), fit_(*columns_)
 {}
 
 KXStatus MARegFit::Fit()
@@ -41,7 +32,10 @@ KXStatus MARegFit::Fit()
     WeighRows();
     fit_.Fit(weights_, false);
     ComputeCoefficients();
-    return progress_.Step() ? KXStatus() : KXStatus(MAStatusCode::ITERATOR_FAILED);
+    const MARegSettings& settings = design_->GetSettings();
+    return MAProgress(settings, settings.GetIterProgressListener()).Step()
+               ? KXStatus()
+               : KXStatus(MAStatusCode::ITERATOR_FAILED);
 }
 
 /// Members are copied, and good weights counted in their width, so that the loop becomes one of vector
@@ -81,11 +75,16 @@ void MARegFit::ComputeCoefficients()
     }
 }
 
-/// Before scaling, of d'g: |R'⁻¹d|.
+/// Of d'g: |R'⁻¹d|.
 double MARegFit::StdErrorOf(std::vector<double> direction) const
 {
     SolveTransposed(factor_, direction.data());
     return std::sqrt(std::inner_product(direction.begin(), direction.end(), direction.begin(), 0.0));
+}
+
+double MARegFit::UnscaledStdError(std::size_t position) const
+{
+    return StdErrorOf(columns_->DirectionOfCoefficient(position));
 }
 
 std::vector<double> MARegFit::Residuals() const
@@ -113,126 +112,31 @@ double MARegFit::WeightedResidualSum() const
     return sum;
 }
 
-KXStatus MARegFit::ComputeDispersion()
-{
-    dispersion_ = 1.0;
-    if (ResidualDf() == 0)
-        return KXStatus(MAStatusCode::AS_MANY_STUDIES_AS_PARAMETERS, true);
-    const double dispersion = WeightedResidualSum() / ResidualDf();
-    if (std::abs(dispersion) < negligibleDispersion)
-        return KXStatus(MAStatusCode::DISPERSION_NEAR_ZERO, true);
-    dispersion_ = dispersion;
-    scale_ = dispersion;
-    return KXStatus();
-}
-
-/// 0 without residual degrees of freedom for Student's t, so that intervals shrink to a point.
-double MARegFit::CriticalValue(bool useStudentT) const
-{
-    const double alpha = 1.0 - design_->GetSettings().GetConfidenceLevel();
-    if (!useStudentT)
-        return TwoSidedNormalQuantile(alpha);
-    return ResidualDf() == 0 ? 0.0 : TwoSidedTQuantile(alpha, ResidualDf());
-}
-
-void MARegFit::ComputeCoefficientTests(bool useStudentT)
-{
-    const std::size_t count = coefficients_.size();
-    for (std::vector<double>* list : {&stdErrors_, &statistics_, &lowerLimits_, &upperLimits_})
-        list->assign(count, KXMV::Missing());
-    pValues_.assign(count, MAPValue());
-    if (KXMV::IsMissing(scale_))
-        return;
-    const double critical = CriticalValue(useStudentT);
-    for (std::size_t index = 0; index < columns_->Rank(); ++index) {
-        const std::size_t j = columns_->Kept()[index];
-        stdErrors_[j] = std::sqrt(scale_) * StdErrorOf(columns_->DirectionOfCoefficient(index));
-        lowerLimits_[j] = coefficients_[j] - critical * stdErrors_[j];
-        upperLimits_[j] = coefficients_[j] + critical * stdErrors_[j];
-        if (!(stdErrors_[j] > 0.0)) // an exact fit under Knapp and Hartung
-            continue;
-        statistics_[j] = coefficients_[j] / stdErrors_[j];
-        if (!useStudentT)
-            pValues_[j] = TwoSidedNormalPValue(statistics_[j]);
-        else if (ResidualDf() != 0)
-            pValues_[j] = TwoSidedTPValue(statistics_[j], ResidualDf());
-    }
-}
-
-/// The Wald statistic b₁'M₁⁻¹b₁ is |R₁g₁|² with the part R₁ of the triangle beside the intercept, whose
-/// coordinate is the first.
-MAModelTest MARegFit::TestModel(bool asF) const
+/// |R₁g₁|² with the part R₁ of the triangle beside the intercept, whose coordinate is the first.
+double MARegFit::WaldStatistic() const
 {
     const std::size_t rank = columns_->Rank();
-    const std::size_t first = design_->HasIntercept() && rank > 0 ? 1 : 0;
-    MAModelTest test;
-    test.df1 = static_cast<int>(rank - first);
-    test.df2 = ResidualDf();
-    if (test.df1 == 0 || !(scale_ > 0.0)) // a missing scale is negative
-        return test;
     double wald = 0.0;
-    for (std::size_t i = first; i < rank; ++i) {
+    for (std::size_t i = FirstTested(); i < rank; ++i) {
         double share = 0.0;
         for (std::size_t j = i; j < rank; ++j)
             share += factor_(i, j) * coordinates_[j];
         wald += share * share;
     }
-    if (asF) {
-        test.statistic = wald / (scale_ * test.df1);
-        if (test.df2 != 0)
-            test.pValue = FPValue(test.statistic, test.df1, test.df2);
-    } else {
-        test.statistic = wald / dispersion_;
-        test.pValue = ChiSquarePValue(test.statistic, test.df1);
-    }
-    return test;
+    return wald;
 }
 
-KXStatus MARegFit::ComputeResidualHeterogeneity()
+int MARegFit::TestedCount() const
 {
-    residualQ_ = WeightedResidualSum();
-    if (ResidualDf() == 0)
-        return KXStatus(MAStatusCode::NO_RESIDUAL_DF, true);
-    residualQPValue_ = ChiSquarePValue(residualQ_, ResidualDf());
-    return KXStatus();
+    return static_cast<int>(columns_->Rank() - FirstTested());
 }
 
-/// Standard error of the residual of a record with this leverage and weight. Rounding can carry the leverage
-/// of a study that alone determines its fitted value beyond 1, by a margin that grows with the condition of
-/// the design; beyond that it is the leverage of a record outside the fit, which has no such standard error.
-double MARegFit::ResidualStdError(double leverage, double weight) const
+MARegFit::Point MARegFit::At(const MADesignRow& row) const
 {
-    constexpr double margin = 1e-6;
-    if (!(leverage <= 1.0 + margin))
-        return KXMV::Missing();
-    return std::sqrt(scale_ * std::max(0.0, 1.0 - leverage) / weight);
-}
-
-/// The leverage belongs to the unscaled fit, so that the leverages sum to the number of parameters whatever
-/// the scale. Without a scale there is no standard error, but still a fit.
-MAPrediction MARegFit::Predict(const MADesignRow& row, bool hasStudy, double criticalValue) const
-{
-    MAPrediction prediction;
-    if (row.isBad || row.predictors.size() != coefficients_.size())
-        return prediction;
-    const std::vector<double> z = columns_->Coordinates(row.predictors.data());
-    const double distance = StdErrorOf(z);
-    const double weight = WeightOf(mode_, tau2_, row.omegaWeight, 1.0 / row.omegaWeight);
-    prediction.fit =
+    std::vector<double> z = columns_->Coordinates(row.predictors.data());
+    const double value =
         std::inner_product(z.begin(), z.end(), coordinates_.begin(), columns_->DependentCentre());
-    if (hasStudy) {
-        prediction.residual = row.dependent - prediction.fit;
-        prediction.leverage = distance * distance * weight;
-    }
-    if (KXMV::IsMissing(scale_))
-        return prediction;
-    prediction.stdError = std::sqrt(scale_) * distance;
-    const double halfWidth = criticalValue * prediction.stdError;
-    prediction.ciLower = prediction.fit - halfWidth;
-    prediction.ciUpper = prediction.fit + halfWidth;
-    if (hasStudy)
-        prediction.residualStdError = ResidualStdError(prediction.leverage, weight);
-    return prediction;
+    return {value, StdErrorOf(std::move(z)), WeightOf(mode_, tau2_, row.omegaWeight, 1.0 / row.omegaWeight)};
 }
 
 } // namespace MA_NAMESPACE

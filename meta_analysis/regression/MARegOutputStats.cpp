@@ -1,99 +1,27 @@
 #include "meta_analysis/regression/MARegOutputStats.h"
 
-#include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/regression/MAFEAlgorithm.h"
 #include "meta_analysis/regression/MAREAlgorithm.h"
-#include "meta_analysis/regression/MARegFit.h"
-
-#include <exception>
+#include "meta_analysis/regression/MARegResults.h"
+#include "meta_analysis/settings/Memory.h"
 
 namespace MA_NAMESPACE {
 
-struct MARegOutputStats::Results
-{
-    int goodRecords = 0;
-    int badRecords = 0;
-    double tau2 = 0.0;
-    MATau2Results tau2Results;
-    std::vector<double> coefficients;
-    std::vector<KXRegrParameter> parameters;
-    KXBitSet nonRedundant;
-    std::vector<double> stdErrors;
-    std::vector<double> statistics;
-    std::vector<MAPValue> pValues;
-    std::vector<double> lowerLimits;
-    std::vector<double> upperLimits;
-    MAModelTest wald{0.0, {0.0, KXMV::Missing()}, 0, 0};
-    MAModelTest f{0.0, {0.0, KXMV::Missing()}, 0, 0};
-    double modelLog10PValue = KXMV::Missing(); ///< of the one that was made
-    double dispersion = 1.0;
-    double residualQ = KXMV::Missing();
-    MAPValue residualQPValue;
-    int residualDf = 0;
-    double residualH2 = KXMV::Missing();
-    double residualI2 = KXMV::Missing();
-    double rSquare = 0.0;
-
-    void TakeTest(const MAModelTest& made, MAModelTest& test)
-    {
-        test = made;
-        modelLog10PValue = made.pValue.Log10();
-    }
-};
-
 MARegOutputStats::MARegOutputStats(const MARegSettings& /*settings*/, MAFEAlgorithm& engine) noexcept
-    : MARegOutputStats(static_cast<const MARegAlgorithm&>(engine))
+    : results_(engine.Results())
 {}
 
 MARegOutputStats::MARegOutputStats(const MARegSettings& /*settings*/, MAREAlgorithm& engine) noexcept
-    : MARegOutputStats(static_cast<const MARegAlgorithm&>(engine))
+    : results_(engine.Results())
 {}
 
-MARegOutputStats::MARegOutputStats(const MARegAlgorithm& engine) noexcept : results_(ResultsOf(engine)) {}
+MARegOutputStats::~MARegOutputStats() = default;
 
-std::unique_ptr<const MARegOutputStats::Results>
-MARegOutputStats::ResultsOf(const MARegAlgorithm& engine) noexcept
+const MARegResults& MARegOutputStats::Get() const noexcept
 {
-    try {
-        auto results = std::make_unique<Results>();
-        results->parameters = engine.parameters_;
-        results->tau2 = engine.tau2_;
-        results->tau2Results = engine.tau2Results_;
-        results->rSquare = engine.rSquare_;
-        results->residualQ = engine.residualQ_;
-        results->residualQPValue = engine.residualQPValue_;
-        results->residualDf = engine.residualDf_;
-        results->residualH2 = engine.residualH2_;
-        results->residualI2 = engine.residualI2_;
-        if (engine.waldTest_ != nullptr)
-            results->TakeTest(*engine.waldTest_, results->wald);
-        if (engine.fTest_ != nullptr)
-            results->TakeTest(*engine.fTest_, results->f);
-        if (const MARegFit* fit = engine.fit_.get()) {
-            results->goodRecords = fit->GoodRecordCount();
-            results->badRecords = fit->BadRecordCount();
-            results->coefficients = fit->Coefficients();
-            results->nonRedundant = fit->NonRedundant();
-            results->stdErrors = fit->StdErrors();
-            results->statistics = fit->Statistics();
-            results->pValues = fit->PValues();
-            results->lowerLimits = fit->LowerLimits();
-            results->upperLimits = fit->UpperLimits();
-            results->dispersion = fit->Dispersion();
-        }
-        return results;
-    } catch (const std::exception&) {
-        return nullptr;
-    }
-}
-
-const MARegOutputStats::Results& MARegOutputStats::Get() const noexcept
-{
-    static const Results none;
+    static const MARegResults none;
     return results_ == nullptr ? none : *results_;
 }
-
-MARegOutputStats::~MARegOutputStats() = default;
 
 int MARegOutputStats::GetNGoodRecords() const
 {
@@ -117,46 +45,43 @@ std::vector<double> MARegOutputStats::GetEstimation() const
 
 std::vector<KXRegrParameter> MARegOutputStats::GetParameters() const
 {
-    return CopyOf(Get().parameters);
+    const std::shared_ptr<const MARegrParameters>& parameters = Get().parameters;
+    return parameters == nullptr ? MARegrParameters() : CopyOf(*parameters);
 }
 
 KXBitSet MARegOutputStats::GetRedundancyInfo() const
 {
-    try {
-        return Get().nonRedundant;
-    } catch (const std::exception&) {
-        return KXBitSet();
-    }
+    return CopyOf(Get().nonRedundant);
 }
 
 std::vector<double> MARegOutputStats::GetBetaStandErr() const
 {
-    return CopyOf(Get().stdErrors);
+    return CopyOf(Get().tests.stdErrors);
 }
 
 std::vector<double> MARegOutputStats::GetBetaTest() const
 {
-    return CopyOf(Get().statistics);
+    return CopyOf(Get().tests.statistics);
 }
 
 std::vector<double> MARegOutputStats::GetBetaTestPValue() const
 {
-    return FieldOf(Get().pValues, &MAPValue::value);
+    return FieldOf(Get().tests.pValues, &MAPValue::value);
 }
 
 std::vector<double> MARegOutputStats::GetBetaTestLog10PValue() const
 {
-    return FieldOf(Get().pValues, &MAPValue::Log10);
+    return FieldOf(Get().tests.pValues, &MAPValue::Log10);
 }
 
 std::vector<double> MARegOutputStats::GetBetaConfInterValLower() const
 {
-    return CopyOf(Get().lowerLimits);
+    return CopyOf(Get().tests.lowerLimits);
 }
 
 std::vector<double> MARegOutputStats::GetBetaConfInterValUpper() const
 {
-    return CopyOf(Get().upperLimits);
+    return CopyOf(Get().tests.upperLimits);
 }
 
 double MARegOutputStats::GetWaldChiSquareTest() const
@@ -186,7 +111,8 @@ double MARegOutputStats::GetFPValue() const
 
 double MARegOutputStats::GetModelTestLog10PValue() const
 {
-    return Get().modelLog10PValue;
+    const double ofWald = Get().wald.pValue.Log10();
+    return KXMV::IsMissing(ofWald) ? Get().f.pValue.Log10() : ofWald;
 }
 
 int MARegOutputStats::GetFDf1() const
@@ -206,32 +132,32 @@ double MARegOutputStats::GetMultiDisper() const
 
 double MARegOutputStats::GetResHomoChiSqure() const
 {
-    return Get().residualQ;
+    return Get().residual.q;
 }
 
 double MARegOutputStats::GetResHomoDf() const
 {
-    return Get().residualDf;
+    return Get().residual.df;
 }
 
 double MARegOutputStats::GetResHomoPValue() const
 {
-    return Get().residualQPValue.value;
+    return Get().residual.qPValue.value;
 }
 
 double MARegOutputStats::GetResHomoLog10PValue() const
 {
-    return Get().residualQPValue.Log10();
+    return Get().residual.qPValue.Log10();
 }
 
 double MARegOutputStats::GetHresSquare() const
 {
-    return Get().residualH2;
+    return Get().residual.h2;
 }
 
 double MARegOutputStats::GetIresSquare() const
 {
-    return Get().residualI2;
+    return Get().residual.i2;
 }
 
 double MARegOutputStats::GetRSquare() const

@@ -11,16 +11,17 @@ namespace MA_NAMESPACE {
 
 class MAFEAlgorithm;
 class MAREAlgorithm;
-class MARegAlgorithm;
 class MARegSettings;
+struct MARegResults;
 
-/// The results of a meta-regression, copied from an engine after a successful `BuildModel`.
+/// The results of a meta-regression after a successful `BuildModel`. They stay as they are when the engine
+/// builds again or is destroyed.
 ///
 /// Vectors have one entry per parameter, in the order of the engine's parameters; a redundant parameter's
 /// entries are missing. What the engine does not compute is 0: tau², R² and the F test for fixed effects, and
 /// the one of the model tests (Wald, or F under the Knapp-Hartung adjustment) that does not apply.
 /// An engine used by the regression-based test or the bubble plot leaves out the model tests and the residual
-/// heterogeneity. When memory runs out on the way the results are those of an engine that has built nothing.
+/// heterogeneity. A vector is empty when memory runs out for its copy.
 class META_ANALYSIS_EXPORT MARegOutputStats
 {
 public:
@@ -30,9 +31,6 @@ public:
     MARegOutputStats& operator=(const MARegOutputStats&) = delete;
     ~MARegOutputStats();
 
-    /// False when memory ran out for the copy of the engine's results.
-    bool IsComplete() const noexcept { return results_ != nullptr; }
-
     /// Records used by the fit, and all others.
     int GetNGoodRecords() const;
     int GetNBadRecords() const;
@@ -41,7 +39,7 @@ public:
 
     std::vector<double> GetEstimation() const;
     std::vector<KXRegrParameter> GetParameters() const;
-    /// Set for the parameters that are estimated, not redundant; empty when memory runs out.
+    /// Set for the parameters that are estimated, not redundant.
     KXBitSet GetRedundancyInfo() const;
     std::vector<double> GetBetaStandErr() const;
     std::vector<double> GetBetaTest() const;
@@ -89,13 +87,9 @@ public:
     double GetAICc() const;
 
 private:
-    struct Results;
+    const MARegResults& Get() const noexcept;
 
-    explicit MARegOutputStats(const MARegAlgorithm& engine) noexcept;
-    static std::unique_ptr<const Results> ResultsOf(const MARegAlgorithm& engine) noexcept;
-    const Results& Get() const noexcept;
-
-    std::unique_ptr<const Results> results_; ///< null when memory ran out
+    std::shared_ptr<const MARegResults> results_; ///< the engine's; null when it has created no parameters
 };
 
 } // namespace MA_NAMESPACE

@@ -2,9 +2,6 @@
 
 namespace MA_NAMESPACE {
 
-MAModelSettings::MAModelSettings() noexcept = default;
-MAModelSettings::MAModelSettings(const MAModelSettings&) noexcept = default;
-MAModelSettings& MAModelSettings::operator=(const MAModelSettings&) noexcept = default;
 MAModelSettings::~MAModelSettings() = default;
 
 } // namespace MA_NAMESPACE

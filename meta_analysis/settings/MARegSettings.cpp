@@ -35,8 +35,6 @@ MARegSettings::MARegSettings() noexcept
     SetInterceptUse(false);
 }
 
-MARegSettings::MARegSettings(const MARegSettings&) noexcept = default;
-MARegSettings& MARegSettings::operator=(const MARegSettings&) noexcept = default;
 MARegSettings::~MARegSettings() = default;
 
 KXStatus MARegSettings::IsValidSettings(bool dependentRequired) const
@@ -59,7 +57,7 @@ bool MARegSettings::AddModelEffect(const KXModelEffect& effect)
         EffectVariables extended = EffectVariablesWith(effect);
         if (!KXLogRegSettings::AddModelEffect(effect))
             return false;
-        *effectVariables_ = std::move(extended);
+        effectVariables_ = std::move(extended);
         return true;
     } catch (const std::exception&) {
         return false;
@@ -68,7 +66,7 @@ bool MARegSettings::AddModelEffect(const KXModelEffect& effect)
 
 MARegSettings::EffectVariables MARegSettings::EffectVariablesWith(const KXModelEffect& effect) const
 {
-    EffectVariables extended = *effectVariables_;
+    EffectVariables extended = effectVariables_;
     for (const int factor : effect.GetFactors()) {
         if (AppendIfAbsent(factor, extended.factors))
             extended.factorSizes.push_back(GetFactorSize(factor));

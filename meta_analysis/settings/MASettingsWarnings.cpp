@@ -84,7 +84,7 @@ bool HasIterations(const MAModelSettings& settings)
 
 bool HasContrasts(const Run& run)
 {
-    return !run.settings.ContrastCoefIndex().empty();
+    return !run.settings.GetContrastCoefIndex().empty();
 }
 
 constexpr Rule<Run> rulesOfRuns[] = {

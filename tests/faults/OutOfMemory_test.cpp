@@ -214,14 +214,8 @@ void ExpectEngineSurvives(const MARegSettings& settings, const Rows& rows)
         FailingMemory::Relent();
         return Outcome{status, {{"fit", {{fit}}}}};
     });
-    ExpectSurvivesShortage("MARegOutputStats", [&] {
-        const MARegOutputStats output(settings, built);
-        FailingMemory::Relent();
-        return Outcome{output.IsComplete() ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY),
-                       ResultsOf(output)};
-    });
-    const MARegOutputStats output(settings, built);
     FailingMemory::FailAt(1, true);
+    const MARegOutputStats output(settings, built);
     EXPECT_NO_THROW(output.GetRedundancyInfo());
     EXPECT_NO_THROW(output.GetParameters());
     EXPECT_NO_THROW(built.GetParameters());
@@ -260,54 +254,8 @@ TEST(OutOfMemory, Regressions)
     }
 }
 
-/// Settings are made, filled and copied in the host's own time, without a status: they remember, and so do
-/// their copies, and the run of such settings has the status.
-TEST(OutOfMemory, Settings)
-{
-    const std::vector<int> indices = {CONTRAST};
-    const std::vector<double> numbers(fullRecords.size(), 0.5);
-    const auto runOf = [](const MAModelSettings& settings) {
-        FailingMemory::Relent();
-        const MAModelSettings copy(settings);
-        VectorRecordIter records(fullRecords);
-        MABinModel model(copy);
-        const KXStatus status = model.RUN(records, KXVarList());
-        EXPECT_EQ(status.IsError(), !settings.IsComplete());
-        return Outcome{status, EssentialResults(model)};
-    };
-    ExpectSurvivesShortage("filled", [&] {
-        MAModelSettings settings = TableSettings();
-        settings.SetContrastCoefIndex(indices);
-        settings.SetInputContrastCoef(numbers);
-        settings.SetFunnelConTourCutoff(numbers);
-        return runOf(settings);
-    });
-    MAModelSettings filled = TableSettings();
-    filled.SetContrastCoefIndex(indices);
-    ExpectSurvivesShortage("copied", [&] { return runOf(MAModelSettings(filled)); });
-    ExpectSurvivesShortage("assigned", [&] {
-        return [&, settings = std::make_shared<MAModelSettings>()] {
-            *settings = filled;
-            FailingMemory::Relent();
-            const bool isComplete = settings->IsComplete();
-            const MAModelSettings& same = *settings;
-            *settings = same;
-            EXPECT_EQ(settings->IsComplete(), isComplete);
-            return runOf(*settings);
-        };
-    });
-}
-
 TEST(OutOfMemory, RegressionSettings)
 {
-    const Rows rows = RandomStudies(1, 9, 1);
-    const MARegSettings filled = RegressionOn({2});
-    ExpectSurvivesShortage("copied", [&] {
-        const MARegSettings settings(filled);
-        FailingMemory::Relent();
-        const FERegression regression(settings, rows);
-        return Outcome{regression.status, ResultsOf(*regression.output)};
-    });
     ExpectSurvivesShortage("filled", [&] {
         MARegSettings settings;
         KXModelEffect effect;

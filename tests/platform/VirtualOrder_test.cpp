@@ -27,9 +27,8 @@ TEST(VirtualOrder, OfTheSettingsOfRegressions)
 {
     using S = KXRegSettings;
     EXPECT_EQ((Slots{SlotOf(&S::GetModelType), SlotOf(&S::IsValidSettings), SlotOf(&S::SetDependent),
-                     SlotOf(&S::AddCovariate), SlotOf(&S::AddModelEffect), SlotOf(&S::Display),
-                     SlotOf(&S::IsComplete)}),
-              (Slots{2, 3, 4, 5, 6, 7, 8}));
+                     SlotOf(&S::AddCovariate), SlotOf(&S::AddModelEffect), SlotOf(&S::Display)}),
+              (Slots{2, 3, 4, 5, 6, 7}));
 }
 
 TEST(VirtualOrder, OfTheDesignMatrix)

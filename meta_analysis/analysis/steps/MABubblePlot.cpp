@@ -101,8 +101,6 @@ KXStatus MABubblePlot::ComputeRows(MultiPassRecordIter& records, int covariate)
 /// The regression would fail on settings that it cannot use, which looks like studies without a line.
 KXStatus MABubblePlot::CheckSettings() const
 {
-    if (!settings_->IsComplete())
-        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
     const KXStatus valid = settings_->IsValidSettings(false);
     if (valid.IsError())
         return valid;

@@ -65,8 +65,6 @@ KXStatus MARegBaseTest::RunTest(MultiPassRecordIter& records)
         return KXStatus(MAStatusCode::RECORD_NOT_RESIZED);
 
     MARegSettings testSettings(*settings_);
-    if (!testSettings.IsComplete())
-        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
     const KXStatus copied = copySettings(columns, testSettings);
     return copied.IsError() ? copied : RegModelTest(testSettings, testRecords, true);
 }
@@ -112,10 +110,7 @@ KXStatus MARegBaseTest::BuildWith(MARegSettings& testSettings, RegTestRecordIter
     if (built.IsError())
         return built;
     warnings_ = engine.GetWarnings();
-    auto output = std::make_unique<MARegOutputStats>(testSettings, engine);
-    if (!output->IsComplete())
-        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
-    output_ = std::move(output);
+    output_ = std::make_unique<MARegOutputStats>(testSettings, engine);
     return built;
 }
 

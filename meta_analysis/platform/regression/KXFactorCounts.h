@@ -13,6 +13,8 @@
 class META_ANALYSIS_EXPORT KXFactorCounts
 {
 public:
+    /// Counts over no factor.
+    KXFactorCounts() noexcept = default;
     /// `factors` are variable indices, `sizes` their numbers of levels (0 for a factor without entry),
     /// `frequencyVariable` and `dependentVariable` variable indices, -1 for none.
     KXFactorCounts(std::vector<int> factors, std::vector<int> sizes, int frequencyVariable,
@@ -34,7 +36,7 @@ private:
 
     std::vector<int> factors_;
     std::vector<int> sizes_;
-    int frequencyVariable_;
-    int dependentVariable_;
+    int frequencyVariable_ = -1;
+    int dependentVariable_ = -1;
     std::vector<std::map<int, double>> counts_; ///< by factor position: count by level
 };

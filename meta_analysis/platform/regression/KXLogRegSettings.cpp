@@ -1,8 +1,6 @@
 #include "meta_analysis/platform/regression/KXLogRegSettings.h"
 
 KXLogRegSettings::KXLogRegSettings() noexcept = default;
-KXLogRegSettings::KXLogRegSettings(const KXLogRegSettings&) noexcept = default;
-KXLogRegSettings& KXLogRegSettings::operator=(const KXLogRegSettings&) noexcept = default;
 KXLogRegSettings::~KXLogRegSettings() = default;
 
 KXConst::KXRegModelType KXLogRegSettings::GetModelType() const

@@ -21,8 +21,6 @@ int MaxOf(const std::vector<int>& values)
 } // namespace
 
 KXRegSettings::KXRegSettings() noexcept = default;
-KXRegSettings::KXRegSettings(const KXRegSettings&) noexcept = default;
-KXRegSettings& KXRegSettings::operator=(const KXRegSettings&) noexcept = default;
 KXRegSettings::~KXRegSettings() = default;
 
 bool KXRegSettings::SetDependent(int index)
@@ -37,21 +35,21 @@ int KXRegSettings::AddCovariate(int index)
 {
     if (index < 0 || (GetVariableRoles(index) & (ROLE_DEPENDENT | ROLE_FACTOR)) != 0)
         return -1;
-    const int present = PositionOf(index, lists_->covariates);
+    const int present = PositionOf(index, covariates_);
     if (present >= 0)
         return present;
     try {
-        lists_->covariates.push_back(index);
+        covariates_.push_back(index);
     } catch (const std::exception&) {
         return -1;
     }
-    return static_cast<int>(lists_->covariates.size()) - 1;
+    return static_cast<int>(covariates_.size()) - 1;
 }
 
 bool KXRegSettings::AddModelEffect(const KXModelEffect& effect)
 {
     try {
-        lists_->modelEffects.push_back(effect);
+        modelEffects_.push_back(effect);
         return true;
     } catch (const std::exception&) {
         return false;
@@ -62,37 +60,35 @@ int KXRegSettings::AddFactor(int index, int size) noexcept
 {
     if (index < 0 || size < 1 || (GetVariableRoles(index) & (ROLE_DEPENDENT | ROLE_COVARIATE)) != 0)
         return -1;
-    const int present = PositionOf(index, lists_->factors);
+    const int present = PositionOf(index, factors_);
     if (present >= 0)
         return GetFactorSize(index) == size ? present : -1;
     try {
-        lists_->factorSizes.reserve(lists_->factorSizes.size() + 1); // so that only the first append can fail
-        lists_->factors.push_back(index);
+        factorSizes_.reserve(factorSizes_.size() + 1); // so that only the first append can fail
+        factors_.push_back(index);
     } catch (const std::exception&) {
         return -1;
     }
-    lists_->factorSizes.push_back(size);
-    return static_cast<int>(lists_->factors.size()) - 1;
+    factorSizes_.push_back(size);
+    return static_cast<int>(factors_.size()) - 1;
 }
 
 int KXRegSettings::GetFactorSize(int index) const noexcept
 {
-    const int position = PositionOf(index, lists_->factors);
-    return position < 0 ? 0 : lists_->factorSizes[static_cast<std::size_t>(position)];
+    const int position = PositionOf(index, factors_);
+    return position < 0 ? 0 : factorSizes_[static_cast<std::size_t>(position)];
 }
 
 int KXRegSettings::GetVariableRoles(int index) const noexcept
 {
     if (index < 0)
         return 0;
-    return (index == dependent_ ? ROLE_DEPENDENT : 0) |
-           (PositionOf(index, lists_->factors) >= 0 ? ROLE_FACTOR : 0) |
-           (PositionOf(index, lists_->covariates) >= 0 ? ROLE_COVARIATE : 0) |
+    return (index == dependent_ ? ROLE_DEPENDENT : 0) | (PositionOf(index, factors_) >= 0 ? ROLE_FACTOR : 0) |
+           (PositionOf(index, covariates_) >= 0 ? ROLE_COVARIATE : 0) |
            (index == freqWeightVar_ || index == regrWeightVar_ ? ROLE_WEIGHT : 0);
 }
 
 int KXRegSettings::GetMaxVariableIndex() const noexcept
 {
-    return std::max(
-        {-1, dependent_, freqWeightVar_, regrWeightVar_, MaxOf(lists_->factors), MaxOf(lists_->covariates)});
+    return std::max({-1, dependent_, freqWeightVar_, regrWeightVar_, MaxOf(factors_), MaxOf(covariates_)});
 }

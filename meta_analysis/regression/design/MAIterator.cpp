@@ -1,7 +1,7 @@
 #include "meta_analysis/regression/design/MAIterator.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/Memory.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 namespace MA_NAMESPACE {

@@ -1,0 +1,139 @@
+#include "meta_analysis/regression/MARegTests.h"
+
+#include "meta_analysis/inference/MATestPValues.h"
+#include "meta_analysis/settings/Alpha.h"
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+/// Below it a dispersion counts as zero: the fit is exact. Weighted residuals are of order 1 when a model
+/// fits, and the square of the rounding error of one is about 1e-32; this leaves room for variances far
+/// from 1.
+constexpr double negligibleDispersion = 1e-12;
+
+/// Standard error of the residual of a record with this leverage and weight. Rounding can carry the leverage
+/// of a study that alone determines its fitted value beyond 1, by a margin that grows with the condition of
+/// the design; beyond that it is the leverage of a record outside the fit, which has no such standard error.
+double ResidualStdError(double scale, double leverage, double weight)
+{
+    constexpr double margin = 1e-6;
+    if (!(leverage <= 1.0 + margin))
+        return KXMV::Missing();
+    return std::sqrt(scale * std::max(0.0, 1.0 - leverage) / weight);
+}
+
+/// Missing for Student's t without degrees of freedom.
+MAPValue CoefficientPValue(double statistic, int df, bool useStudentT)
+{
+    if (!useStudentT)
+        return TwoSidedNormalPValue(statistic);
+    return df != 0 ? TwoSidedTPValue(statistic, df) : MAPValue();
+}
+
+MACoefficientTests MissingTests(std::size_t count)
+{
+    const std::vector<double> missing(count, KXMV::Missing());
+    return {missing, missing, std::vector<MAPValue>(count), missing, missing};
+}
+
+MAModelTest UntestedModel(const MARegFit& fit)
+{
+    MAModelTest test;
+    test.df1 = fit.TestedCount();
+    test.df2 = fit.ResidualDf();
+    return test;
+}
+
+} // namespace
+
+MADispersion DispersionOf(const MARegFit& fit)
+{
+    if (fit.ResidualDf() == 0)
+        return {1.0, KXStatus(MAStatusCode::AS_MANY_STUDIES_AS_PARAMETERS, true)};
+    const double dispersion = fit.WeightedResidualSum() / fit.ResidualDf();
+    if (std::abs(dispersion) < negligibleDispersion)
+        return {1.0, KXStatus(MAStatusCode::DISPERSION_NEAR_ZERO, true)};
+    return {dispersion, KXStatus()};
+}
+
+double CriticalValue(const MARegFit& fit, bool useStudentT)
+{
+    const double alpha = AlphaOf(fit.Design().GetSettings().GetConfidenceLevel());
+    if (!useStudentT)
+        return TwoSidedNormalQuantile(alpha);
+    return fit.ResidualDf() == 0 ? 0.0 : TwoSidedTQuantile(alpha, fit.ResidualDf());
+}
+
+MACoefficientTests TestCoefficients(const MARegFit& fit, double scale, bool useStudentT)
+{
+    const std::vector<double>& coefficients = fit.Coefficients();
+    MACoefficientTests tests = MissingTests(coefficients.size());
+    if (KXMV::IsMissing(scale))
+        return tests;
+    const double critical = CriticalValue(fit, useStudentT);
+    for (std::size_t position = 0; position < fit.EstimatedColumns().size(); ++position) {
+        const std::size_t j = fit.EstimatedColumns()[position];
+        const double stdError = std::sqrt(scale) * fit.UnscaledStdError(position);
+        tests.stdErrors[j] = stdError;
+        tests.lowerLimits[j] = coefficients[j] - critical * stdError;
+        tests.upperLimits[j] = coefficients[j] + critical * stdError;
+        if (!(stdError > 0.0)) // an exact fit under Knapp and Hartung
+            continue;
+        tests.statistics[j] = coefficients[j] / stdError;
+        tests.pValues[j] = CoefficientPValue(tests.statistics[j], fit.ResidualDf(), useStudentT);
+    }
+    return tests;
+}
+
+MAModelTest WaldTest(const MARegFit& fit, double dispersion)
+{
+    MAModelTest test = UntestedModel(fit);
+    if (test.df1 == 0 || !(dispersion > 0.0))
+        return test;
+    test.statistic = fit.WaldStatistic() / dispersion;
+    test.pValue = ChiSquarePValue(test.statistic, test.df1);
+    return test;
+}
+
+MAModelTest FTest(const MARegFit& fit, double scale)
+{
+    MAModelTest test = UntestedModel(fit);
+    if (test.df1 == 0 || !(scale > 0.0)) // a missing scale is negative
+        return test;
+    test.statistic = fit.WaldStatistic() / (scale * test.df1);
+    if (test.df2 != 0)
+        test.pValue = FPValue(test.statistic, test.df1, test.df2);
+    return test;
+}
+
+/// The leverage belongs to the unscaled fit, so that the leverages sum to the number of parameters whatever
+/// the scale. Without a scale there is no standard error, but still a fit.
+MAPrediction Predict(const MARegFit& fit, double scale, double criticalValue, const MADesignRow& row,
+                     bool hasStudy)
+{
+    MAPrediction prediction;
+    if (row.isBad || row.predictors.size() != fit.Coefficients().size())
+        return prediction;
+    const MARegFit::Point point = fit.At(row);
+    prediction.fit = point.value;
+    if (hasStudy) {
+        prediction.residual = row.dependent - point.value;
+        prediction.leverage = point.unscaledStdError * point.unscaledStdError * point.weight;
+    }
+    if (KXMV::IsMissing(scale))
+        return prediction;
+    prediction.stdError = std::sqrt(scale) * point.unscaledStdError;
+    const double halfWidth = criticalValue * prediction.stdError;
+    prediction.ciLower = point.value - halfWidth;
+    prediction.ciUpper = point.value + halfWidth;
+    if (hasStudy)
+        prediction.residualStdError = ResidualStdError(scale, prediction.leverage, point.weight);
+    return prediction;
+}
+
+} // namespace MA_NAMESPACE
