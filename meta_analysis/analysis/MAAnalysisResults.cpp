@@ -3,7 +3,7 @@
 #include "meta_analysis/analysis/MAAnalysisState.h"
 #include "meta_analysis/analysis/MAResultColumns.h"
 #include "meta_analysis/inference/MATestPValues.h"
-#include "meta_analysis/platform/common/CopyOf.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <numeric>
 
@@ -30,7 +30,9 @@ MAAnalysisResults::MAAnalysisResults(const MAModelSettings& settings, MAConst::O
 {}
 
 MAAnalysisResults::MAAnalysisResults(const MAAnalysisResults& other)
-    : settings_(other.settings_), outcome_(other.outcome_), status_(other.status_),
+    : settings_(other.settings_),
+      outcome_(other.outcome_),
+      status_(other.status_),
       state_(other.state_ == nullptr ? nullptr : std::make_unique<MAAnalysisState>(*other.state_))
 {}
 
@@ -217,52 +219,62 @@ std::vector<double> MAAnalysisResults::GetTau2Var() const
 
 std::vector<double> MAAnalysisResults::GetPIProbability() const
 {
-    return FieldOf(Results().models.heterogeneity, Nested(&MAPooledModel::prediction, &MAPrediction::probability));
+    return FieldOf(Results().models.heterogeneity,
+                   Nested(&MAPooledModel::prediction, &MAPrediction::probability));
 }
 
 std::vector<double> MAAnalysisResults::GetTau2CILower() const
 {
-    return FieldOf(Results().models.heterogeneity, Nested(&MAPooledModel::tau2Results, &MATau2Results::lower));
+    return FieldOf(Results().models.heterogeneity,
+                   Nested(&MAPooledModel::tau2Results, &MATau2Results::lower));
 }
 
 std::vector<double> MAAnalysisResults::GetTau2CIUpper() const
 {
-    return FieldOf(Results().models.heterogeneity, Nested(&MAPooledModel::tau2Results, &MATau2Results::upper));
+    return FieldOf(Results().models.heterogeneity,
+                   Nested(&MAPooledModel::tau2Results, &MATau2Results::upper));
 }
 
 std::vector<double> MAAnalysisResults::GetTau2Convergence() const
 {
-    return FieldOf(Results().models.heterogeneity, [](const MAPooledModel& model) { return IfRandom(model, model.tau2Results.convergence); });
+    return FieldOf(Results().models.heterogeneity,
+                   [](const MAPooledModel& model) { return IfRandom(model, model.tau2Results.convergence); });
 }
 
 std::vector<double> MAAnalysisResults::GetTau2Evaluations() const
 {
-    return FieldOf(Results().models.heterogeneity, [](const MAPooledModel& model) { return IfRandom(model, model.tau2Results.evaluations); });
+    return FieldOf(Results().models.heterogeneity,
+                   [](const MAPooledModel& model) { return IfRandom(model, model.tau2Results.evaluations); });
 }
 
 std::vector<double> MAAnalysisResults::GetLogLikelihood() const
 {
-    return FieldOf(Results().models.heterogeneity, [](const MAPooledModel& model) { return model.tau2Results.information.logLikelihood; });
+    return FieldOf(Results().models.heterogeneity,
+                   [](const MAPooledModel& model) { return model.tau2Results.information.logLikelihood; });
 }
 
 std::vector<double> MAAnalysisResults::GetAIC() const
 {
-    return FieldOf(Results().models.heterogeneity, [](const MAPooledModel& model) { return model.tau2Results.information.aic; });
+    return FieldOf(Results().models.heterogeneity,
+                   [](const MAPooledModel& model) { return model.tau2Results.information.aic; });
 }
 
 std::vector<double> MAAnalysisResults::GetBIC() const
 {
-    return FieldOf(Results().models.heterogeneity, [](const MAPooledModel& model) { return model.tau2Results.information.bic; });
+    return FieldOf(Results().models.heterogeneity,
+                   [](const MAPooledModel& model) { return model.tau2Results.information.bic; });
 }
 
 std::vector<double> MAAnalysisResults::GetAICc() const
 {
-    return FieldOf(Results().models.heterogeneity, [](const MAPooledModel& model) { return model.tau2Results.information.aicc; });
+    return FieldOf(Results().models.heterogeneity,
+                   [](const MAPooledModel& model) { return model.tau2Results.information.aicc; });
 }
 
 std::vector<double> MAAnalysisResults::GetHomoTestChisquareQ() const
 {
-    return FieldOf(Results().models.heterogeneity, Nested(&MAPooledModel::homogeneity, &MAHomogeneityTest::q));
+    return FieldOf(Results().models.heterogeneity,
+                   Nested(&MAPooledModel::homogeneity, &MAHomogeneityTest::q));
 }
 
 std::vector<double> MAAnalysisResults::GetHomoTestdf() const
@@ -282,32 +294,38 @@ std::vector<double> MAAnalysisResults::GetHomoTestLog10Sig() const
 
 std::vector<double> MAAnalysisResults::GetH2Index() const
 {
-    return FieldOf(Results().models.heterogeneity, Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::h2));
+    return FieldOf(Results().models.heterogeneity,
+                   Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::h2));
 }
 
 std::vector<double> MAAnalysisResults::GetH2CILower() const
 {
-    return FieldOf(Results().models.heterogeneity, Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::h2Lower));
+    return FieldOf(Results().models.heterogeneity,
+                   Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::h2Lower));
 }
 
 std::vector<double> MAAnalysisResults::GetH2CIUpper() const
 {
-    return FieldOf(Results().models.heterogeneity, Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::h2Upper));
+    return FieldOf(Results().models.heterogeneity,
+                   Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::h2Upper));
 }
 
 std::vector<double> MAAnalysisResults::GetI2Index() const
 {
-    return FieldOf(Results().models.heterogeneity, Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::i2));
+    return FieldOf(Results().models.heterogeneity,
+                   Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::i2));
 }
 
 std::vector<double> MAAnalysisResults::GetI2CILower() const
 {
-    return FieldOf(Results().models.heterogeneity, Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::i2Lower));
+    return FieldOf(Results().models.heterogeneity,
+                   Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::i2Lower));
 }
 
 std::vector<double> MAAnalysisResults::GetI2CIUpper() const
 {
-    return FieldOf(Results().models.heterogeneity, Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::i2Upper));
+    return FieldOf(Results().models.heterogeneity,
+                   Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::i2Upper));
 }
 
 } // namespace MA_NAMESPACE

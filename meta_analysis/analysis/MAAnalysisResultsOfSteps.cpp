@@ -2,10 +2,9 @@
 // small-study tests.
 
 #include "meta_analysis/analysis/MAAnalysisResults.h"
-
 #include "meta_analysis/analysis/MAAnalysisState.h"
 #include "meta_analysis/analysis/MAResultColumns.h"
-#include "meta_analysis/platform/common/CopyOf.h"
+#include "meta_analysis/settings/Memory.h"
 
 namespace MA_NAMESPACE {
 

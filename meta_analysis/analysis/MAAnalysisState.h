@@ -19,7 +19,7 @@ namespace MA_NAMESPACE {
 struct MACopiedSettings
 {
     MARunSettings run;
-    double alpha = 0.05; ///< 1 - confidence level
+    double alpha = 0.05;         ///< 1 - confidence level
     MATablePoolingChoice tables; ///< null value and level apart, which the models take from the settings
 };
 

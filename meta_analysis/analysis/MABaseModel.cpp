@@ -3,17 +3,17 @@
 #include "meta_analysis/analysis/MAAnalysisState.h"
 #include "meta_analysis/analysis/studies/MACompleteStudies.h"
 #include "meta_analysis/analysis/studies/MARecordPass.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/Alpha.h"
 #include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/MAWarnings.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <utility>
 
 namespace MA_NAMESPACE {
 
-MABaseModel::MABaseModel(const MAModelSettings& settings)
-    : MABaseModel(settings, MAConst::OUTCOME_CONTINUOUS)
+MABaseModel::MABaseModel(const MAModelSettings& settings) : MABaseModel(settings, MAConst::OUTCOME_CONTINUOUS)
 {}
 MABaseModel::MABaseModel(const MAModelSettings& settings, MAConst::OUTCOMETYPE outcome)
     : MAAnalysisResults(settings, outcome)
@@ -64,20 +64,18 @@ KXStatus MABaseModel::ExtractModelInputData(MultiPassRecordIter& records)
 
 KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
 {
-    if (!settings_->IsComplete())
-        return KXStatus(MAStatusCode::OUT_OF_MEMORY);
     const KXStatus started = StartPass(records);
     if (started.IsError())
         return started;
     MAAnalysisState& state = State();
-    state.settings.alpha = 1.0 - settings_->GetCILevel();
+    state.settings.alpha = AlphaOf(settings_->GetCILevel());
     state.groups.members.clear();
     if (settings_->GetInputESType() == MAConst::INPUT_READY_MADE) {
         state.settings.tables.measure = settings_->GetBinaryEstType();
         return Take(ReadReadyMadeStudies(records, *settings_, state.settings.alpha));
     }
-    return Take(CompleteStudies(records, *settings_,
-                                {KXStatus(), std::move(state.studies), state.counts, {}}));
+    return Take(
+        CompleteStudies(records, *settings_, {KXStatus(), std::move(state.studies), state.counts, {}}));
 }
 
 KXStatus MABaseModel::Take(MAReading reading)

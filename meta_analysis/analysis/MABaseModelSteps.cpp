@@ -1,13 +1,14 @@
-// The further analyses of a run, which a host may call one by one: each is a step, whose results are appended.
+// The further analyses of a run, which a host may call one by one: each is a step, whose results are
+// appended.
 
 #include "meta_analysis/analysis/MAAnalysisState.h"
 #include "meta_analysis/analysis/MABaseModel.h"
 #include "meta_analysis/analysis/steps/MABubblePlots.h"
 #include "meta_analysis/analysis/steps/MACumulative.h"
 #include "meta_analysis/analysis/steps/MAFunnelPlot.h"
-#include "meta_analysis/platform/common/CopyOf.h"
-#include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAStatusCode.h"
+#include "meta_analysis/settings/Memory.h"
+#include "meta_analysis/settings/RegressionSettingsOf.h"
 
 #include <algorithm>
 #include <utility>
@@ -96,9 +97,8 @@ KXStatus MABaseModel::BuildCumulative(const MAModelChoice& choice)
     MAAnalysisState& state = State();
     if (!HasGroupValues() || state.studies.cumulativeValue.size() != state.studies.Count())
         return SetError(MAStatusCode::LENGTH_MISMATCH);
-    MACumulative result =
-        AnalyseCumulatively(state.studies, MembersByGroup(state.studies, state.groups.values),
-                            settings_->GetSortType(), choice);
+    MACumulative result = AnalyseCumulatively(
+        state.studies, MembersByGroup(state.studies, state.groups.values), settings_->GetSortType(), choice);
     for (MACumulativeGroup& group : result.groups) {
         state.models.models = std::move(group.steps);
         AppendReported(group.whole);
@@ -175,11 +175,10 @@ KXStatus MABaseModel::RunSmallStudyTest(MultiPassRecordIter& records, const KXVa
         if (RequireStudiesForTest(records).IsError())
             return status_;
         const MAAnalysisState& results = Results();
-        const MASmallStudyTest test =
-            TestSmallStudies(records, variables, results.studies, AllOf(results.studies),
-                             results.counts.records,
-                             {type, results.settings.run.modelType, results.settings.tables.correction.type,
-                              SmallStudyRegression(*settings_)});
+        const MASmallStudyTest test = TestSmallStudies(
+            records, variables, results.studies, AllOf(results.studies), results.counts.records,
+            {type, results.settings.run.modelType, results.settings.tables.correction.type,
+             SmallStudyTestSettingsOf(*settings_)});
         if (test.hasPassed) {
             State().runTest = {test.Covariate(), test.df};
             AddWarningsOfFigures(test.warnings);
@@ -197,8 +196,7 @@ KXStatus MABaseModel::TestForSmallStudies(MultiPassRecordIter& records, const KX
     if (variables.Size() == 0 || !settings_->GetIsTRIMFILL())
         return status_;
     const KXStatus before = status_;
-    const int code =
-        RunSmallStudyTest(records, variables, MAConst::REG_TEST_EFFECT_ON_STD_ERROR).GetCode();
+    const int code = RunSmallStudyTest(records, variables, MAConst::REG_TEST_EFFECT_ON_STD_ERROR).GetCode();
     if (code == MAStatusCode::OUT_OF_MEMORY || code == MAStatusCode::TAU2_FAILED)
         return SetError(MAStatusCode::OUT_OF_MEMORY);
     if (!IsFailureOfRecords(status_))
@@ -209,8 +207,6 @@ KXStatus MABaseModel::TestForSmallStudies(MultiPassRecordIter& records, const KX
 KXStatus MABaseModel::RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
                                    MARegSettings settings)
 {
-    if (!settings.IsComplete())
-        return SetError(MAStatusCode::OUT_OF_MEMORY);
     return Guarded(status_, [&] {
         if (RequireStudiesForTest(records).IsError())
             return status_;
@@ -319,8 +315,7 @@ KXStatus MABaseModel::ComputePlotStatistics()
         PlotStudies(results.studies.effectSize, results.studies.variance,
                     FieldOf(results.studies.tests, &MAStudyTest::stdError),
                     isFilled ? results.trimFill.model->estimate : overall.estimate);
-        const std::size_t groupCount =
-            std::min(results.groups.members.size(), results.groups.values.size());
+        const std::size_t groupCount = std::min(results.groups.members.size(), results.groups.values.size());
         for (std::size_t g = 0; results.groups.AreSeveral() && g < groupCount; ++g) {
             const MASelection& members = results.groups.members[g];
             const std::vector<double> variances = Selected(results.studies.variance, members);
@@ -380,9 +375,9 @@ KXStatus MABaseModel::BubblePlot(MultiPassRecordIter& records, const KXVarList& 
 {
     return Guarded(status_, [&] {
         const MAAnalysisState& results = Results();
-        MABubblePlots bubbles = PlotBubbles(records, variables, settings, results.studies,
-                                            results.counts.records, *settings_,
-                                            results.settings.run.modelType);
+        MABubblePlots bubbles =
+            PlotBubbles(records, variables, settings, results.studies, results.counts.records, *settings_,
+                        results.settings.run.modelType);
         AddWarningsOfFigures(bubbles.warnings);
         for (MABubbleRows& plot : bubbles.plots)
             State().bubbles.push_back(std::move(plot));

@@ -5,9 +5,10 @@
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/analysis/studies/MATableStudies.h"
 #include "meta_analysis/effectsize/MARatio.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/Alpha.h"
 #include "meta_analysis/settings/MAMeasures.h"
 #include "meta_analysis/settings/MAStatusCode.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <algorithm>
 #include <utility>
@@ -73,14 +74,13 @@ KXStatus MABinModel::ESCalc(MultiPassRecordIter& records)
         MATablePoolingChoice& tables = state.settings.tables;
         tables.measure = settings_->GetBinaryEstType();
         tables.pooledZeroCells = settings_->GetPooledZeroCells();
-        state.settings.alpha = 1.0 - settings_->GetCILevel();
-        MATableStudies computed =
-            WithTableEffects(std::move(state.studies), tables.measure,
-                             {settings_->GetBinZeroAdjType(), settings_->GetZeroCountDelta()},
-                             state.settings.alpha);
+        state.settings.alpha = AlphaOf(settings_->GetCILevel());
+        MATableStudies computed = WithTableEffects(
+            std::move(state.studies), tables.measure,
+            {settings_->GetBinZeroAdjType(), settings_->GetZeroCountDelta()}, state.settings.alpha);
         state.studies = std::move(computed.studies);
         tables.correction = computed.correction;
-        return status_ = computed.status;
+        return status_;
     }));
 }
 

@@ -3,15 +3,15 @@
 #include "meta_analysis/analysis/MAAnalysisState.h"
 #include "meta_analysis/analysis/studies/MAMeansStudies.h"
 #include "meta_analysis/analysis/studies/MARecordPass.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/Alpha.h"
 #include "meta_analysis/settings/MAStatusCode.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <utility>
 
 namespace MA_NAMESPACE {
 
-MAContModel::MAContModel(const MAModelSettings& settings)
-    : MABaseModel(settings, MAConst::OUTCOME_CONTINUOUS)
+MAContModel::MAContModel(const MAModelSettings& settings) : MABaseModel(settings, MAConst::OUTCOME_CONTINUOUS)
 {}
 MAContModel::MAContModel(const MAContModel&) = default;
 MAContModel& MAContModel::operator=(const MAContModel&) = default;
@@ -40,11 +40,13 @@ KXStatus MAContModel::ESCalc(MultiPassRecordIter& records)
         if (ExtractRawInputData(records).IsError())
             return status_;
         MAAnalysisState& state = State();
-        state.settings.alpha = 1.0 - settings_->GetCILevel();
-        MAMeansStudies computed =
-            WithMeansEffects(std::move(state.studies), *settings_, state.settings.alpha);
-        state.studies = std::move(computed.studies);
-        return status_ = computed.status;
+        state.settings.alpha = AlphaOf(settings_->GetCILevel());
+        state.studies =
+            WithMeansEffects(std::move(state.studies),
+                             {settings_->GetContinousEstType(), settings_->GetVarEqualAssumption(),
+                              settings_->GetVarianceAdjustment(), settings_->GetGlassDsVarDependentGroup()},
+                             state.settings.alpha);
+        return status_;
     }));
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "meta_analysis/analysis/MAAnalysisState.h"
-#include "meta_analysis/platform/common/CopyOf.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <functional>
 #include <vector>

@@ -27,8 +27,8 @@ struct MARunSettings
 };
 MARunSettings RunSettingsOf(const MAModelSettings& settings);
 
-/// Whether a run on the outcome pools counts: only raw tables under the fixed-effect model. Other combinations
-/// pool by inverse variance.
+/// Whether a run on the outcome pools counts: only raw tables under the fixed-effect model. Other
+/// combinations pool by inverse variance.
 bool PoolsCounts(const MARunSettings& run, MAConst::OUTCOMETYPE outcome);
 
 /// A run's model of effect sizes on the scale of the outcome's measure. `alpha` is 1 - confidence level.

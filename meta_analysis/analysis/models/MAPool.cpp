@@ -23,8 +23,8 @@ MAPooledPrefixes PoolFixedPrefixes(const MAStudies& studies, const MASelection& 
         const double weight = 1.0 / studies.variance[study];
         weightSum += weight;
         weightedSum += weight * studies.effectSize[study];
-        prefixes.rows.push_back({InferNormal(weightedSum / weightSum, 1.0 / weightSum,
-                                             choice.fixed.nullHypothesis, quantile)});
+        prefixes.rows.push_back(
+            {InferNormal(weightedSum / weightSum, 1.0 / weightSum, choice.fixed.nullHypothesis, quantile)});
     }
     return prefixes;
 }
@@ -33,7 +33,8 @@ MAPooledPrefixes PoolCountPrefixes(const MAStudies& studies, const MASelection& 
                                    const MAModelChoice& choice)
 {
     MAPooledPrefixes prefixes;
-    for (const MATableEstimate& pooled : PoolTablePrefixes(Selected(studies.tables, selection), choice.tables))
+    for (const MATableEstimate& pooled :
+         PoolTablePrefixes(Selected(studies.tables, selection), choice.tables))
         prefixes.rows.push_back({pooled.effect, pooled.correctedTables});
     return prefixes;
 }
@@ -89,7 +90,8 @@ MAPooledStudies Pool(const MAStudies& studies, const MASelection& selection, con
 {
     if (choice.poolsTables)
         return PoolCounts(Selected(studies.tables, selection), choice);
-    return PoolEffects({Selected(studies.effectSize, selection), Selected(studies.variance, selection)}, choice);
+    return PoolEffects({Selected(studies.effectSize, selection), Selected(studies.variance, selection)},
+                       choice);
 }
 
 MAPooledPrefixes PoolPrefixes(const MAStudies& studies, const MASelection& selection,

@@ -3,7 +3,6 @@
 #include "meta_analysis/analysis/steps/MABubblePlot.h"
 #include "meta_analysis/analysis/studies/MARecordColumns.h"
 #include "meta_analysis/regression/design/MAIterator.h"
-#include "meta_analysis/settings/MAStatusCode.h"
 
 #include <utility>
 
@@ -39,8 +38,6 @@ MABubblePlots PlotBubbles(MultiPassRecordIter& records, const KXVarList& variabl
     const MARecordColumns columns = ColumnsByRecord(studies, AllOf(studies), recordCount);
     MAIterator iterator(records, variables, columns.effectSizes, columns.variances);
     MARegSettings plotSettings(regression);
-    if (!plotSettings.IsComplete())
-        return {KXStatus(MAStatusCode::OUT_OF_MEMORY), {}, {}};
     plotSettings.SetConfidenceLevel(settings.GetCILevel());
     plotSettings.SetTau2Search(settings.GetTau2Search());
     MABubblePlot plot(plotSettings, iterator.GetVarList());

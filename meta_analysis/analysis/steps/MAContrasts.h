@@ -10,8 +10,8 @@
 
 namespace MA_NAMESPACE {
 
-/// The test of a contrast: the sum of the studies' effects, each times its coefficient, under the fixed-effect
-/// model.
+/// The test of a contrast: the sum of the studies' effects, each times its coefficient, under the
+/// fixed-effect model.
 struct MAContrast
 {
     MAEstimate effect;

@@ -7,10 +7,10 @@ namespace MA_NAMESPACE {
 /// The cumulative analysis of a group: a model after each further study.
 struct MACumulativeGroup
 {
-    MASelection order;               ///< the group's studies in the order of the cumulative variable
-    std::vector<double> values;      ///< of that variable, in that order
-    std::vector<MAPooledRow> steps;  ///< models of the first 1, 2, ... studies
-    MAPooledStudies whole;           ///< the model of all of them, with its heterogeneity
+    MASelection order;              ///< the group's studies in the order of the cumulative variable
+    std::vector<double> values;     ///< of that variable, in that order
+    std::vector<MAPooledRow> steps; ///< models of the first 1, 2, ... studies
+    MAPooledStudies whole;          ///< the model of all of them, with its heterogeneity
 };
 
 /// The cumulative analysis of each group, and with two or more groups the model of all studies. After an

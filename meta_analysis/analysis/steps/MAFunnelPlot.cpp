@@ -91,7 +91,7 @@ double ContourQuantile(double level, MAConst::FunnelConTourTesType type)
 MAFunnelChoice FunnelChoiceOf(const MAModelSettings& settings, double alpha)
 {
     return {settings.GetFunnelYType(), settings.GetFunnelNPoints(), settings.GetFunnelConTourTesType(),
-            settings.FunnelConTourCutoff(), alpha};
+            settings.GetFunnelConTourCutoff(), alpha};
 }
 
 std::vector<double> FunnelHeights(const std::vector<double>& variances, MAConst::FunnelYType type)

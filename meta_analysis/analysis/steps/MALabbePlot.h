@@ -22,8 +22,8 @@ inline std::vector<MALabbePoint> PlotLabbe(const MAStudies& studies, const std::
     std::vector<MALabbePoint> plot;
     plot.reserve(selection.size());
     for (const std::size_t study : selection)
-        plot.push_back({studies.groupOutcomes[study].control, studies.groupOutcomes[study].treatment,
-                        weights[study]});
+        plot.push_back(
+            {studies.groupOutcomes[study].control, studies.groupOutcomes[study].treatment, weights[study]});
     return plot;
 }
 

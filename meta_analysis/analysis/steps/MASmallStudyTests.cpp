@@ -4,9 +4,8 @@
 #include "meta_analysis/analysis/studies/MARecordColumns.h"
 #include "meta_analysis/analysis/studies/MAWatchedIterator.h"
 #include "meta_analysis/regression/design/MAIterator.h"
-#include "meta_analysis/settings/Guarded.h"
-#include "meta_analysis/settings/MAEstimatorCode.h"
 #include "meta_analysis/settings/MAStatusCode.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <algorithm>
 
@@ -77,35 +76,9 @@ MASmallStudyTest Failure(const KXStatus& status)
 
 MAEstimate MASmallStudyTest::Covariate() const
 {
-    return {coefficients.back(),
-            stdErrors.back() * stdErrors.back(),
-            stdErrors.back(),
-            statistics.back(),
-            {pValues.back(), log10PValues.back()},
-            lowerLimits.back(),
+    return {coefficients.back(), stdErrors.back() * stdErrors.back(),   stdErrors.back(),
+            statistics.back(),   {pValues.back(), log10PValues.back()}, lowerLimits.back(),
             upperLimits.back()};
-}
-
-MARegSettings SmallStudyRegression(const MAModelSettings& model)
-{
-    MARegSettings settings;
-    settings.SetInterceptUse(model.GetIsUseIntercept());
-    settings.SetConfidenceLevel(model.GetCILevel());
-    settings.SetMultiDiser(model.GetMultiDisper());
-    settings.SetParameterTolerance(model.GetConnvergenceTol());
-    settings.SetMaxIterations(model.GetMaxIter());
-    settings.SetMaxStepHalvingValue(model.GetMaxStepHalving());
-    const int estimator = model.GetEstTauType();
-    if (estimator >= 0 && estimator < estimatorCodeCount)
-        settings.SetEstTauType(estimatorCodes[estimator]);
-    settings.SetTau2Search(model.GetTau2Search());
-    settings.SetKnapHartAdjust(model.GetKnapHartAdjustType() != MAConst::KNAPP_HARTUNG_NONE);
-    settings.SetTruncAjustValue(model.GetKnapHartAdjustType() == MAConst::KNAPP_HARTUNG_TRUNCATED);
-    settings.SetTreatmentSuccess(model.GetTreatmentSuccessVarIndex());
-    settings.SetTreatmentFailure(model.GetTreatmentFailureVarIndex());
-    settings.SetControlSuccess(model.GetControlSuccessVarIndex());
-    settings.SetControlFailure(model.GetControlFailureVarIndex());
-    return settings;
 }
 
 MASmallStudyTest TestSmallStudies(MultiPassRecordIter& records, const KXVarList& variables,
@@ -118,8 +91,6 @@ MASmallStudyTest TestSmallStudies(MultiPassRecordIter& records, const KXVarList&
     MAWatchedIterator watched(records, recordCount);
     MAIterator iterator(watched, variables, columns.effectSizes, columns.variances);
     MARegSettings regression = choice.regression;
-    if (!regression.IsComplete())
-        return Failure(KXStatus(MAStatusCode::OUT_OF_MEMORY));
     regression.SetOMWVarIndex(iterator.GetVarianceIndex());
     regression.SetOMWVarType(MAConst::OMEGA_VARIANCE);
     MARegBaseTest test(regression, iterator.GetVarList());

@@ -6,7 +6,6 @@
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/MultiPassRecordIter.h"
 #include "meta_analysis/platform/regression/KXRegrParameter.h"
-#include "meta_analysis/settings/MAModelSettings.h"
 #include "meta_analysis/settings/MARegSettings.h"
 
 namespace MA_NAMESPACE {
@@ -41,9 +40,6 @@ struct MASmallStudyChoice
     MAConst::ZEROADJTYPE zeroAdjustment; ///< of tables, as their effect sizes left it
     MARegSettings regression;            ///< all but response and omega weight
 };
-
-/// The regression settings of the tests that a run makes.
-MARegSettings SmallStudyRegression(const MAModelSettings& settings);
 
 /// Tests the selected studies, whose effect sizes stand in place of the records' own. Errors:
 /// TOO_FEW_FOR_TEST fewer than three studies, ITERATOR_NOT_STARTED and ITERATOR_FAILED the records fail or

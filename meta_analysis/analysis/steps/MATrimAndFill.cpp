@@ -161,7 +161,7 @@ MAConst::TRIMFSIDE SuggestedSide(const MAStudies& studies, double slope)
 {
     const bool isSlopeKnown = !KXMV::IsMissing(slope) && slope != 0.0;
     return (isSlopeKnown ? slope : PrecisionCovariance(studies)) > 0.0 ? MAConst::TRIM_SIDE_LARGEST
-                                                                      : MAConst::TRIM_SIDE_SMALLEST;
+                                                                       : MAConst::TRIM_SIDE_SMALLEST;
 }
 
 int MissingStudies(std::vector<double> values, double centre, MAConst::TRIMFMETHOD method)
@@ -171,8 +171,7 @@ int MissingStudies(std::vector<double> values, double centre, MAConst::TRIMFMETH
     if (!std::is_sorted(values.begin(), values.end()))
         std::sort(values.begin(), values.end());
     // A mean lies among its values. Rounding may put that of equal ones beside them, and all would deviate.
-    const DeviationRanks ranks =
-        RankDeviations(values, std::clamp(centre, values.front(), values.back()));
+    const DeviationRanks ranks = RankDeviations(values, std::clamp(centre, values.front(), values.back()));
     const auto n = static_cast<double>(values.size());
     const double t = ranks.positiveRankSum;
     double missing = 0.0;

@@ -22,8 +22,8 @@ struct ReadyMade
     bool isMissing;
 };
 
-/// The variance wins when both it and the standard error are given. Missing is tested on what was read, before
-/// anything is derived from it; without either of the two the study is invalid.
+/// The variance wins when both it and the standard error are given. Missing is tested on what was read,
+/// before anything is derived from it; without either of the two the study is invalid.
 ReadyMade ReadReadyMade(const Record& record, const MAModelSettings& settings)
 {
     const double effectSize = ReadStudyValue(record, settings.GetInputEffectsizeIndex());
@@ -63,8 +63,9 @@ class StudyRoles
 {
 public:
     explicit StudyRoles(const MAModelSettings& settings)
-        : groupIndex_(settings.GetSubGroupIndex()), cumulativeIndex_(settings.GetCummulativeIndex()),
-          contrastIndices_(settings.ContrastCoefIndex())
+        : groupIndex_(settings.GetSubGroupIndex()),
+          cumulativeIndex_(settings.GetCummulativeIndex()),
+          contrastIndices_(settings.GetContrastCoefIndex())
     {}
 
     void Clear(MAStudies& studies) const
@@ -93,7 +94,7 @@ private:
 
 void CheckContrastCount(const MAModelSettings& settings, MAReading& reading)
 {
-    if (settings.InputContrastCoef().size() != static_cast<std::size_t>(reading.counts.records))
+    if (settings.GetInputContrastCoef().size() != static_cast<std::size_t>(reading.counts.records))
         reading.warnings.push_back(MAStatusCode::CONTRAST_COUNT_MISMATCH);
 }
 

@@ -10,10 +10,10 @@ namespace MA_NAMESPACE {
 /// study. Error ITERATOR_FAILED.
 MAReading ReadReadyMadeStudies(MultiPassRecordIter& records, const MAModelSettings& settings, double alpha);
 
-/// Adds the subgroup, cumulative and contrast values to studies whose effect sizes were computed in an earlier
-/// pass, and removes the studies whose effect size cannot be pooled (warning STUDIES_REMOVED). After an error
-/// the studies are those before, without such values. Error ITERATOR_FAILED, also for a pass of another length
-/// than the earlier one.
+/// Adds the subgroup, cumulative and contrast values to studies whose effect sizes were computed in an
+/// earlier pass, and removes the studies whose effect size cannot be pooled (warning STUDIES_REMOVED). After
+/// an error the studies are those before, without such values. Error ITERATOR_FAILED, also for a pass of
+/// another length than the earlier one.
 MAReading CompleteStudies(MultiPassRecordIter& records, const MAModelSettings& settings, MAReading computed);
 
 } // namespace MA_NAMESPACE

@@ -1,12 +1,9 @@
 #include "meta_analysis/analysis/studies/MAMeansStudies.h"
 
 #include "meta_analysis/analysis/studies/MARecordPass.h"
-#include "meta_analysis/effectsize/MAContinousEffectSize.h"
-#include "meta_analysis/platform/common/CopyOf.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/effectsize/MAStudyEstimate.h"
 
 #include <cmath>
-#include <utility>
 
 namespace MA_NAMESPACE {
 
@@ -24,7 +21,7 @@ double ReadStdDev(const Record& record, int stdDevIndex, int varianceIndex)
     return variance > 0.0 ? std::sqrt(variance) : -std::sqrt(std::abs(variance));
 }
 
-MAGroupMeans ReadGroupMeans(const Record& record, const MAModelSettings& settings)
+MAMeans ReadMeansOf(const Record& record, const MAModelSettings& settings)
 {
     return {ReadStudyValue(record, settings.GetTreatmentNVarIndex()),
             ReadStudyValue(record, settings.GetControlNVarIndex()),
@@ -34,23 +31,21 @@ MAGroupMeans ReadGroupMeans(const Record& record, const MAModelSettings& setting
             ReadStdDev(record, settings.GetControlStdErrorIndex(), settings.GetControlVarianceIndex())};
 }
 
-bool HasMissing(const MAGroupMeans& means)
+bool HasMissing(const MAMeans& means)
 {
-    for (const double value : {means.treatmentSize, means.controlSize, means.treatmentMean, means.controlMean,
-                               means.treatmentStdDev, means.controlStdDev}) {
+    for (const double value : {means.nt, means.nc, means.xt, means.xc, means.st, means.sc}) {
         if (KXMV::IsMissing(value))
             return true;
     }
     return false;
 }
 
-bool IsInvalid(const MAGroupMeans& means)
+bool IsInvalid(const MAMeans& means)
 {
-    return means.treatmentSize < 2.0 || means.controlSize < 2.0 || means.treatmentStdDev <= 0.0 ||
-           means.controlStdDev <= 0.0;
+    return means.nt < 2.0 || means.nc < 2.0 || means.st <= 0.0 || means.sc <= 0.0;
 }
 
-void Classify(const MAGroupMeans& means, int recordNumber, MAReading& reading)
+void Classify(const MAMeans& means, int recordNumber, MAReading& reading)
 {
     if (HasMissing(means)) {
         ++reading.counts.missing;
@@ -58,45 +53,9 @@ void Classify(const MAGroupMeans& means, int recordNumber, MAReading& reading)
         ++reading.counts.invalid;
     } else {
         reading.studies.recordNumber.push_back(recordNumber);
-        reading.studies.sampleSize.push_back(means.treatmentSize + means.controlSize);
+        reading.studies.sampleSize.push_back(means.Size());
         reading.studies.means.push_back(means);
     }
-}
-
-struct MeansColumns
-{
-    explicit MeansColumns(const std::vector<MAGroupMeans>& means)
-        : treatmentSize(FieldOf(means, &MAGroupMeans::treatmentSize)),
-          controlSize(FieldOf(means, &MAGroupMeans::controlSize)),
-          treatmentMean(FieldOf(means, &MAGroupMeans::treatmentMean)),
-          controlMean(FieldOf(means, &MAGroupMeans::controlMean)),
-          treatmentStdDev(FieldOf(means, &MAGroupMeans::treatmentStdDev)),
-          controlStdDev(FieldOf(means, &MAGroupMeans::controlStdDev))
-    {
-        RequireLength(means.size(), treatmentSize, controlSize, treatmentMean, controlMean, treatmentStdDev,
-                      controlStdDev);
-    }
-
-    std::vector<double> treatmentSize;
-    std::vector<double> controlSize;
-    std::vector<double> treatmentMean;
-    std::vector<double> controlMean;
-    std::vector<double> treatmentStdDev;
-    std::vector<double> controlStdDev;
-};
-
-void TakeEffects(const MAContinousEffectSize& effects, MAStudies& studies)
-{
-    studies.effectSize = effects.GetEffectSizeVal();
-    studies.variance = effects.GetEffectSizeVariance();
-    const std::vector<double> stdErrors = effects.GetEffectSizeStdError();
-    const std::vector<double> zValues = effects.GetEffectSizeZVal();
-    const std::vector<double> pValues = effects.GetEffectSizeSig();
-    const std::vector<double> lower = effects.GetEffectSizeCILower();
-    const std::vector<double> upper = effects.GetEffectSizeCIUpper();
-    RequireLength(studies.Count(), studies.variance, stdErrors, zValues, pValues, lower, upper);
-    for (std::size_t i = 0; i < studies.Count(); ++i)
-        studies.tests.push_back({stdErrors[i], zValues[i], pValues[i], lower[i], upper[i]});
 }
 
 } // namespace
@@ -117,30 +76,27 @@ MAReading ReadMeans(MultiPassRecordIter& records, const MAModelSettings& setting
 {
     MAReading reading;
     reading.status = ReadPass(records, reading.counts.records, [&](const Record& record, int recordNumber) {
-        Classify(ReadGroupMeans(record, settings), recordNumber, reading);
+        Classify(ReadMeansOf(record, settings), recordNumber, reading);
     });
     return reading;
 }
 
-MAMeansStudies WithMeansEffects(MAStudies studies, const MAModelSettings& settings, double alpha)
+MAStudies WithMeansEffects(MAStudies studies, const MAMeansChoice& choice, double alpha)
 {
-    const MeansColumns columns(studies.means);
-    MAContinousEffectSize effects;
-    effects.SetTreatmentGSizes(&columns.treatmentSize);
-    effects.SetControlGSizes(&columns.controlSize);
-    effects.SetTreatmentGMeans(&columns.treatmentMean);
-    effects.SetControlGMeans(&columns.controlMean);
-    effects.SetTreatmentGStdErrors(&columns.treatmentStdDev);
-    effects.SetControlGStdErrors(&columns.controlStdDev);
-    effects.SetSignLevel(alpha);
-    effects.SetEqualAssumptionofVariance(settings.GetVarEqualAssumption());
-    effects.SetVarianceAdjustment(settings.GetVarianceAdjustment());
-    effects.SetGlassDsVarianceDependent(settings.GetGlassDsVarDependentGroup());
-    effects.SetEstimationMethod(settings.GetContinousEstType());
-    const KXStatus status = effects.ComputeEffectSizeStatistics();
-    if (!status.IsError())
-        TakeEffects(effects, studies);
-    return {status, std::move(studies)};
+    if (!IsMeasure(choice.measure))
+        return studies;
+    const double quantile = TwoSidedNormalQuantile(alpha);
+    studies.effectSize.reserve(studies.means.size());
+    studies.variance.reserve(studies.means.size());
+    studies.tests.reserve(studies.means.size());
+    for (const MAMeans& means : studies.means) {
+        const MAMeansEffect study = EffectOf(means, choice);
+        const MAEstimate estimate = InferNormal(study.effect, study.variance, 0.0, quantile);
+        studies.effectSize.push_back(estimate.estimate);
+        studies.variance.push_back(estimate.variance);
+        studies.tests.push_back(TestOf(estimate));
+    }
+    return studies;
 }
 
 } // namespace MA_NAMESPACE

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/analysis/studies/MAReading.h"
+#include "meta_analysis/effectsize/MAMeansChoice.h"
 #include "meta_analysis/platform/common/MultiPassRecordIter.h"
 #include "meta_analysis/settings/MAModelSettings.h"
 
@@ -12,12 +13,7 @@ bool NamesMeans(const MAModelSettings& settings);
 /// Reads and classifies the group means of a started pass. Error ITERATOR_FAILED.
 MAReading ReadMeans(MultiPassRecordIter& records, const MAModelSettings& settings);
 
-/// The studies of means with their effect sizes.
-struct MAMeansStudies
-{
-    KXStatus status;
-    MAStudies studies;
-};
-MAMeansStudies WithMeansEffects(MAStudies studies, const MAModelSettings& settings, double alpha);
+/// The studies of means with their effect sizes; none for a measure outside the enumeration.
+MAStudies WithMeansEffects(MAStudies studies, const MAMeansChoice& choice, double alpha);
 
 } // namespace MA_NAMESPACE

@@ -1,24 +1,15 @@
 #pragma once
 
 #include "meta_analysis/analysis/studies/MASelection.h"
+#include "meta_analysis/effectsize/MAMeans.h"
 #include "meta_analysis/effectsize/MATable.h"
+#include "meta_analysis/inference/MAEstimate.h"
 #include "meta_analysis/platform/common/KXMV.h"
 
 #include <cstddef>
 #include <vector>
 
 namespace MA_NAMESPACE {
-
-/// Sizes, means and standard deviations of a treatment and a control group.
-struct MAGroupMeans
-{
-    double treatmentSize;
-    double controlSize;
-    double treatmentMean;
-    double controlMean;
-    double treatmentStdDev;
-    double controlStdDev;
-};
 
 /// What describes the precision of a study's effect size.
 struct MAStudyTest
@@ -56,8 +47,8 @@ struct MAStudies
     std::vector<int> recordNumber; ///< position of the study's record in the host's data, from 0
     std::vector<double> sampleSize;
 
-    std::vector<MATable> tables;      ///< raw input of binary outcomes, as read
-    std::vector<MAGroupMeans> means;  ///< raw input of continuous outcomes
+    std::vector<MATable> tables; ///< raw input of binary outcomes, as read
+    std::vector<MAMeans> means;  ///< raw input of continuous outcomes
 
     std::vector<double> effectSize; ///< on the analysis scale: log for ratio measures
     std::vector<double> variance;
@@ -77,6 +68,16 @@ struct MAStudies
     /// the groups, which a plot shows for all studies or not at all, go altogether.
     void Keep(const std::vector<bool>& kept);
 };
+
+inline MAStudyTest TestOf(const MAEstimate& estimate)
+{
+    return {estimate.stdError, estimate.statistic, estimate.pValue.value, estimate.ciLower, estimate.ciUpper};
+}
+
+inline MAStudyRatio StudyRatioOf(const MAEstimate& ratio)
+{
+    return {ratio.estimate, ratio.variance, ratio.stdError, ratio.ciLower, ratio.ciUpper};
+}
 
 /// All studies, in study order.
 MASelection AllOf(const MAStudies& studies);

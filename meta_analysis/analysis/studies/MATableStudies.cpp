@@ -1,9 +1,8 @@
 #include "meta_analysis/analysis/studies/MATableStudies.h"
 
 #include "meta_analysis/analysis/studies/MARecordPass.h"
-#include "meta_analysis/effectsize/MABinaryEffectSize.h"
-#include "meta_analysis/settings/Guarded.h"
-#include "meta_analysis/settings/MAMeasures.h"
+#include "meta_analysis/effectsize/MAStudyEstimate.h"
+#include "meta_analysis/effectsize/MATableEffect.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -76,67 +75,29 @@ void Classify(const MATable& table, int recordNumber, const TableRule& rule, MAR
     }
 }
 
-/// The columns of tables, which receive the zero-cell correction.
-struct TableColumns
+void ReserveEffects(bool hasRatios, bool hasGroups, MAStudies& studies)
 {
-    explicit TableColumns(const std::vector<MATable>& tables)
-    {
-        for (const MATable& table : tables) {
-            treatmentEvents.push_back(table.a);
-            treatmentNonEvents.push_back(table.b);
-            controlEvents.push_back(table.c);
-            controlNonEvents.push_back(table.d);
-        }
-    }
-
-    std::vector<double> treatmentEvents;
-    std::vector<double> treatmentNonEvents;
-    std::vector<double> controlEvents;
-    std::vector<double> controlNonEvents;
-};
-
-void TakeGroups(const std::vector<double>& control, const std::vector<double>& treatment, MAStudies& studies)
-{
-    RequireLength(control.size(), treatment);
-    for (std::size_t i = 0; i < control.size(); ++i)
-        studies.groupOutcomes.push_back({control[i], treatment[i]});
+    const std::size_t count = studies.tables.size();
+    studies.effectSize.reserve(count);
+    studies.variance.reserve(count);
+    studies.tests.reserve(count);
+    studies.ratios.reserve(hasRatios ? count : 0);
+    studies.groupOutcomes.reserve(hasGroups ? count : 0);
 }
 
-void TakeTests(const std::vector<double>& stdErrors, const std::vector<double>& zValues,
-               const std::vector<double>& pValues, const std::vector<double>& lower,
-               const std::vector<double>& upper, MAStudies& studies)
+template <class Measure>
+void AppendEffect(const MATable& corrected, double quantile, MAStudies& studies)
 {
-    const std::size_t count = studies.effectSize.size();
-    RequireLength(count, studies.variance, stdErrors, zValues, pValues, lower, upper);
-    for (std::size_t i = 0; i < count; ++i)
-        studies.tests.push_back({stdErrors[i], zValues[i], pValues[i], lower[i], upper[i]});
-}
-
-void TakeDifferences(const MABinaryEffectSize& effects, MAStudies& studies)
-{
-    TakeGroups(effects.GetControlGRatio(), effects.GetTreatmentGRatio(), studies);
-    studies.effectSize = effects.GetEffectSizeVal();
-    studies.variance = effects.GetEffectSizeVariance();
-    TakeTests(effects.GetEffectSizeStdError(), effects.GetEffectSizeZVal(), effects.GetEffectSizeSig(),
-              effects.GetEffectSizeCILower(), effects.GetEffectSizeCIUpper(), studies);
-}
-
-void TakeRatios(const MABinaryEffectSize& effects, MAStudies& studies)
-{
-    TakeGroups(effects.GetLogControlGRatio(), effects.GetLogTreatmentGRatio(), studies);
-    studies.effectSize = effects.GetLogEffectSizeVal();
-    studies.variance = effects.GetLogEffectSizeVariance();
-    TakeTests(effects.GetLogEffectSizeStdError(), effects.GetLogEffectSizeZVal(),
-              effects.GetLogEffectSizeSig(), effects.GetLogEffectSizeCILower(),
-              effects.GetLogEffectSizeCIUpper(), studies);
-    const std::vector<double> value = effects.GetEffectSizeVal();
-    const std::vector<double> variance = effects.GetEffectSizeVariance();
-    const std::vector<double> stdError = effects.GetEffectSizeStdError();
-    const std::vector<double> lower = effects.GetEffectSizeCILower();
-    const std::vector<double> upper = effects.GetEffectSizeCIUpper();
-    RequireLength(studies.Count(), value, variance, stdError, lower, upper);
-    for (std::size_t i = 0; i < studies.Count(); ++i)
-        studies.ratios.push_back({value[i], variance[i], stdError[i], lower[i], upper[i]});
+    const MATableEffect study = EffectBy<Measure>(corrected);
+    const MAEstimate estimate = EstimateOfStudy(study.effect, study.variance, quantile);
+    studies.effectSize.push_back(estimate.estimate);
+    studies.variance.push_back(estimate.variance);
+    studies.tests.push_back(TestOf(estimate));
+    if constexpr (Measure::onLogScale)
+        studies.ratios.push_back(
+            StudyRatioOf(AsRatio(estimate, Measure::NaturalEffect(corrected, study.effect))));
+    if constexpr (Measure::hasGroups)
+        studies.groupOutcomes.push_back({study.groups.control, study.groups.treatment});
 }
 
 } // namespace
@@ -163,24 +124,15 @@ MAReading ReadTables(MultiPassRecordIter& records, const MAModelSettings& settin
 MATableStudies WithTableEffects(MAStudies studies, MAConst::BINESTYPE measure,
                                 const MAZeroCorrection& correction, double alpha)
 {
-    TableColumns columns(studies.tables);
-    MABinaryEffectSize effectSizes;
-    effectSizes.SetTreatmentGSuccessCounts(&columns.treatmentEvents);
-    effectSizes.SetTreatmentGFailureCounts(&columns.treatmentNonEvents);
-    effectSizes.SetControlGSuccessCounts(&columns.controlEvents);
-    effectSizes.SetControlGFailureCounts(&columns.controlNonEvents);
-    effectSizes.SetZeroCountDelta(correction.delta);
-    effectSizes.SetZeroAdjType(correction.type);
-    effectSizes.SetEstimationMethod(measure);
-    effectSizes.SetSignLevel(alpha);
-    const KXStatus status = effectSizes.ComputeEffectSizeStatistics();
-    if (!status.IsError()) {
-        if (IsOnLogScale(measure))
-            TakeRatios(effectSizes, studies);
-        else
-            TakeDifferences(effectSizes, studies);
-    }
-    return {status, std::move(studies), {effectSizes.GetUpdatedZeroAdjType(), correction.delta}};
+    const MAZeroCorrection resolved = correction.ResolvedFor(studies.tables);
+    const double quantile = TwoSidedNormalQuantile(alpha);
+    WithMeasure(measure, [&](auto type) {
+        using Measure = decltype(type);
+        ReserveEffects(Measure::onLogScale, Measure::hasGroups, studies);
+        for (const MATable& table : studies.tables)
+            AppendEffect<Measure>(resolved.Corrected(table), quantile, studies);
+    });
+    return {std::move(studies), resolved};
 }
 
 } // namespace MA_NAMESPACE

@@ -16,7 +16,6 @@ MAReading ReadTables(MultiPassRecordIter& records, const MAModelSettings& settin
 /// The studies of tables with their effect sizes.
 struct MATableStudies
 {
-    KXStatus status;
     MAStudies studies;
     MAZeroCorrection correction; ///< resolved for the tables
 };
