@@ -10,25 +10,6 @@
 
 namespace MA_NAMESPACE {
 
-namespace {
-
-/// The natural-scale forms of a ratio's variance, test and interval are the exponentials of the log-scale
-/// ones, not delta-method values: hosts show them beside the exponentiated effect.
-MAEstimate AsRatio(const MAEstimate& onLogScale, double ratio)
-{
-    MAEstimate natural;
-    natural.estimate = ratio;
-    natural.variance = RatioOf(onLogScale.variance);
-    natural.stdError = RatioOf(onLogScale.stdError);
-    natural.ciLower = RatioOf(onLogScale.ciLower);
-    natural.ciUpper = RatioOf(onLogScale.ciUpper);
-    natural.statistic = RatioOf(onLogScale.statistic);
-    natural.pValue.value = RatioOf(onLogScale.pValue.value);
-    return natural;
-}
-
-} // namespace
-
 MABinaryEffectSize::MABinaryEffectSize() = default;
 MABinaryEffectSize::MABinaryEffectSize(const MABinaryEffectSize&) = default;
 MABinaryEffectSize& MABinaryEffectSize::operator=(const MABinaryEffectSize&) = default;

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/effectsize/MARatio.h"
 #include "meta_analysis/inference/MAInference.h"
 
 namespace MA_NAMESPACE {
@@ -14,6 +15,21 @@ inline MAEstimate EstimateOfStudy(double effect, double variance, double quantil
     undefined.statistic = undefined.estimate / undefined.stdError;
     undefined.pValue = TwoSidedNormalPValue(undefined.statistic);
     return undefined;
+}
+
+/// The natural-scale forms of a ratio's variance, test and interval are the exponentials of the log-scale
+/// ones, not delta-method values: hosts show them beside the exponentiated effect.
+inline MAEstimate AsRatio(const MAEstimate& onLogScale, double ratio)
+{
+    MAEstimate natural;
+    natural.estimate = ratio;
+    natural.variance = RatioOf(onLogScale.variance);
+    natural.stdError = RatioOf(onLogScale.stdError);
+    natural.ciLower = RatioOf(onLogScale.ciLower);
+    natural.ciUpper = RatioOf(onLogScale.ciUpper);
+    natural.statistic = RatioOf(onLogScale.statistic);
+    natural.pValue.value = RatioOf(onLogScale.pValue.value);
+    return natural;
 }
 
 } // namespace MA_NAMESPACE

@@ -108,7 +108,13 @@ std::vector<MATable> MABinaryFixEffectModel::Tables() const
 
 MATablePoolingChoice MABinaryFixEffectModel::Choice() const
 {
-    return {method_, {zeroAdjustment_, correctionDelta_}, pooledZeroCells_, nullHypothesis_, alpha_};
+    MATablePoolingChoice choice;
+    choice.measure = method_;
+    choice.correction.type = zeroAdjustment_;
+    choice.pooledZeroCells = pooledZeroCells_;
+    choice.nullHypothesis = nullHypothesis_;
+    choice.alpha = alpha_;
+    return choice;
 }
 
 KXStatus MABinaryFixEffectModel::ComputeEffectSizeStatistics()

@@ -102,10 +102,10 @@ public:
     double GetContrastTestCIUpper() const { return contrast_.ciUpper; }
     double GetContrastTestCILower() const { return contrast_.ciLower; }
 
-private:
-    /// Sets the constant of the correction for the analysis, whose user chooses it.
-    friend class MABinModel;
+    /// All of the above but the contrasts, as one value.
+    const MAPooledModel& GetPooledModel() const { return pooled_.model; }
 
+private:
     bool HasCounts() const;
     std::vector<MATable> Tables() const;
     MATablePoolingChoice Choice() const;
@@ -122,7 +122,6 @@ private:
     double nullHypothesis_ = 0.0;
     double alpha_ = 0.05;
     MAConst::ZEROADJTYPE zeroAdjustment_ = MAConst::ZERO_ADJUST_EACH;
-    double correctionDelta_ = 0.5;
     MAConst::POOLEDZEROCELLS pooledZeroCells_ = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
     MAConst::BINESTYPE method_ = MAConst::BIN_ODDS_RATIO;
     std::vector<double> weights_;

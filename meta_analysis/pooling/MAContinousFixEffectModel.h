@@ -73,6 +73,9 @@ public:
     /// 1 / v, one entry per study.
     std::vector<double> GetEstWeight() const { return CopyOf(weights_); }
 
+    /// All of the above but the contrasts, as one value.
+    const MAPooledModel& GetPooledModel() const { return model_; }
+
 private:
     std::size_t studyCount_ = 0;
     const std::vector<double>* effectSizes_ = nullptr;

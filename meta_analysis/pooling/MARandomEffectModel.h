@@ -107,6 +107,9 @@ public:
     double GetBIC() const { return model_.tau2Results.information.bic; }
     double GetAICc() const { return model_.tau2Results.information.aicc; }
 
+    /// All of the above but the contrasts, as one value.
+    const MAPooledModel& GetPooledModel() const { return model_; }
+
 private:
     MAEffects Studies() const;
 

@@ -141,6 +141,17 @@ MAPooledTables PoolTables(std::span<const MATable> tables, const MATablePoolingC
     return result;
 }
 
+int CountUninformative(std::span<const MATable> tables, const MATablePoolingChoice& choice)
+{
+    int count = 0;
+    WithBinaryPooling(choice.measure, [&](auto pooling) {
+        const MAPooledCounts<decltype(pooling)> counts(choice.pooledZeroCells);
+        for (const MATable& table : tables)
+            count += !counts.Includes(table);
+    });
+    return count;
+}
+
 std::vector<MATableEstimate> PoolTablePrefixes(std::span<const MATable> tables,
                                                const MATablePoolingChoice& choice)
 {
