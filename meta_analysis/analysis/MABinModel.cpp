@@ -254,17 +254,17 @@ std::vector<double> MABinModel::GetExpCIUpper() const
 
 std::vector<double> MABinModel::GetEstExpEffectSize() const
 {
-    return IsOnLogScale(GetESType()) ? Exponentiated(GetEstEffectSize()) : std::vector<double>();
+    return HasRatios() ? Exponentiated(GetEstEffectSize()) : std::vector<double>();
 }
 
 std::vector<double> MABinModel::GetEstExpCILower() const
 {
-    return IsOnLogScale(GetESType()) ? Exponentiated(GetEstCILower()) : std::vector<double>();
+    return HasRatios() ? Exponentiated(GetEstCILower()) : std::vector<double>();
 }
 
 std::vector<double> MABinModel::GetEstExpCIUpper() const
 {
-    return IsOnLogScale(GetESType()) ? Exponentiated(GetEstCIUpper()) : std::vector<double>();
+    return HasRatios() ? Exponentiated(GetEstCIUpper()) : std::vector<double>();
 }
 
 std::vector<double> MABinModel::GetExpPILower() const
@@ -294,22 +294,28 @@ std::vector<double> MABinModel::GetContrastExpEstCIUpper() const
 
 std::vector<std::vector<double>> MABinModel::GetCumExpEstES() const
 {
-    return IsOnLogScale(GetESType()) ? Exponentiated(GetCumEstES()) : std::vector<std::vector<double>>();
+    return HasRatios() ? Exponentiated(GetCumEstES()) : std::vector<std::vector<double>>();
 }
 
 std::vector<std::vector<double>> MABinModel::GetCumExpEstCiLower() const
 {
-    return IsOnLogScale(GetESType()) ? Exponentiated(GetCumEstCiLower()) : std::vector<std::vector<double>>();
+    return HasRatios() ? Exponentiated(GetCumEstCiLower()) : std::vector<std::vector<double>>();
 }
 
 std::vector<std::vector<double>> MABinModel::GetCumExpEstCiUpper() const
 {
-    return IsOnLogScale(GetESType()) ? Exponentiated(GetCumEstCiUpper()) : std::vector<std::vector<double>>();
+    return HasRatios() ? Exponentiated(GetCumEstCiUpper()) : std::vector<std::vector<double>>();
+}
+
+/// Settings of a run to come do not matter.
+bool MABinModel::HasRatios() const
+{
+    return IsOnLogScale(Results().settings.tables.measure);
 }
 
 bool MABinModel::HasFilledRatio() const
 {
-    return IsOnLogScale(GetESType()) &&
+    return HasRatios() &&
            (GetTFImputedN0() == 0 || settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY);
 }
 

@@ -127,6 +127,7 @@ public:
 private:
     bool HasTables() const;
     bool HasLabbePlot() const;
+    bool HasRatios() const;
     /// Whether the trim-and-fill model has a ratio scale: one with imputed studies only for outcomes that the
     /// settings call binary.
     bool HasFilledRatio() const;
