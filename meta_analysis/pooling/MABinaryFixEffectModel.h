@@ -2,7 +2,7 @@
 
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
-#include "meta_analysis/pooling/MAHeterogeneityGetters.h"
+#include "meta_analysis/pooling/MAPooledModelGetters.h"
 #include "meta_analysis/settings/MAConst.h"
 #include "meta_analysis/settings/Memory.h"
 
@@ -26,7 +26,7 @@ struct MATablePoolingChoice;
 /// must outlive the object, and receive the zero-cell correction; a second computation corrects them again.
 ///
 /// The status is sticky: after an error every later setter and step does nothing and returns it.
-class META_ANALYSIS_EXPORT MABinaryFixEffectModel : public MAHeterogeneityGetters
+class META_ANALYSIS_EXPORT MABinaryFixEffectModel : public MAPooledModelGetters
 {
 public:
     MABinaryFixEffectModel();
@@ -101,9 +101,6 @@ public:
     double GetContrastTest2SidedLog10Sig() const { return contrast_.pValue.Log10(); }
     double GetContrastTestCIUpper() const { return contrast_.ciUpper; }
     double GetContrastTestCILower() const { return contrast_.ciLower; }
-
-    /// All of the above but the contrasts, as one value.
-    const MAPooledModel& GetPooledModel() const { return pooled_.model; }
 
 private:
     bool HasCounts() const;

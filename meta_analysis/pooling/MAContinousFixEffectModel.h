@@ -2,7 +2,7 @@
 
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
-#include "meta_analysis/pooling/MAHeterogeneityGetters.h"
+#include "meta_analysis/pooling/MAPooledModelGetters.h"
 #include "meta_analysis/pooling/MAPoolingChoice.h"
 #include "meta_analysis/settings/Memory.h"
 
@@ -23,7 +23,7 @@ namespace MA_NAMESPACE {
 ///
 /// The status is sticky: once a setter has refused a vector (`MAStatusCode::LENGTH_MISMATCH`), every later
 /// setter and the estimation do nothing and return that error.
-class META_ANALYSIS_EXPORT MAContinousFixEffectModel : public MAHeterogeneityGetters
+class META_ANALYSIS_EXPORT MAContinousFixEffectModel : public MAPooledModelGetters
 {
 public:
     MAContinousFixEffectModel();
@@ -72,9 +72,6 @@ public:
 
     /// 1 / v, one entry per study.
     std::vector<double> GetEstWeight() const { return CopyOf(weights_); }
-
-    /// All of the above but the contrasts, as one value.
-    const MAPooledModel& GetPooledModel() const { return model_; }
 
 private:
     std::size_t studyCount_ = 0;

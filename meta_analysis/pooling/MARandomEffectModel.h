@@ -2,7 +2,7 @@
 
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
-#include "meta_analysis/pooling/MAHeterogeneityGetters.h"
+#include "meta_analysis/pooling/MAPooledModelGetters.h"
 #include "meta_analysis/pooling/MAPoolingChoice.h"
 #include "meta_analysis/settings/MAConst.h"
 
@@ -25,7 +25,7 @@ struct MAEffects;
 /// allocation.
 ///
 /// The status is sticky: after an error every setter and the estimation do nothing and return it.
-class META_ANALYSIS_EXPORT MARandomEffectModel : public MAHeterogeneityGetters
+class META_ANALYSIS_EXPORT MARandomEffectModel : public MAPooledModelGetters
 {
 public:
     MARandomEffectModel();
@@ -106,9 +106,6 @@ public:
     double GetAIC() const { return model_.tau2Results.information.aic; }
     double GetBIC() const { return model_.tau2Results.information.bic; }
     double GetAICc() const { return model_.tau2Results.information.aicc; }
-
-    /// All of the above but the contrasts, as one value.
-    const MAPooledModel& GetPooledModel() const { return model_; }
 
 private:
     MAEffects Studies() const;

@@ -4,10 +4,13 @@
 
 namespace MA_NAMESPACE {
 
-/// The getters of heterogeneity that every pooling class has. All are missing for fewer than two studies.
-class MAHeterogeneityGetters
+/// The getters that every pooling class has. Those of heterogeneity are missing for fewer than two studies.
+class MAPooledModelGetters
 {
 public:
+    /// All results on the scale of the analysis; of the last estimation, and until then missing.
+    const MAPooledModel& GetPooledModel() const { return model_; }
+
     /// Cochran's Q = sum(w (y - mean)²) with fixed-effect weights and mean, its degrees of freedom, and its
     /// chi-square p-value with the decimal logarithm, which is right also where the p-value underflows.
     double GetHomogeneityTestQ() const { return model_.homogeneity.q; }
@@ -27,10 +30,10 @@ public:
     double GetHeterogeneityTestI2CIUpper() const { return model_.heterogeneity.i2Upper; }
 
 protected:
-    ~MAHeterogeneityGetters() = default;
-    MAHeterogeneityGetters() = default;
-    MAHeterogeneityGetters(const MAHeterogeneityGetters&) = default;
-    MAHeterogeneityGetters& operator=(const MAHeterogeneityGetters&) = default;
+    ~MAPooledModelGetters() = default;
+    MAPooledModelGetters() = default;
+    MAPooledModelGetters(const MAPooledModelGetters&) = default;
+    MAPooledModelGetters& operator=(const MAPooledModelGetters&) = default;
 
     MAPooledModel model_;
 };
