@@ -1,0 +1,70 @@
+#include "meta_analysis/analysis/steps/MALeaveOneOut.h"
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+/// A column without one of its entries, the first to begin with.
+template <class T>
+class ColumnButOne
+{
+public:
+    explicit ColumnButOne(const std::vector<T>& all)
+        : all_(all), others_(all.begin() + (all.empty() ? 0 : 1), all.end())
+    {}
+
+    const std::vector<T>& Others() const { return others_; }
+
+    /// Leaves entry `i` + 1 out in place of entry `i`.
+    void Proceed(std::size_t i)
+    {
+        if (i < others_.size())
+            others_[i] = all_[i];
+    }
+
+private:
+    const std::vector<T>& all_;
+    std::vector<T> others_;
+};
+
+/// `pool()` pools the studies that are left; `proceed(i)` leaves out the study after i.
+template <class PoolOthers, class Proceed>
+MALeaveOneOut LeaveEachOut(std::size_t count, PoolOthers pool, Proceed proceed)
+{
+    MALeaveOneOut result;
+    result.models.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const MAPooledStudies pooled = pool();
+        result.status = pooled.model.status;
+        if (result.status.IsError())
+            break;
+        result.models.push_back(pooled.model);
+        result.isTau2Doubtful = result.isTau2Doubtful || pooled.isTau2Doubtful;
+        proceed(i);
+    }
+    return result;
+}
+
+} // namespace
+
+MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice)
+{
+    const std::size_t count = studies.Count() < 2 ? 0 : studies.Count();
+    if (choice.poolsTables) {
+        ColumnButOne tables(studies.tables);
+        return LeaveEachOut(
+            count, [&] { return PoolCounts(tables.Others(), choice); },
+            [&](std::size_t i) { tables.Proceed(i); });
+    }
+    const MAModelChoice stepChoice = WithoutTau2Interval(choice);
+    ColumnButOne effectSizes(studies.effectSize);
+    ColumnButOne variances(studies.variance);
+    return LeaveEachOut(
+        count, [&] { return PoolEffects({effectSizes.Others(), variances.Others()}, stepChoice); },
+        [&](std::size_t i) {
+            effectSizes.Proceed(i);
+            variances.Proceed(i);
+        });
+}
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,22 @@
+#pragma once
+
+#include "meta_analysis/analysis/models/MAPool.h"
+
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+/// The models of all studies but one: entry i leaves study i out. After an error, which is that of the first
+/// model that failed, the models before it.
+struct MALeaveOneOut
+{
+    KXStatus status;
+    std::vector<MAPooledModel> models;
+    bool isTau2Doubtful = false; ///< whether tau² of one of them may be off the estimate it is labelled with
+};
+
+/// Pools all studies but one, for each in turn, as a run without that study would; effect sizes and tables
+/// keep the zero-cell correction that they have. Empty for fewer than two studies. Cost: one pooling a study.
+MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice);
+
+} // namespace MA_NAMESPACE
