@@ -132,7 +132,10 @@ void MABinaryEffectSize::AppendStudy(const MATable& table, double quantile)
     const MAEstimate estimate = EstimateOfStudy(study.effect, study.variance, quantile);
     if constexpr (Measure::onLogScale) {
         log_.Append(estimate);
-        natural_.Append(AsRatio(estimate, Measure::NaturalEffect(table, study.effect)));
+        MAEstimate natural = AsRatio(estimate, Measure::NaturalEffect(table, study.effect));
+        natural.statistic = RatioOf(estimate.statistic);
+        natural.pValue.value = RatioOf(estimate.pValue.value);
+        natural_.Append(natural);
     } else {
         natural_.Append(estimate);
     }

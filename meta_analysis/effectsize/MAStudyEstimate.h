@@ -17,8 +17,8 @@ inline MAEstimate EstimateOfStudy(double effect, double variance, double quantil
     return undefined;
 }
 
-/// The natural-scale forms of a ratio's variance, test and interval are the exponentials of the log-scale
-/// ones, not delta-method values: hosts show them beside the exponentiated effect.
+/// The natural-scale forms of a ratio's variance and interval are the exponentials of the log-scale ones, not
+/// delta-method values: hosts show them beside the exponentiated effect. Without a test.
 inline MAEstimate AsRatio(const MAEstimate& onLogScale, double ratio)
 {
     MAEstimate natural;
@@ -27,8 +27,6 @@ inline MAEstimate AsRatio(const MAEstimate& onLogScale, double ratio)
     natural.stdError = RatioOf(onLogScale.stdError);
     natural.ciLower = RatioOf(onLogScale.ciLower);
     natural.ciUpper = RatioOf(onLogScale.ciUpper);
-    natural.statistic = RatioOf(onLogScale.statistic);
-    natural.pValue.value = RatioOf(onLogScale.pValue.value);
     return natural;
 }
 

@@ -13,13 +13,13 @@ struct MAMeasure
 };
 
 /// Each measure stands at the position that is its number.
-inline constexpr MAMeasure measures[] = {
+inline constexpr MAMeasure allMeasures[] = {
     {MAConst::BIN_ODDS_RATIO, true, true},
     {MAConst::BIN_PETO_ODDS_RATIO, true, false},
     {MAConst::BIN_RISK_RATIO, true, true},
     {MAConst::BIN_RISK_DIFFERENCE, false, true},
 };
-inline constexpr int measureCount = sizeof measures / sizeof *measures;
+inline constexpr int measureCount = sizeof allMeasures / sizeof *allMeasures;
 
 constexpr bool IsMeasure(MAConst::BINESTYPE type)
 {
@@ -29,12 +29,12 @@ constexpr bool IsMeasure(MAConst::BINESTYPE type)
 /// A number outside the enumeration counts as a ratio.
 constexpr bool IsOnLogScale(MAConst::BINESTYPE type)
 {
-    return !IsMeasure(type) || measures[type].onLogScale;
+    return !IsMeasure(type) || allMeasures[type].onLogScale;
 }
 
 constexpr bool HasGroupValues(MAConst::BINESTYPE type)
 {
-    return IsMeasure(type) && measures[type].hasGroupValues;
+    return IsMeasure(type) && allMeasures[type].hasGroupValues;
 }
 
 } // namespace MA_NAMESPACE

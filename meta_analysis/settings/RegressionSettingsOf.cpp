@@ -11,7 +11,7 @@ MARegSettings RegressionSettingsOf(const MAModelSettings& settings)
     MARegSettings regression;
     regression.SetInterceptUse(true);
     if (IsEstimator(estimator))
-        regression.SetEstTauType(estimators[estimator].code);
+        regression.SetEstTauType(allEstimators[estimator].code);
     regression.SetTau2Search(settings.GetTau2Search());
     regression.SetKnapHartAdjust(adjustment != MAConst::KNAPP_HARTUNG_NONE);
     regression.SetTruncAjustValue(adjustment == MAConst::KNAPP_HARTUNG_TRUNCATED);
