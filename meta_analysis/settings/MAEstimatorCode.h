@@ -13,7 +13,7 @@ namespace MA_NAMESPACE {
 inline constexpr const char* estimatorCodes[] = {"HE", "HS", "DL", "SJ", "ML", "REML", "EB"};
 inline constexpr int estimatorCodeCount = sizeof estimatorCodes / sizeof *estimatorCodes;
 
-/// The number behind a code that is none of the known ones.
+/// The number of a code that is none of the known ones.
 inline constexpr int unknownEstimator = estimatorCodeCount;
 
 /// The number of the estimator with this code.
