@@ -1,41 +1,122 @@
 #include "meta_analysis/analysis/MABaseModel.h"
 
-#include "meta_analysis/analysis/models/MAModelBuilder.h"
-#include "meta_analysis/analysis/models/MAModelRows.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/analysis/MAAnalysisState.h"
+#include "meta_analysis/analysis/studies/MACompleteStudies.h"
+#include "meta_analysis/analysis/studies/MARecordPass.h"
+#include "meta_analysis/settings/Alpha.h"
 #include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/MAWarnings.h"
+#include "meta_analysis/settings/Memory.h"
 
-#include <algorithm>
-#include <cmath>
-#include <set>
+#include <utility>
 
 namespace MA_NAMESPACE {
 
-namespace {
-
-double Tau2Of(const MAContinousFixEffectModel& /*model*/)
-{
-    return 0.0;
-}
-
-double Tau2Of(const MARandomEffectModel& model)
-{
-    return model.GetBetweenStudyVariance();
-}
-
-} // namespace
-
-MABaseModel::MABaseModel(const MAModelSettings& settings) : MAAnalysisResults(settings) {}
+MABaseModel::MABaseModel(const MAModelSettings& settings) : MABaseModel(settings, MAConst::OUTCOME_CONTINUOUS)
+{}
+MABaseModel::MABaseModel(const MAModelSettings& settings, MAConst::OUTCOMETYPE outcome)
+    : MAAnalysisResults(settings, outcome)
+{}
 MABaseModel::MABaseModel(const MABaseModel&) = default;
 MABaseModel& MABaseModel::operator=(const MABaseModel&) = default;
 MABaseModel::~MABaseModel() = default;
+
+KXStatus MABaseModel::Run(MultiPassRecordIter& records, const KXVarList& variables)
+{
+    Restart();
+    State().settings.run = RunSettingsOf(*settings_);
+    if (ReadStudies(records).IsError())
+        return status_;
+    CheckInputSettings();
+    State().groups.values = GetUniqGroupElem();
+    State().groups.shownValues = State().groups.values;
+    if (BuildModels(PoolsTables() ? TableChoice() : EffectsChoice()).IsError() ||
+        TestContrastsOfRun().IsError())
+        return status_;
+    if (State().studies.Count() == 1)
+        return status_;
+    if (TestForSmallStudies(records, variables).IsError() || TrimAndFillInRun().IsError() ||
+        ComputePlotStatistics().IsError())
+        return status_;
+    AppendImputedToFunnel();
+    return status_;
+}
+
+// Reading
 
 KXStatus MABaseModel::ESCalc(MultiPassRecordIter& /*records*/)
 {
     return KXStatus();
 }
+
+KXStatus MABaseModel::ReadStudies(MultiPassRecordIter& records)
+{
+    const bool isRaw = State().settings.run.inputType == MAConst::INPUT_RAW;
+    const KXStatus computed = isRaw ? ESCalc(records) : KXStatus();
+    return computed.IsError() ? status_ = computed : ExtractModelInputData(records);
+}
+
+KXStatus MABaseModel::ExtractModelInputData(MultiPassRecordIter& records)
+{
+    return ForgetIfBroken(Guarded(status_, [&] { return status_ = ExtractModelInput(records); }));
+}
+
+KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
+{
+    const KXStatus started = StartPass(records);
+    if (started.IsError())
+        return started;
+    MAAnalysisState& state = State();
+    state.settings.alpha = AlphaOf(settings_->GetCILevel());
+    state.groups.members.clear();
+    if (settings_->GetInputESType() == MAConst::INPUT_READY_MADE) {
+        state.settings.tables.measure = settings_->GetBinaryEstType();
+        return Take(ReadReadyMadeStudies(records, *settings_, state.settings.alpha));
+    }
+    return Take(
+        CompleteStudies(records, *settings_, {KXStatus(), std::move(state.studies), state.counts, {}}));
+}
+
+KXStatus MABaseModel::Take(MAReading reading)
+{
+    State().studies = std::move(reading.studies);
+    State().counts = reading.counts;
+    AddWarnings(reading.warnings);
+    return reading.status;
+}
+
+KXStatus MABaseModel::ForgetIfBroken(const KXStatus& result)
+{
+    if (!result.IsError() || !HasState())
+        return result;
+    MAAnalysisState& state = State();
+    if (result.GetCode() == MAStatusCode::OUT_OF_MEMORY) {
+        state.studies = MAStudies();
+        state.groups.members.clear();
+        state.counts = MARecordCounts();
+    } else if (state.studies.Count() != state.studies.recordNumber.size()) {
+        state.studies = MAStudies();
+    }
+    return result;
+}
+
+bool MABaseModel::HasRead() const
+{
+    return Results().counts.records != MARecordCounts::unread || Results().studies.Count() > 0;
+}
+
+bool MABaseModel::HasGroupValues() const
+{
+    return HasRead() && Results().studies.groupValue.size() == Results().studies.Count();
+}
+
+bool MABaseModel::HasCumulativeValues() const
+{
+    return !Results().studies.cumulativeValue.empty();
+}
+
+// Warnings
 
 bool MABaseModel::AddNewWarning(const KXStatus& status, std::vector<KXStatus>& list)
 {
@@ -48,7 +129,7 @@ bool MABaseModel::AddNewWarning(const KXStatus& status, std::vector<KXStatus>& l
 
 void MABaseModel::AddWarning(const KXStatus& warning)
 {
-    AppendNewWarning(warning, warnings_);
+    AppendNewWarning(warning, State().warnings);
 }
 
 void MABaseModel::AddWarnings(const std::vector<int>& codes)
@@ -57,125 +138,55 @@ void MABaseModel::AddWarnings(const std::vector<int>& codes)
         AddWarning(code);
 }
 
-void MABaseModel::CopyRunSettings()
+/// Of the warnings of a test's or a plot's regression, those that its figures are not what they are labelled:
+/// a doubtful tau², a confidence level outside (0, 1), no iteration.
+void MABaseModel::AddWarningsOfFigures(const std::vector<KXStatus>& warnings)
 {
-    modelType_ = settings_->GetModelType();
-    tau2Estimator_ = settings_->GetEstTauType();
-    knappHartung_ = settings_->GetKnapHartAdjustType();
-    weightType_ = settings_->GetWeightType();
-    inputType_ = settings_->GetInputESType();
-}
-
-KXStatus MABaseModel::ReadStudies(MultiPassRecordIter& records)
-{
-    const KXStatus computed = inputType_ == MAConst::INPUT_RAW ? ESCalc(records) : KXStatus();
-    return computed.IsError() ? status_ = computed : ExtractModelInputData(records);
+    for (const KXStatus& warning : warnings) {
+        if (warning.GetCode() >= MAStatusCode::TAU2_DOUBTFUL)
+            AddWarning(warning);
+    }
 }
 
 void MABaseModel::CheckInputSettings()
 {
-    AddWarnings(WarningsOfRun(*settings_, studies_.Count()));
+    AddWarnings(WarningsOfRun(*settings_, Results().studies.Count()));
+    if (outcome_ == MAConst::OUTCOME_BINARY)
+        AddWarnings(WarningsOfBinaryRun(*settings_));
 }
 
-void MABaseModel::PrepareGroups()
+// Models
+
+MAModelChoice MABaseModel::EffectsChoice() const
 {
-    groupValues_ = GetUniqGroupElem();
-    groupCount_ = static_cast<int>(groupValues_.size());
-    trimFillRunning_ = false;
+    return EffectsModel(*settings_, Results().settings.run, outcome_, Results().settings.alpha);
 }
 
-std::vector<double> MABaseModel::GetUniqGroupElem() const
+MAModelChoice MABaseModel::TableChoice() const
 {
-    const std::set<double> distinct(studies_.groupValue.begin(), studies_.groupValue.end());
-    return {distinct.begin(), distinct.end()};
+    MAModelChoice choice = EffectsChoice();
+    choice.poolsTables = true;
+    choice.tables = Results().settings.tables;
+    choice.tables.nullHypothesis = choice.fixed.nullHypothesis;
+    choice.tables.alpha = choice.fixed.alpha;
+    return choice;
 }
 
-/// One model of all studies, one per subgroup, or one after each study of a cumulative analysis.
-void MABaseModel::BuildModels(MAModelBuilder& builder)
+bool MABaseModel::PoolsTables() const
 {
-    if (HasCumulativeValues()) {
-        BuildCumulative(builder);
-    } else if (HasGroups()) {
-        BuildSubGroups(builder);
-    } else {
-        builder.BuildAll();
-        modelRecords_.push_back(studies_.recordNumber);
-    }
-}
-
-void MABaseModel::RunTrimFill()
-{
-    trimFillRunning_ = settings_->GetIsTRIMFILL();
-    if (trimFillRunning_)
-        TrimFill();
-}
-
-/// The imputed studies are the last row of the funnel plot, without a contour of their own.
-void MABaseModel::AppendImputedToFunnel()
-{
-    funnel_.x.push_back(imputed_.effectSize);
-    CalcFunnelPlotY(imputed_.variance, true);
-}
-
-MAContinousFixEffectModel MABaseModel::NewContFixEffectModel(const std::vector<double>& effectSizes,
-                                                             const std::vector<double>& variances) const
-{
-    MAContinousFixEffectModel model;
-    model.SetEffectSizes(&effectSizes);
-    model.SetVariances(&variances);
-    model.SetNullHypothesis(settings_->GetNullHypothesis());
-    model.SetSignLevel(alpha_);
-    return model;
-}
-
-MARandomEffectModel MABaseModel::NewRandomEffectModel(const std::vector<double>& effectSizes,
-                                                      const std::vector<double>& variances) const
-{
-    MARandomEffectModel model;
-    model.SetEffectSizes(&effectSizes);
-    model.SetVariances(&variances);
-    model.SetEstimationType(tau2Estimator_);
-    model.SetKHAdjType(knappHartung_);
-    model.SetSignLevel(alpha_);
-    model.SetMaxIter(settings_->GetMaxIter());
-    model.SetMaxStepHalving(settings_->GetMaxStepHalving());
-    model.SetConverTol(settings_->GetConnvergenceTol());
-    model.SetTau2Search(settings_->GetTau2Search());
-    model.SetTau2Interval(settings_->GetTau2Interval());
-    model.SetPrediction(settings_->GetPrediction());
-    SetThreshold(model);
-    return model;
-}
-
-/// The model of a step of a cumulative analysis or of trimming, whose interval of tau² is not reported.
-MARandomEffectModel MABaseModel::NewStepModel(const std::vector<double>& effectSizes,
-                                              const std::vector<double>& variances) const
-{
-    MARandomEffectModel model = NewRandomEffectModel(effectSizes, variances);
-    model.SetTau2Interval(MAConst::TAU2_INTERVAL_NONE);
-    return model;
-}
-
-/// A threshold of ratios is given on the natural scale; every ratio is above one that is not positive.
-void MABaseModel::SetThreshold(MARandomEffectModel& model) const
-{
-    const auto onAnalysisScale = [this](double value) {
-        return IsOnLogScale() && !KXMV::IsMissing(value) ? std::log(std::max(value, 0.0)) : value;
-    };
-    if (!KXMV::IsMissing(settings_->GetProbabilityAbove()))
-        model.SetProbabilityAbove(onAnalysisScale(settings_->GetProbabilityAbove()));
-    else
-        model.SetProbabilityBelow(onAnalysisScale(settings_->GetProbabilityBelow()));
+    return PoolsCounts(Results().settings.run, outcome_);
 }
 
 KXStatus MABaseModel::BuildModel(const std::vector<double>& effectSizes, const std::vector<double>& variances)
 {
     return Guarded(status_, [&] {
-        return modelType_ == MAConst::MODEL_FIXED
-                   ? Build(NewContFixEffectModel(effectSizes, variances), variances)
-                   : Build(RecordsTestOutput() ? NewRandomEffectModel(effectSizes, variances)
-                                               : NewStepModel(effectSizes, variances),
-                           variances);
+        const MAEffects effects = {effectSizes, variances};
+        MAPooledStudies pooled;
+        if (HasCumulativeValues())
+            pooled.model = PoolStep(effects, WithoutTau2Interval(EffectsChoice()));
+        else
+            pooled = PoolEffects(effects, EffectsChoice());
+        return AppendModel(pooled, variances.size(), InverseVarianceWeights(variances, pooled.model));
     });
 }
 
@@ -183,75 +194,119 @@ KXStatus MABaseModel::BuildOnlyTestModel(const std::vector<double>& effectSizes,
                                          const std::vector<double>& variances)
 {
     return Guarded(status_, [&] {
-        return modelType_ == MAConst::MODEL_FIXED ? BuildTest(NewContFixEffectModel(effectSizes, variances))
-                                                  : BuildTest(NewRandomEffectModel(effectSizes, variances));
+        const MAPooledStudies pooled = PoolEffects({effectSizes, variances}, EffectsChoice());
+        status_ = pooled.model.status;
+        if (!status_.IsError())
+            AppendReported(pooled);
+        return status_;
     });
 }
 
-template <class Model>
-KXStatus MABaseModel::Build(Model model, const std::vector<double>& variances)
+KXStatus MABaseModel::AppendModel(const MAPooledStudies& pooled, std::size_t studyCount,
+                                  const std::vector<double>& weights)
 {
-    status_ = model.EstimateMeanESStats();
+    status_ = pooled.model.status;
     if (status_.IsError())
         return status_;
-    results_.models.push_back(RowOf(model));
-    if (RecordsTestOutput())
-        RecordTestOutput(model);
-    RecordInverseVarianceWeights(variances, Tau2Of(model));
-    if (RecordsGroupSize())
-        groupSizes_.push_back(static_cast<int>(variances.size()));
+    State().models.models.push_back({pooled.model.effect, pooled.correctedTables});
+    if (!HasCumulativeValues())
+        AppendReported(pooled);
+    if (studyCount == Results().studies.Count())
+        State().models.weights.insert(State().models.weights.end(), weights.begin(), weights.end());
+    if (!HasCumulativeValues() && Results().groups.values.size() == 1)
+        State().models.groupSizes.push_back(static_cast<int>(studyCount));
     return status_;
 }
 
-void MABaseModel::RecordInverseVarianceWeights(const std::vector<double>& variances, double tau2)
+void MABaseModel::AppendReported(const MAPooledStudies& pooled)
 {
-    if (!RecordsWeights(variances.size()))
-        return;
-    weights_.reserve(weights_.size() + variances.size());
-    for (const double variance : variances)
-        weights_.push_back(1.0 / (tau2 + variance));
-}
-
-template <class Model>
-KXStatus MABaseModel::BuildTest(Model model)
-{
-    status_ = model.EstimateMeanESStats();
-    if (!status_.IsError())
-        RecordTestOutput(model);
-    return status_;
-}
-
-/// Scoring, the default, can miss the estimate that a reported model is labelled with.
-void MABaseModel::WarnOfDoubtfulTau2(const MARandomEffectModel& model)
-{
-    if (model.HasDoubtfulTau2())
+    AppendHeterogeneity(pooled.model);
+    if (pooled.isTau2Doubtful)
         AddWarning(MAStatusCode::TAU2_DOUBTFUL);
 }
 
-void MABaseModel::RecordTestOutput(const MARandomEffectModel& model)
+void MABaseModel::AppendHeterogeneity(const MAPooledModel& model)
 {
-    GetRandomModelTestOutput(model);
-    WarnOfDoubtfulTau2(model);
+    Guarded(status_, [&] {
+        MAModelLists& models = State().models;
+        models.tau2.reserve(models.tau2.size() + 1); // so that both lists grow, or neither
+        models.heterogeneity.push_back(model);
+        models.tau2.push_back(model.tau2);
+        return status_;
+    });
+}
+
+MAContinousFixEffectModel MABaseModel::NewContFixEffectModel(const std::vector<double>& effectSizes,
+                                                             const std::vector<double>& variances) const
+{
+    const MAFixedEffectChoice choice = EffectsChoice().fixed;
+    MAContinousFixEffectModel model;
+    model.SetEffectSizes(&effectSizes);
+    model.SetVariances(&variances);
+    model.SetNullHypothesis(choice.nullHypothesis);
+    model.SetSignLevel(choice.alpha);
+    return model;
+}
+
+MARandomEffectModel MABaseModel::NewRandomEffectModel(const std::vector<double>& effectSizes,
+                                                      const std::vector<double>& variances) const
+{
+    const MARandomEffectsChoice choice = EffectsChoice().random;
+    MARandomEffectModel model;
+    model.SetEffectSizes(&effectSizes);
+    model.SetVariances(&variances);
+    model.SetEstimationType(choice.estimator);
+    model.SetKHAdjType(choice.knappHartung);
+    model.SetSignLevel(choice.alpha);
+    model.SetMaxIter(choice.limits.maxIter);
+    model.SetMaxStepHalving(choice.limits.maxStepHalving);
+    model.SetConverTol(choice.limits.tolerance);
+    model.SetTau2Search(choice.search);
+    model.SetTau2Interval(choice.tau2Interval);
+    model.SetPrediction(choice.prediction);
+    if (choice.isThresholdAbove)
+        model.SetProbabilityAbove(choice.threshold);
+    else
+        model.SetProbabilityBelow(choice.threshold);
+    return model;
 }
 
 void MABaseModel::GetContFixModelTestOutput(const MAContinousFixEffectModel& model)
 {
-    AppendTestOutput(HeterogeneityRowOf(model), KXMV::Missing());
+    AppendHeterogeneity(model.GetPooledModel());
 }
 
 void MABaseModel::GetRandomModelTestOutput(const MARandomEffectModel& model)
 {
-    AppendTestOutput(HeterogeneityRowOf(model), model.GetBetweenStudyVariance());
+    AppendHeterogeneity(model.GetPooledModel());
 }
 
-void MABaseModel::AppendTestOutput(const MAHeterogeneityRow& row, double tau2)
+void MABaseModel::ResetEstESStat(bool alsoTau2)
 {
-    Guarded(status_, [&] {
-        results_.tau2.reserve(results_.tau2.size() + 1); // so that both lists grow, or neither
-        heterogeneity_.push_back(row);
-        results_.tau2.push_back(tau2);
-        return status_;
-    });
+    if (!HasState())
+        return;
+    State().models.models.clear();
+    if (alsoTau2)
+        State().models.tau2.clear();
+}
+
+/// One model of all studies, one per subgroup, or one after each study of a cumulative analysis.
+KXStatus MABaseModel::BuildModels(const MAModelChoice& choice)
+{
+    if (HasCumulativeValues())
+        return BuildCumulative(choice);
+    if (Results().groups.AreSeveral())
+        return BuildSubgroups(choice);
+    BuildOverall(choice);
+    State().models.recordNumbers.push_back(Results().studies.recordNumber);
+    return status_;
+}
+
+KXStatus MABaseModel::BuildOverall(const MAModelChoice& choice)
+{
+    const MAStudies& studies = Results().studies;
+    const MAPooledStudies pooled = Pool(studies, choice);
+    return AppendModel(pooled, studies.Count(), PoolingWeights(studies, pooled));
 }
 
 } // namespace MA_NAMESPACE

@@ -1,17 +1,17 @@
 #include "meta_analysis/analysis/MABinModel.h"
 
-#include "meta_analysis/analysis/models/InverseVarianceBuilder.h"
-#include "meta_analysis/analysis/models/MAModelRows.h"
-#include "meta_analysis/analysis/models/TableBuilder.h"
-#include "meta_analysis/effectsize/MAZeroCorrection.h"
-#include "meta_analysis/pooling/MABinaryPooling.h"
-#include "meta_analysis/pooling/MAPooledCounts.h"
-#include "meta_analysis/settings/Guarded.h"
-#include "meta_analysis/settings/MASettingsWarnings.h"
+#include "meta_analysis/analysis/MAAnalysisState.h"
+#include "meta_analysis/analysis/MAResultColumns.h"
+#include "meta_analysis/analysis/studies/MARecordPass.h"
+#include "meta_analysis/analysis/studies/MATableStudies.h"
+#include "meta_analysis/effectsize/MARatio.h"
+#include "meta_analysis/settings/Alpha.h"
+#include "meta_analysis/settings/MAMeasures.h"
 #include "meta_analysis/settings/MAStatusCode.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <algorithm>
-#include <cmath>
+#include <utility>
 
 namespace MA_NAMESPACE {
 
@@ -23,31 +23,23 @@ std::vector<double> Exponentiated(std::vector<double> values)
     return values;
 }
 
-/// The results of a fitted model on the scale of the analysis.
-MAModelRow RowOf(const MABinaryFixEffectModel& model, bool onLogScale)
+std::vector<std::vector<double>> Exponentiated(std::vector<std::vector<double>> rows)
 {
-    if (onLogScale)
-        return {model.GetLogEstESVal(),
-                model.GetLogEstESVariance(),
-                model.GetLogEstESStdError(),
-                model.GetEstESZVal(),
-                PValueOf(model.GetEstESSig(), [&] { return model.GetEstESLog10Sig(); }),
-                model.GetLogEstESCILower(),
-                model.GetLogEstESCIUpper(),
-                model.GetNPoolCorrected()};
-    return {model.GetEstESVal(),
-            model.GetEstESVariance(),
-            model.GetEstESStdError(),
-            model.GetEstESZVal(),
-            PValueOf(model.GetEstESSig(), [&] { return model.GetEstESLog10Sig(); }),
-            model.GetEstESCILower(),
-            model.GetEstESCIUpper(),
-            model.GetNPoolCorrected()};
+    for (std::vector<double>& row : rows)
+        row = Exponentiated(std::move(row));
+    return rows;
+}
+
+/// A field of every point of every plot.
+std::vector<std::vector<double>> LabbeColumn(const std::vector<std::vector<MALabbePoint>>& plots,
+                                             double MALabbePoint::*field)
+{
+    return FieldOf(plots, [=](const std::vector<MALabbePoint>& plot) { return FieldOf(plot, field); });
 }
 
 } // namespace
 
-MABinModel::MABinModel(const MAModelSettings& settings) : MABaseModel(settings) {}
+MABinModel::MABinModel(const MAModelSettings& settings) : MABaseModel(settings, MAConst::OUTCOME_BINARY) {}
 MABinModel::MABinModel(const MABinModel&) = default;
 MABinModel& MABinModel::operator=(const MABinModel&) = default;
 MABinModel::~MABinModel() = default;
@@ -55,163 +47,99 @@ MABinModel::~MABinModel() = default;
 KXStatus MABinModel::RUN(MultiPassRecordIter& records, const KXVarList& variables)
 {
     return Guarded(status_, [&] {
-        *this = MABinModel(*settings_);
-        return RunSteps(records, variables);
+        if (Run(records, variables).IsError() || Results().studies.Count() == 1 || !HasLabbePlot())
+            return status_;
+        return ComputeLabbePlotStatistics();
     });
 }
 
-KXStatus MABinModel::RunSteps(MultiPassRecordIter& records, const KXVarList& variables)
+KXStatus MABinModel::ExtractRawInputData(MultiPassRecordIter& records)
 {
-    CopyRunSettings();
-    if (ReadStudies(records).IsError())
-        return status_;
-    CheckInputSettings();
-    AddWarnings(WarningsOfBinaryRun(*settings_));
-    PrepareGroups();
-    if (BuildModelsByMethod().IsError())
-        return status_;
-    if (modelType_ == MAConst::MODEL_FIXED && HasContrasts() &&
-        (UsesBinaryPooling() ? FixedBinModelContrastTest() : FixedModelContrastTest()).IsError())
-        return status_;
-    if (studies_.Count() == 1)
-        return status_;
-    const KXStatus tested = RunSmallStudyTest(variables, [&] {
-        return RegBasedBinTest(records, variables, MAConst::REG_TEST_EFFECT_ON_STD_ERROR);
-    });
-    if (tested.IsError())
-        return status_;
-    RunTrimFillUnlessBinary();
-    if (status_.IsError() || ComputePlotStatistics().IsError())
-        return status_;
-    if (HasLabbePlot() && ComputeLabbePlotStatistics().IsError())
-        return status_;
-    if (trimFillRunning_ && !UsesBinaryPooling())
-        AppendImputedToFunnel();
-    return status_;
+    return ForgetIfBroken(Guarded(status_, [&] {
+        status_ = StartPass(records);
+        if (status_.IsError())
+            return status_;
+        if (!NamesTables(*settings_))
+            return SetError(MAStatusCode::INPUT_NOT_GIVEN);
+        return status_ = Take(ReadTables(records, *settings_));
+    }));
 }
 
-/// Inverse-variance models of ratio measures get their ratio-scale rows here; binary pooling appends its own.
-KXStatus MABinModel::BuildModelsByMethod()
+KXStatus MABinModel::ESCalc(MultiPassRecordIter& records)
 {
-    if (UsesBinaryPooling()) {
-        TableBuilder builder(*this);
-        BuildModels(builder);
-    } else {
-        InverseVarianceBuilder builder(*this);
-        BuildModels(builder);
-        if (!status_.IsError())
-            AppendExponentiated();
-    }
-    return status_;
+    return ForgetIfBroken(Guarded(status_, [&] {
+        if (ExtractRawInputData(records).IsError())
+            return status_;
+        MAAnalysisState& state = State();
+        MATablePoolingChoice& tables = state.settings.tables;
+        tables.measure = settings_->GetBinaryEstType();
+        tables.pooledZeroCells = settings_->GetPooledZeroCells();
+        state.settings.alpha = AlphaOf(settings_->GetCILevel());
+        MATableStudies computed = WithTableEffects(
+            std::move(state.studies), tables.measure,
+            {settings_->GetBinZeroAdjType(), settings_->GetZeroCountDelta()}, state.settings.alpha);
+        state.studies = std::move(computed.studies);
+        tables.correction = computed.correction;
+        return status_;
+    }));
 }
 
-void MABinModel::RunTrimFillUnlessBinary()
+bool MABinModel::HasTables() const
 {
-    if (!UsesBinaryPooling()) {
-        RunTrimFill();
-        return;
-    }
-    trimFillRunning_ = settings_->GetIsTRIMFILL();
-    if (trimFillRunning_)
-        AddWarning(MAStatusCode::TRIM_FILL_NOT_RUN);
+    return HasRead() && Results().studies.tables.size() == Results().studies.Count();
 }
 
 KXStatus MABinModel::BuildBinSubGroupModel()
 {
     if (!HasTables())
         return SetError(MAStatusCode::LENGTH_MISMATCH);
-    TableBuilder builder(*this);
-    return Guarded(status_, [&] { return BuildSubGroups(builder); });
+    return Guarded(status_, [this] { return BuildSubgroups(TableChoice()); });
 }
 
 KXStatus MABinModel::BuildBinCumulativeModel()
 {
     if (!HasTables())
         return SetError(MAStatusCode::LENGTH_MISMATCH);
-    TableBuilder builder(*this);
-    return Guarded(status_, [&] { return BuildCumulative(builder); });
+    return Guarded(status_, [this] { return BuildCumulative(TableChoice()); });
 }
 
 KXStatus MABinModel::RegBasedBinTest(MultiPassRecordIter& records, const KXVarList& variables,
                                      MAConst::RegBaseTestType type)
 {
-    return RunRegressionTest(records, variables, type);
+    return RunSmallStudyTest(records, variables, type);
 }
 
 KXStatus MABinModel::FixedBinModelContrastTest()
 {
     if (!HasTables())
         return SetError(MAStatusCode::LENGTH_MISMATCH);
-    return Guarded(status_, [this] {
-        MATableColumns tables = studies_.tables;
-        MABinaryFixEffectModel model = NewModelOfRun(tables);
-        status_ = model.ComputeEffectSizeStatistics();
-        if (status_.IsError())
-            return status_;
-        for (const std::vector<double>& coefficients : studies_.contrastCoefficients) {
-            model.SetContrastCoef(&coefficients);
-            const KXStatus tested = model.ContrastTest();
-            RequireMemory(tested);
-            AddWarning(tested);
-            // The z values receive the standard error once more, as hosts expect of this path.
-            const double variance = model.GetContrastTestStdError();
-            const double stdError = KXMV::IsMissing(variance) ? variance : std::sqrt(variance);
-            contrasts_.push_back({model.GetContrastTestGMeans(),
-                                  stdError,
-                                  stdError,
-                                  {model.GetContrastTest2SidedSig(), model.GetContrastTest2SidedLog10Sig()},
-                                  model.GetContrastTestCILower(),
-                                  model.GetContrastTestCIUpper()});
-        }
-        return status_;
-    });
+    return Guarded(status_, [this] { return TestContrastsOfTables(); });
 }
 
-/// Peto odds ratios have no group ratios, and studies removed after their effect sizes were computed no
-/// longer match them.
+/// Peto odds ratios have no outcomes of the groups.
 bool MABinModel::HasLabbePlot() const
 {
-    return inputType_ == MAConst::INPUT_RAW && GetESType() != MAConst::BIN_PETO_ODDS_RATIO &&
-           labbeX_.size() == studies_.Count();
+    return Results().settings.run.inputType == MAConst::INPUT_RAW &&
+           GetESType() != MAConst::BIN_PETO_ODDS_RATIO &&
+           Results().studies.groupOutcomes.size() == Results().studies.Count();
 }
 
 KXStatus MABinModel::ComputeLabbePlotStatistics()
 {
     return Guarded(status_, [this] {
-        labbe_ = MALabbeRows();
-        const std::size_t count = studies_.Count();
-        if (labbeX_.size() != count || weights_.size() < count || !HasGroupValues())
+        MAAnalysisState& state = State();
+        state.labbe.clear();
+        const std::size_t count = state.studies.Count();
+        if (state.studies.groupOutcomes.size() != count || state.models.weights.size() < count ||
+            !HasGroupValues())
             return SetError(MAStatusCode::LENGTH_MISMATCH);
-        const std::vector<MASelection> groups = MembersByGroup();
+        const std::vector<MASelection> groups = MembersByGroup(state.studies, state.groups.values);
         for (std::size_t g = 0; g < groups.size(); ++g) {
-            if (!HasGroups() || groupValues_[g] != overallGroup)
-                AppendLabbeRow(groups[g]);
+            if (!state.groups.AreSeveral() || state.groups.values[g] != MAStudies::noGroup)
+                state.labbe.push_back(PlotLabbe(state.studies, state.models.weights, groups[g]));
         }
         return status_;
     });
-}
-
-void MABinModel::AppendLabbeRow(const MASelection& members)
-{
-    labbe_.x.push_back(Selected(labbeX_, members));
-    labbe_.y.push_back(Selected(labbeY_, members));
-    labbe_.weight.push_back(Selected(weights_, members));
-}
-
-/// Only raw tables under the fixed-effect model: other combinations pool by inverse variance.
-bool MABinModel::UsesBinaryPooling() const
-{
-    return weightType_ == MAConst::WEIGHT_BINARY_FIXED && inputType_ == MAConst::INPUT_RAW &&
-           modelType_ == MAConst::MODEL_FIXED;
-}
-
-/// Ratio-scale rows for the models that have none yet.
-void MABinModel::AppendExponentiated()
-{
-    if (GetESType() == MAConst::BIN_RISK_DIFFERENCE)
-        return;
-    for (std::size_t i = results_.exponentiated.size(); i < results_.models.size(); ++i)
-        results_.exponentiated.push_back(Exponentiated(results_.models[i]));
 }
 
 KXStatus MABinModel::BuildBinModel(const std::vector<double>& treatmentEvents,
@@ -220,10 +148,16 @@ KXStatus MABinModel::BuildBinModel(const std::vector<double>& treatmentEvents,
                                    const std::vector<double>& controlNonEvents)
 {
     return Guarded(status_, [&] {
-        MATableColumns tables = {treatmentEvents, treatmentNonEvents, controlEvents, controlNonEvents};
-        return AppendModel(NewBinFixEffectModel(tables.treatmentEvents, tables.treatmentNonEvents,
-                                                tables.controlEvents, tables.controlNonEvents),
-                           treatmentEvents.size());
+        std::vector<double> a = treatmentEvents;
+        std::vector<double> b = treatmentNonEvents;
+        std::vector<double> c = controlEvents;
+        std::vector<double> d = controlNonEvents;
+        MABinaryFixEffectModel model = NewBinFixEffectModel(a, b, c, d);
+        status_ = model.ComputeEffectSizeStatistics();
+        if (status_.IsError())
+            return status_;
+        return AppendModel({model.GetPooledModel(), model.GetNPoolCorrected(), false, {}},
+                           treatmentEvents.size(), model.GetEstWeight());
     });
 }
 
@@ -233,79 +167,16 @@ KXStatus MABinModel::BuildBinOnlyTestModel(const std::vector<double>& treatmentE
                                            const std::vector<double>& controlNonEvents)
 {
     return Guarded(status_, [&] {
-        MATableColumns tables = {treatmentEvents, treatmentNonEvents, controlEvents, controlNonEvents};
-        return AppendTest(NewBinFixEffectModel(tables.treatmentEvents, tables.treatmentNonEvents,
-                                               tables.controlEvents, tables.controlNonEvents));
-    });
-}
-
-KXStatus MABinModel::AppendModel(MABinaryFixEffectModel model, std::size_t studyCount)
-{
-    status_ = model.ComputeEffectSizeStatistics();
-    if (status_.IsError())
+        std::vector<double> a = treatmentEvents;
+        std::vector<double> b = treatmentNonEvents;
+        std::vector<double> c = controlEvents;
+        std::vector<double> d = controlNonEvents;
+        MABinaryFixEffectModel model = NewBinFixEffectModel(a, b, c, d);
+        status_ = model.ComputeEffectSizeStatistics();
+        if (!status_.IsError())
+            GetBinFixModelTestOutput(model);
         return status_;
-    const bool onLogScale = effectType_ != MAConst::BIN_RISK_DIFFERENCE;
-    results_.models.push_back(RowOf(model, onLogScale));
-    if (onLogScale)
-        results_.exponentiated.push_back(
-            {model.GetEstESVal(), model.GetEstESCILower(), model.GetEstESCIUpper()});
-    if (RecordsTestOutput())
-        GetBinFixModelTestOutput(model);
-    if (RecordsWeights(studyCount)) {
-        const std::vector<double> weights = model.GetEstWeight();
-        RequireLength(studyCount, weights);
-        weights_.insert(weights_.end(), weights.begin(), weights.end());
-    }
-    if (RecordsGroupSize())
-        groupSizes_.push_back(static_cast<int>(studyCount));
-    return status_;
-}
-
-KXStatus MABinModel::AppendTest(MABinaryFixEffectModel model)
-{
-    status_ = model.ComputeEffectSizeStatistics();
-    if (!status_.IsError())
-        GetBinFixModelTestOutput(model);
-    return status_;
-}
-
-MAZeroCorrection MABinModel::ZeroCorrection() const
-{
-    return {zeroAdjustment_, zeroDelta_};
-}
-
-int MABinModel::GetNZeroCorrected() const
-{
-    const std::size_t count = studies_.tables.treatmentEvents.size();
-    int corrected = 0;
-    for (std::size_t study = 0; study < count; ++study)
-        corrected += ZeroCorrection().AddedTo(TableBuilder::TableOf(studies_.tables, study)) != 0.0;
-    return corrected;
-}
-
-int MABinModel::GetNUninformative() const
-{
-    int leftOut = 0;
-    if (!UsesBinaryPooling())
-        return leftOut;
-    WithBinaryPooling(effectType_, [&](auto pooling) {
-        const MAPooledCounts<decltype(pooling)> counts(pooledZeroCells_);
-        for (std::size_t study = 0; study < studies_.tables.treatmentEvents.size(); ++study)
-            leftOut += counts.Includes(TableBuilder::TableOf(studies_.tables, study)) ? 0 : 1;
     });
-    return leftOut;
-}
-
-/// For tables of the run, as read. The object corrects the tables that the effect sizes corrected, with the
-/// user's constant: all tables, also of a group without a zero cell, when `ZERO_ADJUST_ALL_IF_ANY` found one.
-MABinaryFixEffectModel MABinModel::NewModelOfRun(MATableColumns& tables) const
-{
-    MABinaryFixEffectModel model = NewBinFixEffectModel(tables.treatmentEvents, tables.treatmentNonEvents,
-                                                        tables.controlEvents, tables.controlNonEvents);
-    model.SetZeroAdjType(zeroAdjustment_);
-    model.correctionDelta_ = zeroDelta_;
-    model.SetPooledZeroCells(pooledZeroCells_);
-    return model;
 }
 
 /// Without a zero-cell correction: counts that a host passes in are used as they are.
@@ -314,36 +185,86 @@ MABinaryFixEffectModel MABinModel::NewBinFixEffectModel(std::vector<double>& tre
                                                         std::vector<double>& controlEvents,
                                                         std::vector<double>& controlNonEvents) const
 {
+    const MATablePoolingChoice choice = TableChoice().tables;
     MABinaryFixEffectModel model;
     model.SetTreatmentGSuccessCounts(&treatmentEvents);
     model.SetTreatmentGFailureCounts(&treatmentNonEvents);
     model.SetControlGSuccessCounts(&controlEvents);
     model.SetControlGFailureCounts(&controlNonEvents);
     model.SetZeroAdjType(MAConst::ZERO_ADJUST_NONE);
-    model.SetEstimationMethod(effectType_);
-    model.SetNullHypothesis(settings_->GetNullHypothesis());
-    model.SetSignLevel(alpha_);
+    model.SetEstimationMethod(choice.measure);
+    model.SetNullHypothesis(choice.nullHypothesis);
+    model.SetSignLevel(choice.alpha);
     return model;
 }
 
 void MABinModel::GetBinFixModelTestOutput(const MABinaryFixEffectModel& model)
 {
-    AppendTestOutput(HeterogeneityRowOf(model), KXMV::Missing());
+    AppendHeterogeneity(model.GetPooledModel());
+}
+
+int MABinModel::GetNZeroCorrected() const
+{
+    const MAZeroCorrection& correction = Results().settings.tables.correction;
+    const std::vector<MATable>& tables = Results().studies.tables;
+    return static_cast<int>(std::count_if(tables.begin(), tables.end(), [&](const MATable& table) {
+        return correction.AddedTo(table) != 0.0;
+    }));
+}
+
+int MABinModel::GetNUninformative() const
+{
+    return PoolsTables() ? CountUninformative(Results().studies.tables, Results().settings.tables) : 0;
+}
+
+std::vector<int> MABinModel::GetNPoolCorrected() const
+{
+    return FieldOf(Results().models.models, &MAPooledRow::correctedTables);
+}
+
+std::vector<std::vector<int>> MABinModel::GetCumNPoolCorrected() const
+{
+    return CumulativeColumn(Results().cumulative, &MAPooledRow::correctedTables);
+}
+
+std::vector<double> MABinModel::GetExpEffectSize() const
+{
+    return FieldOf(Results().studies.ratios, &MAStudyRatio::effectSize);
+}
+
+std::vector<double> MABinModel::GetExpVariance() const
+{
+    return FieldOf(Results().studies.ratios, &MAStudyRatio::variance);
+}
+
+std::vector<double> MABinModel::GetExpStdError() const
+{
+    return FieldOf(Results().studies.ratios, &MAStudyRatio::stdError);
+}
+
+std::vector<double> MABinModel::GetExpCILower() const
+{
+    return FieldOf(Results().studies.ratios, &MAStudyRatio::ciLower);
+}
+
+std::vector<double> MABinModel::GetExpCIUpper() const
+{
+    return FieldOf(Results().studies.ratios, &MAStudyRatio::ciUpper);
 }
 
 std::vector<double> MABinModel::GetEstExpEffectSize() const
 {
-    return FieldOf(results_.exponentiated, &MAExponentiatedRow::estimate);
+    return HasRatios() ? Exponentiated(GetEstEffectSize()) : std::vector<double>();
 }
 
 std::vector<double> MABinModel::GetEstExpCILower() const
 {
-    return FieldOf(results_.exponentiated, &MAExponentiatedRow::ciLower);
+    return HasRatios() ? Exponentiated(GetEstCILower()) : std::vector<double>();
 }
 
 std::vector<double> MABinModel::GetEstExpCIUpper() const
 {
-    return FieldOf(results_.exponentiated, &MAExponentiatedRow::ciUpper);
+    return HasRatios() ? Exponentiated(GetEstCIUpper()) : std::vector<double>();
 }
 
 std::vector<double> MABinModel::GetExpPILower() const
@@ -373,26 +294,59 @@ std::vector<double> MABinModel::GetContrastExpEstCIUpper() const
 
 std::vector<std::vector<double>> MABinModel::GetCumExpEstES() const
 {
-    return ExponentiatedRows(GetCumEstES());
+    return HasRatios() ? Exponentiated(GetCumEstES()) : std::vector<std::vector<double>>();
 }
 
 std::vector<std::vector<double>> MABinModel::GetCumExpEstCiLower() const
 {
-    return ExponentiatedRows(GetCumEstCiLower());
+    return HasRatios() ? Exponentiated(GetCumEstCiLower()) : std::vector<std::vector<double>>();
 }
 
 std::vector<std::vector<double>> MABinModel::GetCumExpEstCiUpper() const
 {
-    return ExponentiatedRows(GetCumEstCiUpper());
+    return HasRatios() ? Exponentiated(GetCumEstCiUpper()) : std::vector<std::vector<double>>();
 }
 
-std::vector<std::vector<double>> MABinModel::ExponentiatedRows(std::vector<std::vector<double>> rows) const
+/// Settings of a run to come do not matter.
+bool MABinModel::HasRatios() const
 {
-    if (effectType_ == MAConst::BIN_RISK_DIFFERENCE)
-        return {};
-    for (std::vector<double>& row : rows)
-        row = Exponentiated(std::move(row));
-    return rows;
+    return IsOnLogScale(Results().settings.tables.measure);
+}
+
+bool MABinModel::HasFilledRatio() const
+{
+    return HasRatios() &&
+           (GetTFImputedN0() == 0 || settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY);
+}
+
+double MABinModel::GetOverallTFExpEffectSize() const
+{
+    return HasFilledRatio() ? RatioOf(GetOverallTFEffectSize()) : KXMV::Missing();
+}
+
+double MABinModel::GetOverallTFExpCILower() const
+{
+    return HasFilledRatio() ? RatioOf(GetOverallTFCILower()) : KXMV::Missing();
+}
+
+double MABinModel::GetOverallTFExpCIUpper() const
+{
+    return HasFilledRatio() ? RatioOf(GetOverallTFCIUpper()) : KXMV::Missing();
+}
+
+std::vector<std::vector<double>> MABinModel::GetLabbePlotX() const
+{
+    return LabbeColumn(Results().labbe, &MALabbePoint::x);
+}
+
+std::vector<std::vector<double>> MABinModel::GetLabbePlotY() const
+{
+    return LabbeColumn(Results().labbe, &MALabbePoint::y);
+}
+
+std::vector<std::vector<double>> MABinModel::GetLabbePlotW() const
+{
+    return LabbeColumn(Results().labbe, &MALabbePoint::weight);
 }
 
 } // namespace MA_NAMESPACE

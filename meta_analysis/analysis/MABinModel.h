@@ -9,9 +9,6 @@
 
 namespace MA_NAMESPACE {
 
-class MABinaryEffectSize;
-struct MAZeroCorrection;
-
 /// The analysis of studies that report a 2x2 table: events and non-events in a treatment and a control
 /// group. (Ready-made effect sizes of binary outcomes go through it as well.)
 ///
@@ -27,10 +24,9 @@ public:
     ~MABinModel() override;
 
     /// The whole analysis of the records, afresh; returns the final status. Errors end it, and leave what was
-    /// computed before: 460009 one of the four count variables is not given, 460011 the iterator cannot be
-    /// started, 460012 it fails or the passes differ, 460075 trim-and-fill without studies, 460099 memory
-    /// runs out, and those of the pooling classes. Warnings (`GetWarnings`): 460037 to 460046, 460050,
-    /// 460051, 460074, 460100 to 460108.
+    /// computed before: INPUT_NOT_GIVEN one of the four count variables is not given, ITERATOR_NOT_STARTED,
+    /// ITERATOR_FAILED the iterator fails or the passes differ, NO_ANALYSED_STUDY trim-and-fill without
+    /// studies, OUT_OF_MEMORY, and those of the pooling classes.
     KXStatus RUN(MultiPassRecordIter& records, const KXVarList& variables);
 
     /// Effect sizes of the tables. Errors as `RUN`.
@@ -63,18 +59,19 @@ public:
     void GetBinFixModelTestOutput(const MABinaryFixEffectModel& model);
 
     /// The binary forms of `BuildSubGroupModel`, `BuildCumulativeModel` and `FixedModelContrastTest`. Error
-    /// 460001 also when the studies have no tables.
+    /// LENGTH_MISMATCH also when the studies have no tables.
     KXStatus BuildBinSubGroupModel();
     KXStatus BuildBinCumulativeModel();
     KXStatus FixedBinModelContrastTest();
 
     /// Coordinates of the L'Abbé plot: one row of all studies, or one per subgroup (none for a group value
-    /// of -1.0, the label of the overall model). Error 460001 when the studies lack them or their weights.
+    /// of -1.0, the label of the overall model). Error LENGTH_MISMATCH when the studies lack them or their
+    /// weights.
     KXStatus ComputeLabbePlotStatistics();
 
     /// Regression-based small-study test of the given type; its results are in the `GetRegBasedTest...`
-    /// getters. The error of a failing test becomes the status: 460028 fewer than 3 studies, and those of
-    /// `MARegBaseTest`.
+    /// getters. The error of a failing test becomes the status: TOO_FEW_FOR_TEST fewer than 3 studies,
+    /// and those of `MARegBaseTest`.
     KXStatus RegBasedBinTest(MultiPassRecordIter& records, const KXVarList& variables,
                              MAConst::RegBaseTestType type);
 
@@ -88,25 +85,17 @@ public:
     int GetNUninformative() const;
     /// Per model, and per group and step of a cumulative analysis: the number of tables that were pooled
     /// with the correction; 0 for models that pool effect sizes.
-    std::vector<int> GetNPoolCorrected() const
-    {
-        return FieldOf(results_.models, &MAModelRow::correctedTables);
-    }
-    std::vector<std::vector<int>> GetCumNPoolCorrected() const
-    {
-        return FieldOf(cumulativeRows_, [](const std::vector<MAModelRow>& steps) {
-            return FieldOf(steps, &MAModelRow::correctedTables);
-        });
-    }
+    std::vector<int> GetNPoolCorrected() const;
+    std::vector<std::vector<int>> GetCumNPoolCorrected() const;
 
     /// Per study, on the ratio scale; empty for risk differences computed from tables. From tables, the
     /// variance and the standard error are the exponentials of the log-scale ones, and so they are for
     /// ready-made effect sizes: they serve display, not computation.
-    std::vector<double> GetExpEffectSize() const { return CopyOf(studies_.ratioEffects.effectSize); }
-    std::vector<double> GetExpVariance() const { return CopyOf(studies_.ratioEffects.variance); }
-    std::vector<double> GetExpStdError() const { return CopyOf(studies_.ratioEffects.stdError); }
-    std::vector<double> GetExpCILower() const { return CopyOf(studies_.ratioEffects.ciLower); }
-    std::vector<double> GetExpCIUpper() const { return CopyOf(studies_.ratioEffects.ciUpper); }
+    std::vector<double> GetExpEffectSize() const;
+    std::vector<double> GetExpVariance() const;
+    std::vector<double> GetExpStdError() const;
+    std::vector<double> GetExpCILower() const;
+    std::vector<double> GetExpCIUpper() const;
 
     /// Per model, on the ratio scale; empty for risk differences.
     std::vector<double> GetEstExpEffectSize() const;
@@ -124,51 +113,25 @@ public:
     std::vector<std::vector<double>> GetCumExpEstES() const;
     std::vector<std::vector<double>> GetCumExpEstCiLower() const;
     std::vector<std::vector<double>> GetCumExpEstCiUpper() const;
-    double GetOverallTFExpEffectSize() const { return FilledExponentiated().estimate; }
-    double GetOverallTFExpCILower() const { return FilledExponentiated().ciLower; }
-    double GetOverallTFExpCIUpper() const { return FilledExponentiated().ciUpper; }
+    double GetOverallTFExpEffectSize() const;
+    double GetOverallTFExpCILower() const;
+    double GetOverallTFExpCIUpper() const;
 
     /// L'Abbé plot, one row per plot: the outcome of the control group (x) and of the treatment group (y),
     /// log odds or log risks, or risks for the risk difference, so that y - x is the study's effect size; and
     /// the weights.
-    std::vector<std::vector<double>> GetLabbePlotX() const { return CopyOf(labbe_.x); }
-    std::vector<std::vector<double>> GetLabbePlotY() const { return CopyOf(labbe_.y); }
-    std::vector<std::vector<double>> GetLabbePlotW() const { return CopyOf(labbe_.weight); }
-
-protected:
-    bool IsOnLogScale() const override { return GetESType() != MAConst::BIN_RISK_DIFFERENCE; }
+    std::vector<std::vector<double>> GetLabbePlotX() const;
+    std::vector<std::vector<double>> GetLabbePlotY() const;
+    std::vector<std::vector<double>> GetLabbePlotW() const;
 
 private:
-    class TableBuilder;
-
-    KXStatus BuildModelsByMethod();
-    void RunTrimFillUnlessBinary();
-    /// False for ready-made effect sizes.
-    bool HasTables() const { return HasRead() && studies_.tables.treatmentEvents.size() == studies_.Count(); }
+    bool HasTables() const;
     bool HasLabbePlot() const;
-    void AppendLabbeRow(const MASelection& members);
-    MAExponentiatedRow FilledExponentiated() const
-    {
-        return filledResults_.exponentiated.empty() ? MAExponentiatedRow()
-                                                    : filledResults_.exponentiated.back();
-    }
-    std::vector<std::vector<double>> ExponentiatedRows(std::vector<std::vector<double>> rows) const;
-    bool UsesBinaryPooling() const;
-    void ClassifyTable(const Record& record, int recordNumber);
-    void TakeEffectSizes(const MABinaryEffectSize& effectSizes);
-    MAZeroCorrection ZeroCorrection() const;
-    MABinaryFixEffectModel NewModelOfRun(MATableColumns& tables) const;
-    KXStatus AppendModel(MABinaryFixEffectModel model, std::size_t studyCount);
-    KXStatus AppendTest(MABinaryFixEffectModel model);
-    void AppendExponentiated();
-    KXStatus RunSteps(MultiPassRecordIter& records, const KXVarList& variables);
-
-    double zeroDelta_ = 0.5;
-    MAConst::POOLEDZEROCELLS pooledZeroCells_ = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
-    std::vector<double>
-        labbeX_; ///< of the control group, one entry per study for which effects were computed
-    std::vector<double> labbeY_; ///< of the treatment group
-    MALabbeRows labbe_;
+    bool HasRatios() const;
+    /// Whether the trim-and-fill model has a ratio scale: one with imputed studies only for outcomes that the
+    /// settings call binary.
+    bool HasFilledRatio() const;
+    KXStatus AppendPooled(const MABinaryFixEffectModel& model, std::size_t studyCount);
 };
 
 } // namespace MA_NAMESPACE

@@ -7,8 +7,6 @@
 
 namespace MA_NAMESPACE {
 
-class MAContinousEffectSize;
-
 /// The analysis of studies that report a size, a mean and a standard deviation (or variance) for a
 /// treatment and a control group, and of ready-made effect sizes of any kind.
 ///
@@ -22,10 +20,9 @@ public:
     ~MAContModel() override;
 
     /// The whole analysis of the records, afresh; returns the final status. Errors end it, and leave what was
-    /// computed before: 460009 a required size, mean or dispersion variable is not given, 460011 the iterator
-    /// cannot be started, 460012 it fails or the passes differ, 460075 trim-and-fill without studies, 460099
-    /// memory runs out, and those of the pooling classes. Warnings (`GetWarnings`): 460037 to 460043, 460050,
-    /// 460074, 460100 to 460108.
+    /// computed before: INPUT_NOT_GIVEN a required size, mean or dispersion variable is not given,
+    /// ITERATOR_NOT_STARTED, ITERATOR_FAILED the iterator fails or the passes differ, NO_ANALYSED_STUDY
+    /// trim-and-fill without studies, OUT_OF_MEMORY, and those of the pooling classes.
     KXStatus RUN(MultiPassRecordIter& records, const KXVarList& variables);
 
     /// Effect sizes of the group means. Errors as `RUN`.
@@ -35,17 +32,11 @@ public:
     KXStatus ExtractRawInputData(MultiPassRecordIter& records);
 
     /// Regression of the effect sizes on their standard errors; its results are in the `GetRegBasedTest...`
-    /// getters. The error of a failing test becomes the status: 460028 fewer than 3 studies, and those of
-    /// `MARegBaseTest`.
+    /// getters. The error of a failing test becomes the status: TOO_FEW_FOR_TEST fewer than 3 studies, and
+    /// those of `MARegBaseTest`.
     KXStatus RegBasedContTest(MultiPassRecordIter& records, const KXVarList& variables);
 
     MAConst::CONTESTYPE GetESType() const { return settings_->GetContinousEstType(); }
-
-private:
-    bool HasRequiredIndices() const;
-    void ClassifyMeans(const Record& record, int recordNumber);
-    void TakeEffectSizes(const MAContinousEffectSize& effectSizes);
-    KXStatus RunSteps(MultiPassRecordIter& records, const KXVarList& variables);
 };
 
 } // namespace MA_NAMESPACE

@@ -1,9 +1,10 @@
 #pragma once
 
-#include "meta_analysis/platform/common/CopyOf.h"
+#include "meta_analysis/effectsize/MAEstimateColumns.h"
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/settings/MAConst.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <cstddef>
 #include <vector>
@@ -26,7 +27,7 @@ struct MATable;
 /// correction: afterwards they hold the corrected counts. Use an object once: a second computation
 /// corrects the counts again and appends further z values and significances.
 ///
-/// The status is sticky. Once a setter has refused a vector (460001), every later setter and the
+/// The status is sticky. Once a setter has refused a vector (LENGTH_MISMATCH), every later setter and the
 /// computation do nothing and return that error.
 class META_ANALYSIS_EXPORT MABinaryEffectSize
 {
@@ -36,7 +37,8 @@ public:
     MABinaryEffectSize& operator=(const MABinaryEffectSize&);
     virtual ~MABinaryEffectSize();
 
-    /// Count vectors, one entry per study. The first fixes the study count; error 460001 for another length.
+    /// Count vectors, one entry per study. The first fixes the study count; error LENGTH_MISMATCH for another
+    /// length.
     KXStatus SetTreatmentGSuccessCounts(std::vector<double>* counts);
     KXStatus SetControlGSuccessCounts(std::vector<double>* counts);
     KXStatus SetTreatmentGFailureCounts(std::vector<double>* counts);
@@ -52,7 +54,7 @@ public:
     /// Adds the zero-count constant to the tables that the adjustment type selects, in the caller's vectors.
     void AdjustZeroCounts();
 
-    /// Corrects the counts, then computes everything. Errors: 460001, 460099.
+    /// Corrects the counts, then computes everything. Errors: LENGTH_MISMATCH, OUT_OF_MEMORY.
     KXStatus ComputeEffectSizeStatistics();
 
     /// Natural scale, one entry per study. Of a ratio measure, the variance, standard error, z value and
@@ -84,44 +86,30 @@ public:
     MAConst::ZEROADJTYPE GetUpdatedZeroAdjType() const { return zeroAdjustment_; }
 
 private:
-    struct Scale
+    /// Also the odds or risks of both groups.
+    struct Scale : MAEstimateColumns
     {
-        std::vector<double> value;
-        std::vector<double> treatmentRatio; ///< treatment odds or risk
-        std::vector<double> controlRatio;   ///< control odds or risk
-        std::vector<double> variance;
-        std::vector<double> stdError;
-        std::vector<double> zValue;
-        std::vector<double> significance;
-        std::vector<double> ciUpper;
-        std::vector<double> ciLower;
+        std::vector<double> treatmentRatio;
+        std::vector<double> controlRatio;
+
+        void Restart(std::size_t count, bool hasGroups);
     };
 
     bool HasCounts() const;
-    KXStatus ComputeStatistics();
-    void ComputeOREffectSize();
-    void ComputeORVariance();
-    void ComputePOREffectSize();
-    void ComputePORVariance();
-    void ComputeRREffectSize();
-    void ComputeRRVariance();
-    void ComputeRDEffectSize();
-    void ComputeRDVariance();
-    void ComputeCIBound(double z);
-    void ComputeTests();
-
-    MATable TableOf(std::size_t study) const;
-    void ResizeLogVariances();
-    void SetLogVariance(std::size_t study, double variance);
+    std::vector<MATable> Tables() const;
+    template <class Measure>
+    void ComputeBy();
+    template <class Measure>
+    void AppendStudy(const MATable& table, double quantile);
 
     std::size_t studyCount_ = 0;
     std::vector<double>* treatmentSuccesses_ = nullptr;
     std::vector<double>* controlSuccesses_ = nullptr;
     std::vector<double>* treatmentFailures_ = nullptr;
     std::vector<double>* controlFailures_ = nullptr;
+    MAConst::ZEROADJTYPE zeroAdjustment_ = MAConst::ZERO_ADJUST_EACH;
     double zeroCountDelta_ = 0.5;
     double alpha_ = 0.05;
-    MAConst::ZEROADJTYPE zeroAdjustment_ = MAConst::ZERO_ADJUST_EACH;
     MAConst::BINESTYPE method_ = MAConst::BIN_ODDS_RATIO;
     Scale natural_;
     Scale log_;

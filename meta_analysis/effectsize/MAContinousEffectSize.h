@@ -1,14 +1,18 @@
 #pragma once
 
-#include "meta_analysis/platform/common/CopyOf.h"
+#include "meta_analysis/effectsize/MAEstimateColumns.h"
+#include "meta_analysis/effectsize/MAMeansChoice.h"
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/settings/MAConst.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <cstddef>
 #include <vector>
 
 namespace MA_NAMESPACE {
+
+struct MAMeans;
 
 /// Effect sizes of group means: mean difference, Cohen's d, Hedges' g or Glass's delta, each with its
 /// variance, standard error, confidence interval, z value and two-sided significance.
@@ -24,7 +28,7 @@ namespace MA_NAMESPACE {
 /// getters. The vectors are the caller's and must outlive the object. A second computation appends further
 /// z values and significances. Standard deviations of 0 and groups of size 1 give infinities or NaN.
 ///
-/// The status is sticky: once a setter has refused a vector (460001), every later setter and the
+/// The status is sticky: once a setter has refused a vector (LENGTH_MISMATCH), every later setter and the
 /// computation do nothing and return that error.
 class META_ANALYSIS_EXPORT MAContinousEffectSize
 {
@@ -34,7 +38,7 @@ public:
     MAContinousEffectSize& operator=(const MAContinousEffectSize&);
     virtual ~MAContinousEffectSize();
 
-    /// Study vectors. The first fixes the study count; error 460001 for another length.
+    /// Study vectors. The first fixes the study count; error LENGTH_MISMATCH for another length.
     KXStatus SetTreatmentGSizes(const std::vector<double>* sizes);
     KXStatus SetControlGSizes(const std::vector<double>* sizes);
     KXStatus SetTreatmentGMeans(const std::vector<double>* means);
@@ -54,39 +58,21 @@ public:
     /// A value outside the enumeration computes nothing. Returns a fresh OK status.
     KXStatus SetEstimationMethod(MAConst::CONTESTYPE method);
 
-    /// Errors: 460001, 460099.
+    /// Errors: LENGTH_MISMATCH, OUT_OF_MEMORY.
     KXStatus ComputeEffectSizeStatistics();
 
     /// One entry per study.
-    std::vector<double> GetEffectSizeVal() const { return CopyOf(effectSizes_); }
-    std::vector<double> GetEffectSizeVariance() const { return CopyOf(variances_); }
-    std::vector<double> GetEffectSizeStdError() const { return CopyOf(stdErrors_); }
-    std::vector<double> GetEffectSizeZVal() const { return CopyOf(zValues_); }
-    std::vector<double> GetEffectSizeSig() const { return CopyOf(significances_); }
-    std::vector<double> GetEffectSizeCIUpper() const { return CopyOf(ciUpper_); }
-    std::vector<double> GetEffectSizeCILower() const { return CopyOf(ciLower_); }
+    std::vector<double> GetEffectSizeVal() const { return CopyOf(results_.value); }
+    std::vector<double> GetEffectSizeVariance() const { return CopyOf(results_.variance); }
+    std::vector<double> GetEffectSizeStdError() const { return CopyOf(results_.stdError); }
+    std::vector<double> GetEffectSizeZVal() const { return CopyOf(results_.zValue); }
+    std::vector<double> GetEffectSizeSig() const { return CopyOf(results_.significance); }
+    std::vector<double> GetEffectSizeCIUpper() const { return CopyOf(results_.ciUpper); }
+    std::vector<double> GetEffectSizeCILower() const { return CopyOf(results_.ciLower); }
 
 private:
-    struct Means;
-
+    MAMeans MeansOf(std::size_t study) const;
     KXStatus ComputeStatistics();
-    void ComputeMeanDiffEffectSize();
-    void ComputeMeanDiffVariance();
-    void ComputeCohensDEffectSize();
-    void ComputeCohensDVariance();
-    void ComputeHedgesGEffectSize();
-    void ComputeHedgesGVariance();
-    void ComputeGlasSDeltaEffectSize();
-    void ComputeGlasSDeltaVariance();
-    void ComputeCIBound(double z);
-    void ComputeTests();
-
-    Means MeansOf(std::size_t study) const;
-    /// Fill the effect sizes, or the variances and standard errors, from a function of the study's index.
-    template <class Function>
-    void FillEffectSizes(Function effectSizeOf);
-    template <class Function>
-    void FillVariances(Function varianceOf);
 
     std::size_t studyCount_ = 0;
     const std::vector<double>* treatmentSizes_ = nullptr;
@@ -96,17 +82,8 @@ private:
     const std::vector<double>* treatmentStdDevs_ = nullptr;
     const std::vector<double>* controlStdDevs_ = nullptr;
     double alpha_ = 0.05;
-    bool equalVariances_ = false;
-    bool varianceAdjustment_ = false;
-    MAConst::STUDYGROUPTYPE glassGroup_ = MAConst::GROUP_CONTROL;
-    MAConst::CONTESTYPE method_ = MAConst::CONT_COHENS_D;
-    std::vector<double> effectSizes_;
-    std::vector<double> variances_;
-    std::vector<double> stdErrors_;
-    std::vector<double> zValues_;
-    std::vector<double> significances_;
-    std::vector<double> ciUpper_;
-    std::vector<double> ciLower_;
+    MAMeansChoice choice_;
+    MAEstimateColumns results_;
     KXStatus status_;
 };
 

@@ -1,66 +1,184 @@
 #pragma once
 
+#include "meta_analysis/effectsize/MARatio.h"
 #include "meta_analysis/effectsize/MATable.h"
 #include "meta_analysis/platform/common/KXMV.h"
-#include "meta_analysis/settings/MAConst.h"
+#include "meta_analysis/settings/MAMeasures.h"
 
 #include <cmath>
 
 namespace MA_NAMESPACE {
 
-// The measures of 2x2 tables. Each has the effect of a table and its variance on the scale of the analysis,
-// the log scale for ratios and the natural scale for the risk difference, and the ratio of each group, odds
-// or risk, on that scale. What a zero cell leaves undefined is missing, or 0 for the risk difference.
+/// The odds or risks that a measure compares; missing where a group has none.
+struct MAGroupValues
+{
+    double treatment = KXMV::Missing();
+    double control = KXMV::Missing();
+};
+
+/// The effect of one table, its variance, and what it compares, on the scale of the analysis.
+struct MATableEffect
+{
+    double effect;
+    double variance;
+    MAGroupValues groups;
+};
+
+// The measures of 2x2 tables on the scale of the analysis: the log scale for ratios, the natural scale for
+// the risk difference. Each knows which tables have an effect (`undefined` stands for any other), the effect
+// and its variance where there is one, and the effect and the group values on the natural scale.
 
 struct MAOddsRatio
 {
-    static constexpr bool onLogScale = true;
-    static double Effect(const MATable& table)
+    static constexpr MAConst::BINESTYPE type = MAConst::BIN_ODDS_RATIO;
+    static constexpr bool onLogScale = IsOnLogScale(type);
+    static constexpr bool hasGroups = HasGroupValues(type);
+    static constexpr double undefined = KXMV::Missing();
+
+    static bool HasEffect(const MATable& table) { return !table.HasZeroCell(); }
+    static MAGroupValues Groups(const MATable& table)
     {
-        return table.HasZeroCell() ? KXMV::Missing() : LogOdds(table.a, table.b) - LogOdds(table.c, table.d);
+        if (table.HasZeroCell())
+            return {};
+        return {std::log(table.a) - std::log(table.b), std::log(table.c) - std::log(table.d)};
+    }
+    static double Effect(const MATable& /*table*/, const MAGroupValues& groups)
+    {
+        return groups.treatment - groups.control;
     }
     static double Variance(const MATable& table) { return table.LogOddsRatioVariance(); }
 
-    static double LogOdds(double events, double nonEvents) { return std::log(events) - std::log(nonEvents); }
+    /// The ratio needs bc alone to be non-zero, and may be 0; its log needs all four cells.
+    static bool HasRatio(const MATable& table) { return table.b != 0 && table.c != 0; }
+    static double NaturalEffect(const MATable& table, double /*effect*/)
+    {
+        return HasRatio(table) ? (table.d / table.c) * (table.a / table.b) : undefined;
+    }
+    static MAGroupValues NaturalGroups(const MATable& table, const MAGroupValues& /*groups*/)
+    {
+        return HasRatio(table) ? MAGroupValues{table.a / table.b, table.c / table.d} : MAGroupValues();
+    }
 };
 
 struct MAPetoOddsRatio
 {
-    static constexpr bool onLogScale = true;
-    /// Events, or non-events, in neither group leave no variance, nor does a single person.
-    static double Effect(const MATable& table)
+    static constexpr MAConst::BINESTYPE type = MAConst::BIN_PETO_ODDS_RATIO;
+    static constexpr bool onLogScale = IsOnLogScale(type);
+    static constexpr bool hasGroups = HasGroupValues(type);
+    static constexpr double undefined = KXMV::Missing();
+
+    /// False without events, or without non-events, in both groups, and with a single person.
+    static bool HasEffect(const MATable& table)
     {
-        const double variance = table.HypergeometricVariance();
-        return table.Size() > 1 && variance != 0 ? table.ExcessEvents() / variance : KXMV::Missing();
+        return table.Size() > 1 && table.HypergeometricVariance() != 0;
+    }
+    static MAGroupValues Groups(const MATable& /*table*/) { return {}; }
+    static double Effect(const MATable& table, const MAGroupValues& /*groups*/)
+    {
+        return table.ExcessEvents() / table.HypergeometricVariance();
     }
     static double Variance(const MATable& table) { return 1.0 / table.HypergeometricVariance(); }
+
+    static double NaturalEffect(const MATable& /*table*/, double effect) { return RatioOf(effect); }
+    static MAGroupValues NaturalGroups(const MATable& /*table*/, const MAGroupValues& groups)
+    {
+        return groups;
+    }
 };
 
 struct MARiskRatio
 {
-    static constexpr bool onLogScale = true;
-    static double Effect(const MATable& table)
+    static constexpr MAConst::BINESTYPE type = MAConst::BIN_RISK_RATIO;
+    static constexpr bool onLogScale = IsOnLogScale(type);
+    static constexpr bool hasGroups = HasGroupValues(type);
+    static constexpr double undefined = KXMV::Missing();
+
+    static bool HasEffect(const MATable& table)
     {
-        if (!HasRisk(table.a, table.TreatmentSize()) || !HasRisk(table.c, table.ControlSize()))
-            return KXMV::Missing();
-        return LogRisk(table.a, table.TreatmentSize()) - LogRisk(table.c, table.ControlSize());
+        return HasRisk(table.a, table.TreatmentSize()) && HasRisk(table.c, table.ControlSize());
+    }
+    static MAGroupValues Groups(const MATable& table)
+    {
+        return {LogRisk(table.a, table.TreatmentSize()), LogRisk(table.c, table.ControlSize())};
+    }
+    static double Effect(const MATable& /*table*/, const MAGroupValues& groups)
+    {
+        return groups.treatment - groups.control;
     }
     static double Variance(const MATable& table) { return table.LogRiskRatioVariance(); }
 
+    static double NaturalEffect(const MATable& /*table*/, double effect) { return RatioOf(effect); }
+    static MAGroupValues NaturalGroups(const MATable& /*table*/, const MAGroupValues& groups)
+    {
+        return {RatioOf(groups.treatment), RatioOf(groups.control)};
+    }
+
+private:
     static bool HasRisk(double events, double size) { return size != 0 && events != 0; }
-    static double LogRisk(double events, double size) { return std::log(events) - std::log(size); }
+    static double LogRisk(double events, double size)
+    {
+        return HasRisk(events, size) ? std::log(events) - std::log(size) : KXMV::Missing();
+    }
 };
 
 struct MARiskDifference
 {
-    static constexpr bool onLogScale = false;
-    static double Effect(const MATable& table)
+    static constexpr MAConst::BINESTYPE type = MAConst::BIN_RISK_DIFFERENCE;
+    static constexpr bool onLogScale = IsOnLogScale(type);
+    static constexpr bool hasGroups = HasGroupValues(type);
+    static constexpr double undefined = 0.0;
+
+    static bool HasEffect(const MATable& table)
     {
-        const double nt = table.TreatmentSize();
-        const double nc = table.ControlSize();
-        return nt != 0 && nc != 0 ? table.a / nt - table.c / nc : 0.0;
+        return table.TreatmentSize() != 0 && table.ControlSize() != 0;
+    }
+    static MAGroupValues Groups(const MATable& table)
+    {
+        return {Risk(table.a, table.TreatmentSize()), Risk(table.c, table.ControlSize())};
+    }
+    static double Effect(const MATable& /*table*/, const MAGroupValues& groups)
+    {
+        return groups.treatment - groups.control;
     }
     static double Variance(const MATable& table) { return table.RiskDifferenceVariance(); }
+
+    static double NaturalEffect(const MATable& /*table*/, double effect) { return effect; }
+    static MAGroupValues NaturalGroups(const MATable& /*table*/, const MAGroupValues& groups)
+    {
+        return groups;
+    }
+
+private:
+    static double Risk(double events, double size) { return size != 0 ? events / size : undefined; }
 };
+
+template <class Measure>
+MATableEffect EffectBy(const MATable& table)
+{
+    const MAGroupValues groups = Measure::Groups(table);
+    if (!Measure::HasEffect(table))
+        return {Measure::undefined, Measure::undefined, groups};
+    return {Measure::Effect(table, groups), Measure::Variance(table), groups};
+}
+
+/// Calls `use` with the measure; does nothing for a value outside the enumeration.
+template <class Use>
+void WithMeasure(MAConst::BINESTYPE type, Use&& use)
+{
+    switch (type) {
+    case MAConst::BIN_ODDS_RATIO:
+        use(MAOddsRatio());
+        return;
+    case MAConst::BIN_PETO_ODDS_RATIO:
+        use(MAPetoOddsRatio());
+        return;
+    case MAConst::BIN_RISK_RATIO:
+        use(MARiskRatio());
+        return;
+    case MAConst::BIN_RISK_DIFFERENCE:
+        use(MARiskDifference());
+        return;
+    }
+}
 
 } // namespace MA_NAMESPACE

@@ -3,8 +3,8 @@
 #include "meta_analysis/effectsize/MAInputCheck.h"
 #include "meta_analysis/pooling/MAContrast.h"
 #include "meta_analysis/pooling/MATablePooling.h"
-#include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAMeasures.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <cmath>
 
@@ -108,7 +108,13 @@ std::vector<MATable> MABinaryFixEffectModel::Tables() const
 
 MATablePoolingChoice MABinaryFixEffectModel::Choice() const
 {
-    return {method_, {zeroAdjustment_, correctionDelta_}, pooledZeroCells_, nullHypothesis_, alpha_};
+    MATablePoolingChoice choice;
+    choice.measure = method_;
+    choice.correction.type = zeroAdjustment_;
+    choice.pooledZeroCells = pooledZeroCells_;
+    choice.nullHypothesis = nullHypothesis_;
+    choice.alpha = alpha_;
+    return choice;
 }
 
 KXStatus MABinaryFixEffectModel::ComputeEffectSizeStatistics()
@@ -124,8 +130,11 @@ KXStatus MABinaryFixEffectModel::ComputeStatistics()
 {
     const std::vector<MATable> asRead = Tables();
     CorrectCounts(asRead);
-    pooled_ = PoolTables(asRead, Choice());
-    SetScales();
+    MAPooledTables pooled = PoolTables(asRead, Choice());
+    model_ = pooled.model;
+    SetScales(pooled.ratio);
+    weights_.swap(pooled.weights);
+    correctedTables_ = pooled.correctedTables;
     MATableEffects effects = EffectsOfTables(asRead, Choice());
     tableEffects_.swap(effects.effectSizes);
     tableVariances_.swap(effects.variances);
@@ -134,11 +143,11 @@ KXStatus MABinaryFixEffectModel::ComputeStatistics()
 
 /// The natural scale of a ratio follows from the log scale. Of the risk difference, the log members receive
 /// the logs of the natural values, NaN for a negative one.
-void MABinaryFixEffectModel::SetScales()
+void MABinaryFixEffectModel::SetScales(const MAEstimate& ratio)
 {
     const bool onLogScale = IsOnLogScale(method_);
-    natural_ = onLogScale ? pooled_.ratio : pooled_.model.effect;
-    log_ = onLogScale ? pooled_.model.effect : Logs(natural_);
+    natural_ = onLogScale ? ratio : model_.effect;
+    log_ = onLogScale ? model_.effect : Logs(natural_);
 }
 
 void MABinaryFixEffectModel::CorrectCounts(const std::vector<MATable>& asRead)

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
-#include "meta_analysis/pooling/MAPooledTables.h"
+#include "meta_analysis/pooling/MAPooledModelGetters.h"
 #include "meta_analysis/settings/MAConst.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <cstddef>
 #include <vector>
@@ -26,7 +26,7 @@ struct MATablePoolingChoice;
 /// must outlive the object, and receive the zero-cell correction; a second computation corrects them again.
 ///
 /// The status is sticky: after an error every later setter and step does nothing and returns it.
-class META_ANALYSIS_EXPORT MABinaryFixEffectModel
+class META_ANALYSIS_EXPORT MABinaryFixEffectModel : public MAPooledModelGetters
 {
 public:
     MABinaryFixEffectModel();
@@ -34,7 +34,8 @@ public:
     MABinaryFixEffectModel& operator=(const MABinaryFixEffectModel&);
     virtual ~MABinaryFixEffectModel();
 
-    /// Vectors with one entry per study. The first fixes the study count k; error 460001 for another length.
+    /// Vectors with one entry per study. The first fixes the study count k; error
+    /// `MAStatusCode::LENGTH_MISMATCH` for another length.
     KXStatus SetTreatmentGSuccessCounts(std::vector<double>* counts);
     KXStatus SetControlGSuccessCounts(std::vector<double>* counts);
     KXStatus SetTreatmentGFailureCounts(std::vector<double>* counts);
@@ -46,7 +47,7 @@ public:
     /// Null value of the z test on the natural scale. 0 stands for 1 with a ratio, 1 for 0 with the risk
     /// difference.
     KXStatus SetNullHypothesis(double value);
-    /// 1 - confidence level.
+    /// 1 - confidence level, between 0 and 1; 0.05 unless set.
     KXStatus SetSignLevel(double alpha);
     /// Correction of the tables for the studies' effects, which the homogeneity test and contrasts use.
     KXStatus SetZeroAdjType(MAConst::ZEROADJTYPE type);
@@ -60,13 +61,13 @@ public:
     KXStatus SetEstimationMethod(MAConst::BINESTYPE method);
 
     /// Corrects the counts, pools and tests. With fewer than two studies there are no heterogeneity results.
-    /// Errors: 460001, 460099.
+    /// Errors: `LENGTH_MISMATCH`, `OUT_OF_MEMORY`.
     KXStatus ComputeEffectSizeStatistics();
 
     /// Estimate sum(g y) and variance sum(g² v) of a contrast with coefficients g, its significance and
-    /// interval. A study whose coefficient is missing is left out, and warning 460050 returned (not stored).
-    /// All are missing when a table whose coefficient is not 0 has no effect, such as one with a zero cell.
-    /// Does nothing without coefficients.
+    /// interval. A study whose coefficient is missing is left out, and warning `CONTRAST_COEFFICIENT_MISSING`
+    /// returned (not stored). All are missing when a table whose coefficient is not 0 has no effect, such as
+    /// one with a zero cell. Does nothing without coefficients.
     KXStatus ContrastTest();
 
     /// Natural scale. The variance of a ratio is the exponential of the log-scale variance, the standard
@@ -76,9 +77,9 @@ public:
     double GetEstESStdError() const { return natural_.stdError; }
     double GetEstESCIUpper() const { return natural_.ciUpper; }
     double GetEstESCILower() const { return natural_.ciLower; }
-    double GetEstESZVal() const { return pooled_.model.effect.statistic; }
-    double GetEstESSig() const { return pooled_.model.effect.pValue.value; }
-    double GetEstESLog10Sig() const { return pooled_.model.effect.pValue.Log10(); }
+    double GetEstESZVal() const { return model_.effect.statistic; }
+    double GetEstESSig() const { return model_.effect.pValue.value; }
+    double GetEstESLog10Sig() const { return model_.effect.pValue.Log10(); }
 
     /// Log scale. Of the risk difference these are the logs of the natural values, NaN for negative ones.
     double GetLogEstESVal() const { return log_.estimate; }
@@ -88,22 +89,9 @@ public:
     double GetLogEstESCILower() const { return log_.ciLower; }
 
     /// One entry per study, from the counts pooled; missing for a Peto table of fewer than two persons.
-    std::vector<double> GetEstWeight() const { return CopyOf(pooled_.weights); }
+    std::vector<double> GetEstWeight() const { return CopyOf(weights_); }
     /// Number of the tables that were pooled with a correction.
-    int GetNPoolCorrected() const { return pooled_.correctedTables; }
-
-    double GetHomogeneityTestQ() const { return pooled_.model.homogeneity.q; }
-    int GetHomogeneityTestDf() const { return pooled_.model.homogeneity.df; }
-    double GetHomogeneityTestPVal() const { return pooled_.model.homogeneity.pValue.value; }
-    double GetHomogeneityTestLog10PVal() const { return pooled_.model.homogeneity.pValue.Log10(); }
-
-    /// I² is a fraction.
-    double GetHeterogeneityTestH2() const { return pooled_.model.heterogeneity.h2; }
-    double GetHeterogeneityTestH2CILower() const { return pooled_.model.heterogeneity.h2Lower; }
-    double GetHeterogeneityTestH2CIUpper() const { return pooled_.model.heterogeneity.h2Upper; }
-    double GetHeterogeneityTestI2() const { return pooled_.model.heterogeneity.i2; }
-    double GetHeterogeneityTestI2CILower() const { return pooled_.model.heterogeneity.i2Lower; }
-    double GetHeterogeneityTestI2CIUpper() const { return pooled_.model.heterogeneity.i2Upper; }
+    int GetNPoolCorrected() const { return correctedTables_; }
 
     double GetContrastTestGMeans() const { return contrast_.estimate; }
     /// Both return the contrast's variance, neither a z value nor a standard error; hosts rely on it.
@@ -115,14 +103,11 @@ public:
     double GetContrastTestCILower() const { return contrast_.ciLower; }
 
 private:
-    /// Sets the constant of the correction for the analysis, whose user chooses it.
-    friend class MABinModel;
-
     bool HasCounts() const;
     std::vector<MATable> Tables() const;
     MATablePoolingChoice Choice() const;
     KXStatus ComputeStatistics();
-    void SetScales();
+    void SetScales(const MAEstimate& ratio);
     void CorrectCounts(const std::vector<MATable>& asRead);
 
     std::size_t studyCount_ = 0;
@@ -134,10 +119,10 @@ private:
     double nullHypothesis_ = 0.0;
     double alpha_ = 0.05;
     MAConst::ZEROADJTYPE zeroAdjustment_ = MAConst::ZERO_ADJUST_EACH;
-    double correctionDelta_ = 0.5;
     MAConst::POOLEDZEROCELLS pooledZeroCells_ = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
     MAConst::BINESTYPE method_ = MAConst::BIN_ODDS_RATIO;
-    MAPooledTables pooled_;
+    std::vector<double> weights_;
+    int correctedTables_ = 0;
     MAEstimate natural_;
     MAEstimate log_;
     std::vector<double> tableEffects_; ///< of the corrected tables, with their variances, for contrasts

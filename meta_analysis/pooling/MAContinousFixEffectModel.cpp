@@ -3,7 +3,7 @@
 #include "meta_analysis/effectsize/MAInputCheck.h"
 #include "meta_analysis/pooling/MAContrast.h"
 #include "meta_analysis/pooling/MAPooling.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <algorithm>
 

@@ -1,10 +1,10 @@
 #pragma once
 
-#include "meta_analysis/platform/common/CopyOf.h"
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
-#include "meta_analysis/pooling/MAPooledModel.h"
+#include "meta_analysis/pooling/MAPooledModelGetters.h"
 #include "meta_analysis/pooling/MAPoolingChoice.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <cstddef>
 #include <vector>
@@ -21,9 +21,9 @@ namespace MA_NAMESPACE {
 /// are read at each call and must outlive the object. Everything is on the scale of the effect sizes; a
 /// result that is not defined is missing. A variance of 0 gives infinite weight and IEEE results.
 ///
-/// The status is sticky: once a setter has refused a vector (460001), every later setter and the
-/// estimation do nothing and return that error.
-class META_ANALYSIS_EXPORT MAContinousFixEffectModel
+/// The status is sticky: once a setter has refused a vector (`MAStatusCode::LENGTH_MISMATCH`), every later
+/// setter and the estimation do nothing and return that error.
+class META_ANALYSIS_EXPORT MAContinousFixEffectModel : public MAPooledModelGetters
 {
 public:
     MAContinousFixEffectModel();
@@ -31,22 +31,27 @@ public:
     MAContinousFixEffectModel& operator=(const MAContinousFixEffectModel&);
     virtual ~MAContinousFixEffectModel();
 
-    /// Study vectors. The first fixes the study count k; error 460001 for another length.
+    /// Study vectors. The first fixes the study count k; error `LENGTH_MISMATCH` for another length.
     KXStatus SetEffectSizes(const std::vector<double>* effectSizes);
     KXStatus SetVariances(const std::vector<double>* variances);
     KXStatus SetContrastCoef(const std::vector<double>* coefficients);
+    /// Null value of the z test, on the scale of the effect sizes; 0 unless set.
     KXStatus SetNullHypothesis(double value);
-    /// 1 - confidence level.
+    /// 1 - confidence level, between 0 and 1; 0.05 unless set.
     KXStatus SetSignLevel(double alpha);
 
-    /// Pools and tests. With k < 2 there are no heterogeneity results. Errors: 460001, 460099.
+    /// Pools and tests. With k < 2 there are no heterogeneity results. Errors: `LENGTH_MISMATCH`,
+    /// `OUT_OF_MEMORY`.
     KXStatus EstimateMeanESStats();
 
     /// Estimate sum(g y) and variance sum(g² v) of a contrast with coefficients g, its z test and interval.
-    /// A study whose coefficient is missing is left out, and warning 460050 returned (not stored). With a
-    /// variance of 0, z and significance keep their previous values. Does nothing without coefficients.
+    /// A study whose coefficient is missing is left out, and warning `CONTRAST_COEFFICIENT_MISSING` returned
+    /// (not stored). With a variance of 0, z and significance keep their previous values. Does nothing
+    /// without coefficients.
     KXStatus ContrastTest();
 
+    /// The pooled effect with its z test and interval. The decimal logarithm of the significance is right
+    /// also where the significance underflows.
     double GetEstMeanEffectSize() const { return model_.effect.estimate; }
     double GetEstEffectSizeVariance() const { return model_.effect.variance; }
     double GetEstEffectSizeStdError() const { return model_.effect.stdError; }
@@ -55,19 +60,6 @@ public:
     double GetEstEffectSizeLog10Sig() const { return model_.effect.pValue.Log10(); }
     double GetEstEffectSizeCIUpper() const { return model_.effect.ciUpper; }
     double GetEstEffectSizeCILower() const { return model_.effect.ciLower; }
-
-    double GetHomogeneityTestQ() const { return model_.homogeneity.q; }
-    int GetHomogeneityTestDf() const { return model_.homogeneity.df; }
-    double GetHomogeneityTestPVal() const { return model_.homogeneity.pValue.value; }
-    double GetHomogeneityTestLog10PVal() const { return model_.homogeneity.pValue.Log10(); }
-
-    /// I² is a fraction.
-    double GetHeterogeneityTestH2() const { return model_.heterogeneity.h2; }
-    double GetHeterogeneityTestH2CILower() const { return model_.heterogeneity.h2Lower; }
-    double GetHeterogeneityTestH2CIUpper() const { return model_.heterogeneity.h2Upper; }
-    double GetHeterogeneityTestI2() const { return model_.heterogeneity.i2; }
-    double GetHeterogeneityTestI2CILower() const { return model_.heterogeneity.i2Lower; }
-    double GetHeterogeneityTestI2CIUpper() const { return model_.heterogeneity.i2Upper; }
 
     double GetContrastGMeans() const { return contrast_.estimate; }
     double GetContrastVariance() const { return contrast_.variance; }
@@ -87,7 +79,6 @@ private:
     const std::vector<double>* variances_ = nullptr;
     const std::vector<double>* contrastCoefficients_ = nullptr;
     MAFixedEffectChoice choice_;
-    MAPooledModel model_;
     std::vector<double> weights_;
     MAEstimate contrast_;
     KXStatus status_;

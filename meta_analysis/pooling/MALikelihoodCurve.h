@@ -1,6 +1,6 @@
 #pragma once
 
-#include "meta_analysis/settings/MAEstimatorCode.h"
+#include "meta_analysis/settings/MAEstimators.h"
 
 #include <cmath>
 

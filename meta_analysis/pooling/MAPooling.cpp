@@ -6,8 +6,7 @@
 #include "meta_analysis/inference/MAWeightedMean.h"
 #include "meta_analysis/pooling/MAPooledCurve.h"
 #include "meta_analysis/pooling/MATau2Estimators.h"
-#include "meta_analysis/pooling/MATau2Interval.h"
-#include "meta_analysis/pooling/MATau2Search.h"
+#include "meta_analysis/pooling/MATau2Inference.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <cmath>
@@ -109,32 +108,37 @@ void SetHeterogeneity(const MAEffects& studies, MAPooledModel& model)
 }
 
 /// The bounds of H² and I² are their values at those of tau².
-void SetTau2Bounds(const MATau2Bounds& bounds, MAPooledModel& model)
+void BoundHeterogeneity(MAPooledModel& model)
 {
-    model.tau2Results.lower = bounds.lower;
-    model.tau2Results.upper = bounds.upper;
-    if (KXMV::IsMissing(bounds.lower) || KXMV::IsMissing(bounds.upper))
+    if (KXMV::IsMissing(model.tau2Results.lower) || KXMV::IsMissing(model.tau2Results.upper))
         return;
-    const MAHeterogeneityMeasures lower = HeterogeneityFromTau2(bounds.lower, model.typicalVariance);
-    const MAHeterogeneityMeasures upper = HeterogeneityFromTau2(bounds.upper, model.typicalVariance);
+    const MAHeterogeneityMeasures lower =
+        HeterogeneityFromTau2(model.tau2Results.lower, model.typicalVariance);
+    const MAHeterogeneityMeasures upper =
+        HeterogeneityFromTau2(model.tau2Results.upper, model.typicalVariance);
     model.heterogeneity.h2Lower = lower.h2;
     model.heterogeneity.h2Upper = upper.h2;
     model.heterogeneity.i2Lower = lower.i2;
     model.heterogeneity.i2Upper = upper.i2;
 }
 
-/// The likelihood at tau², and the interval that goes by it or by Q.
-void SetLikelihood(const MAEffects& studies, const MARandomEffectsChoice& choice, MAPooledModel& model)
+bool IsTau2Doubtful(MAPooledCurve& curve, MAConst::TAU2ESTIMATOR estimator, const MAPooledModel& model)
 {
-    const bool hasLikelihood = HasLikelihood(choice.estimator);
-    if (!hasLikelihood && choice.tau2Interval == MAConst::TAU2_INTERVAL_NONE)
+    return IsTau2Doubtful(curve, estimator, model.tau2, model.tau2Results.convergence,
+                          [&] { return model.typicalVariance; });
+}
+
+/// The likelihood at tau², the interval that goes by it or by Q, and the check of tau²: all of one curve,
+/// which is not made where nothing is asked of it.
+void SetTau2Results(const MAEffects& studies, const MARandomEffectsChoice& choice, MAPooledModel& model)
+{
+    const bool checks = choice.checksTau2 && IsIterative(choice.estimator);
+    if (!HasLikelihood(choice.estimator) && !checks && choice.tau2Interval == MAConst::TAU2_INTERVAL_NONE)
         return;
     MAPooledCurve curve = CurveOf(studies, choice.estimator);
-    const double t = model.tau2 / curve.Unit();
-    if (hasLikelihood)
-        model.tau2Results.information =
-            InformationCriteria(curve.LogLikelihood(t), 2.0, curve.Bounds().traceSize);
-    SetTau2Bounds(Tau2Interval(curve, choice.tau2Interval, choice.estimator, t, choice.alpha), model);
+    InferTau2(curve, model.tau2, {choice.estimator, choice.tau2Interval, choice.alpha, 1}, model.tau2Results);
+    BoundHeterogeneity(model);
+    model.tau2Results.isDoubtful = checks && IsTau2Doubtful(curve, choice.estimator, model);
 }
 
 } // namespace
@@ -168,20 +172,17 @@ MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsC
     model.prediction = PredictEffect(model.effect, model.tau2, choice, studies.Count());
     if (studies.Count() >= 2) {
         SetHeterogeneity(studies, model);
-        SetLikelihood(studies, choice, model);
+        SetTau2Results(studies, choice, model);
     }
     return model;
 }
 
 bool IsTau2Doubtful(const MAEffects& studies, const MARandomEffectsChoice& choice, const MAPooledModel& model)
 {
-    if (!IsIterative(choice.estimator) || model.tau2Results.convergence == MAConst::TAU2_GLOBAL_OPTIMUM ||
-        studies.Count() < 2 || model.status.IsError())
+    if (studies.Count() < 2 || model.status.IsError())
         return false;
     MAPooledCurve curve = CurveOf(studies, choice.estimator);
-    const double proved =
-        curve.Unit() * SolveTau2(curve, choice.estimator, model.tau2 / curve.Unit(), comparingPrecision).t;
-    return IsTau2Off(model.tau2, proved, model.typicalVariance);
+    return IsTau2Doubtful(curve, choice.estimator, model);
 }
 
 } // namespace MA_NAMESPACE

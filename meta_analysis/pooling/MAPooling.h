@@ -13,9 +13,7 @@ MAPooledModel PoolFixedEffect(const MAEffects& studies, const MAFixedEffectChoic
 /// Allocates nothing, but for an interval of tau² by profile likelihood.
 MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsChoice& choice);
 
-/// Whether tau² of an iterative estimator is off the one that the global search proves by more than a
-/// hundredth of the latter plus the typical within-study variance, or the search proves none. Takes one
-/// search, and none after a global one that ended with a proof.
+/// The check of `MARandomEffectsChoice::checksTau2`, for a model that was pooled without it.
 bool IsTau2Doubtful(const MAEffects& studies, const MARandomEffectsChoice& choice,
                     const MAPooledModel& model);
 

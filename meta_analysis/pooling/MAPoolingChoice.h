@@ -37,6 +37,9 @@ struct MARandomEffectsChoice
     MAConst::PREDICTIONTYPE prediction = MAConst::PREDICTION_T_K_MINUS_2;
     double threshold = KXMV::Missing(); ///< of the probability of a new study's effect, on the effects' scale
     bool isThresholdAbove = true;
+    /// Whether an iterative tau² is compared with the one that the global search proves, for
+    /// `MATau2Results::isDoubtful`; costs a search.
+    bool checksTau2 = false;
     double alpha = 0.05; ///< 1 - confidence level
 };
 

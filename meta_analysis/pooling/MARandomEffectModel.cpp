@@ -2,7 +2,7 @@
 
 #include "meta_analysis/effectsize/MAInputCheck.h"
 #include "meta_analysis/pooling/MAPooling.h"
-#include "meta_analysis/settings/Guarded.h"
+#include "meta_analysis/settings/Memory.h"
 
 namespace MA_NAMESPACE {
 

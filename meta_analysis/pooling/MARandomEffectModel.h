@@ -2,7 +2,7 @@
 
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
-#include "meta_analysis/pooling/MAPooledModel.h"
+#include "meta_analysis/pooling/MAPooledModelGetters.h"
 #include "meta_analysis/pooling/MAPoolingChoice.h"
 #include "meta_analysis/settings/MAConst.h"
 
@@ -25,7 +25,7 @@ struct MAEffects;
 /// allocation.
 ///
 /// The status is sticky: after an error every setter and the estimation do nothing and return it.
-class META_ANALYSIS_EXPORT MARandomEffectModel
+class META_ANALYSIS_EXPORT MARandomEffectModel : public MAPooledModelGetters
 {
 public:
     MARandomEffectModel();
@@ -33,13 +33,14 @@ public:
     MARandomEffectModel& operator=(const MARandomEffectModel&);
     virtual ~MARandomEffectModel();
 
-    /// Study vectors. The first fixes the study count k; error 460001 for another length.
+    /// Study vectors. The first fixes the study count k; error `MAStatusCode::LENGTH_MISMATCH` for another
+    /// length.
     KXStatus SetEffectSizes(const std::vector<double>* effectSizes);
     KXStatus SetVariances(const std::vector<double>* variances);
     /// Under an adjustment, the test and the confidence interval use Student's t with k - 1 degrees of
     /// freedom.
     KXStatus SetKHAdjType(MAConst::KNAPPHADJTYPE type);
-    /// 1 - confidence level.
+    /// 1 - confidence level, between 0 and 1; 0.05 unless set.
     KXStatus SetSignLevel(double alpha);
     /// Limits of the iterative estimators, see `MATAU2ESTIMATIOR`.
     KXStatus SetMaxIter(int maxIter);
@@ -59,9 +60,11 @@ public:
     KXStatus SetProbabilityAbove(double threshold);
     KXStatus SetProbabilityBelow(double threshold);
 
-    /// Errors: 460060 the estimator failed (a type outside the enumeration), and those of the estimator.
+    /// Errors: `INPUT_NOT_GIVEN` without effect sizes or variances, `LENGTH_MISMATCH` for different lengths,
+    /// `TAU2_FAILED` for an estimator outside the enumeration, `OUT_OF_MEMORY`.
     KXStatus EstimateMeanESStats();
 
+    /// tau²; 0 before the estimation, -1 after `TAU2_FAILED`.
     double GetBetweenStudyVariance() const { return model_.tau2; }
     double GetEstEffectSize() const { return model_.effect.estimate; }
     double GetEstESVariance() const { return model_.effect.variance; }
@@ -84,22 +87,9 @@ public:
     /// Missing without a threshold or without degrees of freedom, and where mean - c and variance + tau² are
     /// both 0.
     double GetPIProbability() const { return model_.prediction.probability; }
-    /// Homogeneity test with fixed-effect weights; missing for k < 2.
-    double GetHomogeneityTestQ() const { return model_.homogeneity.q; }
-    int GetHomogeneityTestDf() const { return model_.homogeneity.df; }
-    double GetHomogeneityTestPVal() const { return model_.homogeneity.pValue.value; }
-    double GetHomogeneityTestLog10PVal() const { return model_.homogeneity.pValue.Log10(); }
-    /// From tau² and the typical within-study variance, not from Q; missing for k < 2. I² is a fraction.
-    double GetHeterogeneityTestH2() const { return model_.heterogeneity.h2; }
-    double GetHeterogeneityTestI2() const { return model_.heterogeneity.i2; }
-    /// Bounds of tau² at the confidence level, 0 at least, and of H² and I² from them. Missing unless asked
-    /// for, and for k < 2.
+    /// Bounds of tau² at the confidence level, 0 at least. Missing unless asked for, and for k < 2.
     double GetTau2CILower() const { return model_.tau2Results.lower; }
     double GetTau2CIUpper() const { return model_.tau2Results.upper; }
-    double GetHeterogeneityTestH2CILower() const { return model_.heterogeneity.h2Lower; }
-    double GetHeterogeneityTestH2CIUpper() const { return model_.heterogeneity.h2Upper; }
-    double GetHeterogeneityTestI2CILower() const { return model_.heterogeneity.i2Lower; }
-    double GetHeterogeneityTestI2CIUpper() const { return model_.heterogeneity.i2Upper; }
 
     /// How tau² was found, see `MATAU2ESTIMATIOR`.
     MAConst::TAU2CONVERGENCE GetTau2Convergence() const { return model_.tau2Results.convergence; }
@@ -124,7 +114,6 @@ private:
     const std::vector<double>* effectSizes_ = nullptr;
     const std::vector<double>* variances_ = nullptr;
     MARandomEffectsChoice choice_;
-    MAPooledModel model_;
     KXStatus status_;
 };
 

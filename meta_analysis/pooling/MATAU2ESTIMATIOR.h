@@ -11,8 +11,6 @@
 namespace MA_NAMESPACE {
 
 class MADesignMatrix;
-class MARegressionCurve;
-struct MATau2StepSums;
 
 /// Between-study variance tau² of k effect sizes y with within-study variances v, or the residual one of a
 /// meta-regression.
@@ -22,9 +20,9 @@ struct MATau2StepSums;
 /// and DerSimonian-Laird the leverages of the same fit, for Sidik-Jonkman its weights. What is pointed to is
 /// the caller's and must outlive the object.
 ///
-/// Hedges (HE), Hunter-Schmidt (HS), DerSimonian-Laird (DL)
-/// and Sidik-Jonkman (SJ) are closed forms, truncated at 0. Maximum likelihood (ML), restricted maximum
-/// likelihood (REML) and empirical Bayes (EB) are found by one of two ways:
+/// Hedges (HE), Hunter-Schmidt (HS), DerSimonian-Laird (DL) and Sidik-Jonkman (SJ) are closed forms,
+/// truncated at 0. Maximum likelihood (ML), restricted maximum likelihood (REML) and empirical Bayes (EB) are
+/// found by one of two ways:
 /// - Scoring (the default) starts from the Hedges estimate, halves a step that would leave tau² negative, and
 ///   stops when |step| < tolerance, in the square of the effects' unit. It can miss the maximum, and very
 ///   homogeneous data can end at a tiny positive value; `GetTau2Convergence` tells how it ended.
@@ -44,13 +42,14 @@ public:
     MATAU2ESTIMATIOR& operator=(const MATAU2ESTIMATIOR&);
     virtual ~MATAU2ESTIMATIOR();
 
-    /// Study vectors. The first fixes k; error 460001 for another length.
+    /// Study vectors. The first fixes k; error `MAStatusCode::LENGTH_MISMATCH` for another length.
     KXStatus SetEffectSizes(const std::vector<double>* effectSizes);
     KXStatus SetVariances(const std::vector<double>* variances);
-    /// Design matrix; its columns are the parameters. Error 460002 when their number contradicts the
-    /// coefficients. Set it before the three that follow.
+    /// Design matrix; its columns are the parameters. Error `PARAMETER_COUNT_MISMATCH` when their number
+    /// contradicts the coefficients. Set it before the three that follow.
     KXStatus SetDesignMatrix(const MADesignMatrix* design);
-    /// Coefficients of a fit, one per parameter, missing ones redundant; copied. Error 460002.
+    /// Coefficients of a fit, one per parameter, missing ones redundant; copied. Error
+    /// `PARAMETER_COUNT_MISMATCH`.
     KXStatus SetRegCoef(const std::vector<double>* coefficients);
     /// Leverages of the same fit, one per row; copied.
     KXStatus SetDiagH(const std::vector<double>* leverages);
@@ -59,8 +58,8 @@ public:
     /// Residuals of the same fit, one per row, in place of those that the coefficients give: where predictors
     /// are far from their mean they have digits that y - x'b has lost.
     KXStatus SetRegResiduals(std::vector<double> residuals);
-    /// Number of parameters p that are not redundant; 1, the mean, without a design matrix. Error 460010
-    /// above the parameter count.
+    /// Number of parameters p that are not redundant; 1, the mean, without a design matrix. Error
+    /// `TOO_MANY_NONREDUNDANT` above the parameter count.
     KXStatus SetNonRedundantParamSize(int size);
     /// Limits of the iterative estimators. With a limit below 1 they return the Hedges estimate.
     KXStatus SetMaxIter(int maxIter);
@@ -69,9 +68,10 @@ public:
     /// How ML, REML and EB are found; scoring unless set.
     KXStatus SetTau2Search(MAConst::TAU2SEARCH search);
 
-    /// Runs an estimator; a value outside the enumeration does nothing. Errors: 460009 the estimator's inputs
-    /// are not given, or differ in length from the rows; 460001 effect sizes and variances differ in length;
-    /// 460012 the design matrix is not ready, or the host cancels; 460015 no more rows than parameters.
+    /// Runs an estimator; a value outside the enumeration does nothing. Errors: `INPUT_NOT_GIVEN` when the
+    /// estimator's inputs are not given, or differ in length from the rows; `LENGTH_MISMATCH` when effect
+    /// sizes and variances differ in length; `ITERATOR_FAILED` when the design matrix is not ready, or the
+    /// host cancels; `TOO_FEW_ROWS` for no more rows than parameters; `OUT_OF_MEMORY`.
     KXStatus ComputeTau2Variance(MAConst::TAU2ESTIMATOR type);
 
     /// tau² >= 0 of the last computation; -1.0 before it and after an error.
@@ -89,16 +89,8 @@ private:
     KXStatus ComputePlain();
     KXStatus ComputeRegression();
 
-    double XBETA(const double* row) const;
-    double ResidualOf(std::size_t row) const;
-    bool HasResidualDf(std::size_t rowCount);
-    void HERegEstimator();
-    void HSRegEstimator();
-    void DLRegEstimator();
-    void SJRegEstimator();
-    void IterateRegression();
-    void SearchRegression();
-    MATau2StepSums RegressionSums(MARegressionCurve& curve, double tau2);
+    std::vector<double> Residuals() const;
+    double FittedValue(const double* row) const;
 
     std::size_t studyCount_ = 0;
     const std::vector<double>* effectSizes_ = nullptr;
@@ -106,7 +98,7 @@ private:
     const MADesignMatrix* design_ = nullptr;
     std::vector<double> coefficients_;
     std::vector<double> leverageComplements_; ///< 1 - h
-    std::vector<double> residuals_;           ///< empty: computed from the coefficients
+    std::vector<double> residuals_;           ///< those not set are computed from the coefficients
     int parameterCount_ = 1;
     int nonRedundantCount_ = 1;
     MATau2Choice choice_;

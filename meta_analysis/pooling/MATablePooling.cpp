@@ -95,7 +95,7 @@ void TablePool<Pooling>::TestHomogeneity(std::size_t studyCount, MAPooledModel& 
         if (!counts_.Includes(table))
             continue;
         const MATable corrected = correction_.Corrected(table);
-        const double residual = Measure::Effect(corrected) - model.effect.estimate;
+        const double residual = EffectBy<Measure>(corrected).effect - model.effect.estimate;
         q += 1.0 / Measure::Variance(corrected) * (residual * residual);
     }
     const int df = static_cast<int>(studyCount) - 1;
@@ -124,7 +124,7 @@ MATableEffects EffectsBy(std::span<const MATable> tables, const MATablePoolingCh
     effects.variances.reserve(tables.size());
     for (const MATable& table : tables) {
         const MATable corrected = correction.Corrected(table);
-        effects.effectSizes.push_back(Measure::Effect(corrected));
+        effects.effectSizes.push_back(EffectBy<Measure>(corrected).effect);
         effects.variances.push_back(Measure::Variance(corrected));
     }
     return effects;
@@ -141,6 +141,17 @@ MAPooledTables PoolTables(std::span<const MATable> tables, const MATablePoolingC
     return result;
 }
 
+int CountUninformative(std::span<const MATable> tables, const MATablePoolingChoice& choice)
+{
+    int count = 0;
+    WithBinaryPooling(choice.measure, [&](auto pooling) {
+        const MAPooledCounts<decltype(pooling)> counts(choice.pooledZeroCells);
+        for (const MATable& table : tables)
+            count += !counts.Includes(table);
+    });
+    return count;
+}
+
 std::vector<MATableEstimate> PoolTablePrefixes(std::span<const MATable> tables,
                                                const MATablePoolingChoice& choice)
 {
@@ -154,9 +165,8 @@ std::vector<MATableEstimate> PoolTablePrefixes(std::span<const MATable> tables,
 MATableEffects EffectsOfTables(std::span<const MATable> tables, const MATablePoolingChoice& choice)
 {
     MATableEffects effects;
-    WithBinaryPooling(choice.measure, [&](auto pooling) {
-        effects = EffectsBy<typename decltype(pooling)::Measure>(tables, choice);
-    });
+    WithMeasure(choice.measure,
+                [&](auto measure) { effects = EffectsBy<decltype(measure)>(tables, choice); });
     return effects;
 }
 

@@ -27,6 +27,9 @@ struct MATablePoolingChoice
 /// missing and so are the weights. Allocates the weights alone.
 MAPooledTables PoolTables(std::span<const MATable> tables, const MATablePoolingChoice& choice);
 
+/// The number of tables without information on the effect, which counts pooled as read leave out.
+int CountUninformative(std::span<const MATable> tables, const MATablePoolingChoice& choice);
+
 /// The effects pooled from the first 1, 2, ... tables, on running sums: one pass, and the same digits as
 /// `PoolTables` of each prefix with the correction resolved.
 std::vector<MATableEstimate> PoolTablePrefixes(std::span<const MATable> tables,

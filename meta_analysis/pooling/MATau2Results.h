@@ -12,6 +12,8 @@ struct MATau2Results
 {
     MAConst::TAU2CONVERGENCE convergence = MAConst::TAU2_CLOSED_FORM;
     int evaluations = 0;
+    /// Whether tau² of scoring is off the one that the global search proves; false where that is not checked.
+    bool isDoubtful = false;
     double lower = KXMV::Missing();
     double upper = KXMV::Missing();
     MAInformationCriteria information;

@@ -4,13 +4,12 @@
 #include "meta_analysis/inference/MAKnappHartung.h"
 #include "meta_analysis/inference/MATestPValues.h"
 #include "meta_analysis/pooling/MARegressionCurve.h"
-#include "meta_analysis/pooling/MATau2Interval.h"
-#include "meta_analysis/pooling/MATau2Search.h"
+#include "meta_analysis/pooling/MATau2Inference.h"
 #include "meta_analysis/regression/MARegBuild.h"
 #include "meta_analysis/regression/MAResidualTau2.h"
 #include "meta_analysis/regression/design/MAProgress.h"
 #include "meta_analysis/settings/Alpha.h"
-#include "meta_analysis/settings/MAEstimatorCode.h"
+#include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -52,35 +51,6 @@ double TypicalVariance(MARegressionCurve& curve, double meanVariance)
     return trace * meanVariance >= negligible ? curve.Bounds().residualDf / trace : 0.0;
 }
 
-/// Whether scoring missed the estimate that the model is labelled with, which a search proves.
-bool IsTau2Doubtful(const MARegTask& task, const MARegResults& results, MARegressionCurve& curve)
-{
-    const MAConst::TAU2ESTIMATOR estimator = EstimatorOf(task.Settings());
-    if (!IsIterative(estimator) || results.tau2Results.convergence == MAConst::TAU2_GLOBAL_OPTIMUM)
-        return false;
-    const double proved =
-        curve.Unit() * SolveTau2(curve, estimator, results.tau2 / curve.Unit(), comparingPrecision).t;
-    return IsTau2Off(results.tau2, proved, 0.0) &&
-           IsTau2Off(results.tau2, proved, TypicalVariance(curve, task.design.MeanVariance()));
-}
-
-/// The likelihood at tau², and the interval that goes by it or by Q.
-void MeasureLikelihood(const MARegTask& task, const MARegFit& fit, MARegressionCurve& curve,
-                       MARegResults& results)
-{
-    const MAConst::TAU2ESTIMATOR estimator = EstimatorOf(task.Settings());
-    if (estimator == unknownEstimator || fit.ResidualDf() < 1)
-        return;
-    const double t = results.tau2 / curve.Unit();
-    if (HasLikelihood(estimator))
-        results.tau2Results.information = InformationCriteria(
-            curve.LogLikelihood(t), fit.NonRedundantCount() + 1.0, curve.Bounds().traceSize);
-    const MATau2Bounds bounds = Tau2Interval(curve, task.Settings().GetTau2Interval(), estimator, t,
-                                             AlphaOf(task.Settings().GetConfidenceLevel()));
-    results.tau2Results.lower = bounds.lower;
-    results.tau2Results.upper = bounds.upper;
-}
-
 /// Residual Q is that at tau² = 0.
 MAResidualHeterogeneity HeterogeneityOf(double tau2, MARegressionCurve& curve, double meanVariance)
 {
@@ -115,10 +85,13 @@ KXStatus Describe(const MARegTask& task, MARegBuild& build)
     if (settings.IsKnapHartAdjust())
         build.scale = KnappHartungScale(fit, settings.IsTruncAjustValue());
     results.tests = TestCoefficients(fit, build.scale, UsesStudentT(settings));
+    const MAConst::TAU2ESTIMATOR estimator = EstimatorOf(settings);
     // A code that is no estimator has the curve of Q.
-    MARegressionCurve curve(task.design.Columns(), task.design.Rows().variances,
-                            LikelihoodOf(EstimatorOf(settings)));
-    if (IsTau2Doubtful(task, results, curve))
+    MARegressionCurve curve(task.design.Columns(), task.design.Rows().variances, LikelihoodOf(estimator));
+    results.tau2Results.isDoubtful =
+        IsTau2Doubtful(curve, estimator, results.tau2, results.tau2Results.convergence,
+                       [&] { return TypicalVariance(curve, task.design.MeanVariance()); });
+    if (results.tau2Results.isDoubtful)
         build.Passed(KXStatus(MAStatusCode::TAU2_DOUBTFUL, true));
     if (task.use == MARegUse::SmallStudyTest)
         return KXStatus();
@@ -132,7 +105,11 @@ KXStatus Describe(const MARegTask& task, MARegBuild& build)
     if (results.residual.df == 0)
         build.Passed(KXStatus(MAStatusCode::NO_RESIDUAL_DF, true));
     results.rSquare = ExplainedPart(results.tau2, task.design);
-    MeasureLikelihood(task, fit, curve, results);
+    if (estimator != unknownEstimator && fit.ResidualDf() >= 1)
+        InferTau2(curve, results.tau2,
+                  {estimator, settings.GetTau2Interval(), AlphaOf(settings.GetConfidenceLevel()),
+                   fit.NonRedundantCount()},
+                  results.tau2Results);
     return KXStatus();
 }
 

@@ -1,9 +1,9 @@
 #include "meta_analysis/regression/MAResidualTau2.h"
 
-#include "meta_analysis/pooling/MATAU2ESTIMATIOR.h"
+#include "meta_analysis/pooling/MARegressionTau2.h"
 #include "meta_analysis/pooling/MATau2Estimators.h"
 #include "meta_analysis/regression/MARegFit.h"
-#include "meta_analysis/settings/MAEstimatorCode.h"
+#include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <vector>
@@ -30,14 +30,6 @@ MATau2Choice ChoiceOf(const MARegSettings& settings)
         settings.GetTau2Search()};
 }
 
-void SetSearch(const MARegSettings& settings, MATAU2ESTIMATIOR& estimator)
-{
-    estimator.SetMaxIter(settings.GetMaxIterations());
-    estimator.SetMaxStepHalving(settings.GetMaxStepHalvingValue());
-    estimator.SetConverTol(settings.GetParameterTolerance());
-    estimator.SetTau2Search(settings.GetTau2Search());
-}
-
 std::vector<double> EffectSizes(const MADesignRows& rows)
 {
     std::vector<double> effectSizes;
@@ -47,38 +39,22 @@ std::vector<double> EffectSizes(const MADesignRows& rows)
     return effectSizes;
 }
 
-MATau2Estimate ResultOf(const MATAU2ESTIMATIOR& estimator, const KXStatus& status)
+MATau2Estimate EstimateFrom(const MARegFit& fit)
 {
-    if (status.IsError())
-        return Failed(status);
-    return {status, estimator.GetBetweenStudyVariannce(), estimator.GetTau2Convergence(),
-            estimator.GetTau2Evaluations()};
+    const std::vector<double> residuals = fit.Residuals();
+    const std::vector<double> complements = fit.LeverageComplements();
+    return EstimateTau2(
+        MATau2Fit{fit.Design(), residuals, complements, fit.Weights(), fit.NonRedundantCount()},
+        ChoiceOf(fit.Design().GetSettings()));
 }
 
-/// From the residuals of a fit. Sidik and Jonkman's estimator takes the weights of the fit for variances.
-MATau2Estimate EstimateFrom(const MARegFit& fit, MAConst::TAU2ESTIMATOR type,
-                            const std::vector<double>* variances)
-{
-    MATAU2ESTIMATIOR estimator;
-    estimator.SetDesignMatrix(&fit.Design());
-    estimator.SetRegCoef(&fit.Coefficients());
-    estimator.SetNonRedundantParamSize(fit.NonRedundantCount());
-    estimator.SetRegResiduals(fit.Residuals());
-    estimator.SetDiagHComplement(fit.LeverageComplements());
-    if (variances != nullptr)
-        estimator.SetVariances(variances);
-    SetSearch(fit.Design().GetSettings(), estimator);
-    const KXStatus estimated = estimator.ComputeTau2Variance(type);
-    return ResultOf(estimator, estimated);
-}
-
-MATau2Estimate EstimateByFit(const MADesignMatrix& design, MAWeightMode mode, MAConst::TAU2ESTIMATOR type)
+MATau2Estimate EstimateByFit(const MADesignMatrix& design, MAWeightMode mode)
 {
     MARegFit fit(design, mode);
     const KXStatus fitted = fit.Fit();
     if (fitted.IsError())
         return Failed(fitted);
-    return EstimateFrom(fit, type, nullptr);
+    return EstimateFrom(fit);
 }
 
 /// Variance of the effect sizes with divisor k; 0 without any.
@@ -110,7 +86,7 @@ MATau2Estimate EstimateBySidikJonkman(const MADesignMatrix& design)
     const KXStatus fitted = fit.Fit();
     if (fitted.IsError())
         return Failed(fitted);
-    return EstimateFrom(fit, MAConst::TAU2_SJ, &fit.Weights());
+    return EstimateFrom(fit);
 }
 
 } // namespace
@@ -120,7 +96,7 @@ MATau2Estimate EstimateResidualTau2(const MADesignMatrix& design)
     const MAConst::TAU2ESTIMATOR estimator = ChoiceOf(design.GetSettings()).estimator;
     switch (estimator) {
     case MAConst::TAU2_DL:
-        return EstimateByFit(design, MAWeightMode::FixedEffect, estimator);
+        return EstimateByFit(design, MAWeightMode::FixedEffect);
     case MAConst::TAU2_SJ:
         return EstimateBySidikJonkman(design);
     // Hunter and Schmidt's published estimator has fixed-effect weights; the unweighted fit makes tau²
@@ -131,7 +107,7 @@ MATau2Estimate EstimateResidualTau2(const MADesignMatrix& design)
     case MAConst::TAU2_ML:
     case MAConst::TAU2_REML:
     case MAConst::TAU2_EB:
-        return EstimateByFit(design, MAWeightMode::Unweighted, estimator);
+        return EstimateByFit(design, MAWeightMode::Unweighted);
     }
     return noVariance;
 }
@@ -139,7 +115,7 @@ MATau2Estimate EstimateResidualTau2(const MADesignMatrix& design)
 MATau2Estimate EstimateTau2WithoutPredictors(const MADesignMatrix& design)
 {
     const std::vector<double> effectSizes = EffectSizes(design.Rows());
-    return EstimateTau2({effectSizes, design.Rows().variances}, ChoiceOf(design.GetSettings()));
+    return EstimateTau2(MAEffects{effectSizes, design.Rows().variances}, ChoiceOf(design.GetSettings()));
 }
 
 } // namespace MA_NAMESPACE

@@ -8,39 +8,33 @@ namespace MA_NAMESPACE {
 struct MAMeasure
 {
     MAConst::BINESTYPE type;
-    const char* name;        ///< as reports show it
-    bool onLogScale;         ///< whether it is analysed on the log scale
-    const char* poolingName; ///< the method that pools tables of it without inverse variances
-    bool hasGroupValues;     ///< whether it compares a value of each group, as a L'Abbe plot shows them
+    bool onLogScale;     ///< analysed on the log scale, as ratios are
+    bool hasGroupValues; ///< compares one value of each group, which a L'Abbe plot shows
 };
 
+/// Each measure stands at the position that is its number.
 inline constexpr MAMeasure measures[] = {
-    {MAConst::BIN_ODDS_RATIO, "Odds ratio", true, "Mantel-Haenszel", true},
-    {MAConst::BIN_PETO_ODDS_RATIO, "Peto odds ratio", true, "Peto", false},
-    {MAConst::BIN_RISK_RATIO, "Risk ratio", true, "Mantel-Haenszel", true},
-    {MAConst::BIN_RISK_DIFFERENCE, "Risk difference", false, "Mantel-Haenszel", true},
+    {MAConst::BIN_ODDS_RATIO, true, true},
+    {MAConst::BIN_PETO_ODDS_RATIO, true, false},
+    {MAConst::BIN_RISK_RATIO, true, true},
+    {MAConst::BIN_RISK_DIFFERENCE, false, true},
 };
-
-/// The row of a measure; null for a value outside the enumeration.
-constexpr const MAMeasure* FindMeasure(MAConst::BINESTYPE type)
-{
-    for (const MAMeasure& measure : measures) {
-        if (measure.type == type)
-            return &measure;
-    }
-    return nullptr;
-}
+inline constexpr int measureCount = sizeof measures / sizeof *measures;
 
 constexpr bool IsMeasure(MAConst::BINESTYPE type)
 {
-    return FindMeasure(type) != nullptr;
+    return type >= 0 && type < measureCount;
 }
 
-/// A value outside the enumeration counts as a ratio.
+/// A number outside the enumeration counts as a ratio.
 constexpr bool IsOnLogScale(MAConst::BINESTYPE type)
 {
-    const MAMeasure* const measure = FindMeasure(type);
-    return measure == nullptr || measure->onLogScale;
+    return !IsMeasure(type) || measures[type].onLogScale;
+}
+
+constexpr bool HasGroupValues(MAConst::BINESTYPE type)
+{
+    return IsMeasure(type) && measures[type].hasGroupValues;
 }
 
 } // namespace MA_NAMESPACE

@@ -3,6 +3,7 @@
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/settings/MAConst.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <utility>
 #include <vector>
@@ -260,8 +261,12 @@ public:
     {
         funnelConTourCutoff_ = std::move(levels);
     }
-    /// Assigns the p-values to `out`, with the exception of that assignment when memory runs out.
-    void GetSetFunnelConTourCutoff(std::vector<double>& out) const { out = funnelConTourCutoff_; }
+    /// Assigns the p-values to `out`, which is empty when memory runs out.
+    void GetSetFunnelConTourCutoff(std::vector<double>& out) const noexcept
+    {
+        out = CopyOf(funnelConTourCutoff_);
+    }
+    const std::vector<double>& GetFunnelConTourCutoff() const noexcept { return funnelConTourCutoff_; }
     /// Bubble plot: subtracts the mean of the covariate; default false. The intercept then is the effect at
     /// the mean; the slope is the same.
     void SetCenterBubblePlot(bool value) { centerBubblePlot_ = value; }

@@ -1,6 +1,6 @@
 #include "meta_analysis/settings/MASettingsWarnings.h"
 
-#include "meta_analysis/settings/MAEstimatorCode.h"
+#include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 namespace MA_NAMESPACE {

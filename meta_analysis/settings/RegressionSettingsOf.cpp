@@ -1,17 +1,17 @@
 #include "meta_analysis/settings/RegressionSettingsOf.h"
 
-#include "meta_analysis/settings/MAEstimatorCode.h"
+#include "meta_analysis/settings/MAEstimators.h"
 
 namespace MA_NAMESPACE {
 
 MARegSettings RegressionSettingsOf(const MAModelSettings& settings)
 {
     const MAConst::KNAPPHADJTYPE adjustment = settings.GetKnapHartAdjustType();
-    const int estimator = settings.GetEstTauType();
+    const MAConst::TAU2ESTIMATOR estimator = settings.GetEstTauType();
     MARegSettings regression;
     regression.SetInterceptUse(true);
-    if (estimator >= 0 && estimator < estimatorCodeCount)
-        regression.SetEstTauType(estimatorCodes[estimator]);
+    if (IsEstimator(estimator))
+        regression.SetEstTauType(estimators[estimator].code);
     regression.SetTau2Search(settings.GetTau2Search());
     regression.SetKnapHartAdjust(adjustment != MAConst::KNAPP_HARTUNG_NONE);
     regression.SetTruncAjustValue(adjustment == MAConst::KNAPP_HARTUNG_TRUNCATED);

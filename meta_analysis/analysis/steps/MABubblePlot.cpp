@@ -6,9 +6,9 @@
 #include "meta_analysis/regression/MAFEAlgorithm.h"
 #include "meta_analysis/regression/MAREAlgorithm.h"
 #include "meta_analysis/regression/MARegOutputStats.h"
-#include "meta_analysis/settings/Guarded.h"
-#include "meta_analysis/settings/MAEstimatorCode.h"
+#include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
+#include "meta_analysis/settings/Memory.h"
 
 #include <algorithm>
 #include <cmath>

@@ -4,8 +4,8 @@
 #include "meta_analysis/regression/MAFEAlgorithm.h"
 #include "meta_analysis/regression/MAREAlgorithm.h"
 #include "meta_analysis/regression/MARegOutputStats.h"
-#include "meta_analysis/settings/Guarded.h"
 #include "meta_analysis/settings/MAStatusCode.h"
+#include "meta_analysis/settings/Memory.h"
 
 namespace MA_NAMESPACE {
 

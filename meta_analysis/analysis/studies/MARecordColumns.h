@@ -1,22 +1,20 @@
 #pragma once
 
-#include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/analysis/studies/MAStudies.h"
 
-#include <cstddef>
 #include <vector>
 
 namespace MA_NAMESPACE {
 
 /// Effect sizes and variances as a regression reads them: an entry per record, missing for the records that
-/// are no study.
+/// are no selected study.
 struct MARecordColumns
 {
-    explicit MARecordColumns(int recordCount)
-        : effectSizes(static_cast<std::size_t>(recordCount), KXMV::Missing()), variances(effectSizes)
-    {}
-
     std::vector<double> effectSizes;
     std::vector<double> variances;
 };
+
+/// `recordCount`: records of the last pass that came to its end, or a negative number.
+MARecordColumns ColumnsByRecord(const MAStudies& studies, const MASelection& selection, int recordCount);
 
 } // namespace MA_NAMESPACE

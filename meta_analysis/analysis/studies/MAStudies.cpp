@@ -1,13 +1,13 @@
 #include "meta_analysis/analysis/studies/MAStudies.h"
 
-#include <cstddef>
+#include <numeric>
 
 namespace MA_NAMESPACE {
 
 namespace {
 
 template <class T>
-void Compact(std::vector<T>& column, const std::vector<bool>& kept)
+void Compact(const std::vector<bool>& kept, std::vector<T>& column)
 {
     if (column.size() != kept.size())
         return;
@@ -19,28 +19,23 @@ void Compact(std::vector<T>& column, const std::vector<bool>& kept)
     column.resize(next);
 }
 
-void Compact(MAEffectColumns& columns, const std::vector<bool>& kept)
-{
-    for (std::vector<double>* column :
-         {&columns.effectSize, &columns.variance, &columns.stdError, &columns.ciLower, &columns.ciUpper})
-        Compact(*column, kept);
-}
-
 } // namespace
 
 void MAStudies::Keep(const std::vector<bool>& kept)
 {
-    Compact(recordNumber, kept);
-    for (std::vector<double>* column :
-         {&sampleSize, &tables.treatmentEvents, &tables.treatmentNonEvents, &tables.controlEvents,
-          &tables.controlNonEvents, &means.treatmentSize, &means.controlSize, &means.treatmentMean,
-          &means.controlMean, &means.treatmentStdDev, &means.controlStdDev, &zValue, &significance,
-          &groupValue, &cumulativeValue})
-        Compact(*column, kept);
+    const auto compact = [&](auto&... columns) { (Compact(kept, columns), ...); };
+    compact(recordNumber, sampleSize, tables, means, effectSize, variance, tests, ratios, groupValue,
+            cumulativeValue);
     for (std::vector<double>& column : contrastCoefficients)
-        Compact(column, kept);
-    Compact(effects, kept);
-    Compact(ratioEffects, kept);
+        Compact(kept, column);
+    groupOutcomes.clear();
+}
+
+MASelection AllOf(const MAStudies& studies)
+{
+    MASelection all(studies.Count());
+    std::iota(all.begin(), all.end(), std::size_t{0});
+    return all;
 }
 
 } // namespace MA_NAMESPACE

@@ -1,38 +1,42 @@
 #pragma once
 
+#include "meta_analysis/analysis/studies/MASelection.h"
+#include "meta_analysis/effectsize/MAMeans.h"
+#include "meta_analysis/effectsize/MATable.h"
+#include "meta_analysis/inference/MAEstimate.h"
+#include "meta_analysis/platform/common/KXMV.h"
+
 #include <cstddef>
 #include <vector>
 
 namespace MA_NAMESPACE {
 
-/// Effect sizes of the studies on one scale, with what describes their precision.
-struct MAEffectColumns
+/// What describes the precision of a study's effect size.
+struct MAStudyTest
 {
-    std::vector<double> effectSize;
-    std::vector<double> variance;
-    std::vector<double> stdError;
-    std::vector<double> ciLower;
-    std::vector<double> ciUpper;
+    double stdError = KXMV::Missing();
+    double zValue = KXMV::Missing();
+    double pValue = KXMV::Missing();
+    double ciLower = KXMV::Missing();
+    double ciUpper = KXMV::Missing();
 };
 
-/// 2x2 tables, one entry a study in each column.
-struct MATableColumns
+/// A study's effect size on the ratio scale. Variance and standard error are the exponentials of those on the
+/// log scale: they serve display, not computation.
+struct MAStudyRatio
 {
-    std::vector<double> treatmentEvents;
-    std::vector<double> treatmentNonEvents;
-    std::vector<double> controlEvents;
-    std::vector<double> controlNonEvents;
+    double effectSize = KXMV::Missing();
+    double variance = KXMV::Missing();
+    double stdError = KXMV::Missing();
+    double ciLower = KXMV::Missing();
+    double ciUpper = KXMV::Missing();
 };
 
-/// Group sizes, means and standard deviations, one entry a study in each column.
-struct MAMeansColumns
+/// The outcome of a study's groups, on the scale of the analysis.
+struct MAGroupOutcomes
 {
-    std::vector<double> treatmentSize;
-    std::vector<double> controlSize;
-    std::vector<double> treatmentMean;
-    std::vector<double> controlMean;
-    std::vector<double> treatmentStdDev;
-    std::vector<double> controlStdDev;
+    double control;
+    double treatment;
 };
 
 /// The valid studies of an analysis: parallel columns, one entry a study, in record order.
@@ -43,22 +47,39 @@ struct MAStudies
     std::vector<int> recordNumber; ///< position of the study's record in the host's data, from 0
     std::vector<double> sampleSize;
 
-    MATableColumns tables; ///< raw input of binary outcomes, as read
-    MAMeansColumns means;  ///< raw input of continuous outcomes
+    std::vector<MATable> tables; ///< raw input of binary outcomes, as read
+    std::vector<MAMeans> means;  ///< raw input of continuous outcomes
 
-    MAEffectColumns effects; ///< on the analysis scale: log for ratio measures
-    std::vector<double> zValue;
-    std::vector<double> significance;
-    MAEffectColumns ratioEffects; ///< on the ratio scale, where there is one
+    std::vector<double> effectSize; ///< on the analysis scale: log for ratio measures
+    std::vector<double> variance;
+    std::vector<MAStudyTest> tests;
+    std::vector<MAStudyRatio> ratios;           ///< where there is a ratio scale
+    std::vector<MAGroupOutcomes> groupOutcomes; ///< of tables, but for Peto odds ratios
 
-    std::vector<double> groupValue; ///< of the subgroup variable; -1.0 when there is none
+    std::vector<double> groupValue; ///< of the subgroup variable; `noGroup` when there is none
     std::vector<double> cumulativeValue;
     std::vector<std::vector<double>> contrastCoefficients; ///< one column per contrast
 
-    std::size_t Count() const noexcept { return effects.effectSize.size(); }
+    static constexpr double noGroup = -1.0;
 
-    /// Removes the studies whose entry in `kept` is false from every column that has them.
+    std::size_t Count() const noexcept { return effectSize.size(); }
+
+    /// Removes the studies whose entry in `kept` is false from every column that has them. The outcomes of
+    /// the groups, which a plot shows for all studies or not at all, go altogether.
     void Keep(const std::vector<bool>& kept);
 };
+
+inline MAStudyTest TestOf(const MAEstimate& estimate)
+{
+    return {estimate.stdError, estimate.statistic, estimate.pValue.value, estimate.ciLower, estimate.ciUpper};
+}
+
+inline MAStudyRatio StudyRatioOf(const MAEstimate& ratio)
+{
+    return {ratio.estimate, ratio.variance, ratio.stdError, ratio.ciLower, ratio.ciUpper};
+}
+
+/// All studies, in study order.
+MASelection AllOf(const MAStudies& studies);
 
 } // namespace MA_NAMESPACE

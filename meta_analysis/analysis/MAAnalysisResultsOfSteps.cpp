@@ -1,0 +1,366 @@
+// Getters of the further analyses: subgroups, contrasts, cumulative analysis, trim-and-fill, plots and
+// small-study tests.
+
+#include "meta_analysis/analysis/MAAnalysisResults.h"
+#include "meta_analysis/analysis/MAAnalysisState.h"
+#include "meta_analysis/analysis/MAResultColumns.h"
+#include "meta_analysis/settings/Memory.h"
+
+namespace MA_NAMESPACE {
+
+std::vector<double> MAAnalysisResults::GetUniGroup() const
+{
+    return CopyOf(Results().groups.shownValues);
+}
+
+std::vector<int> MAAnalysisResults::GetGroupN() const
+{
+    return CopyOf(Results().models.groupSizes);
+}
+
+std::vector<std::vector<int>> MAAnalysisResults::GetSubGroupStudyID() const
+{
+    return CopyOf(Results().models.recordNumbers);
+}
+
+double MAAnalysisResults::GetGDQbVal() const
+{
+    return Results().groups.between.q;
+}
+
+int MAAnalysisResults::GetGDQbDf() const
+{
+    return Results().groups.between.df;
+}
+
+double MAAnalysisResults::GetGDQbSig() const
+{
+    return Results().groups.between.pValue.value;
+}
+
+double MAAnalysisResults::GetGDQbLog10Sig() const
+{
+    return Results().groups.between.pValue.Log10();
+}
+
+std::vector<double> MAAnalysisResults::GetContrastEstES() const
+{
+    return FieldOf(Results().contrasts, Nested(&MAContrast::effect, &MAEstimate::estimate));
+}
+
+std::vector<double> MAAnalysisResults::GetContrastEstStdError() const
+{
+    return FieldOf(Results().contrasts, Nested(&MAContrast::effect, &MAEstimate::stdError));
+}
+
+std::vector<double> MAAnalysisResults::GetContrastEstZVal() const
+{
+    return FieldOf(Results().contrasts, Nested(&MAContrast::effect, &MAEstimate::statistic));
+}
+
+std::vector<double> MAAnalysisResults::GetContrastEstSig() const
+{
+    return PValuesOf(Results().contrasts, &MAContrast::effect, &MAPValue::value);
+}
+
+std::vector<double> MAAnalysisResults::GetContrastLog10Sig() const
+{
+    return PValuesOf(Results().contrasts, &MAContrast::effect, &MAPValue::Log10);
+}
+
+std::vector<double> MAAnalysisResults::GetContrastEstCILower() const
+{
+    return FieldOf(Results().contrasts, Nested(&MAContrast::effect, &MAEstimate::ciLower));
+}
+
+std::vector<double> MAAnalysisResults::GetContrastEstCIUpper() const
+{
+    return FieldOf(Results().contrasts, Nested(&MAContrast::effect, &MAEstimate::ciUpper));
+}
+
+std::vector<int> MAAnalysisResults::GetContrastStatus() const
+{
+    return CopyOf(Results().contrastStatus);
+}
+
+std::vector<double> MAAnalysisResults::GetCumulative() const
+{
+    return CopyOf(Results().studies.cumulativeValue);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetEstCumulative() const
+{
+    return CopyOf(Results().cumulative.values);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetCumEstES() const
+{
+    return CumulativeColumn(Results().cumulative, Nested(&MAPooledRow::effect, &MAEstimate::estimate));
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetCumEstStdErr() const
+{
+    return CumulativeColumn(Results().cumulative, Nested(&MAPooledRow::effect, &MAEstimate::stdError));
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetCumEstZval() const
+{
+    return CumulativeColumn(Results().cumulative, Nested(&MAPooledRow::effect, &MAEstimate::statistic));
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetCumEstSig() const
+{
+    return CumulativeColumn(Results().cumulative, PValueForm(&MAPooledRow::effect, &MAPValue::value));
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetCumEstLog10Sig() const
+{
+    return CumulativeColumn(Results().cumulative, PValueForm(&MAPooledRow::effect, &MAPValue::Log10));
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetCumEstCiLower() const
+{
+    return CumulativeColumn(Results().cumulative, Nested(&MAPooledRow::effect, &MAEstimate::ciLower));
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetCumEstCiUpper() const
+{
+    return CumulativeColumn(Results().cumulative, Nested(&MAPooledRow::effect, &MAEstimate::ciUpper));
+}
+
+int MAAnalysisResults::GetTFImputedN0() const
+{
+    return Results().trimFill.imputedCount;
+}
+
+std::vector<double> MAAnalysisResults::GetTFImputedEffectSize() const
+{
+    return CopyOf(Results().trimFill.imputed.effectSize);
+}
+
+std::vector<double> MAAnalysisResults::GetTFImputedStdError() const
+{
+    return CopyOf(Results().trimFill.imputed.stdError);
+}
+
+double MAAnalysisResults::GetOverallTFEffectSize() const
+{
+    return Results().trimFill.model.value_or(MAEstimate()).estimate;
+}
+
+double MAAnalysisResults::GetOverallTFStdError() const
+{
+    return Results().trimFill.model.value_or(MAEstimate()).stdError;
+}
+
+double MAAnalysisResults::GetOverallTFZVal() const
+{
+    return Results().trimFill.model.value_or(MAEstimate()).statistic;
+}
+
+double MAAnalysisResults::GetOverallTFSig() const
+{
+    return Results().trimFill.model.value_or(MAEstimate()).pValue.value;
+}
+
+double MAAnalysisResults::GetOverallTFCILower() const
+{
+    return Results().trimFill.model.value_or(MAEstimate()).ciLower;
+}
+
+double MAAnalysisResults::GetOverallTFCIUpper() const
+{
+    return Results().trimFill.model.value_or(MAEstimate()).ciUpper;
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetFunnelX() const
+{
+    return CopyOf(Results().funnel.x);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetFunnelY() const
+{
+    return CopyOf(Results().funnel.y);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetFunnelCIX() const
+{
+    return CopyOf(Results().funnel.lineX);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetFunnelCIY() const
+{
+    return CopyOf(Results().funnel.lineY);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetFunnelContourX() const
+{
+    return CopyOf(Results().funnel.contours);
+}
+
+std::vector<double> MAAnalysisResults::GetFunnelContourY() const
+{
+    return CopyOf(Results().funnel.yMax);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetGalbPlotX() const
+{
+    return FieldOf(Results().galbraith, &MAGalbraithPlot::x);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetGalbPlotY() const
+{
+    return FieldOf(Results().galbraith, &MAGalbraithPlot::y);
+}
+
+std::vector<double> MAAnalysisResults::GetGalbRegrSlope() const
+{
+    return FieldOf(Results().galbraith, &MAGalbraithPlot::slope);
+}
+
+std::vector<double> MAAnalysisResults::GetGalbRegrIntercept() const
+{
+    return FieldOf(Results().galbraith, &MAGalbraithPlot::criticalValue);
+}
+
+MAConst::RegBaseTestType MAAnalysisResults::GetRegTesType() const
+{
+    return settings_->GetRegBaseTestType();
+}
+
+double MAAnalysisResults::GetRegBasedTestCoef() const
+{
+    return Results().runTest.effect.estimate;
+}
+
+double MAAnalysisResults::GetRegBasedTestStdError() const
+{
+    return Results().runTest.effect.stdError;
+}
+
+double MAAnalysisResults::GetRegBasedTestVal() const
+{
+    return Results().runTest.effect.statistic;
+}
+
+double MAAnalysisResults::GeRegBasedTestSig() const
+{
+    return Results().runTest.effect.pValue.value;
+}
+
+double MAAnalysisResults::GetRegBasedTestLog10Sig() const
+{
+    return Results().runTest.effect.pValue.Log10();
+}
+
+double MAAnalysisResults::GetRegBasedTestDf() const
+{
+    return Results().runTest.df;
+}
+
+double MAAnalysisResults::GetRegBasedTestCILower() const
+{
+    return Results().runTest.effect.ciLower;
+}
+
+double MAAnalysisResults::GetRegBasedTestCIUpper() const
+{
+    return Results().runTest.effect.ciUpper;
+}
+
+std::vector<int> MAAnalysisResults::GetIfRegrTestPassFlag() const
+{
+    return FieldOf(Results().tests, [](const MASmallStudyTest& test) { return test.hasPassed ? 1 : 0; });
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetRegrTestCoefficient() const
+{
+    return FieldOf(Results().tests, &MASmallStudyTest::coefficients);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetRegrTestBetaStandErr() const
+{
+    return FieldOf(Results().tests, &MASmallStudyTest::stdErrors);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetRegrBetaTestVal() const
+{
+    return FieldOf(Results().tests, &MASmallStudyTest::statistics);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetRegrBetaTestPValue() const
+{
+    return FieldOf(Results().tests, &MASmallStudyTest::pValues);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetRegrBetaConfInterValLower() const
+{
+    return FieldOf(Results().tests, &MASmallStudyTest::lowerLimits);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetRegrBetaConfInterValUpper() const
+{
+    return FieldOf(Results().tests, &MASmallStudyTest::upperLimits);
+}
+
+std::vector<std::vector<KXRegrParameter>> MAAnalysisResults::GetRegrCoefParameters() const
+{
+    return FieldOf(Results().tests, &MASmallStudyTest::parameters);
+}
+
+std::vector<KXBitSet> MAAnalysisResults::GetRegrCoefRedundancyInfo() const
+{
+    return FieldOf(Results().tests, &MASmallStudyTest::nonRedundant);
+}
+
+std::vector<int> MAAnalysisResults::GetBubbleFlags() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::fitted);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCoefs() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::coefficients);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetBubbleXs() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::x);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetBubblePredVals() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::predicted);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetBubbleW() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::weight);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCILower() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::ciLower);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCIUpper() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::ciUpper);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCICurveX() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::curveX);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCICurveLower() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::curveLower);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCICurveUpper() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::curveUpper);
+}
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,104 @@
+#pragma once
+
+#include "meta_analysis/analysis/models/MAPool.h"
+#include "meta_analysis/analysis/steps/MABubbleRows.h"
+#include "meta_analysis/analysis/steps/MAContrasts.h"
+#include "meta_analysis/analysis/steps/MAGalbraithPlot.h"
+#include "meta_analysis/analysis/steps/MALabbePlot.h"
+#include "meta_analysis/analysis/steps/MASmallStudyTests.h"
+#include "meta_analysis/analysis/steps/MASubgroups.h"
+#include "meta_analysis/analysis/steps/MATrimAndFill.h"
+#include "meta_analysis/analysis/studies/MAReading.h"
+
+#include <optional>
+#include <vector>
+
+namespace MA_NAMESPACE {
+
+/// What an analysis has copied from its settings, when a run started or when it read studies.
+struct MACopiedSettings
+{
+    MARunSettings run;
+    double alpha = 0.05;         ///< 1 - confidence level
+    MATablePoolingChoice tables; ///< null value and level apart, which the models take from the settings
+};
+
+/// The per-model lists that hosts read. A run fills them, and operations called one by one append to them.
+struct MAModelLists
+{
+    std::vector<MAPooledRow> models;
+    std::vector<MAPooledModel> heterogeneity; ///< of the models whose heterogeneity is reported; only grows
+    std::vector<double> tau2;                 ///< of these
+    std::vector<double> weights;              ///< of all studies
+    std::vector<int> groupSizes;
+    std::vector<std::vector<int>> recordNumbers; ///< of the studies of each model
+};
+
+/// The subgroups of the studies.
+struct MAGroups
+{
+    std::vector<double> values;       ///< distinct, ascending
+    std::vector<double> shownValues;  ///< as hosts read them, with `MAStudies::noGroup` for the overall model
+    std::vector<MASelection> members; ///< of the groups analysed, in study or cumulative order
+    MABetweenGroups between;
+
+    bool AreSeveral() const { return values.size() > 1; }
+};
+
+/// The lists of the cumulative analysis, an entry per group, and one for the model of all groups.
+struct MACumulativeLists
+{
+    std::vector<std::vector<double>> values;
+    std::vector<std::vector<MAPooledRow>> steps;
+};
+
+/// Coordinates of funnel plots, one row per plot; a row of imputed studies has x and y alone.
+struct MAFunnelRows
+{
+    std::vector<std::vector<double>> x;
+    std::vector<std::vector<double>> y;
+    std::vector<std::vector<double>> lineX;
+    std::vector<std::vector<double>> lineY;
+    std::vector<std::vector<double>> contours;
+    std::vector<double> yMax;
+};
+
+/// The small-study test of a run: the test covariate's coefficient.
+struct MARunTest
+{
+    MAEstimate effect;
+    int df = 0;
+};
+
+/// What trim-and-fill has found.
+struct MATrimFillResults
+{
+    MAConst::TRIMFSIDE side = MAConst::TRIM_SIDE_AUTO; ///< trimmed last; automatic before
+    int imputedCount = 0;
+    MAImputedStudies imputed;
+    std::optional<MAEstimate> model; ///< of all studies with the imputed ones
+};
+
+/// Everything that an analysis holds: the settings copied, the studies, and the results of each step.
+struct MAAnalysisState
+{
+    MACopiedSettings settings;
+    MAStudies studies;
+    MARecordCounts counts;
+    std::vector<KXStatus> warnings; ///< each once, in order of first occurrence
+
+    MAModelLists models;
+    MAGroups groups;
+    std::vector<MAContrast> contrasts;
+    std::vector<int> contrastStatus; ///< of the contrasts of effect sizes, not of tables
+    MACumulativeLists cumulative;
+    MATrimFillResults trimFill;
+    MARunTest runTest;
+    std::vector<MASmallStudyTest> tests;
+    MAFunnelRows funnel;
+    std::vector<MAGalbraithPlot> galbraith;
+    std::vector<std::vector<MALabbePoint>> labbe;
+    std::vector<MABubbleRows> bubbles; ///< one entry per covariate
+};
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,388 @@
+// The further analyses of a run, which a host may call one by one: each is a step, whose results are
+// appended.
+
+#include "meta_analysis/analysis/MAAnalysisState.h"
+#include "meta_analysis/analysis/MABaseModel.h"
+#include "meta_analysis/analysis/steps/MABubblePlots.h"
+#include "meta_analysis/analysis/steps/MACumulative.h"
+#include "meta_analysis/analysis/steps/MAFunnelPlot.h"
+#include "meta_analysis/settings/MAStatusCode.h"
+#include "meta_analysis/settings/Memory.h"
+#include "meta_analysis/settings/RegressionSettingsOf.h"
+
+#include <algorithm>
+#include <utility>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+constexpr std::size_t fewestStudiesOfTest = 3;
+
+bool IsFailureOfRecords(const KXStatus& status)
+{
+    return status.GetCode() == MAStatusCode::ITERATOR_NOT_STARTED ||
+           status.GetCode() == MAStatusCode::ITERATOR_FAILED;
+}
+
+template <class T>
+void Append(std::vector<T>& list, const std::vector<T>& more)
+{
+    list.insert(list.end(), more.begin(), more.end());
+}
+
+} // namespace
+
+// Subgroups, the test between them, and cumulative analysis
+
+std::vector<double> MABaseModel::GetUniqGroupElem() const
+{
+    return GroupValuesOf(Results().studies);
+}
+
+void MABaseModel::AppendGroup(MASelection members)
+{
+    State().models.recordNumbers.push_back(Selected(Results().studies.recordNumber, members));
+    State().groups.members.push_back(std::move(members));
+}
+
+void MABaseModel::ComputeCochranStatistics()
+{
+    const MAAnalysisState& results = Results();
+    const std::size_t groupCount = results.groups.values.size();
+    if (groupCount < 2 || results.groups.members.size() < groupCount)
+        return;
+    const std::vector<MASelection> groups(results.groups.members.begin(),
+                                          results.groups.members.begin() +
+                                              static_cast<std::ptrdiff_t>(groupCount));
+    MABetweenGroups test =
+        TestBetweenGroups(results.studies, groups, results.settings.run.modelType, results.models.tau2);
+    test.q += results.groups.between.q;
+    State().groups.between = test;
+}
+
+KXStatus MABaseModel::BuildSubGroupModel()
+{
+    return Guarded(status_, [this] { return BuildSubgroups(EffectsChoice()); });
+}
+
+KXStatus MABaseModel::BuildSubgroups(const MAModelChoice& choice)
+{
+    if (!HasGroupValues())
+        return SetError(MAStatusCode::LENGTH_MISMATCH);
+    MAAnalysisState& state = State();
+    std::vector<MASelection> groups = MembersByGroup(state.studies, state.groups.values);
+    const MASubgroups result = AnalyseSubgroups(state.studies, groups, choice);
+    for (std::size_t g = 0; g < result.groups.size(); ++g) {
+        AppendModel(result.groups[g], groups[g].size(), {});
+        state.models.groupSizes.push_back(static_cast<int>(groups[g].size()));
+        AppendGroup(std::move(groups[g]));
+    }
+    if (!result.overall.has_value())
+        return status_ = result.status;
+    ComputeCochranStatistics();
+    state.groups.shownValues.push_back(MAStudies::noGroup);
+    return AppendModel(*result.overall, state.studies.Count(),
+                       PoolingWeights(state.studies, *result.overall));
+}
+
+KXStatus MABaseModel::BuildCumulativeModel()
+{
+    return Guarded(status_, [this] { return BuildCumulative(EffectsChoice()); });
+}
+
+/// The test between the groups reads one between-study variance per group, which the resets leave in place.
+KXStatus MABaseModel::BuildCumulative(const MAModelChoice& choice)
+{
+    MAAnalysisState& state = State();
+    if (!HasGroupValues() || state.studies.cumulativeValue.size() != state.studies.Count())
+        return SetError(MAStatusCode::LENGTH_MISMATCH);
+    MACumulative result = AnalyseCumulatively(
+        state.studies, MembersByGroup(state.studies, state.groups.values), settings_->GetSortType(), choice);
+    for (MACumulativeGroup& group : result.groups) {
+        state.models.models = std::move(group.steps);
+        AppendReported(group.whole);
+        state.models.groupSizes.push_back(static_cast<int>(group.order.size()));
+        AppendGroup(std::move(group.order));
+        state.cumulative.values.push_back(std::move(group.values));
+        PushCumuStatistics();
+    }
+    Append(state.models.weights, result.weights);
+    if (result.overall.has_value()) {
+        ComputeCochranStatistics();
+        state.groups.shownValues.push_back(MAStudies::noGroup);
+        state.models.models = {{result.overall->model.effect, result.overall->correctedTables}};
+        AppendReported(*result.overall);
+        state.cumulative.values.emplace_back();
+        PushCumuStatistics();
+    }
+    return status_ = result.status;
+}
+
+void MABaseModel::PushCumuStatistics()
+{
+    State().cumulative.steps.push_back(Results().models.models);
+}
+
+// Contrasts
+
+KXStatus MABaseModel::FixedModelContrastTest()
+{
+    return Guarded(status_, [this] {
+        for (const MAContrast& contrast : TestContrasts(Results().studies, EffectsChoice().fixed)) {
+            AddWarning(contrast.status);
+            State().contrasts.push_back(contrast);
+            State().contrastStatus.push_back(contrast.status.IsWarning() ? 2 : (contrast.isZero ? 1 : 0));
+        }
+        return status_;
+    });
+}
+
+KXStatus MABaseModel::TestContrastsOfRun()
+{
+    if (Results().settings.run.modelType != MAConst::MODEL_FIXED)
+        return status_;
+    return PoolsTables() ? TestContrastsOfTables() : FixedModelContrastTest();
+}
+
+KXStatus MABaseModel::TestContrastsOfTables()
+{
+    for (const MAContrast& contrast : TestTableContrasts(Results().studies, TableChoice().tables)) {
+        AddWarning(contrast.status);
+        State().contrasts.push_back(contrast);
+    }
+    return status_;
+}
+
+// Small-study tests
+
+/// Reads the studies when nothing was read yet; a run that found none is not repeated.
+KXStatus MABaseModel::RequireStudiesForTest(MultiPassRecordIter& records)
+{
+    if (!HasRead()) {
+        State().settings.run = RunSettingsOf(*settings_);
+        if (ReadStudies(records).IsError())
+            return status_;
+    }
+    return Results().studies.Count() < fewestStudiesOfTest ? SetError(MAStatusCode::TOO_FEW_FOR_TEST)
+                                                           : KXStatus();
+}
+
+KXStatus MABaseModel::RunSmallStudyTest(MultiPassRecordIter& records, const KXVarList& variables,
+                                        MAConst::RegBaseTestType type)
+{
+    return Guarded(status_, [&] {
+        if (RequireStudiesForTest(records).IsError())
+            return status_;
+        const MAAnalysisState& results = Results();
+        const MASmallStudyTest test = TestSmallStudies(
+            records, variables, results.studies, AllOf(results.studies), results.counts.records,
+            {type, results.settings.run.modelType, results.settings.tables.correction.type,
+             SmallStudyTestSettingsOf(*settings_)});
+        if (test.hasPassed) {
+            State().runTest = {test.Covariate(), test.df};
+            AddWarningsOfFigures(test.warnings);
+        }
+        return status_ = test.status;
+    });
+}
+
+/// The small-study test of a run goes with trim-and-fill, whose side it decides. A failure of the test itself
+/// leaves its values missing, and the run goes on. Two failures end the run: memory that runs out, which
+/// `TAU2_FAILED` means as well because the estimator is a known one, and records that failed, because
+/// trim-and-fill would take its side from a part of them.
+KXStatus MABaseModel::TestForSmallStudies(MultiPassRecordIter& records, const KXVarList& variables)
+{
+    if (variables.Size() == 0 || !settings_->GetIsTRIMFILL())
+        return status_;
+    const KXStatus before = status_;
+    const int code = RunSmallStudyTest(records, variables, MAConst::REG_TEST_EFFECT_ON_STD_ERROR).GetCode();
+    if (code == MAStatusCode::OUT_OF_MEMORY || code == MAStatusCode::TAU2_FAILED)
+        return SetError(MAStatusCode::OUT_OF_MEMORY);
+    if (!IsFailureOfRecords(status_))
+        status_ = before;
+    return status_;
+}
+
+KXStatus MABaseModel::RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
+                                   MARegSettings settings)
+{
+    return Guarded(status_, [&] {
+        if (RequireStudiesForTest(records).IsError())
+            return status_;
+        if (Results().groups.AreSeveral()) {
+            for (const MASelection& members : MembersByGroup(Results().studies, Results().groups.values)) {
+                const KXStatus tested = TestSelection(records, variables, settings, members);
+                if (IsFailureOfRecords(tested))
+                    return status_ = tested;
+            }
+        }
+        return status_ = TestSelection(records, variables, settings, AllOf(Results().studies));
+    });
+}
+
+/// One test on some of the studies, appended to the tests' lists also when it fails.
+KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarList& variables,
+                                    const MARegSettings& settings, const MASelection& selection)
+{
+    const MAAnalysisState& results = Results();
+    State().tests.emplace_back();
+    State().tests.back() =
+        TestSmallStudies(records, variables, results.studies, selection, results.counts.records,
+                         {settings_->GetRegBaseTestType(), results.settings.run.modelType,
+                          results.settings.tables.correction.type, settings});
+    AddWarningsOfFigures(results.tests.back().warnings);
+    return results.tests.back().status;
+}
+
+// Trim-and-fill
+
+MAConst::TRIMFSIDE MABaseModel::GetTRimFillSide() const
+{
+    const MAAnalysisState& results = Results();
+    if (results.trimFill.side != MAConst::TRIM_SIDE_AUTO)
+        return results.trimFill.side;
+    return settings_->GetTrimFillSide() != MAConst::TRIM_SIDE_AUTO
+               ? settings_->GetTrimFillSide()
+               : SuggestedSide(results.studies, results.runTest.effect.estimate);
+}
+
+int MABaseModel::CalcN0(std::vector<double> values, MAConst::TRIMFMETHOD method) const
+{
+    const std::vector<MAPooledRow>& models = Results().models.models;
+    return models.empty() ? 0 : MissingStudies(std::move(values), models.front().effect.estimate, method);
+}
+
+KXStatus MABaseModel::TrimAndFillInRun()
+{
+    if (!settings_->GetIsTRIMFILL())
+        return status_;
+    if (!PoolsTables())
+        return TrimFill();
+    AddWarning(MAStatusCode::TRIM_FILL_NOT_RUN);
+    return status_;
+}
+
+KXStatus MABaseModel::TrimFill()
+{
+    return Guarded(status_, [this] { return TrimAndFill(); });
+}
+
+KXStatus MABaseModel::TrimAndFill()
+{
+    MAAnalysisState& state = State();
+    if (state.studies.Count() == 0)
+        return SetError(MAStatusCode::NO_ANALYSED_STUDY);
+    state.trimFill.side = MAConst::TRIM_SIDE_AUTO;
+    state.trimFill.side = GetTRimFillSide();
+    const MAModelChoice choice = WithoutTau2Interval(EffectsChoice());
+    if (state.models.models.empty()) {
+        status_ = PoolStep({state.studies.effectSize, state.studies.variance}, choice).status;
+        if (status_.IsError())
+            return status_;
+    }
+    const MATrimAndFill found = TrimAndFillStudies(
+        state.studies, {state.trimFill.side, settings_->GetTrimFillMethod(), settings_->GetMaxIter(),
+                        TrimmingModel(*settings_, choice), choice});
+    if (!found.hasConverged)
+        AddWarning(MAStatusCode::TRIM_FILL_NOT_CONVERGED);
+    state.trimFill.imputedCount = found.imputedCount;
+    Append(state.trimFill.imputed.effectSize, found.imputed.effectSize);
+    Append(state.trimFill.imputed.variance, found.imputed.variance);
+    Append(state.trimFill.imputed.stdError, found.imputed.stdError);
+    state.trimFill.model.reset();
+    if (found.filled.has_value()) {
+        state.trimFill.model = found.filled->model.effect;
+        if (found.filled->isTau2Doubtful)
+            AddWarning(MAStatusCode::TAU2_DOUBTFUL);
+    } else if (found.imputedCount == 0 && !state.models.models.empty()) {
+        state.trimFill.model = state.models.models.back().effect;
+    }
+    return status_ = found.status;
+}
+
+// Plots
+
+/// The Galbraith row of a group is scaled by the variances, not by the standard errors as that of all
+/// studies.
+KXStatus MABaseModel::ComputePlotStatistics()
+{
+    return Guarded(status_, [this] {
+        const MAAnalysisState& results = Results();
+        const std::vector<MAPooledRow>& models = results.models.models;
+        const MAEstimate overall = models.empty() ? MAEstimate() : models.back().effect;
+        const bool isFilled = settings_->GetIsTRIMFILL() && results.trimFill.model.has_value();
+        PlotStudies(results.studies.effectSize, results.studies.variance,
+                    FieldOf(results.studies.tests, &MAStudyTest::stdError),
+                    isFilled ? results.trimFill.model->estimate : overall.estimate);
+        const std::size_t groupCount = std::min(results.groups.members.size(), results.groups.values.size());
+        for (std::size_t g = 0; results.groups.AreSeveral() && g < groupCount; ++g) {
+            const MASelection& members = results.groups.members[g];
+            const std::vector<double> variances = Selected(results.studies.variance, members);
+            PlotStudies(Selected(results.studies.effectSize, members), variances, variances,
+                        GroupEstimate(g));
+        }
+        return status_;
+    });
+}
+
+void MABaseModel::PlotStudies(std::vector<double> effectSizes, const std::vector<double>& variances,
+                              const std::vector<double>& scale, double centre)
+{
+    const MAFunnelChoice choice = FunnelChoiceOf(*settings_, Results().settings.alpha);
+    State().galbraith.push_back(PlotGalbraith(effectSizes, scale, choice.alpha));
+    MAFunnelPlot plot = PlotFunnel(std::move(effectSizes), variances, centre, choice);
+    MAFunnelRows& funnel = State().funnel;
+    funnel.x.push_back(std::move(plot.x));
+    funnel.y.push_back(std::move(plot.y));
+    funnel.yMax.push_back(plot.yMax);
+    funnel.lineX.push_back(std::move(plot.lineX));
+    funnel.lineY.push_back(std::move(plot.lineY));
+    if (choice.contours != MAConst::CONTOUR_NONE)
+        funnel.contours.push_back(std::move(plot.contours));
+}
+
+double MABaseModel::GroupEstimate(std::size_t group) const
+{
+    const MAAnalysisState& results = Results();
+    if (HasCumulativeValues())
+        return group < results.cumulative.steps.size() && !results.cumulative.steps[group].empty()
+                   ? results.cumulative.steps[group].back().effect.estimate
+                   : KXMV::Missing();
+    return group < results.models.models.size() ? results.models.models[group].effect.estimate
+                                                : KXMV::Missing();
+}
+
+void MABaseModel::CalcFunnelPlotY(const std::vector<double>& variances, bool withoutContour)
+{
+    MAFunnelRows& funnel = State().funnel;
+    funnel.y.push_back(FunnelHeights(variances, settings_->GetFunnelYType()));
+    if (!withoutContour)
+        funnel.yMax.push_back(LargestHeight(funnel.y.back()));
+}
+
+/// The imputed studies are the last row of the funnel plot, without a contour of their own.
+void MABaseModel::AppendImputedToFunnel()
+{
+    if (!settings_->GetIsTRIMFILL() || PoolsTables())
+        return;
+    State().funnel.x.push_back(Results().trimFill.imputed.effectSize);
+    CalcFunnelPlotY(Results().trimFill.imputed.variance, true);
+}
+
+KXStatus MABaseModel::BubblePlot(MultiPassRecordIter& records, const KXVarList& variables,
+                                 const MARegSettings& settings)
+{
+    return Guarded(status_, [&] {
+        const MAAnalysisState& results = Results();
+        MABubblePlots bubbles =
+            PlotBubbles(records, variables, settings, results.studies, results.counts.records, *settings_,
+                        results.settings.run.modelType);
+        AddWarningsOfFigures(bubbles.warnings);
+        for (MABubbleRows& plot : bubbles.plots)
+            State().bubbles.push_back(std::move(plot));
+        return bubbles.status.IsError() ? status_ = bubbles.status : KXStatus();
+    });
+}
+
+} // namespace MA_NAMESPACE

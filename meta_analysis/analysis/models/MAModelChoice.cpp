@@ -1,0 +1,68 @@
+#include "meta_analysis/analysis/models/MAModelChoice.h"
+
+#include "meta_analysis/settings/MAMeasures.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+/// A threshold of ratios is given on the natural scale; every ratio is above one that is not positive.
+double OnAnalysisScale(double threshold, bool isOnLogScale)
+{
+    return isOnLogScale && !KXMV::IsMissing(threshold) ? std::log(std::max(threshold, 0.0)) : threshold;
+}
+
+} // namespace
+
+MARunSettings RunSettingsOf(const MAModelSettings& settings)
+{
+    return {settings.GetModelType(), settings.GetEstTauType(), settings.GetKnapHartAdjustType(),
+            settings.GetWeightType(), settings.GetInputESType()};
+}
+
+bool PoolsCounts(const MARunSettings& run, MAConst::OUTCOMETYPE outcome)
+{
+    return outcome == MAConst::OUTCOME_BINARY && run.weightType == MAConst::WEIGHT_BINARY_FIXED &&
+           run.inputType == MAConst::INPUT_RAW && run.modelType == MAConst::MODEL_FIXED;
+}
+
+MAModelChoice EffectsModel(const MAModelSettings& settings, const MARunSettings& run,
+                           MAConst::OUTCOMETYPE outcome, double alpha)
+{
+    const bool isOnLogScale = outcome == MAConst::OUTCOME_BINARY && IsOnLogScale(settings.GetBinaryEstType());
+    const bool isThresholdAbove = !KXMV::IsMissing(settings.GetProbabilityAbove());
+    MAModelChoice choice;
+    choice.type = run.modelType;
+    choice.fixed = {settings.GetNullHypothesis(), alpha};
+    choice.random.estimator = run.estimator;
+    choice.random.knappHartung = run.knappHartung;
+    choice.random.limits = {settings.GetMaxIter(), settings.GetMaxStepHalving(),
+                            settings.GetConnvergenceTol()};
+    choice.random.search = settings.GetTau2Search();
+    choice.random.tau2Interval = settings.GetTau2Interval();
+    choice.random.prediction = settings.GetPrediction();
+    choice.random.threshold = OnAnalysisScale(
+        isThresholdAbove ? settings.GetProbabilityAbove() : settings.GetProbabilityBelow(), isOnLogScale);
+    choice.random.isThresholdAbove = isThresholdAbove;
+    choice.random.alpha = alpha;
+    return choice;
+}
+
+MAModelChoice TrimmingModel(const MAModelSettings& settings, MAModelChoice choice)
+{
+    choice.type = settings.GetTFModelType();
+    choice.random.estimator = settings.GetTFEstTauType();
+    choice.random.knappHartung = settings.GetTFKnapHartAdjustType();
+    return WithoutTau2Interval(choice);
+}
+
+MAModelChoice WithoutTau2Interval(MAModelChoice choice)
+{
+    choice.random.tau2Interval = MAConst::TAU2_INTERVAL_NONE;
+    return choice;
+}
+
+} // namespace MA_NAMESPACE

@@ -1,0 +1,44 @@
+#pragma once
+
+#include "meta_analysis/pooling/MAPoolingChoice.h"
+#include "meta_analysis/pooling/MATablePooling.h"
+#include "meta_analysis/settings/MAModelSettings.h"
+
+namespace MA_NAMESPACE {
+
+/// The model that an analysis pools its studies by, from the settings, once.
+struct MAModelChoice
+{
+    MAConst::MODELTYPE type = MAConst::MODEL_RANDOM;
+    MAFixedEffectChoice fixed;
+    MARandomEffectsChoice random;
+    bool poolsTables = false; ///< by Mantel and Haenszel or Peto, not by inverse variance
+    MATablePoolingChoice tables;
+};
+
+/// The settings that an analysis copies when a run starts; the values of one that has not run.
+struct MARunSettings
+{
+    MAConst::MODELTYPE modelType = MAConst::MODEL_RANDOM;
+    MAConst::TAU2ESTIMATOR estimator = MAConst::TAU2_REML;
+    MAConst::KNAPPHADJTYPE knappHartung = MAConst::KNAPP_HARTUNG_NONE;
+    MAConst::WEIGHTYPE weightType = MAConst::WEIGHT_INVERSE_VARIANCE;
+    MAConst::INPUTESTYPE inputType = MAConst::INPUT_RAW;
+};
+MARunSettings RunSettingsOf(const MAModelSettings& settings);
+
+/// Whether a run on the outcome pools counts: only raw tables under the fixed-effect model. Other
+/// combinations pool by inverse variance.
+bool PoolsCounts(const MARunSettings& run, MAConst::OUTCOMETYPE outcome);
+
+/// A run's model of effect sizes on the scale of the outcome's measure. `alpha` is 1 - confidence level.
+MAModelChoice EffectsModel(const MAModelSettings& settings, const MARunSettings& run,
+                           MAConst::OUTCOMETYPE outcome, double alpha);
+
+/// The model of the trimmed studies, none of which is reported.
+MAModelChoice TrimmingModel(const MAModelSettings& settings, MAModelChoice choice);
+
+/// The model of a step that is not reported for itself, such as one of a cumulative analysis.
+MAModelChoice WithoutTau2Interval(MAModelChoice choice);
+
+} // namespace MA_NAMESPACE

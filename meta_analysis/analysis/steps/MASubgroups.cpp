@@ -1,0 +1,97 @@
+#include "meta_analysis/analysis/steps/MASubgroups.h"
+
+#include "meta_analysis/inference/MATestPValues.h"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+/// Sums over a group's studies with the weights 1 / (tau² + variance).
+struct GroupSums
+{
+    double weight = 0.0;
+    double weighted = 0.0;
+
+    double Mean() const { return weighted / weight; }
+};
+
+GroupSums SumsOf(const MAStudies& studies, const MASelection& group, double tau2)
+{
+    GroupSums sums;
+    for (const std::size_t study : group) {
+        const double weight = 1.0 / (tau2 + studies.variance[study]);
+        sums.weight += weight;
+        sums.weighted += weight * studies.effectSize[study];
+    }
+    return sums;
+}
+
+} // namespace
+
+std::vector<double> GroupValuesOf(const MAStudies& studies)
+{
+    std::vector<double> values = studies.groupValue;
+    std::sort(values.begin(), values.end());
+    values.erase(std::unique(values.begin(), values.end()), values.end());
+    return values;
+}
+
+/// One search per study among the distinct values.
+std::vector<MASelection> MembersByGroup(const MAStudies& studies, const std::vector<double>& groupValues)
+{
+    std::vector<MASelection> members(groupValues.size());
+    const std::size_t count = std::min(studies.Count(), studies.groupValue.size());
+    for (std::size_t study = 0; study < count; ++study) {
+        const double value = studies.groupValue[study];
+        const auto group = std::lower_bound(groupValues.begin(), groupValues.end(), value);
+        if (group != groupValues.end() && *group == value)
+            members[static_cast<std::size_t>(group - groupValues.begin())].push_back(study);
+    }
+    return members;
+}
+
+MABetweenGroups TestBetweenGroups(const MAStudies& studies, const std::vector<MASelection>& groups,
+                                  MAConst::MODELTYPE type, const std::vector<double>& tau2)
+{
+    const bool isRandom = type == MAConst::MODEL_RANDOM;
+    MABetweenGroups test;
+    std::vector<GroupSums> sums;
+    GroupSums total;
+    for (std::size_t g = 0; g < groups.size(); ++g) {
+        if (isRandom && (g >= tau2.size() || KXMV::IsMissing(tau2[g])))
+            return test;
+        sums.push_back(SumsOf(studies, groups[g], isRandom ? tau2[g] : 0.0));
+        total.weight += sums[g].weight;
+        total.weighted += sums[g].weighted;
+    }
+    for (const GroupSums& group : sums)
+        test.q += group.weight * (group.Mean() - total.Mean()) * (group.Mean() - total.Mean());
+    test.df = static_cast<int>(groups.size()) - 1;
+    if (std::isfinite(test.q))
+        test.pValue = ChiSquarePValue(test.q, test.df);
+    return test;
+}
+
+MASubgroups AnalyseSubgroups(const MAStudies& studies, const std::vector<MASelection>& groups,
+                             const MAModelChoice& choice)
+{
+    MASubgroups result;
+    for (const MASelection& group : groups) {
+        MAPooledStudies pooled = Pool(studies, group, choice);
+        result.status = pooled.model.status;
+        if (result.status.IsError())
+            return result;
+        result.groups.push_back(std::move(pooled));
+    }
+    MAPooledStudies overall = Pool(studies, choice);
+    result.status = overall.model.status;
+    if (!result.status.IsError())
+        result.overall = std::move(overall);
+    return result;
+}
+
+} // namespace MA_NAMESPACE
