@@ -11,8 +11,8 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// A residual Q below it, which is of the order of its degrees of freedom otherwise, counts as no
-/// heterogeneity: the fit is exact.
+/// A smaller residual Q counts as none: the fit is exact. Otherwise Q is of the order of its degrees of
+/// freedom.
 constexpr double negligibleQ = 1e-12;
 
 MAResidualHeterogeneity HeterogeneityOf(const MARegFit& fit)

@@ -18,8 +18,8 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// A variance below this part of the mean within-study variance counts as zero, and so does the inverse of
-/// one: squared rounding errors leave less.
+/// A variance below this part of the mean within-study variance counts as zero: squared rounding errors leave
+/// less.
 constexpr double negligible = 1e-12;
 
 /// `unknownEstimator` for a code that is none.

@@ -87,7 +87,7 @@ protected:
     KXStatus Build(MultiPassRecordIter& records, bool isRandom, MARegBuild (*fit)(const MARegTask&));
 
 private:
-    struct State;
+    struct META_ANALYSIS_HIDDEN State;
 
     std::unique_ptr<State> state_;
 };

@@ -11,9 +11,8 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// Below it a dispersion counts as zero: the fit is exact. Weighted residuals are of order 1 when a model
-/// fits, and the square of the rounding error of one is about 1e-32; this leaves room for variances far
-/// from 1.
+/// A smaller dispersion counts as zero: the fit is exact. Weighted residuals are of order 1 when a model
+/// fits, and the square of the rounding error of one is about 1e-32; the margin is for variances far from 1.
 constexpr double negligibleDispersion = 1e-12;
 
 /// Standard error of the residual of a record with this leverage and weight. Rounding can carry the leverage

@@ -78,8 +78,8 @@ public:
     int GetNSkippedReports() const { return nSkippedReports_; }
     /// `DEPENDENT_SINGLE` once there is a dependent.
     KXConst::KXDependentType GetDependentType() const { return dependentType_; }
-    /// Stores the base's number of categories of the dependent; its getter nevertheless returns 0, for an
-    /// effect size has none, and hosts rely on that.
+    /// Stores the base's number of categories of the dependent. The getter nevertheless returns 0: an effect
+    /// size has no categories, and hosts rely on that.
     void SetDependentSize(int value) { SetDependentCategories(value); }
     int GetDependentSize() const { return 0; }
     /// What the omega-weight variable holds; default variance.

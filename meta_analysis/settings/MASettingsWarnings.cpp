@@ -47,7 +47,7 @@ bool IsReadyMade(const Run& run)
     return run.settings.GetInputESType() == MAConst::INPUT_READY_MADE;
 }
 
-/// False for a NaN.
+/// NaN is no level.
 bool IsConfidenceLevel(double level)
 {
     return level > 0.0 && level < 1.0;
@@ -63,7 +63,7 @@ bool Iterates(MAConst::TAU2ESTIMATOR estimator, MAConst::TAU2SEARCH search)
     return IsIterative(estimator) && search != MAConst::TAU2_SEARCH_GLOBAL;
 }
 
-/// Whether the interval asked for is one that the estimator does not have.
+/// Whether the estimator does not have the interval that is asked for.
 bool LacksInterval(MAConst::TAU2ESTIMATOR estimator, MAConst::TAU2INTERVAL interval)
 {
     return interval == MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD && !HasLikelihood(estimator);
@@ -115,8 +115,9 @@ constexpr Rule<Run> rulesOfRuns[] = {
      }},
 };
 
-/// Tables are pooled with a null value on the ratio scale, of which 0 stands for 1. Effect sizes are pooled
-/// on the log scale, and so is their null value, which can be negative.
+/// Whether the null value cannot be a ratio. Tables are pooled with a null value on the ratio scale, on which
+/// 0 stands for 1. Ratios that are pooled by inverse variance have theirs on the log scale, where it can be
+/// negative.
 bool HasImpossibleRatio(const MAModelSettings& settings)
 {
     const bool poolsRatios = IsFixed(settings) && settings.GetWeightType() == MAConst::WEIGHT_BINARY_FIXED &&

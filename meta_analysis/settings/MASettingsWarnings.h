@@ -8,16 +8,16 @@
 
 namespace MA_NAMESPACE {
 
-// Warnings that follow from the settings and the studies alone, as codes in the order of their tables. Each
-// may throw std::bad_alloc.
+// Warnings that follow from the settings and the studies alone: their codes, in the order in which they are
+// recorded.
 
-/// Of a run of any driver, `studyCount` studies being usable.
+/// Warnings of a run with `studyCount` usable studies.
 std::vector<int> WarningsOfRun(const MAModelSettings& settings, std::size_t studyCount);
 
-/// What a run on binary outcomes has besides.
+/// Further warnings of a run on binary outcomes.
 std::vector<int> WarningsOfBinaryRun(const MAModelSettings& settings);
 
-/// Of a fixed-effect or a random-effects meta-regression.
+/// Warnings of a fixed-effect or a random-effects meta-regression.
 std::vector<int> WarningsOfRegression(const MARegSettings& settings, bool isRandom);
 
 } // namespace MA_NAMESPACE

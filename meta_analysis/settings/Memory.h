@@ -1,17 +1,17 @@
 #pragma once
 
-// What the library does when memory runs out. No exception leaves it:
+// What the library does when memory runs out. No exception leaves an operation:
 //
-// - An operation that returns a status runs in `Guarded`: inside, values throw as standard containers do;
-//   outside, a run says `MAStatusCode::OUT_OF_MEMORY`, and results that were stored before can be read.
+// - An operation that returns a status runs in `Guarded`. Inside it values throw as standard containers do;
+//   its status is `MAStatusCode::OUT_OF_MEMORY`, and results that were stored before can be read.
 // - An operation that returns a bool or a position returns false or -1, and has changed nothing.
-// - A getter has neither. It returns `CopyOf` or `FieldOf`: an empty vector when the copy cannot be made, so
-//   that a host that is short of memory compares the length with another result's. Inside the library a
-//   result is passed on as a value, not through a getter.
-// - A setter that takes a vector or a text takes it by value and moves it: nothing is left to fail.
+// - A getter has neither. It returns `CopyOf` or `FieldOf`, which are empty when the copy cannot be made; a
+//   host that is short of memory compares the length with that of another result. Inside the library results
+//   are passed on as values, not through getters.
+// - A setter takes a vector or a text by value and moves it, so that nothing in it can fail.
 //
-// What a host constructs or copies itself (settings, analyses, lists of variables) are values of standard
-// containers: that happens in the host's own code, and throws there.
+// Constructors and copies, of settings, engines, analyses and lists of variables, have no status to return.
+// They throw std::bad_alloc, as those of standard containers do.
 
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/settings/MAStatusCode.h"

@@ -9,6 +9,7 @@
 #include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/Memory.h"
+#include "meta_analysis/settings/RegressionSettingsOf.h"
 
 #include <algorithm>
 #include <cmath>
@@ -129,27 +130,11 @@ void MABubblePlot::Center(std::vector<Study>& studies)
 /// The given settings, with the regression on one covariate in place of their own model.
 MARegSettings MABubblePlot::SimpleRegression() const
 {
-    MARegSettings simple;
+    MARegSettings simple = ComputationSettingsOf(*settings_);
     simple.SetDependent(effectSizeColumn);
     simple.SetOMWVarIndex(varianceColumn);
     simple.SetOMWVarType(MAConst::OMEGA_VARIANCE);
-    KXModelEffect effect;
-    RequireMemory(effect.AddCovariate(covariateColumn) && simple.AddCovariate(covariateColumn) != -1 &&
-                  simple.AddModelEffect(effect));
-
-    simple.SetInterceptUse(settings_->GetInterceptUse());
-    simple.SetComputationalTolerance(settings_->GetComputationalTolerance());
-    simple.SetConfidenceLevel(settings_->GetConfidenceLevel());
-    simple.SetCancelObject(settings_->GetCancelObject());
-    simple.SetParameterTolerance(settings_->GetParameterTolerance());
-    simple.SetMaxIterations(settings_->GetMaxIterations());
-    simple.SetMaxStepHalvingValue(settings_->GetMaxStepHalvingValue());
-    simple.SetMultiDiser(settings_->HasMultiDisper());
-    simple.SetEstTauType(settings_->GetEstTauType());
-    simple.SetTau2Search(settings_->GetTau2Search());
-    simple.SetKnapHartAdjust(settings_->IsKnapHartAdjust());
-    simple.SetTruncAjustValue(settings_->IsTruncAjustValue());
-    simple.SetTestDistType(settings_->GetTestDistType());
+    RequireMemory(AddCovariateEffect(simple, covariateColumn));
     return simple;
 }
 

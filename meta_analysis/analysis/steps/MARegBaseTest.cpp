@@ -6,6 +6,7 @@
 #include "meta_analysis/regression/MARegOutputStats.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/Memory.h"
+#include "meta_analysis/settings/RegressionSettingsOf.h"
 
 namespace MA_NAMESPACE {
 
@@ -81,11 +82,8 @@ KXStatus MARegBaseTest::copySettings(const TestColumns& columns, MARegSettings& 
 
 KXStatus MARegBaseTest::addTestCovariate(int index, MARegSettings& testSettings) const
 {
-    KXModelEffect effect;
-    if (testSettings.AddCovariate(index) == -1 || !effect.AddCovariate(index) ||
-        !testSettings.AddModelEffect(effect))
-        return KXStatus(MAStatusCode::TEST_COVARIATE_REFUSED);
-    return KXStatus();
+    return AddCovariateEffect(testSettings, index) ? KXStatus()
+                                                   : KXStatus(MAStatusCode::TEST_COVARIATE_REFUSED);
 }
 
 KXStatus MARegBaseTest::RegModelTest(MARegSettings& testSettings, RegTestRecordIterator& records,

@@ -4,8 +4,8 @@
 
 namespace distribution {
 
-/// A beta distribution and a point of it. The parts depend on each other; they come together because each
-/// of them is known to full relative precision only where the point is formed.
+/// A beta distribution and a point of it. The parts depend on each other. The struct holds all of them
+/// because each is known to full relative precision only where the point is formed.
 struct BetaPoint
 {
     double a;      ///< first parameter, > 0

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXRectMatrix.h"
 #include "meta_analysis/platform/common/KXSymMatrix.h"
@@ -12,7 +11,7 @@
 /// Diagonal matrix D, such as the scaling of a regression's columns.
 ///
 /// The products throw std::bad_alloc when memory runs out, and are empty when the sizes do not match.
-class META_ANALYSIS_EXPORT KXDiagMatrix
+class KXDiagMatrix
 {
 public:
     explicit KXDiagMatrix(std::vector<double> diagonal) noexcept : diagonal_(std::move(diagonal)) {}

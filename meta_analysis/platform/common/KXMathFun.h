@@ -1,12 +1,11 @@
 #pragma once
 
-#include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXSymMatrix.h"
 
 #include <vector>
 
 /// Expressions of vectors and matrices.
-class META_ANALYSIS_EXPORT KXMathFun
+class KXMathFun
 {
 public:
     /// v'Sv; missing when the sizes differ.

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
 
 /// Arithmetic that knows missing values.
@@ -9,7 +8,7 @@
 /// Operands whose result no double can hold (overflow, a fractional power of a negative number, or the
 /// number that is reserved for missing) give the error OVERFLOW_CODE and leave `out` unchanged. A result
 /// too small for a double is 0 or subnormal, and OK.
-class META_ANALYSIS_EXPORT KXPower
+class KXPower
 {
 public:
     static constexpr int OVERFLOW_CODE = 940001;

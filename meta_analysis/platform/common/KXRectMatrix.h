@@ -1,12 +1,10 @@
 #pragma once
 
-#include "meta_analysis/platform/common/Export.h"
-
 #include <cstddef>
 #include <vector>
 
 /// Rectangular matrix. An index outside it is ignored and reads as missing.
-class META_ANALYSIS_EXPORT KXRectMatrix
+class KXRectMatrix
 {
 public:
     /// A matrix of zeros. Throws std::bad_alloc when memory runs out, as does Product.

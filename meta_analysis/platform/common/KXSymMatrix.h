@@ -1,6 +1,5 @@
 #pragma once
 
-#include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXBitSet.h"
 
 #include <cstddef>
@@ -19,7 +18,7 @@
 ///
 /// An index outside the matrix is ignored and reads as missing. Constructor, Resize and the operations
 /// that return a matrix or fill a container throw std::bad_alloc when memory runs out.
-class META_ANALYSIS_EXPORT KXSymMatrix
+class KXSymMatrix
 {
 public:
     /// A matrix of zeros.
@@ -71,7 +70,7 @@ public:
     /// v'Sv; missing when v has another length than the matrix. No allocation.
     double QuadraticForm(const std::vector<double>& v) const noexcept;
 
-    /// The same for `count` rows of Size() values, of which each begins `stride` values after the one before.
+    /// The same for `count` rows of Size() values; each begins `stride` values after the one before.
     void QuadraticForms(const double* rows, std::size_t stride, std::size_t count,
                         double* forms) const noexcept;
 

@@ -11,7 +11,7 @@ struct ScaledProbability
     double exponent;
     double factor;
 
-    /// The exponential is multiplied in two equal parts, for it may underflow where the product does not.
+    /// The exponential is multiplied in two equal parts: it may underflow where the product does not.
     /// Rounding may carry the product beyond 1.
     double Value() const noexcept
     {

@@ -5,7 +5,7 @@
 
 /// The level of a factor that a data value stands for: the nearest integer, halves upwards.
 ///
-/// -1, which is the level of no factor, for a negative or missing value, a NaN, and a value beyond int.
+/// -1, which is no level, for a negative or missing value, a NaN, and a value beyond int.
 inline int FactorLevel(double value) noexcept
 {
     constexpr double limit = std::numeric_limits<int>::max();

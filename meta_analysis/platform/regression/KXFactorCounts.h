@@ -8,8 +8,8 @@
 
 /// Counts the records at each level of each factor, weighted by a frequency variable where there is one.
 ///
-/// Memory grows with the levels that occur, not with the sizes of the factors. The constructor and `Update`
-/// throw std::bad_alloc when memory runs out.
+/// Memory grows with the levels that occur, not with the sizes of the factors. Constructor and `Update` throw
+/// std::bad_alloc when memory runs out.
 class META_ANALYSIS_EXPORT KXFactorCounts
 {
 public:

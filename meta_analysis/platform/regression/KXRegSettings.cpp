@@ -64,7 +64,7 @@ int KXRegSettings::AddFactor(int index, int size) noexcept
     if (present >= 0)
         return GetFactorSize(index) == size ? present : -1;
     try {
-        factorSizes_.reserve(factorSizes_.size() + 1); // so that only the first append can fail
+        factorSizes_.reserve(factorSizes_.size() + 1); // so that the second append cannot fail
         factors_.push_back(index);
     } catch (const std::exception&) {
         return -1;

@@ -69,8 +69,6 @@ public:
 
     /// All roles of a variable, a sum of `VariableRole`; 0 for none.
     int GetVariableRoles(int index) const noexcept;
-    /// The largest index of a variable with a role; -1 when there is none.
-    int GetMaxVariableIndex() const noexcept;
 
     /// Variable that says how many cases a record stands for. Factor counts and data statistics count by it;
     /// a meta-regression does not.
@@ -92,13 +90,17 @@ public:
     /// Confidence level, a fraction between 0 and 1; default 0.95.
     void SetConfidenceLevel(double value) noexcept { confidenceLevel_ = value; }
     double GetConfidenceLevel() const noexcept { return confidenceLevel_; }
-    /// Asked whether to stop, after every record of a pass; the host's, default null for none. Asking costs
-    /// one virtual call a record.
+    /// Asked whether to stop, after every record of a pass and every fit; the host's, default null for none.
+    /// Asking costs one virtual call a record.
     void SetCancelObject(KXQueryCancel* cancel) noexcept { cancel_ = cancel; }
     KXQueryCancel* GetCancelObject() const noexcept { return cancel_; }
     /// Stored for hosts and shown in the debug display; the library writes no files.
     void SetTempDirectory(std::string directory) noexcept { tempDirectory_ = std::move(directory); }
     const std::string& GetTempDirectory() const noexcept { return tempDirectory_; }
+
+protected:
+    /// The largest index of a variable with a role; -1 when there is none.
+    int GetMaxVariableIndex() const noexcept;
 
 private:
     int dependent_ = -1;

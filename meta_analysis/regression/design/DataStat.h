@@ -16,7 +16,7 @@ public:
     /// `variableIndex` -1: the variable is not used, and the statistics stay at their initial values.
     explicit DataStat(int variableIndex = -1) : variableIndex_(variableIndex) {}
 
-    /// Takes up a value with its weight; a missing value is passed over. Inline, for it is called for each
+    /// Adds a value with its weight; a missing value is passed over. Inline, because it is called for each
     /// variable of each record.
     void Update(double value, double weight);
 
@@ -58,7 +58,7 @@ inline void DataStat::Update(double value, double weight)
         return;
     const double oldMean = mean_;
     const double increment = (value - oldMean) * (weight / weightSum_);
-    // What is left of a mean that cancels against its increment is rounding error.
+    // A mean that cancels against its increment leaves rounding error.
     constexpr double roundingError = 4.0 * std::numeric_limits<double>::epsilon();
     const double mean = oldMean + increment;
     mean_ = std::abs(mean) < roundingError * std::abs(oldMean) ? 0.0 : mean;

@@ -1,13 +1,12 @@
 #pragma once
 
-#include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/Record.h"
 #include "meta_analysis/regression/design/MADesignRow.h"
 
 namespace MA_NAMESPACE {
 
-/// How a record's dependent value is checked and taken into a design row.
-class META_ANALYSIS_EXPORT IMADPStrategy
+/// Checks a record's dependent value and stores it in a design row.
+class IMADPStrategy
 {
 public:
     virtual ~IMADPStrategy();
@@ -15,8 +14,8 @@ public:
     virtual void apply(const Record& record, MADesignRow& row) const = 0;
 };
 
-/// The dependent is one variable, which must be there and, if so asked, not negative.
-class META_ANALYSIS_EXPORT MADPSingle final : public IMADPStrategy
+/// The dependent is one variable; a missing value is refused, and on request a negative one.
+class MADPSingle final : public IMADPStrategy
 {
 public:
     explicit MADPSingle(int dependentIndex, bool nonNegative = false)

@@ -17,19 +17,19 @@ public:
     MADataStats(const std::vector<int>& covariates, int offset, int omegaWeight, int frequencyWeight,
                 int dependent);
 
-    /// Takes up a record, unless its frequency weight is missing.
+    /// Adds a record, unless its frequency weight is missing.
     void Update(const Record& record);
 
     /// One entry per covariate, in the order of the settings.
     const std::vector<DataStat>& GetCovariateStats() const { return covariates_; }
-    /// Of the covariate at position `n`, or with the given variable index; of an unused variable when there
-    /// is no such covariate.
+    /// Statistics of the covariate at position `n`, or with the given variable index; those of an unused
+    /// variable when there is no such covariate.
     const DataStat& GetStatOfNthCov(int n) const;
     const DataStat& GetCovariateStat(int variableIndex) const;
     const DataStat& GetOffsetStat() const { return offset_; }
     const DataStat& GetWeightStat() const { return omegaWeight_; }
     const DataStat& GetDependentStat() const { return dependent_; }
-    /// Of the dependent variable weighted by frequency weight times omega weight.
+    /// Statistics of the dependent variable weighted by frequency weight times omega weight.
     const DataStat& GetDependentW2Stat() const { return dependentTwoWeights_; }
     double GetWeightedDependentSum() const { return weightedDependentSum_; }
 

@@ -37,7 +37,7 @@ bool AreAllIn(const std::vector<int>& variables, const std::vector<int>& known)
     });
 }
 
-/// Of such values a fit can sum the weighted squares.
+/// Whether a fit can sum the weighted squares of these values.
 bool HaveFiniteSquares(const double* values, std::size_t count, double weight)
 {
     return std::all_of(values, values + count,
@@ -245,7 +245,7 @@ KXStatus MADesignMatrix::ReadRows()
     return isSound ? result : KXStatus(MAStatusCode::ITERATOR_FAILED);
 }
 
-/// Appends the row of a usable record; false, and nothing appended, when there is none to fit.
+/// Appends the row of a usable record. False, and nothing appended, when the record has no study to fit.
 bool MADesignMatrix::CacheRow(const Record& record)
 {
     MADesignRow study; // its predictors are coded where they are kept

@@ -1,6 +1,5 @@
 #pragma once
 
-#include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/platform/common/MultiPassRecordIter.h"
 #include "meta_analysis/platform/regression/KXFactorCounts.h"
@@ -42,8 +41,8 @@ struct MADesignRows
 ///
 /// A record is usable when its dependent is there, its omega weight is positive, each factor of the settings
 /// has a level below the factor's size and each covariate of the settings is there, whether or not a model
-/// effect uses it. Warning 460031 stands for a record that is not.
-class META_ANALYSIS_EXPORT MADesignMatrix
+/// effect uses it. A record that is not usable has the warning `UNUSABLE_RECORD`.
+class MADesignMatrix
 {
 public:
     explicit MADesignMatrix(const MARegSettings& settings);
@@ -54,28 +53,29 @@ public:
     /// Whether the model effects have variables, and all of them are factors or covariates of the settings.
     bool HasKnownEffects() const;
 
-    /// Builds the row of a record; 460031, and the row as it was, when the record is not usable.
+    /// Builds the row of a record. Warning `UNUSABLE_RECORD`: the row is unchanged.
     virtual KXStatus GetRow(const Record& record, MADesignRow& row, bool skipDependentAndWeight) const;
 
     /// Writes statistics, counts and effects to the debug display.
     virtual void Display() const;
 
-    /// First pass: takes up one record; 460031 when it is not usable.
+    /// First pass: adds one record to the statistics and levels. Warning `UNUSABLE_RECORD`.
     virtual KXStatus Update(const Record& record);
 
-    /// 460031 when the record is not usable. Without dependent and weight, only the predictors are checked.
+    /// Warning `UNUSABLE_RECORD`, or OK. Without dependent and weight, only the predictors are checked.
     virtual KXStatus CheckRecord(const Record& record, bool skipDependentAndWeight) const;
 
-    /// The whole first pass over a started iterator; fixes the columns at its end. Error 460012 when the
-    /// iterator fails or the host cancels. Warning 460031 when a record was not usable.
+    /// The whole first pass over a started iterator; fixes the columns at its end. Error `ITERATOR_FAILED`
+    /// when the iterator fails or the host cancels. Warning `UNUSABLE_RECORD` when a record was not usable.
     KXStatus ReadFirstPass(MultiPassRecordIter& records);
 
     void AttachIterator(MultiPassRecordIter& records);
-    /// Rewinds the attached iterator; error 460012 when it cannot.
+    /// Rewinds the attached iterator. Error `ITERATOR_FAILED` when it cannot.
     KXStatus Rewind();
     /// Reads the attached iterator from its start into `Rows()`. Rows with a bad effect, without a study, or
     /// with predictors whose weighted squares cannot be represented are left out, with the same warning.
-    /// Errors as `ReadFirstPass`; 460012 also when there are more or fewer records than in the first pass.
+    /// Errors as `ReadFirstPass`; `ITERATOR_FAILED` also when there are more or fewer records than in the
+    /// first pass.
     KXStatus CacheRows();
 
     /// Whether the rows are cached, so that a regression can be fitted.
@@ -85,7 +85,7 @@ public:
     /// computational tolerance of the settings.
     const MAOrthonormalColumns& Columns() const { return *columns_; }
 
-    /// Mean variance of the rows, once they are cached. A variance is negligible in comparison with it.
+    /// Mean variance of the rows, once they are cached. Variances are judged negligible against it.
     double MeanVariance() const { return meanVariance_; }
 
     const MARegSettings& GetSettings() const { return *settings_; }
@@ -124,8 +124,8 @@ private:
     MADataStats statistics_;
     long totalRecords_ = 0;
     long completeRecords_ = 0;
-    std::vector<long> unusableRecords_; ///< numbers of the others, which the later passes leave out
-    double completeFrequency_ = 0.0;    ///< sum of frequency weights of complete records: 1 for each
+    std::vector<long> unusableRecords_; ///< numbers of the records that later passes leave out
+    double completeFrequency_ = 0.0;    ///< sum of the weights of complete records, 1 for each
     int paramSize_ = 0;
     std::vector<MADesignMatrixEffect> effects_;
     bool hasIntercept_;

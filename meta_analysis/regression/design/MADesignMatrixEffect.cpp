@@ -33,7 +33,7 @@ void MADesignMatrixEffect::CollectLevels(const Record& record)
     levels_.clear();
     for (const int factor : factors_)
         levels_.push_back(FactorLevel(record.Get(factor)));
-    if (collected_.count(levels_) == 0) // a set would allocate for a copy before it looks
+    if (collected_.count(levels_) == 0) // insert would allocate a node before it compares
         collected_.insert(levels_);
 }
 
@@ -72,7 +72,7 @@ int MADesignMatrixEffect::ColumnOf(const Record& record) const
     return start_ + static_cast<int>(found - combinations_.begin());
 }
 
-/// Below, at or above 0 for a combination that comes before, is, or comes after that of the record.
+/// Negative, 0 or positive for a combination that comes before, equals, or comes after that of the record.
 int MADesignMatrixEffect::CompareLevels(const std::vector<int>& combination, const Record& record) const
 {
     for (std::size_t i = 0; i < factors_.size(); ++i) {

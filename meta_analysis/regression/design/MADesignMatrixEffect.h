@@ -1,6 +1,5 @@
 #pragma once
 
-#include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/Record.h"
 #include "meta_analysis/platform/regression/KXModelEffect.h"
@@ -18,22 +17,22 @@ namespace MA_NAMESPACE {
 /// vectors, first factor first; a record has the product of the effect's covariates (1 without any) in the
 /// column of its combination and 0 elsewhere. Columns that others determine are left to the fit, which
 /// finds them redundant.
-class META_ANALYSIS_EXPORT MADesignMatrixEffect
+class MADesignMatrixEffect
 {
 public:
     /// `factors` and `factorSizes`: the factors of the settings with their numbers of levels.
     MADesignMatrixEffect(const KXModelEffect& effect, const std::vector<int>& factors,
                          const std::vector<int>& factorSizes);
 
-    /// First pass: takes note of the record's combination of levels.
+    /// First pass: records the combination of levels of the record.
     void CollectLevels(const Record& record);
 
     /// After the first pass: fixes the columns, from `startColumn` on.
     void FixColumns(int startColumn);
 
-    /// Codes the record into a row, which has zeros in the columns of the effect. False when it has no
-    /// column, or a covariate product that is missing or not finite. Inline, for it is called for each effect
-    /// of each record.
+    /// Codes the record into a row, which has zeros in the columns of the effect. False when the record has
+    /// no column, or its covariate product is missing or not finite. Inline, because it is called for each
+    /// effect of each record.
     bool Code(const Record& record, double* row) const;
 
     bool HasFactors() const { return !factors_.empty(); }
@@ -55,12 +54,12 @@ private:
     std::vector<int> factors_;
     std::vector<int> covariates_;
     std::vector<int> multiplicities_;
-    int soleCovariate_ = -1; ///< what most effects are: one covariate as it stands, without factors
+    int soleCovariate_ = -1; ///< of an effect that is one covariate as it stands, which most are
     double cellCount_ = 1.0;
     int start_ = -1;
     int size_ = 1;
     std::set<std::vector<int>> collected_; ///< during the first pass
-    std::vector<int> levels_;              ///< of its record; kept for the memory
+    std::vector<int> levels_;              ///< of its record; a member so that its memory is used again
     std::vector<std::vector<int>> combinations_;
 };
 

@@ -8,7 +8,7 @@
 
 namespace MA_NAMESPACE {
 
-/// One row of a meta-regression's data, made from one record. Meant to be reused.
+/// One row of a meta-regression's data, made from one record. An object serves one record after another.
 struct MADesignRow
 {
     std::vector<double> predictors; ///< one value per column of the design
@@ -16,9 +16,8 @@ struct MADesignRow
     double omegaWeight = 1.0; ///< inverse of the study's variance
     bool isBad = false;       ///< an effect of the model could not be coded
 
-    /// Whether there is a study to fit: the weight is positive, and its inverse, the variance, and the
-    /// weighted square of the dependent, which a fit sums, are finite. The square of a missing dependent is
-    /// not.
+    /// Whether there is a study to fit: the weight is positive, and its inverse (the variance) and the
+    /// weighted square of the dependent are finite. The square of a missing dependent is infinite.
     bool HasStudy() const
     {
         return omegaWeight > 0.0 && std::isfinite(1.0 / omegaWeight) &&

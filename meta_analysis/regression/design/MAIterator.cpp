@@ -1,8 +1,8 @@
 #include "meta_analysis/regression/design/MAIterator.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
-#include "meta_analysis/settings/Memory.h"
 #include "meta_analysis/settings/MAStatusCode.h"
+#include "meta_analysis/settings/Memory.h"
 
 namespace MA_NAMESPACE {
 

@@ -13,8 +13,8 @@ namespace MA_NAMESPACE {
 /// its studies to a meta-regression.
 ///
 /// Every record has as many values as the variable list: the host's variables in their order (longer host
-/// records are cut, shorter ones filled up with missing values), then "$effectSize$" and "$variance$". What
-/// is pointed to is the caller's and must outlive the object.
+/// records are cut, shorter ones filled up with missing values), then "$effectSize$" and "$variance$".
+/// Source and vectors are the caller's and must outlive the object.
 class META_ANALYSIS_EXPORT MAIterator : public MultiPassRecordIter
 {
 public:
@@ -26,14 +26,14 @@ public:
 
     /// The host's variables and the two that are added.
     const KXVarList& GetVarList() const { return variables_; }
-    /// Positions of the two in the list and in the records, whatever the host's variables are called.
+    /// Positions of the two added variables in the list and in the records.
     int GetEffectSizeIndex() const { return sourceSize_; }
     int GetVarianceIndex() const { return sourceSize_ + 1; }
 
     bool Start() override;
     bool Reset() override;
     const Record* Next() override;
-    /// The source's error, or 460026 when a record could not be resized.
+    /// The source's error, or `RECORD_NOT_RESIZED`.
     int GetError() const override;
 
 private:

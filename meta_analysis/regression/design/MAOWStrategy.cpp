@@ -22,16 +22,15 @@ void MAOWVar::apply(const Record& record, MADesignRow& row) const
     switch (type_) {
     case MAConst::OMEGA_WEIGHT:
         row.omegaWeight = value;
-        break;
+        return;
     case MAConst::OMEGA_VARIANCE:
         row.omegaWeight = value == 0.0 ? KXMV::Missing() : 1.0 / value;
-        break;
+        return;
     case MAConst::OMEGA_STD_ERROR:
         row.omegaWeight = value == 0.0 ? KXMV::Missing() : 1.0 / (value * value);
-        break;
-    default:
-        break;
+        return;
     }
+    // A type outside the enumeration leaves the weight of the row, 1.
 }
 
 } // namespace MA_NAMESPACE

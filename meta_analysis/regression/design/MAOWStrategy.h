@@ -1,14 +1,13 @@
 #pragma once
 
-#include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/Record.h"
 #include "meta_analysis/regression/design/MADesignRow.h"
 #include "meta_analysis/settings/MAConst.h"
 
 namespace MA_NAMESPACE {
 
-/// How a record's omega weight, the inverse of the study's variance, is checked and taken into a design row.
-class META_ANALYSIS_EXPORT IMAOWStrategy
+/// Checks a record's omega weight, the inverse of the study's variance, and stores it in a design row.
+class IMAOWStrategy
 {
 public:
     virtual ~IMAOWStrategy();
@@ -17,7 +16,7 @@ public:
 };
 
 /// No omega weight: every row has weight 1.
-class META_ANALYSIS_EXPORT MAOWNone : public IMAOWStrategy
+class MAOWNone : public IMAOWStrategy
 {
 public:
     bool check(const Record& record) const override;
@@ -25,7 +24,7 @@ public:
 };
 
 /// A variable holds the weight itself, the variance or the standard error; it must be positive.
-class META_ANALYSIS_EXPORT MAOWVar : public IMAOWStrategy
+class MAOWVar : public IMAOWStrategy
 {
 public:
     MAOWVar(int variableIndex, MAConst::OMGWeightType type) : variableIndex_(variableIndex), type_(type) {}

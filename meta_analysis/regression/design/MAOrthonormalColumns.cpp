@@ -13,12 +13,12 @@ namespace {
 
 using Values = std::vector<double>;
 
-/// What rounding leaves of a column that those before it determine, relative to the column: both the values
-/// and what they are computed from are rounded.
+/// Rounding leaves at most this part of a column that those before it determine: both the values and their
+/// fit are rounded.
 constexpr double roundingShare = 16.0 * std::numeric_limits<double>::epsilon();
 
-/// In stretches whose terms are stored before they are added up, eight sums side by side: vector instructions
-/// do both, and short sums keep the rounding error of many rows small.
+/// Stores the terms of a stretch, then adds them up in eight sums side by side: vector instructions do both,
+/// and short sums keep the rounding error of many rows small.
 template <class Term>
 double SumOf(std::size_t count, Term term)
 {
@@ -42,7 +42,7 @@ double SumOf(std::size_t count, Term term)
     return total;
 }
 
-/// Of products of deviations from two values.
+/// Sum of the products of deviations from two values.
 double DotAbout(const Values& left, double leftOrigin, const Values& right, double rightOrigin)
 {
     return SumOf(left.size(), [=, a = left.data(), b = right.data()](std::size_t i) {
@@ -65,7 +65,7 @@ double MeanAfter(Values& values, Change change)
     return sum / static_cast<double>(values.size());
 }
 
-/// With weights relative to the largest, of which no sum overflows.
+/// The weights are taken relative to the largest, so that no sum overflows.
 double WeightedMeanOf(const Values& values, const Values& weights)
 {
     const double factor = 1.0 / *std::max_element(weights.begin(), weights.end());
@@ -77,7 +77,7 @@ double WeightedMeanOf(const Values& values, const Values& weights)
 
 } // namespace
 
-/// Counted from its centre, if there is an intercept before it.
+/// A column, counted from its centre when an intercept stands before it.
 struct MAOrthonormalColumns::Column
 {
     Values values;
@@ -113,7 +113,7 @@ MAOrthonormalColumns::Column MAOrthonormalColumns::ColumnOf(const MADesignRows& 
     for (std::size_t i = 0; i < rowCount_; ++i) {
         const double value = rows.Row(i)[position];
         column.values[i] = value;
-        if (std::abs(value) > largest) // seldom, and so no value waits for the one before
+        if (std::abs(value) > largest) // seldom true, so that no value waits for the one before
             largest = std::abs(value);
     }
     column.scale = largest == 0.0 ? 0.0 : std::ldexp(1.0, std::ilogb(largest));
@@ -155,8 +155,8 @@ void MAOrthonormalColumns::AddColumn(Column column, const Values& weights, std::
     work_.push_back(std::move(column.values));
 }
 
-/// Returns the sum of squares that is left. A second time only where the first left less than half of it:
-/// otherwise the rounding of the first is as small beside what is left as beside all.
+/// Returns the residual sum of squares. Repeats the step only where the first left less than half of the sum:
+/// otherwise the rounding error of the first is as small relative to the residuals as to the column.
 double MAOrthonormalColumns::Orthogonalize(Column& column, double squares, double* shares) const
 {
     double left = squares;
@@ -199,7 +199,7 @@ void MAOrthonormalColumns::StoreRows(const Values& residuals)
     }
 }
 
-/// From x = R'z.
+/// Solves x = R'z for z.
 Values MAOrthonormalColumns::Coordinates(const double* predictors) const
 {
     Values coordinates(Rank());
@@ -209,8 +209,8 @@ Values MAOrthonormalColumns::Coordinates(const double* predictors) const
     return coordinates;
 }
 
-/// A row of R⁻¹. The columns are counted from their centres, and so is that row of the intercept where
-/// everything else is at its centre: it is moved to 0.
+/// A row of R⁻¹. The columns are counted from their centres; the row of the intercept is moved from these
+/// centres to 0.
 Values MAOrthonormalColumns::DirectionOfCoefficient(std::size_t index) const
 {
     Values direction(Rank());

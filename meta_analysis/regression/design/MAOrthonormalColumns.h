@@ -10,20 +10,20 @@ namespace MA_NAMESPACE {
 
 struct MADesignRows;
 
-/// The columns of a design, made orthonormal once, on which all its fits work.
+/// The orthonormal columns of a design, computed once; all fits of the design work on them.
 ///
 /// X = ZR for the columns that are not redundant, in their order, so that x'b = z'g for b = R⁻¹g. Every
 /// column is first divided by a power of two and, beside an intercept, counted from its mean weighted by the
 /// omega weights: exact for values within a factor of two of the mean, so that a calendar year loses no
 /// digit, and the heavier a study, the nearer it is to the origin. The columns beside the intercept are then
-/// made orthonormal about their unweighted means, by Gram-Schmidt applied twice where it needs it (Giraud,
-/// Langou, Rozložník and van den Eshof 2005, Numerische Mathematik 101, 87-100), but keep the origin. So det
-/// Z'Z = 1. The dependent is treated like a column; what the others leave of it is what a fit is given. That
-/// changes the g of a fit by a constant and its residuals not at all.
+/// made orthonormal about their unweighted means, by Gram-Schmidt applied twice where rounding requires it
+/// (Giraud, Langou, Rozložník and van den Eshof 2005, Numerische Mathematik 101, 87-100), but keep the
+/// origin, so that det Z'Z = 1. The dependent is treated like a column, and a fit is given its residuals.
+/// That changes the g of a fit by a constant and its residuals not at all.
 ///
 /// A column is redundant when those before it leave no more than `tolerance` of its sum of squares (beside an
-/// intercept: of that about its mean), or no more than rounding of its values. Weights play no part in that,
-/// so that all fits of a design agree about the redundant columns.
+/// intercept: of that about its mean), or no more than the rounding of its values. The rule does not depend
+/// on weights, so that all fits of a design agree about the redundant columns.
 class MAOrthonormalColumns
 {
 public:
@@ -37,12 +37,12 @@ public:
     /// The positions of the columns that are not redundant.
     const std::vector<std::size_t>& Kept() const { return kept_; }
 
-    /// Rank() coordinates z of a row, then what is left of its dependent.
+    /// Rank() coordinates z of a row, then the residual of its dependent.
     const double* Row(std::size_t i) const { return cells_.data() + i * (Rank() + 1); }
     /// Coordinates z of any row of predictors.
     std::vector<double> Coordinates(const double* predictors) const;
 
-    /// What the treatment of the dependent adds to the g of a fit of the residuals, and to its fitted values.
+    /// Constants to be added to the g of a fit of the residuals, and to its fitted values.
     const std::vector<double>& UnweightedCoordinates() const { return unweighted_; }
     double DependentCentre() const { return dependentCentre_; }
     /// Residual sum of squares of the unweighted fit.
@@ -54,7 +54,7 @@ public:
 private:
     struct Column;
 
-    /// Whether the columns to come stand beside an intercept.
+    /// Whether the next column has an intercept before it.
     bool HasIntercept() const { return hasIntercept_ && !work_.empty(); }
     Column ColumnOf(const MADesignRows& rows, std::size_t position) const;
     void Centre(Column& column, const std::vector<double>& weights) const;

@@ -2,7 +2,7 @@
 
 #include <cmath>
 #include <cstddef>
-#include <limits>
+#include <numeric>
 #include <vector>
 
 namespace MA_NAMESPACE {
@@ -21,6 +21,11 @@ private:
     std::size_t size_;
     std::vector<double> elements_;
 };
+
+inline double Dot(const double* left, const double* right, std::size_t count)
+{
+    return std::inner_product(left, left + count, right, 0.0);
+}
 
 /// Solves R'x = b in place for an upper triangle R.
 inline void SolveTransposed(const MASquareMatrix& upper, double* x)
@@ -41,5 +46,13 @@ inline void SolveUpper(const MASquareMatrix& upper, double* x)
         x[i] /= upper(i, i);
     }
 }
+
+/// left right.
+MASquareMatrix Product(const MASquareMatrix& left, const MASquareMatrix& right);
+
+MASquareMatrix Transposed(const MASquareMatrix& matrix);
+
+/// The upper triangle R of a = QR with orthonormal Q.
+MASquareMatrix TriangularFactor(MASquareMatrix a);
 
 } // namespace MA_NAMESPACE

@@ -2,6 +2,7 @@
 
 #include "meta_analysis/platform/common/KXSymMatrix.h"
 #include "meta_analysis/platform/common/UnrolledSize.h"
+#include "meta_analysis/regression/design/MABasicRows.h"
 #include "meta_analysis/regression/design/MAOrthonormalColumns.h"
 #include "meta_analysis/regression/design/MATriangle.h"
 
@@ -36,38 +37,38 @@ struct MAFittedRows
 
 /// Weighted least squares of the residuals of a design's dependent on its orthonormal columns Z.
 ///
-/// The rows u of Z are fitted by S = Σ w uu'. Its condition is at most the ratio of the weights, and where it
-/// costs digits the rows take other coordinates: p basic rows, those that the weights make decide (the
-/// heaviest, next the heaviest beside it, and so on), become unit vectors, u = Z_B'⁻¹z, and the dependent is
-/// counted from the fit through them, y - u'y_B. With B the weights of the basic rows and G the sum over the
-/// others, S = B + G, and a, the fitted values there, is small. Scaled to a unit diagonal S is well
-/// conditioned however the weights differ (Peters and Wilkinson 1970, The Computer Journal 13, 309-316), and
-/// what cancels where a row dominates has a form without differences:
+/// The rows u of Z are fitted by S = Σ w uu', whose condition is at most the ratio of the weights. Where that
+/// costs digits, the rows are expressed by p basic rows, the ones with the largest weights (the heaviest,
+/// next the one with the heaviest part orthogonal to it, and so on): these become unit vectors, u = Z_B'⁻¹z,
+/// and the dependent is counted from the fit through them, y - u'y_B. With B the weights of the basic rows
+/// and G the sum over the others, S = B + G, and a, the fitted values at the basic rows, is small. Scaled to
+/// a unit diagonal S is well conditioned however the weights differ (Peters and Wilkinson 1970, The Computer
+/// Journal 13, 309-316), and the quantities that cancel where a row dominates have forms without differences:
 ///
 ///     1 - h_j = (GM)_jj        P_BB = GMB        P_NB = -W U M B        (M = S⁻¹, N the other rows)
 ///
-/// A leverage of the others is at most about p / (p + 1).
+/// The leverage of every other row is at most about p / (p + 1).
 class MAWeightedFit
 {
 public:
     explicit MAWeightedFit(const MAOrthonormalColumns& columns) : columns_(&columns) {}
 
-    /// Fits with a weight >= 0 for each row, which must outlive the use of the fit; with basic rows where
-    /// Z'WZ loses digits. `withSquares` also forms Σ w² uu', for the traces.
+    /// Fits with a weight >= 0 for each row, by basic rows where Z'WZ loses digits. The weights must outlive
+    /// the use of the fit. `withSquares` also forms Σ w² uu', for the traces.
     void Fit(const std::vector<double>& weights, bool withSquares);
-    /// Fits with basic rows in any case.
+    /// Fits by basic rows in any case.
     void FitAboutBasicRows(const std::vector<double>& weights, bool withSquares);
 
-    /// Fits, and sums over the rows. Each sum has nearly all its digits, whatever the weights. The traces
-    /// cost O(p²) a row.
+    /// Fits, and sums over the rows. Each sum has nearly all its digits for any weights. The traces cost
+    /// O(p²) a row.
     MAProjectionSums FitAndSum(const std::vector<double>& weights, bool withTraces, bool withCubic);
 
-    /// 1 - h of every row, with all its digits; fits anew about basic rows where that needs it.
+    /// 1 - h of every row, with all its digits; fits again by basic rows where a complement is small.
     std::vector<double> LeverageComplements();
     /// (PP)_ii of a row, after a fit with squares.
     double SquaredProjection(std::size_t row) const;
 
-    /// Calls `visit(rows)` for stretch after stretch of the rows, of a length that the fastest cache holds.
+    /// Calls `visit(rows)` for each stretch of the rows in turn. A stretch fits into the fastest cache.
     template <class Visit>
     void VisitRows(bool withLeverages, Visit visit) const;
 
@@ -80,14 +81,12 @@ private:
     struct RowSums;
 
     static constexpr std::size_t stretch = 256;
+    /// A pivot or a difference may lose six of 53 bits before the rows take other coordinates.
+    static constexpr double smallestShare = 1.0 / 64.0;
 
-    bool HasBasicRows() const { return !basicRows_.empty(); }
+    static double Square(double x) { return x * x; }
+    bool HasBasicRows() const { return !basic_.rows.empty(); }
     bool IsExact(const MAProjectionSums& sums, bool withTraces) const;
-    void UseOrthonormalColumns(const std::vector<double>& weights);
-    void UseBasicRows(const std::vector<double>& weights);
-    void ChooseBasicRows();
-    std::size_t HeaviestRow(const std::vector<double>& left) const;
-    void StoreBasicCoordinates();
     void Solve(bool withSquares);
     void FormCrossProducts(bool withSquares);
     void Factorize();
@@ -107,22 +106,17 @@ private:
 
     const double* Row(std::size_t i) const
     {
-        return HasBasicRows() ? basicCells_.data() + i * (Rank() + 1) : columns_->Row(i);
+        return HasBasicRows() ? basic_.cells.data() + i * (Rank() + 1) : columns_->Row(i);
     }
     const double* Weights(std::size_t i) const
     {
-        return (HasBasicRows() ? otherWeights_ : *given_).data() + i;
+        return (HasBasicRows() ? basic_.otherWeights : *given_).data() + i;
     }
     std::size_t Rank() const { return columns_->Rank(); }
 
     const MAOrthonormalColumns* columns_;
     const std::vector<double>* given_ = nullptr; ///< the weights
-    std::vector<std::size_t> basicRows_;
-    std::vector<double> basicWeights_;
-    std::vector<double> otherWeights_; ///< 0 for basic rows
-    std::vector<double> basicCells_;   ///< u and the dependent counted from the basic rows
-    MASquareMatrix directions_;        ///< orthonormal rows E with Z_B = L E
-    MASquareMatrix basis_;             ///< L' (upper)
+    MABasicRows basic_;                          ///< empty where the fit is about the columns
 
     KXSymMatrix crossProducts_;   ///< G (or S) with the dependent
     KXSymMatrix squaredProducts_; ///< with squared weights

@@ -1,3 +1,0 @@
-#pragma once
-
-#include "meta_analysis/settings/Memory.h"
