@@ -1,13 +1,13 @@
 #include "host/Output.h"
 
-#include "host/Drawing.h"
-#include "host/HtmlReport.h"
-#include "host/JsonReport.h"
-#include "host/Plots.h"
-#include "host/ProgramInfo.h"
-#include "host/StatusText.h"
-#include "host/TextReport.h"
-#include "host/UnusableInput.h"
+#include "host/draw/Drawing.h"
+#include "host/plots/Plots.h"
+#include "host/report/HtmlReport.h"
+#include "host/report/JsonReport.h"
+#include "host/report/TextReport.h"
+#include "host/text/ProgramInfo.h"
+#include "host/text/StatusText.h"
+#include "host/text/UnusableInput.h"
 
 #include <fmt/format.h>
 
@@ -252,7 +252,7 @@ ExitStatus WriteOutput(const Options& options, const RunOutput& output)
     return status.IsError() ? EXIT_LIBRARY_ERROR : EXIT_RAN;
 }
 
-ExitStatus WriteOutput(const Options& options, const DataTable& table, const Request& request,
+ExitStatus WriteOutput(const Options& options, const DataTable& table, const AnalysisRequest& request,
                        const Analysis& analysis)
 {
     return WriteOutput(options,

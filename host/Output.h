@@ -1,12 +1,12 @@
 #pragma once
 
-#include "host/Analysis.h"
-#include "host/DataTable.h"
 #include "host/ExitStatus.h"
-#include "host/Options.h"
-#include "host/Picture.h"
-#include "host/Report.h"
-#include "host/Request.h"
+#include "host/cli/Options.h"
+#include "host/data/DataTable.h"
+#include "host/draw/Picture.h"
+#include "host/report/Report.h"
+#include "host/run/Analysis.h"
+#include "host/run/AnalysisRequest.h"
 
 #include <functional>
 #include <string>
@@ -33,7 +33,7 @@ struct RunOutput
 /// main analysis, all of it. Everything is rendered before the first byte is written. What cannot be drawn or
 /// written, or would replace the data or another output, is left out with a sentence on standard error.
 ExitStatus WriteOutput(const Options& options, const RunOutput& output);
-ExitStatus WriteOutput(const Options& options, const DataTable& table, const Request& request,
+ExitStatus WriteOutput(const Options& options, const DataTable& table, const AnalysisRequest& request,
                        const Analysis& analysis);
 
 /// Throws UnusableInput when it fails, but not when the reader of a pipe has had enough, such as `head`.

@@ -1,13 +1,13 @@
 #include "host/Program.h"
 
-#include "host/Analysis.h"
-#include "host/CommandLine.h"
-#include "host/DataTable.h"
-#include "host/JsonReport.h"
 #include "host/Output.h"
-#include "host/RegressionReport.h"
-#include "host/RegressionResults.h"
-#include "host/Request.h"
+#include "host/cli/CommandLine.h"
+#include "host/data/DataTable.h"
+#include "host/report/JsonReport.h"
+#include "host/report/RegressionReport.h"
+#include "host/report/RegressionResults.h"
+#include "host/run/Analysis.h"
+#include "host/run/AnalysisRequest.h"
 
 #include <csignal>
 #include <exception>
@@ -36,7 +36,7 @@ int Analyse(const Options& options)
     const DataTable table = DataTable::Read(options.dataPath);
     if (options.command == Command::REGRESSION)
         return AnalyseRegression(options, table);
-    Request request = MakeRequest(options, table);
+    AnalysisRequest request = MakeAnalysisRequest(options, table);
     const Analysis analysis = RunAnalysis(request);
     return WriteOutput(options, table, request, analysis);
 }

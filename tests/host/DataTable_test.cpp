@@ -1,5 +1,5 @@
-#include "host/DataTable.h"
-#include "host/UnusableInput.h"
+#include "host/data/DataTable.h"
+#include "host/text/UnusableInput.h"
 #include "support/Compare.h"
 
 #include <gmock/gmock.h>

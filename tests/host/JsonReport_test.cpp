@@ -51,7 +51,7 @@ TEST(JsonReport, HasAKeyForEveryGetter)
 
 TEST(JsonReport, HasUnderAKeyWhatTheGetterOfThatNameReturns)
 {
-    for (const char* const source : {"Results.cpp", "RegressionResults.cpp"}) {
+    for (const char* const source : {"report/AnalysisResults.cpp", "report/RegressionResults.cpp"}) {
         std::ifstream file(std::string(TESTS_DIR "/../host/") + source);
         const std::regex entry(R"x(results\["(\w+)"\] = ToJson\(\w+\.(?:Get)?(\w+)\(\)\);)x");
         int count = 0;

@@ -1,6 +1,6 @@
-#include "host/Picture.h"
 #include "host/Pictures.h"
-#include "host/PlainText.h"
+#include "host/draw/Picture.h"
+#include "host/text/PlainText.h"
 
 #include <fmt/format.h>
 

@@ -1,5 +1,5 @@
-#include "host/FontCoverage.h"
-#include "host/PlainText.h"
+#include "host/draw/FontCoverage.h"
+#include "host/text/PlainText.h"
 
 #include <gtest/gtest.h>
 

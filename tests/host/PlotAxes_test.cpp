@@ -1,4 +1,4 @@
-#include "host/PlotAxes.h"
+#include "host/plots/PlotAxes.h"
 #include "support/Compare.h"
 
 #include <cmath>

@@ -1,5 +1,5 @@
-#include "host/Picture.h"
 #include "host/Pictures.h"
+#include "host/draw/Picture.h"
 #include "support/Compare.h"
 
 #include <set>

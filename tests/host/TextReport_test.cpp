@@ -1,5 +1,5 @@
-#include "host/NumberText.h"
-#include "host/TextReport.h"
+#include "host/report/TextReport.h"
+#include "host/text/NumberText.h"
 #include "support/Compare.h"
 
 using namespace host;

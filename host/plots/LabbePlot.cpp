@@ -1,0 +1,78 @@
+#include "host/plots/LabbePlot.h"
+
+#include "host/plots/PlotAxes.h"
+#include "host/plots/ScatterPlot.h"
+
+#include <fmt/format.h>
+
+#include <utility>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+constexpr double SIDE = 380;
+constexpr double LABEL_OF_ALL = -1;
+
+/// What is compared between the groups, as the library takes it for the effect size.
+std::string Outcome(const AnalysisData& data)
+{
+    return data.settings.GetBinaryEstType() == MAConst::BIN_ODDS_RATIO ? "odds" : "risk";
+}
+
+/// The line on which treatment minus control is `effect`.
+Layer LineOfEffect(const Extent& control, double effect, Layer::Kind kind, const char* color,
+                   std::string legend)
+{
+    return LineBetween({control.First(), control.First() + effect}, {control.Last(), control.Last() + effect},
+                       kind, color, std::move(legend));
+}
+
+Picture LabbePlot(const AnalysisData& data, const MABinModel& model, const PlotOfGroup& plot)
+{
+    const std::vector<double> control = model.GetLabbePlotX()[plot.row];
+    const std::vector<double> treatment = model.GetLabbePlotY()[plot.row];
+    Extent both;
+    both.Cover(control);
+    both.Cover(treatment);
+    both.Pad(0.08);
+
+    Picture picture = NewScatterPlot(NameOfGroupPlot({"labbe", "L'Abbé plot", ""}, plot), SIDE, SIDE);
+    const std::string outcome = Outcome(data);
+    picture.x = EffectAxis(data.effect, outcome + " in the control group", both);
+    picture.y = EffectAxis(data.effect, outcome + " in the treatment group", both);
+    picture.layers = {
+        NullLine({both.First(), both.First()}, {both.Last(), both.Last()}),
+        LineOfEffect(both, plot.estimate, Layer::Kind::DASHED_LINE, color::ACCENT, "Pooled effect"),
+        Bubbles(control, treatment, model.GetLabbePlotW()[plot.row])};
+    picture.description =
+        fmt::format("{}: {} in the treatment group over {} in the control group of {}, with the line of no "
+                    "effect and that "
+                    "of the pooled {}.",
+                    picture.title, outcome, outcome, CountOfStudies(control.size()), data.effect.name);
+    return Finished(std::move(picture));
+}
+
+} // namespace
+
+std::vector<Picture> LabbePictures(const AnalysisData& data)
+{
+    std::vector<Picture> pictures;
+    const MABinModel* const model = data.analysis.Binary();
+    if (model == nullptr || model->GetLabbePlotX().empty())
+        return pictures;
+    std::vector<PlotOfGroup> plots = GroupsOrAll(data);
+    // The library leaves out a group whose value is its label for all studies, and has no row for it.
+    std::erase_if(plots, [&](const PlotOfGroup& plot) {
+        return plot.number > 0 && data.base.GetUniGroup()[plot.row] == LABEL_OF_ALL;
+    });
+    for (PlotOfGroup& plot : plots) {
+        plot.row = pictures.size();
+        pictures.push_back(LabbePlot(data, *model, plot));
+    }
+    return pictures;
+}
+
+} // namespace host

@@ -1,0 +1,47 @@
+#pragma once
+
+#include "host/run/AnalysisRequest.h"
+#include "host/run/RecordSummary.h"
+
+#include "meta_analysis/analysis/MABinModel.h"
+#include "meta_analysis/analysis/MAContModel.h"
+#include "meta_analysis/platform/common/KXStatus.h"
+
+#include <cstddef>
+#include <optional>
+#include <variant>
+#include <vector>
+
+namespace host {
+
+/// An analysis after its run, and after what is asked for beyond that. It refers to the request, which must
+/// outlive it.
+struct Analysis
+{
+    std::variant<MA_NAMESPACE::MABinModel, MA_NAMESPACE::MAContModel> model;
+    KXStatus status; ///< of the run
+    std::optional<KXStatus>
+        testStatus; ///< of the small-study test, when that was asked for and the run went well
+    KXStatus bubbleStatus;
+    /// The studies that trim-and-fill trims. Kept from the run: where the side follows from the small-study
+    /// test in the run, a later test of another type changes what the model says.
+    MAConst::TRIMFSIDE trimmedSide = MAConst::TRIM_SIDE_AUTO;
+
+    /// tau² of each model by the global search, when the run's own is doubtful (460100); else empty.
+    std::vector<double> globalTau2;
+
+    const MA_NAMESPACE::MABaseModel& Base() const;
+    RecordSummary Records(std::size_t read) const;
+    /// Null for continuous outcomes.
+    const MA_NAMESPACE::MABinModel* Binary() const { return std::get_if<MA_NAMESPACE::MABinModel>(&model); }
+
+    bool HasFailedTest() const { return testStatus && testStatus->IsError(); }
+    /// The first error, or the status of the run.
+    KXStatus FinalStatus() const;
+};
+
+/// Runs the driver of the request's kind of outcome, and then the small-study test and the bubble plots that
+/// are asked for. A failure of these leaves the results of the run as they are.
+Analysis RunAnalysis(AnalysisRequest& request);
+
+} // namespace host
