@@ -1,7 +1,7 @@
 #include "host/cli/CommandLine.h"
 
-#include "host/cli/Choices.h"
-#include "host/cli/OptionDefinition.h"
+#include "host/cli/OptionGroups.h"
+#include "host/cli/OutputOptions.h"
 #include "host/text/ProgramInfo.h"
 #include "host/text/UnusableInput.h"
 
@@ -45,7 +45,7 @@ public:
     std::string make_positionals(const CLI::App* /*app*/) const override { return {}; }
 };
 
-/// A command, with the options that its part of the command line is read into.
+/// A command, and the options that the parser stores for it.
 struct CommandParser
 {
     CommandParser(CLI::App& program, Command command, const char* name, const char* help)
@@ -76,7 +76,7 @@ void AddOption(CLI::App& app, const OptionDefinition& definition)
     if (definition.argument.empty()) {
         app.add_flag_function(
                name, [definition](std::int64_t) { definition.store({}); }, definition.help)
-            ->group(definition.group)
+            ->group(definition.heading)
             ->disable_flag_override();
         return;
     }
@@ -86,51 +86,11 @@ void AddOption(CLI::App& app, const OptionDefinition& definition)
     };
     app.add_option(name, store, definition.help)
         ->type_name(definition.argument)
-        ->group(definition.group)
+        ->group(definition.heading)
         ->multi_option_policy(CLI::MultiOptionPolicy::TakeAll);
 }
 
-/// Where the output goes is no setting of the analysis, so that DefineOptions has nothing of it.
-OptionDefinition OutputOption(const char* name, const char* argument, const char* help,
-                              std::optional<std::string>& place)
-{
-    return {.name = name,
-            .argument = argument,
-            .help = help,
-            .group = "Output",
-            .store = [&place](const std::string& text) { place = text; },
-            .value = {}};
-}
-
-OptionDefinition PlotFormatOption(Options& options)
-{
-    return {
-        .name = "plot-format",
-        .argument = "NAME",
-        .help =
-            fmt::format("kind of the files of --plots: {} (default svg)", NamesOf(PICTURE_FORMAT_CHOICES)),
-        .group = "Output",
-        .store = [&options](
-                     const std::string& text) { options.plotFormat = ValueOf(PICTURE_FORMAT_CHOICES, text); },
-        .value = {}};
-}
-
-/// The library has no plots of a meta-regression.
-std::vector<OptionDefinition> OutputOptions(Options& options)
-{
-    std::vector<OptionDefinition> all = {
-        OutputOption("json", "FILE", "write all results as JSON; - for standard output, without report",
-                     options.jsonPath),
-        OutputOption("html", "FILE", "write one page with tables and pictures", options.htmlPath)};
-    if (options.command == Command::REGRESSION)
-        return all;
-    all.push_back(
-        OutputOption("plots", "FOLDER", "write a picture of each plot into the folder", options.plotsFolder));
-    all.push_back(PlotFormatOption(options));
-    return all;
-}
-
-/// The option, which is noted when it is given.
+/// The option, extended to record its name in `given` when it is used.
 OptionDefinition Noted(OptionDefinition definition, std::set<std::string>& given)
 {
     definition.store = [store = std::move(definition.store), name = definition.name,
@@ -186,7 +146,7 @@ void DescribeProgram(CLI::App& program)
         PROGRAM_NAME));
 }
 
-/// Fails on arguments that the command has no use for.
+/// Throws UnusableInput for arguments that the command does not have.
 void RequireNoRest(const CLI::App& program, const CLI::App& command)
 {
     const std::vector<std::string> misplaced = program.remaining();
@@ -209,14 +169,14 @@ Options TakeOptions(const CLI::App& program, CommandParsers& parsers)
         RequireNoRest(program, *parser.app);
         if (parser.options.dataPath.empty())
             throw UnusableInput("No data file is given.");
-        Resolve(parser.options);
+        CompleteOptions(parser.options);
         return std::move(parser.options);
     }
     FailWithoutCommand(program);
 }
 
-/// The mismatches that the options leave to the parser: "--level: 1 required NUMBER missing", and an argument
-/// of a flag.
+/// Rewords the two mismatches that the parser finds itself: "--level: 1 required NUMBER missing", and an
+/// argument of a flag.
 std::string SentenceOf(const CLI::ArgumentMismatch& mismatch)
 {
     const std::string_view text = mismatch.what();

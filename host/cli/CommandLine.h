@@ -7,13 +7,14 @@
 
 namespace host {
 
-/// A text that the command line asks for instead of an analysis: help or version.
+/// The text that the command line asks for instead of an analysis: help or version.
 struct TextToShow
 {
     std::string text;
 };
 
-/// The command line as options, complete and checked but for the columns. Throws UnusableInput.
+/// Reads the command line into options, which are complete and checked, apart from the names of the columns.
+/// Throws UnusableInput.
 std::variant<Options, TextToShow> ParseCommandLine(int argc, const char* const* argv);
 
 } // namespace host

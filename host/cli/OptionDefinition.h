@@ -1,7 +1,5 @@
 #pragma once
 
-#include "host/cli/Options.h"
-
 #include <nlohmann/json.hpp>
 
 #include <functional>
@@ -10,8 +8,8 @@
 
 namespace host {
 
-/// An option of a command, declared once: the command line is defined by it, and the settings of the JSON
-/// are written by it.
+/// An option of a command, declared once: the command line and its help are defined by it, and the settings
+/// of the JSON are written by it.
 struct OptionDefinition
 {
     enum class Need
@@ -21,10 +19,10 @@ struct OptionDefinition
         THIS_OR_NEXT ///< exactly one of this option and those declared behind it, up to one without this
     };
 
-    std::string name;          ///< without the dashes
+    std::string name;          ///< without the dashes; in the JSON too
     std::string argument = {}; ///< what its argument is, in upper case; empty for a flag
     std::string help;
-    std::string group = {};
+    std::string heading = {}; ///< of its group in the help
     Need need = Need::NONE;
     bool isRepeatable = false;
 
@@ -34,8 +32,6 @@ struct OptionDefinition
     std::function<nlohmann::ordered_json()> value;
 };
 
-/// The options that the command of `options` has, in the order of the help. They refer to `options`, which
-/// must outlive them.
-std::vector<OptionDefinition> DefineOptions(Options& options);
+using OptionDefinitions = std::vector<OptionDefinition>;
 
 } // namespace host

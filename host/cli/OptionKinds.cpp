@@ -1,7 +1,5 @@
 #include "host/cli/OptionKinds.h"
 
-#include <utility>
-
 namespace host {
 
 using Json = nlohmann::ordered_json;
@@ -44,14 +42,6 @@ OptionDefinition ThisOrNext(OptionDefinition option)
 {
     option.need = OptionDefinition::Need::THIS_OR_NEXT;
     return option;
-}
-
-void AppendGroup(std::vector<OptionDefinition>& all, const char* group, std::vector<OptionDefinition> options)
-{
-    for (OptionDefinition& option : options) {
-        option.group = group;
-        all.push_back(std::move(option));
-    }
 }
 
 } // namespace host

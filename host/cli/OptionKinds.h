@@ -2,6 +2,7 @@
 
 #include "host/cli/Choices.h"
 #include "host/cli/OptionDefinition.h"
+#include "host/data/ColumnName.h"
 #include "host/text/TextParsing.h"
 
 #include <fmt/format.h>
@@ -15,7 +16,7 @@ namespace host {
 
 // The kinds of options there are. What an option is stored in must outlive its definition.
 
-/// Which numbers an option takes: a test, and the test in words.
+/// The numbers that an option accepts: as a test, and in words.
 struct Domain
 {
     bool (*contains)(double);
@@ -48,14 +49,11 @@ OptionDefinition Required(OptionDefinition option);
 /// Exactly one of this option and those declared behind it, up to the first without this mark.
 OptionDefinition ThisOrNext(OptionDefinition option);
 
-/// Appends options under a heading of the help.
-void AppendGroup(std::vector<OptionDefinition>& all, const char* group,
-                 std::vector<OptionDefinition> options);
-
 // Options stored in a settings object of the library, which has a getter and a setter for each.
 
-template <class Value, std::size_t N, class Settings>
-OptionDefinition OneOf(const char* name, const std::array<Choice<Value>, N>& choices, Settings& settings,
+/// An option whose argument names a row of a table of choices.
+template <class Value, class Row, std::size_t N, class Settings>
+OptionDefinition OneOf(const char* name, const std::array<Row, N>& choices, Settings& settings,
                        Value (Settings::*get)() const, void (Settings::*set)(Value), const char* help)
 {
     const std::string preset = NameOf(choices, (settings.*get)());

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/cli/RegressionOptions.h"
+#include "host/data/ColumnName.h"
 #include "host/draw/PictureFormat.h"
 
 #include "meta_analysis/settings/MAModelSettings.h"
@@ -20,12 +20,20 @@ enum class Command
     REGRESSION  ///< ready-made effect sizes on covariates and factors
 };
 
-/// The name of a column; none when the option is not given.
-using ColumnName = std::optional<std::string>;
+/// What the command `regression` has beyond the other commands.
+struct RegressionOptions
+{
+    std::vector<std::string> covariates;
+    std::vector<std::string> factors;
+    std::vector<std::string> interactions; ///< as given, "A:B"
+    bool noIntercept = false;
+    bool dispersion = false; ///< multiplicative, for the fixed model
+    bool normalTests = false;
+};
 
-/// What the command line asks for, complete with defaults. What the library has settings for stands in
-/// `settings`, with the library's defaults but for those that the constructor sets; missing there are the
-/// positions of the columns alone, which depend on the data.
+/// What the command line asks for, complete with defaults. `settings` holds what the library has settings
+/// for, with the library's defaults but for those that the constructor sets. The positions of the columns
+/// are not in it, because they depend on the data.
 struct Options
 {
     explicit Options(Command ofCommand);
@@ -65,15 +73,12 @@ struct Options
     std::vector<double> contourLevels;  ///< as given; empty for the library's own
     bool runsSmallStudyTest = false;    ///< of the type in the settings
 
-    /// Kind of a ready-made effect size as given; which names there are depends on the outcome.
+    /// The measure of ready-made effect sizes as given. The outcome decides which names are allowed.
     std::optional<std::string> readyMadeEffect;
 
     RegressionOptions regression;
 
     MA_NAMESPACE::MAModelSettings settings;
 };
-
-/// Checks what depends on several options, and completes the settings. Throws UnusableInput.
-void Resolve(Options& options);
 
 } // namespace host

@@ -11,8 +11,6 @@ namespace host {
 
 namespace {
 
-using Json = nlohmann::ordered_json;
-
 struct PresetSetting
 {
     std::string option;
@@ -28,7 +26,7 @@ struct Preset
 const std::vector<Preset>& Presets()
 {
     static const std::vector<Preset> presets = {
-        // What the library does unless its settings say otherwise.
+        // The defaults of the library's own settings.
         {"library",
          {{"tau2-search", "scoring"},
           {"tau2-interval", "none"},
@@ -36,14 +34,6 @@ const std::vector<Preset>& Presets()
           {"pooled-zero-cells", "as-studies"}}},
     };
     return presets;
-}
-
-std::string NamesOfPresets()
-{
-    std::vector<std::string> names;
-    for (const Preset& preset : Presets())
-        names.push_back(preset.name);
-    return fmt::format("{}", fmt::join(names, ", "));
 }
 
 const Preset& PresetOf(const std::string& name)
@@ -57,9 +47,8 @@ const Preset& PresetOf(const std::string& name)
 
 /// Calls `use` with each option of the preset that the command has, and with the preset's value for it.
 template <class Use>
-void ForEachSetting(const Preset& preset, Options& options, const Use& use)
+void ForEachSetting(const Preset& preset, const OptionDefinitions& definitions, const Use& use)
 {
-    const std::vector<OptionDefinition> definitions = DefineOptions(options);
     for (const PresetSetting& setting : preset.settings)
         for (const OptionDefinition& definition : definitions)
             if (definition.name == setting.option)
@@ -68,39 +57,39 @@ void ForEachSetting(const Preset& preset, Options& options, const Use& use)
 
 } // namespace
 
-OptionDefinition PresetOption(Options& options)
+std::string NamesOfPresets()
 {
-    return {.name = "preset",
-            .argument = "NAME",
-            .help = fmt::format("settings that go together, {}: the library's own defaults; options given "
-                                "beside it win (default: none)",
-                                NamesOfPresets()),
-            .store = [&options](const std::string& text) { options.preset = PresetOf(text).name; },
-            .value = [&options] { return options.preset ? Json(*options.preset) : Json(); }};
+    std::vector<std::string> names;
+    for (const Preset& preset : Presets())
+        names.push_back(preset.name);
+    return fmt::format("{}", fmt::join(names, ", "));
 }
 
-void ApplyPreset(Options& options)
+std::string KnownPreset(const std::string& name)
 {
-    if (!options.preset)
-        return;
-    ForEachSetting(PresetOf(*options.preset), options,
+    return PresetOf(name).name;
+}
+
+void ApplyPreset(const std::string& name, const OptionDefinitions& definitions,
+                 const std::set<std::string>& given)
+{
+    ForEachSetting(PresetOf(name), definitions,
                    [&](const OptionDefinition& definition, const std::string& value) {
-                       if (!options.given.contains(definition.name))
+                       if (!given.contains(definition.name))
                            definition.store(value);
                    });
 }
 
-std::string PresetSentence(Options options)
+std::string PresetSentence(const std::string& name, const OptionDefinitions& definitions)
 {
     std::vector<std::string> settings;
-    ForEachSetting(PresetOf(*options.preset), options,
-                   [&](const OptionDefinition& definition, const std::string& value) {
-                       const auto resolved = definition.value().get<std::string>();
-                       settings.push_back(
-                           fmt::format("--{} {}{}", definition.name, resolved,
-                                       resolved == value ? "" : " (in place of " + value + ")"));
-                   });
-    return fmt::format("{}: {}.", *options.preset, fmt::join(settings, ", "));
+    ForEachSetting(
+        PresetOf(name), definitions, [&](const OptionDefinition& definition, const std::string& value) {
+            const auto resolved = definition.value().get<std::string>();
+            settings.push_back(fmt::format("--{} {}{}", definition.name, resolved,
+                                           resolved == value ? "" : " (in place of " + value + ")"));
+        });
+    return fmt::format("{}: {}.", name, fmt::join(settings, ", "));
 }
 
 } // namespace host

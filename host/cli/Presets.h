@@ -2,19 +2,25 @@
 
 #include "host/cli/OptionDefinition.h"
 
+#include <set>
 #include <string>
 
 namespace host {
 
-// Settings that go together, by one name. A preset is a table of options and their values; options that are
-// given beside it win, and it leaves out those that the command does not have.
+// A preset is a name for settings that go together: a table of options and their values. Options that are
+// given beside it win. A preset leaves out the options that the command does not have.
 
-OptionDefinition PresetOption(Options& options);
+/// The names of all presets, for the help.
+std::string NamesOfPresets();
 
-/// Gives the options of the preset that are not given themselves their values.
-void ApplyPreset(Options& options);
+/// The name, if there is such a preset. Throws UnusableInput otherwise.
+std::string KnownPreset(const std::string& name);
 
-/// The preset, which must be given, with each of its options as resolved, as a sentence.
-std::string PresetSentence(Options options);
+/// Stores the preset's values of the options, but not of those in `given`.
+void ApplyPreset(const std::string& name, const OptionDefinitions& definitions,
+                 const std::set<std::string>& given);
+
+/// The preset with each of its options as resolved, as a sentence.
+std::string PresetSentence(const std::string& name, const OptionDefinitions& definitions);
 
 } // namespace host

@@ -9,7 +9,7 @@ namespace host {
 
 namespace {
 
-/// `valueOf(row)` is what the records are told apart and ordered by.
+/// Codes by the values `valueOf(row)`, which distinguish and order the records.
 template <class Value, class ValueOf>
 ColumnCoding CodeBy(const DataTable& table, std::size_t column, const ValueOf& valueOf)
 {

@@ -15,7 +15,7 @@ namespace host {
 
 namespace {
 
-/// Takes the first line, with its ending, off `text`.
+/// Removes the first line, with its ending, from `text` and returns it.
 std::string_view TakeLine(std::string_view& text)
 {
     std::size_t end = std::min(text.find_first_of("\r\n"), text.size());
@@ -32,7 +32,7 @@ class CsvReader
 public:
     explicit CsvReader(const std::string& name) : name_(name)
     {
-        // Strict: a misplaced quote is reported and never guessed at, as a guess can swallow rows.
+        // Strict: a misplaced quote is an error, because a guess could join rows.
         if (csv_init(&parser_, CSV_STRICT | CSV_STRICT_FINI) != 0)
             throw std::bad_alloc();
     }
@@ -57,7 +57,7 @@ private:
     void RethrowFailure();
     [[noreturn]] void FailAt(std::size_t line, std::string_view problem) const;
 
-    // A file that ends inside quotes is reported at the field that is open then, the next of its row.
+    // A file that ends inside quotes is reported at the field that is still open, the next one of its row.
     std::size_t LineOfOpenField() const
     {
         return content_.LineOf(content_.rowLines.size() - 1, fieldsInRow_);

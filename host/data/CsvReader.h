@@ -23,7 +23,7 @@ struct CsvContent
 
 /// Reads CSV text: fields are separated by commas; a field in double quotes may hold commas, line breaks and,
 /// written twice, double quotes. Lines end in LF, CRLF or CR; empty ones are skipped, and so is a UTF-8
-/// byte-order mark. `name` stands for the file in messages. Throws UnusableInput with name and line.
+/// byte-order mark. Messages call the file `name`. Throws UnusableInput with name and line.
 CsvContent ReadCsv(std::string_view text, const std::string& name);
 
 } // namespace host

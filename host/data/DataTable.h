@@ -8,17 +8,17 @@
 
 namespace host {
 
-/// The host's data: a CSV file with a header line that names the columns and a row for each record.
+/// The host's data: a CSV file whose header line names the columns, with a row for each record.
 ///
-/// Fields are kept as texts, so that only the columns asked for have to hold numbers. What cannot be read
-/// throws UnusableInput with the file and, where there is one, the line (as an editor counts it) and the
-/// column.
+/// Fields are kept as texts, so that only the columns asked for have to hold numbers. An operation that
+/// cannot read the data throws UnusableInput, which names the file and, as far as they apply, the line (as an
+/// editor counts it) and the column.
 class DataTable
 {
 public:
     static DataTable Read(const std::string& path);
 
-    /// The table that `text` is; `name` stands for the file in messages.
+    /// Reads the table from `text`. Messages call the file `name`.
     static DataTable Parse(std::string_view text, const std::string& name);
 
     std::size_t RowCount() const noexcept { return content_.rowLines.size() - 1; }
@@ -38,7 +38,7 @@ public:
     /// Whether a field is a missing value: empty, NA or a point.
     bool IsMissing(std::size_t row, std::size_t column) const;
 
-    /// A field's number, or missing.
+    /// A field's number, or missing when the field is.
     double Number(std::size_t row, std::size_t column) const;
 
     /// Whether every field of the column is a number or missing.

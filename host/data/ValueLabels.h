@@ -5,7 +5,7 @@
 
 namespace host {
 
-/// How the values of a column are shown: those of numbers as they are, the codes of texts as the texts.
+/// The texts of a column's values: numbers as they are, the codes of texts as the texts.
 struct ValueLabels
 {
     std::string column;

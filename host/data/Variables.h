@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/cli/Options.h"
+#include "host/data/ColumnName.h"
 #include "host/data/DataTable.h"
 
 #include "meta_analysis/platform/common/KXVarList.h"
@@ -11,7 +11,7 @@
 
 namespace host {
 
-/// The columns in use, each once, as variables of the records that the library is given.
+/// The columns in use as variables of the library's records, each column once.
 class Variables
 {
 public:

@@ -7,7 +7,7 @@ namespace host {
 
 namespace {
 
-/// One side of a rectangle, and on which side of it that is.
+/// A side of a rectangle, and the direction in which the rectangle lies from it.
 struct Side
 {
     double Point::*coordinate;
@@ -19,7 +19,7 @@ struct Side
         return keepsLess ? point.*coordinate <= at : point.*coordinate >= at;
     }
 
-    /// Where the line between two points on different sides of it meets it.
+    /// The point where the line between two points on different sides crosses this side.
     Point Crossing(const Point& one, const Point& other) const
     {
         const double share = (at - one.*coordinate) / (other.*coordinate - one.*coordinate);

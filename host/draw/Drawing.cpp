@@ -1,6 +1,5 @@
 #include "host/draw/Drawing.h"
 
-#include "host/cli/Choices.h"
 #include "host/draw/GnuplotProcess.h"
 #include "host/draw/GnuplotScript.h"
 #include "host/draw/SvgDocument.h"
@@ -15,7 +14,7 @@ namespace host {
 
 namespace {
 
-/// How the files of a format that have no syntax to read start and end.
+/// The first and the last bytes of the files of a binary format.
 struct Signature
 {
     std::string_view start;

@@ -14,7 +14,7 @@ struct DrawnPicture
     std::string bytes; ///< of the file; of SVG an element, without declaration
 };
 
-/// Pictures as far as they could be drawn.
+/// The pictures that could be drawn, and what is wrong with the others.
 struct Drawing
 {
     std::vector<DrawnPicture> pictures = {};
@@ -24,7 +24,7 @@ struct Drawing
 /// Draws with the program gnuplot. One picture that fails leaves the others.
 Drawing Draw(const std::vector<Picture>& pictures, PictureFormat format);
 
-/// What stands in the file of a drawn picture, and the name of the file.
+/// The content and the name of the file of a drawn picture.
 std::string FileContent(const DrawnPicture& drawn, PictureFormat format);
 std::string FileName(const Picture& picture, PictureFormat format);
 

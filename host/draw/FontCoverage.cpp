@@ -16,7 +16,7 @@ struct DestroyCharSet
 };
 using CharSet = std::unique_ptr<FcCharSet, DestroyCharSet>;
 
-/// What is known of the installed fonts, as long as it is needed.
+/// The installed fonts. Fontconfig is initialised while the list exists.
 class FontList
 {
 public:

@@ -30,8 +30,8 @@ struct CloseFile
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
 
-/// A file without a name, gone when it is closed. The streams of the process are such files rather than
-/// pipes, of which one may fill up while the other is waited for.
+/// A file without a name, which is deleted when it is closed. The streams of the process are such files and
+/// not pipes, because one pipe may fill up while the program waits for the other.
 class StreamFile
 {
 public:
@@ -89,8 +89,8 @@ private:
     posix_spawn_file_actions_t actions_{};
 };
 
-/// The environment of this process without the variable by which its user chooses a terminal for gnuplot,
-/// which need not be there and would write to a window.
+/// The environment of this process without the variable that chooses gnuplot's terminal. That terminal may
+/// be missing, or may write to a window.
 std::vector<char*> EnvironmentOfGnuplot()
 {
     std::vector<char*> variables;
@@ -122,7 +122,8 @@ void Kill(pid_t process)
     waitpid(process, nullptr, 0);
 }
 
-/// Waits for the process to end, and returns its status. There is no such call with a time limit.
+/// Waits for the process to end, and returns its status. It polls, because no system call waits with a time
+/// limit.
 int StatusOf(pid_t process)
 {
     using Clock = std::chrono::steady_clock;
@@ -140,7 +141,7 @@ int StatusOf(pid_t process)
     return status;
 }
 
-/// The message of gnuplot, which shows the command, a pointer into it and what is wrong with it.
+/// The message of gnuplot, which shows the command, a pointer into it and the mistake.
 std::string LastLine(const std::string& text)
 {
     constexpr const char* BLANKS = " \t\n";
@@ -167,7 +168,7 @@ std::string RunGnuplot(const std::string& script)
     StreamFile output;
     StreamFile errors;
     input.Write(script);
-    std::signal(SIGCHLD, SIG_DFL); // a parent that ignored it leaves that to us, and then no status is kept
+    std::signal(SIGCHLD, SIG_DFL); // when it is inherited as ignored, the system keeps no status
     const int status = StatusOf(Start(StreamRedirection(input, output, errors)));
     if (status != 0)
         throw DrawingFailure(ReasonOfFailure(status, LastLine(errors.Read())));

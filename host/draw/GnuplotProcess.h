@@ -5,14 +5,14 @@
 
 namespace host {
 
-/// A picture cannot be drawn. `what()` is the reason, to stand behind a colon.
+/// A picture cannot be drawn. `what()` is the reason, which can follow a colon.
 class DrawingFailure : public std::runtime_error
 {
 public:
     using std::runtime_error::runtime_error;
 };
 
-/// Nor can any other.
+/// No picture can be drawn.
 class NoGnuplot : public DrawingFailure
 {
 public:
@@ -20,7 +20,7 @@ public:
 };
 
 /// Runs the program gnuplot, without a shell, on the script and returns what it writes to its standard
-/// output. Throws DrawingFailure when it fails, NoGnuplot when it is not installed or comes to no end.
+/// output. Throws DrawingFailure when it fails, NoGnuplot when it is not installed or exceeds the time limit.
 std::string RunGnuplot(const std::string& script);
 
 } // namespace host

@@ -27,7 +27,7 @@ bool IsMarks(Kind kind)
     return kind == Kind::SQUARES || kind == Kind::DISCS || kind == Kind::BUBBLES || kind == Kind::RINGS;
 }
 
-/// A mark is drawn as a full one, and on that the inside of its rim, if it has one.
+/// A mark is drawn full; one with a rim has its inside drawn on top.
 struct MarkColors
 {
     std::string outside;
@@ -49,7 +49,7 @@ bool IsEmpty(const Layer& layer)
                        [](const std::vector<Point>& piece) { return piece.empty(); });
 }
 
-/// gnuplot cuts areas as well, but those of a PNG wrongly, and at times past the end of its memory.
+/// Areas are cut here, because gnuplot cuts those of a PNG wrongly and sometimes reads past its memory.
 Layer CutToAxes(Layer layer, const Picture& picture)
 {
     if (layer.kind == Kind::AREA)
@@ -73,8 +73,8 @@ struct Terminal
     bool drawsLetters; ///< with the installed fonts; in an SVG, whoever shows it does
 };
 
-/// Pixels of a PNG in one of the picture: two, or as many as there may be. With less than one it would have
-/// letters that nobody can read.
+/// Pixels of a PNG for each pixel of the picture: two, or as many as the format allows. With less than one
+/// the letters could not be read.
 double SharpnessOf(const Picture& picture)
 {
     constexpr double BEST = 2;
@@ -112,8 +112,8 @@ Terminal TerminalOf(const Picture& picture, PictureFormat format)
     return {};
 }
 
-/// Writes one script. All texts stand in one block of data, a line each behind a bar, so that none can end
-/// the block; where one is shown, it is taken from there by its number.
+/// Writes one script. All texts are in one block of data, each on a line behind a bar, so that none can end
+/// the block. Commands refer to a text by its number.
 class ScriptWriter
 {
 public:
@@ -196,7 +196,7 @@ void ScriptWriter::SetTexts()
     }
 }
 
-/// To the right of the frame, from its top on.
+/// The legend is to the right of the frame and starts at its top.
 void ScriptWriter::SetKey()
 {
     const bool hasLegend = std::any_of(picture_.layers.begin(), picture_.layers.end(),
@@ -261,7 +261,7 @@ std::string ScriptWriter::Style(const Layer& layer)
     return {};
 }
 
-/// Marks have one size, areas an edge that shows a white one.
+/// In the legend, marks have one size, and areas an edge that makes a white one visible.
 std::string ScriptWriter::LegendStyle(const Layer& layer) const
 {
     if (layer.kind == Kind::AREA)

@@ -89,7 +89,8 @@ struct Frame
     double height;
 };
 
-/// A picture, whatever it is drawn by. Sizes are in pixels of 1/96 inch. Texts may hold any characters.
+/// A picture, independent of the program that draws it. Sizes are in pixels of 1/96 inch. Texts may hold any
+/// characters.
 struct Picture
 {
     std::string name;        ///< of its file, without extension

@@ -2,8 +2,8 @@
 
 #include "host/plots/PlotAxes.h"
 #include "host/plots/ScatterPlot.h"
-#include "host/report/ReportParts.h"
 #include "host/text/PlainText.h"
+#include "host/text/Wording.h"
 
 #include <fmt/format.h>
 
@@ -18,7 +18,7 @@ namespace {
 
 constexpr double LONGEST_TITLE = 36; // of an axis, in units of the font's size
 
-/// There and back again.
+/// The lower limits from left to right, then the upper limits from right to left.
 std::vector<Point> BandOutline(const MABaseModel& base, std::size_t covariate)
 {
     const std::vector<double> x = base.GetBubbleCICurveX()[covariate];
@@ -63,7 +63,7 @@ Picture BubblePlot(const AnalysisData& data, std::size_t index)
 
     Picture picture = NewScatterPlot(NumberedName({"bubble", "Bubble plot", ""}, index + 1, covariate));
     picture.x = NumberAxis(CovariateTitle(data, covariate), x);
-    picture.y = EffectAxis(data.effect, data.effect.name, y);
+    picture.y = EffectAxis(data.measure, data.measure.name, y);
     picture.layers.push_back(
         {Layer::Kind::AREA, color::BAND, {band}, {}, 0, fmt::format("{} band of the line", data.level)});
     if (y.Contains(0))
@@ -72,7 +72,7 @@ Picture BubblePlot(const AnalysisData& data, std::size_t index)
     picture.layers.push_back(line);
     picture.description =
         fmt::format("{}: the {} of {} over {}, with the line of the meta-regression on it.", picture.title,
-                    data.effect.name, CountOfStudies(studies.size()), covariate);
+                    data.measure.name, CountOfStudies(studies.size()), covariate);
     return Finished(std::move(picture));
 }
 

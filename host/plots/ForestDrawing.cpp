@@ -2,7 +2,7 @@
 
 #include "host/draw/CutToRectangle.h"
 #include "host/plots/PlotAxes.h"
-#include "host/report/ModelSections.h"
+#include "host/report/EffectRows.h"
 #include "host/text/PlainText.h"
 
 #include <fmt/format.h>
@@ -93,7 +93,7 @@ ForestDrawing::ForestDrawing(const AnalysisData& data, const Forest& forest)
     : data_(data), forest_(forest), decimals_(data.decimals - 2)
 {}
 
-/// Ratios need digits at one end and none at the other.
+/// A ratio below 0.005 has more decimals than the others, and one of 1000 or more has fewer.
 std::string ForestDrawing::PlainNumber(double value) const
 {
     const double size = std::abs(value);
@@ -129,7 +129,7 @@ ForestDrawing::Column ForestDrawing::RemarkColumn() const
 
 ForestDrawing::Column ForestDrawing::EffectColumn() const
 {
-    Column column = {{}, data_.IntervalHeader(data_.effect.symbol), Align::RIGHT};
+    Column column = {{}, data_.IntervalHeader(data_.measure.symbol), Align::RIGHT};
     for (const ForestRow& row : forest_.rows)
         column.texts.push_back(EffectText(row));
     return column;
@@ -189,7 +189,7 @@ void ForestDrawing::PlaceColumns()
     picture_.width = right + PICTURE_MARGIN;
 }
 
-/// Half the length of an interval such as the studies have; a few very long ones shall not squeeze the rest.
+/// The typical half length of the studies' intervals, so that a few very long ones do not squeeze the rest.
 double TypicalReach(const std::vector<ForestRow>& rows)
 {
     std::vector<double> reaches;
@@ -227,7 +227,7 @@ Extent EffectExtent(const std::vector<ForestRow>& rows)
 
 void ForestDrawing::SetAxes()
 {
-    picture_.x = EffectAxis(data_.effect, data_.effect.name, EffectExtent(forest_.rows));
+    picture_.x = EffectAxis(data_.measure, data_.measure.name, EffectExtent(forest_.rows));
     picture_.y = {"", static_cast<double>(forest_.rows.size()), 0, {}, false};
 }
 
@@ -243,7 +243,7 @@ void ForestDrawing::AddGuides()
             {Layer::Kind::DASHED_LINE, color::ACCENT, {{{overall, bottom}, {overall, 0}}}, {}, 1.2});
 }
 
-/// With its point at the end of the frame, for an interval that goes on. `size` is its length, and half its
+/// An arrow head at the end of the frame, for an interval that goes on. `size` is its length and half its
 /// height, in pixels.
 std::vector<Point> ForestDrawing::ArrowHead(double at, double y, double direction, double size) const
 {
@@ -284,7 +284,7 @@ double LargestWeight(const std::vector<ForestRow>& rows)
     return largest;
 }
 
-/// Half the side of a square whose area is as the weight.
+/// Half the side of a square whose area is proportional to the weight.
 double SizeOfSquare(double weight, double largest)
 {
     if (!IsNumber(weight) || largest == 0)
@@ -306,7 +306,7 @@ void ForestDrawing::AddSquares()
     picture_.layers.push_back(std::move(squares));
 }
 
-/// From limit to limit; where it goes on beyond the frame, it ends in the head of an arrow instead.
+/// The line from limit to limit. At a limit beyond the frame it ends in an arrow head.
 void ForestDrawing::AddDiamond(std::vector<std::vector<Point>>& areas, const ForestInterval& place,
                                double y) const
 {
@@ -344,7 +344,7 @@ void ForestDrawing::AddNotes()
     std::vector<std::string> notes = forest_.notes;
     if (!HasNullLine())
         notes.push_back(fmt::format("The axis does not reach to no effect, which is at {}.",
-                                    data_.effect.isRatio ? 1 : 0));
+                                    data_.measure.isRatio ? 1 : 0));
     for (const std::string& note : notes) {
         picture_.texts.push_back({note, PICTURE_MARGIN, y + ROW_HEIGHT / 2});
         width = std::max(width, TextWidth(note) * FONT_SIZE);

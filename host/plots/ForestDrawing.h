@@ -9,7 +9,7 @@
 
 namespace host {
 
-/// What a forest plot is made of.
+/// The content of a forest plot.
 struct Forest
 {
     std::string name;
@@ -21,7 +21,7 @@ struct Forest
     std::vector<std::string> notes; ///< lines below the axis
 };
 
-/// Texts in columns left and right of a frame with a unit of height for each row.
+/// Draws the texts in columns left and right of a frame. A row is one unit of the vertical axis high.
 Picture DrawForest(const AnalysisData& data, const Forest& forest);
 
 } // namespace host

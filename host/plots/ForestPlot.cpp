@@ -1,7 +1,8 @@
 #include "host/plots/ForestPlot.h"
 
 #include "host/plots/ForestDrawing.h"
-#include "host/report/ReportParts.h"
+#include "host/text/PlainText.h"
+#include "host/text/Wording.h"
 
 #include <fmt/format.h>
 
@@ -17,7 +18,7 @@ namespace {
 
 using Kind = ForestRow::Kind;
 
-/// The model, and how much the studies differ under it.
+/// The model and its heterogeneity.
 std::vector<std::string> Notes(const AnalysisData& data)
 {
     const MABaseModel& base = data.base;
@@ -52,7 +53,7 @@ Forest WeightedForest(const AnalysisData& data)
                      .notes = Notes(data)};
     forest.description =
         fmt::format("{}: {} of {} with {} intervals, squares by weight, and the pooled effects as diamonds.",
-                    forest.title, data.effect.name, CountOfStudyRows(forest.rows), data.level);
+                    forest.title, data.measure.name, CountOfStudyRows(forest.rows), data.level);
     return forest;
 }
 
@@ -67,7 +68,7 @@ Forest CumulativeForest(const AnalysisData& data)
                      .notes = {Capitalised(WordingOfModel(data.settings))}};
     forest.description =
         fmt::format("{}: the pooled {} with its {} interval after each of {}, in order of {}.", forest.title,
-                    data.effect.name, data.level, CountOfStudyRows(forest.rows), forest.remarkHeader);
+                    data.measure.name, data.level, CountOfStudyRows(forest.rows), forest.remarkHeader);
     return forest;
 }
 

@@ -2,8 +2,8 @@
 
 #include "host/plots/PlotAxes.h"
 #include "host/plots/PlotGroups.h"
-#include "host/report/ModelSections.h"
-#include "host/report/ReportParts.h"
+#include "host/report/EffectRows.h"
+#include "host/text/PlainText.h"
 
 #include <cstddef>
 #include <map>
@@ -23,27 +23,16 @@ ForestInterval EntryOf(const Estimates& estimates, std::size_t entry)
     return {estimates.values[entry], estimates.lower[entry], estimates.upper[entry]};
 }
 
-/// Only ratios have a natural scale of their own.
+/// A ratio is shown on its natural scale, other effects on that of the analysis.
 void SetEffect(ForestRow& row, const EffectRows& rows, std::size_t entry)
 {
     row.place = EntryOf(rows.effects, entry);
     row.shown = rows.ratios.values.empty() ? row.place : EntryOf(rows.ratios, entry);
 }
 
-EffectRows StudyEffects(const AnalysisData& data)
+Rows RowsOfStudies(const AnalysisData& data)
 {
-    const MABaseModel& base = data.base;
-    EffectRows rows = {};
-    rows.effects = {base.GetEffectSize(), base.GetCILower(), base.GetCIUpper()};
-    if (data.binary)
-        rows.ratios = {data.binary->GetExpEffectSize(), data.binary->GetExpCILower(),
-                       data.binary->GetExpCIUpper()};
-    return rows;
-}
-
-Rows StudyRows(const AnalysisData& data)
-{
-    const EffectRows effects = StudyEffects(data);
+    const EffectRows effects = StudyRows(data);
     const std::vector<double> weights = data.base.GetNormalizedWeight();
     Rows rows;
     for (const std::string& label : data.StudyLabelsOf(data.base.GetNonMissingStudyID())) {
@@ -71,7 +60,7 @@ std::vector<Rows> InBlocks(const AnalysisData& data, const Rows& studies)
     return blocks;
 }
 
-/// Of all studies; empty where there is none.
+/// The prediction interval of all studies; empty where there is none.
 Rows PredictionRow(const AnalysisData& data, const ForestRow& overall)
 {
     const MABaseModel& base = data.base;
@@ -113,10 +102,10 @@ Rows GroupedRows(const AnalysisData& data, const std::vector<Rows>& blocks)
     return rows;
 }
 
-/// The models of a run with groups end with that of all studies.
+/// The last model of a run with groups is that of all studies.
 ForestRow OverallRow(const AnalysisData& data)
 {
-    return PooledRow(data, data.groupLabels.size(), "Overall");
+    return PooledRow(data, data.groupLabels.size(), OVERALL);
 }
 
 std::vector<std::string> CumulativeValues(const AnalysisData& data, std::size_t block)
@@ -127,16 +116,10 @@ std::vector<std::string> CumulativeValues(const AnalysisData& data, std::size_t 
 
 Rows CumulativeSteps(const AnalysisData& data, std::size_t block)
 {
-    const MABaseModel& base = data.base;
-    EffectRows effects = {};
-    effects.effects = {base.GetCumEstES()[block], base.GetCumEstCiLower()[block],
-                       base.GetCumEstCiUpper()[block]};
-    if (data.binary)
-        effects.ratios = {data.binary->GetCumExpEstES()[block], data.binary->GetCumExpEstCiLower()[block],
-                          data.binary->GetCumExpEstCiUpper()[block]};
+    const EffectRows effects = CumulativeRows(data, block);
     const std::vector<std::string> values = CumulativeValues(data, block);
     Rows rows;
-    for (const std::string& label : data.StudyLabelsOf(base.GetSubGroupStudyID()[block])) {
+    for (const std::string& label : data.StudyLabelsOf(data.base.GetSubGroupStudyID()[block])) {
         const std::size_t step = rows.size();
         rows.push_back({Kind::STUDY, "+ " + label, values[step]});
         SetEffect(rows.back(), effects, step);
@@ -148,7 +131,7 @@ Rows CumulativeSteps(const AnalysisData& data, std::size_t block)
 
 std::vector<ForestRow> ForestRows(const AnalysisData& data)
 {
-    Rows rows = StudyRows(data);
+    Rows rows = RowsOfStudies(data);
     if (!data.groupLabels.empty())
         rows = GroupedRows(data, InBlocks(data, rows));
     rows.push_back(OverallRow(data));

@@ -20,11 +20,11 @@ struct ForestRow
 {
     enum class Kind
     {
-        HEADING, ///< has a label alone
+        HEADING, ///< a label alone
         STUDY,
         POOLED,
-        PREDICTION, ///< the estimate is the centre, and not shown
-        GAP         ///< has nothing
+        PREDICTION, ///< the estimate is the centre and is not shown
+        GAP         ///< an empty line
     };
 
     Kind kind;
@@ -35,11 +35,12 @@ struct ForestRow
     double weight = 1;         ///< of a study, as a fraction of all
 };
 
-/// Every study with its effect, in blocks where there are groups, each with its pooled model; then the model
-/// of all studies.
+/// The studies with their effects and the model of all studies. Where there are groups, the studies are in
+/// blocks that end with the group's pooled model.
 std::vector<ForestRow> ForestRows(const AnalysisData& data);
 
-/// The pooled effect after each study of the cumulative analysis, in blocks likewise. Empty without one.
+/// The pooled effect after each study of the cumulative analysis, in blocks where there are groups; empty
+/// without a cumulative analysis.
 std::vector<ForestRow> CumulativeForestRows(const AnalysisData& data);
 
 } // namespace host

@@ -3,6 +3,7 @@
 #include "host/draw/CutToRectangle.h"
 #include "host/plots/PlotAxes.h"
 #include "host/plots/ScatterPlot.h"
+#include "host/text/Wording.h"
 
 #include <fmt/format.h>
 
@@ -35,9 +36,12 @@ std::string WordingOf(MAConst::FunnelConTourTesType test)
         return "upper-tailed";
     case MAConst::CONTOUR_LOWER:
         return "lower-tailed";
-    default:
+    case MAConst::CONTOUR_TWO_SIDED:
         return "two-sided";
+    case MAConst::CONTOUR_NONE:
+        break;
     }
+    return {};
 }
 
 std::string RangeOfP(double from, double to)
@@ -111,7 +115,7 @@ std::vector<Point> Funnel::RowOf(const Rows& x, const Rows& y, std::size_t row) 
     return row < x.size() ? DrawablePoints(x[row], y[row]) : std::vector<Point>();
 }
 
-/// They have the row behind those of all studies and of the groups.
+/// The row of the imputed studies follows those of all studies and of the groups.
 std::vector<Point> Funnel::Imputed() const
 {
     if (!isFilled_)
@@ -126,7 +130,8 @@ std::vector<Point> Funnel::Mirrored(std::vector<Point> line) const
     return line;
 }
 
-/// The library gives their extent at the largest standard error; over other vertical axes that is no line.
+/// The library gives contours by their extent at the largest standard error. Only over the standard error is
+/// a contour a line.
 bool Funnel::HasContours() const
 {
     return type_ == MAConst::FUNNEL_STD_ERROR && plot_.row < base_.GetFunnelContourX().size();
@@ -148,14 +153,14 @@ void Funnel::SetAxes(Picture& picture) const
     y.Pad(0.05);
     if (pointsDown)
         y.StartAt(0);
-    picture.x = EffectAxis(data_.effect, data_.effect.name, x);
+    picture.x = EffectAxis(data_.measure, data_.measure.name, x);
     picture.y = NumberAxis(Capitalised(VerticalTitle(type_)), y);
     if (pointsDown)
         std::swap(picture.y.first, picture.y.last);
 }
 
-/// Where a test at the level of the contour does not reject: the part of the picture on the null's side of
-/// the line, or the two lines, from the null at standard error 0.
+/// The region where a test at the level of the contour does not reject. It lies on the null's side of the
+/// line, or between the two lines, which start at the null and standard error 0.
 std::vector<Point> Funnel::InsignificantRegion(const Picture& picture, double slope) const
 {
     const double bottom = picture.y.first;
@@ -165,12 +170,16 @@ std::vector<Point> Funnel::InsignificantRegion(const Picture& picture, double sl
         return {{picture.x.first, 0}, {0, 0}, end, {picture.x.first, bottom}};
     case MAConst::CONTOUR_LOWER:
         return {{picture.x.last, 0}, {0, 0}, end, {picture.x.last, bottom}};
-    default:
+    case MAConst::CONTOUR_TWO_SIDED:
         return {{-end.x, bottom}, {0, 0}, end};
+    case MAConst::CONTOUR_NONE:
+        break;
     }
+    return {};
 }
 
-/// Regions from the most significant one on, which fills the frame; each lies on the ones before.
+/// The regions from the most significant one, which fills the frame, to the least. Each covers part of those
+/// before.
 std::vector<Layer> Funnel::Contours(const Picture& picture) const
 {
     std::vector<double> levels;
@@ -217,7 +226,7 @@ Picture Funnel::Draw() const
     picture.layers.push_back(StudyDots(studies_));
     picture.description =
         fmt::format("{}: {} by {} and {}{}; the pooled effect and its {} limits form a funnel.",
-                    picture.title, CountOfStudies(studies_.size()), data_.effect.name, VerticalTitle(type_),
+                    picture.title, CountOfStudies(studies_.size()), data_.measure.name, VerticalTitle(type_),
                     imputed_.empty() ? "" : fmt::format(", and {} imputed", imputed_.size()), data_.level);
     return Finished(std::move(picture));
 }

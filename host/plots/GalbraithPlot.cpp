@@ -2,6 +2,7 @@
 
 #include "host/plots/PlotAxes.h"
 #include "host/plots/ScatterPlot.h"
+#include "host/text/Wording.h"
 
 #include <fmt/format.h>
 
@@ -14,8 +15,8 @@ namespace host {
 
 namespace {
 
-/// The library scales the effects of all studies by their standard errors, and those of a group by their
-/// variances, to which the parallels are no confidence limits.
+/// The library divides the effects of all studies by their standard errors, and those of a group by their
+/// variances. In a group, the parallels are no confidence limits.
 struct Scale
 {
     const char* name;
@@ -27,11 +28,6 @@ Scale ScaleOf(const AnalysisData& data, const PlotOfGroup& plot)
     if (plot.row == 0)
         return {"standard error", data.level + " limits"};
     return {"variance", fmt::format("Line ± {:.2f}", data.base.GetGalbRegrIntercept()[plot.row])};
-}
-
-std::string EffectName(const EffectWording& effect)
-{
-    return effect.isRatio ? "log " + effect.name : effect.name;
 }
 
 Picture GalbraithPlot(const AnalysisData& data, const PlotOfGroup& plot)
@@ -56,7 +52,7 @@ Picture GalbraithPlot(const AnalysisData& data, const PlotOfGroup& plot)
 
     Picture picture = NewScatterPlot(NameOfGroupPlot({"galbraith", "Galbraith plot", ""}, plot));
     picture.x = NumberAxis(fmt::format("1 / {}", scale.name), x);
-    picture.y = NumberAxis(fmt::format("{} / {}", Capitalised(EffectName(data.effect)), scale.name), y);
+    picture.y = NumberAxis(fmt::format("{} / {}", Capitalised(data.measure.AnalysisName()), scale.name), y);
     picture.layers = {
         NullLine({0, 0}, {end, 0}),
         {Layer::Kind::DASHED_LINE,

@@ -2,6 +2,8 @@
 
 #include "host/plots/PlotAxes.h"
 #include "host/plots/ScatterPlot.h"
+#include "host/text/Measures.h"
+#include "host/text/Wording.h"
 
 #include <fmt/format.h>
 
@@ -16,10 +18,10 @@ namespace {
 constexpr double SIDE = 380;
 constexpr double LABEL_OF_ALL = -1;
 
-/// What is compared between the groups, as the library takes it for the effect size.
+/// The quantity that the measure compares between the groups.
 std::string Outcome(const AnalysisData& data)
 {
-    return data.settings.GetBinaryEstType() == MAConst::BIN_ODDS_RATIO ? "odds" : "risk";
+    return RowOf(BINARY_MEASURES, data.settings.GetBinaryEstType()).groupQuantity;
 }
 
 /// The line on which treatment minus control is `effect`.
@@ -41,8 +43,8 @@ Picture LabbePlot(const AnalysisData& data, const MABinModel& model, const PlotO
 
     Picture picture = NewScatterPlot(NameOfGroupPlot({"labbe", "L'Abbé plot", ""}, plot), SIDE, SIDE);
     const std::string outcome = Outcome(data);
-    picture.x = EffectAxis(data.effect, outcome + " in the control group", both);
-    picture.y = EffectAxis(data.effect, outcome + " in the treatment group", both);
+    picture.x = EffectAxis(data.measure, outcome + " in the control group", both);
+    picture.y = EffectAxis(data.measure, outcome + " in the treatment group", both);
     picture.layers = {
         NullLine({both.First(), both.First()}, {both.Last(), both.Last()}),
         LineOfEffect(both, plot.estimate, Layer::Kind::DASHED_LINE, color::ACCENT, "Pooled effect"),
@@ -51,7 +53,7 @@ Picture LabbePlot(const AnalysisData& data, const MABinModel& model, const PlotO
         fmt::format("{}: {} in the treatment group over {} in the control group of {}, with the line of no "
                     "effect and that "
                     "of the pooled {}.",
-                    picture.title, outcome, outcome, CountOfStudies(control.size()), data.effect.name);
+                    picture.title, outcome, outcome, CountOfStudies(control.size()), data.measure.name);
     return Finished(std::move(picture));
 }
 
@@ -64,7 +66,7 @@ std::vector<Picture> LabbePictures(const AnalysisData& data)
     if (model == nullptr || model->GetLabbePlotX().empty())
         return pictures;
     std::vector<PlotOfGroup> plots = GroupsOrAll(data);
-    // The library leaves out a group whose value is its label for all studies, and has no row for it.
+    // The library has no row for a group whose value is its own label of all studies.
     std::erase_if(plots, [&](const PlotOfGroup& plot) {
         return plot.number > 0 && data.base.GetUniGroup()[plot.row] == LABEL_OF_ALL;
     });

@@ -7,7 +7,8 @@
 
 namespace host {
 
-/// L'Abbé plots: of all studies, or with groups of each. None where the library has no coordinates for them.
+/// L'Abbé plots of all studies, or of each group where there are groups; empty where the library has no
+/// coordinates.
 std::vector<Picture> LabbePictures(const AnalysisData& data);
 
 } // namespace host

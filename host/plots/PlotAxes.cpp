@@ -2,6 +2,7 @@
 
 #include "host/text/NumberText.h"
 #include "host/text/PlainText.h"
+#include "host/text/Wording.h"
 
 #include <fmt/format.h>
 
@@ -23,7 +24,7 @@ double LogOfTen()
     return std::log(10.0);
 }
 
-/// The first of ... 1, 2, 5, 10, 20 ... that is no less than `least`.
+/// The smallest of ... 1, 2, 5, 10, 20 ... that is at least `least`.
 double RoundStep(double least)
 {
     const double power = std::pow(10.0, std::floor(std::log10(least)));
@@ -39,7 +40,8 @@ std::string PowerText(double power)
     return isShort ? fmt::format("{:.6g}", std::pow(10.0, power)) : fmt::format("1e{:g}", power);
 }
 
-/// Multiples of the step from `first` on. Counted, for a step may be lost in a number that is much larger.
+/// Multiples of the step from `first` on. The loop counts, because adding a step to a much larger number may
+/// not change it.
 std::vector<double> Multiples(double step, double first, double last)
 {
     std::vector<double> multiples;
@@ -49,7 +51,7 @@ std::vector<double> Multiples(double step, double first, double last)
     return multiples;
 }
 
-/// With the digits that tell neighbours apart. Adding 0 makes a negative zero positive.
+/// The number with the digits that distinguish neighbours. Adding 0 makes a negative zero positive.
 std::string TextAt(double number, double step)
 {
     const double digits = std::log10(std::max(std::abs(number) / step, 1.0)) + 2;
@@ -64,7 +66,7 @@ bool HaveRoom(const std::vector<Tick>& ticks)
     return width <= SHORTEST_AXIS;
 }
 
-/// The most ticks, of those made for a number of them, whose texts stand side by side.
+/// The largest number of ticks whose texts do not overlap.
 template <class Make>
 std::vector<Tick> TicksWithRoom(const Make& makeTicks)
 {
@@ -176,9 +178,9 @@ Axis NumberAxis(std::string title, const Extent& extent)
     return {std::move(title), extent.First(), extent.Last(), NumberTicks(extent)};
 }
 
-Axis EffectAxis(const EffectWording& effect, const std::string& quantity, const Extent& extent)
+Axis EffectAxis(const Measure& measure, const std::string& quantity, const Extent& extent)
 {
-    if (!effect.isRatio)
+    if (!measure.isRatio)
         return NumberAxis(Capitalised(quantity), extent);
     return {Capitalised(quantity) + " (log scale)", extent.First(), extent.Last(), RatioTicks(extent)};
 }

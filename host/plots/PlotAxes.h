@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/draw/Picture.h"
-#include "host/text/Wording.h"
+#include "host/text/Measures.h"
 
 #include <limits>
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace host {
 
-/// A range that grows with what it has to cover. What cannot be drawn does not count.
+/// A range that grows with the values that it covers. Values that cannot be drawn do not count.
 class Extent
 {
 public:
@@ -34,15 +34,15 @@ private:
 /// The points whose coordinates can both be drawn.
 std::vector<Point> DrawablePoints(const std::vector<double>& x, const std::vector<double>& y);
 
-/// Round numbers.
+/// Ticks at round numbers.
 std::vector<Tick> NumberTicks(const Extent& numbers);
-/// Round ratios, at their logarithms.
+/// Ticks at the logarithms of round ratios.
 std::vector<Tick> RatioTicks(const Extent& logarithms);
 
 Axis NumberAxis(std::string title, const Extent& extent);
 
 /// An axis on the scale of the analysis; that of a ratio is labelled on the natural scale. `quantity` is its
 /// title without the scale, in lower case.
-Axis EffectAxis(const EffectWording& effect, const std::string& quantity, const Extent& extent);
+Axis EffectAxis(const Measure& measure, const std::string& quantity, const Extent& extent);
 
 } // namespace host

@@ -1,7 +1,7 @@
 #include "host/plots/PlotGroups.h"
 
-#include "host/report/ModelSections.h"
-#include "host/report/ReportParts.h"
+#include "host/report/EffectRows.h"
+#include "host/text/PlainText.h"
 
 #include <fmt/format.h>
 

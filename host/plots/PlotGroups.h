@@ -17,12 +17,12 @@ struct PlotOfGroup
     std::size_t number; ///< of the group, from 1
 };
 
-/// All studies, then each group; without coordinates none of them.
+/// All studies, then each group; empty without coordinates.
 std::vector<PlotOfGroup> AllAndGroups(const AnalysisData& data, std::size_t rowCount);
 /// Each group, or all studies where there are no groups.
 std::vector<PlotOfGroup> GroupsOrAll(const AnalysisData& data);
 
-/// The group with the column that it is a value of.
+/// The group with the name of its column: "country: Japan".
 std::string GroupName(const AnalysisData& data, std::size_t group);
 
 } // namespace host

@@ -8,7 +8,7 @@
 
 namespace host {
 
-/// Every plot that the library has coordinates for, of an analysis that ended without error.
+/// All plots that the library has coordinates for. The analysis must have ended without error.
 std::vector<Picture> MakePictures(const AnalysisRequest& request, const Analysis& analysis);
 
 } // namespace host

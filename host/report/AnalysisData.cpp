@@ -1,8 +1,8 @@
 #include "host/report/AnalysisData.h"
 
-#include "host/report/ReportParts.h"
-
-#include <fmt/format.h>
+#include "host/report/ReportColumns.h"
+#include "host/text/PlainText.h"
+#include "host/text/Wording.h"
 
 #include <algorithm>
 
@@ -12,7 +12,7 @@ namespace host {
 
 namespace {
 
-/// Of groups that were told apart: the library then lists their values and, behind them, one for all studies.
+/// The labels of two groups or more. The library lists their values, and behind them one for all studies.
 std::vector<std::string> GroupLabels(const ValueLabels& subgroup, std::vector<double> groups)
 {
     std::vector<std::string> labels;
@@ -31,8 +31,8 @@ AnalysisData::AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofA
       analysis(ofAnalysis),
       settings(request.settings),
       base(analysis.Base()),
-      effect(WordingOfEffect(settings)),
-      binary(effect.isRatio ? analysis.Binary() : nullptr),
+      measure(MeasureOf(settings)),
+      binary(measure.isRatio ? analysis.Binary() : nullptr),
       level(WordingOfLevel(settings)),
       decimals(std::max(DecimalsFor(base.GetStdError()), DecimalsFor(base.GetEstStdError()))),
       groupLabels(GroupLabels(request.subgroup, base.GetUniGroup()))
@@ -40,7 +40,7 @@ AnalysisData::AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofA
 
 std::vector<std::string> AnalysisData::RowLabels(std::size_t rowCount) const
 {
-    std::vector<std::string> labels = {"Overall"};
+    std::vector<std::string> labels = {OVERALL};
     if (rowCount > 1)
         labels.insert(labels.begin(), groupLabels.begin(), groupLabels.end());
     return labels;
@@ -55,29 +55,18 @@ std::vector<std::string> AnalysisData::StudyLabelsOf(const std::vector<int>& rec
     return labels;
 }
 
+std::vector<std::string> AnalysisData::VariableLabelsOf(const std::vector<int>& positions) const
+{
+    std::vector<std::string> labels;
+    labels.reserve(positions.size());
+    for (const int position : positions)
+        labels.push_back(LabelText(request.variables.GetVarAt(position).name));
+    return labels;
+}
+
 std::string AnalysisData::IntervalHeader(const std::string& symbol) const
 {
-    return fmt::format("{} [{} CI]", symbol, level);
-}
-
-EffectHeaders HeadersOf(const EffectWording& effect)
-{
-    return {effect.symbol, effect.AnalysisSymbol()};
-}
-
-void AppendEffects(std::vector<ReportColumn>& table, const EffectRows& rows, const EffectHeaders& headers,
-                   const AnalysisData& data)
-{
-    if (!rows.ratios.values.empty())
-        table.push_back({data.IntervalHeader(headers.ratio), EstimateTexts(rows.ratios)});
-    table.push_back({data.IntervalHeader(headers.effect), EstimateTexts(rows.effects, data.decimals)});
-    if (!rows.stdErrors.empty())
-        table.push_back(
-            {"SE", TextsOf(rows.stdErrors, [&](double stdError) { return data.EffectText(stdError); })});
-    if (!rows.statistics.empty())
-        table.push_back({WordingOfStatistic(data.settings), TextsOf(rows.statistics, NumberText)});
-    if (!rows.significances.empty())
-        table.push_back({"p", TextsOf(rows.significances, PValueText)});
+    return host::IntervalHeader(symbol, level);
 }
 
 } // namespace host

@@ -1,10 +1,9 @@
 #pragma once
 
-#include "host/report/Report.h"
 #include "host/run/Analysis.h"
 #include "host/run/AnalysisRequest.h"
+#include "host/text/Measures.h"
 #include "host/text/NumberText.h"
-#include "host/text/Wording.h"
 
 #include <cstddef>
 #include <string>
@@ -12,7 +11,11 @@
 
 namespace host {
 
-/// What the sections of an analysis' report need of it. It refers to request and analysis.
+/// The label of the row of all studies.
+inline constexpr const char* OVERALL = "Overall";
+
+/// What sections and pictures show of an analysis: its request, its results, and how both are presented. It
+/// refers to request and analysis, which must outlive it.
 struct AnalysisData
 {
     AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofAnalysis);
@@ -21,40 +24,18 @@ struct AnalysisData
     const Analysis& analysis;
     const MA_NAMESPACE::MAModelSettings& settings;
     const MA_NAMESPACE::MABaseModel& base;
-    EffectWording effect;
-    const MA_NAMESPACE::MABinModel* binary; ///< of a ratio, which has results on the ratio scale; else null
+    Measure measure;
+    const MA_NAMESPACE::MABinModel* binary; ///< null unless there are results on the ratio scale
     std::string level;                      ///< "95%"
     int decimals;                           ///< of effects and standard errors
     std::vector<std::string> groupLabels;   ///< empty unless there are two groups or more
 
-    /// Labels of rows that are one for each group and a last one for all studies, or the latter alone.
+    /// Labels of the rows of each group and of all studies, or of all studies alone.
     std::vector<std::string> RowLabels(std::size_t rowCount) const;
     std::vector<std::string> StudyLabelsOf(const std::vector<int>& records) const;
+    std::vector<std::string> VariableLabelsOf(const std::vector<int>& positions) const;
     std::string IntervalHeader(const std::string& symbol) const;
     std::string EffectText(double value) const { return FixedText(value, decimals); }
 };
-
-/// Rows of effects with their tests. A part that is empty is not shown.
-struct EffectRows
-{
-    Estimates ratios;
-    Estimates effects;
-    std::vector<double> stdErrors;
-    std::vector<double> statistics;
-    std::vector<double> significances;
-};
-
-/// What a table calls its effects.
-struct EffectHeaders
-{
-    std::string ratio;
-    std::string effect;
-};
-
-EffectHeaders HeadersOf(const EffectWording& effect);
-
-/// Appends the columns of the rows to a table.
-void AppendEffects(std::vector<ReportColumn>& table, const EffectRows& rows, const EffectHeaders& headers,
-                   const AnalysisData& data);
 
 } // namespace host

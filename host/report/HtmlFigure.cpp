@@ -26,7 +26,8 @@ bool IsSliced(const Picture& picture)
     return picture.rowHeight > 0 && picture.height > PAPER_SHAPE * picture.width;
 }
 
-/// The rows in bands that fit a page below the headings. The last one has the axis and what is below it.
+/// Divides the rows into bands that fit a page below the headings. The last band includes the axis and all
+/// below it.
 std::vector<Band> Slices(const Picture& picture)
 {
     const double end = picture.frame.top + picture.frame.height;

@@ -1,6 +1,6 @@
 #include "host/report/HtmlReport.h"
 
-#include "host/cli/OptionDefinition.h"
+#include "host/cli/OptionGroups.h"
 #include "host/report/HtmlFigure.h"
 #include "host/report/HtmlStyle.h"
 #include "host/text/ProgramInfo.h"
@@ -30,7 +30,7 @@ std::string HeaderCell(const ReportColumn& column)
                        HtmlEscaped(column.header));
 }
 
-/// The first column, if a text, names the row.
+/// A first column of texts holds the row headers.
 std::string Cell(const ReportColumn& column, std::size_t row, bool isFirst)
 {
     const std::string text = HtmlEscaped(column.cells[row]);
@@ -69,7 +69,7 @@ private:
     int tableCount_ = 0;
 };
 
-/// The policy keeps the page from loading or running anything, whatever its texts are.
+/// The security policy keeps the page from loading or running anything, whatever its texts are.
 void Page::AddHead(const std::string& title)
 {
     html_ += fmt::format("<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\"/>\n"
@@ -156,7 +156,7 @@ ReportSection SettingsSection(Options options)
     return {"Settings", {names, values}, {}};
 }
 
-/// As a POSIX shell reads it.
+/// Quotes the argument for a POSIX shell.
 std::string ShellQuoted(const std::string& argument)
 {
     constexpr const char* PLAIN = "abcdefghijklmnopqrstuvwxyzABCDEFGHIJKLMNOPQRSTUVWXYZ0123456789_@%+=:,./-";

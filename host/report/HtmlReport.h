@@ -8,8 +8,8 @@
 
 namespace host {
 
-/// The report as one page for a browser that needs nothing else, with its pictures (as SVG) or a sentence on
-/// why they are missing, the settings, and the command line that makes it again.
+/// The report as one self-contained page: with its pictures (as SVG) or a sentence that says why they are
+/// missing, with the settings, and with the command line that makes the page again.
 std::string RenderHtml(const Options& options, const Report& report, const Drawing& drawing);
 
 } // namespace host

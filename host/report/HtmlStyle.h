@@ -2,8 +2,8 @@
 
 namespace host {
 
-/// For screens of any width, and for paper: tables and pictures that are wider than a screen scroll by
-/// themselves.
+/// The style serves screens of any width and paper. Tables and pictures that are wider than a screen scroll
+/// on their own.
 inline constexpr const char* HTML_STYLE = R"(
 :root { color-scheme: light; }
 body { margin: 0 auto; max-width: 60rem; padding: 1rem; color: #222; background: #fff;

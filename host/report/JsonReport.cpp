@@ -1,7 +1,6 @@
 #include "host/report/JsonReport.h"
 
-#include "host/cli/OptionDefinition.h"
-#include "host/report/AnalysisResults.h"
+#include "host/cli/OptionGroups.h"
 #include "host/text/ProgramInfo.h"
 
 namespace host {
@@ -32,7 +31,7 @@ Json StatusOf(const KXStatus& status)
     return {{"code", status.GetCode()}, {"kind", kind}};
 }
 
-/// An object has a line for each of its members; everything else, long arrays above all, takes one line.
+/// An object has a line for each member. Everything else, such as a long array, has one line.
 void Append(std::string& text, const Json& value, const std::string& indent = "")
 {
     if (!value.is_object()) {
@@ -72,13 +71,6 @@ std::string RenderJson(const Options& options, const JsonParts& parts)
     std::string text;
     Append(text, report);
     return text + '\n';
-}
-
-std::string RenderJson(const Options& options, const DataTable& table, const AnalysisRequest& request,
-                       const Analysis& analysis)
-{
-    return RenderJson(options, {analysis.Records(table.RowCount()), analysis.FinalStatus(),
-                                WarningsOf(AnalysisData(request, analysis)), ResultsOf(analysis)});
 }
 
 } // namespace host

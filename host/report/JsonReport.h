@@ -1,9 +1,7 @@
 #pragma once
 
 #include "host/cli/Options.h"
-#include "host/data/DataTable.h"
 #include "host/report/Warnings.h"
-#include "host/run/Analysis.h"
 #include "host/run/RecordSummary.h"
 
 #include "meta_analysis/platform/common/KXStatus.h"
@@ -15,7 +13,7 @@
 
 namespace host {
 
-/// What a run has to tell, whichever the command.
+/// The parts of the JSON that every command has.
 struct JsonParts
 {
     RecordSummary records;
@@ -24,10 +22,8 @@ struct JsonParts
     nlohmann::ordered_json results;
 };
 
-/// A run as one JSON object, for programs; also of one that ended with an error. Record numbers in it
-/// count from 0. Doubles are written with as many digits as it takes to read back the same double.
+/// The run as one JSON object, also after an error. Record numbers count from 0. Doubles have as many digits
+/// as are needed to read back the same double.
 std::string RenderJson(const Options& options, const JsonParts& parts);
-std::string RenderJson(const Options& options, const DataTable& table, const AnalysisRequest& request,
-                       const Analysis& analysis);
 
 } // namespace host

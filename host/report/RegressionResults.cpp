@@ -32,50 +32,55 @@ Json ScoresOf(const RegressionAnalysis& analysis)
     return scores;
 }
 
+/// Adds what the getter Get<name> returns, under its name. A macro, so that key and getter are one word.
+#define ADD_RESULT(name) results[#name] = ToJson(output.Get##name())
+
 } // namespace
 
 Json ResultsOf(const RegressionRequest& request, const RegressionAnalysis& analysis)
 {
     const MARegOutputStats& output = *analysis.output;
     Json results;
-    results["NGoodRecords"] = ToJson(output.GetNGoodRecords());
-    results["NBadRecords"] = ToJson(output.GetNBadRecords());
-    results["Tau"] = ToJson(output.GetTau());
-    results["Tau2CILower"] = ToJson(output.GetTau2CILower());
-    results["Tau2CIUpper"] = ToJson(output.GetTau2CIUpper());
-    results["Tau2Convergence"] = ToJson(output.GetTau2Convergence());
-    results["Tau2Evaluations"] = ToJson(output.GetTau2Evaluations());
-    results["LogLikelihood"] = ToJson(output.GetLogLikelihood());
-    results["AIC"] = ToJson(output.GetAIC());
-    results["BIC"] = ToJson(output.GetBIC());
-    results["AICc"] = ToJson(output.GetAICc());
-    results["Estimation"] = ToJson(output.GetEstimation());
+    ADD_RESULT(NGoodRecords);
+    ADD_RESULT(NBadRecords);
+    ADD_RESULT(Tau);
+    ADD_RESULT(Tau2CILower);
+    ADD_RESULT(Tau2CIUpper);
+    ADD_RESULT(Tau2Convergence);
+    ADD_RESULT(Tau2Evaluations);
+    ADD_RESULT(LogLikelihood);
+    ADD_RESULT(AIC);
+    ADD_RESULT(BIC);
+    ADD_RESULT(AICc);
+    ADD_RESULT(Estimation);
     results["Parameters"] = NamesOf(output.GetParameters(), request);
-    results["RedundancyInfo"] = ToJson(output.GetRedundancyInfo());
-    results["BetaStandErr"] = ToJson(output.GetBetaStandErr());
-    results["BetaTest"] = ToJson(output.GetBetaTest());
-    results["BetaTestPValue"] = ToJson(output.GetBetaTestPValue());
-    results["BetaTestLog10PValue"] = ToJson(output.GetBetaTestLog10PValue());
-    results["BetaConfInterValLower"] = ToJson(output.GetBetaConfInterValLower());
-    results["BetaConfInterValUpper"] = ToJson(output.GetBetaConfInterValUpper());
-    results["WaldChiSquareTest"] = ToJson(output.GetWaldChiSquareTest());
-    results["WaldDf"] = ToJson(output.GetWaldDf());
-    results["WaldPValue"] = ToJson(output.GetWaldPValue());
-    results["FTestVal"] = ToJson(output.GetFTestVal());
-    results["FPValue"] = ToJson(output.GetFPValue());
-    results["ModelTestLog10PValue"] = ToJson(output.GetModelTestLog10PValue());
-    results["FDf1"] = ToJson(output.GetFDf1());
-    results["FDf2"] = ToJson(output.GetFDf2());
-    results["MultiDisper"] = ToJson(output.GetMultiDisper());
-    results["ResHomoChiSqure"] = ToJson(output.GetResHomoChiSqure());
-    results["ResHomoDf"] = ToJson(output.GetResHomoDf());
-    results["ResHomoPValue"] = ToJson(output.GetResHomoPValue());
-    results["ResHomoLog10PValue"] = ToJson(output.GetResHomoLog10PValue());
-    results["HresSquare"] = ToJson(output.GetHresSquare());
-    results["IresSquare"] = ToJson(output.GetIresSquare());
-    results["RSquare"] = ToJson(output.GetRSquare());
+    ADD_RESULT(RedundancyInfo);
+    ADD_RESULT(BetaStandErr);
+    ADD_RESULT(BetaTest);
+    ADD_RESULT(BetaTestPValue);
+    ADD_RESULT(BetaTestLog10PValue);
+    ADD_RESULT(BetaConfInterValLower);
+    ADD_RESULT(BetaConfInterValUpper);
+    ADD_RESULT(WaldChiSquareTest);
+    ADD_RESULT(WaldDf);
+    ADD_RESULT(WaldPValue);
+    ADD_RESULT(FTestVal);
+    ADD_RESULT(FPValue);
+    ADD_RESULT(ModelTestLog10PValue);
+    ADD_RESULT(FDf1);
+    ADD_RESULT(FDf2);
+    ADD_RESULT(MultiDisper);
+    ADD_RESULT(ResHomoChiSqure);
+    ADD_RESULT(ResHomoDf);
+    ADD_RESULT(ResHomoPValue);
+    ADD_RESULT(ResHomoLog10PValue);
+    ADD_RESULT(HresSquare);
+    ADD_RESULT(IresSquare);
+    ADD_RESULT(RSquare);
     results["Score"] = ScoresOf(analysis);
     return results;
 }
+
+#undef ADD_RESULT
 
 } // namespace host

@@ -1,15 +1,11 @@
 #pragma once
 
-#include "host/cli/Options.h"
-#include "host/data/DataTable.h"
-#include "host/run/Analysis.h"
-
 #include <string>
 #include <vector>
 
 namespace host {
 
-/// A column of a table; texts stand on its left, numbers on its right.
+/// A column of a table. Texts are aligned to the left, numbers to the right.
 struct ReportColumn
 {
     std::string header;
@@ -25,15 +21,18 @@ struct ReportSection
     std::vector<std::string> sentences;
 };
 
-/// What a report says, whatever it is rendered as.
+using ReportSections = std::vector<ReportSection>;
+
+/// The content of a report, independent of the format.
 struct Report
 {
     std::string title;
-    std::vector<ReportSection> sections;
+    ReportSections sections;
 };
 
-/// The report of an analysis that ended without error.
-Report MakeReport(const Options& options, const DataTable& table, const AnalysisRequest& request,
-                  const Analysis& analysis);
+inline void Append(ReportSections& sections, const ReportSections& more)
+{
+    sections.insert(sections.end(), more.begin(), more.end());
+}
 
 } // namespace host

@@ -8,7 +8,7 @@ namespace host {
 
 namespace {
 
-/// Code points of a UTF-8 text: every byte but those that continue one.
+/// The number of code points of a UTF-8 text: all bytes but the continuation bytes.
 std::size_t WidthOf(std::string_view text)
 {
     return static_cast<std::size_t>(std::count_if(

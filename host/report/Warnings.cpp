@@ -15,7 +15,7 @@ namespace host {
 
 namespace {
 
-/// tau² where the scoring steps left it, and as the global search finds it.
+/// tau² by the scoring steps and by the global search.
 struct FoundTau2
 {
     std::string model; ///< empty where there is only one
@@ -23,8 +23,8 @@ struct FoundTau2
     double byGlobalSearch;
 };
 
-/// The models whose values are shown as different ones; the general sentence when there is none, as where the
-/// doubt is about a small-study test.
+/// Names both values of each model whose values differ as shown. When no model's do, as when the doubt is
+/// about a small-study test, the general sentence is returned.
 std::string SentenceOfDoubt(const std::vector<FoundTau2>& found)
 {
     std::vector<std::string> places;
@@ -72,6 +72,16 @@ std::vector<ShownWarning> WarningsOf(const RegressionAnalysis& analysis)
     if (analysis.globalTau2)
         found.push_back({"", analysis.output->GetTau(), *analysis.globalTau2});
     return Shown(analysis.warnings, found);
+}
+
+ReportSections WarningsSection(const std::vector<ShownWarning>& warnings)
+{
+    if (warnings.empty())
+        return {};
+    ReportSection section = {"Warnings", {}, {}};
+    for (const ShownWarning& warning : warnings)
+        section.sentences.push_back(fmt::format("{}: {}", warning.code, warning.sentence));
+    return {section};
 }
 
 } // namespace host

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/report/AnalysisData.h"
+#include "host/report/Report.h"
 #include "host/run/RegressionAnalysis.h"
 
 #include <string>
@@ -8,7 +9,7 @@
 
 namespace host {
 
-/// A warning of the library in words; one of a doubtful tau² tells both values.
+/// A warning of the library as a sentence. That of a doubtful tau² has both values.
 struct ShownWarning
 {
     int code;
@@ -17,5 +18,8 @@ struct ShownWarning
 
 std::vector<ShownWarning> WarningsOf(const AnalysisData& data);
 std::vector<ShownWarning> WarningsOf(const RegressionAnalysis& analysis);
+
+/// Every warning with its code and a sentence.
+ReportSections WarningsSection(const std::vector<ShownWarning>& warnings);
 
 } // namespace host

@@ -1,5 +1,7 @@
 #include "host/report/ZeroCellSentences.h"
 
+#include "host/text/Wording.h"
+
 #include <fmt/format.h>
 #include <fmt/ranges.h>
 
@@ -17,7 +19,7 @@ std::string CountOfTables(int count)
     return fmt::format("{} {}", count, count == 1 ? "table" : "tables");
 }
 
-/// One for each row of the pooled effects; of a cumulative analysis those of the last steps.
+/// Counts for each pooled effect. Those of a cumulative analysis are the counts of the last steps.
 std::vector<int> CorrectedByRow(const MABinModel& model)
 {
     std::vector<int> corrected;
@@ -26,7 +28,7 @@ std::vector<int> CorrectedByRow(const MABinModel& model)
     return corrected.empty() ? model.GetNPoolCorrected() : corrected;
 }
 
-/// Which pooled effects rest on corrected counts, and on how many.
+/// Names the pooled effects with corrected tables, and how many they have.
 std::string WordingOf(const std::vector<int>& corrected, const std::vector<std::string>& labels)
 {
     std::vector<std::string> rows;
@@ -42,7 +44,7 @@ std::string WordingOf(const std::vector<int>& corrected, const std::vector<std::
     return fmt::format("{}{}", fmt::join(rows, ", "), others);
 }
 
-/// What the counts as read keep out of a pooled effect, or keep from having one.
+/// Says which tables do not take part in the pooled effects, and whether an effect is undefined.
 std::string WordingOfCountsAsRead(const MABinModel& model)
 {
     std::string text;

@@ -28,36 +28,23 @@ KXStatus TestOverall(MABinModel& model, AnalysisRequest& request)
     return model.RegBasedBinTest(request.records, request.variables, request.settings.GetRegBaseTestType());
 }
 
-/// Has one type of test.
+/// Continuous outcomes have one type of test.
 KXStatus TestOverall(MAContModel& model, AnalysisRequest& request)
 {
     return model.RegBasedContTest(request.records, request.variables);
 }
 
-/// As the test of all studies has them.
-MARegSettings TestSettings(const MAModelSettings& settings)
-{
-    MARegSettings test = RegressionSettings(settings);
-    test.SetInterceptUse(settings.GetIsUseIntercept());
-    test.SetMultiDiser(settings.GetMultiDisper());
-    test.SetTreatmentSuccess(settings.GetTreatmentSuccessVarIndex());
-    test.SetTreatmentFailure(settings.GetTreatmentFailureVarIndex());
-    test.SetControlSuccess(settings.GetControlSuccessVarIndex());
-    test.SetControlFailure(settings.GetControlFailureVarIndex());
-    return test;
-}
-
-/// The test of all studies, then that of each group and of all with all their parameters.
+/// Runs the test of all studies, then the tests of each group and of all studies with all parameters.
 template <class Model>
 KXStatus RunSmallStudyTest(Model& model, AnalysisRequest& request)
 {
     const KXStatus status = TestOverall(model, request);
     if (status.IsError())
         return status;
-    return model.RegBasedTest(request.records, request.variables, TestSettings(request.settings));
+    return model.RegBasedTest(request.records, request.variables, SmallStudyTestSettings(request.settings));
 }
 
-/// The same models without what goes beyond them.
+/// Runs the same models by the global search, without the steps beyond them.
 template <class Model>
 std::vector<double> Tau2ByGlobalSearch(AnalysisRequest& request)
 {

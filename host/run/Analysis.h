@@ -14,8 +14,7 @@
 
 namespace host {
 
-/// An analysis after its run, and after what is asked for beyond that. It refers to the request, which must
-/// outlive it.
+/// The results of a run and of the steps after it. They refer to the request, which must outlive them.
 struct Analysis
 {
     std::variant<MA_NAMESPACE::MABinModel, MA_NAMESPACE::MAContModel> model;
@@ -23,11 +22,11 @@ struct Analysis
     std::optional<KXStatus>
         testStatus; ///< of the small-study test, when that was asked for and the run went well
     KXStatus bubbleStatus;
-    /// The studies that trim-and-fill trims. Kept from the run: where the side follows from the small-study
-    /// test in the run, a later test of another type changes what the model says.
+    /// The side that trim-and-fill trimmed, copied after the run: a small-study test of another type that
+    /// runs later changes the model's own value when the side is chosen automatically.
     MAConst::TRIMFSIDE trimmedSide = MAConst::TRIM_SIDE_AUTO;
 
-    /// tau² of each model by the global search, when the run's own is doubtful (460100); else empty.
+    /// tau² of each model by the global search; empty unless the run has MAStatusCode::TAU2_DOUBTFUL.
     std::vector<double> globalTau2;
 
     const MA_NAMESPACE::MABaseModel& Base() const;
@@ -40,8 +39,8 @@ struct Analysis
     KXStatus FinalStatus() const;
 };
 
-/// Runs the driver of the request's kind of outcome, and then the small-study test and the bubble plots that
-/// are asked for. A failure of these leaves the results of the run as they are.
+/// Runs the driver of the request's outcome, then the small-study test and the bubble plots that are asked
+/// for. A failure of these steps leaves the results of the run as they are.
 Analysis RunAnalysis(AnalysisRequest& request);
 
 } // namespace host

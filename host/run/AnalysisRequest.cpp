@@ -1,6 +1,7 @@
 #include "host/run/AnalysisRequest.h"
 
 #include "host/data/ColumnCoding.h"
+#include "host/data/StudyLabels.h"
 #include "host/data/Variables.h"
 
 #include <utility>
@@ -20,7 +21,7 @@ std::vector<int> PositionsOf(const std::vector<std::string>& columns, Variables&
     return positions;
 }
 
-/// Position of a column of numbers or texts, -1 when none is named; completes its labels.
+/// Position of a column of numbers or texts among the variables, -1 when none is named. Fills `labels`.
 int LabelledPosition(const ColumnName& column, const DataTable& table, Variables& variables,
                      ValueLabels& labels)
 {
@@ -35,7 +36,7 @@ int LabelledPosition(const ColumnName& column, const DataTable& table, Variables
     return variables.AddCoded(*column, std::move(coding.codes));
 }
 
-/// Columns that the command does not have are not named, and so not given to the library.
+/// The positions of columns that are not named are -1, which the library takes as not given.
 MAModelSettings SettingsWithPositions(const Options& options, Variables& variables)
 {
     MAModelSettings settings = options.settings;
@@ -77,21 +78,6 @@ AnalysisRequest MakeAnalysisRequest(const Options& options, const DataTable& tab
             .cumulative = std::move(cumulative),
             .bubbleCovariates = std::move(bubbleCovariates),
             .runsSmallStudyTest = options.runsSmallStudyTest};
-}
-
-std::vector<std::string> StudyLabels(const ColumnName& column, const DataTable& table)
-{
-    std::vector<std::string> labels;
-    labels.reserve(table.RowCount());
-    if (!column) {
-        for (std::size_t row = 1; row <= table.RowCount(); ++row)
-            labels.push_back(std::to_string(row));
-        return labels;
-    }
-    const std::size_t position = table.PositionOf(*column);
-    for (std::size_t row = 0; row < table.RowCount(); ++row)
-        labels.emplace_back(table.Text(row, position));
-    return labels;
 }
 
 } // namespace host

@@ -13,7 +13,7 @@
 
 namespace host {
 
-/// All that an analysis is given: settings with the positions of the columns, and the data.
+/// The input of an analysis: settings with the positions of the columns, and the data.
 struct AnalysisRequest
 {
     MA_NAMESPACE::MAModelSettings settings;
@@ -28,8 +28,5 @@ struct AnalysisRequest
 
 /// Picks the columns that the options name. Throws UnusableInput.
 AnalysisRequest MakeAnalysisRequest(const Options& options, const DataTable& table);
-
-/// The texts of the column, one a record; without a column the numbers of the records, from 1.
-std::vector<std::string> StudyLabels(const ColumnName& column, const DataTable& table);
 
 } // namespace host

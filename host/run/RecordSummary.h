@@ -5,7 +5,7 @@
 
 namespace host {
 
-/// What became of the records of the data.
+/// How many records were read, used and left out, and why.
 struct RecordSummary
 {
     std::size_t read = 0;

@@ -18,7 +18,7 @@ namespace host {
 
 namespace {
 
-/// Shows what the library reports.
+/// Passes the library's progress on to the terminal.
 class ShownProgress : public ProgressListener
 {
 public:
@@ -47,7 +47,7 @@ std::optional<Score> ScoreOf(const Engine& engine, const Record& record)
     return status.IsOK() ? std::optional(score) : std::nullopt;
 }
 
-/// The engine tells how many records it could not use, and a leverage tells that it used one.
+/// The engine counts the records that it could not use. A record with a leverage is one that it used.
 RecordSummary UseOf(const std::vector<Record>& records, const RegressionAnalysis& analysis)
 {
     RecordSummary use;
@@ -56,7 +56,7 @@ RecordSummary UseOf(const std::vector<Record>& records, const RegressionAnalysis
         if (analysis.scores[i] && !KXMV::IsMissing(analysis.scores[i]->leverage))
             use.used.push_back(static_cast<int>(i));
     use.missing = static_cast<int>(std::count_if(records.begin(), records.end(), HasMissing));
-    // An error may come before the engine counts.
+    // After an early error the engine has counted no record.
     use.invalid = std::max(0, analysis.output->GetNBadRecords() - use.missing);
     return use;
 }

@@ -12,7 +12,7 @@
 
 namespace host {
 
-/// The prediction for a record, in the order of the engine's arguments; what is not known is missing.
+/// The prediction for a record, in the order of the engine's arguments. Unknown values are missing.
 struct Score
 {
     double fit;
@@ -24,15 +24,16 @@ struct Score
     double leverage;
 };
 
-/// What a meta-regression gave.
+/// The results of a meta-regression.
 struct RegressionAnalysis
 {
     KXStatus status;
     std::vector<KXStatus> warnings;
-    std::unique_ptr<const MA_NAMESPACE::MARegOutputStats> output; ///< also after an error: what there is
-    std::vector<std::optional<Score>> scores;                     ///< one a record; none for an unusable one
+    std::unique_ptr<const MA_NAMESPACE::MARegOutputStats>
+        output;                               ///< after an error, what was computed before it
+    std::vector<std::optional<Score>> scores; ///< one a record; none for an unusable one
     RecordSummary records;
-    std::optional<double> globalTau2; ///< by the global search, when the model's own is doubtful (460100)
+    std::optional<double> globalTau2; ///< by the global search, after MAStatusCode::TAU2_DOUBTFUL
 };
 
 /// Runs the engine of the model, fixed or random, and scores every record.

@@ -1,8 +1,9 @@
 #include "host/run/RegressionRequest.h"
 
+#include "host/cli/Interactions.h"
 #include "host/data/ColumnCoding.h"
+#include "host/data/StudyLabels.h"
 #include "host/data/Variables.h"
-#include "host/run/AnalysisRequest.h"
 #include "host/run/RegressionSettings.h"
 #include "host/text/UnusableInput.h"
 
@@ -18,7 +19,7 @@ namespace host {
 
 namespace {
 
-/// The roles are checked before, so that the library refuses a variable or an effect only without memory.
+/// The roles are checked before, so the library refuses a variable or an effect only when memory runs out.
 void RequireTaken(bool isTaken)
 {
     if (!isTaken)
@@ -37,7 +38,7 @@ MARegSettings SettingsOf(const Options& options)
     return settings;
 }
 
-/// Fills a request column by column: the roles first, then the effects made of them.
+/// Fills a request column by column: first the roles of the columns, then the model effects.
 class RegressionColumnsPicker
 {
 public:
@@ -118,7 +119,7 @@ void RegressionColumnsPicker::AddEffects()
         AddEffect({first, second});
 }
 
-/// A covariate that is named twice has the power 2.
+/// A covariate that is named twice enters as its square.
 void RegressionColumnsPicker::AddEffect(const std::vector<std::string>& columns)
 {
     KXModelEffect effect;

@@ -14,7 +14,7 @@
 
 namespace host {
 
-/// All that a meta-regression is given: settings with the positions of the columns, and the data.
+/// The input of a meta-regression: settings with the positions of the columns, and the data.
 struct RegressionRequest
 {
     MA_NAMESPACE::MARegSettings settings;
@@ -27,7 +27,7 @@ struct RegressionRequest
 /// Picks and codes the columns that the options name. Throws UnusableInput.
 RegressionRequest MakeRegressionRequest(const Options& options, const DataTable& table);
 
-/// What a parameter stands for: "(intercept)", "latitude", "latitude^2", "allocation=random*latitude".
+/// The name of a parameter: "(intercept)", "latitude", "latitude^2", "allocation=random*latitude".
 std::string ParameterName(const KXRegrParameter& parameter, const RegressionRequest& request);
 
 } // namespace host

@@ -15,7 +15,7 @@ namespace {
 constexpr int LEAST_DECIMALS = 4;
 constexpr int MOST_DECIMALS = 12;
 
-/// The text of a number that is shown as 0 without a sign.
+/// The text of a number, without a sign when it shows 0.
 std::string WithoutSignOfZero(std::string text)
 {
     if (text.front() == '-' && text.find_first_of("123456789") == std::string::npos)
@@ -56,6 +56,11 @@ std::vector<std::string> JoinedTexts(const Estimates& estimates, const ToText& t
 bool HasValue(double value)
 {
     return !KXMV::IsMissing(value) && !std::isnan(value);
+}
+
+bool HasAnyValue(const std::vector<double>& values)
+{
+    return std::any_of(values.begin(), values.end(), HasValue);
 }
 
 bool IsNumber(double value)

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <string>
 #include <vector>
 
@@ -10,20 +11,31 @@ inline constexpr const char* NO_VALUE = "-";
 
 /// Whether the library gave a value, which may be infinite: neither missing nor NaN.
 bool HasValue(double value);
-/// Whether that can be drawn: it is finite as well.
+bool HasAnyValue(const std::vector<double>& values);
+/// Whether a value can be drawn: it is finite, neither missing nor NaN.
 bool IsNumber(double value);
 
 /// A number with `decimals` digits behind the point, for columns; a huge one in scientific form.
 std::string FixedText(double value, int decimals);
 
-/// A number of any size: four decimals, or three significant digits where those would show less than two.
+/// A number of any size with four decimals, or with three significant digits where four decimals would show
+/// fewer than two.
 std::string NumberText(double value);
 
-/// A probability with four decimals, or "< 0.0001": a small one may have underflowed to 0, but is not 0.
+/// A probability with four decimals, or "< 0.0001". A p-value that underflowed is not shown as 0.
 std::string PValueText(double p);
 
 /// A fraction as "12.3%".
 std::string PercentText(double fraction, int decimals);
+
+/// The text of each number.
+template <class ToText>
+std::vector<std::string> TextsOf(const std::vector<double>& values, const ToText& toText)
+{
+    std::vector<std::string> texts(values.size());
+    std::transform(values.begin(), values.end(), texts.begin(), toText);
+    return texts;
+}
 
 /// The numbers times 100; missing stays missing.
 std::vector<double> InPercent(std::vector<double> fractions);

@@ -1,5 +1,7 @@
 #include "host/text/PlainText.h"
 
+#include "host/text/NumberText.h"
+
 #include <utf8proc.h>
 
 #include <algorithm>
@@ -56,7 +58,7 @@ std::string TextOf(CodePoints::const_iterator first, CodePoints::const_iterator 
     return text;
 }
 
-/// The widths of the widest among the usual fonts, in classes.
+/// Width of a character by its class, in the widest of the usual fonts.
 double WidthOf(utf8proc_int32_t codePoint)
 {
     const int cells = utf8proc_charwidth(codePoint);
@@ -116,7 +118,7 @@ std::string ShortenedText(std::string_view text, double limit)
     if (WidthOf(headEnd, tail) <= limit)
         return TextOf(headEnd, tail);
     double width = 1; // of the ellipsis
-    // The head takes two thirds: names and titles are told apart by their start, years stand at the end.
+    // The start takes two thirds, because it distinguishes names and titles; years are at the end.
     while (width + WidthOf(*headEnd) <= limit * 2 / 3)
         width += WidthOf(*headEnd++);
     while (width + WidthOf(*(tail - 1)) <= limit)
@@ -137,6 +139,13 @@ std::string FileNamePart(std::string_view text)
     if (!part.empty() && part.back() == '-')
         part.pop_back();
     return part;
+}
+
+std::string LabelText(std::string label)
+{
+    std::replace_if(
+        label.begin(), label.end(), [](char c) { return static_cast<unsigned char>(c) < ' '; }, ' ');
+    return label.empty() ? NO_VALUE : label;
 }
 
 } // namespace host

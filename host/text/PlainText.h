@@ -10,6 +10,9 @@ namespace host {
 /// bytes that are no UTF-8 and code points that are no characters become the replacement character.
 std::string PlainText(std::string_view text);
 
+/// A label as one line of text, whatever the field held; an empty one as a missing value.
+std::string LabelText(std::string label);
+
 /// The text as PlainText() makes it, with `replacement` for each character that is unwanted.
 std::string WithoutCharacters(std::string_view text, char replacement,
                               const std::function<bool(char32_t)>& isUnwanted);

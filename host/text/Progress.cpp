@@ -33,7 +33,7 @@ void Progress::Show(const char* step, long number, long total)
     next_ = Clock::now() + BETWEEN_LINES;
 }
 
-/// By blanks, which every terminal knows.
+/// Overwrites with blanks, which every terminal understands.
 void Progress::Overwrite(const char* line)
 {
     const std::size_t length = std::strlen(line);

@@ -5,8 +5,8 @@
 
 namespace host {
 
-/// Shows what work is at once it has taken longer than a second: in one line of a terminal's standard error,
-/// overwritten in place and erased at the end. Elsewhere it shows nothing.
+/// Shows the progress of work that takes longer than a second, in one line of a terminal's standard error
+/// that is overwritten in place and erased at the end. When standard error is no terminal, it shows nothing.
 class Progress
 {
 public:
@@ -15,8 +15,8 @@ public:
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
 
-    /// Step `number` of `total` begins, or of an unknown total (0): "Drawing picture 3 of 12". Cheap enough
-    /// for every record of a large file.
+    /// Announces step `number` of `total`: "Drawing picture 3 of 12". An unknown total is 0. The call is
+    /// cheap enough for every record of a large file.
     void Show(const char* step, long number, long total);
 
 private:

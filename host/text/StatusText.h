@@ -7,10 +7,10 @@
 
 namespace host {
 
-/// What a status code of the library means, as a sentence.
+/// The meaning of a status code of the library as a sentence.
 std::string SentenceOf(int statusCode);
 
-/// Whether the library doubts a tau² that it reports.
+/// Whether the warnings have MAStatusCode::TAU2_DOUBTFUL.
 bool HasTau2Doubt(const std::vector<KXStatus>& warnings);
 
 } // namespace host

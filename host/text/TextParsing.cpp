@@ -14,7 +14,7 @@ namespace host {
 
 namespace {
 
-/// std::from_chars knows no plus sign.
+/// std::from_chars does not accept a plus sign.
 std::string_view WithoutPlus(std::string_view text) noexcept
 {
     const bool isSigned = text.size() > 1 && text[0] == '+' && text[1] != '-';
@@ -59,7 +59,7 @@ std::size_t LineEndsIn(std::string_view text) noexcept
 double ParseNumber(std::string_view text)
 {
     const double value = ParseWhole<double>(text, "a number");
-    // from_chars takes texts like "inf" and "nan"; and the number reserved for missing would vanish silently.
+    // from_chars accepts "inf" and "nan". The number that stands for a missing value would vanish silently.
     if (!std::isfinite(value) || KXMV::IsMissing(value))
         throw UnusableInput(fmt::format("'{}' is not a finite number.", text));
     return value;

@@ -1,5 +1,8 @@
 #include "host/text/Wording.h"
 
+#include "host/text/Measures.h"
+#include "host/text/Tau2Estimators.h"
+
 #include <fmt/format.h>
 
 #include <cctype>
@@ -9,57 +12,6 @@ using namespace MA_NAMESPACE;
 namespace host {
 
 namespace {
-
-EffectWording WordingOf(MAConst::BINESTYPE effect)
-{
-    switch (effect) {
-    case MAConst::BIN_ODDS_RATIO:
-        return {"odds ratio", "OR", true};
-    case MAConst::BIN_PETO_ODDS_RATIO:
-        return {"Peto odds ratio", "Peto OR", true};
-    case MAConst::BIN_RISK_RATIO:
-        return {"risk ratio", "RR", true};
-    case MAConst::BIN_RISK_DIFFERENCE:
-        return {"risk difference", "RD", false};
-    }
-    return {};
-}
-
-EffectWording WordingOf(MAConst::CONTESTYPE effect)
-{
-    switch (effect) {
-    case MAConst::CONT_MEAN_DIFFERENCE:
-        return {"mean difference", "MD", false};
-    case MAConst::CONT_COHENS_D:
-        return {"Cohen's d", "d", false};
-    case MAConst::CONT_HEDGES_G:
-        return {"Hedges' g", "g", false};
-    case MAConst::CONT_GLASS_DELTA:
-        return {"Glass's delta", "delta", false};
-    }
-    return {};
-}
-
-std::string WordingOf(MAConst::TAU2ESTIMATOR estimator)
-{
-    switch (estimator) {
-    case MAConst::TAU2_HE:
-        return "Hedges";
-    case MAConst::TAU2_HS:
-        return "Hunter-Schmidt";
-    case MAConst::TAU2_DL:
-        return "DerSimonian-Laird";
-    case MAConst::TAU2_SJ:
-        return "Sidik-Jonkman";
-    case MAConst::TAU2_ML:
-        return "maximum likelihood";
-    case MAConst::TAU2_REML:
-        return "restricted maximum likelihood";
-    case MAConst::TAU2_EB:
-        return "empirical Bayes";
-    }
-    return {};
-}
 
 std::string WordingOf(MAConst::KNAPPHADJTYPE adjustment)
 {
@@ -78,34 +30,27 @@ std::string FixedMethod(const MAModelSettings& settings)
 {
     if (!PoolsTables(settings))
         return "inverse variance";
-    return settings.GetBinaryEstType() == MAConst::BIN_PETO_ODDS_RATIO ? "Peto" : "Mantel-Haenszel";
+    return RowOf(BINARY_MEASURES, settings.GetBinaryEstType()).tablePooling;
 }
+
+} // namespace
 
 bool IsRandom(const MAModelSettings& settings)
 {
     return settings.GetModelType() == MAConst::MODEL_RANDOM;
 }
 
-} // namespace
-
-EffectWording WordingOfEffect(const MAModelSettings& settings)
-{
-    return settings.GetOutcomesType() == MAConst::OUTCOME_BINARY ? WordingOf(settings.GetBinaryEstType())
-                                                                 : WordingOf(settings.GetContinousEstType());
-}
-
 std::string WordingOfModel(const MAModelSettings& settings)
 {
     if (!IsRandom(settings))
         return fmt::format("fixed-effect model ({})", FixedMethod(settings));
-    return fmt::format("random-effects model ({}){}", WordingOf(settings.GetEstTauType()),
+    return fmt::format("random-effects model ({}){}", EstimatorOf(settings.GetEstTauType()).description,
                        WordingOf(settings.GetKnapHartAdjustType()));
 }
 
 bool PoolsTables(const MAModelSettings& settings)
 {
-    return settings.GetOutcomesType() == MAConst::OUTCOME_BINARY &&
-           settings.GetInputESType() == MAConst::INPUT_RAW && !IsRandom(settings) &&
+    return IsBinary(settings) && settings.GetInputESType() == MAConst::INPUT_RAW && !IsRandom(settings) &&
            settings.GetWeightType() == MAConst::WEIGHT_BINARY_FIXED;
 }
 
@@ -115,27 +60,7 @@ std::string WordingOfStatistic(const MAModelSettings& settings)
     return isT ? "t" : "z";
 }
 
-std::string WordingOfTest(MAConst::RegBaseTestType type)
-{
-    switch (type) {
-    case MAConst::REG_TEST_EFFECT_ON_STD_ERROR:
-        return "effect on standard error";
-    case MAConst::REG_TEST_SCORE_VARIANCE:
-        return "odds-ratio score over its variance on standard error";
-    case MAConst::REG_TEST_SCORE_CONTROL:
-        return "risk-ratio score over its variance on standard error";
-    case MAConst::REG_TEST_EFFECT_ON_SIZE:
-        return "effect on 1 / sample size";
-    }
-    return {};
-}
-
-std::string WordingOfTestCovariate(MAConst::RegBaseTestType type)
-{
-    return type == MAConst::REG_TEST_EFFECT_ON_SIZE ? "1 / sample size" : "standard error";
-}
-
-/// It always pools by inverse variance.
+/// Trim-and-fill always pools by inverse variance.
 std::string WordingOfTrimmingModel(const MAModelSettings& settings)
 {
     MAModelSettings trimming = settings;
@@ -151,9 +76,9 @@ std::string WordingOfNullHypothesis(const MAModelSettings& settings)
     const double null = settings.GetNullHypothesis();
     if (null == 0)
         return {};
-    const EffectWording effect = WordingOfEffect(settings);
+    const Measure measure = MeasureOf(settings);
     return fmt::format("The null hypothesis is {} = {}.",
-                       PoolsTables(settings) ? effect.symbol : effect.AnalysisSymbol(), null);
+                       PoolsTables(settings) ? measure.symbol : measure.AnalysisSymbol(), null);
 }
 
 std::string WordingOfPrediction(MAConst::PREDICTIONTYPE prediction)
@@ -192,6 +117,11 @@ std::string WordingOfDoubtfulEnd(double convergence)
     if (is(MAConst::TAU2_STEP_NOT_FINITE))
         return "A scoring step for tau² was not a number; tau² is that before it";
     return {};
+}
+
+double AlphaOf(const MAModelSettings& settings)
+{
+    return 1 - settings.GetCILevel();
 }
 
 std::string WordingOfLevel(const MAModelSettings& settings)

@@ -7,18 +7,7 @@
 
 namespace host {
 
-/// What people call the effect size of an analysis.
-struct EffectWording
-{
-    std::string name;   ///< "odds ratio"
-    std::string symbol; ///< "OR"
-    bool isRatio;       ///< analysed on the log scale
-
-    /// The symbol on the scale of the analysis: "log OR", or the symbol itself.
-    std::string AnalysisSymbol() const { return isRatio ? "log " + symbol : symbol; }
-};
-
-EffectWording WordingOfEffect(const MA_NAMESPACE::MAModelSettings& settings);
+bool IsRandom(const MA_NAMESPACE::MAModelSettings& settings);
 
 /// The pooling model with its method: "random-effects model (restricted maximum likelihood)".
 std::string WordingOfModel(const MA_NAMESPACE::MAModelSettings& settings);
@@ -29,24 +18,29 @@ bool PoolsTables(const MA_NAMESPACE::MAModelSettings& settings);
 /// The symbol of the pooled effect's test statistic.
 std::string WordingOfStatistic(const MA_NAMESPACE::MAModelSettings& settings);
 
-/// What the regression-based small-study test regresses on what, and the latter alone.
-std::string WordingOfTest(MAConst::RegBaseTestType type);
-std::string WordingOfTestCovariate(MAConst::RegBaseTestType type);
-
-/// The pooling model with its method while trim-and-fill trims.
+/// The pooling model with its method during trimming.
 std::string WordingOfTrimmingModel(const MA_NAMESPACE::MAModelSettings& settings);
 
-/// What the test of the pooled effect has as null hypothesis, when that is not simply 0; else empty.
+/// The null hypothesis of the pooled effect's test as a sentence; empty when it is 0.
 std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& settings);
 
-/// The distribution of the prediction interval, when that is not the usual one; else empty.
+/// The distribution of the prediction interval; empty for the default one.
 std::string WordingOfPrediction(MAConst::PREDICTIONTYPE prediction);
 
 /// The method of the interval of tau²: "Q-profile".
 std::string WordingOfTau2Interval(MAConst::TAU2INTERVAL interval);
 
-/// What is wrong with the end of an iteration; empty when nothing is.
+/// Explains a Q-profile interval that ends at 0.
+inline constexpr const char* EMPTY_Q_PROFILE = "The effects vary less than sampling error alone makes "
+                                               "likely, whatever tau² is: the Q-profile interval is "
+                                               "empty, and given as [0, 0] by convention, even where the "
+                                               "estimate is another.";
+
+/// Why tau² is doubtful after an iteration that ended this way (TAU2CONVERGENCE); empty when it is not.
 std::string WordingOfDoubtfulEnd(double convergence);
+
+/// The level of significance that goes with the confidence level.
+double AlphaOf(const MA_NAMESPACE::MAModelSettings& settings);
 
 /// The confidence level in percent: "95%".
 std::string WordingOfLevel(const MA_NAMESPACE::MAModelSettings& settings);
@@ -54,7 +48,7 @@ std::string WordingOfLevel(const MA_NAMESPACE::MAModelSettings& settings);
 /// "13 studies", "1 study".
 std::string CountOfStudies(std::size_t count);
 
-/// The text with its first letter as at the start of a sentence.
+/// The text with its first letter in upper case.
 std::string Capitalised(std::string text);
 
 } // namespace host
