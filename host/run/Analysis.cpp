@@ -1,6 +1,7 @@
 #include "host/run/Analysis.h"
 
 #include "host/run/RegressionSettings.h"
+#include "host/text/Measures.h"
 #include "host/text/StatusText.h"
 
 #include <type_traits>
@@ -13,7 +14,7 @@ namespace {
 
 Analysis NewAnalysis(const MAModelSettings& settings)
 {
-    if (settings.GetOutcomesType() == MAConst::OUTCOME_BINARY)
+    if (IsBinary(settings))
         return {.model = MABinModel(settings),
                 .status = {},
                 .testStatus = {},

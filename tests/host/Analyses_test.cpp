@@ -2,8 +2,6 @@
 
 #include "host/PublishedFigure.h"
 
-#include <set>
-
 using nlohmann::json;
 using testing::HasSubstr;
 
@@ -24,12 +22,6 @@ TEST(Analyses, HaveThePublishedIntervalsAndPredictions)
     });
 }
 
-TEST(Analyses, GroupStudiesByTexts)
-{
-    EXPECT_EQ(ResultsOf(Effects("passive_smoking.csv") + "--subgroup country")["GroupN"],
-              (std::vector<int>{8, 1, 2, 4, 5, 1, 1, 1, 14}));
-}
-
 /// Two studies of effect 200 and variance 2 pool to z = 200, whose p-value is 10 to the power of -8688 and 60
 /// digits of which are known.
 TEST(Analyses, GiveLogarithmsOfPValuesThatUnderflow)
@@ -42,12 +34,6 @@ TEST(Analyses, GiveLogarithmsOfPValuesThatUnderflow)
     EXPECT_THAT(ReportOf(two), HasSubstr("< 0.0001"));
 }
 
-TEST(Analyses, DrawFunnelsOverTheAxisAskedFor)
-{
-    const json results = ResultsOf(Bcg() + "--funnel-y variance");
-    EXPECT_EQ(results["FunnelY"][0], results["Variance"]);
-}
-
 /// The run tests with type 0 to choose the side; a later test of another type changes nothing about that.
 TEST(Analyses, TrimTheSideThatTheRunChose)
 {
@@ -55,19 +41,6 @@ TEST(Analyses, TrimTheSideThatTheRunChose)
     for (const char* const type : {"1", "2", "3"})
         EXPECT_EQ(ResultsOf(trimFill + Arguments{"--small-study-test", type})["TRimFillSide"],
                   ResultsOf(trimFill)["TRimFillSide"]);
-}
-
-TEST(Analyses, HaveFourTypesOfSmallStudyTestsForTables)
-{
-    std::set<double> slopes;
-    for (const int type : {0, 1, 2, 3}) {
-        const json results =
-            ResultsOf(Binary("magnesium.csv") + Arguments{"--small-study-test", std::to_string(type)});
-        EXPECT_EQ(results["RegTesType"], type);
-        EXPECT_EQ(results["RegrTestCoefficient"][0].back(), results["RegBasedTestCoef"]);
-        slopes.insert(results["RegBasedTestCoef"].get<double>());
-    }
-    EXPECT_EQ(slopes.size(), 4U);
 }
 
 /// The test's failure is told, but takes nothing away.

@@ -49,13 +49,6 @@ TEST(HtmlReport, HasEveryPartOfTheReportAndEveryPicture)
     EXPECT_THAT(page.TextsOf("//td"), Contains("allocation"));
 }
 
-TEST(HtmlReport, IsThereForRegressions)
-{
-    const Texts headings = HtmlPage(Regression("passive_smoking.csv") + "--covariate year").TextsOf("//h2");
-    EXPECT_THAT(headings, IsSupersetOf({"Coefficients", "Settings", "Command line"}));
-    EXPECT_THAT(headings, testing::Not(Contains("Pictures")));
-}
-
 /// Nothing to fetch, nothing to run, and no identifier twice although all pictures stand in one document.
 TEST(HtmlReport, StandsAlone)
 {

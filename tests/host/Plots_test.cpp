@@ -2,7 +2,6 @@
 #include "host/draw/Picture.h"
 #include "support/Compare.h"
 
-#include <set>
 #include <tuple>
 #include <utility>
 
@@ -16,7 +15,7 @@ namespace color = host::color;
 
 using Numbers = std::vector<double>;
 
-TEST(Drawings, NamesAFileForEachPlotOfTheLibrary)
+TEST(Plots, NamesAFileForEachPlotOfTheLibrary)
 {
     EXPECT_EQ(Pictures(Bcg() + "--effect peto").Names(),
               (Texts{"forest.svg", "funnel.svg", "galbraith.svg"}));
@@ -29,7 +28,7 @@ TEST(Drawings, NamesAFileForEachPlotOfTheLibrary)
 }
 
 /// Squares have areas as the weights.
-TEST(Drawings, PutsTheForestWhereTheEffectsAre)
+TEST(Plots, PutsTheForestWhereTheEffectsAre)
 {
     const Pictures pictures(Bcg());
     const SvgFigure figure = pictures.Figure("forest");
@@ -53,7 +52,7 @@ TEST(Drawings, PutsTheForestWhereTheEffectsAre)
                                    "95% prediction interval", "[0.12, 1.82]", "Odds ratio (log scale)"}));
 }
 
-TEST(Drawings, DrawsTheFunnelWithItsHollowImputedStudies)
+TEST(Plots, DrawsTheFunnelWithItsHollowImputedStudies)
 {
     const Pictures pictures(Binary("magnesium.csv") + "--effect risk-ratio --trim-fill linear");
     const SvgFigure figure = pictures.Figure("funnel");
@@ -91,7 +90,7 @@ Numbers SlopesFromTheNull(const SvgPoints& area, const SvgFigure& funnel)
     return slopes;
 }
 
-TEST(Drawings, ShadesAContourForEachLevel)
+TEST(Plots, ShadesAContourForEachLevel)
 {
     const double z95 = 1.6448536269514722; // normal quantiles
     const double z90 = 1.2815515655446004;
@@ -123,18 +122,7 @@ TEST(Drawings, ShadesAContourForEachLevel)
     }
 }
 
-TEST(Drawings, TellsAllContoursApart)
-{
-    Arguments arguments = Bcg() + "--contours two-sided";
-    for (const char* const level : {"0.001", "0.01", "0.02", "0.05", "0.1", "0.2"})
-        arguments = arguments + Arguments{"--contour-level", level};
-    std::set<std::string> colors;
-    for (const SvgArea& area : Pictures(arguments).Figure("funnel").Areas())
-        colors.insert(area.color);
-    EXPECT_EQ(colors.size(), 7U);
-}
-
-TEST(Drawings, SizesBubblesByWeight)
+TEST(Plots, SizesBubblesByWeight)
 {
     const Pictures pictures(Bcg() + "--bubble latitude");
     const struct
@@ -164,7 +152,7 @@ std::pair<double, double> EndsOf(const SvgPoints& outline)
     return {left->x, right->x};
 }
 
-TEST(Drawings, EndsIntervalsWhereTheyEndOrInAnArrow)
+TEST(Plots, EndsIntervalsWhereTheyEndOrInAnArrow)
 {
     const TemporaryFolder folder;
     const std::string data = folder.Write("t.csv", "effect,variance,group\n0.1,0.01,wide\n0.3,0.01,wide\n"
@@ -194,7 +182,7 @@ TEST(Drawings, EndsIntervalsWhereTheyEndOrInAnArrow)
     EXPECT_EQ(figure.Lines(color::POOLED).size(), 3U); // the prediction interval with an arrow at both ends
 }
 
-TEST(Drawings, SaysWhenTheLineOfNoEffectIsBeyondTheAxis)
+TEST(Plots, SaysWhenTheLineOfNoEffectIsBeyondTheAxis)
 {
     const std::string remark = "The axis does not reach to no effect, which is at 0.";
     for (const auto& [studies, isBeyond] :
@@ -209,7 +197,7 @@ TEST(Drawings, SaysWhenTheLineOfNoEffectIsBeyondTheAxis)
 }
 
 /// The regression through the origin, and its parallels.
-TEST(Drawings, DrawsTheLinesOfTheGalbraithPlot)
+TEST(Plots, DrawsTheLinesOfTheGalbraithPlot)
 {
     const Pictures pictures(Bcg());
     const SvgFigure figure = pictures.Figure("galbraith");
@@ -233,7 +221,7 @@ TEST(Drawings, DrawsTheLinesOfTheGalbraithPlot)
 }
 
 /// The lines of equal odds and of the pooled ratio.
-TEST(Drawings, DrawsTheLinesOfTheLabbePlot)
+TEST(Plots, DrawsTheLinesOfTheLabbePlot)
 {
     const Pictures pictures(Bcg() + "--cumulative year");
     EXPECT_EQ(pictures.Figure("cumulative-forest").Marks("gpPt4", color::STUDY).size(), 13U);

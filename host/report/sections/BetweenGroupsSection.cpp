@@ -16,7 +16,7 @@ std::vector<std::string> BetweenGroupsSentences(const AnalysisData& data)
     const std::vector<int> sizes = data.base.GetGroupN();
     const bool hasSingle = std::find(sizes.begin(), sizes.end(), 1) != sizes.end();
     std::vector<std::string> sentences;
-    if (hasSingle && data.settings.GetModelType() == MAConst::MODEL_RANDOM)
+    if (hasSingle && IsRandom(data.settings))
         sentences.push_back("A group of one study has no between-study variance of its own: it enters this "
                             "test with its within-study variance alone, and so with a large weight.");
     if (PoolsTables(data.settings))
