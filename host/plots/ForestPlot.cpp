@@ -1,6 +1,5 @@
-#include "host/plots/ForestPlot.h"
-
 #include "host/plots/ForestDrawing.h"
+#include "host/plots/PictureMakers.h"
 #include "host/text/PlainText.h"
 #include "host/text/Wording.h"
 

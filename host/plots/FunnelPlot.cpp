@@ -1,6 +1,5 @@
-#include "host/plots/FunnelPlot.h"
-
 #include "host/draw/CutToRectangle.h"
+#include "host/plots/PictureMakers.h"
 #include "host/plots/PlotAxes.h"
 #include "host/plots/ScatterPlot.h"
 #include "host/text/Wording.h"

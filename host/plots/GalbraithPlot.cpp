@@ -1,5 +1,4 @@
-#include "host/plots/GalbraithPlot.h"
-
+#include "host/plots/PictureMakers.h"
 #include "host/plots/PlotAxes.h"
 #include "host/plots/ScatterPlot.h"
 #include "host/text/Wording.h"

@@ -1,10 +1,6 @@
 #include "host/plots/Plots.h"
 
-#include "host/plots/BubblePlot.h"
-#include "host/plots/ForestPlot.h"
-#include "host/plots/FunnelPlot.h"
-#include "host/plots/GalbraithPlot.h"
-#include "host/plots/LabbePlot.h"
+#include "host/plots/PictureMakers.h"
 #include "host/report/AnalysisData.h"
 
 #include <utility>
@@ -17,7 +13,7 @@ std::vector<Picture> MakePictures(const AnalysisRequest& request, const Analysis
     if (analysis.Base().GetNonMissingStudyID().empty())
         return pictures;
     const AnalysisData data(request, analysis);
-    for (const auto make : {ForestPictures, FunnelPictures, GalbraithPictures, LabbePictures, BubblePictures})
+    for (PictureMaker* const make : PICTURE_MAKERS)
         for (Picture& picture : make(data))
             pictures.push_back(std::move(picture));
     return pictures;

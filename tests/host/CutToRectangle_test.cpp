@@ -8,7 +8,7 @@ using namespace host;
 
 namespace {
 
-/// Of the inside of the outline.
+/// The area inside the outline, by the shoelace formula.
 double AreaOf(const std::vector<Point>& outline)
 {
     double twice = 0;
@@ -25,7 +25,7 @@ TEST(CutToRectangle, KeepsWhatLiesInside)
     {
         const char* what;
         std::vector<Point> outline;
-        double area; ///< within 0 to 4 by 0 to 2
+        double area; ///< of the part inside [0, 4] x [0, 2]
     } cases[] = {
         {"inside", {{1, 1}, {2, 1}, {1, 2}}, 0.5},
         {"outside, across a corner", {{-3, 1}, {-1, 4}, {-3, 4}}, 0},

@@ -23,7 +23,7 @@ std::string MessageOf(const std::function<void()>& operation)
     return "(nothing thrown)";
 }
 
-TEST(DataTable, GivesTheFieldsOfReadableTexts)
+TEST(DataTable, ReadsTheFieldsOfEachDialect)
 {
     const struct
     {
@@ -54,7 +54,7 @@ TEST(DataTable, GivesTheFieldsOfReadableTexts)
     }
 }
 
-TEST(DataTableNumber, IsReadWholeAndWhateverTheLocale)
+TEST(DataTable, ReadsNumbersInAnyLocale)
 {
     const DataTable table = DataTable::Parse("x\n-1.5e-3\n+2\n\" 7 \"\n.5\nNA\n.\n\" \"\n"
                                              "0.1000000000000000055511151231257827\n1e308\n",
@@ -65,7 +65,7 @@ TEST(DataTableNumber, IsReadWholeAndWhateverTheLocale)
     EXPECT_TRUE(Same(numbers, {-1.5e-3, 2, 7, 0.5, missing, missing, missing, 0.1, 1e308}));
 }
 
-TEST(DataTableNumber, NamesTheLineAndTheColumnOfATextThatIsNone)
+TEST(DataTable, NamesTheLineAndTheColumnOfAFieldThatIsNoNumber)
 {
     const char* const texts[] = {"abc", "1,5", "1.5x", "1 2",  "0x10",  "--1",    "+-1",
                                  "1e",  "-",   "inf",  "-nan", "1e999", "1e-999", "-1.7976931348623157e308",

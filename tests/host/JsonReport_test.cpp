@@ -8,13 +8,13 @@ using nlohmann::json;
 
 namespace {
 
-/// The keys that the public getters without arguments of a header of the library ask for.
+/// The keys of the public getters without arguments in a header of the library.
 Texts KeysOfGetters(const std::string& header)
 {
     std::ifstream file(TESTS_DIR "/../meta_analysis/" + header);
     std::string text((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
     text.resize(std::min({text.find("protected:"), text.find("private:"), text.size()}));
-    const std::regex getter(R"(\b(?:Get|(?=GeR))(\w+)\(\) const)"); // one lacks the t
+    const std::regex getter(R"(\b(?:Get|(?=GeR))(\w+)\(\) const)"); // GeRegBasedTestSig lacks the t
     Texts keys;
     for (std::sregex_iterator match(text.begin(), text.end(), getter), end; match != end; ++match)
         keys.push_back((*match)[1]);
@@ -70,7 +70,7 @@ TEST(JsonReport, WritesMissingAndInfiniteValues)
     EXPECT_EQ(ResultsOf(ratio)["EstExpEffectSize"], json::array({"inf"}));
 }
 
-TEST(JsonReport, IsValidWhateverTheBytesOfTheArguments)
+TEST(JsonReport, IsValidForArgumentsThatAreNotUtf8)
 {
     const TemporaryFolder folder;
     const std::string data = folder.Write("\xFF\x01\"\\.csv", "effect,variance\n1,1\n");
@@ -97,8 +97,8 @@ TEST(JsonReport, DescribesARun)
                                                  "dropped": 0, "numbers": [1, 3]})"));
 }
 
-/// Whatever their order; and options that the user did not give are not refused.
-TEST(JsonReport, TellsPresetsAndTheOptionsThatWinOverThem)
+/// The order of the options does not matter. Options of the preset that have no effect are not refused.
+TEST(JsonReport, OptionsWinOverThePreset)
 {
     const Arguments effects = Effects("passive_smoking.csv");
     for (const char* const options : {"--preset library --prediction normal --probability-below -1.5",

@@ -73,7 +73,7 @@ TEST(OptionGroups, EachOptionChangesItsOwnValueAlone)
     }
 }
 
-TEST(OptionGroups, RefuseWhatIsNoNumberAndNoChoice)
+TEST(OptionGroups, RefuseTextsThatAreNoNumberAndNoChoice)
 {
     for (const Command command : COMMANDS) {
         Options options(command);

@@ -27,7 +27,7 @@ TEST(PlainText, IsOneLineOfCharacters)
 
 TEST(PlainText, AsksForNoCharacterThatNoFontHas)
 {
-    // The last is of no script; whatever the fonts here, none has it.
+    // The last character is unassigned, so that no font has it.
     EXPECT_EQ(DrawableText("Müller\n[1] \U000E0FFF"), "Müller [1] ?");
 }
 

@@ -27,8 +27,8 @@ TEST(Plots, NamesAFileForEachPlotOfTheLibrary)
                               "galbraith-2-allocation-1.svg", "labbe-1-allocation-0.svg"}));
 }
 
-/// Squares have areas as the weights.
-TEST(Plots, PutsTheForestWhereTheEffectsAre)
+/// The area of a square is proportional to the weight.
+TEST(Plots, DrawsTheForestAtTheEffects)
 {
     const Pictures pictures(Bcg());
     const SvgFigure figure = pictures.Figure("forest");
@@ -72,7 +72,7 @@ TEST(Plots, DrawsTheFunnelWithItsHollowImputedStudies)
     }
 }
 
-/// Of the sides of the area that start at the null, in effects per standard error.
+/// The slopes of the area's sides that start at the null, in effects per standard error.
 Numbers SlopesFromTheNull(const SvgPoints& area, const SvgFigure& funnel)
 {
     const PixelScale x = RatioScale(funnel, "0.1", "10");
@@ -116,7 +116,7 @@ TEST(Plots, ShadesAContourForEachLevel)
             EXPECT_TRUE(point.x >= frame[0].x && point.x <= frame[2].x) << point.x;
             EXPECT_TRUE(point.y >= frame[0].y && point.y <= frame[1].y) << point.y;
         }
-        // Sides are 150 pixels long at least, and they and the scales right to half a hundredth of a pixel.
+        // Sides are at least 150 pixels long; they and the scales are exact to half a hundredth of a pixel.
         EXPECT_THAT(SlopesFromTheNull(areas[2].outline, figure),
                     testing::Pointwise(testing::DoubleNear(4e-4), one.slopes));
     }
@@ -144,7 +144,7 @@ TEST(Plots, SizesBubblesByWeight)
     }
 }
 
-/// Where the outline begins and ends, from left to right.
+/// The left and the right end of the outline.
 std::pair<double, double> EndsOf(const SvgPoints& outline)
 {
     const auto isLeftOf = [](const SvgPoint& one, const SvgPoint& other) { return one.x < other.x; };
@@ -152,7 +152,7 @@ std::pair<double, double> EndsOf(const SvgPoints& outline)
     return {left->x, right->x};
 }
 
-TEST(Plots, EndsIntervalsWhereTheyEndOrInAnArrow)
+TEST(Plots, EndsIntervalsBeyondTheAxisInAnArrow)
 {
     const TemporaryFolder folder;
     const std::string data = folder.Write("t.csv", "effect,variance,group\n0.1,0.01,wide\n0.3,0.01,wide\n"
@@ -169,7 +169,7 @@ TEST(Plots, EndsIntervalsWhereTheyEndOrInAnArrow)
     const auto [left, right] = EndsOf(areas[0].outline);
     EXPECT_NEAR(left, scale(lower[1]), 2 * halfPixelDigit);
     EXPECT_NEAR(right, scale(upper[1]), 2 * halfPixelDigit);
-    // "wide" and all studies go on at the left.
+    // The intervals of "wide" and of all studies go on at the left.
     for (const auto& [arrow, diamond, model] : {std::tuple(1U, 2U, 2U), std::tuple(3U, 4U, 3U)}) {
         const auto [tip, base] = EndsOf(areas[arrow].outline);
         const auto [start, end] = EndsOf(areas[diamond].outline);
@@ -182,7 +182,7 @@ TEST(Plots, EndsIntervalsWhereTheyEndOrInAnArrow)
     EXPECT_EQ(figure.Lines(color::POOLED).size(), 3U); // the prediction interval with an arrow at both ends
 }
 
-TEST(Plots, SaysWhenTheLineOfNoEffectIsBeyondTheAxis)
+TEST(Plots, NotesWhenTheLineOfNoEffectIsBeyondTheAxis)
 {
     const std::string remark = "The axis does not reach to no effect, which is at 0.";
     for (const auto& [studies, isBeyond] :
@@ -196,7 +196,7 @@ TEST(Plots, SaysWhenTheLineOfNoEffectIsBeyondTheAxis)
     }
 }
 
-/// The regression through the origin, and its parallels.
+/// They are the regression through the origin and its two parallels.
 TEST(Plots, DrawsTheLinesOfTheGalbraithPlot)
 {
     const Pictures pictures(Bcg());
@@ -220,7 +220,7 @@ TEST(Plots, DrawsTheLinesOfTheGalbraithPlot)
     EXPECT_THAT(starts, testing::Pointwise(testing::DoubleNear(2e-3), {-offset, 0.0, offset}));
 }
 
-/// The lines of equal odds and of the pooled ratio.
+/// They are the lines of equal odds and of the pooled ratio.
 TEST(Plots, DrawsTheLinesOfTheLabbePlot)
 {
     const Pictures pictures(Bcg() + "--cumulative year");

@@ -60,7 +60,7 @@ TEST(Program, TakesStandardDeviationsAndErrorsForVariances)
     EXPECT_EQ(variances("effects", "--effect-size m1 --std-error sd1"), json::parse("[4, 16]"));
 }
 
-TEST(Program, ReadsOneColumnForTwoRolesAndNoOther)
+TEST(Program, ReadsOneColumnForTwoRolesAndSkipsTheOthers)
 {
     const TemporaryFolder folder;
     const std::string data = folder.Write("t.csv", "who,y,v\n\"A\nB\",1,2\nC,x,2\n");

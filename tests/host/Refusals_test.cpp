@@ -1,4 +1,4 @@
-// What the program cannot use: it says so in a sentence, and writes nothing.
+// Input that the program refuses with exit status 2 and a sentence, without writing anything.
 
 #include "host/RunProgram.h"
 
@@ -25,7 +25,7 @@ void ExpectRefused(const std::vector<Refusal>& refusals)
     }
 }
 
-TEST(Refusals, OfCommandLines)
+TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
 {
     const Arguments none;
     const Arguments effects = Effects("passive_smoking.csv");
@@ -73,7 +73,7 @@ TEST(Refusals, OfCommandLines)
     });
 }
 
-TEST(Refusals, OfColumnsAndTheirFields)
+TEST(Refusals, UnusableColumnsAndFieldsAreRefused)
 {
     const TemporaryFolder folder;
     const std::string data = folder.Write("t.csv", "who,effect,variance\n\"A\nB\",1,2\nC,x,2\n");
@@ -88,7 +88,7 @@ TEST(Refusals, OfColumnsAndTheirFields)
     });
 }
 
-TEST(Refusals, OfRegressions)
+TEST(Refusals, RegressionsWithoutAModelAreRefused)
 {
     const TemporaryFolder folder;
     const std::string data = folder.Write("t.csv", "y,v,x,g,one,none,a:b,a,b:a\n1,1,1,p,5,NA,1,1,2\n"
@@ -113,8 +113,8 @@ TEST(Refusals, OfRegressions)
     });
 }
 
-/// Before the analysis, so that nothing is written.
-TEST(Refusals, OfPlacesThatCannotBe)
+/// The places are checked before the analysis.
+TEST(Refusals, ImpossibleOutputPlacesAreRefused)
 {
     const TemporaryFolder folder;
     const std::string file = folder.Write("file", "");

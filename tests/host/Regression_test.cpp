@@ -13,7 +13,7 @@ using testing::ElementsAre;
 
 namespace {
 
-/// The log risk ratios of BCG vaccination, with what the tests regress them on.
+/// The log risk ratios of BCG vaccination, with the columns that the tests regress them on.
 std::string VaccineData(const TemporaryFolder& folder)
 {
     const DataSet data("bcg_vaccine");
@@ -95,8 +95,9 @@ TEST(Regression, NamesItsParametersAndMarksTheRedundantOnes)
               "latitude*lat:years");
 }
 
-/// The same columns of the design to the last bit, and the same with a factor in another order.
-TEST(Regression, HasInteractionsThatAreProducts)
+/// Interactions of covariates have the same design to the last bit as products in the data. Those with a
+/// factor have the same columns in another order.
+TEST(Regression, InteractionsAreProductsOfColumns)
 {
     const TemporaryFolder folder;
     const Arguments command = Vaccine(folder) + "--variance v --model fixed --covariate latitude";
@@ -112,7 +113,7 @@ TEST(Regression, HasInteractionsThatAreProducts)
 }
 
 /// Record 1 has no effect, 2 no covariate, 3 no level, 4 no positive variance.
-TEST(Regression, ScoresTheRecordsAndCountsThem)
+TEST(Regression, ScoresAndCountsTheRecords)
 {
     const TemporaryFolder folder;
     const std::string data = folder.Write("t.csv", "effect,variance,x,g\n1,1,1,a\nNA,1,2,b\n2,1,.,a\n2,1,1,\n"
@@ -139,8 +140,7 @@ TEST(Regression, ScoresTheRecordsAndCountsThem)
     }
 }
 
-/// The report is left out; the error stands in its place, and in the JSON.
-TEST(Regression, TellsWhyItFailed)
+TEST(Regression, WritesTheErrorInPlaceOfTheReport)
 {
     const TemporaryFolder folder;
     const std::string data = folder.Write("t.csv", "effect,variance,n\n1,1,NA\n2,1,NA\n");

@@ -1,4 +1,4 @@
-// What the program has the library compute beside the pooled effect.
+// The results of the steps beside the pooled effect.
 
 #include "host/PublishedFigure.h"
 
@@ -7,7 +7,7 @@ using testing::HasSubstr;
 
 namespace {
 
-TEST(Analyses, HaveThePublishedIntervalsAndPredictions)
+TEST(Analysis, ReproducesPublishedIntervalsAndPredictions)
 {
     const char* const data = "bcg_vaccine_log_risk_ratio_more";
     const Arguments ratios = Bcg() + "--effect risk-ratio";
@@ -22,9 +22,9 @@ TEST(Analyses, HaveThePublishedIntervalsAndPredictions)
     });
 }
 
-/// Two studies of effect 200 and variance 2 pool to z = 200, whose p-value is 10 to the power of -8688 and 60
-/// digits of which are known.
-TEST(Analyses, GiveLogarithmsOfPValuesThatUnderflow)
+/// Two studies of effect 200 and variance 2 pool to z = 200. The p-value is about 1e-8688; its logarithm is
+/// that of 60-digit arithmetic.
+TEST(Analysis, HasLogarithmsOfPValuesThatUnderflow)
 {
     const TemporaryFolder folder;
     const Arguments two = Effects(folder.Write("t.csv", "effect,variance\n200,2\n200,2\n"));
@@ -34,8 +34,8 @@ TEST(Analyses, GiveLogarithmsOfPValuesThatUnderflow)
     EXPECT_THAT(ReportOf(two), HasSubstr("< 0.0001"));
 }
 
-/// The run tests with type 0 to choose the side; a later test of another type changes nothing about that.
-TEST(Analyses, TrimTheSideThatTheRunChose)
+/// The run chooses the side by the test of type 0.
+TEST(Analysis, KeepsTheTrimmedSideWhenAnotherTestFollows)
 {
     const Arguments trimFill = Binary("magnesium.csv") + "--trim-fill linear";
     for (const char* const type : {"1", "2", "3"})
@@ -43,8 +43,7 @@ TEST(Analyses, TrimTheSideThatTheRunChose)
                   ResultsOf(trimFill)["TRimFillSide"]);
 }
 
-/// The test's failure is told, but takes nothing away.
-TEST(Analyses, KeepTheMainResultsWhenTheSmallStudyTestFails)
+TEST(Analysis, KeepsTheMainResultsWhenTheSmallStudyTestFails)
 {
     const TemporaryFolder folder;
     const std::string two = folder.Write("t.csv", "effect,variance\n1,1\n2,2\n");
@@ -58,8 +57,8 @@ TEST(Analyses, KeepTheMainResultsWhenTheSmallStudyTestFails)
     EXPECT_FALSE(report["results"]["EstEffectSize"][0].is_null());
 }
 
-/// The dispersion is that of the small-study test alone.
-TEST(Analyses, DrawBubblesWithoutDispersion)
+/// --test-dispersion is for the small-study test alone.
+TEST(Analysis, FitsBubblePlotsWithoutDispersion)
 {
     const Arguments fixed = Bcg() + "--model fixed --bubble latitude --bubble-points 5";
     const json results = ResultsOf(fixed);

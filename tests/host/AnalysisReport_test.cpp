@@ -1,5 +1,4 @@
-// What the reports in text show of each analysis, and in which order. Whole reports stand in the documents,
-// whose commands are run by a test of their own.
+// The content and the order of reports. The documents show whole reports, which a test of their own compares.
 
 #include "host/RunProgram.h"
 
@@ -10,7 +9,7 @@ namespace {
 struct ShownReport
 {
     Arguments arguments;
-    std::string pattern; ///< of POSIX, where .* goes on over the ends of lines
+    std::string pattern; ///< a POSIX expression, in which .* matches ends of lines too
 };
 
 void ExpectShown(const std::vector<ShownReport>& reports)
@@ -19,7 +18,7 @@ void ExpectShown(const std::vector<ShownReport>& reports)
         EXPECT_THAT(ReportOf(one.arguments), ContainsRegex(one.pattern));
 }
 
-TEST(Reports, ShowThatNoRecordCouldBeUsed)
+TEST(AnalysisReport, SaysThatNoRecordCouldBeUsed)
 {
     const TemporaryFolder folder;
     const std::string unusable = folder.Write("t.csv", "effect,variance\nNA,1\n1,0\n");
@@ -28,10 +27,9 @@ TEST(Reports, ShowThatNoRecordCouldBeUsed)
     });
 }
 
-TEST(Reports, SayWhatTheLibraryDoesWithTheSettings)
+TEST(AnalysisReport, DescribesTheModelAndItsCorrections)
 {
     const Arguments fixed = Bcg() + "--model fixed";
-    const Arguments effects = Effects("passive_smoking.csv") + "--outcome binary --model fixed";
     const std::string tables = "--weights mantel-haenszel";
     const TemporaryFolder folder;
     const std::string zeros =
@@ -57,11 +55,10 @@ TEST(Reports, SayWhatTheLibraryDoesWithTheSettings)
         {Binary(zeros) + "--model fixed" + tables + "--cumulative g",
          "of the counts pooled: no table\\..*p +Tables corrected\n1 +a [^\n]* 1\n2 +b [^\n]* 2\n3 +b [^\n]* "
          "0\n"},
-        {effects + tables, "fixed-effect model \\(inverse variance\\), "},
     });
 }
 
-TEST(Reports, ShowGroupsInOrderOfTheirTexts)
+TEST(AnalysisReport, ShowsGroupsInTheOrderOfTheirTexts)
 {
     const TemporaryFolder folder;
     const std::string even =
@@ -80,7 +77,7 @@ TEST(Reports, ShowGroupsInOrderOfTheirTexts)
 }
 
 /// The last step of a group is its pooled effect.
-TEST(Reports, ShowCumulativeAnalysesInTheirOrder)
+TEST(AnalysisReport, ShowsCumulativeStepsInTheirOrder)
 {
     const Arguments byYear = Bcg() + "--effect risk-ratio --cumulative year";
     const Arguments byGenus = Continuous("elevated_co2.csv") + "--cumulative genus --study study";
@@ -95,7 +92,7 @@ TEST(Reports, ShowCumulativeAnalysesInTheirOrder)
     });
 }
 
-TEST(Reports, ShowContrastsAndPlots)
+TEST(AnalysisReport, ShowsContrastsAndPlots)
 {
     const Arguments contrasts = Bcg() + "--contrast allocation --contrast year";
     ExpectShown({
@@ -106,7 +103,7 @@ TEST(Reports, ShowContrastsAndPlots)
     });
 }
 
-TEST(Reports, ExplainSmallStudyEffectsWithoutAClaim)
+TEST(AnalysisReport, ExplainsSmallStudyEffectsWithoutAClaim)
 {
     const TemporaryFolder folder;
     const std::string two = folder.Write("t.csv", "effect,variance\n1,1\n2,2\n");
@@ -124,8 +121,8 @@ TEST(Reports, ExplainSmallStudyEffectsWithoutAClaim)
     });
 }
 
-/// Effects of which REML has its maximum at 0.1464, and a regression of which ML has it at 0.0114369.
-TEST(Reports, NameBothValuesWhereScoringMissedTheEstimate)
+/// The REML estimate of the effects is 0.1464, and the ML estimate of the regression 0.0114369.
+TEST(AnalysisReport, NamesBothValuesWhenScoringMissesTheEstimate)
 {
     const TemporaryFolder folder;
     const std::string effects = folder.Write(
@@ -151,7 +148,7 @@ TEST(Reports, NameBothValuesWhereScoringMissedTheEstimate)
                 testing::HasSubstr("in place of 0.1464"));
 }
 
-TEST(Reports, ExplainIntervalsAndPredictions)
+TEST(AnalysisReport, ExplainsIntervalsAndPredictions)
 {
     const TemporaryFolder folder;
     const std::string equal = folder.Write("t.csv", "effect,variance\n1,1\n1,2\n1,1\n");
@@ -162,7 +159,7 @@ TEST(Reports, ExplainIntervalsAndPredictions)
     });
 }
 
-TEST(Reports, ShowRegressions)
+TEST(AnalysisReport, ShowsRegressions)
 {
     const Arguments tester = Regression("teacher_expectancy.csv") + "--factor tester --study study";
     ExpectShown({
