@@ -70,6 +70,13 @@ TEST(Plots, DrawsTheFunnelWithItsHollowImputedStudies)
         EXPECT_NEAR(studies[i].y - studies[0].y, y(stdErrors[i]) - y(stdErrors[0]), 4 * halfPixelDigit);
         EXPECT_EQ(studies[i].y > studies[0].y, stdErrors[i] > stdErrors[0]);
     }
+    // The two limits are the only dark lines with many points, and mirror each other.
+    std::vector<SvgPoints> limits = figure.Lines(color::INK);
+    std::erase_if(limits, [](const SvgPoints& line) { return line.size() < 20; });
+    ASSERT_EQ(limits.size(), 2U);
+    const double center = figure.Lines(color::ACCENT).at(0).front().x;
+    EXPECT_NE(limits[0].back().x, center);
+    EXPECT_NEAR(limits[0].back().x - center, center - limits[1].back().x, 4 * halfPixelDigit);
 }
 
 /// The slopes of the area's sides that start at the null, in effects per standard error.
