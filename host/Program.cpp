@@ -1,13 +1,18 @@
 #include "host/Program.h"
 
-#include "host/Analysis.h"
-#include "host/CommandLine.h"
-#include "host/DataTable.h"
-#include "host/JsonReport.h"
-#include "host/Output.h"
-#include "host/RegressionReport.h"
-#include "host/RegressionResults.h"
-#include "host/Request.h"
+#include "host/cli/CommandLine.h"
+#include "host/data/DataTable.h"
+#include "host/output/OutputPlaces.h"
+#include "host/output/OutputWriting.h"
+#include "host/output/WriteOutput.h"
+#include "host/plots/Plots.h"
+#include "host/report/AnalysisReport.h"
+#include "host/report/AnalysisResults.h"
+#include "host/report/JsonReport.h"
+#include "host/report/RegressionReport.h"
+#include "host/report/RegressionResults.h"
+#include "host/run/Analysis.h"
+#include "host/run/AnalysisRequest.h"
 
 #include <csignal>
 #include <exception>
@@ -30,15 +35,26 @@ int AnalyseRegression(const Options& options, const DataTable& table)
     return WriteOutput(options, {analysis.status, makeReport, makeJson});
 }
 
+int AnalyseStudies(const Options& options, const DataTable& table)
+{
+    AnalysisRequest request = MakeAnalysisRequest(options, table);
+    const Analysis analysis = RunAnalysis(request);
+    const auto makeReport = [&] { return MakeAnalysisReport(options, request, analysis); };
+    const auto makeJson = [&] {
+        return RenderJson(options, {analysis.Records(table.RowCount()), analysis.FinalStatus(),
+                                    WarningsOf(AnalysisData(request, analysis)), ResultsOf(analysis)});
+    };
+    const auto makePictures = [&] { return MakePictures(request, analysis); };
+    return WriteOutput(options,
+                       {analysis.status, makeReport, makeJson, analysis.FinalStatus(), makePictures});
+}
+
 int Analyse(const Options& options)
 {
     CheckOutputPlaces(options);
     const DataTable table = DataTable::Read(options.dataPath);
-    if (options.command == Command::REGRESSION)
-        return AnalyseRegression(options, table);
-    Request request = MakeRequest(options, table);
-    const Analysis analysis = RunAnalysis(request);
-    return WriteOutput(options, table, request, analysis);
+    return options.command == Command::REGRESSION ? AnalyseRegression(options, table)
+                                                  : AnalyseStudies(options, table);
 }
 
 int Run(int argc, const char* const* argv)
@@ -61,7 +77,7 @@ int Complain(const char* problem) noexcept
 
 int RunProgram(int argc, const char* const* argv) noexcept
 {
-    std::signal(SIGPIPE, SIG_IGN); // files remain to be written when nobody reads the report to its end
+    std::signal(SIGPIPE, SIG_IGN); // the files are written even when nobody reads the whole report
     try {
         return Run(argc, argv);
     } catch (const std::bad_alloc&) {

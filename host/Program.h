@@ -2,7 +2,7 @@
 
 namespace host {
 
-/// The whole program; returns its exit status and throws nothing.
+/// Runs the whole program. Returns its exit status and throws nothing.
 int RunProgram(int argc, const char* const* argv) noexcept;
 
 } // namespace host

@@ -1,8 +1,8 @@
 #include "faults/CsvChecks.h"
 
-#include "host/CsvReader.h"
-#include "host/DataTable.h"
-#include "host/UnusableInput.h"
+#include "host/data/CsvReader.h"
+#include "host/data/DataTable.h"
+#include "host/text/UnusableInput.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
 

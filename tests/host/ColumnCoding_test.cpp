@@ -1,4 +1,4 @@
-#include "host/ColumnCoding.h"
+#include "host/data/ColumnCoding.h"
 #include "support/Compare.h"
 
 using namespace host;

@@ -1,4 +1,4 @@
-// How pictures and other files come to be, or do not.
+// Drawing by gnuplot, and its failures.
 
 #include "host/RunProgram.h"
 
@@ -10,7 +10,7 @@ using testing::StartsWith;
 
 namespace {
 
-/// A folder with a program named gnuplot, for PATH.
+/// A folder for PATH with a shell script as the program gnuplot.
 class FakeGnuplot
 {
 public:
@@ -24,14 +24,14 @@ private:
     TemporaryFolder folder_;
 };
 
-/// Draws with the real one except where a picture's script has the word.
+/// Draws with the real gnuplot, but fails when the script of a picture has the word.
 std::string FailingOn(const std::string& word)
 {
     return "script=$(cat; echo .)\ncase $script in *" + word +
            "*) echo '  no memory' >&2; exit 1;; esac\nprintf %s \"${script%.}\" | PATH=${PATH#*:} gnuplot -d";
 }
 
-/// As PNG, areas of contours would be cut by gnuplot past the end of its memory.
+/// The PNG has contours, which gnuplot itself would cut wrongly.
 TEST(Drawing, WritesTheFormatThatIsAskedFor)
 {
     const Arguments groups = Effects("passive_smoking.csv") +
@@ -45,7 +45,7 @@ TEST(Drawing, WritesTheFormatThatIsAskedFor)
     }
 }
 
-TEST(Drawing, DoesNotDependOnWhatItInherits)
+TEST(Drawing, IgnoresTheInheritedTerminalAndSignals)
 {
     const TemporaryFolder folder;
     for (const char* before : {"GNUTERM=none", "trap '' CHLD;", "trap '' PIPE;"}) {
@@ -69,7 +69,7 @@ TEST(Drawing, KeepsTheAnalysisWhenGnuplotIsNotInstalled)
                 AllOf(HasSubstr("gnuplot is not installed"), HasSubstr("Table 2. Pooled effect")));
 }
 
-TEST(Drawing, SaysWhatIsWrongWithGnuplot)
+TEST(Drawing, NamesTheReasonWhenGnuplotFails)
 {
     const struct
     {
@@ -80,10 +80,8 @@ TEST(Drawing, SaysWhatIsWrongWithGnuplot)
         {"exit 3", "svg", "forest.svg could not be drawn: gnuplot failed without a message, exit status 3."},
         {"printf 'plot x\\n     ^\\n  \"-\", line 1: undefined\\n\\n' >&2; exit 1", "svg",
          "gnuplot failed (\"-\", line 1: undefined)."},
-        {"kill -9 $$", "pdf", "gnuplot was ended by signal 9."},
         {"echo text", "svg", "gnuplot wrote no SVG."},
         {"printf '\\211PNG\\r\\n\\032\\n'", "png", "gnuplot wrote no whole png file."},
-        {"true", "pdf", "gnuplot wrote no whole pdf file."},
     };
     for (const auto& one : cases) {
         const TemporaryFolder folder;
@@ -113,8 +111,8 @@ TEST(Drawing, KeepsTheOtherPicturesWhenOneFails)
     }
 }
 
-/// 32767 pixels are the limit, and 19 the height of a row.
-TEST(Drawing, MakesTallPicturesAsFarAsTheFormatHoldsThem)
+/// The limit is 32767 pixels, and a row is 19 pixels high.
+TEST(Drawing, RefusesPicturesThatAreTooTallForThePngFormat)
 {
     for (const auto& [count, fits] : {std::pair(900, true), std::pair(1800, false)}) {
         std::string data = "effect,variance\n";
@@ -129,7 +127,7 @@ TEST(Drawing, MakesTallPicturesAsFarAsTheFormatHoldsThem)
     }
 }
 
-TEST(Drawing, ShowsItsProgressOnATerminalAlone)
+TEST(Drawing, ShowsProgressOnATerminalOnly)
 {
     const TemporaryFolder folder;
     const FakeGnuplot slowly("sleep 0.4; PATH=${PATH#*:} exec gnuplot -d");
@@ -143,57 +141,6 @@ TEST(Drawing, ShowsItsProgressOnATerminalAlone)
     EXPECT_THAT(shown, Not(HasSubstr("picture 1 of 4")));
     EXPECT_THAT(shown, HasSubstr("\rDrawing picture 4 of 4"));
     EXPECT_THAT(shown, HasSubstr("\r                      \r")); // erased
-}
-
-TEST(Output, LeavesOutPicturesThatWouldReplaceAnotherFile)
-{
-    const TemporaryFolder folder;
-    std::filesystem::create_directory(folder.PathOf("p"));
-    std::filesystem::copy_file(DataFile("bcg_vaccine.csv"), folder.PathOf("p/labbe.svg"));
-    const ProgramRun run =
-        RunProgram(Binary(folder.PathOf("p/labbe.svg")) + Arguments{"--plots", folder.PathOf("p"), "--html",
-                                                                    folder.PathOf("p/forest.svg"), "--json",
-                                                                    folder.PathOf("p/../p/funnel.svg")});
-    EXPECT_EQ(run.exitStatus, 2);
-    EXPECT_THAT(run.errors, AllOf(HasSubstr("forest.svg' is not written: that is the file of --html."),
-                                  HasSubstr("funnel.svg' is not written: that is the file of --json."),
-                                  HasSubstr("labbe.svg' is not written: that is the data file.")));
-    EXPECT_THAT(run.output, HasSubstr("Pooled effect"));
-    EXPECT_THAT(folder.Read("p/forest.svg"), StartsWith("<!DOCTYPE html>"));
-    EXPECT_TRUE(json::accept(folder.Read("p/funnel.svg")));
-    EXPECT_THAT(folder.Read("p/labbe.svg"), StartsWith("\"study\""));
-    EXPECT_THAT(folder.Read("p/galbraith.svg"), StartsWith("<?xml"));
-}
-
-TEST(Output, WritesAllThatCanBeWritten)
-{
-    const TemporaryFolder folder;
-    std::filesystem::create_directories(folder.PathOf("p/forest.svg"));
-    const ProgramRun run = RunProgram(
-        Bcg({"--json", folder.PathOf("json"), "--html", "/dev/full", "--plots", folder.PathOf("p")}),
-        "/dev/full");
-    EXPECT_EQ(run.exitStatus, 2);
-    EXPECT_EQ(run.errors, "meta-analysis: Standard output cannot be written: No space left on device.\n"
-                          "meta-analysis: '/dev/full' cannot be written: No space left on device.\n"
-                          "meta-analysis: '" +
-                              folder.PathOf("p/forest.svg") + "' cannot be written: Is a directory.\n");
-    EXPECT_TRUE(json::accept(folder.Read("json")));
-    EXPECT_THAT(folder.Read("p/galbraith.svg"), StartsWith("<?xml"));
-
-    const ProgramRun below = RunProgram(Bcg({"--plots", folder.PathOf("json/below")}));
-    EXPECT_EQ(below.exitStatus, 2);
-    EXPECT_THAT(below.errors, HasSubstr("cannot be made"));
-    EXPECT_THAT(below.output, HasSubstr("Pooled effect"));
-}
-
-TEST(Output, ReachesItsFilesWhenNobodyReadsTheReport)
-{
-    const TemporaryFolder folder;
-    const std::string command = "set -o pipefail; " + CommandLine(Bcg({"--html", folder.PathOf("page")})) +
-                                " 2>" + folder.PathOf("errors") + " | true";
-    EXPECT_EQ(std::system(("bash -c " + ShellQuoted(command)).c_str()), 0);
-    EXPECT_EQ(folder.Read("errors"), "");
-    EXPECT_THAT(folder.Read("page"), HasSubstr("</html>"));
 }
 
 } // namespace

@@ -11,7 +11,7 @@ using testing::StartsWith;
 
 namespace {
 
-/// The page of a run; its void elements are closed, so that it reads as XML.
+/// The page of a run. All its elements are closed, so that an XML parser reads it.
 class HtmlPage
 {
 public:
@@ -49,15 +49,8 @@ TEST(HtmlReport, HasEveryPartOfTheReportAndEveryPicture)
     EXPECT_THAT(page.TextsOf("//td"), Contains("allocation"));
 }
 
-TEST(HtmlReport, IsThereForRegressions)
-{
-    const Texts headings = HtmlPage(Regression("passive_smoking.csv") + "--covariate year").TextsOf("//h2");
-    EXPECT_THAT(headings, IsSupersetOf({"Coefficients", "Settings", "Command line"}));
-    EXPECT_THAT(headings, testing::Not(Contains("Pictures")));
-}
-
-/// Nothing to fetch, nothing to run, and no identifier twice although all pictures stand in one document.
-TEST(HtmlReport, StandsAlone)
+/// The page loads and runs nothing, and no identifier occurs twice although all pictures are in one document.
+TEST(HtmlReport, IsSelfContained)
 {
     const HtmlPage page(Bcg() + "--bubble latitude --bubble year");
     EXPECT_EQ(page.Select("//script | //link | //img | //iframe | //@src | //@href").size(), 0U);
@@ -86,7 +79,7 @@ TEST(HtmlReport, ShowsHostileTextsAsTexts)
     EXPECT_EQ(page.Select("//script | //i | //b").size(), 0U);
 }
 
-/// The command line at the end is what a shell runs again.
+/// A shell can run the command line at the end again.
 TEST(HtmlReport, EndsWithTheCommandLine)
 {
     const TemporaryFolder folder;
@@ -101,7 +94,7 @@ TEST(HtmlReport, EndsWithTheCommandLine)
                 StartsWith("effects\n" + path + "\n--effect-size\neffect\n--variance\nvariance\n--html\n"));
 }
 
-/// On paper a tall forest stands in slices that are cut between rows, with the headings over each.
+/// For paper, a tall forest is cut between rows into slices, each below the headings.
 TEST(HtmlReport, CutsTallForestsForPaper)
 {
     std::string data = "effect,variance\n";

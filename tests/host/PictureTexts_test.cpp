@@ -1,6 +1,6 @@
-#include "host/Picture.h"
 #include "host/Pictures.h"
-#include "host/PlainText.h"
+#include "host/draw/Picture.h"
+#include "host/text/PlainText.h"
 
 #include <fmt/format.h>
 
@@ -100,7 +100,7 @@ TEST(PictureTexts, KeepsTheOtherPlotsReadable)
     }
 }
 
-/// Texts that would be commands, markup or ends of data, if they were not kept apart from them.
+/// Texts that gnuplot or XML could take for commands, markup or the end of the data.
 const Texts hostileTexts = {
     "Müller & \"Söhne\" <b>x</b>", "_a^b@c@ 100%d %s", "{/Bold x} \\n \\101 `id` $HOME",
     "'; set output 'pwned'; #",    "END_OF_TEXTS",     "\" ; !touch pwned",

@@ -32,7 +32,7 @@ private:
     nlohmann::json results_;
 };
 
-/// From numbers to pixels.
+/// Converts numbers of an axis to pixels.
 using PixelScale = std::function<double(double)>;
 
 inline PixelScale ScaleThrough(double first, double firstPixel, double last, double lastPixel)
@@ -41,20 +41,20 @@ inline PixelScale ScaleThrough(double first, double firstPixel, double last, dou
     return [=](double value) { return firstPixel + (value - first) * perUnit; };
 }
 
-// The scales of axes, by two of their ticks.
+// The scale of an axis follows from two of its ticks.
 
 inline PixelScale LevelScale(const SvgFigure& figure, const char* first, const char* last)
 {
     return ScaleThrough(std::stod(first), figure.TickX(first), std::stod(last), figure.TickX(last));
 }
 
-/// Of the upright axis, from which the numbers stand at a distance: for differences alone.
+/// The upright axis. Its numbers are at a distance from the ticks, so that only differences are right.
 inline PixelScale UprightScale(const SvgFigure& figure, const char* first, const char* last)
 {
     return ScaleThrough(std::stod(first), figure.TickY(first), std::stod(last), figure.TickY(last));
 }
 
-/// Of logarithms, where the axis has ratios.
+/// An axis of ratios, by their logarithms.
 inline PixelScale RatioScale(const SvgFigure& figure, const char* first, const char* last)
 {
     return ScaleThrough(std::log(std::stod(first)), figure.TickX(first), std::log(std::stod(last)),

@@ -1,5 +1,5 @@
-#include "host/FontCoverage.h"
-#include "host/PlainText.h"
+#include "host/draw/FontCoverage.h"
+#include "host/text/PlainText.h"
 
 #include <gtest/gtest.h>
 
@@ -27,7 +27,7 @@ TEST(PlainText, IsOneLineOfCharacters)
 
 TEST(PlainText, AsksForNoCharacterThatNoFontHas)
 {
-    // The last is of no script; whatever the fonts here, none has it.
+    // The last character is unassigned, so that no font has it.
     EXPECT_EQ(DrawableText("Müller\n[1] \U000E0FFF"), "Müller [1] ?");
 }
 

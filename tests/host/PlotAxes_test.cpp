@@ -1,4 +1,4 @@
-#include "host/PlotAxes.h"
+#include "host/plots/PlotAxes.h"
 #include "support/Compare.h"
 
 #include <cmath>
@@ -30,7 +30,7 @@ TEST(PlotAxes, LabelsRatioAxesAtRoundNumbers)
     };
     for (const Case& one : cases) {
         Extent logarithms;
-        // A tick at an end counts, whatever the rounding of the logarithm.
+        // The margin includes a tick at an end despite the rounding of its logarithm.
         logarithms.Cover({std::log(one.first) - 1e-9, std::log(one.last) + 1e-9});
         Texts texts;
         for (const Tick& tick : RatioTicks(logarithms)) {
@@ -55,7 +55,7 @@ TEST(PlotAxes, LabelsNumberAxesAtRoundNumbersWithTheDigitsTheyNeed)
               (Texts{"-0.3", "-0.2", "-0.1", "0", "0.1", "0.2", "0.3"}));
     EXPECT_EQ(texts({1234567.1, 1234569}), (Texts{"1234567.5", "1234568", "1234568.5", "1234569"}));
     EXPECT_EQ(texts({0, 4e-9}), (Texts{"0", "1e-09", "2e-09", "3e-09", "4e-09"}));
-    // Steps are lost in such numbers: any ticks will do, but there must be an end of them.
+    // Steps are lost in such large numbers. Any ticks will do, but their number must be bounded.
     EXPECT_LE(texts({1e17, 1e17 + 16}).size(), 15U);
 }
 

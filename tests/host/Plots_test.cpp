@@ -1,8 +1,7 @@
-#include "host/Picture.h"
 #include "host/Pictures.h"
+#include "host/draw/Picture.h"
 #include "support/Compare.h"
 
-#include <set>
 #include <tuple>
 #include <utility>
 
@@ -16,7 +15,7 @@ namespace color = host::color;
 
 using Numbers = std::vector<double>;
 
-TEST(Drawings, NamesAFileForEachPlotOfTheLibrary)
+TEST(Plots, NamesAFileForEachPlotOfTheLibrary)
 {
     EXPECT_EQ(Pictures(Bcg() + "--effect peto").Names(),
               (Texts{"forest.svg", "funnel.svg", "galbraith.svg"}));
@@ -28,8 +27,8 @@ TEST(Drawings, NamesAFileForEachPlotOfTheLibrary)
                               "galbraith-2-allocation-1.svg", "labbe-1-allocation-0.svg"}));
 }
 
-/// Squares have areas as the weights.
-TEST(Drawings, PutsTheForestWhereTheEffectsAre)
+/// The area of a square is proportional to the weight.
+TEST(Plots, DrawsTheForestAtTheEffects)
 {
     const Pictures pictures(Bcg());
     const SvgFigure figure = pictures.Figure("forest");
@@ -53,7 +52,7 @@ TEST(Drawings, PutsTheForestWhereTheEffectsAre)
                                    "95% prediction interval", "[0.12, 1.82]", "Odds ratio (log scale)"}));
 }
 
-TEST(Drawings, DrawsTheFunnelWithItsHollowImputedStudies)
+TEST(Plots, DrawsTheFunnelWithItsHollowImputedStudies)
 {
     const Pictures pictures(Binary("magnesium.csv") + "--effect risk-ratio --trim-fill linear");
     const SvgFigure figure = pictures.Figure("funnel");
@@ -71,9 +70,16 @@ TEST(Drawings, DrawsTheFunnelWithItsHollowImputedStudies)
         EXPECT_NEAR(studies[i].y - studies[0].y, y(stdErrors[i]) - y(stdErrors[0]), 4 * halfPixelDigit);
         EXPECT_EQ(studies[i].y > studies[0].y, stdErrors[i] > stdErrors[0]);
     }
+    // The two limits are the only dark lines with many points, and mirror each other.
+    std::vector<SvgPoints> limits = figure.Lines(color::INK);
+    std::erase_if(limits, [](const SvgPoints& line) { return line.size() < 20; });
+    ASSERT_EQ(limits.size(), 2U);
+    const double center = figure.Lines(color::ACCENT).at(0).front().x;
+    EXPECT_NE(limits[0].back().x, center);
+    EXPECT_NEAR(limits[0].back().x - center, center - limits[1].back().x, 4 * halfPixelDigit);
 }
 
-/// Of the sides of the area that start at the null, in effects per standard error.
+/// The slopes of the area's sides that start at the null, in effects per standard error.
 Numbers SlopesFromTheNull(const SvgPoints& area, const SvgFigure& funnel)
 {
     const PixelScale x = RatioScale(funnel, "0.1", "10");
@@ -91,7 +97,7 @@ Numbers SlopesFromTheNull(const SvgPoints& area, const SvgFigure& funnel)
     return slopes;
 }
 
-TEST(Drawings, ShadesAContourForEachLevel)
+TEST(Plots, ShadesAContourForEachLevel)
 {
     const double z95 = 1.6448536269514722; // normal quantiles
     const double z90 = 1.2815515655446004;
@@ -117,24 +123,13 @@ TEST(Drawings, ShadesAContourForEachLevel)
             EXPECT_TRUE(point.x >= frame[0].x && point.x <= frame[2].x) << point.x;
             EXPECT_TRUE(point.y >= frame[0].y && point.y <= frame[1].y) << point.y;
         }
-        // Sides are 150 pixels long at least, and they and the scales right to half a hundredth of a pixel.
+        // Sides are at least 150 pixels long; they and the scales are exact to half a hundredth of a pixel.
         EXPECT_THAT(SlopesFromTheNull(areas[2].outline, figure),
                     testing::Pointwise(testing::DoubleNear(4e-4), one.slopes));
     }
 }
 
-TEST(Drawings, TellsAllContoursApart)
-{
-    Arguments arguments = Bcg() + "--contours two-sided";
-    for (const char* const level : {"0.001", "0.01", "0.02", "0.05", "0.1", "0.2"})
-        arguments = arguments + Arguments{"--contour-level", level};
-    std::set<std::string> colors;
-    for (const SvgArea& area : Pictures(arguments).Figure("funnel").Areas())
-        colors.insert(area.color);
-    EXPECT_EQ(colors.size(), 7U);
-}
-
-TEST(Drawings, SizesBubblesByWeight)
+TEST(Plots, SizesBubblesByWeight)
 {
     const Pictures pictures(Bcg() + "--bubble latitude");
     const struct
@@ -156,7 +151,7 @@ TEST(Drawings, SizesBubblesByWeight)
     }
 }
 
-/// Where the outline begins and ends, from left to right.
+/// The left and the right end of the outline.
 std::pair<double, double> EndsOf(const SvgPoints& outline)
 {
     const auto isLeftOf = [](const SvgPoint& one, const SvgPoint& other) { return one.x < other.x; };
@@ -164,7 +159,7 @@ std::pair<double, double> EndsOf(const SvgPoints& outline)
     return {left->x, right->x};
 }
 
-TEST(Drawings, EndsIntervalsWhereTheyEndOrInAnArrow)
+TEST(Plots, EndsIntervalsBeyondTheAxisInAnArrow)
 {
     const TemporaryFolder folder;
     const std::string data = folder.Write("t.csv", "effect,variance,group\n0.1,0.01,wide\n0.3,0.01,wide\n"
@@ -181,7 +176,7 @@ TEST(Drawings, EndsIntervalsWhereTheyEndOrInAnArrow)
     const auto [left, right] = EndsOf(areas[0].outline);
     EXPECT_NEAR(left, scale(lower[1]), 2 * halfPixelDigit);
     EXPECT_NEAR(right, scale(upper[1]), 2 * halfPixelDigit);
-    // "wide" and all studies go on at the left.
+    // The intervals of "wide" and of all studies go on at the left.
     for (const auto& [arrow, diamond, model] : {std::tuple(1U, 2U, 2U), std::tuple(3U, 4U, 3U)}) {
         const auto [tip, base] = EndsOf(areas[arrow].outline);
         const auto [start, end] = EndsOf(areas[diamond].outline);
@@ -194,7 +189,7 @@ TEST(Drawings, EndsIntervalsWhereTheyEndOrInAnArrow)
     EXPECT_EQ(figure.Lines(color::POOLED).size(), 3U); // the prediction interval with an arrow at both ends
 }
 
-TEST(Drawings, SaysWhenTheLineOfNoEffectIsBeyondTheAxis)
+TEST(Plots, NotesWhenTheLineOfNoEffectIsBeyondTheAxis)
 {
     const std::string remark = "The axis does not reach to no effect, which is at 0.";
     for (const auto& [studies, isBeyond] :
@@ -208,8 +203,8 @@ TEST(Drawings, SaysWhenTheLineOfNoEffectIsBeyondTheAxis)
     }
 }
 
-/// The regression through the origin, and its parallels.
-TEST(Drawings, DrawsTheLinesOfTheGalbraithPlot)
+/// They are the regression through the origin and its two parallels.
+TEST(Plots, DrawsTheLinesOfTheGalbraithPlot)
 {
     const Pictures pictures(Bcg());
     const SvgFigure figure = pictures.Figure("galbraith");
@@ -232,8 +227,8 @@ TEST(Drawings, DrawsTheLinesOfTheGalbraithPlot)
     EXPECT_THAT(starts, testing::Pointwise(testing::DoubleNear(2e-3), {-offset, 0.0, offset}));
 }
 
-/// The lines of equal odds and of the pooled ratio.
-TEST(Drawings, DrawsTheLinesOfTheLabbePlot)
+/// They are the lines of equal odds and of the pooled ratio.
+TEST(Plots, DrawsTheLinesOfTheLabbePlot)
 {
     const Pictures pictures(Bcg() + "--cumulative year");
     EXPECT_EQ(pictures.Figure("cumulative-forest").Marks("gpPt4", color::STUDY).size(), 13U);

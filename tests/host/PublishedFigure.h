@@ -4,8 +4,8 @@
 #include "support/Compare.h"
 #include "support/Reference.h"
 
-/// A result of a run, and where the reference figures have it, both as JSON pointers. One figure of a run
-/// shows that the choices arrived; the library's own tests look at all of them.
+/// A result of a run and the reference figure for it, both as JSON pointers. One figure a run shows that the
+/// options reach the library, whose own tests compare all figures.
 struct PublishedFigure
 {
     const char* dataSet;
@@ -16,7 +16,7 @@ struct PublishedFigure
 
 inline void ExpectPublished(const std::vector<PublishedFigure>& figures)
 {
-    // The figures and the library stop below a step of 1e-12, slowly converging ones before the root.
+    // Iterations stop below a step of 1e-12, which slow ones reach at a distance from the root.
     constexpr double tolerance = 1e-9;
     for (const PublishedFigure& one : figures) {
         SCOPED_TRACE(std::string(one.dataSet) + one.figure);

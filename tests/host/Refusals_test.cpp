@@ -1,4 +1,4 @@
-// What the program cannot use: it says so in a sentence, and writes nothing.
+// Input that the program refuses with exit status 2 and a sentence, without writing anything.
 
 #include "host/RunProgram.h"
 
@@ -25,7 +25,7 @@ void ExpectRefused(const std::vector<Refusal>& refusals)
     }
 }
 
-TEST(Refusals, OfCommandLines)
+TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
 {
     const Arguments none;
     const Arguments effects = Effects("passive_smoking.csv");
@@ -36,22 +36,19 @@ TEST(Refusals, OfCommandLines)
         {none + "--level 0.9 binary", "'--level' stands before the command"},
         {none + "binary", "No data file is given"},
         {none + "binary /no/file.csv", "--treatment-events is required"},
-        {none + "effects t.csv --effect-size y", "Exactly one of --variance and --std-error"},
         {none + "effects /no/file.csv --effect-size y --std-error s", "'/no/file.csv' cannot be opened"},
         {Continuous("stroke_length_of_stay.csv") + "--control-variance control_sd",
          "Exactly one of --control-sd and --control-variance"},
         {effects + "--effect odds-ratio",
          "--effect with --outcome continuous: 'odds-ratio' is none of cohens-d"},
+        {binary + "--max-step-halving 3000000000", "--max-step-halving: '3000000000' is outside the range"},
         {effects + "--effect cohens-d --outcome binary",
          "--outcome binary: 'cohens-d' is none of odds-ratio"},
         {effects + "--effect-size study", "--effect-size is given 2 times"},
-        {effects + "--covariate year", "'effects' has no option --covariate"},
         {binary + "--levle 0.9", "'binary' has no option --levle"},
         {binary + "more.csv", "'more.csv' is one argument too many"},
         {binary + "--level", "--level needs an argument"},
         {binary + "--level 1", "--level: 1 is not between 0 and 1"},
-        {binary + "--level 0.9x", "--level: '0.9x' is not a number"},
-        {binary + "--null nan", "--null: 'nan' is not a finite number"},
         {binary + "--null 2", "--null needs --model fixed"},
         {binary + "--pooled-zero-cells none", "--pooled-zero-cells needs --weights mantel-haenszel"},
         {binary + "--contrast year", "--contrast needs --model fixed"},
@@ -62,27 +59,21 @@ TEST(Refusals, OfCommandLines)
         {binary + "--tolerance 0", "--tolerance: 0 is not above 0"},
         {binary + "--max-iterations -1", "--max-iterations: -1 is not 0 or above"},
         {binary + "--max-iterations 2.5", "--max-iterations: '2.5' is not a whole number"},
-        {binary + "--max-step-halving 3000000000", "--max-step-halving: '3000000000' is outside the range"},
-        {binary + "--model mixed", "--model: 'mixed' is none of random, fixed"},
         {binary + "--drop-double-zero=2", "--drop-double-zero: a flag takes no argument"},
         {effects + "--funnel-points 1", "--funnel-points: 1 is not 2 or above"},
         {effects + "--contour-level 0.1 --contours upper --contour-level 0.10",
          "--contour-level: '0.1' is given twice"},
         {effects + "--contour-level 0.1", "--contour-level needs --contours"},
-        {effects + "--trim-fill cubic", "--trim-fill: 'cubic' is none of linear, run, quadratic"},
-        {effects + "--preset librarian", "--preset: 'librarian' is none of library"},
         {binary + "--model fixed --tau2-interval none", "--tau2-interval is for the random-effects model"},
         {binary + "--model fixed --probability-below 2", "--probability-below is for the random-effects"},
         {binary + "--probability-above 0", "--probability-above: a ratio is above 0, and 0 is not"},
         {effects + "--probability-above 0 --probability-below 1", "cannot be asked for together"},
         {effects + "--tau2 dl --tau2-interval profile-likelihood", "is for --tau2 reml and --tau2 ml"},
-        {Regression("passive_smoking.csv") + "--prediction normal",
-         "'regression' has no option --prediction"},
         {effects + "--small-study-test 3", "type 3 needs the tables of the command binary"},
     });
 }
 
-TEST(Refusals, OfColumnsAndTheirFields)
+TEST(Refusals, UnusableColumnsAndFieldsAreRefused)
 {
     const TemporaryFolder folder;
     const std::string data = folder.Write("t.csv", "who,effect,variance\n\"A\nB\",1,2\nC,x,2\n");
@@ -91,14 +82,13 @@ TEST(Refusals, OfColumnsAndTheirFields)
         {Effects(data), "t.csv, line 4, column 'effect': 'x' is not a number"},
         {smoking + "--study author",
          "passive_smoking.csv has no column 'author'. Its columns are: study, year"},
-        {smoking + "--subgroup nation", "has no column 'nation'"},
         {smoking + "--model fixed --contrast country", "line 2, column 'country': 'USA' is not a number"},
         {smoking + "--bubble country --subgroup country", "column 'country': 'USA' is not a number"},
         {smoking + "--bubble year --bubble year", "--bubble: column 'year' is given twice"},
     });
 }
 
-TEST(Refusals, OfRegressions)
+TEST(Refusals, RegressionsWithoutAModelAreRefused)
 {
     const TemporaryFolder folder;
     const std::string data = folder.Write("t.csv", "y,v,x,g,one,none,a:b,a,b:a\n1,1,1,p,5,NA,1,1,2\n"
@@ -108,15 +98,11 @@ TEST(Refusals, OfRegressions)
     const Arguments command = effects + "--variance v";
     ExpectRefused({
         {effects, "Exactly one of --variance, --std-error and --weight is required"},
-        {command + "--covariate z", "has no column 'z'. Its columns are: y, v, x"},
-        {command + "--covariate g", "t.csv, line 2, column 'g': 'p' is not a number"},
         {command + "--factor one", "--factor: column 'one' has no other value than '5'"},
         {command + "--factor none", "--factor: column 'none' has no values"},
         {command + "--covariate y", "Column 'y' is given to --effect-size and again to --covariate"},
         {effects + "--weight y", "Column 'y' is given to --effect-size and again to --weight"},
         {command + "--covariate x --factor x", "to --covariate and again to --factor"},
-        {command + "--covariate x --covariate x", "to --covariate and again to --covariate"},
-        {command + "--covariate x --interaction x", "'x' is not A:B with two columns"},
         {command + "--covariate x --interaction x:g", "'x:g' is not A:B with two columns"},
         {command + "--factor g --interaction g:g", "'g:g' is a factor with itself"},
         {command + "--covariate x --factor g --interaction x:g --interaction g:x",
@@ -124,12 +110,11 @@ TEST(Refusals, OfRegressions)
         {command + "--covariate a --covariate b:a --covariate a:b --interaction a:b:a",
          "'a:b:a' can be parted into two columns at more than one colon"},
         {command + "--no-intercept", "leaves nothing to estimate"},
-        {command + "--no-intercept=1", "--no-intercept: a flag takes no argument"},
     });
 }
 
-/// Before the analysis, so that nothing is written.
-TEST(Refusals, OfPlacesThatCannotBe)
+/// The places are checked before the analysis.
+TEST(Refusals, ImpossibleOutputPlacesAreRefused)
 {
     const TemporaryFolder folder;
     const std::string file = folder.Write("file", "");

@@ -11,7 +11,7 @@
 #include <sstream>
 #include <vector>
 
-// Runs the program as its users do: as a process.
+// Runs the program as a process, as its users do.
 
 using Texts = std::vector<std::string>;
 using Arguments = Texts;
@@ -40,8 +40,8 @@ inline std::string CommandLine(const Arguments& arguments)
     return command;
 }
 
-/// Runs the program; standard output goes to `outputPlace` if that is given, and is not read then. `before`
-/// is what the shell does first: assignments to variables, or a command.
+/// Runs the program. If `outputPlace` is given, standard output goes there and is not read. The shell
+/// executes `before` first: assignments to variables, or a command.
 inline ProgramRun RunProgram(const Arguments& arguments, const std::string& outputPlace = "",
                              const std::string& before = "")
 {
@@ -66,7 +66,7 @@ inline Arguments operator+(Arguments left, const Arguments& right)
     return left;
 }
 
-/// ... and the words of a line, parted by blanks.
+/// Appends the words of a line, which blanks separate.
 inline Arguments operator+(const Arguments& left, const std::string& line)
 {
     std::istringstream words(line);
@@ -78,19 +78,19 @@ inline nlohmann::json JsonOf(const Arguments& arguments)
     return nlohmann::json::parse(ReportOf(arguments + "--json -"));
 }
 
-/// Of iterations to their end.
+/// Iterations run to their end.
 inline nlohmann::json ResultsOf(const Arguments& arguments)
 {
     return JsonOf(arguments + "--tolerance 1e-12 --max-iterations 10000 --max-step-halving 100")["results"];
 }
 
-/// A data set of the tests, unless it is the path of another file.
+/// The path of a data set of the tests. An absolute path stays as it is.
 inline std::string DataFile(const std::string& name)
 {
     return (std::filesystem::path(TESTS_DIR "/data") / name).string();
 }
 
-// The commands on data whose columns have the names of those of the data sets.
+// The commands, for data with the column names of the data sets.
 
 inline Arguments Binary(const std::string& data)
 {

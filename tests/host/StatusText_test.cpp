@@ -1,4 +1,4 @@
-#include "host/StatusText.h"
+#include "host/text/StatusText.h"
 
 #include <gmock/gmock.h>
 

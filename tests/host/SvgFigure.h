@@ -11,14 +11,14 @@
 #include <string_view>
 #include <vector>
 
-// What stands in an SVG, as the tests of the pictures see it.
+// Reads texts, marks, areas and lines from an SVG.
 
 struct SvgText
 {
     std::string text;
     double x;
     double y;
-    std::string anchor; ///< "start", "middle" or "end" stands at x
+    std::string anchor; ///< the part of the text at x: "start", "middle" or "end"
     bool isBold;
     bool isRotated;
 };
@@ -89,9 +89,9 @@ public:
         return words;
     }
 
-    // All in the order of drawing, without those of the legend.
+    // Marks, areas and lines are in the order of drawing, without those of the legend.
 
-    /// The name of a shape is gnuplot's.
+    /// `shape` is gnuplot's name.
     std::vector<SvgMark> Marks(const std::string& shape, const std::string& color) const
     {
         std::vector<SvgMark> marks;
@@ -127,7 +127,7 @@ public:
         return lines;
     }
 
-    // Pixels of a number at the level axis, and at the upright one.
+    // The pixel of a number at the level axis and at the upright axis.
 
     double TickX(const std::string& number) const { return Tick(number, "middle").x; }
     double TickY(const std::string& number) const { return Tick(number, "end").y; }
@@ -171,7 +171,7 @@ private:
         return nodes;
     }
 
-    /// An entry of the legend is a plot of its own, which has a text.
+    /// gnuplot draws an entry of the legend as a plot that has a text.
     static bool IsInLegend(pugi::xml_node node)
     {
         while (node &&

@@ -9,7 +9,7 @@
 #include <system_error>
 #include <vector>
 
-/// A folder that goes away with the object.
+/// A folder that the destructor removes.
 class TemporaryFolder
 {
 public:
@@ -30,7 +30,7 @@ public:
 
     std::string PathOf(const std::string& file) const { return (path_ / file).string(); }
 
-    /// The names in the folder or one below, in ascending order.
+    /// The names in the folder or in one below it, in ascending order.
     std::vector<std::string> Files(const std::string& below = "") const
     {
         std::vector<std::string> names;

@@ -1,0 +1,47 @@
+#include "host/cli/OptionKinds.h"
+
+namespace host {
+
+using Json = nlohmann::ordered_json;
+
+OptionDefinition Column(const char* name, ColumnName& target, const char* help)
+{
+    return {.name = name,
+            .argument = "COLUMN",
+            .help = help,
+            .store = [&target](const std::string& text) { target = text; },
+            .value = [&target] { return target ? Json(*target) : Json(); }};
+}
+
+OptionDefinition TextList(const char* name, const char* argument, std::vector<std::string>& target,
+                          const char* help)
+{
+    return {.name = name,
+            .argument = argument,
+            .help = help,
+            .isRepeatable = true,
+            .store = [&target](const std::string& text) { target.push_back(text); },
+            .value = [&target] { return Json(target); }};
+}
+
+OptionDefinition Flag(const char* name, bool& target, const char* help)
+{
+    return {.name = name,
+            .help = help,
+            .store = [&target](const std::string&) { target = true; },
+            .value = [&target] { return Json(target); }};
+}
+
+OptionDefinition Required(OptionDefinition option)
+{
+    option.need = OptionDefinition::Need::REQUIRED;
+    return option;
+}
+
+OptionDefinition ThisOrNext(OptionDefinition option)
+{
+    option.need = OptionDefinition::Need::THIS_OR_NEXT;
+    return option;
+}
+
+} // namespace host

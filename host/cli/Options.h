@@ -1,0 +1,84 @@
+#pragma once
+
+#include "host/data/ColumnName.h"
+#include "host/draw/PictureFormat.h"
+
+#include "meta_analysis/settings/MAModelSettings.h"
+
+#include <optional>
+#include <set>
+#include <string>
+#include <vector>
+
+namespace host {
+
+enum class Command
+{
+    BINARY,     ///< 2x2 tables
+    CONTINUOUS, ///< group sizes, means and standard deviations
+    EFFECTS,    ///< ready-made effect sizes
+    REGRESSION  ///< ready-made effect sizes on covariates and factors
+};
+
+/// What the command `regression` has beyond the other commands.
+struct RegressionOptions
+{
+    std::vector<std::string> covariates;
+    std::vector<std::string> factors;
+    std::vector<std::string> interactions; ///< as given, "A:B"
+    bool noIntercept = false;
+    bool dispersion = false; ///< multiplicative, for the fixed model
+    bool normalTests = false;
+};
+
+/// What the command line asks for, complete with defaults. `settings` holds what the library has settings
+/// for, with the library's defaults but for those that the constructor sets. The positions of the columns
+/// are not in it, because they depend on the data.
+struct Options
+{
+    explicit Options(Command ofCommand);
+
+    Command command;
+    std::vector<std::string> arguments; ///< as given
+    std::set<std::string> given;        ///< names of the options that the command line has
+    std::optional<std::string> preset;
+    std::string dataPath;
+    std::optional<std::string> jsonPath; ///< "-" for standard output
+    std::optional<std::string> htmlPath;
+    std::optional<std::string> plotsFolder;
+    PictureFormat plotFormat = PictureFormat::SVG;
+
+    ColumnName study;
+    ColumnName treatmentEvents;
+    ColumnName treatmentNonEvents;
+    ColumnName controlEvents;
+    ColumnName controlNonEvents;
+    ColumnName treatmentSize;
+    ColumnName treatmentMean;
+    ColumnName treatmentStdDev;
+    ColumnName treatmentVariance;
+    ColumnName controlSize;
+    ColumnName controlMean;
+    ColumnName controlStdDev;
+    ColumnName controlVariance;
+    ColumnName effectSize;
+    ColumnName variance;
+    ColumnName stdError;
+    ColumnName weight;
+
+    ColumnName subgroup;
+    ColumnName cumulative;
+    std::vector<std::string> contrasts; ///< columns
+    std::vector<std::string> bubbles;   ///< columns
+    std::vector<double> contourLevels;  ///< as given; empty for the library's own
+    bool runsSmallStudyTest = false;    ///< of the type in the settings
+
+    /// The measure of ready-made effect sizes as given. The outcome decides which names are allowed.
+    std::optional<std::string> readyMadeEffect;
+
+    RegressionOptions regression;
+
+    MA_NAMESPACE::MAModelSettings settings;
+};
+
+} // namespace host

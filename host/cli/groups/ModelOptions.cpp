@@ -1,0 +1,91 @@
+#include "host/cli/Choices.h"
+#include "host/cli/OptionGroups.h"
+#include "host/cli/OptionKinds.h"
+#include "host/cli/Presets.h"
+#include "host/text/Measures.h"
+#include "host/text/Tau2Estimators.h"
+#include "host/text/Wording.h"
+
+#include <utility>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+using Settings = MAModelSettings;
+using Json = nlohmann::ordered_json;
+
+OptionDefinition PresetOption(Options& options)
+{
+    return {.name = "preset",
+            .argument = "NAME",
+            .help = fmt::format("settings that go together, {}: the library's own defaults; options given "
+                                "beside it win (default: none)",
+                                NamesOfPresets()),
+            .store = [&options](const std::string& text) { options.preset = KnownPreset(text); },
+            .value = [&options] { return options.preset ? Json(*options.preset) : Json(); }};
+}
+
+OptionDefinitions ModelOf(Settings& settings)
+{
+    return {
+        OneOf("model", MODEL_CHOICES, settings, &Settings::GetModelType, &Settings::SetModelType,
+              "pooling model"),
+        OneOf("tau2", TAU2_ESTIMATORS, settings, &Settings::GetEstTauType, &Settings::SetEstTauType,
+              "between-study variance estimator"),
+        OneOf("knapp-hartung", KNAPP_HARTUNG_CHOICES, settings, &Settings::GetKnapHartAdjustType,
+              &Settings::SetKnapHartAdjustType, "adjustment of the random model"),
+        Number("level", BETWEEN_0_AND_1, settings, &Settings::GetCILevel, &Settings::SetCILevel,
+               "confidence level, a fraction"),
+    };
+}
+
+OptionDefinitions PoolingOf(Settings& settings)
+{
+    return {
+        OneOf("weights", WEIGHT_CHOICES, settings, &Settings::GetWeightType, &Settings::SetWeightType,
+              "study weights"),
+        Number("null", ANY_NUMBER, settings, &Settings::GetNullHypothesis, &Settings::SetNullHypothesis,
+               "effect under the null hypothesis, for the fixed model"),
+    };
+}
+
+OptionDefinitions RegressionTests(RegressionOptions& options)
+{
+    return {
+        Flag("dispersion", options.dispersion, "fixed model: multiply variances by the estimated dispersion"),
+        Flag("normal-tests", options.normalTests, "standard normal instead of Student's t"),
+    };
+}
+
+/// A run under random effects tests against no effect. Pooled tables have a null hypothesis on the ratio
+/// scale, where 0 stands for no effect.
+void CheckNullHypothesis(const Settings& settings)
+{
+    const double null = settings.GetNullHypothesis();
+    if (IsRandom(settings) && null != 0)
+        throw UnusableInput("--null needs --model fixed: the random model tests against no effect.");
+    if (PoolsTables(settings) && MeasureOf(settings).isRatio && null < 0)
+        throw UnusableInput(fmt::format("--null: {} cannot be a ratio; with --weights mantel-haenszel it is "
+                                        "one (default: no effect).",
+                                        null));
+}
+
+} // namespace
+
+OptionGroup ModelOptions(Options& options)
+{
+    OptionGroup group = {.heading = "Model", .options = {PresetOption(options)}, .complete = [&options] {
+                             CheckNullHypothesis(options.settings);
+                         }};
+    for (OptionDefinitions more : {ModelOf(options.settings), options.command == Command::REGRESSION
+                                                                  ? RegressionTests(options.regression)
+                                                                  : PoolingOf(options.settings)})
+        for (OptionDefinition& option : more)
+            group.options.push_back(std::move(option));
+    return group;
+}
+
+} // namespace host

@@ -1,0 +1,80 @@
+#include "host/draw/Drawing.h"
+
+#include "host/draw/GnuplotProcess.h"
+#include "host/draw/GnuplotScript.h"
+#include "host/draw/SvgDocument.h"
+#include "host/text/Progress.h"
+
+#include <fmt/format.h>
+
+#include <string_view>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+/// The first and the last bytes of the files of a binary format.
+struct Signature
+{
+    std::string_view start;
+    std::string_view end;
+};
+
+void RequireWholeFile(std::string_view bytes, const Signature& signature, PictureFormat format)
+{
+    if (!bytes.starts_with(signature.start) || !bytes.ends_with(signature.end))
+        throw DrawingFailure(
+            fmt::format("gnuplot wrote no whole {} file", NameOf(PICTURE_FORMAT_CHOICES, format)));
+}
+
+DrawnPicture DrawOne(const Picture& picture, PictureFormat format)
+{
+    std::string bytes = RunGnuplot(GnuplotScript(picture, format));
+    switch (format) {
+    case PictureFormat::SVG:
+        bytes = SvgElement(bytes, picture);
+        break;
+    case PictureFormat::PNG:
+        RequireWholeFile(bytes, {"\x89PNG\r\n\x1A\n", "IEND\xAE\x42\x60\x82"}, format);
+        break;
+    case PictureFormat::PDF:
+        RequireWholeFile(bytes, {"%PDF-", "%%EOF\n"}, format);
+        break;
+    }
+    return {picture, std::move(bytes)};
+}
+
+} // namespace
+
+Drawing Draw(const std::vector<Picture>& pictures, PictureFormat format)
+{
+    Drawing drawing;
+    Progress progress;
+    long number = 0;
+    for (const Picture& picture : pictures) {
+        progress.Show("Drawing picture", ++number, static_cast<long>(pictures.size()));
+        try {
+            drawing.pictures.push_back(DrawOne(picture, format));
+        } catch (const NoGnuplot& failure) {
+            drawing.failures.push_back(fmt::format("Pictures could not be drawn: {}.", failure.what()));
+            break;
+        } catch (const DrawingFailure& failure) {
+            drawing.failures.push_back(fmt::format("The picture {} could not be drawn: {}.",
+                                                   FileName(picture, format), failure.what()));
+        }
+    }
+    return drawing;
+}
+
+std::string FileContent(const DrawnPicture& drawn, PictureFormat format)
+{
+    return format == PictureFormat::SVG ? SvgFile(drawn.bytes) : drawn.bytes;
+}
+
+std::string FileName(const Picture& picture, PictureFormat format)
+{
+    return fmt::format("{}.{}", picture.name, NameOf(PICTURE_FORMAT_CHOICES, format));
+}
+
+} // namespace host

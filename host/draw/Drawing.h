@@ -1,0 +1,31 @@
+#pragma once
+
+#include "host/draw/Picture.h"
+#include "host/draw/PictureFormat.h"
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+struct DrawnPicture
+{
+    Picture picture;
+    std::string bytes; ///< of the file; of SVG an element, without declaration
+};
+
+/// The pictures that could be drawn, and what is wrong with the others.
+struct Drawing
+{
+    std::vector<DrawnPicture> pictures = {};
+    std::vector<std::string> failures = {}; ///< a sentence for each other one, or one for all
+};
+
+/// Draws with the program gnuplot. One picture that fails leaves the others.
+Drawing Draw(const std::vector<Picture>& pictures, PictureFormat format);
+
+/// The content and the name of the file of a drawn picture.
+std::string FileContent(const DrawnPicture& drawn, PictureFormat format);
+std::string FileName(const Picture& picture, PictureFormat format);
+
+} // namespace host

@@ -1,0 +1,26 @@
+#pragma once
+
+#include <stdexcept>
+#include <string>
+
+namespace host {
+
+/// A picture cannot be drawn. `what()` is the reason, which can follow a colon.
+class DrawingFailure : public std::runtime_error
+{
+public:
+    using std::runtime_error::runtime_error;
+};
+
+/// No picture can be drawn.
+class NoGnuplot : public DrawingFailure
+{
+public:
+    using DrawingFailure::DrawingFailure;
+};
+
+/// Runs the program gnuplot, without a shell, on the script and returns what it writes to its standard
+/// output. Throws DrawingFailure when it fails, NoGnuplot when it is not installed or exceeds the time limit.
+std::string RunGnuplot(const std::string& script);
+
+} // namespace host

@@ -1,0 +1,318 @@
+#include "host/draw/GnuplotScript.h"
+
+#include "host/draw/CutToRectangle.h"
+#include "host/draw/FontCoverage.h"
+#include "host/draw/GnuplotProcess.h"
+#include "host/text/PlainText.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <utility>
+#include <vector>
+
+namespace host {
+
+namespace {
+
+using Kind = Layer::Kind;
+
+constexpr double RIM = 1.3;          // of marks, in pixels
+constexpr double MARK_IN_LEGEND = 4; // its radius
+
+bool IsMarks(Kind kind)
+{
+    return kind == Kind::SQUARES || kind == Kind::DISCS || kind == Kind::BUBBLES || kind == Kind::RINGS;
+}
+
+/// A mark is drawn full; one with a rim has its inside drawn on top.
+struct MarkColors
+{
+    std::string outside;
+    std::string inside; ///< empty for none
+};
+
+MarkColors ColorsOf(const Layer& layer)
+{
+    if (layer.kind == Kind::BUBBLES)
+        return {color::POOLED, layer.color};
+    if (layer.kind == Kind::RINGS)
+        return {layer.color, color::WHITE};
+    return {layer.color, ""};
+}
+
+bool IsEmpty(const Layer& layer)
+{
+    return std::all_of(layer.pieces.begin(), layer.pieces.end(),
+                       [](const std::vector<Point>& piece) { return piece.empty(); });
+}
+
+/// Areas are cut here, because gnuplot cuts those of a PNG wrongly and sometimes reads past its memory.
+Layer CutToAxes(Layer layer, const Picture& picture)
+{
+    if (layer.kind == Kind::AREA)
+        for (std::vector<Point>& outline : layer.pieces)
+            outline = CutToRectangle(std::move(outline), RectangleOf(picture.x, picture.y));
+    return layer;
+}
+
+/// "#rrggbb" as gnuplot reads it in data.
+std::string DataColor(const std::string& color)
+{
+    return "0x" + color.substr(1);
+}
+
+/// The terminals of cairo measure fonts in points of 1/72 inch and count 3 pixels to a point size, that of
+/// SVG measures in pixels and counts 4.5.
+struct Terminal
+{
+    std::string command;
+    double pixelsPerPointSize;
+    bool drawsLetters; ///< with the installed fonts; in an SVG, whoever shows it does
+};
+
+/// Pixels of a PNG for each pixel of the picture: two, or as many as the format allows. With less than one
+/// the letters could not be read.
+double SharpnessOf(const Picture& picture)
+{
+    constexpr double BEST = 2;
+    constexpr double MOST_PIXELS = 32767; // in a row or a column, for Cairo
+    const double sharpness = std::min(BEST, MOST_PIXELS / std::max(picture.width, picture.height));
+    if (sharpness < 1)
+        throw DrawingFailure("it is too large for a PNG file; SVG and PDF files may be of any size");
+    return std::floor(sharpness * 100) / 100;
+}
+
+Terminal TerminalOf(const Picture& picture, PictureFormat format)
+{
+    constexpr double POINTS = 0.75; // in a pixel
+    const double width = picture.width;
+    const double height = picture.height;
+    switch (format) {
+    case PictureFormat::SVG:
+        return {fmt::format("svg size {:.0f},{:.0f} noenhanced font 'sans-serif,{}' background '#ffffff'",
+                            width, height, FONT_SIZE),
+                4.5, false};
+    case PictureFormat::PNG: {
+        const double sharpness = SharpnessOf(picture);
+        return {fmt::format("pngcairo size {0:.0f},{1:.0f} noenhanced font 'sans-serif,{2}' fontscale {3} "
+                            "pointscale {3} linewidth {3}",
+                            sharpness * width, sharpness * height, POINTS * FONT_SIZE, sharpness),
+                3, true};
+    }
+    case PictureFormat::PDF:
+        return {fmt::format("pdfcairo size {:.4f},{:.4f} noenhanced font 'sans-serif,{}' fontscale {} "
+                            "pointscale {} linewidth {}",
+                            width * POINTS / 72, height * POINTS / 72, POINTS * FONT_SIZE, POINTS, POINTS,
+                            2 * POINTS),
+                3, true};
+    }
+    return {};
+}
+
+/// Writes one script. All texts are in one block of data, each on a line behind a bar, so that none can end
+/// the block. Commands refer to a text by its number.
+class ScriptWriter
+{
+public:
+    ScriptWriter(const Picture& picture, PictureFormat format)
+        : picture_(picture), terminal_(TerminalOf(picture, format))
+    {}
+
+    std::string Write();
+
+private:
+    std::string TextReference(const std::string& text);
+    void SetAxis(char letter, const Axis& axis);
+    void SetFrame();
+    void SetTexts();
+    void SetKey();
+    void AddMark(const Layer& layer, const Point& point, double radius);
+    void AddData(const Layer& layer, std::size_t number);
+    void AddPlots();
+    std::vector<std::string> PlotsOf(const Layer& layer, std::size_t number);
+    static std::string Style(const Layer& layer);
+    std::string LegendStyle(const Layer& layer) const;
+
+    const Picture& picture_;
+    Terminal terminal_;
+    std::string texts_;
+    std::size_t textCount_ = 0;
+    std::string commands_;
+};
+
+std::string ScriptWriter::TextReference(const std::string& text)
+{
+    texts_ += '|' + (terminal_.drawsLetters ? DrawableText(text) : PlainText(text)) + '\n';
+    return fmt::format("$texts[{}][2:*]", ++textCount_);
+}
+
+void ScriptWriter::SetAxis(char letter, const Axis& axis)
+{
+    commands_ += fmt::format("set {}range [{:.15g}:{:.15g}]\n", letter, axis.first, axis.last);
+    if (!axis.isShown) {
+        commands_ += fmt::format("unset {}tics\n", letter);
+        return;
+    }
+    commands_ +=
+        fmt::format("set {}label {} noenhanced tc rgb '{}'\n", letter, TextReference(axis.title), color::INK);
+    std::string separator;
+    commands_ += fmt::format("set {}tics (", letter);
+    for (const Tick& tick : axis.ticks) {
+        commands_ += fmt::format("{}{} {:.15g}", separator, TextReference(tick.text), tick.at);
+        separator = ", ";
+    }
+    commands_ += ")\n";
+}
+
+void ScriptWriter::SetFrame()
+{
+    const Frame& frame = picture_.frame;
+    commands_ +=
+        fmt::format("set lmargin at screen {:.6f}\nset rmargin at screen {:.6f}\n"
+                    "set tmargin at screen {:.6f}\nset bmargin at screen {:.6f}\n",
+                    frame.left / picture_.width, (frame.left + frame.width) / picture_.width,
+                    1 - frame.top / picture_.height, 1 - (frame.top + frame.height) / picture_.height);
+    const int left = picture_.y.isShown ? 2 : 0;
+    commands_ += fmt::format("set border {} lc rgb '{}'\n", 1 + left, color::INK);
+    commands_ += "set tics out nomirror scale 0.6 noenhanced\n";
+    SetAxis('x', picture_.x);
+    SetAxis('y', picture_.y);
+    commands_ += "set xlabel offset 0,0.4\nset clip two\n";
+}
+
+void ScriptWriter::SetTexts()
+{
+    for (const PictureText& text : picture_.texts) {
+        const char* const align = text.align == PictureText::Align::LEFT    ? "left"
+                                  : text.align == PictureText::Align::RIGHT ? "right"
+                                                                            : "center";
+        commands_ +=
+            fmt::format("set label {} at screen {:.6f},{:.6f} {} noenhanced font '{}' tc rgb '{}'\n",
+                        TextReference(text.text), text.x / picture_.width, 1 - text.y / picture_.height,
+                        align, text.isBold ? "sans-serif:Bold" : "", color::INK);
+    }
+}
+
+/// The legend is to the right of the frame and starts at its top.
+void ScriptWriter::SetKey()
+{
+    const bool hasLegend = std::any_of(picture_.layers.begin(), picture_.layers.end(),
+                                       [](const Layer& layer) { return !layer.legend.empty(); });
+    if (!hasLegend) {
+        commands_ += "unset key\n";
+        return;
+    }
+    const Frame& frame = picture_.frame;
+    commands_ +=
+        fmt::format("set key at screen {:.6f},{:.6f} left top Left reverse noenhanced samplen 2.2 "
+                    "spacing 1.3 width 0\n",
+                    (frame.left + frame.width + 8) / picture_.width, 1 - (frame.top + 4) / picture_.height);
+}
+
+void ScriptWriter::AddMark(const Layer& layer, const Point& point, double radius)
+{
+    const auto add = [&](double size, const std::string& color) {
+        commands_ += fmt::format("{:.15g} {:.15g} {:.4f} {}\n", point.x, point.y,
+                                 size / terminal_.pixelsPerPointSize, DataColor(color));
+    };
+    const MarkColors colors = ColorsOf(layer);
+    add(radius, colors.outside);
+    if (!colors.inside.empty() && radius > RIM)
+        add(radius - RIM, colors.inside);
+}
+
+void ScriptWriter::AddData(const Layer& layer, std::size_t number)
+{
+    commands_ += fmt::format("$layer{} << END_OF_DATA\n", number);
+    std::size_t mark = 0;
+    for (const std::vector<Point>& piece : layer.pieces) {
+        for (const Point& point : piece) {
+            if (IsMarks(layer.kind))
+                AddMark(layer, point, layer.radii[mark++]);
+            else
+                commands_ += fmt::format("{:.15g} {:.15g}\n", point.x, point.y);
+        }
+        commands_ += '\n';
+    }
+    commands_ += "END_OF_DATA\n";
+}
+
+std::string ScriptWriter::Style(const Layer& layer)
+{
+    switch (layer.kind) {
+    case Kind::AREA:
+        return fmt::format("filledcurves closed fs solid noborder fc rgb '{}'", layer.color);
+    case Kind::LINE:
+        return fmt::format("lines lc rgb '{}' lw {}", layer.color, layer.width);
+    case Kind::DASHED_LINE:
+        return fmt::format("lines lc rgb '{}' lw {} dt (8,5)", layer.color, layer.width);
+    case Kind::DOTTED_LINE:
+        return fmt::format("lines lc rgb '{}' lw {} dt (2,3)", layer.color, layer.width);
+    case Kind::SQUARES:
+        return "points pt 5 ps variable lc rgb variable";
+    case Kind::DISCS:
+    case Kind::BUBBLES:
+    case Kind::RINGS:
+        return "points pt 7 ps variable lc rgb variable";
+    }
+    return {};
+}
+
+/// In the legend, marks have one size, and areas an edge that makes a white one visible.
+std::string ScriptWriter::LegendStyle(const Layer& layer) const
+{
+    if (layer.kind == Kind::AREA)
+        return fmt::format("filledcurves fs solid border lc rgb '{}' fc rgb '{}'", color::FAINT, layer.color);
+    if (!IsMarks(layer.kind))
+        return Style(layer);
+    const int pointType = layer.kind == Kind::SQUARES ? 5 : layer.kind == Kind::RINGS ? 6 : 7;
+    return fmt::format("points pt {} ps {:.4f} lc rgb '{}'", pointType,
+                       MARK_IN_LEGEND / terminal_.pixelsPerPointSize, layer.color);
+}
+
+std::vector<std::string> ScriptWriter::PlotsOf(const Layer& layer, std::size_t number)
+{
+    const char* const columns = IsMarks(layer.kind) ? "1:2:3:4" : "1:2";
+    std::vector<std::string> plots = {
+        fmt::format("$layer{} using {} with {} notitle", number, columns, Style(layer))};
+    if (!layer.legend.empty())
+        plots.push_back(
+            fmt::format("keyentry with {} title {}", LegendStyle(layer), TextReference(layer.legend)));
+    return plots;
+}
+
+void ScriptWriter::AddPlots()
+{
+    std::vector<std::string> plots;
+    for (std::size_t i = 0; i < picture_.layers.size(); ++i) {
+        const Layer layer = CutToAxes(picture_.layers[i], picture_);
+        if (IsEmpty(layer))
+            continue;
+        AddData(layer, i);
+        for (std::string& plot : PlotsOf(layer, i))
+            plots.push_back(std::move(plot));
+    }
+    commands_ += fmt::format("plot {}\n", fmt::join(plots, ", \\\n     "));
+}
+
+std::string ScriptWriter::Write()
+{
+    SetFrame();
+    SetTexts();
+    SetKey();
+    AddPlots();
+    return fmt::format("set encoding utf8\nset terminal {}\n$texts << END_OF_TEXTS\n{}END_OF_TEXTS\n{}",
+                       terminal_.command, texts_, commands_);
+}
+
+} // namespace
+
+std::string GnuplotScript(const Picture& picture, PictureFormat format)
+{
+    return ScriptWriter(picture, format).Write();
+}
+
+} // namespace host

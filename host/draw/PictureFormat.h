@@ -1,0 +1,24 @@
+#pragma once
+
+#include "host/text/Choice.h"
+
+#include <array>
+
+namespace host {
+
+/// The kind of file that a picture is written as.
+enum class PictureFormat
+{
+    SVG,
+    PNG,
+    PDF
+};
+
+/// The names are the extensions of the files as well.
+inline constexpr std::array PICTURE_FORMAT_CHOICES{
+    Choice{"svg", PictureFormat::SVG},
+    Choice{"png", PictureFormat::PNG},
+    Choice{"pdf", PictureFormat::PDF},
+};
+
+} // namespace host

@@ -1,0 +1,85 @@
+#include "host/output/RenderedOutput.h"
+
+#include "host/draw/Drawing.h"
+#include "host/output/OutputPlaces.h"
+#include "host/report/HtmlReport.h"
+#include "host/report/TextReport.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <filesystem>
+#include <map>
+
+namespace host {
+
+namespace {
+
+void AddPictures(RenderedOutput& rendered, const Options& options, const Drawing& drawing)
+{
+    const std::filesystem::path folder = *options.plotsFolder;
+    for (const DrawnPicture& drawn : drawing.pictures)
+        rendered.pictures.push_back({(folder / FileName(drawn.picture, options.plotFormat)).string(),
+                                     FileContent(drawn, options.plotFormat)});
+}
+
+/// Renders the page and the files of the pictures.
+void RenderPictures(RenderedOutput& rendered, const Options& options, const RunOutput& output,
+                    const Report& report)
+{
+    if (!options.htmlPath && !options.plotsFolder)
+        return;
+    const std::vector<Picture> pictures = output.pictures ? output.pictures() : std::vector<Picture>();
+    std::map<PictureFormat, Drawing> drawings;
+    if (options.htmlPath)
+        drawings[PictureFormat::SVG] = Draw(pictures, PictureFormat::SVG);
+    if (options.plotsFolder && drawings.count(options.plotFormat) == 0)
+        drawings[options.plotFormat] = Draw(pictures, options.plotFormat);
+    for (const auto& [format, drawing] : drawings)
+        for (const std::string& failure : drawing.failures)
+            AddFailure(rendered.failures, failure);
+    if (options.htmlPath)
+        rendered.files.push_back(
+            {*options.htmlPath, RenderHtml(options, report, drawings[PictureFormat::SVG])});
+    if (options.plotsFolder)
+        AddPictures(rendered, options, drawings[options.plotFormat]);
+}
+
+/// The names of pictures follow from the analysis, so that they cannot be checked before it.
+void LeaveOutPicturesInUse(RenderedOutput& rendered, const Options& options)
+{
+    std::erase_if(rendered.pictures, [&](const OutputFile& picture) {
+        const std::string use = OtherUseOf(picture.path, options);
+        if (!use.empty())
+            rendered.failures.push_back(
+                fmt::format("The picture '{}' is not written: that is {}.", picture.path, use));
+        return !use.empty();
+    });
+}
+
+} // namespace
+
+void AddFailure(std::vector<std::string>& failures, const std::string& sentence)
+{
+    if (std::find(failures.begin(), failures.end(), sentence) == failures.end())
+        failures.push_back(sentence);
+}
+
+RenderedOutput Render(const Options& options, const RunOutput& output)
+{
+    RenderedOutput rendered;
+    if (WritesJsonToStandardOutput(options))
+        rendered.text = output.json();
+    else if (options.jsonPath)
+        rendered.files.push_back({*options.jsonPath, output.json()});
+    if (output.status.IsError())
+        return rendered;
+    const Report report = output.report();
+    if (!WritesJsonToStandardOutput(options))
+        rendered.text = RenderText(report);
+    RenderPictures(rendered, options, output, report);
+    LeaveOutPicturesInUse(rendered, options);
+    return rendered;
+}
+
+} // namespace host

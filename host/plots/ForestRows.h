@@ -1,0 +1,46 @@
+#pragma once
+
+#include "host/report/AnalysisData.h"
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// An estimate with its interval.
+struct ForestInterval
+{
+    double estimate;
+    double lower;
+    double upper;
+};
+
+/// A line of a forest plot.
+struct ForestRow
+{
+    enum class Kind
+    {
+        HEADING, ///< a label alone
+        STUDY,
+        POOLED,
+        PREDICTION, ///< the estimate is the centre and is not shown
+        GAP         ///< an empty line
+    };
+
+    Kind kind;
+    std::string label = {};
+    std::string remark = {};   ///< beside the label
+    ForestInterval place = {}; ///< on the scale of the analysis
+    ForestInterval shown = {}; ///< on the natural scale
+    double weight = 1;         ///< of a study, as a fraction of all
+};
+
+/// The studies with their effects and the model of all studies. Where there are groups, the studies are in
+/// blocks that end with the group's pooled model.
+std::vector<ForestRow> ForestRows(const AnalysisData& data);
+
+/// The pooled effect after each study of the cumulative analysis, in blocks where there are groups; empty
+/// without a cumulative analysis.
+std::vector<ForestRow> CumulativeForestRows(const AnalysisData& data);
+
+} // namespace host

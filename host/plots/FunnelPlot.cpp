@@ -1,0 +1,243 @@
+#include "host/draw/CutToRectangle.h"
+#include "host/plots/PictureMakers.h"
+#include "host/plots/PlotAxes.h"
+#include "host/plots/ScatterPlot.h"
+#include "host/text/Wording.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstddef>
+#include <numeric>
+#include <utility>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+/// The shade of region `number` of `count`, from the most significant one on to the last, which is white.
+std::string Shade(std::size_t number, std::size_t count)
+{
+    constexpr double DARKEST = 0xC4;
+    constexpr double WHITE = 0xFF;
+    const double share = static_cast<double>(number) / static_cast<double>(count - 1);
+    const int grey = static_cast<int>(std::lround(DARKEST + share * (WHITE - DARKEST)));
+    return fmt::format("#{0:02x}{0:02x}{0:02x}", grey);
+}
+
+std::string WordingOf(MAConst::FunnelConTourTesType test)
+{
+    switch (test) {
+    case MAConst::CONTOUR_UPPER:
+        return "upper-tailed";
+    case MAConst::CONTOUR_LOWER:
+        return "lower-tailed";
+    case MAConst::CONTOUR_TWO_SIDED:
+        return "two-sided";
+    case MAConst::CONTOUR_NONE:
+        break;
+    }
+    return {};
+}
+
+std::string RangeOfP(double from, double to)
+{
+    if (from == 0)
+        return fmt::format("p < {:g}", to);
+    return to == 1 ? fmt::format("p > {:g}", from) : fmt::format("{:g} < p < {:g}", from, to);
+}
+
+std::string VerticalTitle(MAConst::FunnelYType type)
+{
+    switch (type) {
+    case MAConst::FUNNEL_STD_ERROR:
+        return "standard error";
+    case MAConst::FUNNEL_PRECISION:
+        return "1 / standard error";
+    case MAConst::FUNNEL_VARIANCE:
+        return "variance";
+    case MAConst::FUNNEL_INVERSE_VARIANCE:
+        return "1 / variance";
+    }
+    return {};
+}
+
+/// Makes one funnel plot.
+class Funnel
+{
+public:
+    Funnel(const AnalysisData& data, const PlotOfGroup& plot);
+
+    Picture Draw() const;
+
+private:
+    using Rows = std::vector<std::vector<double>>;
+
+    std::vector<Point> RowOf(const Rows& x, const Rows& y, std::size_t row) const;
+    std::vector<Point> Imputed() const;
+    std::vector<Point> Mirrored(std::vector<Point> line) const;
+    bool HasContours() const;
+    void SetAxes(Picture& picture) const;
+    std::vector<Layer> Contours(const Picture& picture) const;
+    std::vector<Point> InsignificantRegion(const Picture& picture, double slope) const;
+
+    const AnalysisData& data_;
+    const MABaseModel& base_;
+    const PlotOfGroup& plot_;
+    MAConst::FunnelYType type_;
+    bool isFilled_; ///< whether imputed studies count in the pooled effect
+    double center_;
+    std::vector<Point> studies_;
+    std::vector<Point> imputed_;
+    std::vector<Point> upperLimit_;
+    std::vector<Point> lowerLimit_;
+};
+
+Funnel::Funnel(const AnalysisData& data, const PlotOfGroup& plot)
+    : data_(data),
+      base_(data.base),
+      plot_(plot),
+      type_(data.settings.GetFunnelYType()),
+      isFilled_(plot.row == 0 && IsNumber(base_.GetOverallTFEffectSize())),
+      center_(isFilled_ ? base_.GetOverallTFEffectSize() : plot.estimate),
+      studies_(RowOf(base_.GetFunnelX(), base_.GetFunnelY(), plot.row)),
+      imputed_(Imputed()),
+      upperLimit_(RowOf(base_.GetFunnelCIX(), base_.GetFunnelCIY(), plot.row)),
+      lowerLimit_(Mirrored(upperLimit_))
+{}
+
+std::vector<Point> Funnel::RowOf(const Rows& x, const Rows& y, std::size_t row) const
+{
+    return row < x.size() ? DrawablePoints(x[row], y[row]) : std::vector<Point>();
+}
+
+/// The row of the imputed studies follows those of all studies and of the groups.
+std::vector<Point> Funnel::Imputed() const
+{
+    if (!isFilled_)
+        return {};
+    return RowOf(base_.GetFunnelX(), base_.GetFunnelY(), 1 + data_.groupLabels.size());
+}
+
+std::vector<Point> Funnel::Mirrored(std::vector<Point> line) const
+{
+    for (Point& point : line)
+        point.x = center_ - (point.x - center_);
+    return line;
+}
+
+/// The library gives contours by their extent at the largest standard error. Only over the standard error is
+/// a contour a line.
+bool Funnel::HasContours() const
+{
+    return type_ == MAConst::FUNNEL_STD_ERROR && plot_.row < base_.GetFunnelContourX().size();
+}
+
+void Funnel::SetAxes(Picture& picture) const
+{
+    Extent x;
+    Extent y;
+    for (const std::vector<Point>* points : {&studies_, &imputed_, &upperLimit_, &lowerLimit_}) {
+        x.Cover(*points, &Point::x);
+        y.Cover(*points, &Point::y);
+    }
+    x.Cover(center_);
+    if (HasContours())
+        x.Cover(0);
+    const bool pointsDown = type_ == MAConst::FUNNEL_STD_ERROR || type_ == MAConst::FUNNEL_VARIANCE;
+    x.Pad(0.04);
+    y.Pad(0.05);
+    if (pointsDown)
+        y.StartAt(0);
+    picture.x = EffectAxis(data_.measure, data_.measure.name, x);
+    picture.y = NumberAxis(Capitalised(VerticalTitle(type_)), y);
+    if (pointsDown)
+        std::swap(picture.y.first, picture.y.last);
+}
+
+/// The region where a test at the level of the contour does not reject. It lies on the null's side of the
+/// line, or between the two lines, which start at the null and standard error 0.
+std::vector<Point> Funnel::InsignificantRegion(const Picture& picture, double slope) const
+{
+    const double bottom = picture.y.first;
+    const Point end = {slope * bottom, bottom};
+    switch (data_.settings.GetFunnelConTourTesType()) {
+    case MAConst::CONTOUR_UPPER:
+        return {{picture.x.first, 0}, {0, 0}, end, {picture.x.first, bottom}};
+    case MAConst::CONTOUR_LOWER:
+        return {{picture.x.last, 0}, {0, 0}, end, {picture.x.last, bottom}};
+    case MAConst::CONTOUR_TWO_SIDED:
+        return {{-end.x, bottom}, {0, 0}, end};
+    case MAConst::CONTOUR_NONE:
+        break;
+    }
+    return {};
+}
+
+/// The regions from the most significant one, which fills the frame, to the least. Each covers part of those
+/// before.
+std::vector<Layer> Funnel::Contours(const Picture& picture) const
+{
+    std::vector<double> levels;
+    data_.settings.GetSetFunnelConTourCutoff(levels);
+    const std::vector<double> extents = base_.GetFunnelContourX()[plot_.row];
+    const double height = base_.GetFunnelContourY()[plot_.row];
+    std::vector<std::size_t> order(levels.size());
+    std::iota(order.begin(), order.end(), 0U);
+    std::sort(order.begin(), order.end(), [&](auto a, auto b) { return levels[a] < levels[b]; });
+
+    const Rectangle frame = RectangleOf(picture.x, picture.y);
+    std::vector<Point> region = {
+        frame.least, {frame.least.x, frame.most.y}, frame.most, {frame.most.x, frame.least.y}};
+    std::vector<Layer> regions;
+    const auto addRegion = [&](double from, double to) {
+        const std::string legend =
+            fmt::format("{}, {}", RangeOfP(from, to), WordingOf(data_.settings.GetFunnelConTourTesType()));
+        const std::string shade = Shade(regions.size(), levels.size() + 1);
+        regions.push_back({Layer::Kind::AREA, shade, {std::move(region)}, {}, 0, legend});
+    };
+    double from = 0;
+    for (const std::size_t i : order) {
+        addRegion(from, levels[i]);
+        region = InsignificantRegion(picture, extents[i] / height);
+        from = levels[i];
+    }
+    addRegion(from, 1);
+    return regions;
+}
+
+Picture Funnel::Draw() const
+{
+    Picture picture = NewScatterPlot(NameOfGroupPlot({"funnel", "Funnel plot", ""}, plot_));
+    SetAxes(picture);
+    if (HasContours())
+        picture.layers = Contours(picture);
+    picture.layers.push_back(
+        {Layer::Kind::DASHED_LINE, color::INK, {upperLimit_, lowerLimit_}, {}, 1.2, data_.level + " limits"});
+    picture.layers.push_back(LineBetween({center_, picture.y.first}, {center_, picture.y.last},
+                                         Layer::Kind::LINE, color::ACCENT,
+                                         imputed_.empty() ? "Pooled effect" : "Effect with imputed studies"));
+    if (!imputed_.empty())
+        picture.layers.push_back(Dots(imputed_, Layer::Kind::RINGS, color::INK, "Imputed study"));
+    picture.layers.push_back(StudyDots(studies_));
+    picture.description =
+        fmt::format("{}: {} by {} and {}{}; the pooled effect and its {} limits form a funnel.",
+                    picture.title, CountOfStudies(studies_.size()), data_.measure.name, VerticalTitle(type_),
+                    imputed_.empty() ? "" : fmt::format(", and {} imputed", imputed_.size()), data_.level);
+    return Finished(std::move(picture));
+}
+
+} // namespace
+
+std::vector<Picture> FunnelPictures(const AnalysisData& data)
+{
+    std::vector<Picture> pictures;
+    for (const PlotOfGroup& plot : AllAndGroups(data, data.base.GetFunnelX().size()))
+        pictures.push_back(Funnel(data, plot).Draw());
+    return pictures;
+}
+
+} // namespace host

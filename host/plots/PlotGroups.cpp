@@ -1,0 +1,49 @@
+#include "host/plots/PlotGroups.h"
+
+#include "host/report/EffectRows.h"
+#include "host/text/PlainText.h"
+
+#include <fmt/format.h>
+
+namespace host {
+
+namespace {
+
+std::vector<PlotOfGroup> Groups(const AnalysisData& data, std::size_t firstRow)
+{
+    const std::vector<double> estimates = PooledRows(data).effects.values;
+    std::vector<PlotOfGroup> plots;
+    for (std::size_t group = 0; group < data.groupLabels.size(); ++group)
+        plots.push_back({firstRow + group, GroupName(data, group), estimates[group], group + 1});
+    return plots;
+}
+
+PlotOfGroup AllStudies(const AnalysisData& data)
+{
+    return {0, "", PooledRows(data).effects.values.back(), 0};
+}
+
+} // namespace
+
+std::vector<PlotOfGroup> AllAndGroups(const AnalysisData& data, std::size_t rowCount)
+{
+    if (rowCount <= data.groupLabels.size())
+        return {};
+    std::vector<PlotOfGroup> plots = Groups(data, 1);
+    plots.insert(plots.begin(), AllStudies(data));
+    return plots;
+}
+
+std::vector<PlotOfGroup> GroupsOrAll(const AnalysisData& data)
+{
+    if (data.groupLabels.empty())
+        return {AllStudies(data)};
+    return Groups(data, 0);
+}
+
+std::string GroupName(const AnalysisData& data, std::size_t group)
+{
+    return fmt::format("{}: {}", LabelText(data.request.subgroup.column), data.groupLabels[group]);
+}
+
+} // namespace host

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "host/report/AnalysisData.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// A plot of all studies or of one group; the library has a row of coordinates for each.
+struct PlotOfGroup
+{
+    std::size_t row;
+    std::string group;  ///< empty for all studies
+    double estimate;    ///< pooled
+    std::size_t number; ///< of the group, from 1
+};
+
+/// All studies, then each group; empty without coordinates.
+std::vector<PlotOfGroup> AllAndGroups(const AnalysisData& data, std::size_t rowCount);
+/// Each group, or all studies where there are no groups.
+std::vector<PlotOfGroup> GroupsOrAll(const AnalysisData& data);
+
+/// The group with the name of its column: "country: Japan".
+std::string GroupName(const AnalysisData& data, std::size_t group);
+
+} // namespace host

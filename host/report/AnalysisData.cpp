@@ -1,0 +1,72 @@
+#include "host/report/AnalysisData.h"
+
+#include "host/report/ReportColumns.h"
+#include "host/text/PlainText.h"
+#include "host/text/Wording.h"
+
+#include <algorithm>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+/// The labels of two groups or more. The library lists their values, and behind them one for all studies.
+std::vector<std::string> GroupLabels(const ValueLabels& subgroup, std::vector<double> groups)
+{
+    std::vector<std::string> labels;
+    if (groups.size() < 2)
+        return labels;
+    groups.pop_back();
+    for (const double value : groups)
+        labels.push_back(LabelText(subgroup.LabelOf(value)));
+    return labels;
+}
+
+} // namespace
+
+AnalysisData::AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofAnalysis)
+    : request(ofRequest),
+      analysis(ofAnalysis),
+      settings(request.settings),
+      base(analysis.Base()),
+      measure(MeasureOf(settings)),
+      binary(measure.isRatio ? analysis.Binary() : nullptr),
+      level(WordingOfLevel(settings)),
+      decimals(std::max(DecimalsFor(base.GetStdError()), DecimalsFor(base.GetEstStdError()))),
+      groupLabels(GroupLabels(request.subgroup, base.GetUniGroup()))
+{}
+
+std::vector<std::string> AnalysisData::RowLabels(std::size_t rowCount) const
+{
+    std::vector<std::string> labels = {OVERALL};
+    if (rowCount > 1)
+        labels.insert(labels.begin(), groupLabels.begin(), groupLabels.end());
+    return labels;
+}
+
+std::vector<std::string> AnalysisData::StudyLabelsOf(const std::vector<int>& records) const
+{
+    std::vector<std::string> labels;
+    labels.reserve(records.size());
+    for (const int record : records)
+        labels.push_back(LabelText(request.studyLabels[static_cast<std::size_t>(record)]));
+    return labels;
+}
+
+std::vector<std::string> AnalysisData::VariableLabelsOf(const std::vector<int>& positions) const
+{
+    std::vector<std::string> labels;
+    labels.reserve(positions.size());
+    for (const int position : positions)
+        labels.push_back(LabelText(request.variables.GetVarAt(position).name));
+    return labels;
+}
+
+std::string AnalysisData::IntervalHeader(const std::string& symbol) const
+{
+    return host::IntervalHeader(symbol, level);
+}
+
+} // namespace host

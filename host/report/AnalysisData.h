@@ -1,0 +1,41 @@
+#pragma once
+
+#include "host/run/Analysis.h"
+#include "host/run/AnalysisRequest.h"
+#include "host/text/Measures.h"
+#include "host/text/NumberText.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// The label of the row of all studies.
+inline constexpr const char* OVERALL = "Overall";
+
+/// What sections and pictures show of an analysis: its request, its results, and how both are presented. It
+/// refers to request and analysis, which must outlive it.
+struct AnalysisData
+{
+    AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofAnalysis);
+
+    const AnalysisRequest& request;
+    const Analysis& analysis;
+    const MA_NAMESPACE::MAModelSettings& settings;
+    const MA_NAMESPACE::MABaseModel& base;
+    Measure measure;
+    const MA_NAMESPACE::MABinModel* binary; ///< null unless there are results on the ratio scale
+    std::string level;                      ///< "95%"
+    int decimals;                           ///< of effects and standard errors
+    std::vector<std::string> groupLabels;   ///< empty unless there are two groups or more
+
+    /// Labels of the rows of each group and of all studies, or of all studies alone.
+    std::vector<std::string> RowLabels(std::size_t rowCount) const;
+    std::vector<std::string> StudyLabelsOf(const std::vector<int>& records) const;
+    std::vector<std::string> VariableLabelsOf(const std::vector<int>& positions) const;
+    std::string IntervalHeader(const std::string& symbol) const;
+    std::string EffectText(double value) const { return FixedText(value, decimals); }
+};
+
+} // namespace host

@@ -1,0 +1,46 @@
+#pragma once
+
+#include "host/report/AnalysisData.h"
+#include "host/report/Report.h"
+#include "host/text/NumberText.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// Rows of effects with their tests. A part that is empty is not shown.
+struct EffectRows
+{
+    Estimates ratios = {};  ///< on the ratio scale
+    Estimates effects = {}; ///< on the scale of the analysis
+    std::vector<double> stdErrors = {};
+    std::vector<double> statistics = {};
+    std::vector<double> significances = {};
+};
+
+/// The effects of the studies, without tests.
+EffectRows StudyRows(const AnalysisData& data);
+
+/// The models of each group and of all studies, or the latter alone. After a cumulative analysis these are
+/// the last steps.
+EffectRows PooledRows(const AnalysisData& data);
+
+/// The steps of the cumulative analysis of a group, or of all studies where there are no groups.
+EffectRows CumulativeRows(const AnalysisData& data, std::size_t group);
+
+/// The headers of a table's effects.
+struct EffectHeaders
+{
+    std::string ratio;
+    std::string effect;
+};
+
+EffectHeaders HeadersOf(const Measure& measure);
+
+/// Appends the columns of the rows to a table.
+void AppendEffects(std::vector<ReportColumn>& table, const EffectRows& rows, const EffectHeaders& headers,
+                   const AnalysisData& data);
+
+} // namespace host

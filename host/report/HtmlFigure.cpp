@@ -1,0 +1,106 @@
+#include "host/report/HtmlFigure.h"
+
+#include "host/text/PlainText.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <vector>
+
+namespace host {
+
+namespace {
+
+constexpr double TALL = 500;        // pixels above which a picture may fill a page of paper
+constexpr double PAPER_SHAPE = 1.2; // height of a slice over its width, which leaves room for the caption
+
+struct Band
+{
+    double top;
+    double bottom;
+};
+
+bool IsSliced(const Picture& picture)
+{
+    return picture.rowHeight > 0 && picture.height > PAPER_SHAPE * picture.width;
+}
+
+/// Divides the rows into bands that fit a page below the headings. The last band includes the axis and all
+/// below it.
+std::vector<Band> Slices(const Picture& picture)
+{
+    const double end = picture.frame.top + picture.frame.height;
+    const double below = picture.height - end;
+    const double room = PAPER_SHAPE * picture.width - picture.frame.top;
+    const double rows = std::max(1.0, std::floor(room / picture.rowHeight)) * picture.rowHeight;
+    std::vector<Band> slices;
+    double top = picture.frame.top;
+    for (; end - top + below > room; top += rows)
+        slices.push_back({top, std::min(top + rows, end)});
+    slices.push_back({top, picture.height});
+    return slices;
+}
+
+std::string BandOf(const Picture& picture, const Band& band)
+{
+    return fmt::format(
+        "<svg viewBox=\"0 {:.2f} {:.2f} {:.2f}\"><use xlink:href=\"#{}-gnuplot_canvas\"/></svg>\n", band.top,
+        picture.width, band.bottom - band.top, picture.name);
+}
+
+std::string SlicesForPaper(const Picture& picture)
+{
+    if (!IsSliced(picture))
+        return {};
+    std::string html = "<div class=\"paper\" aria-hidden=\"true\">\n";
+    for (const Band& slice : Slices(picture))
+        html += "<div>" + BandOf(picture, {0, picture.frame.top}) + BandOf(picture, slice) + "</div>\n";
+    return html + "</div>\n";
+}
+
+const char* ClassOf(const Picture& picture)
+{
+    if (IsSliced(picture))
+        return " class=\"sliced\"";
+    return picture.height > TALL ? " class=\"tall\"" : "";
+}
+
+} // namespace
+
+std::string HtmlFigure(const DrawnPicture& drawn, int number)
+{
+    const Picture& picture = drawn.picture;
+    const std::string caption = fmt::format("Figure {}. {}", number, picture.description);
+    return fmt::format(
+        "<figure{}>\n<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"{}\" "
+        "style=\"max-width: {:.0f}px\">\n{}\n</div>\n{}<figcaption>{}</figcaption>\n</figure>\n",
+        ClassOf(picture), HtmlEscaped(picture.title), picture.width, drawn.bytes, SlicesForPaper(picture),
+        HtmlEscaped(caption));
+}
+
+std::string HtmlEscaped(const std::string& text)
+{
+    std::string escaped;
+    for (const char c : PlainText(text)) {
+        switch (c) {
+        case '&':
+            escaped += "&amp;";
+            break;
+        case '<':
+            escaped += "&lt;";
+            break;
+        case '>':
+            escaped += "&gt;";
+            break;
+        case '"':
+            escaped += "&quot;";
+            break;
+        default:
+            escaped += c;
+        }
+    }
+    return escaped;
+}
+
+} // namespace host

@@ -1,0 +1,35 @@
+#pragma once
+
+#include "host/cli/Options.h"
+#include "host/report/Report.h"
+#include "host/run/RegressionAnalysis.h"
+#include "host/run/RegressionRequest.h"
+#include "host/text/NumberText.h"
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// What sections show of a meta-regression: its request, its results, and how both are presented. It refers
+/// to options, request and analysis, which must outlive it.
+struct RegressionData
+{
+    RegressionData(const Options& ofOptions, const RegressionRequest& ofRequest,
+                   const RegressionAnalysis& ofAnalysis);
+
+    const Options& options;
+    const RegressionRequest& request;
+    const RegressionAnalysis& analysis;
+    const MA_NAMESPACE::MARegOutputStats& output;
+    bool isRandom;
+    std::string level; ///< "95%"
+    int decimals;      ///< of effects and standard errors
+
+    ReportColumn EffectColumn(const char* header, const std::vector<double>& values) const;
+};
+
+/// A column of a table that has one row.
+ReportColumn Cell(const char* header, const std::string& text);
+
+} // namespace host

@@ -1,0 +1,86 @@
+#include "host/report/RegressionResults.h"
+
+#include "host/text/JsonValue.h"
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+Json NamesOf(const std::vector<KXRegrParameter>& parameters, const RegressionRequest& request)
+{
+    Json names = Json::array();
+    for (const KXRegrParameter& parameter : parameters)
+        names.push_back(ParameterName(parameter, request));
+    return names;
+}
+
+Json ScoresOf(const RegressionAnalysis& analysis)
+{
+    Json scores = Json::array();
+    for (const std::optional<Score>& score : analysis.scores) {
+        if (!score)
+            scores.push_back(nullptr);
+        else
+            scores.push_back(
+                ToJson(std::vector<double>{score->fit, score->stdError, score->lower, score->upper,
+                                           score->residual, score->residualStdError, score->leverage}));
+    }
+    return scores;
+}
+
+/// Adds what the getter Get<name> returns, under its name. A macro, so that key and getter are one word.
+#define ADD_RESULT(name) results[#name] = ToJson(output.Get##name())
+
+} // namespace
+
+Json ResultsOf(const RegressionRequest& request, const RegressionAnalysis& analysis)
+{
+    const MARegOutputStats& output = *analysis.output;
+    Json results;
+    ADD_RESULT(NGoodRecords);
+    ADD_RESULT(NBadRecords);
+    ADD_RESULT(Tau);
+    ADD_RESULT(Tau2CILower);
+    ADD_RESULT(Tau2CIUpper);
+    ADD_RESULT(Tau2Convergence);
+    ADD_RESULT(Tau2Evaluations);
+    ADD_RESULT(LogLikelihood);
+    ADD_RESULT(AIC);
+    ADD_RESULT(BIC);
+    ADD_RESULT(AICc);
+    ADD_RESULT(Estimation);
+    results["Parameters"] = NamesOf(output.GetParameters(), request);
+    ADD_RESULT(RedundancyInfo);
+    ADD_RESULT(BetaStandErr);
+    ADD_RESULT(BetaTest);
+    ADD_RESULT(BetaTestPValue);
+    ADD_RESULT(BetaTestLog10PValue);
+    ADD_RESULT(BetaConfInterValLower);
+    ADD_RESULT(BetaConfInterValUpper);
+    ADD_RESULT(WaldChiSquareTest);
+    ADD_RESULT(WaldDf);
+    ADD_RESULT(WaldPValue);
+    ADD_RESULT(FTestVal);
+    ADD_RESULT(FPValue);
+    ADD_RESULT(ModelTestLog10PValue);
+    ADD_RESULT(FDf1);
+    ADD_RESULT(FDf2);
+    ADD_RESULT(MultiDisper);
+    ADD_RESULT(ResHomoChiSqure);
+    ADD_RESULT(ResHomoDf);
+    ADD_RESULT(ResHomoPValue);
+    ADD_RESULT(ResHomoLog10PValue);
+    ADD_RESULT(HresSquare);
+    ADD_RESULT(IresSquare);
+    ADD_RESULT(RSquare);
+    results["Score"] = ScoresOf(analysis);
+    return results;
+}
+
+#undef ADD_RESULT
+
+} // namespace host

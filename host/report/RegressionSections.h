@@ -1,0 +1,20 @@
+#pragma once
+
+#include "host/report/RegressionData.h"
+#include "host/report/Report.h"
+
+namespace host {
+
+/// Makes the sections that show one step of a meta-regression: none when the step has nothing to show. Each
+/// maker is in the file of its name in host/report/regression.
+using RegressionSectionMaker = ReportSections(const RegressionData& data);
+
+RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection,
+    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection;
+
+/// The sections in the order of the report.
+inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
+    FittedStudiesSection,         CoefficientsSection,     ModelTestSection,
+    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection};
+
+} // namespace host

@@ -1,0 +1,23 @@
+#pragma once
+
+#include "host/report/AnalysisData.h"
+#include "host/report/Report.h"
+
+#include <cstddef>
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// How many tables have the zero-cell correction for the studies' own effects; empty when none has.
+std::string WordingOfStudyCorrection(const AnalysisData& data);
+
+/// How many corrected tables each pooled effect has; empty unless tables are pooled and some have a zero
+/// cell.
+std::string WordingOfPooledCorrection(const AnalysisData& data);
+
+/// Appends a column with the number of corrected tables in each step of a group, or of all studies, unless
+/// no step has one.
+void AppendCorrectionOfSteps(std::vector<ReportColumn>& table, const AnalysisData& data, std::size_t group);
+
+} // namespace host

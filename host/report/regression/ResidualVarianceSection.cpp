@@ -1,0 +1,35 @@
+#include "host/report/RegressionSections.h"
+#include "host/report/ReportColumns.h"
+#include "host/text/Wording.h"
+
+#include <fmt/format.h>
+
+namespace host {
+
+ReportSections ResidualVarianceSection(const RegressionData& data)
+{
+    if (!data.isRandom)
+        return {};
+    const Estimates tau2 = {
+        {data.output.GetTau()}, {data.output.GetTau2CILower()}, {data.output.GetTau2CIUpper()}};
+    const Estimates tau = {SquareRoots(tau2.values), SquareRoots(tau2.lower), SquareRoots(tau2.upper)};
+    ReportSection section = {
+        "Residual variance between studies",
+        {EstimateColumn("tau²", data.level, tau2), EstimateColumn("tau", data.level, tau)},
+        {}};
+    if (HasAnyValue({data.output.GetLogLikelihood()})) {
+        section.table.push_back(Cell("log-likelihood", NumberText(data.output.GetLogLikelihood())));
+        section.table.push_back(Cell("AIC", NumberText(data.output.GetAIC())));
+    }
+    const MAConst::TAU2INTERVAL method = data.request.settings.GetTau2Interval();
+    if (HasAnyValue(tau2.upper))
+        section.sentences.push_back(
+            fmt::format("The intervals are {} intervals.", WordingOfTau2Interval(method)));
+    if (method == MAConst::TAU2_INTERVAL_Q_PROFILE && tau2.upper.front() == 0)
+        section.sentences.emplace_back(EMPTY_Q_PROFILE);
+    if (const std::string doubt = WordingOfDoubtfulEnd(data.output.GetTau2Convergence()); !doubt.empty())
+        section.sentences.push_back(doubt + '.');
+    return {section};
+}
+
+} // namespace host

@@ -1,0 +1,43 @@
+#include "host/report/Sections.h"
+#include "host/text/NumberText.h"
+#include "host/text/Wording.h"
+
+#include <algorithm>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+/// Explains the weights of the test where they differ from what the pooled effects suggest.
+std::vector<std::string> BetweenGroupsSentences(const AnalysisData& data)
+{
+    const std::vector<int> sizes = data.base.GetGroupN();
+    const bool hasSingle = std::find(sizes.begin(), sizes.end(), 1) != sizes.end();
+    std::vector<std::string> sentences;
+    if (hasSingle && IsRandom(data.settings))
+        sentences.push_back("A group of one study has no between-study variance of its own: it enters this "
+                            "test with its within-study variance alone, and so with a large weight.");
+    if (PoolsTables(data.settings))
+        sentences.push_back("This test weighs the studies by the inverse of their variance, unlike the "
+                            "pooled effects above, whose differences it need not match.");
+    return sentences;
+}
+
+} // namespace
+
+ReportSections BetweenGroupsSection(const AnalysisData& data)
+{
+    const MABaseModel& base = data.base;
+    if (base.GetGDQbDf() == 0)
+        return {};
+    ReportSection section = {"Heterogeneity between the groups", {}, {}};
+    section.table.push_back({"Q", {NumberText(base.GetGDQbVal())}});
+    section.table.push_back({"df", {std::to_string(base.GetGDQbDf())}});
+    section.table.push_back({"p", {PValueText(base.GetGDQbSig())}});
+    section.sentences = BetweenGroupsSentences(data);
+    return {section};
+}
+
+} // namespace host

@@ -1,0 +1,68 @@
+#include "host/report/ReportColumns.h"
+#include "host/report/Sections.h"
+#include "host/text/NumberText.h"
+#include "host/text/Wording.h"
+
+#include <fmt/format.h>
+
+#include <cstddef>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+/// The label of the model and a colon where there are several models; else empty.
+std::string Opening(const std::vector<std::string>& labels, std::size_t model)
+{
+    return labels.size() > 1 ? labels[model] + ": " : "";
+}
+
+/// Names the method of the intervals, and explains those that are empty.
+void AppendIntervalSentences(ReportSection& section, const AnalysisData& data)
+{
+    const std::vector<double> upper = data.base.GetTau2CIUpper();
+    const MAConst::TAU2INTERVAL method = data.settings.GetTau2Interval();
+    if (!HasAnyValue(upper))
+        return;
+    section.sentences.push_back(fmt::format("The intervals of tau², tau, I² and H² are {} intervals.",
+                                            WordingOfTau2Interval(method)));
+    const std::vector<std::string> labels = data.RowLabels(upper.size());
+    for (std::size_t i = 0; i < upper.size(); ++i)
+        if (upper[i] == 0 && method == MAConst::TAU2_INTERVAL_Q_PROFILE)
+            section.sentences.push_back(Opening(labels, i) + EMPTY_Q_PROFILE);
+}
+
+void AppendDoubtfulEnds(ReportSection& section, const AnalysisData& data)
+{
+    const std::vector<double> convergence = data.base.GetTau2Convergence();
+    const std::vector<std::string> labels = data.RowLabels(convergence.size());
+    for (std::size_t i = 0; i < convergence.size(); ++i)
+        if (const std::string doubt = WordingOfDoubtfulEnd(convergence[i]); !doubt.empty())
+            section.sentences.push_back(Opening(labels, i) + doubt + '.');
+}
+
+} // namespace
+
+ReportSections BetweenStudyVarianceSection(const AnalysisData& data)
+{
+    const MABaseModel& base = data.base;
+    const Estimates tau2 = {base.GetTau2Var(), base.GetTau2CILower(), base.GetTau2CIUpper()};
+    if (!HasAnyValue(tau2.values))
+        return {};
+    ReportSection section = {
+        "Variance between studies", {{"", data.RowLabels(tau2.values.size()), true}}, {}};
+    section.table.push_back(EstimateColumn("tau²", data.level, tau2));
+    section.table.push_back(EstimateColumn(
+        "tau", data.level, {SquareRoots(tau2.values), SquareRoots(tau2.lower), SquareRoots(tau2.upper)}));
+    if (HasAnyValue(base.GetLogLikelihood())) {
+        section.table.push_back({"log-likelihood", TextsOf(base.GetLogLikelihood(), NumberText)});
+        section.table.push_back({"AIC", TextsOf(base.GetAIC(), NumberText)});
+    }
+    AppendIntervalSentences(section, data);
+    AppendDoubtfulEnds(section, data);
+    return {section};
+}
+
+} // namespace host

@@ -1,0 +1,111 @@
+#include "host/run/Analysis.h"
+
+#include "host/run/RegressionSettings.h"
+#include "host/text/Measures.h"
+#include "host/text/StatusText.h"
+
+#include <type_traits>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+Analysis NewAnalysis(const MAModelSettings& settings)
+{
+    if (IsBinary(settings))
+        return {.model = MABinModel(settings),
+                .status = {},
+                .testStatus = {},
+                .bubbleStatus = {},
+                .globalTau2 = {}};
+    return {
+        .model = MAContModel(settings), .status = {}, .testStatus = {}, .bubbleStatus = {}, .globalTau2 = {}};
+}
+
+KXStatus TestOverall(MABinModel& model, AnalysisRequest& request)
+{
+    return model.RegBasedBinTest(request.records, request.variables, request.settings.GetRegBaseTestType());
+}
+
+/// Continuous outcomes have one type of test.
+KXStatus TestOverall(MAContModel& model, AnalysisRequest& request)
+{
+    return model.RegBasedContTest(request.records, request.variables);
+}
+
+/// Runs the test of all studies, then the tests of each group and of all studies with all parameters.
+template <class Model>
+KXStatus RunSmallStudyTest(Model& model, AnalysisRequest& request)
+{
+    const KXStatus status = TestOverall(model, request);
+    if (status.IsError())
+        return status;
+    return model.RegBasedTest(request.records, request.variables, SmallStudyTestSettings(request.settings));
+}
+
+/// Runs the same models by the global search, without the steps beyond them.
+template <class Model>
+std::vector<double> Tau2ByGlobalSearch(AnalysisRequest& request)
+{
+    MAModelSettings settings = request.settings;
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    settings.SetIsTRIMFILL(false);
+    settings.SetCommulativeIndex(-1);
+    Model model(settings);
+    model.RUN(request.records, request.variables);
+    return model.GetTau2Var();
+}
+
+KXStatus PlotBubbles(MABaseModel& model, AnalysisRequest& request)
+{
+    MARegSettings settings = RegressionSettings(request.settings);
+    for (const int covariate : request.bubbleCovariates)
+        settings.AddCovariate(covariate);
+    return model.BubblePlot(request.records, request.variables, settings);
+}
+
+} // namespace
+
+const MABaseModel& Analysis::Base() const
+{
+    return std::visit([](const MABaseModel& base) -> const MABaseModel& { return base; }, model);
+}
+
+KXStatus Analysis::FinalStatus() const
+{
+    if (status.IsError())
+        return status;
+    if (HasFailedTest())
+        return *testStatus;
+    return bubbleStatus.IsError() ? bubbleStatus : status;
+}
+
+RecordSummary Analysis::Records(std::size_t read) const
+{
+    const MABaseModel& base = Base();
+    return {read, base.GetNonMissingStudyID(), base.GetNMissing(), base.GetNInvalid(), base.GetNDropped()};
+}
+
+Analysis RunAnalysis(AnalysisRequest& request)
+{
+    Analysis analysis = NewAnalysis(request.settings);
+    std::visit(
+        [&](auto& model) {
+            analysis.status = model.RUN(request.records, request.variables);
+            if (analysis.status.IsError())
+                return;
+            analysis.trimmedSide = model.GetTRimFillSide();
+            if (request.runsSmallStudyTest)
+                analysis.testStatus = RunSmallStudyTest(model, request);
+            if (!request.bubbleCovariates.empty())
+                analysis.bubbleStatus = PlotBubbles(model, request);
+            if (HasTau2Doubt(model.GetWarnings()))
+                analysis.globalTau2 = Tau2ByGlobalSearch<std::remove_reference_t<decltype(model)>>(request);
+        },
+        analysis.model);
+    return analysis;
+}
+
+} // namespace host

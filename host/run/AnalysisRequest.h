@@ -1,0 +1,32 @@
+#pragma once
+
+#include "host/cli/Options.h"
+#include "host/data/DataTable.h"
+#include "host/data/ValueLabels.h"
+
+#include "meta_analysis/platform/common/KXVarList.h"
+#include "meta_analysis/platform/common/VectorRecordIter.h"
+#include "meta_analysis/settings/MAModelSettings.h"
+
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// The input of an analysis: settings with the positions of the columns, and the data.
+struct AnalysisRequest
+{
+    MA_NAMESPACE::MAModelSettings settings;
+    KXVarList variables;
+    VectorRecordIter records;
+    std::vector<std::string> studyLabels; ///< one a record
+    ValueLabels subgroup;                 ///< of the columns that part and order the studies, if given
+    ValueLabels cumulative;
+    std::vector<int> bubbleCovariates; ///< variables
+    bool runsSmallStudyTest = false;
+};
+
+/// Picks the columns that the options name. Throws UnusableInput.
+AnalysisRequest MakeAnalysisRequest(const Options& options, const DataTable& table);
+
+} // namespace host

@@ -1,0 +1,33 @@
+#pragma once
+
+#include "host/cli/Options.h"
+#include "host/data/DataTable.h"
+
+#include "meta_analysis/platform/common/KXVarList.h"
+#include "meta_analysis/platform/common/Record.h"
+#include "meta_analysis/platform/regression/KXRegrParameter.h"
+#include "meta_analysis/settings/MARegSettings.h"
+
+#include <map>
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// The input of a meta-regression: settings with the positions of the columns, and the data.
+struct RegressionRequest
+{
+    MA_NAMESPACE::MARegSettings settings;
+    KXVarList variables;
+    std::map<int, std::vector<std::string>> levels; ///< of each factor by its position, in the order coded
+    std::vector<Record> records;
+    std::vector<std::string> studyLabels; ///< one a record
+};
+
+/// Picks and codes the columns that the options name. Throws UnusableInput.
+RegressionRequest MakeRegressionRequest(const Options& options, const DataTable& table);
+
+/// The name of a parameter: "(intercept)", "latitude", "latitude^2", "allocation=random*latitude".
+std::string ParameterName(const KXRegrParameter& parameter, const RegressionRequest& request);
+
+} // namespace host

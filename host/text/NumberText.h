@@ -1,0 +1,63 @@
+#pragma once
+
+#include <algorithm>
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// What stands for a missing value and for NaN.
+inline constexpr const char* NO_VALUE = "-";
+
+/// Whether the library gave a value, which may be infinite: neither missing nor NaN.
+bool HasValue(double value);
+bool HasAnyValue(const std::vector<double>& values);
+/// Whether a value can be drawn: it is finite, neither missing nor NaN.
+bool IsNumber(double value);
+
+/// A number with `decimals` digits behind the point, for columns; a huge one in scientific form.
+std::string FixedText(double value, int decimals);
+
+/// A number of any size with four decimals, or with three significant digits where four decimals would show
+/// fewer than two.
+std::string NumberText(double value);
+
+/// A probability with four decimals, or "< 0.0001". A p-value that underflowed is not shown as 0.
+std::string PValueText(double p);
+
+/// A fraction as "12.3%".
+std::string PercentText(double fraction, int decimals);
+
+/// The text of each number.
+template <class ToText>
+std::vector<std::string> TextsOf(const std::vector<double>& values, const ToText& toText)
+{
+    std::vector<std::string> texts(values.size());
+    std::transform(values.begin(), values.end(), texts.begin(), toText);
+    return texts;
+}
+
+/// The numbers times 100; missing stays missing.
+std::vector<double> InPercent(std::vector<double> fractions);
+
+/// Missing stays missing.
+std::vector<double> SquareRoots(std::vector<double> values);
+
+/// Decimals that suit effects with these standard errors: three significant digits of the smallest, but no
+/// less than four.
+int DecimalsFor(const std::vector<double>& stdErrors);
+
+/// Estimates with their intervals, entry by entry, or intervals alone where there are no estimates.
+struct Estimates
+{
+    std::vector<double> values;
+    std::vector<double> lower;
+    std::vector<double> upper;
+};
+
+/// "0.4746 [0.3296, 0.6835]" for each entry, or "[0.3296, 0.6835]"; each part as wide in all entries. With
+/// `decimals`, numbers are fixed texts, else number texts.
+std::vector<std::string> EstimateTexts(const Estimates& estimates, int decimals);
+std::vector<std::string> EstimateTexts(const Estimates& estimates);
+
+} // namespace host

@@ -1,0 +1,30 @@
+#pragma once
+
+#include <functional>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+/// The text as one line of valid UTF-8 that may stand in XML and HTML: control characters become spaces,
+/// bytes that are no UTF-8 and code points that are no characters become the replacement character.
+std::string PlainText(std::string_view text);
+
+/// A label as one line of text, whatever the field held; an empty one as a missing value.
+std::string LabelText(std::string label);
+
+/// The text as PlainText() makes it, with `replacement` for each character that is unwanted.
+std::string WithoutCharacters(std::string_view text, char replacement,
+                              const std::function<bool(char32_t)>& isUnwanted);
+
+/// Upper bound of the text's width in a sans-serif font, in units of the font's size.
+double TextWidth(std::string_view text, bool isBold = false);
+
+/// The text, or its start and its end about an ellipsis where it is wider than `limit`.
+std::string ShortenedText(std::string_view text, double limit);
+
+/// A part of a file name that resembles the text: lower-case ASCII letters, digits and single dashes. Empty
+/// when the text has no such characters.
+std::string FileNamePart(std::string_view text);
+
+} // namespace host

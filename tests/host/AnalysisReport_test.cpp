@@ -1,0 +1,180 @@
+// The content and the order of reports. The documents show whole reports, which a test of their own compares.
+
+#include "host/RunProgram.h"
+
+using testing::ContainsRegex;
+
+namespace {
+
+struct ShownReport
+{
+    Arguments arguments;
+    std::string pattern; ///< a POSIX expression, in which .* matches ends of lines too
+};
+
+void ExpectShown(const std::vector<ShownReport>& reports)
+{
+    for (const ShownReport& one : reports)
+        EXPECT_THAT(ReportOf(one.arguments), ContainsRegex(one.pattern));
+}
+
+TEST(AnalysisReport, SaysThatNoRecordCouldBeUsed)
+{
+    const TemporaryFolder folder;
+    const std::string unusable = folder.Write("t.csv", "effect,variance\nNA,1\n1,0\n");
+    ExpectShown({
+        {Effects(unusable), "2 read, 0 used, 1 missing, 1 invalid, 0 dropped\nNo record could be used"},
+    });
+}
+
+TEST(AnalysisReport, DescribesTheModelAndItsCorrections)
+{
+    const Arguments fixed = Bcg() + "--model fixed";
+    const std::string tables = "--weights mantel-haenszel";
+    const TemporaryFolder folder;
+    const std::string zeros =
+        folder.Write("t.csv", "treatment_events,treatment_nonevents,control_events,control_nonevents,g\n"
+                              "0,9,2,7,a\n0,8,3,5,b\n4,9,5,6,b\n");
+    const std::string oneSided =
+        folder.Write("o.csv", "treatment_events,treatment_nonevents,control_events,control_nonevents\n"
+                              "0,100,0,100\n3,97,0,100\n2,98,0,100\n");
+    ExpectShown({
+        {Bcg() + "--tau2 dl --knapp-hartung truncated",
+         "random-effects model \\(DerSimonian-Laird\\), truncated Knapp-Hartung adjustment, .*SE +t +p\n"},
+        {fixed + "--knapp-hartung adjusted --null 0.5",
+         "fixed-effect model \\(inverse variance\\), 95%.*SE +z +p\n"
+         ".*The null hypothesis is log OR = 0.5\\."},
+        {fixed + tables + "--null 2",
+         "fixed-effect model \\(Mantel-Haenszel\\), .*The null hypothesis is OR = 2\\."},
+        {Binary(zeros) + "--model fixed" + tables + "--subgroup g",
+         "effects: 0.5 added to all cells of 2 tables\\..*of the counts pooled: 1 table in a; the other "
+         "rows"},
+        {Binary(oneSided) + "--model fixed" + tables + "--pooled-zero-cells none",
+         "Overall +- \\[-, -\\].*part in the pooled one: 1 table\\. -: the counts have no pooled effect.*"
+         "Overall +- +1 +- +- +-\n"},
+        {Binary(zeros) + "--model fixed" + tables + "--cumulative g",
+         "of the counts pooled: no table\\..*p +Tables corrected\n1 +a [^\n]* 1\n2 +b [^\n]* 2\n3 +b [^\n]* "
+         "0\n"},
+    });
+}
+
+TEST(AnalysisReport, ShowsGroupsInTheOrderOfTheirTexts)
+{
+    const TemporaryFolder folder;
+    const std::string even =
+        folder.Write("e.csv", "effect,variance\n1,1\n1.1,1\n0.9,1\n1,1\n1.1,1\n0.9,1\n1,1\n1,1\n");
+    const std::string gaps = folder.Write("t.csv", "effect,variance,g\n1,1,b\n2,1,NA\n3,1,a\n4,1,\n");
+    ExpectShown({
+        {Effects("passive_smoking.csv") + "--subgroup country",
+         "Pooled effect\n.*\nChina .*\nGermany .*\nGreece .*\nHong Kong .*\nJapan .*\nRussia .*\nSweden .*\n"
+         "UK .*\nUSA .*\nOverall .*\nHeterogeneity between the groups\n +Q +df +p\n9.97[0-9]+ +8 +0.26"
+         "[^\n]*\nA group of one study has no between-study variance of its own"},
+        {Effects(even) + "--model fixed", "Heterogeneity\n[^\n]*\n[^\n]* 0.00 \\[0.00, 0.00\\] [^\n]*\n"
+                                          "An I² of 0 with the interval \\[0, 0\\] is no certainty"},
+        {Effects(gaps) + "--subgroup g",
+         "\n2 +\\(missing\\) +2.0000.*\n\\(missing\\) +3.0000 .*\na +3.0000 .*\nb +1.0000 .*\nOverall "},
+    });
+}
+
+/// The last step of a group is its pooled effect.
+TEST(AnalysisReport, ShowsCumulativeStepsInTheirOrder)
+{
+    const Arguments byYear = Bcg() + "--effect risk-ratio --cumulative year";
+    const Arguments byGenus = Continuous("elevated_co2.csv") + "--cumulative genus --study study";
+    ExpectShown({
+        {byYear + "--descending",
+         "Cumulative analysis\nStudy added +year +RR [^\n]*\nTPT Madras +1980 +1.0120 [^\n]*\n"
+         "Hart & Sutherland +1977 "},
+        {byYear + "--subgroup allocation",
+         "Pooled effect\n.*\n0 +0.5823 .*\n1 +0.3787 .*\n2 +0.6543 .*\nOverall +0.4894 "
+         ".*Heterogeneity\n.*\n0 +5.5625 .*\n1 +110.2133 .*\n2 +16.59.*\nOverall +152.23"},
+        {byGenus, "Study added +genus [^\n]*\n[0-9]+ +ACER "},
+    });
+}
+
+TEST(AnalysisReport, ShowsContrastsAndPlots)
+{
+    const Arguments contrasts = Bcg() + "--contrast allocation --contrast year";
+    ExpectShown({
+        {contrasts + "--model fixed", "Contrasts\n +exp\\(contrast\\) [^\n]*\nallocation [^\n]*\nyear "},
+        {Bcg() + "--funnel-y inverse-variance --contours lower", "\nIts picture has no contours: "},
+        {Bcg() + "--effect risk-ratio --bubble year --bubble latitude",
+         "Bubble plots\n.*\nyear +13 .*\nlatitude +13 +0.2515 +-0.0291\n"},
+    });
+}
+
+TEST(AnalysisReport, ExplainsSmallStudyEffectsWithoutAClaim)
+{
+    const TemporaryFolder folder;
+    const std::string two = folder.Write("t.csv", "effect,variance\n1,1\n2,2\n");
+    const Arguments trimFill = Binary("magnesium.csv") + "--trim-fill linear";
+    ExpectShown({
+        {trimFill, "Trim-and-fill\n.*\nObserved studies .*\nWith imputed studies .*\n"
+                   "Studies imputed by the linear estimator, as mirror images of the smallest effects "
+                   "\\(the side that the data suggest\\): 7\\.\n"},
+        {Effects(two) + "--trim-fill run", "It could not be computed\\."},
+        {Effects("passive_smoking.csv") + "--small-study-test 0 --subgroup country",
+         "Small-study test [^\n]*\n[^\n]*\nChina +1.88.*\nGermany +- .*"
+         "The slope is positive: less precise studies report larger values of d \\(p = 0.0425\\).\n"
+         "At the 95% level it differs from zero"},
+        {Bcg() + "--small-study-test 3 --test-intercept off", "Without intercept"},
+    });
+}
+
+/// The REML estimate of the effects is 0.1464, and the ML estimate of the regression 0.0114369.
+TEST(AnalysisReport, NamesBothValuesWhenScoringMissesTheEstimate)
+{
+    const TemporaryFolder folder;
+    const std::string effects = folder.Write(
+        "y.csv", "effect,variance\n.2079,.1763\n.0855,.2224\n.9889,.2803\n.4031,.2341\n.3185,.0730\n"
+                 ".8067,.3336\n.5516,.3613\n.0888,.2599\n.5623,.1189\n.8389,.3848\n.5106,.2689\n"
+                 "1.4456,.0131\n-.0543,.3649\n.6439,.1473\n");
+    const std::string moderated = folder.Write(
+        "x.csv", "effect,variance,x\n0.016779,0.001,-0.564825\n0.796272,0.055928,1.527239\n"
+                 "1.404543,0.521481,0.662909\n-0.487727,0.060657,-0.897445\n"
+                 "2.690687,3.638258,0.708595\n0.731744,0.016879,0.445024\n2.31175,0.00968,2.888549\n"
+                 "0.109614,0.013116,0.014565\n0.858999,2.818472,0.855125\n-2.844727,10,-0.462562\n");
+    const Arguments regression = Regression(moderated) + "--covariate x --tau2 ml";
+    const std::string doubt = "\n460100: [^\n]*: at 0\\.";
+    ExpectShown({
+        {Effects(effects) + "--preset library",
+         "Preset\nlibrary: --tau2-search scoring, .*reached --max-iterations .*" + doubt +
+             "00[0-9]+ in place of 0\\.1464\\. Set --tau2-search global"},
+        {Effects(effects), " tau² [^\n]*\nOverall +0\\.1464 "},
+        {regression + "--tau2-search scoring", doubt + "0000 in place of 0\\.0114\\. Set"},
+        {regression, " tau² [^\n]*\n0\\.0114 "},
+    });
+    EXPECT_THAT(JsonOf(Effects(effects) + "--preset library")["messages"].dump(),
+                testing::HasSubstr("in place of 0.1464"));
+}
+
+TEST(AnalysisReport, ExplainsIntervalsAndPredictions)
+{
+    const TemporaryFolder folder;
+    const std::string equal = folder.Write("t.csv", "effect,variance\n1,1\n1,2\n1,1\n");
+    ExpectShown({
+        {Effects(equal), "\\[0\\.0000, 0\\.0000\\].*Q-profile intervals\\.\n.*interval is empty"},
+        {Bcg() + "--effect risk-ratio --prediction normal --probability-above 1.5",
+         "95% prediction interval, normal distribution\n[^\n]*P\\(RR > 1.5\\)\nOverall "},
+    });
+}
+
+TEST(AnalysisReport, ShowsRegressions)
+{
+    const Arguments tester = Regression("teacher_expectancy.csv") + "--factor tester --study study";
+    ExpectShown({
+        {tester + "--knapp-hartung adjusted --tau2 dl",
+         "^Meta-regression: random-effects model \\(DerSimonian-Laird\\), Knapp-Hartung adjustment, 95% "
+         "level\n"
+         ".*teacher_expectancy.csv: 19 read, 19 used, 0 missing, 0 invalid, 0 dropped\n"
+         ".*Study +Effect +Fitted \\[95% CI\\] +Residual +SE +Leverage\nRosenthal et al. +0.0300 "
+         ".*Parameter +Coefficient \\[95% CI\\] +SE +t +p\n\\(intercept\\) "
+         ".*tester=1 +- +- +- +-\n-: aliased"
+         ".* F +df +residual df +p\n[0-9.]+ +1 +17 +0\\.[0-9]{4}\n"
+         ".*Q +df +p +I² % +H² +R² %\n[0-9.]+ +17 .* tau² \\[95% CI\\] +tau \\[95% CI\\]"},
+        {tester + "--model fixed --dispersion --normal-tests",
+         "SE +z +p\n.*Wald chi² +df +p\n.*Q +df +p +I² % +H²\n.*Multiplicative dispersion\n[0-9.]+, by "},
+    });
+}
+
+} // namespace

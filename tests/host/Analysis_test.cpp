@@ -1,0 +1,69 @@
+// The results of the steps beside the pooled effect.
+
+#include "host/PublishedFigure.h"
+
+using nlohmann::json;
+using testing::HasSubstr;
+
+namespace {
+
+TEST(Analysis, ReproducesPublishedIntervalsAndPredictions)
+{
+    const char* const data = "bcg_vaccine_log_risk_ratio_more";
+    const Arguments ratios = Bcg() + "--effect risk-ratio";
+    ExpectPublished({
+        {data, "/REML/q_profile/tau2/upper", ratios, "/Tau2CIUpper/0"},
+        {data, "/REML/q_profile/I2/lower", ratios, "/I2CILower/0"},
+        {data, "/ML/profile_likelihood/tau2/lower", ratios + "--tau2 ml --tau2-interval profile-likelihood",
+         "/Tau2CILower/0"},
+        {data, "/DL/prediction/t_k_minus_1/lower", ratios + "--tau2 dl --prediction t-k-1", "/PILower/0"},
+        {data, "/EB/probability_above_0/normal",
+         ratios + "--tau2 eb --prediction normal --probability-above 1", "/PIProbability/0"},
+    });
+}
+
+/// Two studies of effect 200 and variance 2 pool to z = 200. The p-value is about 1e-8688; its logarithm is
+/// that of 60-digit arithmetic.
+TEST(Analysis, HasLogarithmsOfPValuesThatUnderflow)
+{
+    const TemporaryFolder folder;
+    const Arguments two = Effects(folder.Write("t.csv", "effect,variance\n200,2\n200,2\n"));
+    const json results = ResultsOf(two + Arguments{"--model", "fixed"});
+    EXPECT_EQ(results["EstSig"][0], 0.0);
+    EXPECT_DOUBLE_EQ(results["EstLog10Sig"][0], -8688.2887388558991567);
+    EXPECT_THAT(ReportOf(two), HasSubstr("< 0.0001"));
+}
+
+/// The run chooses the side by the test of type 0.
+TEST(Analysis, KeepsTheTrimmedSideWhenAnotherTestFollows)
+{
+    const Arguments trimFill = Binary("magnesium.csv") + "--trim-fill linear";
+    for (const char* const type : {"1", "2", "3"})
+        EXPECT_EQ(ResultsOf(trimFill + Arguments{"--small-study-test", type})["TRimFillSide"],
+                  ResultsOf(trimFill)["TRimFillSide"]);
+}
+
+TEST(Analysis, KeepsTheMainResultsWhenTheSmallStudyTestFails)
+{
+    const TemporaryFolder folder;
+    const std::string two = folder.Write("t.csv", "effect,variance\n1,1\n2,2\n");
+    const ProgramRun run =
+        RunProgram(Effects(two) + Arguments{"--small-study-test", "0", "--json", folder.PathOf("json")});
+    EXPECT_EQ(run.exitStatus, 1);
+    EXPECT_THAT(run.errors, HasSubstr("meta-analysis: error 460028: "));
+    EXPECT_THAT(run.output, AllOf(HasSubstr("\nPooled effect\n"), HasSubstr("The test asked for failed: ")));
+    const json report = json::parse(folder.Read("json"));
+    EXPECT_EQ(report["status"], json::parse(R"({"code": 460028, "kind": "error"})"));
+    EXPECT_FALSE(report["results"]["EstEffectSize"][0].is_null());
+}
+
+/// --test-dispersion is for the small-study test alone.
+TEST(Analysis, FitsBubblePlotsWithoutDispersion)
+{
+    const Arguments fixed = Bcg() + "--model fixed --bubble latitude --bubble-points 5";
+    const json results = ResultsOf(fixed);
+    EXPECT_EQ(results["BubbleCICurveX"][0], (std::vector<double>{13, 23.5, 34, 44.5, 55}));
+    EXPECT_EQ(ResultsOf(fixed + "--test-dispersion")["BubbleCICurveLower"], results["BubbleCICurveLower"]);
+}
+
+} // namespace

@@ -1,0 +1,90 @@
+// Every option of every command, as the groups declare it.
+
+#include "host/cli/OptionGroups.h"
+#include "host/text/UnusableInput.h"
+
+#include <gmock/gmock.h>
+
+#include <map>
+#include <set>
+
+using namespace host;
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+using Values = std::map<std::string, Json>;
+
+/// An argument that the option takes and that is not its default: the last of its choices, if it has some.
+std::string ArgumentOf(const OptionDefinition& option)
+{
+    const std::map<std::string, std::string> byKind = {{"NUMBER", "0.25"}, {"COUNT", "7"}, {"TYPE", "2"}};
+    if (option.name == "preset")
+        return "library";
+    if (option.argument != "NAME")
+        return byKind.contains(option.argument) ? byKind.at(option.argument) : option.argument;
+    const std::size_t end = option.help.find(" (default");
+    const std::size_t start = option.help.rfind(", ", end) + 2;
+    return option.help.substr(start, end - start);
+}
+
+Values ValuesOf(const OptionDefinitions& definitions)
+{
+    Values values;
+    for (const OptionDefinition& definition : definitions)
+        values[definition.name] = definition.value();
+    return values;
+}
+
+std::string TextOf(const Json& value)
+{
+    const Json& one = value.is_array() ? value.at(0) : value;
+    return one.is_string() ? one.get<std::string>() : one.dump();
+}
+
+constexpr Command COMMANDS[] = {Command::BINARY, Command::CONTINUOUS, Command::EFFECTS, Command::REGRESSION};
+
+/// The name of a ready-made measure is checked when the outcome is known, and the outcome changes the
+/// measure.
+bool DependsOnOutcome(const Options& options, const OptionDefinition& option)
+{
+    return options.command == Command::EFFECTS && (option.name == "effect" || option.name == "outcome");
+}
+
+TEST(OptionGroups, EachOptionChangesItsOwnValueAlone)
+{
+    for (const Command command : COMMANDS) {
+        Options untouched(command);
+        for (std::size_t i = 0; i < DefineOptions(untouched).size(); ++i) {
+            Options options(command);
+            const OptionDefinitions definitions = DefineOptions(options);
+            const OptionDefinition& option = definitions[i];
+            if (DependsOnOutcome(options, option))
+                continue;
+            Values expected = ValuesOf(definitions);
+            const Json before = expected[option.name];
+            option.store(ArgumentOf(option));
+            const Json after = option.value();
+            EXPECT_NE(after, before) << option.name;
+            EXPECT_EQ(TextOf(after), option.argument.empty() ? "true" : ArgumentOf(option)) << option.name;
+            expected[option.name] = after;
+            EXPECT_EQ(ValuesOf(definitions), expected) << option.name;
+        }
+    }
+}
+
+TEST(OptionGroups, RefuseTextsThatAreNoNumberAndNoChoice)
+{
+    for (const Command command : COMMANDS) {
+        Options options(command);
+        for (const OptionDefinition& option : DefineOptions(options)) {
+            if (!std::set<std::string>{"NUMBER", "COUNT", "TYPE", "NAME"}.contains(option.argument) ||
+                DependsOnOutcome(options, option))
+                continue;
+            for (const char* const text : {"", "x", "1e999", "1 2"})
+                EXPECT_THROW(option.store(text), UnusableInput) << option.name << ' ' << text;
+        }
+    }
+}
+
+} // namespace
