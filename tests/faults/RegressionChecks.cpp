@@ -19,9 +19,8 @@ template <class Engine>
 class RegressionCheck
 {
 public:
-    RegressionCheck(const RegressionCase& made, Violations& violations)
+    explicit RegressionCheck(const RegressionCase& made)
         : made_(made),
-          violations_(violations),
           fit_(made.settings, made.rows),
           results_(ResultsOf(*fit_.output)),
           expect_(Of(results_))
@@ -37,7 +36,7 @@ private:
     double RoundingError() const;
     Expectations Of(const Results& results) const
     {
-        return {results, made_.settings.GetConfidenceLevel(), violations_};
+        return {results, made_.settings.GetConfidenceLevel()};
     }
     void ExpectFollowsIn(const Rows& rows, const Change& change)
     {
@@ -48,7 +47,6 @@ private:
     }
 
     const RegressionCase& made_;
-    Violations& violations_;
     Regression<Engine> fit_;
     Results results_;
     Expectations expect_;
@@ -58,11 +56,11 @@ template <class Engine>
 void RegressionCheck<Engine>::CheckResults()
 {
     const bool isBuilt = fit_.engine.IsModelBuilt();
-    ExpectKnownStatus(fit_.status, "BuildModel", violations_);
-    violations_.Expect(isBuilt == !fit_.status.IsError(), "a model is built unless there is an error");
-    violations_.Expect(!HasRepeats(fit_.WarningCodes()), "no warning comes twice");
+    ExpectKnownStatus(fit_.status);
+    EXPECT_TRUE(isBuilt == !fit_.status.IsError()) << "a model is built unless there is an error";
+    EXPECT_TRUE(!HasRepeats(fit_.WarningCodes())) << "no warning comes twice";
     if (made_.isTame) {
-        violations_.Expect(isBuilt, "ordinary data can be regressed");
+        EXPECT_TRUE(isBuilt) << "ordinary data can be regressed";
         expect_.Numbers();
     }
     expect_.Significances();
@@ -75,12 +73,12 @@ void RegressionCheck<Engine>::CheckResults()
     if (!isBuilt)
         return;
     const std::size_t count = fit_.engine.GetParameters().size();
-    violations_.Expect(fit_.output->GetRedundancyInfo().Size() == count, "a bit for every parameter");
-    violations_.Expect(expect_.Values("GetEstimation").size() == count, "an estimate for every parameter");
+    EXPECT_TRUE(fit_.output->GetRedundancyInfo().Size() == count) << "a bit for every parameter";
+    EXPECT_TRUE(expect_.Values("GetEstimation").size() == count) << "an estimate for every parameter";
     expect_.SameShape({"GetEstimation", "GetBetaStandErr", "GetBetaTest", "GetBetaTestPValue"});
     expect_.Ordered("GetBetaConfInterValLower", "GetEstimation", "GetBetaConfInterValUpper");
     const int records = fit_.output->GetNGoodRecords() + fit_.output->GetNBadRecords();
-    violations_.Expect(static_cast<std::size_t>(records) == made_.rows.size(), "every record is good or bad");
+    EXPECT_TRUE(static_cast<std::size_t>(records) == made_.rows.size()) << "every record is good or bad";
 }
 
 /// Leverages sum to the number of estimated parameters. A column that is kept has more than the computational
@@ -92,24 +90,22 @@ void RegressionCheck<Engine>::CheckScores()
     double leverages = 0.0;
     for (const Row& row : made_.rows) {
         const Scores scores(fit_.engine, row);
-        ExpectKnownStatus(scores.status, "Score", violations_);
+        ExpectKnownStatus(scores.status);
         const Results listed = {
             {"lower", {{scores.lower}}}, {"fit", {{scores.fit}}}, {"upper", {{scores.upper}}}};
         Of(listed).Ordered("lower", "fit", "upper");
         if (!made_.isTame)
             continue;
         leverages += scores.leverage;
-        violations_.Expect(scores.leverage >= 0.0 && scores.leverage <= 1.0 + rounding,
-                           "a leverage is a fraction");
+        EXPECT_TRUE(scores.leverage >= 0.0 && scores.leverage <= 1.0 + rounding) << "a leverage is a fraction";
         const double fitted = scores.stdError * scores.stdError;
         const double residual = scores.residualStdError * scores.residualStdError;
-        if (!KXMV::IsMissing(scores.residualStdError))
-            violations_.Expect(bool(Close(fitted, scores.leverage * (fitted + residual), rounding, residual)),
-                               "a leverage is the share of the fit in the variance");
+        if (!KXMV::IsMissing(scores.residualStdError)) {
+            EXPECT_TRUE((Close(fitted, scores.leverage * (fitted + residual), rounding, residual))) << "a leverage is the share of the fit in the variance";
+        }
     }
     const auto estimated = static_cast<double>(fit_.output->GetRedundancyInfo().Count());
-    violations_.Expect(!made_.isTame || bool(Close(leverages, estimated, rounding)),
-                       "leverages sum to the parameters");
+    EXPECT_TRUE(!made_.isTame || (Close(leverages, estimated, rounding))) << "leverages sum to the parameters";
 }
 
 template <class Engine>
@@ -172,9 +168,9 @@ double RegressionCheck<Engine>::RoundingError() const
 }
 
 template <class Engine>
-void CheckAll(const RegressionCase& made, Violations& violations)
+void CheckAll(const RegressionCase& made)
 {
-    RegressionCheck<Engine> check(made, violations);
+    RegressionCheck<Engine> check(made);
     check.CheckResults();
     if (made.settings.IsValid())
         check.CheckScores();
@@ -185,10 +181,10 @@ void CheckAll(const RegressionCase& made, Violations& violations)
 
 } // namespace
 
-void CheckRegression(const RegressionCase& made, Violations& violations)
+void CheckRegression(const RegressionCase& made)
 {
     if (made.isRandom)
-        CheckAll<MAREAlgorithm>(made, violations);
+        CheckAll<MAREAlgorithm>(made);
     else
-        CheckAll<MAFEAlgorithm>(made, violations);
+        CheckAll<MAFEAlgorithm>(made);
 }

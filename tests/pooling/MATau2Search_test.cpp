@@ -68,7 +68,7 @@ TEST(Tau2Search, MissesNoMaximumOfRandomAnalyses)
 {
     for (const VarianceFamily family : varianceFamilies) {
         Tau2Simulation simulation(4711);
-        for (int i = 0; i < 150; ++i) {
+        for (unsigned i = 0; i < Repetitions(150); ++i) {
             SCOPED_TRACE(testing::Message() << "family " << static_cast<int>(family) << ", analysis " << i);
             ExpectFound(simulation.Next(family));
         }

@@ -3,6 +3,8 @@
 #include "support/Reference.h"
 #include "support/Regression.h"
 
+#include "meta_analysis/settings/MAStatusCode.h"
+
 using namespace MA_NAMESPACE;
 using nlohmann::json;
 
@@ -143,7 +145,7 @@ void ExpectFigures(const MARegSettings& settings, const Rows& rows, const json& 
     const int usable = figures.at("QE_df").get<int>() + static_cast<int>(figures.at("b").size());
     EXPECT_EQ(output.GetNGoodRecords(), usable) << "studies with a missing moderator are left out";
     EXPECT_EQ(output.GetNBadRecords(), static_cast<int>(rows.size()) - usable);
-    EXPECT_EQ(regression.WarningCodes(), std::vector<int>(output.GetNBadRecords() > 0 ? 1 : 0, 460031));
+    EXPECT_EQ(regression.WarningCodes(), std::vector<int>(output.GetNBadRecords() > 0 ? 1 : 0, MAStatusCode::UNUSABLE_RECORD));
 }
 
 } // namespace

@@ -2,7 +2,7 @@
 #include "support/Poolings.h"
 #include "support/Published.h"
 #include "support/Regression.h"
-#include "support/SmallStudyRun.h"
+#include "support/FinishedRun.h"
 
 #include "meta_analysis/settings/MAStatusCode.h"
 

@@ -3,7 +3,7 @@
 #include "support/PooledFigures.h"
 #include "support/Poolings.h"
 #include "support/Published.h"
-#include "support/SmallStudyRun.h"
+#include "support/FinishedRun.h"
 
 #include "meta_analysis/analysis/steps/MARegBaseTest.h"
 #include "meta_analysis/analysis/steps/RegTestRecordIterator.h"

@@ -1,7 +1,7 @@
 #include "support/Compare.h"
 #include "support/LeastSquares.h"
 #include "support/Reference.h"
-#include "support/SmallStudyRun.h"
+#include "support/FinishedRun.h"
 
 #include "meta_analysis/analysis/MABinModel.h"
 #include "meta_analysis/platform/common/KXDistFun.h"

@@ -1,49 +1,44 @@
 // Records, their variables, and the bits that mark either.
 
+#include "meta_analysis/platform/common/Record.h"
+
 #include "support/Compare.h"
 
 #include "meta_analysis/platform/common/KXBitSet.h"
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 
-TEST(KXBitSet, BitsAcrossWordsAndOutside)
+TEST(KXBitSet, CrossesWordsAndIgnoresPositionsOutside)
 {
     KXBitSet bits(130);
     for (const std::size_t position : {0u, 63u, 64u, 129u, 130u, ~0u})
         bits.Set(position);
     bits.Clear(64);
-    bits.Clear(130);
     EXPECT_EQ(bits.Count(), 3u);
     EXPECT_TRUE(bits.Test(63));
     EXPECT_FALSE(bits.Test(64));
     EXPECT_FALSE(bits.Test(130));
-
     KXBitSet resized = bits;
     resized.Resize(129);
-    EXPECT_NE(resized, bits);
     resized.Resize(130);
-    EXPECT_FALSE(resized.Test(129)); // cut off, and clear when it comes back
-    resized.Set(129);
-    EXPECT_EQ(resized, bits);
+    EXPECT_NE(resized, bits) << "a bit that was cut off is clear when it comes back";
 }
 
-TEST(KXVarList, PositionsAndNamesAgree)
+TEST(KXVarList, FindsTheFirstVariableOfAName)
 {
     KXVarList variables;
     EXPECT_EQ(variables.AddContVar("year", "year of publication"), 0);
     EXPECT_EQ(variables.AddCatVar("allocation", "method of allocation"), 1);
     EXPECT_EQ(variables.AddContVar("year", "a second one"), 2);
     EXPECT_EQ(variables.FindVariable("year"), 0);
-    EXPECT_EQ(variables.FindVariable("allocation"), 1);
     EXPECT_EQ(variables.FindVariable("Year"), -1);
     EXPECT_EQ(variables.GetVarAt(1).type, KXVar::CATEGORICAL);
-    EXPECT_EQ(variables.GetVarAt(2).type, KXVar::CONTINUOUS);
     EXPECT_EQ(variables.GetVarAt(2).label, "a second one");
     for (const int outside : {-1, 3})
         EXPECT_TRUE(variables.GetVarAt(outside).name.empty()) << outside;
 }
 
-TEST(Record, ValuesOutsideAreMissingAndNotStored)
+TEST(Record, HasMissingValuesOutside)
 {
     Record record({1.5});
     ASSERT_TRUE(record.Resize(3));
@@ -53,15 +48,14 @@ TEST(Record, ValuesOutsideAreMissingAndNotStored)
         record.Set(outside, 7.0);
         EXPECT_EQ(record.Get(outside), missing) << outside;
     }
-    EXPECT_EQ(record.Size(), 3u);
-    const std::vector<double> values = {record.Get(0), record.Get(1), record.Get(2)};
-    EXPECT_EQ(values, (std::vector<double>{1.5, missing, 3.5}));
+    EXPECT_EQ((std::vector<double>{record.Get(0), record.Get(1), record.Get(2)}),
+              (std::vector<double>{1.5, missing, 3.5}));
 }
 
-TEST(VectorRecordIter, EveryPassYieldsTheSameRecords)
+TEST(VectorRecordIter, YieldsTheSameRecordsInEveryPass)
 {
     VectorRecordIter records({{1.0, 2.0}, {3.0}});
-    EXPECT_EQ(records.Next(), nullptr); // not started
+    EXPECT_EQ(records.Next(), nullptr) << "not started";
     EXPECT_FALSE(records.Reset());
     ASSERT_TRUE(records.Start());
     EXPECT_EQ(records.Next()->Get(0), 1.0);
@@ -70,9 +64,5 @@ TEST(VectorRecordIter, EveryPassYieldsTheSameRecords)
         EXPECT_EQ(records.Next()->Get(0), 1.0);
         EXPECT_EQ(records.Next()->Get(0), 3.0);
         EXPECT_EQ(records.Next(), nullptr);
-        EXPECT_EQ(records.Next(), nullptr);
     }
-    VectorRecordIter none(std::vector<Record>{});
-    EXPECT_TRUE(none.Start());
-    EXPECT_EQ(none.Next(), nullptr);
 }

