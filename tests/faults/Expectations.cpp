@@ -85,7 +85,8 @@ void Expectations::Between(const Names& names, double least, double most) const
 {
     for (const std::string& name : names) {
         for (const double value : Values(name))
-            EXPECT_FALSE(!KXMV::IsMissing(value) && (value < least || value > most)) << name << " is " << value;
+            EXPECT_FALSE(!KXMV::IsMissing(value) && (value < least || value > most))
+                << name << " is " << value;
     }
 }
 

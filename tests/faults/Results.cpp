@@ -17,15 +17,13 @@ Table TableOf(double value)
 }
 
 template <class Number>
-Table TableOf(const std::vector<Number>& values)
-    requires std::is_arithmetic_v<Number>
+Table TableOf(const std::vector<Number>& values) requires std::is_arithmetic_v<Number>
 {
     return {std::vector<double>(values.begin(), values.end())};
 }
 
 template <class Number>
-Table TableOf(const std::vector<std::vector<Number>>& rows)
-    requires std::is_arithmetic_v<Number>
+Table TableOf(const std::vector<std::vector<Number>>& rows) requires std::is_arithmetic_v<Number>
 {
     Table table;
     for (const std::vector<Number>& row : rows)

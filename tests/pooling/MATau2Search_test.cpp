@@ -88,13 +88,3 @@ TEST(Tau2Search, FindsTheGreaterOfTwoMaximaOfARegression)
     ExpectFound(analysis);
     EXPECT_NEAR(JudgeSearch(analysis, 1.0).tau2, 0.01144157, 1e-8);
 }
-
-TEST(Tau2Search, OneStudyHasNoBetweenStudyVariance)
-{
-    const double effect = 0.4;
-    const double variance = 0.2;
-    for (const MAConst::TAU2ESTIMATOR estimator : estimators) {
-        MAPooledCurve curve(&effect, &variance, 1, LikelihoodOf(estimator));
-        EXPECT_EQ(SolveTau2(curve, estimator, curve.MomentEstimate()).t, 0.0);
-    }
-}

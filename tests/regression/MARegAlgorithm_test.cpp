@@ -240,8 +240,8 @@ TEST(MARegAlgorithm, ParametersFollowTheEffects)
 
     std::ostringstream texts; // effect: factors = categories, covariates ^ multiplicities
     for (const KXRegrParameter& parameter : engine.GetParameters())
-        texts << parameter.GetEffectNumber() << ": " << testing::PrintToString(parameter.GetFactors()) << " = "
-              << testing::PrintToString(parameter.GetCategories()) << ", "
+        texts << parameter.GetEffectNumber() << ": " << testing::PrintToString(parameter.GetFactors())
+              << " = " << testing::PrintToString(parameter.GetCategories()) << ", "
               << testing::PrintToString(parameter.GetCovariates()) << " ^ "
               << testing::PrintToString(parameter.GetCovMultiplicities()) << '\n';
     EXPECT_EQ(texts.str(), "-1: {} = {}, {} ^ {}\n"
@@ -279,19 +279,4 @@ TEST(MARegAlgorithm, EveryBuildBeginsAfresh)
     engine.reset();
     EXPECT_EQ(ofAll.GetEstimation().size(), 2U);
     EXPECT_EQ(ofAll.GetParameters().size(), 2U);
-}
-
-/// The Knapp-Hartung flag gives a fixed-effect model t tests and nothing else.
-TEST(MARegAlgorithm, FixedEffectsHaveNoRandomOnes)
-{
-    MARegSettings settings = RegressionOn({2});
-    settings.SetKnapHartAdjust(true);
-    settings.SetTestDistType(MAConst::TEST_STANDARD_NORMAL);
-    const FERegression regression(settings, RandomStudies(91, 12, 1));
-    const MARegOutputStats& output = *regression.output;
-    EXPECT_EQ((Row{output.GetTau(), output.GetRSquare(), output.GetFTestVal(), output.GetFPValue()}), Row(4));
-    EXPECT_EQ(output.GetMultiDisper(), 1.0);
-    const double statistic = output.GetBetaTest()[1];
-    EXPECT_TRUE(Close(output.GetWaldChiSquareTest(), statistic * statistic, 1e-14));
-    EXPECT_NEAR(output.GetBetaTestPValue()[1], 2 * (1 - KXDistFun::CdfT(std::abs(statistic), 10)), 1e-15);
 }

@@ -1,11 +1,10 @@
 // Warnings of settings and data that give numbers which nobody asked for.
 
-#include "meta_analysis/settings/MASettingsWarnings.h"
-
 #include "support/FinishedRun.h"
 #include "support/Regression.h"
 
 #include "meta_analysis/analysis/MABinModel.h"
+#include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 using namespace MA_NAMESPACE;
@@ -49,9 +48,7 @@ const Case cases[] = {
     {"difference below 0",
      [](S& s) { PoolTables(s), s.SetNullHypothesis(-1), s.SetBinaryEstType(BIN_RISK_DIFFERENCE); },
      {}},
-    {"logarithm below 0",
-     [](S& s) { Fix(s), s.SetNullHypothesis(-1); },
-     {BINARY_FIXED_INVERSE_VARIANCE}},
+    {"logarithm below 0", [](S& s) { Fix(s), s.SetNullHypothesis(-1); }, {BINARY_FIXED_INVERSE_VARIANCE}},
     {"null of random effects", [](S& s) { s.SetNullHypothesis(2); }, {NULL_IGNORED, BINARY_RANDOM_EFFECTS}},
     {"contrast of random effects",
      [](S& s) { s.SetContrastCoefIndex({0}); },
@@ -59,7 +56,9 @@ const Case cases[] = {
     {"contrast of pooled tables",
      [](S& s) { PoolTables(s), s.SetContrastCoefIndex({0}); },
      {FIXED_MODEL_WITH_CONTRAST}},
-    {"no iterations", [](S& s) { s.SetMaxIter(0); }, {NO_ITERATION_ALLOWED, BINARY_RANDOM_EFFECTS, TAU2_DOUBTFUL}},
+    {"no iterations",
+     [](S& s) { s.SetMaxIter(0); },
+     {NO_ITERATION_ALLOWED, BINARY_RANDOM_EFFECTS, TAU2_DOUBTFUL}},
     {"no iterations while trimming",
      [](S& s) { Fix(s), s.SetIsTRIMFILL(true), s.SetTFEstTauType(TAU2_EB), s.SetMaxIter(0); },
      {NO_ITERATION_ALLOWED, BINARY_FIXED_INVERSE_VARIANCE}},

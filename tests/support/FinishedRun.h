@@ -30,7 +30,10 @@ template <class Driver>
 struct FinishedRun
 {
     FinishedRun(const MA_NAMESPACE::MAModelSettings& given, const Rows& rows, const KXVarList& named = {})
-        : settings(given), model(settings), records(rows), variables(named),
+        : settings(given),
+          model(settings),
+          records(rows),
+          variables(named),
           status(model.RUN(records, variables))
     {}
     FinishedRun(const FinishedRun&) = delete;

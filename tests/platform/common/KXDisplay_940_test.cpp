@@ -1,6 +1,6 @@
-#include "meta_analysis/platform/common/KXDisplay_940.h"
-
 #include "support/Compare.h"
+
+#include "meta_analysis/platform/common/KXDisplay_940.h"
 
 #include <thread>
 
@@ -33,7 +33,7 @@ TEST(KXDisplay_940, WritesOneItemALineToTheSinkOfTheThread)
     std::thread(DisplayOneOfEach).join(); // a thread without sink
     KXDisplay_940::SetSink(nullptr);
     DisplayOneOfEach(); // and not any more
-    EXPECT_EQ(listing.lines, (std::vector<std::string>{"display start", "factors 2 0 7", "covariates",
-                                                       "intercept true",
-                                                       "longest -2.2250738585072014e-308", "tau2 missing"}));
+    EXPECT_EQ(listing.lines,
+              (std::vector<std::string>{"display start", "factors 2 0 7", "covariates", "intercept true",
+                                        "longest -2.2250738585072014e-308", "tau2 missing"}));
 }

@@ -1,11 +1,9 @@
 // Records, their variables, and the bits that mark either.
 
-#include "meta_analysis/platform/common/Record.h"
-
 #include "support/Compare.h"
 
 #include "meta_analysis/platform/common/KXBitSet.h"
-#include "meta_analysis/platform/common/KXVarList.h"
+#include "meta_analysis/platform/common/Record.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 
 TEST(KXBitSet, CrossesWordsAndIgnoresPositionsOutside)
@@ -22,20 +20,6 @@ TEST(KXBitSet, CrossesWordsAndIgnoresPositionsOutside)
     resized.Resize(129);
     resized.Resize(130);
     EXPECT_NE(resized, bits) << "a bit that was cut off is clear when it comes back";
-}
-
-TEST(KXVarList, FindsTheFirstVariableOfAName)
-{
-    KXVarList variables;
-    EXPECT_EQ(variables.AddContVar("year", "year of publication"), 0);
-    EXPECT_EQ(variables.AddCatVar("allocation", "method of allocation"), 1);
-    EXPECT_EQ(variables.AddContVar("year", "a second one"), 2);
-    EXPECT_EQ(variables.FindVariable("year"), 0);
-    EXPECT_EQ(variables.FindVariable("Year"), -1);
-    EXPECT_EQ(variables.GetVarAt(1).type, KXVar::CATEGORICAL);
-    EXPECT_EQ(variables.GetVarAt(2).label, "a second one");
-    for (const int outside : {-1, 3})
-        EXPECT_TRUE(variables.GetVarAt(outside).name.empty()) << outside;
 }
 
 TEST(Record, HasMissingValuesOutside)

@@ -1,9 +1,8 @@
-#include "meta_analysis/platform/regression/KXModelEffect.h"
-
 #include "support/Compare.h"
 
 #include "meta_analysis/platform/regression/FactorLevel.h"
 #include "meta_analysis/platform/regression/KXFactorCounts.h"
+#include "meta_analysis/platform/regression/KXModelEffect.h"
 
 using Indices = std::vector<int>;
 constexpr int maxInt = std::numeric_limits<int>::max();
