@@ -128,7 +128,7 @@ TEST(MABinModel, TablesMeetTheReferenceFigures)
     EXPECT_EQ(compared, 4 * (1 + 4 + 4));
 }
 
-TEST(MABinModel, ClassificationOfRecords)
+TEST(MABinModel, RecordsAreClassified)
 {
     for (const Classification& row : classifications) {
         SCOPED_TRACE(row.name);

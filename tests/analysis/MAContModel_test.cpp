@@ -1,7 +1,6 @@
 #include "support/PooledFigures.h"
 
 #include "meta_analysis/analysis/MAContModel.h"
-#include "meta_analysis/settings/MAStatusCode.h"
 
 using namespace MA_NAMESPACE;
 
@@ -59,7 +58,7 @@ const Classification classifications[] = {
 
 } // namespace
 
-TEST(MAContModel, ClassificationOfRecords)
+TEST(MAContModel, RecordsAreClassified)
 {
     for (const Classification& row : classifications) {
         SCOPED_TRACE(row.name);
@@ -77,19 +76,6 @@ TEST(MAContModel, ClassificationOfRecords)
         EXPECT_EQ(run.model.GetEffectSize(), row.expected == 'v' ? Row{0.5} : Row{});
         EXPECT_EQ(run.model.GetSampSize(), row.expected == 'v' ? Row{row.record[0] + row.record[3]} : Row{});
     }
-}
-
-TEST(MAContModel, OtherSettings)
-{
-    const Rows rows = {{10, 3, 2, 10, 2, 2}};
-    MAModelSettings settings = MeansSettings();
-    settings.SetTreatmentVarianceIndex(0); // deviations win over variances
-    settings.SetControlVarianceIndex(9);
-    EXPECT_EQ(FinishedRun<MAContModel>(settings, rows).model.GetEffectSize(), Row{0.5});
-    settings.SetContinousEstType(static_cast<MAConst::CONTESTYPE>(4)); // unknown: no studies
-    const FinishedRun<MAContModel> run(settings, rows);
-    EXPECT_TRUE(run.status.IsOK());
-    EXPECT_TRUE(run.model.GetNonMissingStudyID().empty());
 }
 
 TEST(MAContModel, GroupSummariesMeetTheReferenceFigures)

@@ -1,6 +1,5 @@
 #include "support/Compare.h"
 #include "support/Data.h"
-#include "support/StudyVectors.h"
 
 #include "meta_analysis/effectsize/MAContinousEffectSize.h"
 
@@ -42,12 +41,4 @@ TEST(MAContinousEffectSize, SmallSampleCorrectionIsExactForEverySize)
     effectSizes.ComputeEffectSizeStatistics();
     EXPECT_EQ(effectSizes.GetEffectSizeVal().size(), sizes.size());
     EXPECT_EQ(effectSizes.GetEffectSizeZVal().size(), 2 * sizes.size()) << "further tests are appended";
-}
-
-TEST(MAContinousEffectSize, StudyVectorsAreChecked)
-{
-    using C = MAContinousEffectSize;
-    ExpectStudyVectorsChecked({&C::SetTreatmentGSizes, &C::SetControlGSizes, &C::SetTreatmentGMeans,
-                               &C::SetControlGMeans, &C::SetTreatmentGStdErrors, &C::SetControlGStdErrors},
-                              &C::ComputeEffectSizeStatistics, MAStatusCode::LENGTH_MISMATCH);
 }

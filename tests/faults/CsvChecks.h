@@ -2,8 +2,6 @@
 
 #include "faults/ByteStream.h"
 
-#include <string>
-
-/// Reads the bytes as a CSV file, by columns and as numbers, and tells what is wrong with the result. A file
-/// that cannot be used is fine when the reader says so.
-std::vector<std::string> CsvViolationsOf(const Bytes& bytes);
+/// Reads the bytes as a CSV file, by columns and as numbers, and expects what holds for any. A file that
+/// cannot be used is fine when the reader says so.
+void CheckCsv(const Bytes& bytes);

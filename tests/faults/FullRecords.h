@@ -1,6 +1,6 @@
 #pragma once
 
-#include "support/SmallStudyRun.h"
+#include "support/FinishedRun.h"
 
 /// 2x2 tables, also to be read as group summaries or effects, and behind them at `firstRole` a group, a rank,
 /// a contrast coefficient and a covariate.

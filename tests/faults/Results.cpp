@@ -17,13 +17,13 @@ Table TableOf(double value)
 }
 
 template <class Number>
-Table TableOf(const std::vector<Number>& values)
+Table TableOf(const std::vector<Number>& values) requires std::is_arithmetic_v<Number>
 {
     return {std::vector<double>(values.begin(), values.end())};
 }
 
 template <class Number>
-Table TableOf(const std::vector<std::vector<Number>>& rows)
+Table TableOf(const std::vector<std::vector<Number>>& rows) requires std::is_arithmetic_v<Number>
 {
     Table table;
     for (const std::vector<Number>& row : rows)
@@ -31,24 +31,12 @@ Table TableOf(const std::vector<std::vector<Number>>& rows)
     return table;
 }
 
-template <class Source>
-Results Listed(const Source& source)
+Table TableOf(const std::vector<KXStatus>& warnings)
 {
-    Results results;
-    VisitGetters(&source, [&](const char* name, auto getter) {
-        results.push_back({name, TableOf((source.*getter)())});
-    });
-    return results;
-}
-
-template <class Model>
-Results ListedWithWarnings(const Model& model)
-{
-    Results results = Listed(model);
-    results.push_back({"GetWarnings", {{}}});
-    for (const KXStatus& warning : model.GetWarnings())
-        results.back().rows[0].push_back(warning.GetCode());
-    return results;
+    Table table(1);
+    for (const KXStatus& warning : warnings)
+        table[0].push_back(warning.GetCode());
+    return table;
 }
 
 bool IsSame(const std::vector<double>& left, const std::vector<double>& right)
@@ -59,20 +47,20 @@ bool IsSame(const std::vector<double>& left, const std::vector<double>& right)
 
 } // namespace
 
-Results ResultsOf(const MABinModel& model)
+template <class Source>
+Results ResultsOf(const Source& source)
 {
-    return ListedWithWarnings(model);
+    Results results;
+    VisitGetters(&source, [&](const char* name, auto getter) {
+        if constexpr (requires { TableOf((source.*getter)()); })
+            results.push_back({name, TableOf((source.*getter)())});
+    });
+    return results;
 }
 
-Results ResultsOf(const MAAnalysisResults& model)
-{
-    return ListedWithWarnings(model);
-}
-
-Results ResultsOf(const MARegOutputStats& output)
-{
-    return Listed(output);
-}
+template Results ResultsOf(const MABinModel&);
+template Results ResultsOf(const MAContModel&);
+template Results ResultsOf(const MARegOutputStats&);
 
 std::string FirstDifference(const Results& left, const Results& right)
 {

@@ -14,12 +14,10 @@ struct Result
     std::vector<std::vector<double>> rows;
 };
 
-/// Every result of an analysis or a regression that a getter returns.
+/// Every result that a getter returns as numbers, of a `MABinModel`, a `MAContModel` or a `MARegOutputStats`.
 using Results = std::vector<Result>;
-
-Results ResultsOf(const MA_NAMESPACE::MABinModel& model);
-Results ResultsOf(const MA_NAMESPACE::MAAnalysisResults& model);
-Results ResultsOf(const MA_NAMESPACE::MARegOutputStats& output);
+template <class Source>
+Results ResultsOf(const Source& source);
 
 /// The name of the first result that is not the same to the last bit; empty when there is none.
 std::string FirstDifference(const Results& left, const Results& right);

@@ -3,5 +3,6 @@
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size)
 {
-    return AbortOnViolations(CsvViolationsOf(Bytes(data, data + size)));
+    CheckCsv(Bytes(data, data + size));
+    return 0;
 }

@@ -89,7 +89,7 @@ void ExpectExact(const Rows& rows)
 } // namespace
 
 /// Of all estimators but Hunter and Schmidt's, whose residuals are those of an unweighted fit here.
-TEST(MetaRegressionIdentities, InterceptOnlyEqualsThePlainEstimate)
+TEST(MetaRegressionIdentities, InterceptAloneIsThePooledModel)
 {
     for (unsigned seed = 1; seed <= 20; ++seed) {
         for (const int estimator : {TAU2_HE, TAU2_DL, TAU2_SJ, TAU2_ML, TAU2_REML, TAU2_EB}) {
@@ -160,7 +160,7 @@ TEST(MetaRegressionIdentities, DominatingStudyLeavesTheDigitsOfHeterogeneity)
 
 /// Calendar years as they are, beside a moderator of the scale 1e-6; a moderator far from zero; one that
 /// differs from another by a small part only. None may be found redundant or lose digits.
-TEST(MetaRegressionIdentities, BadlyScaledAndNearlyCollinearCovariates)
+TEST(MetaRegressionIdentities, BadlyScaledCovariatesLoseNoDigits)
 {
     for (unsigned seed = 1; seed <= 20; ++seed) {
         SCOPED_TRACE(seed);

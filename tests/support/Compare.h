@@ -19,6 +19,16 @@ constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 constexpr double machineEpsilon = std::numeric_limits<double>::epsilon();
 
+/// How often a random check is repeated; less often under the sanitizers, which slow it down ten times.
+constexpr unsigned Repetitions(unsigned plain)
+{
+#ifdef __SANITIZE_ADDRESS__
+    return plain / 10;
+#else
+    return plain;
+#endif
+}
+
 /// A failure that shows all digits.
 inline testing::AssertionResult Differs(double actual, double expected)
 {

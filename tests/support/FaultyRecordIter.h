@@ -1,6 +1,8 @@
 #pragma once
 
+#include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
+#include "meta_analysis/settings/MAStatusCode.h"
 
 #include <new>
 #include <stdexcept>
@@ -26,6 +28,22 @@ public:
     FaultyRecordIter(const std::vector<std::vector<double>>& rows, Fault fault, int pass)
         : VectorRecordIter(rows), fault_(fault), pass_(pass)
     {}
+
+    /// Of an analysis that reads the pass.
+    static KXStatus StatusAfter(int fault)
+    {
+        using namespace MA_NAMESPACE;
+        switch (fault) {
+        case NO_FAULT:
+            return KXStatus();
+        case REFUSES_START:
+            return KXStatus(MAStatusCode::ITERATOR_NOT_STARTED);
+        case RUNS_OUT_OF_MEMORY:
+            return KXStatus(MAStatusCode::OUT_OF_MEMORY);
+        default:
+            return KXStatus(MAStatusCode::ITERATOR_FAILED);
+        }
+    }
 
     bool Start() override
     {

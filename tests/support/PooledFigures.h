@@ -54,16 +54,14 @@ inline void ExpectEstimate(const MA_NAMESPACE::MABaseModel& model, double estima
 inline void ExpectHeterogeneity(const MA_NAMESPACE::MABaseModel& model, const nlohmann::json& fixed)
 {
     constexpr double tolerance = closedFormTolerance;
-    EXPECT_TRUE(Close(model.GetHomoTestChisquareQ().at(0), fixed.at("Q"), tolerance));
-    EXPECT_EQ(model.GetHomoTestdf().at(0), fixed.at("Q_df"));
+    EXPECT_TRUE(Close(model.GetHomoTestChisquareQ(), {fixed.at("Q")}, tolerance));
+    EXPECT_TRUE(Same(model.GetHomoTestdf(), {fixed.at("Q_df")}));
     const double pValue = fixed.at("Q_p"); // there 1 - P
     EXPECT_NEAR(model.GetHomoTestSig().at(0), pValue, 1e-15 + tailFactor * tolerance * pValue);
-    EXPECT_TRUE(Close(model.GetH2Index().at(0), fixed.at("H2"), tolerance));
-    EXPECT_TRUE(Close(model.GetI2Index().at(0), fixed.at("I2"), tolerance, 1.0));
-    EXPECT_TRUE(Close(model.GetH2CILower().at(0), fixed.at("H2_ci").at(0), tolerance));
-    EXPECT_TRUE(Close(model.GetH2CIUpper().at(0), fixed.at("H2_ci").at(1), tolerance));
-    EXPECT_TRUE(Close(model.GetI2CILower().at(0), fixed.at("I2_ci").at(0), tolerance, 1.0));
-    EXPECT_TRUE(Close(model.GetI2CIUpper().at(0), fixed.at("I2_ci").at(1), tolerance, 1.0));
+    const Row h2 = {model.GetH2Index().at(0), model.GetH2CILower().at(0), model.GetH2CIUpper().at(0)};
+    EXPECT_TRUE(Close(h2, {fixed.at("H2"), fixed.at("H2_ci")[0], fixed.at("H2_ci")[1]}, tolerance));
+    const Row i2 = {model.GetI2Index().at(0), model.GetI2CILower().at(0), model.GetI2CIUpper().at(0)};
+    EXPECT_TRUE(Close(i2, {fixed.at("I2"), fixed.at("I2_ci")[0], fixed.at("I2_ci")[1]}, tolerance, 1.0));
 }
 
 inline void ExpectFixed(const MA_NAMESPACE::MABaseModel& model, const nlohmann::json& fixed)

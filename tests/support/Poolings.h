@@ -84,9 +84,11 @@ inline Row EntriesOf(const BinModel& model, std::size_t i, const Columns& column
 inline testing::AssertionResult SameModel(const BinModel& actual, std::size_t i, const BinModel& expected,
                                           std::size_t j = 0)
 {
-    Columns columns = estimateColumns;
-    columns.insert(columns.end(), heterogeneityColumns.begin(), heterogeneityColumns.end());
-    return Same(EntriesOf(actual, i, columns), EntriesOf(expected, j, columns));
+    for (const Columns& columns : {estimateColumns, heterogeneityColumns}) {
+        if (const auto same = Same(EntriesOf(actual, i, columns), EntriesOf(expected, j, columns)); !same)
+            return same;
+    }
+    return testing::AssertionSuccess();
 }
 
 /// All results but those whose names contain one of some words.

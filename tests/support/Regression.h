@@ -2,6 +2,7 @@
 
 #include "support/Compare.h"
 #include "support/Data.h"
+#include "support/FinishedRun.h"
 
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 #include "meta_analysis/regression/MAFEAlgorithm.h"
@@ -75,13 +76,7 @@ struct Regression
         output.emplace(settings, engine);
     }
 
-    std::vector<int> WarningCodes() const
-    {
-        std::vector<int> codes;
-        for (const KXStatus& warning : engine.GetWarnings())
-            codes.push_back(warning.GetCode());
-        return codes;
-    }
+    std::vector<int> WarningCodes() const { return CodesOf(engine.GetWarnings()); }
 
     MA_NAMESPACE::MARegSettings settings;
     Engine engine;
@@ -105,12 +100,7 @@ struct Scores
         return {fit, stdError, lower, upper, residual, residualStdError, leverage};
     }
 
-    double fit = notANumber;
-    double stdError = notANumber;
-    double lower = notANumber;
-    double upper = notANumber;
-    double residual = notANumber;
-    double residualStdError = notANumber;
-    double leverage = notANumber;
+    double fit = notANumber, stdError = notANumber, lower = notANumber, upper = notANumber;
+    double residual = notANumber, residualStdError = notANumber, leverage = notANumber;
     KXStatus status;
 };

@@ -1,4 +1,5 @@
-// Powers of calendar years as they are, whose columns differ by little more than their rounding.
+// Powers of calendar years as they are, whose columns differ by little more than their rounding: neither
+// their origin nor the unit of the effects or the order of the studies makes a difference.
 
 #include "support/Regression.h"
 
@@ -47,21 +48,29 @@ RERegression Regress(const Rows& rows, const char* code, bool adjusted)
     return RERegression(settings, rows);
 }
 
-/// What depends neither on the origin of the years nor on the unit of the effects, the last fitted values.
-Row InvariantFigures(const RERegression& fit, const Rows& rows)
+/// What depends neither on the origin of the years nor on the unit of the effects, the last fitted values of
+/// the studies, which are in the unit 1.
+Row InvariantFigures(const RERegression& fit, const Rows& rows, double unit = 1.0)
 {
-    const double variance = ColumnOf(rows, 1)[0];
     const MARegOutputStats& output = *fit.output;
-    Row figures = {output.GetTau() / variance, output.GetWaldChiSquareTest(),
-                   output.GetFTestVal(),       output.GetWaldPValue(),
-                   output.GetFPValue(),        output.GetResHomoChiSqure(),
-                   output.GetIresSquare(),     output.GetHresSquare(),
-                   output.GetRSquare(),        output.GetBetaTestPValue().back(),
-                   output.GetBetaTest().back()};
-    for (const Row& row : rows) {
+    Row figures = {output.GetTau() / (unit * unit),
+                   output.GetWaldChiSquareTest(),
+                   output.GetFTestVal(),
+                   output.GetWaldPValue(),
+                   output.GetFPValue(),
+                   output.GetResHomoChiSqure(),
+                   output.GetIresSquare(),
+                   output.GetHresSquare(),
+                   output.GetRSquare(),
+                   output.GetBetaTestPValue().back(),
+                   output.GetBetaTest().back() * (unit < 0 ? -1 : 1)};
+    for (Row row : rows) {
+        row[0] *= unit;
+        row[1] *= unit * unit;
         const Scores scores(fit.engine, row);
-        for (const double value : {scores.fit, scores.stdError, scores.residualStdError})
-            figures.push_back(value / std::sqrt(variance));
+        figures.push_back(scores.fit / unit);
+        for (const double value : {scores.stdError, scores.residualStdError})
+            figures.push_back(value / std::abs(unit));
         figures.push_back(scores.leverage);
     }
     return figures;
@@ -77,7 +86,7 @@ void ExpectSame(const Row& actual, const Row& expected, double tolerance)
 } // namespace
 
 /// Cubes are left out where the columns before them leave less than the computational tolerance.
-TEST(CalendarYears, NeedNoCentring)
+TEST(MetaRegressionInvariance, CalendarYearsNeedNoCentring)
 {
     int cubes = 0;
     for (const char* const name : dataSets) {
@@ -110,17 +119,20 @@ TEST(CalendarYears, NeedNoCentring)
 }
 
 /// No tolerance is one of the effects' unit.
-TEST(CalendarYears, UnitOfTheEffectsChangesNoFigureWithoutUnit)
+TEST(MetaRegressionInvariance, UnitAndOrderChangeNoFigureWithoutUnit)
 {
     for (const char* const name : dataSets) {
         const Rows rows = StudiesSince(name, 0, 2);
-        for (const double unit : {1e8, 1e-8}) {
-            const Rows scaled = StudiesSince(name, 0, 2, unit);
+        for (const double unit : {1e8, -1e-8}) {
+            Rows scaled = StudiesSince(name, 0, 2, unit);
+            std::reverse(scaled.begin(), scaled.end());
             for (const char* const code : {"HE", "HS", "DL", "SJ", "ML", "REML", "EB"}) {
                 SCOPED_TRACE(testing::Message() << name << ", times " << unit << ", " << code);
-                for (const bool adjusted : {false, true})
-                    ExpectSame(InvariantFigures(Regress(scaled, code, adjusted), scaled),
+                for (const bool adjusted : {false, true}) {
+                    const RERegression fit = Regress(scaled, code, adjusted);
+                    ExpectSame(InvariantFigures(fit, rows, unit),
                                InvariantFigures(Regress(rows, code, adjusted), rows), 1e-10);
+                }
             }
         }
     }

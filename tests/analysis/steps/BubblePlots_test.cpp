@@ -1,7 +1,7 @@
 #include "support/Compare.h"
+#include "support/FinishedRun.h"
 #include "support/LeastSquares.h"
 #include "support/Reference.h"
-#include "support/SmallStudyRun.h"
 
 #include "meta_analysis/analysis/MABinModel.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
@@ -88,7 +88,7 @@ void ExpectStudiesOnTheLine(const MABinModel& model, double tau2)
 
 } // namespace
 
-TEST(BubblePlot, HasTheLineOfThePublishedRegression)
+TEST(BubblePlots, HaveTheLineOfThePublishedRegression)
 {
     const nlohmann::json figures = LoadReference("bcg_vaccine")["risk_ratio"]["meta_regression_latitude"];
     for (const std::string key : {"FE_z", "REML_z", "REML_knha"}) {
@@ -124,7 +124,7 @@ TEST(BubblePlot, HasTheLineOfThePublishedRegression)
     }
 }
 
-TEST(BubblePlot, CenteringMovesXAndTheInterceptAlone)
+TEST(BubblePlots, CentringMovesXAndTheInterceptAlone)
 {
     Trials trials(MODEL_RANDOM);
     const MABinModel plain = trials.Plotted(WithIntercept());
@@ -150,7 +150,7 @@ TEST(BubblePlot, CenteringMovesXAndTheInterceptAlone)
         EXPECT_TRUE(Close((centred.*getter)()[0], (plain.*getter)()[0], tolerance));
 }
 
-TEST(BubblePlot, LeavesOutWhatItCannotPlot)
+TEST(BubblePlots, LeaveOutWhatCannotBePlotted)
 {
     Trials trials(MODEL_FIXED);
     for (Row& record : trials.data.rows)
@@ -169,26 +169,25 @@ TEST(BubblePlot, LeavesOutWhatItCannotPlot)
     EXPECT_EQ(model.GetBubbleCICurveX()[1], Row{13});
 }
 
-TEST(BubblePlot, WithoutInterceptRunsThroughTheOrigin)
-{
-    const MABinModel model = Trials(MODEL_FIXED).Plotted(MARegSettings());
-    ASSERT_EQ(model.GetBubbleCoefs()[0].size(), 1U);
-    EXPECT_TRUE(Close(model.GetBubblePredVals()[0][0], model.GetBubbleCoefs()[0][0] * 44, machineEpsilon));
-}
-
 /// Centring would move the line, which has no intercept to move with it.
-TEST(BubblePlot, IsCentredWithAnInterceptAlone)
+TEST(BubblePlots, WithoutInterceptRunUncentredThroughTheOrigin)
 {
     Trials trials(MODEL_FIXED);
     const MABinModel plain = trials.Plotted(MARegSettings());
+    ASSERT_EQ(plain.GetBubbleCoefs()[0].size(), 1U);
+    EXPECT_TRUE(Close(plain.GetBubblePredVals()[0][0], plain.GetBubbleCoefs()[0][0] * 44, machineEpsilon));
     trials.settings.SetCenterBubblePlot(true);
     const MABinModel centred = trials.Plotted(MARegSettings());
     EXPECT_EQ(centred.GetBubbleXs(), plain.GetBubbleXs());
     EXPECT_EQ(centred.GetBubbleCoefs(), plain.GetBubbleCoefs());
 }
 
-TEST(BubblePlot, RefusesSettingsThatNoRegressionCanUse)
+TEST(BubblePlots, NeedAnEstimatorUnderRandomEffectsAndAHostThatGoesOn)
 {
+    struct : KXQueryCancel
+    {
+        bool IsCancelled() override { return true; }
+    } static always;
     struct Case
     {
         void (*change)(MARegSettings&);
@@ -196,10 +195,9 @@ TEST(BubblePlot, RefusesSettingsThatNoRegressionCanUse)
         int code;
     };
     const Case cases[] = {
-        {[](MARegSettings& s) { s.SetMaxStepHalvingValue(0); }, MODEL_FIXED, MAStatusCode::INPUT_NOT_GIVEN},
-        {[](MARegSettings& s) { s.SetParameterTolerance(-1); }, MODEL_RANDOM, MAStatusCode::INPUT_NOT_GIVEN},
         {[](MARegSettings& s) { s.SetEstTauType("reml"); }, MODEL_RANDOM, MAStatusCode::TAU2_FAILED},
         {[](MARegSettings& s) { s.SetEstTauType("reml"); }, MODEL_FIXED, 0}, // which estimates none
+        {[](MARegSettings& s) { s.SetCancelObject(&always); }, MODEL_FIXED, MAStatusCode::ITERATOR_FAILED},
     };
     for (const Case& one : cases) {
         const Trials trials(one.model);
@@ -213,7 +211,7 @@ TEST(BubblePlot, RefusesSettingsThatNoRegressionCanUse)
     }
 }
 
-TEST(BubblePlot, KeepsToTheIterationsOfTheSettings)
+TEST(BubblePlots, KeepToTheIterationsOfTheSettings)
 {
     const Trials trials(MODEL_RANDOM);
     MARegSettings regression = WithIntercept();
@@ -221,21 +219,4 @@ TEST(BubblePlot, KeepsToTheIterationsOfTheSettings)
     const MABinModel whole = trials.Plotted(regression);
     regression.SetMaxIterations(1);
     EXPECT_NE(trials.Plotted(regression).GetBubbleCoefs(), whole.GetBubbleCoefs());
-}
-
-TEST(BubblePlot, CanBeCancelled)
-{
-    struct : KXQueryCancel
-    {
-        bool IsCancelled() override { return true; }
-    } always;
-    const Trials trials(MODEL_FIXED);
-    MABinModel model = trials.Plotted(WithIntercept(), {});
-    VectorRecordIter records(trials.data.rows);
-    MARegSettings regression = WithIntercept();
-    regression.AddCovariate(trials.data.IndexOf("latitude"));
-    regression.SetCancelObject(&always);
-    EXPECT_EQ(model.BubblePlot(records, VariablesOf(trials.data.rows), regression),
-              KXStatus(MAStatusCode::ITERATOR_FAILED));
-    EXPECT_TRUE(model.GetBubbleFlags().empty());
 }

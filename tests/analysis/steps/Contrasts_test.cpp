@@ -52,7 +52,7 @@ void ExpectContrast(const MABaseModel& model, std::size_t i, const Row& coeffici
 
 } // namespace
 
-TEST(Contrasts, OfInverseVarianceModels)
+TEST(Contrasts, AreSumsOverTheCoefficientsGiven)
 {
     const ContRun run(ContrastSettings(EffectSettings(), {3, 2, 4, 5, 6}), effects);
     const MAContModel& model = run.model;
@@ -88,7 +88,7 @@ TEST(Contrasts, AreOfFixedEffects)
 }
 
 /// Contrasts of tables are of the studies' own effects; their z values are the standard errors once more.
-TEST(Contrasts, OfTables)
+TEST(Contrasts, OfTablesAreOfTheStudiesOwnEffects)
 {
     const Rows tables = {
         {12, 88, 20, 80, 0, 1, 1}, {15, 85, 25, 75, 0, -2, missing}, {9, 91, 8, 92, 0, 0.5, 3}};

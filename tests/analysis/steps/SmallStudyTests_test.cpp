@@ -3,14 +3,9 @@
 #include "support/PooledFigures.h"
 #include "support/Poolings.h"
 #include "support/Published.h"
-#include "support/SmallStudyRun.h"
 
-#include "meta_analysis/analysis/steps/MARegBaseTest.h"
-#include "meta_analysis/analysis/steps/RegTestRecordIterator.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/settings/MAStatusCode.h"
-
-#include <map>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -91,7 +86,6 @@ void ExpectTest(const MABaseModel& model, double slope, double stdError, double 
 }
 
 using BinTest = SmallStudyRun<MABinModel>;
-using ContTest = SmallStudyRun<MAContModel>;
 
 KXStatus Tested(BinTest& run, int type)
 {
@@ -173,7 +167,7 @@ TEST(SmallStudyTests, ScoresAndSizesByWeightedLeastSquares)
 
 /// A run has a test when there are variables and trim-and-fill is on. Called by itself, before any run, the
 /// test reads the studies; a type beyond the undefined one leaves the test that there is.
-TEST(SmallStudyTests, WhenThereIsOne)
+TEST(SmallStudyTests, NeedVariablesAndTrimAndFill)
 {
     BinTest run(TableSettings(), studies);
     const Row tested = TestOf(run.model);
@@ -188,11 +182,6 @@ TEST(SmallStudyTests, WhenThereIsOne)
     run.settings.SetIsTRIMFILL(false);
     EXPECT_TRUE(direct.RUN(run.records, run.variables).IsOK());
     EXPECT_TRUE(HasNoTest(direct));
-
-    ContTest effects(EffectSettings(), {{0.1, 1}, {0.4, 2}, {0.2, 3}, {0.9, 4}});
-    MAContModel directEffects(effects.settings);
-    EXPECT_TRUE(directEffects.RegBasedContTest(effects.records, effects.variables).IsOK());
-    EXPECT_EQ(TestOf(directEffects), TestOf(effects.model));
 }
 
 /// The estimate of tau² after one iteration is another than that of its end.
@@ -206,36 +195,27 @@ TEST(SmallStudyTests, KeepToTheIterationsOfTheSettings)
 }
 
 /// The run goes on without a test, and the studies are not read again.
-TEST(SmallStudyTests, TooFewStudies)
+TEST(SmallStudyTests, NeedThreeStudies)
 {
     const KXStatus tooFew(MAStatusCode::TOO_FEW_FOR_TEST);
     BinTest two(TableSettings(), {studies[0], studies[1]});
     EXPECT_TRUE(two.status.IsOK());
     EXPECT_TRUE(HasNoTest(two.model));
-    EXPECT_EQ(two.model.GetLabbePlotX().size(), 1U);
     EXPECT_EQ(Tested(two, 1), tooFew);
     EXPECT_EQ(two.model.RegBasedTest(two.records, two.variables, MARegSettings()), tooFew);
-    EXPECT_TRUE(two.model.GetIfRegrTestPassFlag().empty());
     EXPECT_EQ(two.model.GetEffectSize().size(), 2U);
-    const BinTest none(TableSettings(), {{missing, 1, 2, 3}});
-    EXPECT_EQ(none.status, KXStatus(MAStatusCode::NO_ANALYSED_STUDY)); // of trim-and-fill
-    EXPECT_EQ(none.model.GetNMissing(), 1);
 }
 
 /// Trim-and-fill takes its side from the test: records that fail must not decide it.
 TEST(SmallStudyTests, RecordsThatFailEndTheRun)
 {
     using Faults = FaultyRecordIter;
-    const std::map<int, int> otherCodes = {{Faults::NO_FAULT, 0},
-                                           {Faults::REFUSES_START, MAStatusCode::ITERATOR_NOT_STARTED},
-                                           {Faults::RUNS_OUT_OF_MEMORY, MAStatusCode::OUT_OF_MEMORY}};
     MAModelSettings settings = TableSettings();
     settings.SetIsTRIMFILL(true);
     settings.SetSubGroupIndex(4);
     for (int fault = 0; fault <= Faults::NO_FAULT; ++fault) {
         SCOPED_TRACE(testing::Message() << "fault " << fault);
-        const auto other = otherCodes.find(fault);
-        const KXStatus expected(other == otherCodes.end() ? MAStatusCode::ITERATOR_FAILED : other->second);
+        const KXStatus expected = Faults::StatusAfter(fault);
         settings.SetModelType(fault % 2 == 0 ? MODEL_FIXED : MODEL_RANDOM);
         // Two passes read the studies; the regression starts once to look and once to read.
         Faults records(studies, static_cast<Faults::Fault>(fault), 4);
@@ -252,64 +232,9 @@ TEST(SmallStudyTests, RecordsThatFailEndTheRun)
     }
 }
 
-TEST(SmallStudyTests, RecordsWithoutEventsAreDroppedOnRequest)
-{
-    for (const bool drops : {false, true}) {
-        VectorRecordIter source({{0, 9, 0, 8}, {4, 0, 6, 0}});
-        RegTestRecordIterator records(source, 4, REG_TEST_EFFECT_ON_SIZE);
-        records.SetCountIndices(0, 1, 2, 3);
-        records.SetDropBinZero(drops);
-        ASSERT_TRUE(records.ResizeRecord() && records.Start());
-        EXPECT_EQ(records.Next() == nullptr, drops);
-        EXPECT_EQ(records.Next() == nullptr, drops);
-    }
-}
-
-/// The engine by itself, on records of effect and variance. A failure leaves the results of the test before.
-TEST(SmallStudyTests, Engine)
-{
-    const Rows rows = {{0.1, 1}, {0.4, 2}, {0.2, 3}, {0.9, 4}};
-    const KXVarList variables = VariablesOf(rows);
-    VectorRecordIter records(rows);
-    FaultyRecordIter faulty(rows, FaultyRecordIter::REFUSES_START, 1);
-    FaultyRecordIter faultyAgain = faulty;
-    MARegSettings settings;
-    settings.SetInterceptUse(true);
-    settings.SetOMWVarIndex(1);
-    MARegBaseTest test(settings, variables);
-    EXPECT_EQ(test.Test(records), KXStatus(MAStatusCode::TEST_TYPE_UNDEFINED));
-    test.SetTestType(REG_TEST_EFFECT_ON_STD_ERROR);
-    EXPECT_EQ(test.Test(records), KXStatus(MAStatusCode::TEST_DEPENDENT_REFUSED)); // there is none
-    test.SetEffectSizeIndex(2); // the column that the covariate is
-    EXPECT_EQ(test.Test(records), KXStatus(MAStatusCode::TEST_COVARIATE_REFUSED));
-    test.SetEffectSizeIndex(0);
-    EXPECT_EQ(test.Test(records), KXStatus(MAStatusCode::TEST_WITHOUT_OUTPUT)); // no model type
-    test.SetTestRegModelType(MODEL_FIXED);
-    EXPECT_EQ(test.Test(faulty), KXStatus(MAStatusCode::TEST_WITHOUT_OUTPUT));
-    EXPECT_EQ(test.GetResidualDf(), 0);
-
-    ASSERT_TRUE(test.Test(records).IsOK());
-    const Row coefficients = test.GetCoefficient();
-    EXPECT_EQ(coefficients.size(), 2U);
-    EXPECT_EQ(test.GetResidualDf(), 2);
-    EXPECT_EQ(test.Test(faultyAgain), KXStatus(MAStatusCode::ITERATOR_NOT_STARTED));
-    EXPECT_EQ(test.GetCoefficient(), coefficients);
-
-    // Whether a record holds the variance, the standard error or the weight makes no difference.
-    for (const OMGWeightType type : {OMEGA_STD_ERROR, OMEGA_WEIGHT}) {
-        Rows others = rows;
-        for (Row& row : others)
-            row[1] = type == OMEGA_WEIGHT ? 1 / row[1] : std::sqrt(row[1]);
-        VectorRecordIter otherRecords(others);
-        settings.SetOMWVarType(type);
-        ASSERT_TRUE(test.Test(otherRecords).IsOK());
-        EXPECT_TRUE(Close(test.GetCoefficient(), coefficients, 1e-13));
-    }
-}
-
 /// Each group's test is that of an analysis of its records alone, whatever the test reads; then comes that of
 /// all. Group 3 has one study.
-TEST(SmallStudyTests, OfGroups)
+TEST(SmallStudyTests, OfGroupsAreThoseOfTheirRecordsAlone)
 {
     MARegSettings regression;
     regression.SetInterceptUse(true);

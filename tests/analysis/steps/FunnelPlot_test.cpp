@@ -1,10 +1,12 @@
-#include "support/Poolings.h"
+// Funnel and Galbraith plots, which a run makes together.
+
+#include "support/Compare.h"
+#include "support/FinishedRun.h"
 
 #include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
 
 #include <numeric>
-#include <utility>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -50,17 +52,19 @@ Row Mapped(Row values, double (*map)(double))
     return values;
 }
 
-/// Of four values.
-Rows Halves(const Row& values)
+/// Of all studies, or of group 1 or 2.
+Rows StudiesOfPlot(std::size_t plot)
 {
-    return {{values[0], values[1]}, {values[2], values[3]}};
+    Rows rows = studies;
+    std::erase_if(rows, [plot](const Row& row) { return plot > 0 && row[2] != static_cast<double>(plot); });
+    return rows;
 }
 
 using ContRun = FinishedRun<MAContModel>;
 
 } // namespace
 
-TEST(Plots, FunnelAxes)
+TEST(FunnelPlot, HasTheStudiesOnItsAxis)
 {
     for (const Axis& axis : axes) {
         SCOPED_TRACE(axis.type);
@@ -92,17 +96,15 @@ TEST(Plots, FunnelAxes)
               Rows{Row(8, 0.0)});
 }
 
-TEST(Plots, FunnelLinesOfFewPoints)
+TEST(FunnelPlot, HasLinesOfAnyNumberOfPoints)
 {
     const std::pair<int, Row> lines[] = {{-3, {}}, {0, {}}, {1, {notANumber}}}; // the step divides by zero
-    for (const auto& [points, x] : lines) {
-        const ContRun run(PlotSettings(FUNNEL_STD_ERROR, points), studies);
-        EXPECT_TRUE(Same(run.model.GetFunnelCIX().at(0), x)) << points;
-        EXPECT_EQ(run.model.GetFunnelCIY().at(0).size(), x.size()) << points;
-    }
+    for (const auto& [points, x] : lines)
+        EXPECT_TRUE(
+            Same(ContRun(PlotSettings(FUNNEL_STD_ERROR, points), studies).model.GetFunnelCIX()[0], x));
 }
 
-TEST(Plots, FunnelContours)
+TEST(FunnelPlot, HasContoursOfItsLargestStandardError)
 {
     const std::pair<int, double (*)(double)> contours[] = {
         {CONTOUR_TWO_SIDED, [](double p) { return KXDistFun::IdfStdNorm(1 - p / 2); }},
@@ -128,77 +130,45 @@ TEST(Plots, FunnelContours)
     }
 }
 
-/// All studies, then the groups, whose rows are those of runs of their own, but that Galbraith's plot of a
-/// group is scaled by variances.
-TEST(Plots, RowsOfGroups)
+/// All studies, then the groups, whose rows are those of runs of their own.
+TEST(FunnelPlot, HasRowsOfGroups)
 {
-    const MAModelSettings plain = PlotSettings();
     for (const int order : {-1, 3}) {
-        MAModelSettings settings = plain;
+        MAModelSettings settings = PlotSettings();
         settings.SetSubGroupIndex(2);
         settings.SetCommulativeIndex(order);
         const ContRun run(settings, studies);
-        const MAContModel& model = run.model;
-        ASSERT_EQ(model.GetFunnelX().size(), 3U);
-        ASSERT_EQ(model.GetGalbPlotX().size(), 3U);
+        ASSERT_EQ(run.model.GetFunnelX().size(), 3U);
         for (std::size_t plot = 0; plot < 3; ++plot) {
             SCOPED_TRACE(testing::Message() << "plot " << plot << ", order " << order);
-            Rows rows = studies;
-            std::erase_if(rows,
-                          [plot](const Row& row) { return plot > 0 && row[2] != static_cast<double>(plot); });
-            const ContRun own(plain, rows);
-            EXPECT_EQ(model.GetFunnelX()[plot], own.model.GetFunnelX()[0]);
-            EXPECT_EQ(model.GetFunnelY().at(plot), own.model.GetFunnelY()[0]);
-            EXPECT_TRUE(Close(model.GetFunnelCIX().at(plot), own.model.GetFunnelCIX()[0], 1e-15));
-            Row x;
-            Row y;
-            for (const Row& row : rows) {
-                x.push_back(1 / (plot == 0 ? std::sqrt(row[1]) : row[1]));
-                y.push_back(row[0] * x.back());
-            }
-            EXPECT_TRUE(Close(model.GetGalbPlotX()[plot], x, machineEpsilon));
-            EXPECT_TRUE(Close(model.GetGalbPlotY().at(plot), y, 2 * machineEpsilon));
-            const double xy = std::inner_product(x.begin(), x.end(), y.begin(), 0.0);
-            const double xx = std::inner_product(x.begin(), x.end(), x.begin(), 0.0);
-            EXPECT_TRUE(Close(model.GetGalbRegrSlope().at(plot), xy / xx, 1e-15));
-            EXPECT_TRUE(Close(model.GetGalbRegrIntercept().at(plot), z90, 1e-15));
+            const ContRun own(PlotSettings(), StudiesOfPlot(plot));
+            EXPECT_EQ(run.model.GetFunnelX()[plot], own.model.GetFunnelX()[0]);
+            EXPECT_EQ(run.model.GetFunnelY().at(plot), own.model.GetFunnelY()[0]);
+            EXPECT_TRUE(Close(run.model.GetFunnelCIX().at(plot), own.model.GetFunnelCIX()[0], 1e-15));
         }
     }
 }
 
-/// Of all studies, or of each group. y - x is the study's effect, up to the cancellation of the two.
-TEST(Plots, LabbeOfTables)
+/// All studies are scaled by standard errors, those of groups by variances.
+TEST(GalbraithPlot, HasTheLineThroughTheOrigin)
 {
-    const Rows tables = {{12, 88, 20, 80, 1}, {0, 85, 25, 75, 1}, {9, 91, 8, 92, 2}, {40, 60, 9, 91, 2}};
-    for (const Pooling& pooling : poolings) {
-        SCOPED_TRACE(pooling.name);
-        MAModelSettings settings = pooling.Of(TableSettings());
-        const BinRun run(settings, tables);
-        settings.SetSubGroupIndex(4);
-        const BinRun groups(settings, tables);
-        if (pooling.effect == BIN_PETO_ODDS_RATIO) {
-            EXPECT_TRUE(run.model.GetLabbePlotX().empty());
-            continue;
+    MAModelSettings settings = PlotSettings();
+    settings.SetSubGroupIndex(2);
+    const ContRun run(settings, studies);
+    ASSERT_EQ(run.model.GetGalbPlotX().size(), 3U);
+    for (std::size_t plot = 0; plot < 3; ++plot) {
+        SCOPED_TRACE(plot);
+        Row x;
+        Row y;
+        for (const Row& row : StudiesOfPlot(plot)) {
+            x.push_back(1 / (plot == 0 ? std::sqrt(row[1]) : row[1]));
+            y.push_back(row[0] * x.back());
         }
-        ASSERT_EQ(run.model.GetLabbePlotX().size(), 1U);
-        const Row x = run.model.GetLabbePlotX()[0];
-        const Row y = run.model.GetLabbePlotY().at(0);
-        const Row weights = run.model.GetWeight();
-        for (std::size_t i = 0; i < 4; ++i) {
-            const double scale = std::abs(x.at(i)) + std::abs(y.at(i));
-            EXPECT_TRUE(Close(y[i] - x[i], run.model.GetEffectSize()[i], machineEpsilon, scale));
-        }
-        EXPECT_EQ(run.model.GetLabbePlotW(), Rows{weights});
-        EXPECT_EQ(groups.model.GetLabbePlotX(), Halves(x));
-        EXPECT_EQ(groups.model.GetLabbePlotY(), Halves(y));
-        EXPECT_EQ(groups.model.GetLabbePlotW(), Halves(weights));
+        EXPECT_TRUE(Close(run.model.GetGalbPlotX()[plot], x, machineEpsilon));
+        EXPECT_TRUE(Close(run.model.GetGalbPlotY().at(plot), y, 2 * machineEpsilon));
+        const double xy = std::inner_product(x.begin(), x.end(), y.begin(), 0.0);
+        const double xx = std::inner_product(x.begin(), x.end(), x.begin(), 0.0);
+        EXPECT_TRUE(Close(run.model.GetGalbRegrSlope().at(plot), xy / xx, 1e-15));
+        EXPECT_TRUE(Close(run.model.GetGalbRegrIntercept().at(plot), z90, 1e-15));
     }
-}
-
-TEST(Plots, NoLabbe)
-{
-    MAModelSettings readyMade = EffectSettings();
-    readyMade.SetOutcomesType(OUTCOME_BINARY);
-    EXPECT_TRUE(BinRun(readyMade, studies).model.GetLabbePlotX().empty());
-    EXPECT_TRUE(BinRun(TableSettings(), {}).model.GetLabbePlotX().empty());
 }

@@ -192,27 +192,9 @@ TEST(Subgroups, GroupsAreRunsOfTheirOwn)
     }
 }
 
-/// A run has the model of all alone; the build itself adds the group, which holds all studies, and the whole.
-TEST(Subgroups, OneGroupIsTheWhole)
-{
-    for (const Pooling& pooling : poolings) {
-        BinRun run(pooling.Of(SettingsBy(4, -1)), WithColumn(4, Row(6, 7.0)));
-        const Row upper = run.model.GetEstCIUpper();
-        const Row prediction = run.model.GetPIUpper();
-        EXPECT_EQ(run.model.GetUniGroup(), Row{7});
-        BuildGroups(run.model, pooling);
-        EXPECT_EQ(run.model.GetEstCIUpper(), Row(3, upper.at(0))) << pooling.name;
-        EXPECT_EQ(run.model.GetPIUpper(), Row(3, prediction.at(0))) << pooling.name;
-        EXPECT_EQ(run.model.GetUniGroup(), (Row{7, -1}));
-        EXPECT_EQ(run.model.GetGroupN(), (std::vector<int>{6, 6, 6, 6}));
-        EXPECT_EQ(run.model.GetGDQbVal(), 0.0);
-        EXPECT_EQ(run.model.GetGDQbSig(), 0.0);
-    }
-}
-
 /// Missing values, and those that are the label of the overall model, are groups. In a series missing values
 /// come first, and ties are all there.
-TEST(Subgroups, MissingValuesAndTies)
+TEST(Subgroups, MissingValuesAreAGroupAndComeFirst)
 {
     const BinRun groups(SettingsBy(4, -1), WithColumn(4, {-1, missing, 4, notANumber, -1, 4}));
     EXPECT_EQ(groups.model.GetUniGroup(), (Row{missing, -1, 4, -1}));
@@ -310,7 +292,7 @@ TEST(Subgroups, RemovedStudiesLeaveNoTrace)
 
 /// The first model that fails ends the analysis: of a group, of a cumulative step, or of trimmed studies, where
 /// the overall model stays.
-TEST(Subgroups, FailureOfAModel)
+TEST(Subgroups, FailureOfAModelEndsTheRun)
 {
     const auto unknown = static_cast<TAU2ESTIMATOR>(7);
     for (const char analysis : {'g', 'c', 't'}) {

@@ -2,7 +2,6 @@
 #include "support/Poolings.h"
 #include "support/Published.h"
 #include "support/Regression.h"
-#include "support/SmallStudyRun.h"
 
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -129,7 +128,7 @@ void ExpectOverallModelInPlace(MODELTYPE model, int group, const Rows& rows)
 } // namespace
 
 /// The key of a figure says the method of pooling, the estimator, and where the imputed studies lie.
-TEST(TrimFill, MeetsTheReferenceFigures)
+TEST(TrimAndFill, MeetsTheReferenceFigures)
 {
     int compared = 0;
     for (const char* const name : biasDataSets) {
@@ -155,7 +154,7 @@ TEST(TrimFill, MeetsTheReferenceFigures)
 
 /// On the side of the largest effects. After one pass the numbers are those of the deviations from the mean
 /// of all studies.
-TEST(TrimFill, Examples)
+TEST(TrimAndFill, CountsMissingStudiesByRanks)
 {
     const Row equal = {0.1, 0.3};
     const Rows equalEffects = {equal, equal, {0.1, 0.5}}; // their mean rounds to a smaller number
@@ -195,7 +194,7 @@ TEST(TrimFill, Examples)
 /// Mirrored effects have the mirrored result on the other side, to the last digit, be the side found by the
 /// covariance or by the slope of the small-study test. Without both, as of studies of one size, the smallest
 /// effects are trimmed, whatever the rounding of the sums.
-TEST(TrimFill, SideThatTheDataSuggest)
+TEST(TrimAndFill, AutomaticSideFollowsTheSlope)
 {
     // The covariance of y / v = -4, 0.5, 0.25 and 1 / se = 2, 1, 0.5 is negative.
     ContRun three(TrimFillSettings(EffectSettings(), MODEL_FIXED), {{-1, 0.25}, {0.5, 1}, {1, 4}});
@@ -220,15 +219,14 @@ TEST(TrimFill, SideThatTheDataSuggest)
         EXPECT_EQ(tested.model.GetTRimFillSide() + testedMirrored.model.GetTRimFillSide(), 3);
 
         for (Row& row : rows)
-            row[1] = 0.01 * seed;
-        const SmallStudyRun<MAContModel> ofOneSize(EffectSettings(), rows);
-        EXPECT_EQ(ofOneSize.model.GetRegBasedTestCoef(), missing); // collinear with the intercept
-        EXPECT_EQ(ofOneSize.model.GetTRimFillSide(), TRIM_SIDE_SMALLEST);
+            row[1] = 0.01 * seed; // collinear with the intercept
+        EXPECT_EQ(SmallStudyRun<MAContModel>(EffectSettings(), rows).model.GetTRimFillSide(),
+                  TRIM_SIDE_SMALLEST);
     }
     EXPECT_GT(imputed, 20); // there was something to compare
 }
 
-TEST(TrimFill, LeavesTheOverallModelInPlace)
+TEST(TrimAndFill, LeavesTheOverallModelInPlace)
 {
     for (const MODELTYPE model : {MODEL_FIXED, MODEL_RANDOM}) {
         for (const int group : {-1, 2}) {
@@ -239,7 +237,7 @@ TEST(TrimFill, LeavesTheOverallModelInPlace)
     }
 }
 
-TEST(TrimFill, NotRun)
+TEST(TrimAndFill, NeedsTwoStudiesAndInverseVariances)
 {
     const MAModelSettings settings = TrimFillSettings(EffectSettings(), MODEL_FIXED);
     EXPECT_EQ(ContRun(settings, {}).status, KXStatus(MAStatusCode::NO_ANALYSED_STUDY));

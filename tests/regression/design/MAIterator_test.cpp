@@ -1,7 +1,7 @@
 #include "support/Compare.h"
 #include "support/Data.h"
-#include "support/FaultyRecordIter.h"
 
+#include "meta_analysis/platform/common/VectorRecordIter.h"
 #include "meta_analysis/regression/design/MAIterator.h"
 
 using MA_NAMESPACE::MAIterator;
@@ -50,22 +50,7 @@ TEST(MAIterator, AppendsEffectSizeAndVarianceToTheHostsRecords)
                            {missing, missing, 0.3, missing},
                            {3, 1991, missing, missing}};
     EXPECT_TRUE(iterator.Start());
-    EXPECT_EQ(iterator.Next()->Get(2), 0.1);
-    EXPECT_TRUE(iterator.Start());
     EXPECT_EQ(ReadAll(iterator), expected);
     EXPECT_TRUE(iterator.Reset());
     EXPECT_EQ(ReadAll(iterator), expected);
-    EXPECT_EQ(iterator.GetError(), 0);
-}
-
-TEST(MAIterator, PassesTheHostsFailuresOn)
-{
-    const std::vector<double> none;
-    FaultyRecordIter refusing({{1, 2}, {3, 4}}, FaultyRecordIter::REFUSES_START, 1);
-    EXPECT_FALSE(MAIterator(refusing, HostVariables(), none, none).Start());
-    FaultyRecordIter breaking({{1, 2}, {3, 4}}, FaultyRecordIter::BREAKS_OFF, 1);
-    MAIterator iterator(breaking, HostVariables(), none, none);
-    EXPECT_TRUE(iterator.Start());
-    EXPECT_EQ(ReadAll(iterator).size(), 1U);
-    EXPECT_EQ(iterator.GetError(), 5);
 }

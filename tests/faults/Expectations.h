@@ -4,30 +4,8 @@
 
 #include "meta_analysis/platform/common/KXStatus.h"
 
-#include <algorithm>
 #include <set>
 #include <span>
-
-/// What was found to be wrong with the results of one analysis.
-class Violations
-{
-public:
-    void Expect(bool isTrue, const std::string& expectation)
-    {
-        if (!isTrue)
-            Add(expectation);
-    }
-    /// Tells an expectation that was not met.
-    void Add(const std::string& expectation)
-    {
-        if (std::find(texts_.begin(), texts_.end(), expectation) == texts_.end())
-            texts_.push_back(expectation);
-    }
-    const std::vector<std::string>& Texts() const { return texts_; }
-
-private:
-    std::vector<std::string> texts_;
-};
 
 /// Below it the weighted squares of residuals of ordinary data are rounding errors: the data are multiples of
 /// 1/32.
@@ -73,13 +51,11 @@ struct Expectations
     /// A second run has the same results, and so has one with a record more that has no values, but for the
     /// count of such records.
     void Repeated(const Results& second, Results withMissing, const std::string& count) const;
-
     /// The results after the change are these, as their traits say.
     void Followed(const Change& change, std::span<const Trait> traits, const Results& after) const;
 
     const Results& results;
     double level; ///< of confidence; when it is one, intervals hold what they are about
-    Violations& violations;
 };
 
 template <class Number>
@@ -88,5 +64,5 @@ bool HasRepeats(const std::vector<Number>& numbers)
     return std::set<Number>(numbers.begin(), numbers.end()).size() < numbers.size();
 }
 
-/// The status is OK or one of the documented errors.
-void ExpectKnownStatus(const KXStatus& status, const std::string& operation, Violations& violations);
+/// The status is OK, a warning or an error of the library.
+void ExpectKnownStatus(const KXStatus& status);
