@@ -313,7 +313,7 @@ KXStatus MABaseModel::ComputePlotStatistics()
         const MAEstimate overall = models.empty() ? MAEstimate() : models.back().effect;
         const bool isFilled = settings_->GetIsTRIMFILL() && results.trimFill.model.has_value();
         PlotStudies(results.studies.effectSize, results.studies.variance,
-                    FieldOf(results.studies.tests, &MAStudyTest::stdError),
+                    ValuesOf(results.studies.tests, &MAStudyTest::stdError),
                     isFilled ? results.trimFill.model->estimate : overall.estimate);
         const std::size_t groupCount = std::min(results.groups.members.size(), results.groups.values.size());
         for (std::size_t g = 0; results.groups.AreSeveral() && g < groupCount; ++g) {

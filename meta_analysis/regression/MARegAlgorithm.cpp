@@ -79,7 +79,7 @@ struct MARegAlgorithm::State
     KXStatus CreateParameters(MultiPassRecordIter& records);
     KXStatus PrepareRows(MultiPassRecordIter& records);
     KXStatus Build(MultiPassRecordIter& records, bool isRandom, MARegBuild (*fitModel)(const MARegTask&));
-    KXStatus PredictRecord(const Record& record, MAPrediction& prediction) const;
+    KXStatus PredictRecord(const Record& record, MARegPrediction& prediction) const;
 
     const MARegSettings& settings; ///< the host's
     const KXStatus settingsStatus; ///< an error when they could not be used at construction
@@ -166,7 +166,7 @@ KXStatus MARegAlgorithm::State::Build(MultiPassRecordIter& records, bool isRando
     return status;
 }
 
-KXStatus MARegAlgorithm::State::PredictRecord(const Record& record, MAPrediction& prediction) const
+KXStatus MARegAlgorithm::State::PredictRecord(const Record& record, MARegPrediction& prediction) const
 {
     const KXStatus unusable(MAStatusCode::UNUSABLE_RECORD, true);
     if (fit == nullptr)
@@ -239,7 +239,7 @@ KXStatus MARegAlgorithm::Score(const Record& record, double& fit, double& stdErr
                                double& upper, double& residual, double& residualStdError,
                                double& leverage) const
 {
-    MAPrediction prediction;
+    MARegPrediction prediction;
     KXStatus result;
     Guarded(result, [&] { return result = state_->PredictRecord(record, prediction); });
     fit = prediction.fit;

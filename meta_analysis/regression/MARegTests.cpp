@@ -112,10 +112,10 @@ MAModelTest FTest(const MARegFit& fit, double scale)
 
 /// The leverage belongs to the unscaled fit, so that the leverages sum to the number of parameters whatever
 /// the scale. Without a scale there is no standard error, but still a fit.
-MAPrediction Predict(const MARegFit& fit, double scale, double criticalValue, const MADesignRow& row,
-                     bool hasStudy)
+MARegPrediction Predict(const MARegFit& fit, double scale, double criticalValue, const MADesignRow& row,
+                        bool hasStudy)
 {
-    MAPrediction prediction;
+    MARegPrediction prediction;
     if (row.isBad || row.predictors.size() != fit.Coefficients().size())
         return prediction;
     const MARegFit::Point point = fit.At(row);

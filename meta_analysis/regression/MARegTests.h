@@ -10,7 +10,7 @@ namespace MA_NAMESPACE {
 // V = scale M, with `scale` the dispersion, the factor after Knapp and Hartung, or 1; missing: there is none.
 
 /// A prediction for one record.
-struct MAPrediction
+struct MARegPrediction
 {
     double fit = KXMV::Missing();
     double stdError = KXMV::Missing();
@@ -47,7 +47,7 @@ MAModelTest FTest(const MARegFit& fit, double scale);
 
 /// Prediction for a row of the design. The residual, its standard error and the leverage need the study's
 /// dependent and weight, which are there when `hasStudy`.
-MAPrediction Predict(const MARegFit& fit, double scale, double criticalValue, const MADesignRow& row,
-                     bool hasStudy);
+MARegPrediction Predict(const MARegFit& fit, double scale, double criticalValue, const MADesignRow& row,
+                        bool hasStudy);
 
 } // namespace MA_NAMESPACE

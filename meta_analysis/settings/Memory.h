@@ -34,20 +34,27 @@ Value CopyOf(const Value& value) noexcept
     }
 }
 
-/// One field of every row, as a getter returns it; empty when memory runs out. The field is a member, or a
-/// function of the row.
+/// One field of every row; throws std::bad_alloc, so for use inside guarded operations. The field is a
+/// member, or a function of the row.
 template <class Row, class Field>
-auto FieldOf(const std::vector<Row>& rows, Field field) noexcept
+auto ValuesOf(const std::vector<Row>& rows, Field field)
 {
-    std::vector<std::decay_t<std::invoke_result_t<Field, const Row&>>> fields;
+    std::vector<std::decay_t<std::invoke_result_t<Field, const Row&>>> values;
+    values.reserve(rows.size());
+    for (const Row& row : rows)
+        values.push_back(std::invoke(field, row));
+    return values;
+}
+
+/// The same as a getter returns it: empty when memory runs out.
+template <class Row, class Field>
+auto FieldOf(const std::vector<Row>& rows, Field field) noexcept -> decltype(ValuesOf(rows, field))
+{
     try {
-        fields.reserve(rows.size());
-        for (const Row& row : rows)
-            fields.push_back(std::invoke(field, row));
+        return ValuesOf(rows, field);
     } catch (...) {
-        fields.clear();
+        return {};
     }
-    return fields;
 }
 
 namespace MA_NAMESPACE {
