@@ -97,7 +97,8 @@ public:
     /// Errors: TOO_FEW_FOR_TEST fewer than 3 studies in all; ITERATOR_NOT_STARTED and ITERATOR_FAILED the
     /// records fail in any of the tests, or have another number than when the studies were read; the error of
     /// the overall test.
-    KXStatus RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables, MARegSettings settings);
+    KXStatus RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
+                          const MARegSettings& settings);
 
     /// Bubble plot of the studies over each covariate of `settings`: a regression on that covariate alone,
     /// under the model of the run, after `RUN`. Appends an entry per covariate to the bubble lists. Errors:

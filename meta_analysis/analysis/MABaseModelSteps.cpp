@@ -205,9 +205,10 @@ KXStatus MABaseModel::TestForSmallStudies(MultiPassRecordIter& records, const KX
 }
 
 KXStatus MABaseModel::RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
-                                   MARegSettings settings)
+                                   const MARegSettings& given)
 {
     return Guarded(status_, [&] {
+        MARegSettings settings(given);
         if (RequireStudiesForTest(records).IsError())
             return status_;
         if (Results().groups.AreSeveral()) {
