@@ -227,11 +227,16 @@ void MABaseModel::AppendReported(const MAPooledStudies& pooled)
 
 void MABaseModel::AppendHeterogeneity(const MAPooledModel& model)
 {
-    Guarded(status_, [&] {
-        MAModelLists& models = State().models;
-        models.tau2.reserve(models.tau2.size() + 1); // so that both lists grow, or neither
-        models.heterogeneity.push_back(model);
-        models.tau2.push_back(model.tau2);
+    MAModelLists& models = State().models;
+    models.tau2.reserve(models.tau2.size() + 1); // so that both lists grow, or neither
+    models.heterogeneity.push_back(model);
+    models.tau2.push_back(model.tau2);
+}
+
+KXStatus MABaseModel::TakeHeterogeneity(const MAPooledModel& model)
+{
+    return Guarded(status_, [&] {
+        AppendHeterogeneity(model);
         return status_;
     });
 }
@@ -273,12 +278,12 @@ MARandomEffectModel MABaseModel::NewRandomEffectModel(const std::vector<double>&
 
 void MABaseModel::GetContFixModelTestOutput(const MAContinousFixEffectModel& model)
 {
-    AppendHeterogeneity(model.GetPooledModel());
+    TakeHeterogeneity(model.GetPooledModel());
 }
 
 void MABaseModel::GetRandomModelTestOutput(const MARandomEffectModel& model)
 {
-    AppendHeterogeneity(model.GetPooledModel());
+    TakeHeterogeneity(model.GetPooledModel());
 }
 
 void MABaseModel::ResetEstESStat(bool alsoTau2)

@@ -148,7 +148,8 @@ protected:
     /// Appends a pooled model of `studyCount` studies, with weights when these are as many as the studies.
     KXStatus AppendModel(const MAPooledStudies& pooled, std::size_t studyCount,
                          const std::vector<double>& weights);
-    void AppendHeterogeneity(const MAPooledModel& model);
+    /// Appends a fitted model's heterogeneity output, for a host.
+    KXStatus TakeHeterogeneity(const MAPooledModel& model);
 
     /// Takes what a pass has read; returns its status.
     KXStatus Take(MAReading reading);
@@ -174,6 +175,7 @@ private:
     KXStatus ReadStudies(MultiPassRecordIter& records);
     KXStatus BuildModels(const MAModelChoice& choice);
     KXStatus BuildOverall(const MAModelChoice& choice);
+    void AppendHeterogeneity(const MAPooledModel& model);
     void AppendReported(const MAPooledStudies& pooled);
     void AppendGroup(std::vector<std::size_t> members);
     KXStatus TestContrastsOfRun();

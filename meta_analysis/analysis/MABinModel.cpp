@@ -200,7 +200,7 @@ MABinaryFixEffectModel MABinModel::NewBinFixEffectModel(std::vector<double>& tre
 
 void MABinModel::GetBinFixModelTestOutput(const MABinaryFixEffectModel& model)
 {
-    AppendHeterogeneity(model.GetPooledModel());
+    TakeHeterogeneity(model.GetPooledModel());
 }
 
 int MABinModel::GetNZeroCorrected() const
