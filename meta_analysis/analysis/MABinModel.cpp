@@ -315,8 +315,7 @@ bool MABinModel::HasRatios() const
 
 bool MABinModel::HasFilledRatio() const
 {
-    return HasRatios() &&
-           (GetTFImputedN0() == 0 || settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY);
+    return HasRatios() && (GetTFImputedN0() == 0 || settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY);
 }
 
 double MABinModel::GetOverallTFExpEffectSize() const

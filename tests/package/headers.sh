@@ -8,7 +8,7 @@ how=$1
 export compiler=$2 standard=$3 include=$4
 
 compile() {
-    printf '#include "%s"\n' "$@" | "$compiler" "-std=$standard" -x c++ -fsyntax-only -I "$include" \
+    printf '#include <%s>\n' "$@" | "$compiler" "-std=$standard" -x c++ -fsyntax-only -I "$include" \
         -Wall -Wextra -Wshadow -Wconversion -pedantic -Werror -
 }
 export -f compile

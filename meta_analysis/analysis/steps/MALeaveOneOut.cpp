@@ -60,7 +60,10 @@ MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice
     ColumnButOne effectSizes(studies.effectSize);
     ColumnButOne variances(studies.variance);
     return LeaveEachOut(
-        count, [&] { return PoolEffects({effectSizes.Others(), variances.Others()}, stepChoice); },
+        count,
+        [&] {
+            return PoolEffects({effectSizes.Others(), variances.Others()}, stepChoice);
+        },
         [&](std::size_t i) {
             effectSizes.Proceed(i);
             variances.Proceed(i);

@@ -290,8 +290,8 @@ TEST(Subgroups, RemovedStudiesLeaveNoTrace)
     }
 }
 
-/// The first model that fails ends the analysis: of a group, of a cumulative step, or of trimmed studies, where
-/// the overall model stays.
+/// The first model that fails ends the analysis: of a group, of a cumulative step, or of trimmed studies,
+/// where the overall model stays.
 TEST(Subgroups, FailureOfAModelEndsTheRun)
 {
     const auto unknown = static_cast<TAU2ESTIMATOR>(7);
