@@ -180,12 +180,8 @@ bool MABaseModel::PoolsTables() const
 KXStatus MABaseModel::BuildModel(const std::vector<double>& effectSizes, const std::vector<double>& variances)
 {
     return Guarded(status_, [&] {
-        const MAEffects effects = {effectSizes, variances};
-        MAPooledStudies pooled;
-        if (HasCumulativeValues())
-            pooled.model = PoolStep(effects, WithoutTau2Interval(EffectsChoice()));
-        else
-            pooled = PoolEffects(effects, EffectsChoice());
+        const MAModelChoice choice = HasCumulativeValues() ? ModelOfStep(EffectsChoice()) : EffectsChoice();
+        const MAPooledStudies pooled = {PoolEffects({effectSizes, variances}, choice), 0, {}};
         return AppendModel(pooled, variances.size(), InverseVarianceWeights(variances, pooled.model));
     });
 }
@@ -194,10 +190,10 @@ KXStatus MABaseModel::BuildOnlyTestModel(const std::vector<double>& effectSizes,
                                          const std::vector<double>& variances)
 {
     return Guarded(status_, [&] {
-        const MAPooledStudies pooled = PoolEffects({effectSizes, variances}, EffectsChoice());
-        status_ = pooled.model.status;
+        const MAPooledModel model = PoolEffects({effectSizes, variances}, EffectsChoice());
+        status_ = model.status;
         if (!status_.IsError())
-            AppendReported(pooled);
+            AppendReported(model);
         return status_;
     });
 }
@@ -210,7 +206,7 @@ KXStatus MABaseModel::AppendModel(const MAPooledStudies& pooled, std::size_t stu
         return status_;
     State().models.models.push_back({pooled.model.effect, pooled.correctedTables});
     if (!HasCumulativeValues())
-        AppendReported(pooled);
+        AppendReported(pooled.model);
     if (studyCount == Results().studies.Count())
         State().models.weights.insert(State().models.weights.end(), weights.begin(), weights.end());
     if (!HasCumulativeValues() && Results().groups.values.size() == 1)
@@ -218,10 +214,10 @@ KXStatus MABaseModel::AppendModel(const MAPooledStudies& pooled, std::size_t stu
     return status_;
 }
 
-void MABaseModel::AppendReported(const MAPooledStudies& pooled)
+void MABaseModel::AppendReported(const MAPooledModel& model)
 {
-    AppendHeterogeneity(pooled.model);
-    if (pooled.isTau2Doubtful)
+    AppendHeterogeneity(model);
+    if (model.tau2Results.isDoubtful)
         AddWarning(MAStatusCode::TAU2_DOUBTFUL);
 }
 

@@ -176,7 +176,7 @@ private:
     KXStatus BuildModels(const MAModelChoice& choice);
     KXStatus BuildOverall(const MAModelChoice& choice);
     void AppendHeterogeneity(const MAPooledModel& model);
-    void AppendReported(const MAPooledStudies& pooled);
+    void AppendReported(const MAPooledModel& model);
     void AppendGroup(std::vector<std::size_t> members);
     KXStatus TestContrastsOfRun();
     KXStatus TestForSmallStudies(MultiPassRecordIter& records, const KXVarList& variables);

@@ -101,7 +101,7 @@ KXStatus MABaseModel::BuildCumulative(const MAModelChoice& choice)
         state.studies, MembersByGroup(state.studies, state.groups.values), settings_->GetSortType(), choice);
     for (MACumulativeGroup& group : result.groups) {
         state.models.models = std::move(group.steps);
-        AppendReported(group.whole);
+        AppendReported(group.whole.model);
         state.models.groupSizes.push_back(static_cast<int>(group.order.size()));
         AppendGroup(std::move(group.order));
         state.cumulative.values.push_back(std::move(group.values));
@@ -112,7 +112,7 @@ KXStatus MABaseModel::BuildCumulative(const MAModelChoice& choice)
         ComputeCochranStatistics();
         state.groups.shownValues.push_back(MAStudies::noGroup);
         state.models.models = {{result.overall->model.effect, result.overall->correctedTables}};
-        AppendReported(*result.overall);
+        AppendReported(result.overall->model);
         state.cumulative.values.emplace_back();
         PushCumuStatistics();
     }
@@ -278,7 +278,7 @@ KXStatus MABaseModel::TrimAndFill()
     state.trimFill.side = GetTRimFillSide();
     const MAModelChoice choice = WithoutTau2Interval(EffectsChoice());
     if (state.models.models.empty()) {
-        status_ = PoolStep({state.studies.effectSize, state.studies.variance}, choice).status;
+        status_ = PoolEffects({state.studies.effectSize, state.studies.variance}, choice).status;
         if (status_.IsError())
             return status_;
     }
@@ -293,8 +293,8 @@ KXStatus MABaseModel::TrimAndFill()
     Append(state.trimFill.imputed.stdError, found.imputed.stdError);
     state.trimFill.model.reset();
     if (found.filled.has_value()) {
-        state.trimFill.model = found.filled->model.effect;
-        if (found.filled->isTau2Doubtful)
+        state.trimFill.model = found.filled->effect;
+        if (found.filled->tau2Results.isDoubtful)
             AddWarning(MAStatusCode::TAU2_DOUBTFUL);
     } else if (found.imputedCount == 0 && !state.models.models.empty()) {
         state.trimFill.model = state.models.models.back().effect;

@@ -156,8 +156,8 @@ KXStatus MABinModel::BuildBinModel(const std::vector<double>& treatmentEvents,
         status_ = model.ComputeEffectSizeStatistics();
         if (status_.IsError())
             return status_;
-        return AppendModel({model.GetPooledModel(), model.GetNPoolCorrected(), false, {}},
-                           treatmentEvents.size(), model.GetEstWeight());
+        return AppendModel({model.GetPooledModel(), model.GetNPoolCorrected(), {}}, treatmentEvents.size(),
+                           model.GetEstWeight());
     });
 }
 

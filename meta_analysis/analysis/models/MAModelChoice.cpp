@@ -47,6 +47,7 @@ MAModelChoice EffectsModel(const MAModelSettings& settings, const MARunSettings&
     choice.random.threshold = OnAnalysisScale(
         isThresholdAbove ? settings.GetProbabilityAbove() : settings.GetProbabilityBelow(), isOnLogScale);
     choice.random.isThresholdAbove = isThresholdAbove;
+    choice.random.checksTau2 = true;
     choice.random.alpha = alpha;
     return choice;
 }
@@ -56,13 +57,19 @@ MAModelChoice TrimmingModel(const MAModelSettings& settings, MAModelChoice choic
     choice.type = settings.GetTFModelType();
     choice.random.estimator = settings.GetTFEstTauType();
     choice.random.knappHartung = settings.GetTFKnapHartAdjustType();
-    return WithoutTau2Interval(choice);
+    return ModelOfStep(choice);
 }
 
 MAModelChoice WithoutTau2Interval(MAModelChoice choice)
 {
     choice.random.tau2Interval = MAConst::TAU2_INTERVAL_NONE;
     return choice;
+}
+
+MAModelChoice ModelOfStep(MAModelChoice choice)
+{
+    choice.random.checksTau2 = false;
+    return WithoutTau2Interval(choice);
 }
 
 } // namespace MA_NAMESPACE

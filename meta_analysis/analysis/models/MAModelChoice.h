@@ -38,7 +38,11 @@ MAModelChoice EffectsModel(const MAModelSettings& settings, const MARunSettings&
 /// The model of the trimmed studies, none of which is reported.
 MAModelChoice TrimmingModel(const MAModelSettings& settings, MAModelChoice choice);
 
-/// The model of a step that is not reported for itself, such as one of a cumulative analysis.
+/// The model without an interval of tau², where none is reported.
 MAModelChoice WithoutTau2Interval(MAModelChoice choice);
+
+/// The model of a step that is not reported for itself, such as one of a cumulative analysis: without an
+/// interval of tau², and without the check of tau².
+MAModelChoice ModelOfStep(MAModelChoice choice);
 
 } // namespace MA_NAMESPACE

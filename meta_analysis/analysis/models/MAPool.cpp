@@ -1,6 +1,7 @@
 #include "meta_analysis/analysis/models/MAPool.h"
 
 #include "meta_analysis/inference/MAInference.h"
+#include "meta_analysis/inference/MAWeightedMean.h"
 #include "meta_analysis/pooling/MAPooling.h"
 #include "meta_analysis/pooling/MATablePooling.h"
 
@@ -17,14 +18,11 @@ MAPooledPrefixes PoolFixedPrefixes(const MAStudies& studies, const MASelection& 
     const double quantile = TwoSidedNormalQuantile(choice.fixed.alpha);
     MAPooledPrefixes prefixes;
     prefixes.rows.reserve(selection.size());
-    double weightSum = 0.0;
-    double weightedSum = 0.0;
+    MAWeightedMean sums;
     for (const std::size_t study : selection) {
-        const double weight = 1.0 / studies.variance[study];
-        weightSum += weight;
-        weightedSum += weight * studies.effectSize[study];
+        sums.Add(1.0 / studies.variance[study], studies.effectSize[study]);
         prefixes.rows.push_back(
-            {InferNormal(weightedSum / weightSum, 1.0 / weightSum, choice.fixed.nullHypothesis, quantile)});
+            {InferNormal(sums.Mean(), sums.Variance(), choice.fixed.nullHypothesis, quantile)});
     }
     return prefixes;
 }
@@ -39,7 +37,7 @@ MAPooledPrefixes PoolCountPrefixes(const MAStudies& studies, const MASelection& 
     return prefixes;
 }
 
-/// tau² of every prefix is estimated anew; the vectors grow with the prefix, so that no step copies.
+/// tau² of every prefix is estimated anew. A prefix is the begin of one copy of the selection.
 MAPooledPrefixes PoolRandomPrefixes(const MAStudies& studies, const MASelection& selection,
                                     const MAModelChoice& choice)
 {
@@ -49,7 +47,7 @@ MAPooledPrefixes PoolRandomPrefixes(const MAStudies& studies, const MASelection&
     prefixes.rows.reserve(selection.size());
     for (std::size_t count = 1; count <= selection.size() && !prefixes.status.IsError(); ++count) {
         const MAPooledModel model =
-            PoolRandomEffects({{effectSizes.data(), count}, {variances.data(), count}}, choice.random);
+            PoolEffects({{effectSizes.data(), count}, {variances.data(), count}}, choice);
         prefixes.status = model.status;
         if (!model.status.IsError())
             prefixes.rows.push_back({model.effect});
@@ -59,39 +57,32 @@ MAPooledPrefixes PoolRandomPrefixes(const MAStudies& studies, const MASelection&
 
 } // namespace
 
-MAPooledModel PoolStep(const MAEffects& effects, const MAModelChoice& choice)
+MAPooledModel PoolEffects(const MAEffects& effects, const MAModelChoice& choice)
 {
     return choice.type == MAConst::MODEL_FIXED ? PoolFixedEffect(effects, choice.fixed)
                                                : PoolRandomEffects(effects, choice.random);
 }
 
-MAPooledStudies PoolEffects(const MAEffects& effects, const MAModelChoice& choice)
-{
-    MAPooledStudies pooled;
-    pooled.model = PoolStep(effects, choice);
-    pooled.isTau2Doubtful =
-        choice.type != MAConst::MODEL_FIXED && IsTau2Doubtful(effects, choice.random, pooled.model);
-    return pooled;
-}
-
 MAPooledStudies PoolCounts(const std::vector<MATable>& tables, const MAModelChoice& choice)
 {
     MAPooledTables pooled = PoolTables(tables, choice.tables);
-    return {pooled.model, pooled.correctedTables, false, std::move(pooled.weights)};
+    return {pooled.model, pooled.correctedTables, std::move(pooled.weights)};
 }
 
 MAPooledStudies Pool(const MAStudies& studies, const MAModelChoice& choice)
 {
-    return choice.poolsTables ? PoolCounts(studies.tables, choice)
-                              : PoolEffects({studies.effectSize, studies.variance}, choice);
+    if (choice.poolsTables)
+        return PoolCounts(studies.tables, choice);
+    return {PoolEffects({studies.effectSize, studies.variance}, choice), 0, {}};
 }
 
 MAPooledStudies Pool(const MAStudies& studies, const MASelection& selection, const MAModelChoice& choice)
 {
     if (choice.poolsTables)
         return PoolCounts(Selected(studies.tables, selection), choice);
-    return PoolEffects({Selected(studies.effectSize, selection), Selected(studies.variance, selection)},
-                       choice);
+    const std::vector<double> effectSizes = Selected(studies.effectSize, selection);
+    const std::vector<double> variances = Selected(studies.variance, selection);
+    return {PoolEffects({effectSizes, variances}, choice), 0, {}};
 }
 
 MAPooledPrefixes PoolPrefixes(const MAStudies& studies, const MASelection& selection,

@@ -8,12 +8,11 @@
 
 namespace MA_NAMESPACE {
 
-/// A reported model of studies.
+/// A model of studies.
 struct MAPooledStudies
 {
     MAPooledModel model;
-    int correctedTables = 0;     ///< tables that were pooled with the zero-cell correction
-    bool isTau2Doubtful = false; ///< whether tau² may be off the estimate that the model is labelled with
+    int correctedTables = 0;          ///< tables that were pooled with the zero-cell correction
     std::vector<double> tableWeights; ///< a weight per table, when tables were pooled
 };
 
@@ -28,11 +27,8 @@ struct MAPooledRow
 MAPooledStudies Pool(const MAStudies& studies, const MAModelChoice& choice);
 MAPooledStudies Pool(const MAStudies& studies, const MASelection& selection, const MAModelChoice& choice);
 
-/// Pools effect sizes for a report, whatever the choice says of tables.
-MAPooledStudies PoolEffects(const MAEffects& effects, const MAModelChoice& choice);
-
-/// As `PoolEffects`, for a step that is not reported: tau² is not looked at once more.
-MAPooledModel PoolStep(const MAEffects& effects, const MAModelChoice& choice);
+/// Pools effect sizes, whatever the choice says of tables.
+MAPooledModel PoolEffects(const MAEffects& effects, const MAModelChoice& choice);
 
 /// Pools tables.
 MAPooledStudies PoolCounts(const std::vector<MATable>& tables, const MAModelChoice& choice);

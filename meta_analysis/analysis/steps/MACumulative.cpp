@@ -34,7 +34,7 @@ MACumulativeGroup AnalyseGroup(const MAStudies& studies, MASelection order, cons
     MACumulativeGroup group;
     group.order = std::move(order);
     group.values = Selected(studies.cumulativeValue, group.order);
-    MAPooledPrefixes prefixes = PoolPrefixes(studies, group.order, WithoutTau2Interval(choice));
+    MAPooledPrefixes prefixes = PoolPrefixes(studies, group.order, ModelOfStep(choice));
     group.steps = std::move(prefixes.rows);
     status = prefixes.status;
     if (!status.IsError()) {

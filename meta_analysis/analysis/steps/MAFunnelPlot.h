@@ -2,6 +2,7 @@
 
 #include "meta_analysis/settings/MAModelSettings.h"
 
+#include <span>
 #include <vector>
 
 namespace MA_NAMESPACE {
@@ -12,8 +13,8 @@ struct MAFunnelChoice
     MAConst::FunnelYType yType;
     int linePointCount;
     MAConst::FunnelConTourTesType contours;
-    std::vector<double> contourLevels;
-    double alpha; ///< 1 - confidence level
+    std::span<const double> contourLevels; ///< of the settings
+    double alpha;                          ///< 1 - confidence level
 };
 MAFunnelChoice FunnelChoiceOf(const MAModelSettings& settings, double alpha);
 

@@ -34,12 +34,11 @@ MALeaveOneOut LeaveEachOut(std::size_t count, PoolOthers pool, Proceed proceed)
     MALeaveOneOut result;
     result.models.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
-        const MAPooledStudies pooled = pool();
-        result.status = pooled.model.status;
+        const MAPooledModel model = pool();
+        result.status = model.status;
         if (result.status.IsError())
             break;
-        result.models.push_back(pooled.model);
-        result.isTau2Doubtful = result.isTau2Doubtful || pooled.isTau2Doubtful;
+        result.models.push_back(model);
         proceed(i);
     }
     return result;
@@ -53,7 +52,7 @@ MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice
     if (choice.poolsTables) {
         ColumnButOne tables(studies.tables);
         return LeaveEachOut(
-            count, [&] { return PoolCounts(tables.Others(), choice); },
+            count, [&] { return PoolCounts(tables.Others(), choice).model; },
             [&](std::size_t i) { tables.Proceed(i); });
     }
     const MAModelChoice stepChoice = WithoutTau2Interval(choice);

@@ -12,7 +12,6 @@ struct MALeaveOneOut
 {
     KXStatus status;
     std::vector<MAPooledModel> models;
-    bool isTau2Doubtful = false; ///< whether tau² of one of them may be off the estimate it is labelled with
 };
 
 /// Pools all studies but one, for each in turn, as a run without that study would; effect sizes and tables

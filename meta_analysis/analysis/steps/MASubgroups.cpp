@@ -45,6 +45,8 @@ std::vector<MASelection> MembersByGroup(const MAStudies& studies, const std::vec
 {
     std::vector<MASelection> members(groupValues.size());
     const std::size_t count = std::min(studies.Count(), studies.groupValue.size());
+    if (members.size() == 1)
+        members.front().reserve(count);
     for (std::size_t study = 0; study < count; ++study) {
         const double value = studies.groupValue[study];
         const auto group = std::lower_bound(groupValues.begin(), groupValues.end(), value);

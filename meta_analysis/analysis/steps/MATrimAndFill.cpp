@@ -79,7 +79,7 @@ Trimming Trim(const TrimOrder& ordered, const MATrimFillChoice& choice)
     for (int iteration = 1; iteration <= choice.maxIter; ++iteration) {
         const std::size_t kept = ordered.values.size() - static_cast<std::size_t>(trimming.missing);
         const MAPooledModel model =
-            PoolStep({{ordered.values.data(), kept}, {ordered.variances.data(), kept}}, choice.trimming);
+            PoolEffects({{ordered.values.data(), kept}, {ordered.variances.data(), kept}}, choice.trimming);
         trimming.status = model.status;
         if (model.status.IsError())
             break;
@@ -148,10 +148,10 @@ MATrimAndFill TrimAndFillStudies(const MAStudies& studies, const MATrimFillChoic
     if (trimming.missing == 0)
         return result;
     result.imputed = MirrorStudies(ordered, trimming.missing, trimming.centre);
-    const MAPooledStudies filled = PoolEffects({Joined(studies.effectSize, result.imputed.effectSize),
-                                                Joined(studies.variance, result.imputed.variance)},
-                                               choice.filled);
-    result.status = filled.model.status;
+    const MAPooledModel filled = PoolEffects({Joined(studies.effectSize, result.imputed.effectSize),
+                                              Joined(studies.variance, result.imputed.variance)},
+                                             choice.filled);
+    result.status = filled.status;
     if (!result.status.IsError())
         result.filled = filled;
     return result;

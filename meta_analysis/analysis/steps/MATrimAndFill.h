@@ -31,7 +31,7 @@ struct MATrimAndFill
     bool hasConverged = true; ///< false when the number still changed at the iteration limit
     int imputedCount = 0;
     MAImputedStudies imputed;
-    std::optional<MAPooledStudies> filled; ///< when studies were imputed
+    std::optional<MAPooledModel> filled; ///< when studies were imputed
 };
 
 /// Estimates how many studies are missing on one side of the funnel, mirrors as many extreme ones about the

@@ -62,6 +62,10 @@ struct MAStudies
 
     static constexpr double noGroup = -1.0;
 
+    /// Makes room for what is read of the first studies: few meta-analyses have more, and each column then
+    /// takes its memory at once.
+    static constexpr std::size_t expectedCount = 16;
+
     std::size_t Count() const noexcept { return effectSize.size(); }
 
     /// Removes the studies whose entry in `kept` is false from every column that has them. The outcomes of

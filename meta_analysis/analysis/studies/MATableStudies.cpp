@@ -113,6 +113,9 @@ MAReading ReadTables(MultiPassRecordIter& records, const MAModelSettings& settin
     const auto [a, b, c, d] = CountIndices(settings);
     const TableRule rule(settings);
     MAReading reading;
+    reading.studies.recordNumber.reserve(MAStudies::expectedCount);
+    reading.studies.sampleSize.reserve(MAStudies::expectedCount);
+    reading.studies.tables.reserve(MAStudies::expectedCount);
     reading.status = ReadPass(records, reading.counts.records, [&](const Record& record, int recordNumber) {
         const MATable table = {ReadStudyValue(record, a), ReadStudyValue(record, b),
                                ReadStudyValue(record, c), ReadStudyValue(record, d)};
