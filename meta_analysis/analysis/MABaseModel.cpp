@@ -13,6 +13,12 @@
 
 namespace MA_NAMESPACE {
 
+namespace {
+
+constexpr std::size_t expectedWarnings = 4; // most runs have fewer
+
+} // namespace
+
 MABaseModel::MABaseModel(const MAModelSettings& settings) : MABaseModel(settings, MAConst::OUTCOME_CONTINUOUS)
 {}
 MABaseModel::MABaseModel(const MAModelSettings& settings, MAConst::OUTCOMETYPE outcome)
@@ -26,6 +32,7 @@ KXStatus MABaseModel::Run(MultiPassRecordIter& records, const KXVarList& variabl
 {
     Restart();
     State().settings.run = RunSettingsOf(*settings_);
+    State().warnings.reserve(expectedWarnings);
     if (ReadStudies(records).IsError())
         return status_;
     CheckInputSettings();
@@ -199,7 +206,7 @@ KXStatus MABaseModel::BuildOnlyTestModel(const std::vector<double>& effectSizes,
 }
 
 KXStatus MABaseModel::AppendModel(const MAPooledStudies& pooled, std::size_t studyCount,
-                                  const std::vector<double>& weights)
+                                  std::vector<double> weights)
 {
     status_ = pooled.model.status;
     if (status_.IsError())
@@ -208,10 +215,19 @@ KXStatus MABaseModel::AppendModel(const MAPooledStudies& pooled, std::size_t stu
     if (!HasCumulativeValues())
         AppendReported(pooled.model);
     if (studyCount == Results().studies.Count())
-        State().models.weights.insert(State().models.weights.end(), weights.begin(), weights.end());
+        AppendWeights(std::move(weights));
     if (!HasCumulativeValues() && Results().groups.values.size() == 1)
         State().models.groupSizes.push_back(static_cast<int>(studyCount));
     return status_;
+}
+
+void MABaseModel::AppendWeights(std::vector<double> weights)
+{
+    std::vector<double>& list = State().models.weights;
+    if (list.empty())
+        list = std::move(weights);
+    else
+        list.insert(list.end(), weights.begin(), weights.end());
 }
 
 void MABaseModel::AppendReported(const MAPooledModel& model)

@@ -146,8 +146,8 @@ protected:
     KXStatus TestContrastsOfTables();
 
     /// Appends a pooled model of `studyCount` studies, with weights when these are as many as the studies.
-    KXStatus AppendModel(const MAPooledStudies& pooled, std::size_t studyCount,
-                         const std::vector<double>& weights);
+    KXStatus AppendModel(const MAPooledStudies& pooled, std::size_t studyCount, std::vector<double> weights);
+    void AppendWeights(std::vector<double> weights);
     /// Appends a fitted model's heterogeneity output, for a host.
     KXStatus TakeHeterogeneity(const MAPooledModel& model);
 

@@ -107,7 +107,7 @@ KXStatus MABaseModel::BuildCumulative(const MAModelChoice& choice)
         state.cumulative.values.push_back(std::move(group.values));
         PushCumuStatistics();
     }
-    Append(state.models.weights, result.weights);
+    AppendWeights(std::move(result.weights));
     if (result.overall.has_value()) {
         ComputeCochranStatistics();
         state.groups.shownValues.push_back(MAStudies::noGroup);
