@@ -24,12 +24,12 @@ struct OptionGroup
 using OptionGroupMaker = OptionGroup(Options& options);
 
 OptionGroupMaker ColumnOptions, EffectSizeOptions, PredictorOptions, ModelOptions, RandomEffectsOptions,
-    IterationOptions, GroupAndOrderOptions, SmallStudyOptions, PlotOptions;
+    IterationOptions, GroupAndOrderOptions, SensitivityOptions, SmallStudyOptions, PlotOptions;
 
 /// The groups in the order of the help.
 inline constexpr OptionGroupMaker* OPTION_GROUPS[] = {
     ColumnOptions,    EffectSizeOptions,    PredictorOptions,  ModelOptions, RandomEffectsOptions,
-    IterationOptions, GroupAndOrderOptions, SmallStudyOptions, PlotOptions};
+    IterationOptions, GroupAndOrderOptions, SensitivityOptions, SmallStudyOptions, PlotOptions};
 
 /// The options that the command of `options` has, in the order of the help. They refer to `options`, which
 /// must outlive them.

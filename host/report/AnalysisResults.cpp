@@ -108,6 +108,19 @@ void AddContrastsAndCumulative(Json& results, const MABaseModel& model)
     ADD_RESULT(CumEstCiUpper);
 }
 
+void AddLeaveOneOut(Json& results, const MABaseModel& model)
+{
+    ADD_RESULT(LeaveOneOutEffectSize);
+    ADD_RESULT(LeaveOneOutStdError);
+    ADD_RESULT(LeaveOneOutZVal);
+    ADD_RESULT(LeaveOneOutSig);
+    ADD_RESULT(LeaveOneOutCILower);
+    ADD_RESULT(LeaveOneOutCIUpper);
+    ADD_RESULT(LeaveOneOutTau2Var);
+    ADD_RESULT(LeaveOneOutChisquareQ);
+    ADD_RESULT(LeaveOneOutI2Index);
+}
+
 void AddTrimFill(Json& results, const MABaseModel& model)
 {
     ADD_RESULT(TFImputedN0);
@@ -190,6 +203,9 @@ void AddOwnResults(Json& results, const MABinModel& model)
     ADD_RESULT(CumExpEstES);
     ADD_RESULT(CumExpEstCiLower);
     ADD_RESULT(CumExpEstCiUpper);
+    ADD_RESULT(LeaveOneOutExpEffectSize);
+    ADD_RESULT(LeaveOneOutExpCILower);
+    ADD_RESULT(LeaveOneOutExpCIUpper);
     ADD_RESULT(OverallTFExpEffectSize);
     ADD_RESULT(OverallTFExpCILower);
     ADD_RESULT(OverallTFExpCIUpper);
@@ -211,6 +227,7 @@ Json ResultsOf(const Analysis& analysis)
     const MABaseModel& base = analysis.Base();
     AddModels(results, base);
     AddContrastsAndCumulative(results, base);
+    AddLeaveOneOut(results, base);
     results["TRimFillSide"] = ToJson(analysis.trimmedSide);
     AddTrimFill(results, base);
     AddSmallStudyTest(results, base);

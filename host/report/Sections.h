@@ -11,7 +11,7 @@ using SectionMaker = ReportSections(const AnalysisData& data);
 
 SectionMaker StudiesSection, PooledEffectSection, PredictionIntervalSection, HeterogeneitySection,
     BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections, ContrastsSection,
-    TrimAndFillSections, SmallStudyTestSection, FunnelPlotSection, BubblePlotsSection;
+    LeaveOneOutSection, TrimAndFillSections, SmallStudyTestSection, FunnelPlotSection, BubblePlotsSection;
 
 /// The sections in the order of the report.
 inline constexpr SectionMaker* ANALYSIS_SECTIONS[] = {StudiesSection,
@@ -22,6 +22,7 @@ inline constexpr SectionMaker* ANALYSIS_SECTIONS[] = {StudiesSection,
                                                       BetweenGroupsSection,
                                                       CumulativeSections,
                                                       ContrastsSection,
+                                                      LeaveOneOutSection,
                                                       TrimAndFillSections,
                                                       SmallStudyTestSection,
                                                       FunnelPlotSection,

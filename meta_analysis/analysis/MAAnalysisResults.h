@@ -135,6 +135,17 @@ public:
     std::vector<std::vector<double>> GetCumEstCiLower() const;
     std::vector<std::vector<double>> GetCumEstCiUpper() const;
 
+    /// Per study, when the settings ask for it: the model of all studies but that one.
+    std::vector<double> GetLeaveOneOutEffectSize() const;
+    std::vector<double> GetLeaveOneOutStdError() const;
+    std::vector<double> GetLeaveOneOutZVal() const;
+    std::vector<double> GetLeaveOneOutSig() const;
+    std::vector<double> GetLeaveOneOutCILower() const;
+    std::vector<double> GetLeaveOneOutCIUpper() const;
+    std::vector<double> GetLeaveOneOutTau2Var() const;
+    std::vector<double> GetLeaveOneOutChisquareQ() const;
+    std::vector<double> GetLeaveOneOutI2Index() const;
+
     /// Trim-and-fill: number of imputed studies, their effect sizes and standard errors, and the model of
     /// all; missing when trim-and-fill did not run.
     int GetTFImputedN0() const;

@@ -128,6 +128,52 @@ std::vector<std::vector<double>> MAAnalysisResults::GetCumEstCiUpper() const
     return CumulativeColumn(Results().cumulative, Nested(&MAPooledRow::effect, &MAEstimate::ciUpper));
 }
 
+std::vector<double> MAAnalysisResults::GetLeaveOneOutEffectSize() const
+{
+    return FieldOf(Results().leaveOneOut, Nested(&MAPooledModel::effect, &MAEstimate::estimate));
+}
+
+std::vector<double> MAAnalysisResults::GetLeaveOneOutStdError() const
+{
+    return FieldOf(Results().leaveOneOut, Nested(&MAPooledModel::effect, &MAEstimate::stdError));
+}
+
+std::vector<double> MAAnalysisResults::GetLeaveOneOutZVal() const
+{
+    return FieldOf(Results().leaveOneOut, Nested(&MAPooledModel::effect, &MAEstimate::statistic));
+}
+
+std::vector<double> MAAnalysisResults::GetLeaveOneOutSig() const
+{
+    return PValuesOf(Results().leaveOneOut, &MAPooledModel::effect, &MAPValue::value);
+}
+
+std::vector<double> MAAnalysisResults::GetLeaveOneOutCILower() const
+{
+    return FieldOf(Results().leaveOneOut, Nested(&MAPooledModel::effect, &MAEstimate::ciLower));
+}
+
+std::vector<double> MAAnalysisResults::GetLeaveOneOutCIUpper() const
+{
+    return FieldOf(Results().leaveOneOut, Nested(&MAPooledModel::effect, &MAEstimate::ciUpper));
+}
+
+std::vector<double> MAAnalysisResults::GetLeaveOneOutTau2Var() const
+{
+    return FieldOf(Results().leaveOneOut, &MAPooledModel::tau2);
+}
+
+std::vector<double> MAAnalysisResults::GetLeaveOneOutChisquareQ() const
+{
+    return FieldOf(Results().leaveOneOut, Nested(&MAPooledModel::homogeneity, &MAHomogeneityTest::q));
+}
+
+std::vector<double> MAAnalysisResults::GetLeaveOneOutI2Index() const
+{
+    return FieldOf(Results().leaveOneOut,
+                   Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::i2));
+}
+
 int MAAnalysisResults::GetTFImputedN0() const
 {
     return Results().trimFill.imputedCount;

@@ -92,6 +92,7 @@ struct MAAnalysisState
     std::vector<MAContrast> contrasts;
     std::vector<int> contrastStatus; ///< of the contrasts of effect sizes, not of tables
     MACumulativeLists cumulative;
+    std::vector<MAPooledModel> leaveOneOut; ///< of all studies but one, an entry per study
     MATrimFillResults trimFill;
     MARunTest runTest;
     std::vector<MASmallStudyTest> tests;

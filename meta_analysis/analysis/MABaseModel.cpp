@@ -43,6 +43,8 @@ KXStatus MABaseModel::Run(MultiPassRecordIter& records, const KXVarList& variabl
         return status_;
     if (State().studies.Count() == 1)
         return status_;
+    if (settings_->GetLeaveOneOut() && LeaveOneOut().IsError())
+        return status_;
     if (TestForSmallStudies(records, variables).IsError() || TrimAndFillInRun().IsError() ||
         ComputePlotStatistics().IsError())
         return status_;
@@ -155,6 +157,12 @@ void MABaseModel::AddWarningsOfFigures(const std::vector<KXStatus>& warnings)
     }
 }
 
+void MABaseModel::WarnOfTau2(const MAPooledModel& model)
+{
+    if (model.tau2Results.isDoubtful)
+        AddWarning(MAStatusCode::TAU2_DOUBTFUL);
+}
+
 void MABaseModel::CheckInputSettings()
 {
     AddWarnings(WarningsOfRun(*settings_, Results().studies.Count()));
@@ -233,8 +241,7 @@ void MABaseModel::AppendWeights(std::vector<double> weights)
 void MABaseModel::AppendReported(const MAPooledModel& model)
 {
     AppendHeterogeneity(model);
-    if (model.tau2Results.isDoubtful)
-        AddWarning(MAStatusCode::TAU2_DOUBTFUL);
+    WarnOfTau2(model);
 }
 
 void MABaseModel::AppendHeterogeneity(const MAPooledModel& model)

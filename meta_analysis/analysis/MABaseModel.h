@@ -78,6 +78,10 @@ public:
     /// shows in `GetContrastStatus`, not in the status returned.
     KXStatus FixedModelContrastTest();
 
+    /// The model of all studies but one, for each in turn, under the model of the run; replaces those of an
+    /// earlier call. Returns the first model's error, and keeps the models before it.
+    KXStatus LeaveOneOut();
+
     /// Estimates how many studies are missing on one side of the funnel, mirrors as many extreme ones about
     /// the centre of the rest, and pools all (Duval and Tweedie 2000, Biometrics 56, 455-463). The per-model
     /// lists keep the overall model. Errors: NO_ANALYSED_STUDY, and those of the pooling classes. Warning:
@@ -183,6 +187,7 @@ private:
     KXStatus RequireStudiesForTest(MultiPassRecordIter& records);
     KXStatus TestSelection(MultiPassRecordIter& records, const KXVarList& variables,
                            const MARegSettings& settings, const std::vector<std::size_t>& selection);
+    void WarnOfTau2(const MAPooledModel& model);
     void AddWarningsOfFigures(const std::vector<KXStatus>& warnings);
     KXStatus TrimAndFillInRun();
     KXStatus TrimAndFill();

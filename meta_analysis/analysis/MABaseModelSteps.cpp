@@ -6,6 +6,7 @@
 #include "meta_analysis/analysis/steps/MABubblePlots.h"
 #include "meta_analysis/analysis/steps/MACumulative.h"
 #include "meta_analysis/analysis/steps/MAFunnelPlot.h"
+#include "meta_analysis/analysis/steps/MALeaveOneOut.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/Memory.h"
 #include "meta_analysis/settings/RegressionSettingsOf.h"
@@ -154,6 +155,20 @@ KXStatus MABaseModel::TestContrastsOfTables()
     return status_;
 }
 
+// Leave-one-out
+
+KXStatus MABaseModel::LeaveOneOut()
+{
+    return Guarded(status_, [this] {
+        MALeaveOneOut result =
+            LeaveEachOut(Results().studies, PoolsTables() ? TableChoice() : EffectsChoice());
+        for (const MAPooledModel& model : result.models)
+            WarnOfTau2(model);
+        State().leaveOneOut = std::move(result.models);
+        return status_ = result.status;
+    });
+}
+
 // Small-study tests
 
 /// Reads the studies when nothing was read yet; a run that found none is not repeated.
@@ -294,8 +309,7 @@ KXStatus MABaseModel::TrimAndFill()
     state.trimFill.model.reset();
     if (found.filled.has_value()) {
         state.trimFill.model = found.filled->effect;
-        if (found.filled->tau2Results.isDoubtful)
-            AddWarning(MAStatusCode::TAU2_DOUBTFUL);
+        WarnOfTau2(*found.filled);
     } else if (found.imputedCount == 0 && !state.models.models.empty()) {
         state.trimFill.model = state.models.models.back().effect;
     }

@@ -333,6 +333,21 @@ double MABinModel::GetOverallTFExpCIUpper() const
     return HasFilledRatio() ? RatioOf(GetOverallTFCIUpper()) : KXMV::Missing();
 }
 
+std::vector<double> MABinModel::GetLeaveOneOutExpEffectSize() const
+{
+    return HasRatios() ? Exponentiated(GetLeaveOneOutEffectSize()) : std::vector<double>();
+}
+
+std::vector<double> MABinModel::GetLeaveOneOutExpCILower() const
+{
+    return HasRatios() ? Exponentiated(GetLeaveOneOutCILower()) : std::vector<double>();
+}
+
+std::vector<double> MABinModel::GetLeaveOneOutExpCIUpper() const
+{
+    return HasRatios() ? Exponentiated(GetLeaveOneOutCIUpper()) : std::vector<double>();
+}
+
 std::vector<std::vector<double>> MABinModel::GetLabbePlotX() const
 {
     return LabbeColumn(Results().labbe, &MALabbePoint::x);

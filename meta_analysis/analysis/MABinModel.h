@@ -117,6 +117,11 @@ public:
     double GetOverallTFExpCILower() const;
     double GetOverallTFExpCIUpper() const;
 
+    /// The models of all studies but one on the ratio scale; empty for risk differences.
+    std::vector<double> GetLeaveOneOutExpEffectSize() const;
+    std::vector<double> GetLeaveOneOutExpCILower() const;
+    std::vector<double> GetLeaveOneOutExpCIUpper() const;
+
     /// L'Abbé plot, one row per plot: the outcome of the control group (x) and of the treatment group (y),
     /// log odds or log risks, or risks for the risk difference, so that y - x is the study's effect size; and
     /// the weights.

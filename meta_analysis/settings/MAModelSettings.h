@@ -210,6 +210,13 @@ public:
     void SetInputContrastCoef(std::vector<double> values) noexcept { inputContrastCoef_ = std::move(values); }
     const std::vector<double>& GetInputContrastCoef() const noexcept { return inputContrastCoef_; }
 
+    // ---- Sensitivity ----
+
+    /// Whether the studies are pooled once more without each of them in turn; default false. Costs a model a
+    /// study.
+    void SetLeaveOneOut(bool value) { leaveOneOut_ = value; }
+    bool GetLeaveOneOut() const { return leaveOneOut_; }
+
     // ---- Small-study tests, trim-and-fill ----
 
     /// Regression-based small-study test; default that of the effect on its standard error, which is biased
@@ -328,6 +335,7 @@ private:
     MAConst::TRIMFSIDE trimFillSide_ = MAConst::TRIM_SIDE_AUTO;
     MAConst::TRIMFMETHOD trimFillMethod_ = MAConst::TRIM_LINEAR;
     bool isTrimFill_ = false;
+    bool leaveOneOut_ = false;
     MAConst::MODELTYPE tfModelType_ = MAConst::MODEL_RANDOM;
     MAConst::TAU2ESTIMATOR tfEstTauType_ = MAConst::TAU2_REML;
     MAConst::KNAPPHADJTYPE tfKnapHartAdjustType_ = MAConst::KNAPP_HARTUNG_NONE;

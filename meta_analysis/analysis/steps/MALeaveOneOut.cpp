@@ -29,7 +29,7 @@ private:
 
 /// `pool()` pools the studies that are left; `proceed(i)` leaves out the study after i.
 template <class PoolOthers, class Proceed>
-MALeaveOneOut LeaveEachOut(std::size_t count, PoolOthers pool, Proceed proceed)
+MALeaveOneOut PoolEachRest(std::size_t count, PoolOthers pool, Proceed proceed)
 {
     MALeaveOneOut result;
     result.models.reserve(count);
@@ -51,14 +51,14 @@ MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice
     const std::size_t count = studies.Count() < 2 ? 0 : studies.Count();
     if (choice.poolsTables) {
         ColumnButOne tables(studies.tables);
-        return LeaveEachOut(
+        return PoolEachRest(
             count, [&] { return PoolCounts(tables.Others(), choice).model; },
             [&](std::size_t i) { tables.Proceed(i); });
     }
     const MAModelChoice stepChoice = WithoutTau2Interval(choice);
     ColumnButOne effectSizes(studies.effectSize);
     ColumnButOne variances(studies.variance);
-    return LeaveEachOut(
+    return PoolEachRest(
         count,
         [&] {
             return PoolEffects({effectSizes.Others(), variances.Others()}, stepChoice);

@@ -1,0 +1,44 @@
+#include "host/report/EffectRows.h"
+#include "host/report/Sections.h"
+#include "host/text/NumberText.h"
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+EffectRows LeaveOneOutRows(const AnalysisData& data)
+{
+    const MABaseModel& base = data.base;
+    EffectRows rows = {.effects = {base.GetLeaveOneOutEffectSize(), base.GetLeaveOneOutCILower(),
+                                   base.GetLeaveOneOutCIUpper()},
+                       .stdErrors = base.GetLeaveOneOutStdError(),
+                       .statistics = base.GetLeaveOneOutZVal(),
+                       .significances = base.GetLeaveOneOutSig()};
+    if (data.binary)
+        rows.ratios = {data.binary->GetLeaveOneOutExpEffectSize(), data.binary->GetLeaveOneOutExpCILower(),
+                       data.binary->GetLeaveOneOutExpCIUpper()};
+    return rows;
+}
+
+} // namespace
+
+ReportSections LeaveOneOutSection(const AnalysisData& data)
+{
+    const EffectRows rows = LeaveOneOutRows(data);
+    if (rows.effects.values.empty())
+        return {};
+    ReportSection section = {
+        "Leave-one-out", {{"Without", data.StudyLabelsOf(data.base.GetNonMissingStudyID()), true}}, {}};
+    AppendEffects(section.table, rows, HeadersOf(data.measure), data);
+    if (data.settings.GetModelType() != MAConst::MODEL_FIXED)
+        section.table.push_back({"tau²", TextsOf(data.base.GetLeaveOneOutTau2Var(), NumberText)});
+    section.table.push_back({"Q", TextsOf(data.base.GetLeaveOneOutChisquareQ(), NumberText)});
+    section.table.push_back({"I² %", TextsOf(InPercent(data.base.GetLeaveOneOutI2Index()),
+                                                  [](double share) { return FixedText(share, 1); })});
+    section.sentences = {"Each row is the model of all studies but the one it names."};
+    return {section};
+}
+
+} // namespace host
