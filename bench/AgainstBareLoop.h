@@ -16,7 +16,7 @@ double ProcessorTime(int calls, Work& work)
     return static_cast<double>(std::clock() - start) / CLOCKS_PER_SEC;
 }
 
-/// Calls enough to fill two milliseconds: of the clock's steps of a microsecond, a thousandth is lost then.
+/// The number of calls that fill two milliseconds, so that a step of the clock, a microsecond, is small.
 template <class Work>
 int CallsPerBatch(Work& work)
 {

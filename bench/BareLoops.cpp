@@ -24,7 +24,7 @@ struct WeightedMean
     double weightSum;
 };
 
-/// With weights 1 / (tau2 + v).
+/// The weighted mean with weights 1 / (tau2 + v).
 WeightedMean Pool(const double* y, const double* v, std::size_t n, double tau2)
 {
     double weightSum = 0.0;
@@ -132,7 +132,7 @@ Square Symmetric(Square lower)
     return lower;
 }
 
-/// By Gauss-Jordan elimination in place, of a positive definite matrix.
+/// The inverse of a positive definite matrix, by Gauss-Jordan elimination.
 Square Inverse(Square a)
 {
     for (std::size_t k = 0; k < predictorCount; ++k) {
@@ -220,7 +220,7 @@ double ResidualDf(const std::vector<DesignRow>& rows)
     return static_cast<double>(rows.size() - predictorCount);
 }
 
-/// From the residuals of an unweighted fit.
+/// tau² from the residuals of an unweighted fit.
 double HedgesTau2(const std::vector<DesignRow>& rows, const std::vector<double>& v)
 {
     const LeastSquares fit = FitRows(rows, [](std::size_t) { return 1.0; });

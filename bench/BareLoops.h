@@ -45,7 +45,7 @@ struct Analysis
 };
 Analysis AnalyseEffects(const double* y, const double* v, std::size_t n);
 
-/// Of their log odds ratios.
+/// The run on their log odds ratios.
 Analysis AnalyseTables(const std::vector<Table>& tables);
 
 /// Estimate, variance, standard error, z, significance and bounds of the fixed-effect model.

@@ -41,7 +41,7 @@ VectorRecordIter RecordsOf(const std::vector<bare::Table>& tables)
     return VectorRecordIter(std::move(records));
 }
 
-/// Effect, variance and what `further(i)` gives of study i.
+/// A record per study: effect, variance and the values of `further(i)`.
 template <class Further>
 VectorRecordIter RecordsOf(const SimulatedStudies& studies, Further further)
 {
@@ -66,7 +66,7 @@ MAModelSettings ReadyMadeSettings()
     return settings;
 }
 
-/// The first `count` numbers in an order of their own, each once while `count` has no factor 7919.
+/// The first `count` numbers in a mixed order, each once unless 7919 divides `count`.
 std::vector<double> ShuffledOrder(std::size_t count)
 {
     std::vector<double> order;

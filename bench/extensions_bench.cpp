@@ -36,7 +36,7 @@ MAModelSettings ReadyMadeSettings(MAConst::MODELTYPE model)
     return settings;
 }
 
-/// Studies in groups of 100, in an order of their own.
+/// Studies in subgroups of 100, in a mixed order.
 VectorRecordIter GroupedStudies(std::size_t count)
 {
     const SimulatedStudies studies = SimulateStudies(count);

@@ -1,5 +1,5 @@
 // The library's work and the yardsticks, each done once for a tool that counts instructions by function; see
-// count_instructions.py. Each is done before, uncounted, so that nothing is done for the first time.
+// count_instructions.py. Each runs once before, uncounted, so that no work of a first call is counted.
 
 #include "Workloads.h"
 
@@ -9,7 +9,7 @@
 
 namespace {
 
-/// Written so that functions of different counts differ: the compiler merges those that do not.
+/// The count is part of the function, because the compiler merges functions that do not differ.
 volatile std::size_t countedStudies;
 
 template <class Work, std::size_t count>

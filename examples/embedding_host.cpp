@@ -156,8 +156,8 @@ MAModelSettings RiskRatiosByAllocation()
     return settings;
 }
 
-/// True when the work was done. The library reports a stop by the user as a failure of the data, for the host
-/// knows better which of the two it was.
+/// True when the work was done. The library reports a stop by the user as a failure of the data; the host
+/// knows which of the two it was.
 bool Succeeded(const char* work, const KXStatus& status, const Session& session)
 {
     if (!status.IsError())

@@ -212,8 +212,8 @@ MATau2Solution InUnitOfData(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR est
     return {solution.t * curve.Unit(), solution.evaluations};
 }
 
-/// In a regression from where the residual sum of squares has its expectation if variances are all the
-/// largest.
+/// In a regression the search starts where the residual sum of squares has its expectation if all variances
+/// are the largest.
 MATau2Solution Search(const Tau2Analysis& analysis)
 {
     const MALikelihoodType type = LikelihoodOf(analysis.estimator);
@@ -303,7 +303,7 @@ std::vector<double> Tau2Simulation::Variances(VarianceFamily family)
     return variances;
 }
 
-/// One to three, normal, one of them with a mean far from 0; fewer than the studies leave room for.
+/// One to three normal covariates, one of them with a mean far from 0; fewer where the studies are few.
 void Tau2Simulation::AddCovariates(Tau2Analysis& analysis)
 {
     const std::size_t count = std::min<std::size_t>(1 + generator_() % 3, analysis.effects.size() - 2);

@@ -52,7 +52,7 @@ private:
     std::mt19937_64 generator_;
 };
 
-/// What is found out about the search of one analysis.
+/// What the scan finds about the search of one analysis.
 struct Tau2Verdict
 {
     double tau2;

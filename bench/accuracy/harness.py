@@ -34,7 +34,7 @@ analyses = 0
 
 
 def note(quantity, where, actual, expected, scale=None):
-    """Takes up an error; without a scale a relative one."""
+    """Records an error: relative to the scale, or to the exact value without one."""
     if expected is None or actual is None:
         raise ArithmeticError("%s of %s: %s, expected %s" % (quantity, where, actual, expected))
     size = abs(expected) if scale is None else scale
@@ -73,7 +73,7 @@ def note_tau2(studies, estimator, tight, loose, expected):
 
 
 def position(quantity):
-    """Of a quantity's row in the table."""
+    """The position of a quantity's row in the table."""
     parts = ["effects of", "fixed effects", "Mantel-Haenszel", "Q", "H² and bounds", "I² and bounds",
              "pooling", "random effects", "Knapp", "prediction", "H² and I²", "significances", "subgroups",
              "contrasts", "small-study", "trim", "meta-regression"]

@@ -33,7 +33,7 @@ def path_of(name):
 
 
 def options_of(columns):
-    """An option for each column, named as it is."""
+    """An option for each column; both have the same name."""
     return [part for column in columns for part in ("--" + column.replace("_", "-"), column)]
 
 
