@@ -28,7 +28,7 @@ OptionGroupMaker ColumnOptions, EffectSizeOptions, PredictorOptions, ModelOption
 
 /// The groups in the order of the help.
 inline constexpr OptionGroupMaker* OPTION_GROUPS[] = {
-    ColumnOptions,    EffectSizeOptions,    PredictorOptions,  ModelOptions, RandomEffectsOptions,
+    ColumnOptions,    EffectSizeOptions,    PredictorOptions,   ModelOptions,      RandomEffectsOptions,
     IterationOptions, GroupAndOrderOptions, SensitivityOptions, SmallStudyOptions, PlotOptions};
 
 /// The options that the command of `options` has, in the order of the help. They refer to `options`, which

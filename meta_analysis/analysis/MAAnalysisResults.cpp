@@ -150,12 +150,12 @@ std::vector<double> MAAnalysisResults::GetSampSize() const
 
 std::vector<double> MAAnalysisResults::GetWeight() const
 {
-    return CopyOf(Results().models.weights);
+    return CopyOf(Results().lists.weights);
 }
 
 std::vector<double> MAAnalysisResults::GetNormalizedWeight() const
 {
-    std::vector<double> normalized = CopyOf(Results().models.weights);
+    std::vector<double> normalized = CopyOf(Results().lists.weights);
     const double sum = std::accumulate(normalized.begin(), normalized.end(), 0.0);
     for (double& weight : normalized)
         weight /= sum;
@@ -169,162 +169,159 @@ std::vector<int> MAAnalysisResults::GetNonMissingStudyID() const
 
 std::vector<double> MAAnalysisResults::GetEstEffectSize() const
 {
-    return FieldOf(Results().models.models, Nested(&MAPooledRow::effect, &MAEstimate::estimate));
+    return FieldOf(Results().lists.rows, Nested(&MAPooledRow::effect, &MAEstimate::estimate));
 }
 
 std::vector<double> MAAnalysisResults::GetEstStdError() const
 {
-    return FieldOf(Results().models.models, Nested(&MAPooledRow::effect, &MAEstimate::stdError));
+    return FieldOf(Results().lists.rows, Nested(&MAPooledRow::effect, &MAEstimate::stdError));
 }
 
 std::vector<double> MAAnalysisResults::GetEstZVal() const
 {
-    return FieldOf(Results().models.models, Nested(&MAPooledRow::effect, &MAEstimate::statistic));
+    return FieldOf(Results().lists.rows, Nested(&MAPooledRow::effect, &MAEstimate::statistic));
 }
 
 std::vector<double> MAAnalysisResults::GetEstSig() const
 {
-    return PValuesOf(Results().models.models, &MAPooledRow::effect, &MAPValue::value);
+    return PValuesOf(Results().lists.rows, &MAPooledRow::effect, &MAPValue::value);
 }
 
 std::vector<double> MAAnalysisResults::GetEstLog10Sig() const
 {
-    return PValuesOf(Results().models.models, &MAPooledRow::effect, &MAPValue::Log10);
+    return PValuesOf(Results().lists.rows, &MAPooledRow::effect, &MAPValue::Log10);
 }
 
 std::vector<double> MAAnalysisResults::GetEstCILower() const
 {
-    return FieldOf(Results().models.models, Nested(&MAPooledRow::effect, &MAEstimate::ciLower));
+    return FieldOf(Results().lists.rows, Nested(&MAPooledRow::effect, &MAEstimate::ciLower));
 }
 
 std::vector<double> MAAnalysisResults::GetEstCIUpper() const
 {
-    return FieldOf(Results().models.models, Nested(&MAPooledRow::effect, &MAEstimate::ciUpper));
+    return FieldOf(Results().lists.rows, Nested(&MAPooledRow::effect, &MAEstimate::ciUpper));
 }
 
 std::vector<double> MAAnalysisResults::GetPILower() const
 {
-    return FieldOf(Results().models.heterogeneity, Nested(&MAPooledModel::prediction, &MAPrediction::lower));
+    return FieldOf(Results().lists.heterogeneity, Nested(&MAPooledModel::prediction, &MAPrediction::lower));
 }
 
 std::vector<double> MAAnalysisResults::GetPIUpper() const
 {
-    return FieldOf(Results().models.heterogeneity, Nested(&MAPooledModel::prediction, &MAPrediction::upper));
+    return FieldOf(Results().lists.heterogeneity, Nested(&MAPooledModel::prediction, &MAPrediction::upper));
 }
 
 std::vector<double> MAAnalysisResults::GetTau2Var() const
 {
-    return CopyOf(Results().models.tau2);
+    return CopyOf(Results().lists.tau2);
 }
 
 std::vector<double> MAAnalysisResults::GetPIProbability() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    Nested(&MAPooledModel::prediction, &MAPrediction::probability));
 }
 
 std::vector<double> MAAnalysisResults::GetTau2CILower() const
 {
-    return FieldOf(Results().models.heterogeneity,
-                   Nested(&MAPooledModel::tau2Results, &MATau2Results::lower));
+    return FieldOf(Results().lists.heterogeneity, Nested(&MAPooledModel::tau2Results, &MATau2Results::lower));
 }
 
 std::vector<double> MAAnalysisResults::GetTau2CIUpper() const
 {
-    return FieldOf(Results().models.heterogeneity,
-                   Nested(&MAPooledModel::tau2Results, &MATau2Results::upper));
+    return FieldOf(Results().lists.heterogeneity, Nested(&MAPooledModel::tau2Results, &MATau2Results::upper));
 }
 
 std::vector<double> MAAnalysisResults::GetTau2Convergence() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    [](const MAPooledModel& model) { return IfRandom(model, model.tau2Results.convergence); });
 }
 
 std::vector<double> MAAnalysisResults::GetTau2Evaluations() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    [](const MAPooledModel& model) { return IfRandom(model, model.tau2Results.evaluations); });
 }
 
 std::vector<double> MAAnalysisResults::GetLogLikelihood() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    [](const MAPooledModel& model) { return model.tau2Results.information.logLikelihood; });
 }
 
 std::vector<double> MAAnalysisResults::GetAIC() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    [](const MAPooledModel& model) { return model.tau2Results.information.aic; });
 }
 
 std::vector<double> MAAnalysisResults::GetBIC() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    [](const MAPooledModel& model) { return model.tau2Results.information.bic; });
 }
 
 std::vector<double> MAAnalysisResults::GetAICc() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    [](const MAPooledModel& model) { return model.tau2Results.information.aicc; });
 }
 
 std::vector<double> MAAnalysisResults::GetHomoTestChisquareQ() const
 {
-    return FieldOf(Results().models.heterogeneity,
-                   Nested(&MAPooledModel::homogeneity, &MAHomogeneityTest::q));
+    return FieldOf(Results().lists.heterogeneity, Nested(&MAPooledModel::homogeneity, &MAHomogeneityTest::q));
 }
 
 std::vector<double> MAAnalysisResults::GetHomoTestdf() const
 {
-    return FieldOf(Results().models.heterogeneity, HomogeneityDf);
+    return FieldOf(Results().lists.heterogeneity, HomogeneityDf);
 }
 
 std::vector<double> MAAnalysisResults::GetHomoTestSig() const
 {
-    return PValuesOf(Results().models.heterogeneity, &MAPooledModel::homogeneity, &MAPValue::value);
+    return PValuesOf(Results().lists.heterogeneity, &MAPooledModel::homogeneity, &MAPValue::value);
 }
 
 std::vector<double> MAAnalysisResults::GetHomoTestLog10Sig() const
 {
-    return PValuesOf(Results().models.heterogeneity, &MAPooledModel::homogeneity, &MAPValue::Log10);
+    return PValuesOf(Results().lists.heterogeneity, &MAPooledModel::homogeneity, &MAPValue::Log10);
 }
 
 std::vector<double> MAAnalysisResults::GetH2Index() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::h2));
 }
 
 std::vector<double> MAAnalysisResults::GetH2CILower() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::h2Lower));
 }
 
 std::vector<double> MAAnalysisResults::GetH2CIUpper() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::h2Upper));
 }
 
 std::vector<double> MAAnalysisResults::GetI2Index() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::i2));
 }
 
 std::vector<double> MAAnalysisResults::GetI2CILower() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::i2Lower));
 }
 
 std::vector<double> MAAnalysisResults::GetI2CIUpper() const
 {
-    return FieldOf(Results().models.heterogeneity,
+    return FieldOf(Results().lists.heterogeneity,
                    Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::i2Upper));
 }
 

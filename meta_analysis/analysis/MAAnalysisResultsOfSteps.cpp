@@ -15,12 +15,12 @@ std::vector<double> MAAnalysisResults::GetUniGroup() const
 
 std::vector<int> MAAnalysisResults::GetGroupN() const
 {
-    return CopyOf(Results().models.groupSizes);
+    return CopyOf(Results().lists.groupSizes);
 }
 
 std::vector<std::vector<int>> MAAnalysisResults::GetSubGroupStudyID() const
 {
-    return CopyOf(Results().models.recordNumbers);
+    return CopyOf(Results().lists.recordNumbers);
 }
 
 double MAAnalysisResults::GetGDQbVal() const

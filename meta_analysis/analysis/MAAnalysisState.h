@@ -15,18 +15,27 @@
 
 namespace MA_NAMESPACE {
 
-/// What an analysis has copied from its settings, when a run started or when it read studies.
+/// How the tables of the studies were measured, and are pooled.
+struct MATableMeasure
+{
+    MAConst::BINESTYPE measure = MAConst::BIN_ODDS_RATIO;
+    MAZeroCorrection correction; ///< as their effect sizes left it
+    MAConst::POOLEDZEROCELLS pooledZeroCells = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
+};
+
+/// The settings that an analysis copies: the types of the model when a run starts, the others when it reads
+/// studies. What is not among them is read from the host's settings when a step begins.
 struct MACopiedSettings
 {
     MARunSettings run;
-    double alpha = 0.05;         ///< 1 - confidence level
-    MATablePoolingChoice tables; ///< null value and level apart, which the models take from the settings
+    double alpha = 0.05; ///< 1 - confidence level
+    MATableMeasure tables;
 };
 
 /// The per-model lists that hosts read. A run fills them, and operations called one by one append to them.
 struct MAModelLists
 {
-    std::vector<MAPooledRow> models;
+    std::vector<MAPooledRow> rows;            ///< of the models, the effects of each
     std::vector<MAPooledModel> heterogeneity; ///< of the models whose heterogeneity is reported; only grows
     std::vector<double> tau2;                 ///< of these
     std::vector<double> weights;              ///< of all studies
@@ -87,7 +96,7 @@ struct MAAnalysisState
     MARecordCounts counts;
     std::vector<KXStatus> warnings; ///< each once, in order of first occurrence
 
-    MAModelLists models;
+    MAModelLists lists;
     MAGroups groups;
     std::vector<MAContrast> contrasts;
     std::vector<int> contrastStatus; ///< of the contrasts of effect sizes, not of tables

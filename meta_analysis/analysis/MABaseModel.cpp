@@ -9,6 +9,8 @@
 #include "meta_analysis/settings/MAWarnings.h"
 #include "meta_analysis/settings/Memory.h"
 
+#include <algorithm>
+#include <iterator>
 #include <utility>
 
 namespace MA_NAMESPACE {
@@ -16,6 +18,10 @@ namespace MA_NAMESPACE {
 namespace {
 
 constexpr std::size_t expectedWarnings = 4; // most runs have fewer
+
+constexpr int warningsOfFigures[] = {MAStatusCode::TAU2_DOUBTFUL, MAStatusCode::CONFIDENCE_LEVEL_OUTSIDE,
+                                     MAStatusCode::NO_ITERATION_ALLOWED,
+                                     MAStatusCode::TAU2_INTERVAL_UNAVAILABLE};
 
 } // namespace
 
@@ -147,12 +153,13 @@ void MABaseModel::AddWarnings(const std::vector<int>& codes)
         AddWarning(code);
 }
 
-/// Of the warnings of a test's or a plot's regression, those that its figures are not what they are labelled:
-/// a doubtful tau², a confidence level outside (0, 1), no iteration.
+/// A test's or a plot's regression has warnings of its own. The host of the analysis learns those that say
+/// that a figure is not what it is labelled.
 void MABaseModel::AddWarningsOfFigures(const std::vector<KXStatus>& warnings)
 {
     for (const KXStatus& warning : warnings) {
-        if (warning.GetCode() >= MAStatusCode::TAU2_DOUBTFUL)
+        if (std::find(std::begin(warningsOfFigures), std::end(warningsOfFigures), warning.GetCode()) !=
+            std::end(warningsOfFigures))
             AddWarning(warning);
     }
 }
@@ -179,11 +186,11 @@ MAModelChoice MABaseModel::EffectsChoice() const
 
 MAModelChoice MABaseModel::TableChoice() const
 {
+    const MATableMeasure& tables = Results().settings.tables;
     MAModelChoice choice = EffectsChoice();
     choice.poolsTables = true;
-    choice.tables = Results().settings.tables;
-    choice.tables.nullHypothesis = choice.fixed.nullHypothesis;
-    choice.tables.alpha = choice.fixed.alpha;
+    choice.tables = {tables.measure, tables.correction, tables.pooledZeroCells, choice.fixed.nullHypothesis,
+                     choice.fixed.alpha};
     return choice;
 }
 
@@ -197,7 +204,7 @@ KXStatus MABaseModel::BuildModel(const std::vector<double>& effectSizes, const s
     return Guarded(status_, [&] {
         const MAModelChoice choice = HasCumulativeValues() ? ModelOfStep(EffectsChoice()) : EffectsChoice();
         const MAPooledStudies pooled = {PoolEffects({effectSizes, variances}, choice), 0, {}};
-        return AppendModel(pooled, variances.size(), InverseVarianceWeights(variances, pooled.model));
+        return AppendBuilt(pooled, InverseVarianceWeights(variances, pooled.model));
     });
 }
 
@@ -213,25 +220,30 @@ KXStatus MABaseModel::BuildOnlyTestModel(const std::vector<double>& effectSizes,
     });
 }
 
-KXStatus MABaseModel::AppendModel(const MAPooledStudies& pooled, std::size_t studyCount,
-                                  std::vector<double> weights)
+KXStatus MABaseModel::AppendBuilt(const MAPooledStudies& pooled, std::vector<double> weights)
 {
     status_ = pooled.model.status;
     if (status_.IsError())
         return status_;
-    State().models.models.push_back({pooled.model.effect, pooled.correctedTables});
+    const std::size_t studyCount = weights.size();
+    AppendRow(pooled);
     if (!HasCumulativeValues())
         AppendReported(pooled.model);
     if (studyCount == Results().studies.Count())
         AppendWeights(std::move(weights));
     if (!HasCumulativeValues() && Results().groups.values.size() == 1)
-        State().models.groupSizes.push_back(static_cast<int>(studyCount));
+        State().lists.groupSizes.push_back(static_cast<int>(studyCount));
     return status_;
+}
+
+void MABaseModel::AppendRow(const MAPooledStudies& pooled)
+{
+    State().lists.rows.push_back({pooled.model.effect, pooled.correctedTables});
 }
 
 void MABaseModel::AppendWeights(std::vector<double> weights)
 {
-    std::vector<double>& list = State().models.weights;
+    std::vector<double>& list = State().lists.weights;
     if (list.empty())
         list = std::move(weights);
     else
@@ -246,10 +258,10 @@ void MABaseModel::AppendReported(const MAPooledModel& model)
 
 void MABaseModel::AppendHeterogeneity(const MAPooledModel& model)
 {
-    MAModelLists& models = State().models;
-    models.tau2.reserve(models.tau2.size() + 1); // so that both lists grow, or neither
-    models.heterogeneity.push_back(model);
-    models.tau2.push_back(model.tau2);
+    MAModelLists& lists = State().lists;
+    lists.tau2.reserve(lists.tau2.size() + 1); // so that both lists grow, or neither
+    lists.heterogeneity.push_back(model);
+    lists.tau2.push_back(model.tau2);
 }
 
 KXStatus MABaseModel::TakeHeterogeneity(const MAPooledModel& model)
@@ -309,9 +321,9 @@ void MABaseModel::ResetEstESStat(bool alsoTau2)
 {
     if (!HasState())
         return;
-    State().models.models.clear();
+    State().lists.rows.clear();
     if (alsoTau2)
-        State().models.tau2.clear();
+        State().lists.tau2.clear();
 }
 
 /// One model of all studies, one per subgroup, or one after each study of a cumulative analysis.
@@ -322,7 +334,7 @@ KXStatus MABaseModel::BuildModels(const MAModelChoice& choice)
     if (Results().groups.AreSeveral())
         return BuildSubgroups(choice);
     BuildOverall(choice);
-    State().models.recordNumbers.push_back(Results().studies.recordNumber);
+    State().lists.recordNumbers.push_back(Results().studies.recordNumber);
     return status_;
 }
 
@@ -330,7 +342,14 @@ KXStatus MABaseModel::BuildOverall(const MAModelChoice& choice)
 {
     const MAStudies& studies = Results().studies;
     const MAPooledStudies pooled = Pool(studies, choice);
-    return AppendModel(pooled, studies.Count(), PoolingWeights(studies, pooled));
+    status_ = pooled.model.status;
+    if (status_.IsError())
+        return status_;
+    AppendRow(pooled);
+    AppendReported(pooled.model);
+    AppendWeights(PoolingWeights(studies, pooled));
+    State().lists.groupSizes.push_back(static_cast<int>(studies.Count()));
+    return status_;
 }
 
 } // namespace MA_NAMESPACE

@@ -21,8 +21,8 @@ struct MAPooledModel;
 struct MAPooledStudies;
 struct MAReading;
 
-/// What the analyses of binary and of continuous outcomes share: the steps of a run, which derived classes
-/// make of it, and which a host may call one by one. The results are read through the getters of the base.
+/// What the analyses of binary and of continuous outcomes share: the steps of a run, which a host may also
+/// call one by one. The results are read through the getters of the base.
 ///
 /// The object keeps a pointer to the settings it is constructed from, which must outlive it. A run begins
 /// afresh; operations called one by one append to the lists. One object must not be used by two threads at
@@ -149,9 +149,9 @@ protected:
 
     KXStatus TestContrastsOfTables();
 
-    /// Appends a pooled model of `studyCount` studies, with weights when these are as many as the studies.
-    KXStatus AppendModel(const MAPooledStudies& pooled, std::size_t studyCount, std::vector<double> weights);
-    void AppendWeights(std::vector<double> weights);
+    /// Appends a model that a host built, with a weight per study of it: to the overall model's lists when it
+    /// has as many studies as the analysis.
+    KXStatus AppendBuilt(const MAPooledStudies& pooled, std::vector<double> weights);
     /// Appends a fitted model's heterogeneity output, for a host.
     KXStatus TakeHeterogeneity(const MAPooledModel& model);
 
@@ -179,6 +179,8 @@ private:
     KXStatus ReadStudies(MultiPassRecordIter& records);
     KXStatus BuildModels(const MAModelChoice& choice);
     KXStatus BuildOverall(const MAModelChoice& choice);
+    void AppendRow(const MAPooledStudies& pooled);
+    void AppendWeights(std::vector<double> weights);
     void AppendHeterogeneity(const MAPooledModel& model);
     void AppendReported(const MAPooledModel& model);
     void AppendGroup(std::vector<std::size_t> members);

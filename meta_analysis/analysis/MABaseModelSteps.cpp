@@ -43,7 +43,7 @@ std::vector<double> MABaseModel::GetUniqGroupElem() const
 
 void MABaseModel::AppendGroup(MASelection members)
 {
-    State().models.recordNumbers.push_back(Selected(Results().studies.recordNumber, members));
+    State().lists.recordNumbers.push_back(Selected(Results().studies.recordNumber, members));
     State().groups.members.push_back(std::move(members));
 }
 
@@ -57,7 +57,7 @@ void MABaseModel::ComputeCochranStatistics()
                                           results.groups.members.begin() +
                                               static_cast<std::ptrdiff_t>(groupCount));
     MABetweenGroups test =
-        TestBetweenGroups(results.studies, groups, results.settings.run.modelType, results.models.tau2);
+        TestBetweenGroups(results.studies, groups, results.settings.run.modelType, results.lists.tau2);
     test.q += results.groups.between.q;
     State().groups.between = test;
 }
@@ -75,16 +75,19 @@ KXStatus MABaseModel::BuildSubgroups(const MAModelChoice& choice)
     std::vector<MASelection> groups = MembersByGroup(state.studies, state.groups.values);
     const MASubgroups result = AnalyseSubgroups(state.studies, groups, choice);
     for (std::size_t g = 0; g < result.groups.size(); ++g) {
-        AppendModel(result.groups[g], groups[g].size(), {});
-        state.models.groupSizes.push_back(static_cast<int>(groups[g].size()));
+        AppendRow(result.groups[g]);
+        AppendReported(result.groups[g].model);
+        state.lists.groupSizes.push_back(static_cast<int>(groups[g].size()));
         AppendGroup(std::move(groups[g]));
     }
     if (!result.overall.has_value())
         return status_ = result.status;
     ComputeCochranStatistics();
     state.groups.shownValues.push_back(MAStudies::noGroup);
-    return AppendModel(*result.overall, state.studies.Count(),
-                       PoolingWeights(state.studies, *result.overall));
+    AppendRow(*result.overall);
+    AppendReported(result.overall->model);
+    AppendWeights(PoolingWeights(state.studies, *result.overall));
+    return status_ = result.status;
 }
 
 KXStatus MABaseModel::BuildCumulativeModel()
@@ -101,9 +104,9 @@ KXStatus MABaseModel::BuildCumulative(const MAModelChoice& choice)
     MACumulative result = AnalyseCumulatively(
         state.studies, MembersByGroup(state.studies, state.groups.values), settings_->GetSortType(), choice);
     for (MACumulativeGroup& group : result.groups) {
-        state.models.models = std::move(group.steps);
+        state.lists.rows = std::move(group.steps);
         AppendReported(group.whole.model);
-        state.models.groupSizes.push_back(static_cast<int>(group.order.size()));
+        state.lists.groupSizes.push_back(static_cast<int>(group.order.size()));
         AppendGroup(std::move(group.order));
         state.cumulative.values.push_back(std::move(group.values));
         PushCumuStatistics();
@@ -112,7 +115,7 @@ KXStatus MABaseModel::BuildCumulative(const MAModelChoice& choice)
     if (result.overall.has_value()) {
         ComputeCochranStatistics();
         state.groups.shownValues.push_back(MAStudies::noGroup);
-        state.models.models = {{result.overall->model.effect, result.overall->correctedTables}};
+        state.lists.rows = {{result.overall->model.effect, result.overall->correctedTables}};
         AppendReported(result.overall->model);
         state.cumulative.values.emplace_back();
         PushCumuStatistics();
@@ -122,7 +125,7 @@ KXStatus MABaseModel::BuildCumulative(const MAModelChoice& choice)
 
 void MABaseModel::PushCumuStatistics()
 {
-    State().cumulative.steps.push_back(Results().models.models);
+    State().cumulative.steps.push_back(Results().lists.rows);
 }
 
 // Contrasts
@@ -265,7 +268,7 @@ MAConst::TRIMFSIDE MABaseModel::GetTRimFillSide() const
 
 int MABaseModel::CalcN0(std::vector<double> values, MAConst::TRIMFMETHOD method) const
 {
-    const std::vector<MAPooledRow>& models = Results().models.models;
+    const std::vector<MAPooledRow>& models = Results().lists.rows;
     return models.empty() ? 0 : MissingStudies(std::move(values), models.front().effect.estimate, method);
 }
 
@@ -292,7 +295,7 @@ KXStatus MABaseModel::TrimAndFill()
     state.trimFill.side = MAConst::TRIM_SIDE_AUTO;
     state.trimFill.side = GetTRimFillSide();
     const MAModelChoice choice = WithoutTau2Interval(EffectsChoice());
-    if (state.models.models.empty()) {
+    if (state.lists.rows.empty()) {
         status_ = PoolEffects({state.studies.effectSize, state.studies.variance}, choice).status;
         if (status_.IsError())
             return status_;
@@ -310,8 +313,8 @@ KXStatus MABaseModel::TrimAndFill()
     if (found.filled.has_value()) {
         state.trimFill.model = found.filled->effect;
         WarnOfTau2(*found.filled);
-    } else if (found.imputedCount == 0 && !state.models.models.empty()) {
-        state.trimFill.model = state.models.models.back().effect;
+    } else if (found.imputedCount == 0 && !state.lists.rows.empty()) {
+        state.trimFill.model = state.lists.rows.back().effect;
     }
     return status_ = found.status;
 }
@@ -324,7 +327,7 @@ KXStatus MABaseModel::ComputePlotStatistics()
 {
     return Guarded(status_, [this] {
         const MAAnalysisState& results = Results();
-        const std::vector<MAPooledRow>& models = results.models.models;
+        const std::vector<MAPooledRow>& models = results.lists.rows;
         const MAEstimate overall = models.empty() ? MAEstimate() : models.back().effect;
         const bool isFilled = settings_->GetIsTRIMFILL() && results.trimFill.model.has_value();
         PlotStudies(results.studies.effectSize, results.studies.variance,
@@ -364,8 +367,7 @@ double MABaseModel::GroupEstimate(std::size_t group) const
         return group < results.cumulative.steps.size() && !results.cumulative.steps[group].empty()
                    ? results.cumulative.steps[group].back().effect.estimate
                    : KXMV::Missing();
-    return group < results.models.models.size() ? results.models.models[group].effect.estimate
-                                                : KXMV::Missing();
+    return group < results.lists.rows.size() ? results.lists.rows[group].effect.estimate : KXMV::Missing();
 }
 
 void MABaseModel::CalcFunnelPlotY(const std::vector<double>& variances, bool withoutContour)

@@ -71,7 +71,7 @@ KXStatus MABinModel::ESCalc(MultiPassRecordIter& records)
         if (ExtractRawInputData(records).IsError())
             return status_;
         MAAnalysisState& state = State();
-        MATablePoolingChoice& tables = state.settings.tables;
+        MATableMeasure& tables = state.settings.tables;
         tables.measure = settings_->GetBinaryEstType();
         tables.pooledZeroCells = settings_->GetPooledZeroCells();
         state.settings.alpha = AlphaOf(settings_->GetCILevel());
@@ -130,13 +130,13 @@ KXStatus MABinModel::ComputeLabbePlotStatistics()
         MAAnalysisState& state = State();
         state.labbe.clear();
         const std::size_t count = state.studies.Count();
-        if (state.studies.groupOutcomes.size() != count || state.models.weights.size() < count ||
+        if (state.studies.groupOutcomes.size() != count || state.lists.weights.size() < count ||
             !HasGroupValues())
             return SetError(MAStatusCode::LENGTH_MISMATCH);
         const std::vector<MASelection> groups = MembersByGroup(state.studies, state.groups.values);
         for (std::size_t g = 0; g < groups.size(); ++g) {
             if (!state.groups.AreSeveral() || state.groups.values[g] != MAStudies::noGroup)
-                state.labbe.push_back(PlotLabbe(state.studies, state.models.weights, groups[g]));
+                state.labbe.push_back(PlotLabbe(state.studies, state.lists.weights, groups[g]));
         }
         return status_;
     });
@@ -156,8 +156,9 @@ KXStatus MABinModel::BuildBinModel(const std::vector<double>& treatmentEvents,
         status_ = model.ComputeEffectSizeStatistics();
         if (status_.IsError())
             return status_;
-        return AppendModel({model.GetPooledModel(), model.GetNPoolCorrected(), {}}, treatmentEvents.size(),
-                           model.GetEstWeight());
+        std::vector<double> weights = model.GetEstWeight();
+        RequireLength(treatmentEvents.size(), weights);
+        return AppendBuilt({model.GetPooledModel(), model.GetNPoolCorrected(), {}}, std::move(weights));
     });
 }
 
@@ -214,12 +215,12 @@ int MABinModel::GetNZeroCorrected() const
 
 int MABinModel::GetNUninformative() const
 {
-    return PoolsTables() ? CountUninformative(Results().studies.tables, Results().settings.tables) : 0;
+    return PoolsTables() ? CountUninformative(Results().studies.tables, TableChoice().tables) : 0;
 }
 
 std::vector<int> MABinModel::GetNPoolCorrected() const
 {
-    return FieldOf(Results().models.models, &MAPooledRow::correctedTables);
+    return FieldOf(Results().lists.rows, &MAPooledRow::correctedTables);
 }
 
 std::vector<std::vector<int>> MABinModel::GetCumNPoolCorrected() const
@@ -307,7 +308,7 @@ std::vector<std::vector<double>> MABinModel::GetCumExpEstCiUpper() const
     return HasRatios() ? Exponentiated(GetCumEstCiUpper()) : std::vector<std::vector<double>>();
 }
 
-/// Settings of a run to come do not matter.
+/// Of the measure that the studies have, whatever the settings say since.
 bool MABinModel::HasRatios() const
 {
     return IsOnLogScale(Results().settings.tables.measure);

@@ -13,8 +13,9 @@ namespace MA_NAMESPACE {
 /// group. (Ready-made effect sizes of binary outcomes go through it as well.)
 ///
 /// Calling order: fill an `MAModelSettings`, construct, `RUN`, read the getters and `GetWarnings`.
-/// Pooling is by inverse variance, or, for raw tables under the fixed-effect model with weight type 1,
-/// by Mantel and Haenszel (odds ratio, risk ratio, risk difference) or Peto (Peto odds ratio).
+/// Pooling is by inverse variance, or, for raw tables under the fixed-effect model with
+/// `WEIGHT_BINARY_FIXED`, by Mantel and Haenszel (odds ratio, risk ratio, risk difference) or Peto (Peto odds
+/// ratio).
 class META_ANALYSIS_EXPORT MABinModel : public MABaseModel
 {
 public:

@@ -36,7 +36,7 @@ ReportSections LeaveOneOutSection(const AnalysisData& data)
         section.table.push_back({"tau²", TextsOf(data.base.GetLeaveOneOutTau2Var(), NumberText)});
     section.table.push_back({"Q", TextsOf(data.base.GetLeaveOneOutChisquareQ(), NumberText)});
     section.table.push_back({"I² %", TextsOf(InPercent(data.base.GetLeaveOneOutI2Index()),
-                                                  [](double share) { return FixedText(share, 1); })});
+                                             [](double share) { return FixedText(share, 1); })});
     section.sentences = {"Each row is the model of all studies but the one it names."};
     return {section};
 }

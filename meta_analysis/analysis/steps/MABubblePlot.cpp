@@ -140,7 +140,7 @@ MARegSettings MABubblePlot::SimpleRegression() const
 
 /// The regression runs as one for a small-study test does: coefficients, covariance and adjustment are
 /// needed, tests of the model are not. A regression that cannot be fitted leaves the rows without a fit; the
-/// records are the plot's own, so that 460012 is the host's wish to cancel.
+/// records are the plot's own, so that ITERATOR_FAILED is the host's wish to cancel.
 template <class Engine>
 KXStatus MABubblePlot::Fit(const std::vector<Study>& studies)
 {

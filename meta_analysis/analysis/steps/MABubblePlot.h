@@ -35,10 +35,10 @@ public:
     /// Points of the confidence band; one point is the smallest x, less than one none.
     void SetCurveNPoints(int count) { curvePointCount_ = count; }
 
-    /// The plot of one covariate, by its index in the variable list. Errors: 460009 no such variable, or
-    /// invalid settings, 460060 unknown estimator under random effects, 460011 the iterator cannot be
-    /// started, 460012 it fails or the host cancels, 460099. A regression that cannot be fitted (no usable
-    /// study, a constant covariate) is no error: the rows say so.
+    /// The plot of one covariate, by its index in the variable list. Errors: INPUT_NOT_GIVEN no such
+    /// variable, or invalid settings, TAU2_FAILED unknown estimator under random effects,
+    /// ITERATOR_NOT_STARTED, ITERATOR_FAILED the iterator fails or the host cancels, OUT_OF_MEMORY. A
+    /// regression that cannot be fitted (no usable study, a constant covariate) is no error: the rows say so.
     KXStatus Compute(MultiPassRecordIter& records, int covariate);
 
     const MABubbleRows& GetRows() const { return rows_; }

@@ -7,7 +7,7 @@
 
 namespace MA_NAMESPACE {
 
-/// What a funnel plot goes by.
+/// The choices of a funnel plot.
 struct MAFunnelChoice
 {
     MAConst::FunnelYType yType;

@@ -44,10 +44,11 @@ public:
     void SetDropBinZero(bool drop) { dropBinZero_ = drop; }
     void SetAdjustType(MAConst::ZEROADJTYPE type) { zeroAdjustment_ = type; }
 
-    /// Runs the test on the records. Types above 4 do nothing. Errors: 460022 the response cannot be the
-    /// dependent, 460023 test type 4, 460024 the covariate cannot be added, 460025 the meta-regression gave
-    /// no results (now or in an earlier test), 460026 a record cannot be resized, 460060 out of memory, and
-    /// those of the meta-regression. When it fails, the results of an earlier test are kept.
+    /// Runs the test on the records. Types above 4 do nothing. Errors: TEST_DEPENDENT_REFUSED the
+    /// response cannot be the dependent, TEST_TYPE_UNDEFINED test type 4, TEST_COVARIATE_REFUSED the
+    /// covariate cannot be added, TEST_WITHOUT_OUTPUT the meta-regression gave no results (now or in an
+    /// earlier test), RECORD_NOT_RESIZED a record cannot be resized, TAU2_FAILED out of memory, and those of
+    /// the meta-regression. When it fails, the results of an earlier test are kept.
     KXStatus Test(MultiPassRecordIter& records);
 
     /// Whether a test has succeeded.

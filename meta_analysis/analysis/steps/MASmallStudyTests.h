@@ -32,7 +32,7 @@ struct MASmallStudyTest
     MAEstimate Covariate() const;
 };
 
-/// What a small-study test goes by.
+/// The choices of a small-study test.
 struct MASmallStudyChoice
 {
     MAConst::RegBaseTestType test;

@@ -1,6 +1,7 @@
 #include "meta_analysis/analysis/steps/MASubgroups.h"
 
 #include "meta_analysis/inference/MATestPValues.h"
+#include "meta_analysis/inference/MAWeightedMean.h"
 
 #include <algorithm>
 #include <cmath>
@@ -11,22 +12,11 @@ namespace MA_NAMESPACE {
 namespace {
 
 /// Sums over a group's studies with the weights 1 / (tau² + variance).
-struct GroupSums
+MAWeightedMean SumsOf(const MAStudies& studies, const MASelection& group, double tau2)
 {
-    double weight = 0.0;
-    double weighted = 0.0;
-
-    double Mean() const { return weighted / weight; }
-};
-
-GroupSums SumsOf(const MAStudies& studies, const MASelection& group, double tau2)
-{
-    GroupSums sums;
-    for (const std::size_t study : group) {
-        const double weight = 1.0 / (tau2 + studies.variance[study]);
-        sums.weight += weight;
-        sums.weighted += weight * studies.effectSize[study];
-    }
+    MAWeightedMean sums;
+    for (const std::size_t study : group)
+        sums.Add(1.0 / (tau2 + studies.variance[study]), studies.effectSize[study]);
     return sums;
 }
 
@@ -61,17 +51,17 @@ MABetweenGroups TestBetweenGroups(const MAStudies& studies, const std::vector<MA
 {
     const bool isRandom = type == MAConst::MODEL_RANDOM;
     MABetweenGroups test;
-    std::vector<GroupSums> sums;
-    GroupSums total;
+    std::vector<MAWeightedMean> sums;
+    MAWeightedMean total;
     for (std::size_t g = 0; g < groups.size(); ++g) {
         if (isRandom && (g >= tau2.size() || KXMV::IsMissing(tau2[g])))
             return test;
         sums.push_back(SumsOf(studies, groups[g], isRandom ? tau2[g] : 0.0));
-        total.weight += sums[g].weight;
-        total.weighted += sums[g].weighted;
+        total.weightSum += sums[g].weightSum;
+        total.weightedSum += sums[g].weightedSum;
     }
-    for (const GroupSums& group : sums)
-        test.q += group.weight * (group.Mean() - total.Mean()) * (group.Mean() - total.Mean());
+    for (const MAWeightedMean& group : sums)
+        test.q += group.weightSum * (group.Mean() - total.Mean()) * (group.Mean() - total.Mean());
     test.df = static_cast<int>(groups.size()) - 1;
     if (std::isfinite(test.q))
         test.pValue = ChiSquarePValue(test.q, test.df);

@@ -7,7 +7,7 @@
 
 namespace MA_NAMESPACE {
 
-/// What trim-and-fill goes by.
+/// The choices of trim-and-fill.
 struct MATrimFillChoice
 {
     MAConst::TRIMFSIDE side; ///< trimmed: the largest or the smallest

@@ -9,8 +9,8 @@
 
 namespace MA_NAMESPACE {
 
-/// Positions the iterator at the first record. Errors: 460012 it reports a failure, 460011 it cannot be
-/// positioned.
+/// Positions the iterator at the first record. Errors: ITERATOR_FAILED it reports a failure,
+/// ITERATOR_NOT_STARTED it cannot be positioned.
 inline KXStatus StartPass(MultiPassRecordIter& records)
 {
     if (records.GetError() != 0)
@@ -21,8 +21,8 @@ inline KXStatus StartPass(MultiPassRecordIter& records)
 }
 
 /// Calls `visit(record, recordNumber)` for every record of a started pass, and stores their number when it
-/// comes to its end. Error 460012 when the iterator failed on the way: a broken pass must not look like the
-/// end of the data.
+/// comes to its end. Error ITERATOR_FAILED when the iterator failed on the way: a broken pass must not look
+/// like the end of the data.
 template <class Visit>
 KXStatus ReadPass(MultiPassRecordIter& records, int& recordCount, Visit visit)
 {

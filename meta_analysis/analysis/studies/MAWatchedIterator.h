@@ -55,8 +55,8 @@ public:
         return error;
     }
 
-    /// The first failure: 460011 the records could not be started; 460012 they could not be rewound, gave an
-    /// error, threw, or had another number. OK without one.
+    /// The first failure: ITERATOR_NOT_STARTED the records could not be started; ITERATOR_FAILED they could
+    /// not be rewound, gave an error, threw, or had another number. OK without one.
     const KXStatus& Failure() const { return failure_; }
 
 private:

@@ -25,10 +25,14 @@ Row Entry(const BinModel& model, std::size_t i)
 
 Row OverallOf(const BinModel& model)
 {
-    return {model.GetEstEffectSize().back(), model.GetEstStdError().back(),
-            model.GetEstZVal().back(),       model.GetEstSig().back(),
-            model.GetEstCILower().back(),    model.GetEstCIUpper().back(),
-            model.GetHomoTestChisquareQ().back(), model.GetTau2Var().back(),
+    return {model.GetEstEffectSize().back(),
+            model.GetEstStdError().back(),
+            model.GetEstZVal().back(),
+            model.GetEstSig().back(),
+            model.GetEstCILower().back(),
+            model.GetEstCIUpper().back(),
+            model.GetHomoTestChisquareQ().back(),
+            model.GetTau2Var().back(),
             model.GetI2Index().back()};
 }
 
@@ -48,8 +52,7 @@ TEST(LeaveOneOut, EqualsTheRunWithoutTheStudy)
             const BinRun without(settings, others);
             EXPECT_TRUE(Same(Entry(run.model, i), OverallOf(without.model))) << i;
         }
-        EXPECT_EQ(run.model.GetLeaveOneOutExpCIUpper().empty(),
-                  pooling.effect == BIN_RISK_DIFFERENCE);
+        EXPECT_EQ(run.model.GetLeaveOneOutExpCIUpper().empty(), pooling.effect == BIN_RISK_DIFFERENCE);
     }
 }
 
