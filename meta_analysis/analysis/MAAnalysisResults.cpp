@@ -38,6 +38,8 @@ MAAnalysisResults::MAAnalysisResults(const MAAnalysisResults& other)
 
 MAAnalysisResults& MAAnalysisResults::operator=(const MAAnalysisResults& other)
 {
+    if (this == &other)
+        return *this;
     auto copied = other.state_ == nullptr ? nullptr : std::make_unique<MAAnalysisState>(*other.state_);
     settings_ = other.settings_;
     outcome_ = other.outcome_;

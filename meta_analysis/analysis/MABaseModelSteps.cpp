@@ -223,10 +223,9 @@ KXStatus MABaseModel::TestForSmallStudies(MultiPassRecordIter& records, const KX
 }
 
 KXStatus MABaseModel::RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
-                                   const MARegSettings& given)
+                                   const MARegSettings& settings)
 {
     return Guarded(status_, [&] {
-        MARegSettings settings(given);
         if (RequireStudiesForTest(records).IsError())
             return status_;
         if (Results().groups.AreSeveral()) {

@@ -110,15 +110,15 @@ bool NamesTables(const MAModelSettings& settings)
 
 MAReading ReadTables(MultiPassRecordIter& records, const MAModelSettings& settings)
 {
-    const auto [a, b, c, d] = CountIndices(settings);
+    const std::array<int, 4> indices = CountIndices(settings);
     const TableRule rule(settings);
     MAReading reading;
     reading.studies.recordNumber.reserve(MAStudies::expectedCount);
     reading.studies.sampleSize.reserve(MAStudies::expectedCount);
     reading.studies.tables.reserve(MAStudies::expectedCount);
     reading.status = ReadPass(records, reading.counts.records, [&](const Record& record, int recordNumber) {
-        const MATable table = {ReadStudyValue(record, a), ReadStudyValue(record, b),
-                               ReadStudyValue(record, c), ReadStudyValue(record, d)};
+        const MATable table = {ReadStudyValue(record, indices[0]), ReadStudyValue(record, indices[1]),
+                               ReadStudyValue(record, indices[2]), ReadStudyValue(record, indices[3])};
         Classify(table, recordNumber, rule, reading);
     });
     return reading;
