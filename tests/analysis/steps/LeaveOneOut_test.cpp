@@ -2,6 +2,10 @@
 #include "support/Published.h"
 #include "support/Tables.h"
 
+#include <gmock/gmock.h>
+
+#include <map>
+
 using namespace MA_NAMESPACE;
 using namespace MAConst;
 
