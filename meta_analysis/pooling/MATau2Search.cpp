@@ -321,8 +321,26 @@ MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess, 
 MATau2Solution SolveTau2(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess,
                          double precision)
 {
-    return estimator == MAConst::TAU2_EB ? FindQRoot(curve, curve.Bounds().residualDf, guess, precision)
-                                         : FindLikelihoodMaximum(curve, guess, precision);
+    switch (MethodOf(estimator)) {
+    case MATau2Method::FullLikelihood:
+    case MATau2Method::RestrictedLikelihood:
+        return FindLikelihoodMaximum(curve, guess, precision);
+    case MATau2Method::QRoot:
+        return FindQRoot(curve, curve.Bounds().residualDf, guess, precision);
+    case MATau2Method::ClosedForm:
+        break;
+    }
+    return {std::numeric_limits<double>::quiet_NaN(), 0};
+}
+
+MATau2Estimate EstimateOf(const MATau2Solution& solution, double unit)
+{
+    MATau2Estimate estimate;
+    estimate.tau2 = solution.t * unit;
+    estimate.evaluations = solution.evaluations;
+    estimate.convergence =
+        std::isfinite(estimate.tau2) ? MAConst::TAU2_GLOBAL_OPTIMUM : MAConst::TAU2_STEP_NOT_FINITE;
+    return estimate;
 }
 
 } // namespace MA_NAMESPACE
