@@ -22,11 +22,6 @@ namespace {
 /// less.
 constexpr double negligible = 1e-12;
 
-bool UsesStudentT(const MARegSettings& settings)
-{
-    return settings.IsKnapHartAdjust() || settings.GetTestDistType() == MAConst::TEST_STUDENT_T;
-}
-
 /// Scale of the covariance after Knapp and Hartung. Without residual degrees of freedom there is no factor,
 /// and the truncated one is 1.
 double KnappHartungScale(const MARegFit& fit, bool truncated)
