@@ -21,8 +21,8 @@ constexpr double roundingSteps = 1e-11;
 /// The residual sum of squares is counted larger by this share where it serves as a bound.
 constexpr double boundSlack = 1e-8;
 
-/// Of the residual sum of squares, in units of about the smallest variance: with larger ones products of
-/// weights vanish beside 1 / tau², and the search would take what is left for a proof.
+/// The search accepts no larger residual sum of squares, in units near the smallest variance. Beyond it
+/// products of weights underflow beside 1 / tau², and a maximum would be proved from rounding errors.
 constexpr double greatestResidualSum = 1e150;
 
 /// Beyond it A < B, from A <= residualSum / (v_min + t)² and B >= traceSize / (v_max + t).

@@ -15,13 +15,12 @@ struct MATau2StepSums
     bool isCancelled = false; ///< by the host
     double unit = 1.0;        ///< of the variances that the sums are counted in
     double count = 0.0;
-    double w1 = 0.0;     ///< sum(w)
-    double w2 = 0.0;     ///< sum(w²)
-    double wr2 = 0.0;    ///< sum(w r²)
-    double w2r2 = 0.0;   ///< sum(w² r²)
-    double traceP = 0.0; ///< tr P = sum((1 - h) w), P the weighted residual projection; for REML
-    double tracePP =
-        0.0; ///< tr PP = sum((1 - 2h) w²) + sum(w² g), g the diagonal of the squared hat quantity
+    double w1 = 0.0;      ///< sum(w)
+    double w2 = 0.0;      ///< sum(w²)
+    double wr2 = 0.0;     ///< sum(w r²)
+    double w2r2 = 0.0;    ///< sum(w² r²)
+    double traceP = 0.0;  ///< tr P = sum((1 - h) w), with P = W - WX(X'WX)⁻X'W; taken by REML alone
+    double tracePP = 0.0; ///< tr PP, twice the expected information of REML about tau²
 
     void Add(double weight, double residual)
     {
