@@ -1,5 +1,6 @@
 #include "meta_analysis/effectsize/MABinaryEffectSize.h"
 
+#include "meta_analysis/effectsize/MACountColumns.h"
 #include "meta_analysis/effectsize/MAInputCheck.h"
 #include "meta_analysis/effectsize/MAStudyEstimate.h"
 #include "meta_analysis/effectsize/MATableEffect.h"
@@ -56,38 +57,21 @@ KXStatus MABinaryEffectSize::SetEstimationMethod(MAConst::BINESTYPE method)
     return stored.IsError() ? stored : KXStatus();
 }
 
-bool MABinaryEffectSize::HasCounts() const
+MACountColumns MABinaryEffectSize::Counts() const
 {
-    return HaveLength(studyCount_, treatmentSuccesses_, treatmentFailures_, controlSuccesses_,
-                      controlFailures_);
-}
-
-std::vector<MATable> MABinaryEffectSize::Tables() const
-{
-    std::vector<MATable> tables;
-    tables.reserve(studyCount_);
-    for (std::size_t i = 0; i < studyCount_; ++i)
-        tables.push_back({(*treatmentSuccesses_)[i], (*treatmentFailures_)[i], (*controlSuccesses_)[i],
-                          (*controlFailures_)[i]});
-    return tables;
+    return {treatmentSuccesses_, treatmentFailures_, controlSuccesses_, controlFailures_};
 }
 
 void MABinaryEffectSize::AdjustZeroCounts()
 {
-    if (!HasCounts())
+    if (!Counts().HaveLength(studyCount_))
         return;
     Guarded(status_, [this] {
-        const std::vector<MATable> tables = Tables();
+        const std::vector<MATable> tables = Counts().Tables();
         const MAZeroCorrection correction =
             MAZeroCorrection{zeroAdjustment_, zeroCountDelta_}.ResolvedFor(tables);
         zeroAdjustment_ = correction.type;
-        for (std::size_t i = 0; i < studyCount_; ++i) {
-            const MATable corrected = correction.Corrected(tables[i]);
-            (*treatmentSuccesses_)[i] = corrected.a;
-            (*treatmentFailures_)[i] = corrected.b;
-            (*controlSuccesses_)[i] = corrected.c;
-            (*controlFailures_)[i] = corrected.d;
-        }
+        Counts().StoreCorrected(tables, correction);
         return status_;
     });
 }
@@ -96,7 +80,7 @@ KXStatus MABinaryEffectSize::ComputeEffectSizeStatistics()
 {
     if (status_.IsError())
         return status_;
-    if (!HasCounts())
+    if (!Counts().HaveLength(studyCount_))
         return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
     return Guarded(status_, [this] {
         AdjustZeroCounts();
@@ -112,7 +96,7 @@ void MABinaryEffectSize::ComputeBy()
     natural_.Restart(studyCount_, Measure::hasGroups);
     log_.Restart(Measure::onLogScale ? studyCount_ : 0, Measure::hasGroups);
     const double quantile = TwoSidedNormalQuantile(alpha_);
-    for (const MATable& table : Tables())
+    for (const MATable& table : Counts().Tables())
         AppendStudy<Measure>(table, quantile);
 }
 
@@ -132,7 +116,7 @@ void MABinaryEffectSize::AppendStudy(const MATable& table, double quantile)
     const MAEstimate estimate = EstimateOfStudy(study.effect, study.variance, quantile);
     if constexpr (Measure::onLogScale) {
         log_.Append(estimate);
-        MAEstimate natural = AsRatio(estimate, Measure::NaturalEffect(table, study.effect));
+        MAEstimate natural = StudyRatio(estimate, Measure::NaturalEffect(table, study.effect));
         natural.statistic = RatioOf(estimate.statistic);
         natural.pValue.value = RatioOf(estimate.pValue.value);
         natural_.Append(natural);

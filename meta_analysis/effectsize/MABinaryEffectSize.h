@@ -11,6 +11,7 @@
 
 namespace MA_NAMESPACE {
 
+struct MACountColumns;
 struct MATable;
 
 /// Effect sizes of 2x2 tables: odds ratio, Peto odds ratio, risk ratio or risk difference, each with its
@@ -95,8 +96,7 @@ private:
         void Restart(std::size_t count, bool hasGroups);
     };
 
-    bool HasCounts() const;
-    std::vector<MATable> Tables() const;
+    MACountColumns Counts() const;
     template <class Measure>
     void ComputeBy();
     template <class Measure>

@@ -19,7 +19,7 @@ inline MAEstimate EstimateOfStudy(double effect, double variance, double quantil
 
 /// The natural-scale forms of a ratio's variance and interval are the exponentials of the log-scale ones, not
 /// delta-method values: hosts show them beside the exponentiated effect. Without a test.
-inline MAEstimate AsRatio(const MAEstimate& onLogScale, double ratio)
+inline MAEstimate StudyRatio(const MAEstimate& onLogScale, double ratio)
 {
     MAEstimate natural;
     natural.estimate = ratio;

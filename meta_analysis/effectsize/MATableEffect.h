@@ -32,7 +32,7 @@ struct MAOddsRatio
 {
     static constexpr MAConst::BINESTYPE type = MAConst::BIN_ODDS_RATIO;
     static constexpr bool onLogScale = IsOnLogScale(type);
-    static constexpr bool hasGroups = HasGroupValues(type);
+    static constexpr bool hasGroups = ComparesGroups(type);
     static constexpr double undefined = KXMV::Missing();
 
     static bool HasEffect(const MATable& table) { return !table.HasZeroCell(); }
@@ -64,7 +64,7 @@ struct MAPetoOddsRatio
 {
     static constexpr MAConst::BINESTYPE type = MAConst::BIN_PETO_ODDS_RATIO;
     static constexpr bool onLogScale = IsOnLogScale(type);
-    static constexpr bool hasGroups = HasGroupValues(type);
+    static constexpr bool hasGroups = ComparesGroups(type);
     static constexpr double undefined = KXMV::Missing();
 
     /// False without events, or without non-events, in both groups, and with a single person.
@@ -90,7 +90,7 @@ struct MARiskRatio
 {
     static constexpr MAConst::BINESTYPE type = MAConst::BIN_RISK_RATIO;
     static constexpr bool onLogScale = IsOnLogScale(type);
-    static constexpr bool hasGroups = HasGroupValues(type);
+    static constexpr bool hasGroups = ComparesGroups(type);
     static constexpr double undefined = KXMV::Missing();
 
     static bool HasEffect(const MATable& table)
@@ -125,7 +125,7 @@ struct MARiskDifference
 {
     static constexpr MAConst::BINESTYPE type = MAConst::BIN_RISK_DIFFERENCE;
     static constexpr bool onLogScale = IsOnLogScale(type);
-    static constexpr bool hasGroups = HasGroupValues(type);
+    static constexpr bool hasGroups = ComparesGroups(type);
     static constexpr double undefined = 0.0;
 
     static bool HasEffect(const MATable& table)

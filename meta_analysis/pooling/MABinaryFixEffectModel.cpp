@@ -1,5 +1,6 @@
 #include "meta_analysis/pooling/MABinaryFixEffectModel.h"
 
+#include "meta_analysis/effectsize/MACountColumns.h"
 #include "meta_analysis/effectsize/MAInputCheck.h"
 #include "meta_analysis/pooling/MAContrast.h"
 #include "meta_analysis/pooling/MATablePooling.h"
@@ -90,20 +91,9 @@ KXStatus MABinaryFixEffectModel::SetEstimationMethod(MAConst::BINESTYPE method)
     return stored.IsError() ? stored : KXStatus();
 }
 
-bool MABinaryFixEffectModel::HasCounts() const
+MACountColumns MABinaryFixEffectModel::Counts() const
 {
-    return HaveLength(studyCount_, treatmentSuccesses_, treatmentFailures_, controlSuccesses_,
-                      controlFailures_);
-}
-
-std::vector<MATable> MABinaryFixEffectModel::Tables() const
-{
-    std::vector<MATable> tables;
-    tables.reserve(studyCount_);
-    for (std::size_t i = 0; i < studyCount_; ++i)
-        tables.push_back({(*treatmentSuccesses_)[i], (*treatmentFailures_)[i], (*controlSuccesses_)[i],
-                          (*controlFailures_)[i]});
-    return tables;
+    return {treatmentSuccesses_, treatmentFailures_, controlSuccesses_, controlFailures_};
 }
 
 MATablePoolingChoice MABinaryFixEffectModel::Choice() const
@@ -121,15 +111,15 @@ KXStatus MABinaryFixEffectModel::ComputeEffectSizeStatistics()
 {
     if (status_.IsError())
         return status_;
-    if (!HasCounts())
+    if (!Counts().HaveLength(studyCount_))
         return status_ = KXStatus(MAStatusCode::LENGTH_MISMATCH);
     return Guarded(status_, [this] { return ComputeStatistics(); });
 }
 
 KXStatus MABinaryFixEffectModel::ComputeStatistics()
 {
-    const std::vector<MATable> asRead = Tables();
-    CorrectCounts(asRead);
+    const std::vector<MATable> asRead = Counts().Tables();
+    Counts().StoreCorrected(asRead, Choice().correction.ResolvedFor(asRead));
     MAPooledTables pooled = PoolTables(asRead, Choice());
     model_ = pooled.model;
     SetScales(pooled.ratio);
@@ -150,23 +140,12 @@ void MABinaryFixEffectModel::SetScales(const MAEstimate& ratio)
     log_ = onLogScale ? model_.effect : Logs(natural_);
 }
 
-void MABinaryFixEffectModel::CorrectCounts(const std::vector<MATable>& asRead)
-{
-    const MAZeroCorrection correction = Choice().correction.ResolvedFor(asRead);
-    for (std::size_t i = 0; i < studyCount_; ++i) {
-        const MATable corrected = correction.Corrected(asRead[i]);
-        (*treatmentSuccesses_)[i] = corrected.a;
-        (*treatmentFailures_)[i] = corrected.b;
-        (*controlSuccesses_)[i] = corrected.c;
-        (*controlFailures_)[i] = corrected.d;
-    }
-}
-
 KXStatus MABinaryFixEffectModel::ContrastTest()
 {
     if (contrastCoefficients_ == nullptr || status_.IsError() || !IsMeasure(method_))
         return status_;
-    if (!HasCounts() || !HaveLength(studyCount_, &tableEffects_, &tableVariances_, contrastCoefficients_))
+    if (!Counts().HaveLength(studyCount_) ||
+        !HaveLength(studyCount_, &tableEffects_, &tableVariances_, contrastCoefficients_))
         return KXStatus(MAStatusCode::LENGTH_MISMATCH);
     const MAContrastTest test =
         TestTableContrast({tableEffects_, tableVariances_}, *contrastCoefficients_, alpha_);

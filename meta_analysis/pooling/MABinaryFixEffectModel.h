@@ -11,7 +11,7 @@
 
 namespace MA_NAMESPACE {
 
-struct MATable;
+struct MACountColumns;
 struct MATablePoolingChoice;
 
 /// Fixed-effect pooling of 2x2 tables: Mantel-Haenszel for the odds ratio, risk ratio and risk difference,
@@ -103,12 +103,10 @@ public:
     double GetContrastTestCILower() const { return contrast_.ciLower; }
 
 private:
-    bool HasCounts() const;
-    std::vector<MATable> Tables() const;
+    MACountColumns Counts() const;
     MATablePoolingChoice Choice() const;
     KXStatus ComputeStatistics();
     void SetScales(const MAEstimate& ratio);
-    void CorrectCounts(const std::vector<MATable>& asRead);
 
     std::size_t studyCount_ = 0;
     std::vector<double>* treatmentSuccesses_ = nullptr;

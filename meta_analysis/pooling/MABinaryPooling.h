@@ -151,25 +151,37 @@ private:
     double variance_ = 0.0;
 };
 
-/// Calls `use` with empty running sums of the method for the effect size; does nothing for a value outside
-/// the enumeration.
-template <class Use>
-void WithBinaryPooling(MAConst::BINESTYPE effect, Use&& use)
+/// The method that pools a measure.
+template <class Measure>
+struct MAPoolingOf;
+
+template <>
+struct MAPoolingOf<MAOddsRatio>
 {
-    switch (effect) {
-    case MAConst::BIN_ODDS_RATIO:
-        use(MAOddsRatioPooling());
-        break;
-    case MAConst::BIN_PETO_ODDS_RATIO:
-        use(MAPetoPooling());
-        break;
-    case MAConst::BIN_RISK_RATIO:
-        use(MARiskRatioPooling());
-        break;
-    case MAConst::BIN_RISK_DIFFERENCE:
-        use(MARiskDifferencePooling());
-        break;
-    }
+    using Type = MAOddsRatioPooling;
+};
+template <>
+struct MAPoolingOf<MAPetoOddsRatio>
+{
+    using Type = MAPetoPooling;
+};
+template <>
+struct MAPoolingOf<MARiskRatio>
+{
+    using Type = MARiskRatioPooling;
+};
+template <>
+struct MAPoolingOf<MARiskDifference>
+{
+    using Type = MARiskDifferencePooling;
+};
+
+/// Calls `use` with empty running sums of the method for the measure; does nothing for a value outside the
+/// enumeration.
+template <class Use>
+void WithBinaryPooling(MAConst::BINESTYPE type, Use&& use)
+{
+    WithMeasure(type, [&](auto measure) { use(typename MAPoolingOf<decltype(measure)>::Type()); });
 }
 
 /// The null value on the scale of the test. On the natural scale 0 is no value for a ratio, nor 1 for a

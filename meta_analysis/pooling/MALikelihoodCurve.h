@@ -13,10 +13,19 @@ enum class MALikelihoodType
     Restricted
 };
 
-/// The likelihood that an estimator goes by; EB, which has none, shares the Q statistic of either.
+/// The likelihood that an estimator maximises. One that maximises none takes only the Q statistic of the
+/// curve, which both likelihoods share.
 inline MALikelihoodType LikelihoodOf(MAConst::TAU2ESTIMATOR estimator)
 {
-    return estimator == MAConst::TAU2_ML ? MALikelihoodType::Full : MALikelihoodType::Restricted;
+    switch (MethodOf(estimator)) {
+    case MATau2Method::FullLikelihood:
+        return MALikelihoodType::Full;
+    case MATau2Method::RestrictedLikelihood:
+    case MATau2Method::QRoot:
+    case MATau2Method::ClosedForm:
+        break;
+    }
+    return MALikelihoodType::Restricted;
 }
 
 /// The two sides of the likelihood equation A(t) = B(t) for the between-study variance, with their slopes.

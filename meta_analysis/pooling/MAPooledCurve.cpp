@@ -1,5 +1,7 @@
 #include "meta_analysis/pooling/MAPooledCurve.h"
 
+#include "meta_analysis/platform/common/Square.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -10,11 +12,6 @@ namespace {
 /// Studies whose terms are added up before they are added to the total: rounding errors grow with this and
 /// with the number of blocks, not with the number of studies.
 constexpr std::size_t blockSize = 256;
-
-double Square(double x)
-{
-    return x * x;
-}
 
 } // namespace
 

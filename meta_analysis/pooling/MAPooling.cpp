@@ -4,6 +4,7 @@
 #include "meta_analysis/inference/MAInference.h"
 #include "meta_analysis/inference/MAKnappHartung.h"
 #include "meta_analysis/inference/MAWeightedMean.h"
+#include "meta_analysis/pooling/MAHomogeneity.h"
 #include "meta_analysis/pooling/MAPooledCurve.h"
 #include "meta_analysis/pooling/MATau2Estimators.h"
 #include "meta_analysis/pooling/MATau2Inference.h"
@@ -21,12 +22,6 @@ MAPooledModel Failed(const KXStatus& status)
     MAPooledModel model;
     model.status = status;
     return model;
-}
-
-MAHomogeneityTest TestHomogeneity(double q, std::size_t studyCount)
-{
-    const int df = static_cast<int>(studyCount) - 1;
-    return {q, df, HomogeneityPValue(q, df)};
 }
 
 /// The factor of the variance; 1 for a single study, which has no residual.

@@ -1,6 +1,8 @@
 #include "meta_analysis/pooling/MARegressionTau2.h"
 
+#include "meta_analysis/platform/common/Square.h"
 #include "meta_analysis/pooling/MARegressionCurve.h"
+#include "meta_analysis/pooling/MATau2Outcome.h"
 #include "meta_analysis/pooling/MATau2Search.h"
 #include "meta_analysis/pooling/MATau2Steps.h"
 #include "meta_analysis/regression/design/MADesignMatrix.h"
@@ -13,20 +15,6 @@ namespace {
 /// The iterative estimators leave out rows whose variance is not above this part of the mean variance: such a
 /// row would decide alone. (One whose weight is as small beside the others' takes more than 1e12 rows.)
 constexpr double negligibleVariance = 1e-12;
-
-MATau2Estimate Failed(int code)
-{
-    MATau2Estimate estimate;
-    estimate.status = KXStatus(code);
-    return estimate;
-}
-
-MATau2Estimate ClosedForm(double tau2)
-{
-    MATau2Estimate estimate;
-    estimate.tau2 = TruncateAtZero(tau2);
-    return estimate;
-}
 
 std::size_t RowCount(const MATau2Fit& fit)
 {
@@ -50,13 +38,13 @@ double WeightedResidualSum(const MATau2Fit& fit, std::span<const double> weights
 MATau2Estimate Hedges(const MATau2Fit& fit)
 {
     if (RowCount(fit) != fit.leverageComplements.size())
-        return Failed(MAStatusCode::INPUT_NOT_GIVEN);
+        return FailedTau2(KXStatus(MAStatusCode::INPUT_NOT_GIVEN));
     if (!(ResidualDf(fit) > 0.0))
-        return Failed(MAStatusCode::TOO_FEW_ROWS);
+        return FailedTau2(KXStatus(MAStatusCode::TOO_FEW_ROWS));
     double sum = 0.0;
     for (std::size_t i = 0; i < RowCount(fit); ++i)
         sum += Square(fit.residuals[i]) - fit.leverageComplements[i] * fit.design.Rows().variances[i];
-    return ClosedForm(sum / ResidualDf(fit));
+    return ClosedFormTau2(sum / ResidualDf(fit));
 }
 
 MATau2Estimate HunterSchmidt(const MATau2Fit& fit)
@@ -66,37 +54,37 @@ MATau2Estimate HunterSchmidt(const MATau2Fit& fit)
     for (const double weight : weights)
         weightSum += weight;
     const double q = WeightedResidualSum(fit, weights);
-    return ClosedForm((q - static_cast<double>(RowCount(fit))) / weightSum);
+    return ClosedFormTau2((q - static_cast<double>(RowCount(fit))) / weightSum);
 }
 
 /// Without residual degrees of freedom the divisor is 0 but for rounding, and so is Q.
 MATau2Estimate DerSimonianLaird(const MATau2Fit& fit)
 {
     if (RowCount(fit) != fit.leverageComplements.size())
-        return Failed(MAStatusCode::INPUT_NOT_GIVEN);
+        return FailedTau2(KXStatus(MAStatusCode::INPUT_NOT_GIVEN));
     const std::span<const double> weights = fit.design.Rows().weights;
     double divisor = 0.0;
     for (std::size_t i = 0; i < RowCount(fit); ++i)
         divisor += fit.leverageComplements[i] * weights[i];
     const double df = ResidualDf(fit);
     const double q = WeightedResidualSum(fit, weights);
-    return ClosedForm(df == 0.0 || divisor == 0.0 ? 0.0 : (q - df) / divisor);
+    return ClosedFormTau2(df == 0.0 || divisor == 0.0 ? 0.0 : (q - df) / divisor);
 }
 
 MATau2Estimate SidikJonkman(const MATau2Fit& fit)
 {
     if (RowCount(fit) != fit.weights.size())
-        return Failed(MAStatusCode::INPUT_NOT_GIVEN);
+        return FailedTau2(KXStatus(MAStatusCode::INPUT_NOT_GIVEN));
     if (!(ResidualDf(fit) > 0.0))
-        return Failed(MAStatusCode::TOO_FEW_ROWS);
-    return ClosedForm(WeightedResidualSum(fit, fit.weights) / ResidualDf(fit));
+        return FailedTau2(KXStatus(MAStatusCode::TOO_FEW_ROWS));
+    return ClosedFormTau2(WeightedResidualSum(fit, fit.weights) / ResidualDf(fit));
 }
 
 /// Refits the regression at tau² and takes the sums of its residuals; of its leverages only where they are
 /// needed, for they cost O(p²) a row.
 MATau2StepSums StepSumsAt(MARegressionCurve& curve, double tau2, MAConst::TAU2ESTIMATOR estimator)
 {
-    const MAProjectionSums fitted = curve.SumsAt(tau2 / curve.Unit(), estimator == MAConst::TAU2_REML);
+    const MAProjectionSums fitted = curve.SumsAt(tau2 / curve.Unit(), NeedsTraces(estimator));
     MATau2StepSums sums;
     sums.unit = curve.Unit();
     sums.count = fitted.count;
@@ -127,7 +115,7 @@ MATau2Estimate Search(const MATau2Fit& fit, const MATau2Choice& choice, double s
 {
     const MARegSettings& settings = fit.design.GetSettings();
     if (!MAProgress(settings, settings.GetIterProgressListener()).Step())
-        return Failed(MAStatusCode::ITERATOR_FAILED);
+        return FailedTau2(KXStatus(MAStatusCode::ITERATOR_FAILED));
     MARegressionCurve curve(fit.design.Columns(), fit.design.Rows().variances,
                             LikelihoodOf(choice.estimator));
     MATau2Estimate estimate =
@@ -165,7 +153,7 @@ MATau2Estimate EstimateTau2(const MATau2Fit& fit, const MATau2Choice& choice)
     case MAConst::TAU2_EB:
         return Iterate(fit, choice);
     }
-    return Failed(MAStatusCode::TAU2_FAILED);
+    return FailedTau2(KXStatus(MAStatusCode::TAU2_FAILED));
 }
 
 } // namespace MA_NAMESPACE

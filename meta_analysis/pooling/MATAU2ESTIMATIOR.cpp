@@ -39,11 +39,8 @@ KXStatus MATAU2ESTIMATIOR::SetDesignMatrix(const MADesignMatrix* design)
 {
     if (status_.IsError())
         return status_;
-    if (design != nullptr) {
-        const int reduced = design->GetReducedParamSize();
-        if (StoreParameterCount(reduced != 0 ? reduced : design->GetParamSize()).IsError())
-            return status_;
-    }
+    if (design != nullptr && StoreParameterCount(design->GetParamSize()).IsError())
+        return status_;
     design_ = design;
     return status_;
 }

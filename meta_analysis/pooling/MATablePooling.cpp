@@ -3,6 +3,7 @@
 #include "meta_analysis/inference/MAHeterogeneity.h"
 #include "meta_analysis/inference/MAInference.h"
 #include "meta_analysis/pooling/MABinaryPooling.h"
+#include "meta_analysis/pooling/MAHomogeneity.h"
 #include "meta_analysis/pooling/MAPooledCounts.h"
 
 #include <cmath>
@@ -11,7 +12,9 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-MAEstimate AsRatio(const MAEstimate& onLogScale)
+/// The ratio of a pooled log ratio. Unlike in `StudyRatio` the standard error is the root of the exponential
+/// of the variance, and no value is missing.
+MAEstimate PooledRatio(const MAEstimate& onLogScale)
 {
     MAEstimate ratio;
     ratio.estimate = std::exp(onLogScale.estimate);
@@ -43,7 +46,7 @@ public:
 private:
     void Add(const MATable& table) { counts_.Add(table, correction_.Corrected(table)); }
     MATableEstimate Estimate(const MAPooledEffect& pooled) const;
-    void TestHomogeneity(std::size_t studyCount, MAPooledModel& model) const;
+    void SetHeterogeneity(std::size_t studyCount, MAPooledModel& model) const;
 
     std::span<const MATable> tables_;
     const MATablePoolingChoice& choice_;
@@ -60,7 +63,7 @@ MATableEstimate TablePool<Pooling>::Estimate(const MAPooledEffect& pooled) const
                                 NullOnTestScale<Pooling>(choice_.nullHypothesis), quantile_);
     result.correctedTables = pooled.correctedTables;
     if constexpr (Measure::onLogScale)
-        result.ratio = AsRatio(result.effect);
+        result.ratio = PooledRatio(result.effect);
     return result;
 }
 
@@ -83,12 +86,12 @@ MAPooledTables TablePool<Pooling>::PoolAll()
     }
     const std::size_t studyCount = tables_.size() - static_cast<std::size_t>(result.leftOutTables);
     if (studyCount >= 2)
-        TestHomogeneity(studyCount, result.model);
+        SetHeterogeneity(studyCount, result.model);
     return result;
 }
 
 template <class Pooling>
-void TablePool<Pooling>::TestHomogeneity(std::size_t studyCount, MAPooledModel& model) const
+void TablePool<Pooling>::SetHeterogeneity(std::size_t studyCount, MAPooledModel& model) const
 {
     double q = 0.0;
     for (const MATable& table : tables_) {
@@ -98,8 +101,7 @@ void TablePool<Pooling>::TestHomogeneity(std::size_t studyCount, MAPooledModel& 
         const double residual = EffectBy<Measure>(corrected).effect - model.effect.estimate;
         q += 1.0 / Measure::Variance(corrected) * (residual * residual);
     }
-    const int df = static_cast<int>(studyCount) - 1;
-    model.homogeneity = {q, df, HomogeneityPValue(q, df)};
+    model.homogeneity = TestHomogeneity(q, studyCount);
     model.heterogeneity = MeasureHeterogeneity(q, studyCount, quantile_);
 }
 

@@ -3,11 +3,11 @@
 #include "meta_analysis/pooling/MATau2Estimators.h"
 
 #include "meta_analysis/inference/MAWeightedMean.h"
+#include "meta_analysis/platform/common/Square.h"
 #include "meta_analysis/pooling/MAPooledCurve.h"
+#include "meta_analysis/pooling/MATau2Outcome.h"
 #include "meta_analysis/pooling/MATau2Search.h"
 #include "meta_analysis/pooling/MATau2Steps.h"
-
-#include <cmath>
 
 namespace MA_NAMESPACE {
 
@@ -36,7 +36,8 @@ ScaledMean ScaledMeanAt(const MAEffects& studies, double t)
     return {sums.Mean(), sums.weightSum / factor};
 }
 
-/// Expectation of the unweighted sum of squares (Hedges 1983, Psychological Bulletin 93, 388-395).
+/// Truncated at zero, for the iterative estimators start from it. Expectation of the unweighted sum of
+/// squares (Hedges 1983, Psychological Bulletin 93, 388-395).
 double HedgesTau2(const MAEffects& studies)
 {
     if (studies.Count() < 2)
@@ -57,7 +58,7 @@ double HunterSchmidtTau2(const MAEffects& studies)
 {
     const MAWeightedMean fixed = WeightedMean(studies, 0.0);
     const double q = ResidualSum(studies, fixed.Mean(), 0.0);
-    return TruncateAtZero((q - static_cast<double>(studies.Count())) / fixed.weightSum);
+    return (q - static_cast<double>(studies.Count())) / fixed.weightSum;
 }
 
 /// (Q - (k - 1)) / c with c = sum(w) - sum(w²) / sum(w), w = 1 / v, and 0 when c is 0.
@@ -67,7 +68,7 @@ double DerSimonianLairdTau2(const MAEffects& studies)
     const MAWeightedMean fixed = WeightedMean(studies, 0.0);
     const double q = CochranQ(studies, fixed.Mean());
     const double c = PairSum(studies, fixed.weightSum);
-    return c == 0.0 ? 0.0 : TruncateAtZero((q - (static_cast<double>(studies.Count()) - 1.0)) / c);
+    return c == 0.0 ? 0.0 : (q - (static_cast<double>(studies.Count()) - 1.0)) / c;
 }
 
 /// One step from the crude variance of the effects (Sidik and Jonkman 2005, Applied Statistics 54, 367-384).
@@ -86,7 +87,7 @@ double SidikJonkmanTau2(const MAEffects& studies)
     double sum = 0.0;
     for (std::size_t i = 0; i < studies.Count(); ++i)
         sum += Square(studies.effectSizes[i] - weighted.mean) * (crude / (crude + studies.variances[i]));
-    return TruncateAtZero(sum / (k - 1.0));
+    return sum / (k - 1.0);
 }
 
 /// P = W - W 1 1' W / sum(w) has the diagonal w (sum(w) - w) / sum(w). The traces are taken as sums of
@@ -129,79 +130,28 @@ MATau2Estimate Search(const MAEffects& studies, const MATau2Choice& choice)
     return estimate;
 }
 
-MATau2Estimate ClosedForm(double tau2)
-{
-    MATau2Estimate estimate;
-    estimate.tau2 = tau2;
-    return estimate;
-}
-
 } // namespace
 
 MATau2Estimate EstimateTau2(const MAEffects& studies, const MATau2Choice& choice)
 {
-    MATau2Estimate failed;
-    if (!studies.HaveEqualLengths()) {
-        failed.status = KXStatus(MAStatusCode::LENGTH_MISMATCH);
-        return failed;
-    }
+    if (!studies.HaveEqualLengths())
+        return FailedTau2(KXStatus(MAStatusCode::LENGTH_MISMATCH));
     switch (choice.estimator) {
     case MAConst::TAU2_HE:
-        return ClosedForm(HedgesTau2(studies));
+        return ClosedFormTau2(HedgesTau2(studies));
     case MAConst::TAU2_HS:
-        return ClosedForm(HunterSchmidtTau2(studies));
+        return ClosedFormTau2(HunterSchmidtTau2(studies));
     case MAConst::TAU2_DL:
-        return ClosedForm(DerSimonianLairdTau2(studies));
+        return ClosedFormTau2(DerSimonianLairdTau2(studies));
     case MAConst::TAU2_SJ:
-        return ClosedForm(SidikJonkmanTau2(studies));
+        return ClosedFormTau2(SidikJonkmanTau2(studies));
     case MAConst::TAU2_ML:
     case MAConst::TAU2_REML:
     case MAConst::TAU2_EB:
         return choice.search == MAConst::TAU2_SEARCH_GLOBAL ? Search(studies, choice)
                                                             : Score(studies, choice);
     }
-    failed.status = KXStatus(MAStatusCode::TAU2_FAILED);
-    return failed;
-}
-
-/// ML: the score of the profile likelihood over its information. REML: (y'PPy - tr P) / tr PP with
-/// P = W - WX(X'WX)⁻X'W. EB: Morris (1983), Journal of the American Statistical Association 78, 47-55.
-double ScoringStep(const MATau2StepSums& sums, MAConst::TAU2ESTIMATOR estimator, double rank)
-{
-    if (estimator == MAConst::TAU2_ML)
-        return (sums.w2r2 - sums.w1) / sums.w2;
-    if (estimator == MAConst::TAU2_EB)
-        return (sums.count / (sums.count - rank) * sums.wr2 - sums.count) / sums.w1;
-    return sums.tracePP == 0.0 ? 0.0 : (sums.w2r2 - sums.traceP) / sums.tracePP;
-}
-
-bool TakeStep(MATau2Estimate& estimate, double step, int maxStepHalving)
-{
-    double fraction = step;
-    for (int halvings = 0; std::isfinite(fraction); ++halvings) {
-        const double candidate = estimate.tau2 + fraction;
-        if (candidate >= 0.0) {
-            estimate.tau2 = candidate;
-            return true;
-        }
-        if (halvings > maxStepHalving) {
-            estimate.convergence = MAConst::TAU2_STEP_HALVING_FAILED;
-            return false;
-        }
-        fraction *= 0.5;
-    }
-    estimate.convergence = MAConst::TAU2_STEP_NOT_FINITE;
-    return false;
-}
-
-MATau2Estimate EstimateOf(const MATau2Solution& solution, double unit)
-{
-    MATau2Estimate estimate;
-    estimate.tau2 = solution.t * unit;
-    estimate.evaluations = solution.evaluations;
-    estimate.convergence =
-        std::isfinite(estimate.tau2) ? MAConst::TAU2_GLOBAL_OPTIMUM : MAConst::TAU2_STEP_NOT_FINITE;
-    return estimate;
+    return FailedTau2(KXStatus(MAStatusCode::TAU2_FAILED));
 }
 
 } // namespace MA_NAMESPACE

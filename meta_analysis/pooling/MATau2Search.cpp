@@ -21,8 +21,8 @@ constexpr double roundingSteps = 1e-11;
 /// The residual sum of squares is counted larger by this share where it serves as a bound.
 constexpr double boundSlack = 1e-8;
 
-/// Of the residual sum of squares, in units of about the smallest variance: with larger ones products of
-/// weights vanish beside 1 / tau², and the search would take what is left for a proof.
+/// The search accepts no larger residual sum of squares, in units near the smallest variance. Beyond it
+/// products of weights underflow beside 1 / tau², and a maximum would be proved from rounding errors.
 constexpr double greatestResidualSum = 1e150;
 
 /// Beyond it A < B, from A <= residualSum / (v_min + t)² and B >= traceSize / (v_max + t).
@@ -321,8 +321,26 @@ MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess, 
 MATau2Solution SolveTau2(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess,
                          double precision)
 {
-    return estimator == MAConst::TAU2_EB ? FindQRoot(curve, curve.Bounds().residualDf, guess, precision)
-                                         : FindLikelihoodMaximum(curve, guess, precision);
+    switch (MethodOf(estimator)) {
+    case MATau2Method::FullLikelihood:
+    case MATau2Method::RestrictedLikelihood:
+        return FindLikelihoodMaximum(curve, guess, precision);
+    case MATau2Method::QRoot:
+        return FindQRoot(curve, curve.Bounds().residualDf, guess, precision);
+    case MATau2Method::ClosedForm:
+        break;
+    }
+    return {std::numeric_limits<double>::quiet_NaN(), 0};
+}
+
+MATau2Estimate EstimateOf(const MATau2Solution& solution, double unit)
+{
+    MATau2Estimate estimate;
+    estimate.tau2 = solution.t * unit;
+    estimate.evaluations = solution.evaluations;
+    estimate.convergence =
+        std::isfinite(estimate.tau2) ? MAConst::TAU2_GLOBAL_OPTIMUM : MAConst::TAU2_STEP_NOT_FINITE;
+    return estimate;
 }
 
 } // namespace MA_NAMESPACE

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/pooling/MALikelihoodCurve.h"
+#include "meta_analysis/pooling/MATau2Estimate.h"
 #include "meta_analysis/settings/MAConst.h"
 
 #include <array>
@@ -36,6 +37,9 @@ MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess, 
 /// The estimate that `estimator` (ML, REML or EB) defines; `curve` is of the likelihood that goes with it.
 MATau2Solution SolveTau2(MALikelihoodCurve& curve, MAConst::TAU2ESTIMATOR estimator, double guess,
                          double precision = 0.0);
+
+/// The estimate that a search ended at; `unit` is that of its curve.
+MATau2Estimate EstimateOf(const MATau2Solution& solution, double unit);
 
 /// Precision of a search that another estimate is compared with, beside the hundredth that counts there.
 constexpr double comparingPrecision = 1e-6;

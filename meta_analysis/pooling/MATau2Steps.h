@@ -8,19 +8,6 @@
 
 namespace MA_NAMESPACE {
 
-struct MATau2Solution;
-
-/// What is not greater than 0, a NaN included, becomes 0.
-inline double TruncateAtZero(double tau2)
-{
-    return tau2 > 0.0 ? tau2 : 0.0;
-}
-
-inline double Square(double x)
-{
-    return x * x;
-}
-
 /// What the iterative estimators take from the data at the current tau², with w = 1 / (v + tau²), residuals r
 /// and leverages h.
 struct MATau2StepSums
@@ -28,13 +15,12 @@ struct MATau2StepSums
     bool isCancelled = false; ///< by the host
     double unit = 1.0;        ///< of the variances that the sums are counted in
     double count = 0.0;
-    double w1 = 0.0;     ///< sum(w)
-    double w2 = 0.0;     ///< sum(w²)
-    double wr2 = 0.0;    ///< sum(w r²)
-    double w2r2 = 0.0;   ///< sum(w² r²)
-    double traceP = 0.0; ///< tr P = sum((1 - h) w), P the weighted residual projection; for REML
-    double tracePP =
-        0.0; ///< tr PP = sum((1 - 2h) w²) + sum(w² g), g the diagonal of the squared hat quantity
+    double w1 = 0.0;      ///< sum(w)
+    double w2 = 0.0;      ///< sum(w²)
+    double wr2 = 0.0;     ///< sum(w r²)
+    double w2r2 = 0.0;    ///< sum(w² r²)
+    double traceP = 0.0;  ///< tr P = sum((1 - h) w), with P = W - WX(X'WX)⁻X'W; taken by REML alone
+    double tracePP = 0.0; ///< tr PP, twice the expected information of REML about tau²
 
     void Add(double weight, double residual)
     {
@@ -48,15 +34,16 @@ struct MATau2StepSums
     }
 };
 
-/// The scoring step of tau², in the unit of the sums, for `rank` independent coefficients.
+/// The scoring step of tau², in the unit of the sums, for `rank` independent coefficients; NaN for an
+/// estimator in closed form.
 double ScoringStep(const MATau2StepSums& sums, MAConst::TAU2ESTIMATOR estimator, double rank);
+
+/// Whether the step takes `traceP` and `tracePP`.
+bool NeedsTraces(MAConst::TAU2ESTIMATOR estimator);
 
 /// Moves tau² by the step, halved until tau² stays >= 0, at most one time more than the limit. False, tau²
 /// unchanged and the reason recorded, when that does not help.
 bool TakeStep(MATau2Estimate& estimate, double step, int maxStepHalving);
-
-/// The estimate that a search ended at, in the unit of its curve.
-MATau2Estimate EstimateOf(const MATau2Solution& solution, double unit);
 
 /// Scoring from `start`. Ends at the iteration limit, when the host cancels (ITERATOR_FAILED), below the
 /// tolerance (that last small step is not taken), or when no halving makes the step usable, which a NaN or

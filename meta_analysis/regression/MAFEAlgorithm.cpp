@@ -45,9 +45,7 @@ void Describe(const MARegTask& task, MARegBuild& build)
     }
     if (task.use == MARegUse::BubblePlot)
         return;
-    const bool useStudentT =
-        settings.IsKnapHartAdjust() || settings.GetTestDistType() == MAConst::TEST_STUDENT_T;
-    build.results.tests = TestCoefficients(fit, build.scale, useStudentT);
+    build.results.tests = TestCoefficients(fit, build.scale, UsesStudentT(settings));
     if (task.use == MARegUse::SmallStudyTest)
         return;
     build.results.wald = WaldTest(fit, build.results.dispersion);

@@ -22,17 +22,6 @@ namespace {
 /// less.
 constexpr double negligible = 1e-12;
 
-/// `unknownEstimator` for a code that is none.
-MAConst::TAU2ESTIMATOR EstimatorOf(const MARegSettings& settings)
-{
-    return static_cast<MAConst::TAU2ESTIMATOR>(EstimatorOfCode(settings.GetEstTauType()));
-}
-
-bool UsesStudentT(const MARegSettings& settings)
-{
-    return settings.IsKnapHartAdjust() || settings.GetTestDistType() == MAConst::TEST_STUDENT_T;
-}
-
 /// Scale of the covariance after Knapp and Hartung. Without residual degrees of freedom there is no factor,
 /// and the truncated one is 1.
 double KnappHartungScale(const MARegFit& fit, bool truncated)
@@ -137,7 +126,7 @@ MAREAlgorithm::~MAREAlgorithm() = default;
 
 int MAREAlgorithm::GetEstTauType() const
 {
-    return EstimatorOfCode(GetSettings().GetEstTauType());
+    return EstimatorOf(GetSettings());
 }
 
 KXStatus MAREAlgorithm::BuildModel(MultiPassRecordIter& records)

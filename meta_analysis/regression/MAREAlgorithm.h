@@ -18,8 +18,8 @@ public:
 
     KXStatus BuildModel(MultiPassRecordIter& records) override;
 
-    /// Number of the settings' estimator code in `MAConst::TAU2ESTIMATOR`; 7, with which tau² stays 0, for a
-    /// code that is none of theirs.
+    /// Number of the settings' estimator code in `MAConst::TAU2ESTIMATOR`; `unknownEstimator`, with which
+    /// tau² stays 0, for a code that is none of theirs.
     int GetEstTauType() const;
 };
 

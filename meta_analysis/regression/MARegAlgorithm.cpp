@@ -60,16 +60,9 @@ struct MARegAlgorithm::State
         return usedByRegBaseTest ? MARegUse::SmallStudyTest : MARegUse::Model;
     }
 
-    /// Adds a warning to the list; an error becomes the status. True when the build can go on.
-    bool Passed(const KXStatus& passed)
-    {
-        AppendNewWarning(passed, warnings);
-        if (passed.IsError())
-            status = passed;
-        return !passed.IsError();
-    }
+    bool Passed(const KXStatus& passed) { return RecordStatus(passed, status, warnings); }
 
-    /// Takes down the model, so that nothing of it stands beside another's results.
+    /// Discards the fitted model and its results, and keeps the parameters.
     void ForgetModel() noexcept
     {
         fit.reset();

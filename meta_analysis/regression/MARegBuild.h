@@ -4,11 +4,22 @@
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/regression/MARegResults.h"
 #include "meta_analysis/regression/MARegTests.h"
+#include "meta_analysis/settings/MAWarnings.h"
 
 #include <memory>
 #include <vector>
 
 namespace MA_NAMESPACE {
+
+/// Records a status on the way of a build: a warning joins the list unless it is there already; an error
+/// becomes the status. True when the build can go on.
+inline bool RecordStatus(const KXStatus& passed, KXStatus& status, std::vector<KXStatus>& warnings)
+{
+    AppendNewWarning(passed, warnings);
+    if (passed.IsError())
+        status = passed;
+    return !passed.IsError();
+}
 
 /// How much of a model a build yields.
 enum class MARegUse
@@ -27,6 +38,12 @@ struct MARegTask
     const MARegSettings& Settings() const { return design.GetSettings(); }
 };
 
+/// Whether the coefficients are tested by Student's t: always under the Knapp-Hartung adjustment.
+inline bool UsesStudentT(const MARegSettings& settings)
+{
+    return settings.IsKnapHartAdjust() || settings.GetTestDistType() == MAConst::TEST_STUDENT_T;
+}
+
 /// A fitted model: its results, and what predicts from it. The fit refers to the design of the task.
 struct MARegBuild
 {
@@ -37,15 +54,7 @@ struct MARegBuild
     double scale = 1.0;         ///< of the covariance of the coefficients
     double criticalValue = 0.0; ///< of predictions
 
-    /// Adds a warning; an error becomes the status. True when the build can go on.
-    bool Passed(const KXStatus& passed)
-    {
-        if (passed.IsWarning())
-            warnings.push_back(passed);
-        if (passed.IsError())
-            status = passed;
-        return !passed.IsError();
-    }
+    bool Passed(const KXStatus& passed) { return RecordStatus(passed, status, warnings); }
 
     /// Fits, and stores the coefficients.
     bool Fit(const MADesignMatrix& design, MAWeightMode mode, double tau2)

@@ -75,7 +75,7 @@ void MARegFit::ComputeCoefficients()
     }
 }
 
-/// Of d'g: |R'⁻¹d|.
+/// The standard error of d'g before scaling: |R'⁻¹d|.
 double MARegFit::StdErrorOf(std::vector<double> direction) const
 {
     SolveTransposed(factor_, direction.data());

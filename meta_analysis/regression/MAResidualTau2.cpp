@@ -2,6 +2,7 @@
 
 #include "meta_analysis/pooling/MARegressionTau2.h"
 #include "meta_analysis/pooling/MATau2Estimators.h"
+#include "meta_analysis/pooling/MATau2Outcome.h"
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -14,16 +15,9 @@ namespace {
 
 constexpr MATau2Estimate noVariance = {KXStatus(), 0.0, MAConst::TAU2_CLOSED_FORM, 0};
 
-MATau2Estimate Failed(const KXStatus& status)
-{
-    MATau2Estimate failed;
-    failed.status = status;
-    return failed;
-}
-
 MATau2Choice ChoiceOf(const MARegSettings& settings)
 {
-    const auto estimator = static_cast<MAConst::TAU2ESTIMATOR>(EstimatorOfCode(settings.GetEstTauType()));
+    const MAConst::TAU2ESTIMATOR estimator = EstimatorOf(settings);
     return {
         estimator,
         {settings.GetMaxIterations(), settings.GetMaxStepHalvingValue(), settings.GetParameterTolerance()},
@@ -53,7 +47,7 @@ MATau2Estimate EstimateByFit(const MADesignMatrix& design, MAWeightMode mode)
     MARegFit fit(design, mode);
     const KXStatus fitted = fit.Fit();
     if (fitted.IsError())
-        return Failed(fitted);
+        return FailedTau2(fitted);
     return EstimateFrom(fit);
 }
 
@@ -78,14 +72,14 @@ double CrudeVariance(const MADesignRows& rows)
 MATau2Estimate EstimateBySidikJonkman(const MADesignMatrix& design)
 {
     if (design.Rows().Count() == 1)
-        return Failed(KXStatus(MAStatusCode::ONE_USABLE_STUDY));
+        return FailedTau2(KXStatus(MAStatusCode::ONE_USABLE_STUDY));
     const double crude = CrudeVariance(design.Rows());
     if (crude == 0.0)
         return noVariance;
     MARegFit fit(design, MAWeightMode::ScaledRandom, crude);
     const KXStatus fitted = fit.Fit();
     if (fitted.IsError())
-        return Failed(fitted);
+        return FailedTau2(fitted);
     return EstimateFrom(fit);
 }
 

@@ -189,4 +189,7 @@ enum OMGWeightType : int
     OMEGA_STD_ERROR = 2
 };
 
+/// The group label of the model of all studies, where results of subgroups and of all studies stand together.
+inline constexpr double overallGroup = -1.0;
+
 } // namespace MAConst

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/settings/MAConst.h"
+#include "meta_analysis/settings/MARegSettings.h"
 
 #include <algorithm>
 #include <cstring>
@@ -8,49 +9,94 @@
 
 namespace MA_NAMESPACE {
 
+/// How an estimator finds the between-study variance.
+enum class MATau2Method
+{
+    ClosedForm,
+    FullLikelihood,       ///< the maximum of the likelihood of the data
+    RestrictedLikelihood, ///< the maximum of the likelihood of their residuals
+    QRoot                 ///< where the generalized Q statistic equals its expectation
+};
+
 /// An estimator of the between-study variance.
 struct MAEstimator
 {
     const char* code; ///< by which regression settings name it
     MAConst::TAU2ESTIMATOR type;
-    bool isIterative;   ///< found by iteration or search, and not in closed form
-    bool hasLikelihood; ///< maximises a likelihood
+    MATau2Method method;
 };
 
-/// Each estimator stands at the position that is its number.
+/// Each estimator stands at the position that is its number, which the assertion below checks.
 inline constexpr MAEstimator allEstimators[] = {
-    {"HE", MAConst::TAU2_HE, false, false}, {"HS", MAConst::TAU2_HS, false, false},
-    {"DL", MAConst::TAU2_DL, false, false}, {"SJ", MAConst::TAU2_SJ, false, false},
-    {"ML", MAConst::TAU2_ML, true, true},   {"REML", MAConst::TAU2_REML, true, true},
-    {"EB", MAConst::TAU2_EB, true, false},
+    {"HE", MAConst::TAU2_HE, MATau2Method::ClosedForm},
+    {"HS", MAConst::TAU2_HS, MATau2Method::ClosedForm},
+    {"DL", MAConst::TAU2_DL, MATau2Method::ClosedForm},
+    {"SJ", MAConst::TAU2_SJ, MATau2Method::ClosedForm},
+    {"ML", MAConst::TAU2_ML, MATau2Method::FullLikelihood},
+    {"REML", MAConst::TAU2_REML, MATau2Method::RestrictedLikelihood},
+    {"EB", MAConst::TAU2_EB, MATau2Method::QRoot},
 };
 inline constexpr int estimatorCount = sizeof allEstimators / sizeof *allEstimators;
 
-/// The number of a code that is none of the known ones.
-inline constexpr int unknownEstimator = estimatorCount;
+/// Stands for a code that is none of the known ones; outside the enumeration.
+inline constexpr auto unknownEstimator = static_cast<MAConst::TAU2ESTIMATOR>(estimatorCount);
 
+/// Whether the number is one of the enumeration. The compiler warns of an enumerator that is missing here.
 constexpr bool IsEstimator(MAConst::TAU2ESTIMATOR type)
 {
-    return type >= 0 && type < estimatorCount;
+    switch (type) {
+    case MAConst::TAU2_HE:
+    case MAConst::TAU2_HS:
+    case MAConst::TAU2_DL:
+    case MAConst::TAU2_SJ:
+    case MAConst::TAU2_ML:
+    case MAConst::TAU2_REML:
+    case MAConst::TAU2_EB:
+        return true;
+    }
+    return false;
 }
 
-/// The number of the estimator with this code.
-inline int EstimatorOfCode(const char* code)
+constexpr bool EachEstimatorHasItsRow()
+{
+    for (int i = 0; i < estimatorCount; ++i)
+        if (allEstimators[i].type != i || !IsEstimator(allEstimators[i].type))
+            return false;
+    return !IsEstimator(unknownEstimator);
+}
+static_assert(EachEstimatorHasItsRow());
+
+/// The estimator with this code; `unknownEstimator` when there is none.
+inline MAConst::TAU2ESTIMATOR EstimatorOfCode(const char* code)
 {
     const auto found = std::find_if(std::begin(allEstimators), std::end(allEstimators),
                                     [&](const MAEstimator& e) { return std::strcmp(e.code, code) == 0; });
-    return static_cast<int>(found - std::begin(allEstimators));
+    return found == std::end(allEstimators) ? unknownEstimator : found->type;
 }
 
-/// False for a number outside the enumeration, as `IsIterative` is.
+/// The estimator that the settings name by its code.
+inline MAConst::TAU2ESTIMATOR EstimatorOf(const MARegSettings& settings)
+{
+    return EstimatorOfCode(settings.GetEstTauType());
+}
+
+/// A number outside the enumeration estimates nothing and counts as closed.
+constexpr MATau2Method MethodOf(MAConst::TAU2ESTIMATOR type)
+{
+    return IsEstimator(type) ? allEstimators[type].method : MATau2Method::ClosedForm;
+}
+
+/// Whether the estimator maximises a likelihood.
 constexpr bool HasLikelihood(MAConst::TAU2ESTIMATOR type)
 {
-    return IsEstimator(type) && allEstimators[type].hasLikelihood;
+    const MATau2Method method = MethodOf(type);
+    return method == MATau2Method::FullLikelihood || method == MATau2Method::RestrictedLikelihood;
 }
 
+/// Whether the estimator iterates or searches.
 constexpr bool IsIterative(MAConst::TAU2ESTIMATOR type)
 {
-    return IsEstimator(type) && allEstimators[type].isIterative;
+    return MethodOf(type) != MATau2Method::ClosedForm;
 }
 
 } // namespace MA_NAMESPACE

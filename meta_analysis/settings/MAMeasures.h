@@ -9,10 +9,10 @@ struct MAMeasure
 {
     MAConst::BINESTYPE type;
     bool onLogScale;     ///< analysed on the log scale, as ratios are
-    bool hasGroupValues; ///< compares one value of each group, which a L'Abbe plot shows
+    bool comparesGroups; ///< compares one value of each group, which a L'Abbe plot shows
 };
 
-/// Each measure stands at the position that is its number.
+/// Each measure stands at the position that is its number, which the assertion below checks.
 inline constexpr MAMeasure allMeasures[] = {
     {MAConst::BIN_ODDS_RATIO, true, true},
     {MAConst::BIN_PETO_ODDS_RATIO, true, false},
@@ -21,10 +21,27 @@ inline constexpr MAMeasure allMeasures[] = {
 };
 inline constexpr int measureCount = sizeof allMeasures / sizeof *allMeasures;
 
+/// Whether the number is one of the enumeration. The compiler warns of an enumerator that is missing here.
 constexpr bool IsMeasure(MAConst::BINESTYPE type)
 {
-    return type >= 0 && type < measureCount;
+    switch (type) {
+    case MAConst::BIN_ODDS_RATIO:
+    case MAConst::BIN_PETO_ODDS_RATIO:
+    case MAConst::BIN_RISK_RATIO:
+    case MAConst::BIN_RISK_DIFFERENCE:
+        return true;
+    }
+    return false;
 }
+
+constexpr bool EachMeasureHasItsRow()
+{
+    for (int i = 0; i < measureCount; ++i)
+        if (allMeasures[i].type != i || !IsMeasure(allMeasures[i].type))
+            return false;
+    return !IsMeasure(static_cast<MAConst::BINESTYPE>(measureCount));
+}
+static_assert(EachMeasureHasItsRow());
 
 /// A number outside the enumeration counts as a ratio.
 constexpr bool IsOnLogScale(MAConst::BINESTYPE type)
@@ -32,9 +49,18 @@ constexpr bool IsOnLogScale(MAConst::BINESTYPE type)
     return !IsMeasure(type) || allMeasures[type].onLogScale;
 }
 
-constexpr bool HasGroupValues(MAConst::BINESTYPE type)
+/// Whether the measure compares one value of each group: its odds, or its risk.
+constexpr bool ComparesGroups(MAConst::BINESTYPE type)
 {
-    return IsMeasure(type) && allMeasures[type].hasGroupValues;
+    return IsMeasure(type) && allMeasures[type].comparesGroups;
+}
+
+/// Whether an analysis of binary outcomes pools the counts of the tables (Mantel-Haenszel or Peto) instead of
+/// the effect sizes of the studies: a fixed-effect model of raw tables with the weights of these methods.
+constexpr bool PoolsCounts(MAConst::MODELTYPE model, MAConst::WEIGHTYPE weights, MAConst::INPUTESTYPE input)
+{
+    return model == MAConst::MODEL_FIXED && weights == MAConst::WEIGHT_BINARY_FIXED &&
+           input == MAConst::INPUT_RAW;
 }
 
 } // namespace MA_NAMESPACE

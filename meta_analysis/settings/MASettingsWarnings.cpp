@@ -1,6 +1,7 @@
 #include "meta_analysis/settings/MASettingsWarnings.h"
 
 #include "meta_analysis/settings/MAEstimators.h"
+#include "meta_analysis/settings/MAMeasures.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 namespace MA_NAMESPACE {
@@ -69,11 +70,6 @@ bool LacksInterval(MAConst::TAU2ESTIMATOR estimator, MAConst::TAU2INTERVAL inter
     return interval == MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD && !HasLikelihood(estimator);
 }
 
-MAConst::TAU2ESTIMATOR EstimatorOf(const MARegSettings& settings)
-{
-    return static_cast<MAConst::TAU2ESTIMATOR>(EstimatorOfCode(settings.GetEstTauType()));
-}
-
 /// Whether a model of the run, or of its trimming, estimates tau² by iteration.
 bool HasIterations(const MAModelSettings& settings)
 {
@@ -120,9 +116,9 @@ constexpr Rule<Run> rulesOfRuns[] = {
 /// negative.
 bool HasImpossibleRatio(const MAModelSettings& settings)
 {
-    const bool poolsRatios = IsFixed(settings) && settings.GetWeightType() == MAConst::WEIGHT_BINARY_FIXED &&
-                             settings.GetInputESType() == MAConst::INPUT_RAW &&
-                             settings.GetBinaryEstType() != MAConst::BIN_RISK_DIFFERENCE;
+    const bool poolsRatios =
+        PoolsCounts(settings.GetModelType(), settings.GetWeightType(), settings.GetInputESType()) &&
+        IsOnLogScale(settings.GetBinaryEstType());
     return poolsRatios && !(settings.GetNullHypothesis() >= 0.0);
 }
 

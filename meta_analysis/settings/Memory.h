@@ -23,6 +23,8 @@
 #include <utility>
 #include <vector>
 
+namespace MA_NAMESPACE {
+
 /// The copy of a result that a getter returns; empty when memory runs out.
 template <class Value>
 Value CopyOf(const Value& value) noexcept
@@ -56,8 +58,6 @@ auto FieldOf(const std::vector<Row>& rows, Field field) noexcept -> decltype(Val
         return {};
     }
 }
-
-namespace MA_NAMESPACE {
 
 /// Runs an operation that returns a status, turns what it throws into an error, and stores that error as the
 /// object's status.

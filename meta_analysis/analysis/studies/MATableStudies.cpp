@@ -95,7 +95,7 @@ void AppendEffect(const MATable& corrected, double quantile, MAStudies& studies)
     studies.tests.push_back(TestOf(estimate));
     if constexpr (Measure::onLogScale)
         studies.ratios.push_back(
-            StudyRatioOf(AsRatio(estimate, Measure::NaturalEffect(corrected, study.effect))));
+            StudyRatioOf(StudyRatio(estimate, Measure::NaturalEffect(corrected, study.effect))));
     if constexpr (Measure::hasGroups)
         studies.groupOutcomes.push_back({study.groups.control, study.groups.treatment});
 }

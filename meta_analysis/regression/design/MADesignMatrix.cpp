@@ -54,14 +54,12 @@ MADesignMatrix::MADesignMatrix(const MARegSettings& settings)
       dependent_(DependentStrategy(settings)),
       omegaWeight_(OmegaWeightStrategy(settings)),
       factorCounts_(factors_, factorSizes_, settings.GetFreqWeightVar(), settings.GetDependent()),
-      effectFactorCounts_(settings.GetEffectFactors(), settings.GetEffectFactorSizes(),
-                          settings.GetFreqWeightVar(), settings.GetDependent()),
       statistics_(covariates_, -1, settings.GetRegrWeightVar(), settings.GetFreqWeightVar(),
                   settings.GetDependent()),
       hasIntercept_(settings.GetInterceptUse())
 {
     for (const KXModelEffect& effect : settings.GetModelEffects())
-        effects_.emplace_back(effect, factors_, factorSizes_);
+        effects_.emplace_back(effect);
 }
 
 MADesignMatrix::~MADesignMatrix() = default;
@@ -133,7 +131,6 @@ void MADesignMatrix::CountLevels(const Record& record)
     for (MADesignMatrixEffect& effect : effects_)
         effect.CollectLevels(record);
     factorCounts_.Update(record);
-    effectFactorCounts_.Update(record);
 }
 
 KXStatus MADesignMatrix::ReadFirstPass(MultiPassRecordIter& records)

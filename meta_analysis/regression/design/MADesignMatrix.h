@@ -18,19 +18,6 @@ namespace MA_NAMESPACE {
 
 class MAOrthonormalColumns;
 
-/// The usable rows of a meta-regression in one contiguous block: k rows of p predictors and the dependent.
-struct MADesignRows
-{
-    std::size_t columnCount = 0;   ///< p
-    std::vector<double> cells;     ///< row after row; each the p predictors, then the dependent
-    std::vector<double> weights;   ///< omega weight of each row: finite and positive
-    std::vector<double> variances; ///< their inverses, kept because every iteration needs them
-
-    std::size_t Count() const { return weights.size(); }
-    const double* Row(std::size_t i) const { return cells.data() + i * (columnCount + 1); }
-    double Dependent(std::size_t i) const { return Row(i)[columnCount]; }
-};
-
 /// Turns records into the rows of a weighted regression: an intercept column where the settings ask for one,
 /// then the columns of the model effects, in order; the dependent value; and the omega weight.
 ///
@@ -90,16 +77,11 @@ public:
 
     const MARegSettings& GetSettings() const { return *settings_; }
     int GetParamSize() const { return paramSize_; }
-    /// Number of columns when some were taken out of the matrix; 0: none ever are.
-    int GetReducedParamSize() const { return 0; }
     bool HasIntercept() const { return hasIntercept_; }
     const std::vector<MADesignMatrixEffect>& GetEffects() const { return effects_; }
-    const MADataStats& GetDataStats() const { return statistics_; }
-    /// Counts over the factors of the settings, and over those that the model effects use.
+    /// Counts over the factors of the settings.
     const KXFactorCounts& GetFactorCounts() const { return factorCounts_; }
-    const KXFactorCounts& GetEffectFactorCounts() const { return effectFactorCounts_; }
     long GetTotalRecords() const { return totalRecords_; }
-    long GetCompleteRecords() const { return completeRecords_; }
 
 private:
     bool HasDependentAndWeight(const Record& record) const;
@@ -120,7 +102,6 @@ private:
     std::unique_ptr<MADPSingle> dependent_; ///< null without a dependent
     std::unique_ptr<IMAOWStrategy> omegaWeight_;
     KXFactorCounts factorCounts_;
-    KXFactorCounts effectFactorCounts_;
     MADataStats statistics_;
     long totalRecords_ = 0;
     long completeRecords_ = 0;

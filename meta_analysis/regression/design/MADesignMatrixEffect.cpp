@@ -11,19 +11,13 @@
 
 namespace MA_NAMESPACE {
 
-MADesignMatrixEffect::MADesignMatrixEffect(const KXModelEffect& effect, const std::vector<int>& factors,
-                                           const std::vector<int>& factorSizes)
+MADesignMatrixEffect::MADesignMatrixEffect(const KXModelEffect& effect)
     : factors_(effect.GetFactors()),
       covariates_(effect.GetCovariates()),
       multiplicities_(effect.GetCovMultiplicities())
 {
     if (factors_.empty() && covariates_.size() == 1 && multiplicities_.front() == 1)
         soleCovariate_ = covariates_.front();
-    for (const int factor : factors_) {
-        const auto found = std::find(factors.begin(), factors.end(), factor);
-        cellCount_ *=
-            found == factors.end() ? 0 : factorSizes[static_cast<std::size_t>(found - factors.begin())];
-    }
 }
 
 void MADesignMatrixEffect::CollectLevels(const Record& record)

@@ -20,9 +20,7 @@ namespace MA_NAMESPACE {
 class MADesignMatrixEffect
 {
 public:
-    /// `factors` and `factorSizes`: the factors of the settings with their numbers of levels.
-    MADesignMatrixEffect(const KXModelEffect& effect, const std::vector<int>& factors,
-                         const std::vector<int>& factorSizes);
+    explicit MADesignMatrixEffect(const KXModelEffect& effect);
 
     /// First pass: records the combination of levels of the record.
     void CollectLevels(const Record& record);
@@ -38,8 +36,6 @@ public:
     bool HasFactors() const { return !factors_.empty(); }
     int GetStart() const { return start_; }
     int GetSize() const { return size_; }
-    /// Number of conceivable combinations of levels; 1 without factors.
-    double GetCellCount() const { return cellCount_; }
     /// The combinations that occur, in column order; empty without factors.
     const std::vector<std::vector<int>>& GetCombinations() const { return combinations_; }
 
@@ -55,7 +51,6 @@ private:
     std::vector<int> covariates_;
     std::vector<int> multiplicities_;
     int soleCovariate_ = -1; ///< of an effect that is one covariate as it stands, which most are
-    double cellCount_ = 1.0;
     int start_ = -1;
     int size_ = 1;
     std::set<std::vector<int>> collected_; ///< during the first pass

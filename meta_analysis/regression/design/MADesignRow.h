@@ -33,4 +33,17 @@ struct MADesignRow
     }
 };
 
+/// The usable rows of a meta-regression in one contiguous block: k rows of p predictors and the dependent.
+struct MADesignRows
+{
+    std::size_t columnCount = 0;   ///< p
+    std::vector<double> cells;     ///< row after row; each the p predictors, then the dependent
+    std::vector<double> weights;   ///< omega weight of each row: finite and positive
+    std::vector<double> variances; ///< their inverses, kept because every iteration needs them
+
+    std::size_t Count() const { return weights.size(); }
+    const double* Row(std::size_t i) const { return cells.data() + i * (columnCount + 1); }
+    double Dependent(std::size_t i) const { return Row(i)[columnCount]; }
+};
+
 } // namespace MA_NAMESPACE

@@ -1,6 +1,6 @@
 #include "meta_analysis/regression/design/MAOrthonormalColumns.h"
 
-#include "meta_analysis/regression/design/MADesignMatrix.h"
+#include "meta_analysis/regression/design/MADesignRow.h"
 
 #include <algorithm>
 #include <cmath>

@@ -1,5 +1,7 @@
 #include "meta_analysis/regression/design/MAWeightedFit.h"
 
+#include "meta_analysis/platform/common/Square.h"
+
 #include <cmath>
 #include <limits>
 

@@ -84,7 +84,6 @@ private:
     /// A pivot or a difference may lose six of 53 bits before the rows take other coordinates.
     static constexpr double smallestShare = 1.0 / 64.0;
 
-    static double Square(double x) { return x * x; }
     bool HasBasicRows() const { return !basic_.rows.empty(); }
     bool IsExact(const MAProjectionSums& sums, bool withTraces) const;
     void Solve(bool withSquares);

@@ -1,5 +1,6 @@
 // Sums over the rows of a weighted fit.
 
+#include "meta_analysis/platform/common/Square.h"
 #include "meta_analysis/regression/design/MAWeightedFit.h"
 
 #include <array>

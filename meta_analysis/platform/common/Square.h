@@ -1,0 +1,6 @@
+#pragma once
+
+constexpr double Square(double x)
+{
+    return x * x;
+}
