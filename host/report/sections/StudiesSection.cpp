@@ -20,6 +20,7 @@ std::vector<std::string> GroupsOf(const std::vector<int>& records, const Analysi
         for (const int record : members[group])
             groups.emplace(record, group);
     std::vector<std::string> labels;
+    labels.reserve(records.size());
     for (const int record : records)
         labels.push_back(data.groupLabels[groups.at(record)]);
     return labels;
