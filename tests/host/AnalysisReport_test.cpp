@@ -2,6 +2,11 @@
 
 #include "host/RunProgram.h"
 
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <fmt/format.h>
+
+using namespace MA_NAMESPACE;
 using testing::ContainsRegex;
 
 namespace {
@@ -135,7 +140,7 @@ TEST(AnalysisReport, NamesBothValuesWhenScoringMissesTheEstimate)
                  "2.690687,3.638258,0.708595\n0.731744,0.016879,0.445024\n2.31175,0.00968,2.888549\n"
                  "0.109614,0.013116,0.014565\n0.858999,2.818472,0.855125\n-2.844727,10,-0.462562\n");
     const Arguments regression = Regression(moderated) + "--covariate x --tau2 ml";
-    const std::string doubt = "\n460100: [^\n]*: at 0\\.";
+    const std::string doubt = fmt::format("\n{}: [^\n]*: at 0\\.", MAStatusCode::TAU2_DOUBTFUL);
     ExpectShown({
         {Effects(effects) + "--preset library",
          "Preset\nlibrary: --tau2-search scoring, .*reached --max-iterations .*" + doubt +

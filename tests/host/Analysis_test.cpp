@@ -2,6 +2,11 @@
 
 #include "host/PublishedFigure.h"
 
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <fmt/format.h>
+
+using namespace MA_NAMESPACE;
 using nlohmann::json;
 using testing::HasSubstr;
 
@@ -50,10 +55,11 @@ TEST(Analysis, KeepsTheMainResultsWhenTheSmallStudyTestFails)
     const ProgramRun run =
         RunProgram(Effects(two) + Arguments{"--small-study-test", "0", "--json", folder.PathOf("json")});
     EXPECT_EQ(run.exitStatus, 1);
-    EXPECT_THAT(run.errors, HasSubstr("meta-analysis: error 460028: "));
+    EXPECT_THAT(run.errors,
+                HasSubstr(fmt::format("meta-analysis: error {}: ", MAStatusCode::TOO_FEW_FOR_TEST)));
     EXPECT_THAT(run.output, AllOf(HasSubstr("\nPooled effect\n"), HasSubstr("The test asked for failed: ")));
     const json report = json::parse(folder.Read("json"));
-    EXPECT_EQ(report["status"], json::parse(R"({"code": 460028, "kind": "error"})"));
+    EXPECT_EQ(report["status"], (json{{"code", MAStatusCode::TOO_FEW_FOR_TEST}, {"kind", "error"}}));
     EXPECT_FALSE(report["results"]["EstEffectSize"][0].is_null());
 }
 
