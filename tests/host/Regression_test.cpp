@@ -63,15 +63,6 @@ TEST(Regression, ReproducesThePublishedData)
          "/Tau2CIUpper"},
         {"bcg_vaccine", "/risk_ratio/meta_regression_allocation_factor_reference_2/EB_t/se/1",
          allocation + "--std-error se --tau2 eb", stdError},
-        {"bcg_vaccine", "/risk_ratio/meta_regression_allocation_factor_reference_2/SJ_knha/se/1",
-         allocation + "--variance v --tau2 sj --knapp-hartung adjusted", stdError},
-        {"teacher_expectancy", "/meta_regression_weeks/ML_adhoc/se/1",
-         Regression("teacher_expectancy.csv") + "--covariate weeks --tau2 ml --knapp-hartung truncated",
-         stdError},
-        {"writing_to_learn", "/meta_regression_length_wic_feedback/HE_t/se/1",
-         Regression("writing_to_learn.csv") +
-             "--covariate length --covariate wic --covariate feedback --tau2 he",
-         stdError},
     });
 }
 
