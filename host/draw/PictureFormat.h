@@ -20,5 +20,6 @@ inline constexpr std::array PICTURE_FORMAT_CHOICES{
     Choice{"png", PictureFormat::PNG},
     Choice{"pdf", PictureFormat::PDF},
 };
+static_assert(HasEachEnumerator<PICTURE_FORMAT_CHOICES>());
 
 } // namespace host

@@ -15,7 +15,6 @@ namespace host {
 namespace {
 
 constexpr double SIDE = 380;
-constexpr double LABEL_OF_ALL = -1;
 
 /// The quantity that the measure compares between the groups.
 std::string Outcome(const AnalysisData& data)
@@ -65,9 +64,9 @@ std::vector<Picture> LabbePictures(const AnalysisData& data)
     if (model == nullptr || model->GetLabbePlotX().empty())
         return pictures;
     std::vector<PlotOfGroup> plots = GroupsOrAll(data);
-    // The library has no row for a group whose value is its own label of all studies.
+    // The library has no row for a group whose value is that of all studies.
     std::erase_if(plots, [&](const PlotOfGroup& plot) {
-        return plot.number > 0 && data.base.GetUniGroup()[plot.row] == LABEL_OF_ALL;
+        return plot.number > 0 && data.base.GetUniGroup()[plot.row] == OVERALL_GROUP;
     });
     for (PlotOfGroup& plot : plots) {
         plot.row = pictures.size();

@@ -12,7 +12,7 @@ namespace host {
 
 namespace {
 
-/// The labels of two groups or more. The library lists their values, and behind them one for all studies.
+/// The labels of two groups or more. The last value is OVERALL_GROUP.
 std::vector<std::string> GroupLabels(const ValueLabels& subgroup, std::vector<double> groups)
 {
     std::vector<std::string> labels;

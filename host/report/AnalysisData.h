@@ -14,6 +14,9 @@ namespace host {
 /// The label of the row of all studies.
 inline constexpr const char* OVERALL = "Overall";
 
+/// The value that the library lists for all studies, behind those of the groups. A group can have it too.
+inline constexpr double OVERALL_GROUP = -1;
+
 /// What sections and pictures show of an analysis: its request, its results, and how both are presented. It
 /// refers to request and analysis, which must outlive it.
 struct AnalysisData

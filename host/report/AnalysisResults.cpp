@@ -1,5 +1,6 @@
 #include "host/report/AnalysisResults.h"
 
+#include "host/report/Tau2Results.h"
 #include "host/text/JsonValue.h"
 #include "host/text/SmallStudyTests.h"
 
@@ -28,7 +29,7 @@ Json TestParameters(const MABaseModel& model)
 /// Adds what the getter Get<name> returns, under its name. A macro, so that key and getter are one word.
 #define ADD_RESULT(name) results[#name] = ToJson(model.Get##name())
 
-void AddModels(Json& results, const MABaseModel& model)
+void AddRun(Json& results, const MABaseModel& model)
 {
     ADD_RESULT(ModelType);
     ADD_RESULT(WeightType);
@@ -37,6 +38,10 @@ void AddModels(Json& results, const MABaseModel& model)
     ADD_RESULT(NInvalid);
     ADD_RESULT(NDropped);
     ADD_RESULT(Warnings);
+}
+
+void AddStudies(Json& results, const MABaseModel& model)
+{
     ADD_RESULT(EffectSize);
     ADD_RESULT(Variance);
     ADD_RESULT(StdError);
@@ -49,6 +54,10 @@ void AddModels(Json& results, const MABaseModel& model)
     ADD_RESULT(Weight);
     ADD_RESULT(NormalizedWeight);
     ADD_RESULT(NonMissingStudyID);
+}
+
+void AddModels(Json& results, const MABaseModel& model)
+{
     ADD_RESULT(EstEffectSize);
     ADD_RESULT(EstStdError);
     ADD_RESULT(EstZVal);
@@ -59,15 +68,12 @@ void AddModels(Json& results, const MABaseModel& model)
     ADD_RESULT(PILower);
     ADD_RESULT(PIUpper);
     ADD_RESULT(Tau2Var);
-    ADD_RESULT(Tau2CILower);
-    ADD_RESULT(Tau2CIUpper);
-    ADD_RESULT(Tau2Convergence);
-    ADD_RESULT(Tau2Evaluations);
-    ADD_RESULT(LogLikelihood);
-    ADD_RESULT(AIC);
-    ADD_RESULT(BIC);
-    ADD_RESULT(AICc);
+    AddTau2(results, model);
     ADD_RESULT(PIProbability);
+}
+
+void AddHeterogeneity(Json& results, const MABaseModel& model)
+{
     ADD_RESULT(HomoTestChisquareQ);
     ADD_RESULT(HomoTestdf);
     ADD_RESULT(HomoTestSig);
@@ -78,6 +84,10 @@ void AddModels(Json& results, const MABaseModel& model)
     ADD_RESULT(I2Index);
     ADD_RESULT(I2CILower);
     ADD_RESULT(I2CIUpper);
+}
+
+void AddGroups(Json& results, const MABaseModel& model)
+{
     ADD_RESULT(UniGroup);
     ADD_RESULT(GroupN);
     ADD_RESULT(SubGroupStudyID);
@@ -225,7 +235,11 @@ Json ResultsOf(const Analysis& analysis)
 {
     Json results;
     const MABaseModel& base = analysis.Base();
+    AddRun(results, base);
+    AddStudies(results, base);
     AddModels(results, base);
+    AddHeterogeneity(results, base);
+    AddGroups(results, base);
     AddContrastsAndCumulative(results, base);
     AddLeaveOneOut(results, base);
     results["TRimFillSide"] = ToJson(analysis.trimmedSide);

@@ -1,5 +1,6 @@
 #include "host/report/RegressionResults.h"
 
+#include "host/report/Tau2Results.h"
 #include "host/text/JsonValue.h"
 
 using namespace MA_NAMESPACE;
@@ -44,14 +45,7 @@ Json ResultsOf(const RegressionRequest& request, const RegressionAnalysis& analy
     ADD_RESULT(NGoodRecords);
     ADD_RESULT(NBadRecords);
     ADD_RESULT(Tau);
-    ADD_RESULT(Tau2CILower);
-    ADD_RESULT(Tau2CIUpper);
-    ADD_RESULT(Tau2Convergence);
-    ADD_RESULT(Tau2Evaluations);
-    ADD_RESULT(LogLikelihood);
-    ADD_RESULT(AIC);
-    ADD_RESULT(BIC);
-    ADD_RESULT(AICc);
+    AddTau2(results, output);
     ADD_RESULT(Estimation);
     results["Parameters"] = NamesOf(output.GetParameters(), request);
     ADD_RESULT(RedundancyInfo);

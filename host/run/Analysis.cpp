@@ -1,8 +1,9 @@
 #include "host/run/Analysis.h"
 
-#include "host/run/RegressionSettings.h"
 #include "host/text/Measures.h"
 #include "host/text/StatusText.h"
+
+#include "meta_analysis/settings/RegressionSettingsOf.h"
 
 #include <type_traits>
 
@@ -42,7 +43,7 @@ KXStatus RunSmallStudyTest(Model& model, AnalysisRequest& request)
     const KXStatus status = TestOverall(model, request);
     if (status.IsError())
         return status;
-    return model.RegBasedTest(request.records, request.variables, SmallStudyTestSettings(request.settings));
+    return model.RegBasedTest(request.records, request.variables, SmallStudyTestSettingsOf(request.settings));
 }
 
 /// Runs the same models by the global search, without the steps beyond them.
@@ -60,7 +61,7 @@ std::vector<double> Tau2ByGlobalSearch(AnalysisRequest& request)
 
 KXStatus PlotBubbles(MABaseModel& model, AnalysisRequest& request)
 {
-    MARegSettings settings = RegressionSettings(request.settings);
+    MARegSettings settings = RegressionSettingsOf(request.settings);
     for (const int covariate : request.bubbleCovariates)
         settings.AddCovariate(covariate);
     return model.BubblePlot(request.records, request.variables, settings);

@@ -4,8 +4,9 @@
 #include "host/data/ColumnCoding.h"
 #include "host/data/StudyLabels.h"
 #include "host/data/Variables.h"
-#include "host/run/RegressionSettings.h"
 #include "host/text/UnusableInput.h"
+
+#include "meta_analysis/settings/RegressionSettingsOf.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -29,7 +30,7 @@ void RequireTaken(bool isTaken)
 /// The settings that do not depend on the data.
 MARegSettings SettingsOf(const Options& options)
 {
-    MARegSettings settings = RegressionSettings(options.settings);
+    MARegSettings settings = RegressionSettingsOf(options.settings);
     settings.SetTau2Interval(options.settings.GetTau2Interval());
     settings.SetInterceptUse(!options.regression.noIntercept);
     settings.SetMultiDiser(options.regression.dispersion);

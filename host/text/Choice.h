@@ -7,7 +7,6 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 
@@ -26,6 +25,27 @@ Choice(const char*, Value) -> Choice<Value>;
 
 // A table of choices is an array of rows with a `name` and a `value`: of Choice, or of a type that says more
 // about each value.
+
+/// Whether the enumeration names this value. The compiler writes a value without a name as a cast.
+template <auto VALUE>
+constexpr bool IsEnumerator()
+{
+    return std::string_view(__PRETTY_FUNCTION__).find("= (") == std::string_view::npos;
+}
+
+/// Whether a table has exactly one row for each enumerator, of an enumeration that counts from 0.
+template <const auto& TABLE>
+constexpr bool HasEachEnumerator()
+{
+    constexpr std::size_t count = TABLE.size();
+    using Value = decltype(TABLE[0].value);
+    std::array<bool, count> isFound{};
+    for (const auto& row : TABLE)
+        if (static_cast<std::size_t>(row.value) < count)
+            isFound[static_cast<std::size_t>(row.value)] = true;
+    return std::all_of(isFound.begin(), isFound.end(), [](bool found) { return found; }) &&
+           IsEnumerator<static_cast<Value>(count - 1)>() && !IsEnumerator<static_cast<Value>(count)>();
+}
 
 /// The names, in the order of the table.
 template <class Row, std::size_t N>
@@ -48,15 +68,11 @@ auto ValueOf(const std::array<Row, N>& table, std::string_view name)
     return found->value;
 }
 
-/// The row of a value.
+/// The row of a value. The static assertions at the tables prove that each enumerator has one.
 template <class Row, std::size_t N>
 const Row& RowOf(const std::array<Row, N>& table, decltype(Row::value) value)
 {
-    const auto* const found =
-        std::find_if(table.begin(), table.end(), [&](const Row& row) { return row.value == value; });
-    if (found == table.end())
-        throw std::out_of_range(fmt::format("The table of {} lacks a value.", NamesOf(table)));
-    return *found;
+    return *std::find_if(table.begin(), table.end(), [&](const Row& row) { return row.value == value; });
 }
 
 template <class Row, std::size_t N>

@@ -1,5 +1,7 @@
 #include "host/text/Measures.h"
 
+#include "meta_analysis/settings/MAMeasures.h"
+
 using namespace MA_NAMESPACE;
 
 namespace host {
@@ -9,10 +11,18 @@ bool IsBinary(const MAModelSettings& settings)
     return settings.GetOutcomesType() == MAConst::OUTCOME_BINARY;
 }
 
+Measure MeasureOf(MAConst::BINESTYPE type)
+{
+    const BinaryMeasure& measure = RowOf(BINARY_MEASURES, type);
+    return {measure.title, measure.symbol, IsOnLogScale(type)};
+}
+
 Measure MeasureOf(const MAModelSettings& settings)
 {
-    return IsBinary(settings) ? RowOf(BINARY_MEASURES, settings.GetBinaryEstType()).measure
-                              : RowOf(CONTINUOUS_MEASURES, settings.GetContinousEstType()).measure;
+    if (IsBinary(settings))
+        return MeasureOf(settings.GetBinaryEstType());
+    const ContinuousMeasure& measure = RowOf(CONTINUOUS_MEASURES, settings.GetContinousEstType());
+    return {measure.title, measure.symbol, false};
 }
 
 std::string MeasureName(const MAModelSettings& settings)

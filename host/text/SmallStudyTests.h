@@ -27,5 +27,6 @@ inline constexpr std::array SMALL_STUDY_TESTS{
                    "risk-ratio score over its variance on standard error", "standard error"},
     SmallStudyTest{"3", MAConst::REG_TEST_EFFECT_ON_SIZE, "effect on 1 / sample size", "1 / sample size"},
 };
+static_assert(HasEachEnumerator<SMALL_STUDY_TESTS>());
 
 } // namespace host

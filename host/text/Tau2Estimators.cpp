@@ -4,11 +4,11 @@
 
 namespace host {
 
-std::string NamesOfEstimators(bool Tau2Estimator::*property, std::string_view prefix)
+std::string NamesOfEstimators(bool (*hasProperty)(MAConst::TAU2ESTIMATOR), std::string_view prefix)
 {
     std::vector<std::string> names;
     for (const Tau2Estimator& estimator : TAU2_ESTIMATORS)
-        if (estimator.*property)
+        if (hasProperty(estimator.value))
             names.push_back(fmt::format("{}{}", prefix, estimator.name));
     std::string text;
     for (std::size_t i = 0; i < names.size(); ++i)

@@ -44,7 +44,8 @@ std::string WordingOfModel(const MAModelSettings& settings)
 {
     if (!IsRandom(settings))
         return fmt::format("fixed-effect model ({})", FixedMethod(settings));
-    return fmt::format("random-effects model ({}){}", EstimatorOf(settings.GetEstTauType()).description,
+    return fmt::format("random-effects model ({}){}",
+                       RowOf(TAU2_ESTIMATORS, settings.GetEstTauType()).description,
                        WordingOf(settings.GetKnapHartAdjustType()));
 }
 

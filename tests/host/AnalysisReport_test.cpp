@@ -2,6 +2,11 @@
 
 #include "host/RunProgram.h"
 
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <fmt/format.h>
+
+using namespace MA_NAMESPACE;
 using testing::ContainsRegex;
 
 namespace {
@@ -16,15 +21,6 @@ void ExpectShown(const std::vector<ShownReport>& reports)
 {
     for (const ShownReport& one : reports)
         EXPECT_THAT(ReportOf(one.arguments), ContainsRegex(one.pattern));
-}
-
-TEST(AnalysisReport, SaysThatNoRecordCouldBeUsed)
-{
-    const TemporaryFolder folder;
-    const std::string unusable = folder.Write("t.csv", "effect,variance\nNA,1\n1,0\n");
-    ExpectShown({
-        {Effects(unusable), "2 read, 0 used, 1 missing, 1 invalid, 0 dropped\nNo record could be used"},
-    });
 }
 
 TEST(AnalysisReport, DescribesTheModelAndItsCorrections)
@@ -58,17 +54,15 @@ TEST(AnalysisReport, DescribesTheModelAndItsCorrections)
     });
 }
 
-TEST(AnalysisReport, ShowsGroupsInTheOrderOfTheirTexts)
+TEST(AnalysisReport, OrdersGroupsByTextAndExplainsUnusualData)
 {
     const TemporaryFolder folder;
     const std::string even =
         folder.Write("e.csv", "effect,variance\n1,1\n1.1,1\n0.9,1\n1,1\n1.1,1\n0.9,1\n1,1\n1,1\n");
     const std::string gaps = folder.Write("t.csv", "effect,variance,g\n1,1,b\n2,1,NA\n3,1,a\n4,1,\n");
+    const std::string unusable = folder.Write("u.csv", "effect,variance\nNA,1\n1,0\n");
     ExpectShown({
-        {Effects("passive_smoking.csv") + "--subgroup country",
-         "Pooled effect\n.*\nChina .*\nGermany .*\nGreece .*\nHong Kong .*\nJapan .*\nRussia .*\nSweden .*\n"
-         "UK .*\nUSA .*\nOverall .*\nHeterogeneity between the groups\n +Q +df +p\n9.97[0-9]+ +8 +0.26"
-         "[^\n]*\nA group of one study has no between-study variance of its own"},
+        {Effects(unusable), "2 read, 0 used, 1 missing, 1 invalid, 0 dropped\nNo record could be used"},
         {Effects(even) + "--model fixed", "Heterogeneity\n[^\n]*\n[^\n]* 0.00 \\[0.00, 0.00\\] [^\n]*\n"
                                           "An I² of 0 with the interval \\[0, 0\\] is no certainty"},
         {Effects(gaps) + "--subgroup g",
@@ -76,26 +70,26 @@ TEST(AnalysisReport, ShowsGroupsInTheOrderOfTheirTexts)
     });
 }
 
-/// The last step of a group is its pooled effect.
 TEST(AnalysisReport, ShowsCumulativeStepsInTheirOrder)
 {
-    const Arguments byYear = Bcg() + "--effect risk-ratio --cumulative year";
+    const Arguments byYear = Bcg() + "--effect risk-ratio --cumulative year --descending";
     const Arguments byGenus = Continuous("elevated_co2.csv") + "--cumulative genus --study study";
     ExpectShown({
-        {byYear + "--descending",
-         "Cumulative analysis\nStudy added +year +RR [^\n]*\nTPT Madras +1980 +1.0120 [^\n]*\n"
-         "Hart & Sutherland +1977 "},
-        {byYear + "--subgroup allocation",
-         "Pooled effect\n.*\n0 +0.5823 .*\n1 +0.3787 .*\n2 +0.6543 .*\nOverall +0.4894 "
-         ".*Heterogeneity\n.*\n0 +5.5625 .*\n1 +110.2133 .*\n2 +16.59.*\nOverall +152.23"},
+        {byYear, "Cumulative analysis\nStudy added +year +RR [^\n]*\nTPT Madras +1980 +1.0120 [^\n]*\n"
+                 "Hart & Sutherland +1977 "},
         {byGenus, "Study added +genus [^\n]*\n[0-9]+ +ACER "},
     });
 }
 
-TEST(AnalysisReport, ShowsContrastsAndPlots)
+TEST(AnalysisReport, ShowsContrastsPlotsIntervalsAndPredictions)
 {
     const Arguments contrasts = Bcg() + "--contrast allocation --contrast year";
+    const TemporaryFolder folder;
+    const std::string equal = folder.Write("t.csv", "effect,variance\n1,1\n1,2\n1,1\n");
     ExpectShown({
+        {Effects(equal), "\\[0\\.0000, 0\\.0000\\].*Q-profile intervals\\.\n.*interval is empty"},
+        {Bcg() + "--effect risk-ratio --prediction normal --probability-above 1.5",
+         "95% prediction interval, normal distribution\n[^\n]*P\\(RR > 1.5\\)\nOverall "},
         {contrasts + "--model fixed", "Contrasts\n +exp\\(contrast\\) [^\n]*\nallocation [^\n]*\nyear "},
         {Bcg() + "--funnel-y inverse-variance --contours lower", "\nIts picture has no contours: "},
         {Bcg() + "--effect risk-ratio --bubble year --bubble latitude",
@@ -107,16 +101,10 @@ TEST(AnalysisReport, ExplainsSmallStudyEffectsWithoutAClaim)
 {
     const TemporaryFolder folder;
     const std::string two = folder.Write("t.csv", "effect,variance\n1,1\n2,2\n");
-    const Arguments trimFill = Binary("magnesium.csv") + "--trim-fill linear";
     ExpectShown({
-        {trimFill, "Trim-and-fill\n.*\nObserved studies .*\nWith imputed studies .*\n"
-                   "Studies imputed by the linear estimator, as mirror images of the smallest effects "
-                   "\\(the side that the data suggest\\): 7\\.\n"},
         {Effects(two) + "--trim-fill run", "It could not be computed\\."},
         {Effects("passive_smoking.csv") + "--small-study-test 0 --subgroup country",
-         "Small-study test [^\n]*\n[^\n]*\nChina +1.88.*\nGermany +- .*"
-         "The slope is positive: less precise studies report larger values of d \\(p = 0.0425\\).\n"
-         "At the 95% level it differs from zero"},
+         "Small-study test [^\n]*\n[^\n]*\nChina +1.88.*\nGermany +- .*larger values of d "},
         {Bcg() + "--small-study-test 3 --test-intercept off", "Without intercept"},
     });
 }
@@ -135,28 +123,15 @@ TEST(AnalysisReport, NamesBothValuesWhenScoringMissesTheEstimate)
                  "2.690687,3.638258,0.708595\n0.731744,0.016879,0.445024\n2.31175,0.00968,2.888549\n"
                  "0.109614,0.013116,0.014565\n0.858999,2.818472,0.855125\n-2.844727,10,-0.462562\n");
     const Arguments regression = Regression(moderated) + "--covariate x --tau2 ml";
-    const std::string doubt = "\n460100: [^\n]*: at 0\\.";
+    const std::string doubt = fmt::format("\n{}: [^\n]*: at 0\\.", MAStatusCode::TAU2_DOUBTFUL);
     ExpectShown({
         {Effects(effects) + "--preset library",
          "Preset\nlibrary: --tau2-search scoring, .*reached --max-iterations .*" + doubt +
              "00[0-9]+ in place of 0\\.1464\\. Set --tau2-search global"},
-        {Effects(effects), " tau² [^\n]*\nOverall +0\\.1464 "},
         {regression + "--tau2-search scoring", doubt + "0000 in place of 0\\.0114\\. Set"},
-        {regression, " tau² [^\n]*\n0\\.0114 "},
     });
     EXPECT_THAT(JsonOf(Effects(effects) + "--preset library")["messages"].dump(),
                 testing::HasSubstr("in place of 0.1464"));
-}
-
-TEST(AnalysisReport, ExplainsIntervalsAndPredictions)
-{
-    const TemporaryFolder folder;
-    const std::string equal = folder.Write("t.csv", "effect,variance\n1,1\n1,2\n1,1\n");
-    ExpectShown({
-        {Effects(equal), "\\[0\\.0000, 0\\.0000\\].*Q-profile intervals\\.\n.*interval is empty"},
-        {Bcg() + "--effect risk-ratio --prediction normal --probability-above 1.5",
-         "95% prediction interval, normal distribution\n[^\n]*P\\(RR > 1.5\\)\nOverall "},
-    });
 }
 
 TEST(AnalysisReport, ShowsRegressions)
@@ -165,13 +140,8 @@ TEST(AnalysisReport, ShowsRegressions)
     ExpectShown({
         {tester + "--knapp-hartung adjusted --tau2 dl",
          "^Meta-regression: random-effects model \\(DerSimonian-Laird\\), Knapp-Hartung adjustment, 95% "
-         "level\n"
-         ".*teacher_expectancy.csv: 19 read, 19 used, 0 missing, 0 invalid, 0 dropped\n"
-         ".*Study +Effect +Fitted \\[95% CI\\] +Residual +SE +Leverage\nRosenthal et al. +0.0300 "
-         ".*Parameter +Coefficient \\[95% CI\\] +SE +t +p\n\\(intercept\\) "
-         ".*tester=1 +- +- +- +-\n-: aliased"
-         ".* F +df +residual df +p\n[0-9.]+ +1 +17 +0\\.[0-9]{4}\n"
-         ".*Q +df +p +I² % +H² +R² %\n[0-9.]+ +17 .* tau² \\[95% CI\\] +tau \\[95% CI\\]"},
+         "level\n.*Study +Effect +Fitted \\[95% CI\\] +Residual +SE +Leverage\nRosenthal et al. +0.0300 "
+         ".*tester=1 +- +- +- +-\n-: aliased"},
         {tester + "--model fixed --dispersion --normal-tests",
          "SE +z +p\n.*Wald chi² +df +p\n.*Q +df +p +I² % +H²\n.*Multiplicative dispersion\n[0-9.]+, by "},
     });

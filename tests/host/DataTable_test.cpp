@@ -112,12 +112,4 @@ TEST(DataTable, FindsColumnsByExactAndUniqueNames)
               "t.csv, line 1: column 1 and column 3 are both named 'a'.");
 }
 
-TEST(DataTable, SaysThatAFileCannotBeRead)
-{
-    EXPECT_THAT(MessageOf([] { DataTable::Read("/no/such/file.csv"); }),
-                testing::HasSubstr("'/no/such/file.csv' cannot be opened: No such file"));
-    EXPECT_THAT(MessageOf([] { DataTable::Read(TESTS_DIR); }),
-                testing::HasSubstr("cannot be read: Is a directory"));
-}
-
 } // namespace

@@ -1,9 +1,12 @@
 #include "host/RunProgram.h"
 
+#include "meta_analysis/settings/MAStatusCode.h"
+
 #include <algorithm>
 #include <fstream>
 #include <regex>
 
+using namespace MA_NAMESPACE;
 using nlohmann::json;
 
 namespace {
@@ -86,7 +89,8 @@ TEST(JsonReport, DescribesARun)
     EXPECT_EQ(report["program"], "meta-analysis");
     EXPECT_EQ(report["command"], peto + "--json -");
     EXPECT_EQ(report["status"], json::parse(R"({"code": 0, "kind": "ok"})"));
-    EXPECT_EQ(report["warnings"], json::parse("[460037, 460045]"));
+    EXPECT_EQ(report["warnings"],
+              (json{MAStatusCode::CONTRAST_COUNT_MISMATCH, MAStatusCode::BINARY_RANDOM_EFFECTS}));
     EXPECT_EQ(report["messages"].size(), 2U);
     EXPECT_EQ(report["settings"]["effect"], "peto");
     EXPECT_EQ(report["settings"]["zero-delta"], 0.25);

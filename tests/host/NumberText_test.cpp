@@ -37,11 +37,4 @@ TEST(NumberText, ShowsThreeDigitsOfTheSmallestStandardError)
     EXPECT_EQ(DecimalsFor({1e-300}), 12);
 }
 
-TEST(NumberText, AlignsEstimatesAndTheirIntervals)
-{
-    EXPECT_EQ(EstimateTexts({{-1, 10, missing}, {-2.5, 9, missing}, {0.5, 11, missing}}, 1),
-              (Texts{"-1.0 [-2.5,  0.5]", "10.0 [ 9.0, 11.0]", "   - [   -,    -]"}));
-    EXPECT_EQ(EstimateTexts({{}, {-1}, {0.0005}}), (Texts{"[-1.0000, 0.0005]"}));
-}
-
 } // namespace

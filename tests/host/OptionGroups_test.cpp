@@ -1,12 +1,10 @@
 // Every option of every command, as the groups declare it.
 
 #include "host/cli/OptionGroups.h"
-#include "host/text/UnusableInput.h"
 
 #include <gmock/gmock.h>
 
 #include <map>
-#include <set>
 
 using namespace host;
 
@@ -69,20 +67,6 @@ TEST(OptionGroups, EachOptionChangesItsOwnValueAlone)
             EXPECT_EQ(TextOf(after), option.argument.empty() ? "true" : ArgumentOf(option)) << option.name;
             expected[option.name] = after;
             EXPECT_EQ(ValuesOf(definitions), expected) << option.name;
-        }
-    }
-}
-
-TEST(OptionGroups, RefuseTextsThatAreNoNumberAndNoChoice)
-{
-    for (const Command command : COMMANDS) {
-        Options options(command);
-        for (const OptionDefinition& option : DefineOptions(options)) {
-            if (!std::set<std::string>{"NUMBER", "COUNT", "TYPE", "NAME"}.contains(option.argument) ||
-                DependsOnOutcome(options, option))
-                continue;
-            for (const char* const text : {"", "x", "1e999", "1 2"})
-                EXPECT_THROW(option.store(text), UnusableInput) << option.name << ' ' << text;
         }
     }
 }

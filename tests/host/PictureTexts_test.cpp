@@ -88,6 +88,9 @@ TEST(PictureTexts, KeepsTheOtherPlotsReadable)
 {
     const Pictures pictures(Bcg() + "--subgroup allocation --cumulative year --bubble latitude "
                                     "--contours two-sided --trim-fill run");
+    EXPECT_THAT(pictures.Names(),
+                testing::IsSupersetOf({"funnel.svg", "funnel-1-allocation-0.svg", "funnel-3-allocation-2.svg",
+                                       "galbraith-2-allocation-1.svg", "labbe-1-allocation-0.svg"}));
     for (const std::string& name : pictures.Names()) {
         SCOPED_TRACE(name);
         const SvgFigure figure = pictures.Figure(name.substr(0, name.rfind('.')));

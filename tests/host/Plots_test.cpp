@@ -15,18 +15,6 @@ namespace color = host::color;
 
 using Numbers = std::vector<double>;
 
-TEST(Plots, NamesAFileForEachPlotOfTheLibrary)
-{
-    EXPECT_EQ(Pictures(Bcg() + "--effect peto").Names(),
-              (Texts{"forest.svg", "funnel.svg", "galbraith.svg"}));
-    EXPECT_EQ(Pictures(Bcg() + "--cumulative year --bubble latitude").Names(),
-              (Texts{"bubble-1-latitude.svg", "cumulative-forest.svg", "forest.svg", "funnel.svg",
-                     "galbraith.svg", "labbe.svg"}));
-    EXPECT_THAT(Pictures(Bcg() + "--subgroup allocation").Names(),
-                IsSupersetOf({"funnel.svg", "funnel-1-allocation-0.svg", "funnel-3-allocation-2.svg",
-                              "galbraith-2-allocation-1.svg", "labbe-1-allocation-0.svg"}));
-}
-
 /// The area of a square is proportional to the weight.
 TEST(Plots, DrawsTheForestAtTheEffects)
 {

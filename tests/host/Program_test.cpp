@@ -11,6 +11,8 @@ TEST(Program, ReproducesThePublishedData)
     const Arguments blockers = Binary("beta_blockers.csv");
     const Arguments stroke = Continuous("stroke_length_of_stay.csv");
     const Arguments smoking = Effects("passive_smoking.csv");
+    const char* const ratioData = "bcg_vaccine_log_risk_ratio_more";
+    const Arguments ratios = Bcg() + "--effect risk-ratio";
     const char* const lower = "/EstCILower/0";
     const char* const filled = "/OverallTFEffectSize";
     ExpectPublished({
@@ -43,6 +45,14 @@ TEST(Program, ReproducesThePublishedData)
          smoking + "--model fixed --trim-fill quadratic --side 1 --trim-fill-model fixed", filled},
         {"passive_smoking", "/bias/trimfill_DL_L0_left/estimate",
          smoking + "--tau2 dl --trim-fill linear --side 1 --trim-fill-tau2 dl", filled},
+        {ratioData, "/REML/q_profile/tau2/upper", ratios, "/Tau2CIUpper/0"},
+        {ratioData, "/REML/q_profile/I2/lower", ratios, "/I2CILower/0"},
+        {ratioData, "/ML/profile_likelihood/tau2/lower",
+         ratios + "--tau2 ml --tau2-interval profile-likelihood", "/Tau2CILower/0"},
+        {ratioData, "/DL/prediction/t_k_minus_1/lower", ratios + "--tau2 dl --prediction t-k-1",
+         "/PILower/0"},
+        {ratioData, "/EB/probability_above_0/normal",
+         ratios + "--tau2 eb --prediction normal --probability-above 1", "/PIProbability/0"},
     });
 }
 
@@ -58,15 +68,6 @@ TEST(Program, TakesStandardDeviationsAndErrorsForVariances)
     EXPECT_EQ(variances("continuous", means + "--treatment-sd sd1 --control-variance var2"),
               variances("continuous", means + "--treatment-variance var1 --control-sd sd2"));
     EXPECT_EQ(variances("effects", "--effect-size m1 --std-error sd1"), json::parse("[4, 16]"));
-}
-
-TEST(Program, ReadsOneColumnForTwoRolesAndSkipsTheOthers)
-{
-    const TemporaryFolder folder;
-    const std::string data = folder.Write("t.csv", "who,y,v\n\"A\nB\",1,2\nC,x,2\n");
-    const std::string report =
-        ReportOf({"effects", data, "--effect-size", "v", "--variance", "v", "--study", "who"});
-    EXPECT_THAT(report, HasSubstr("\nA B    2.0000 ["));
 }
 
 TEST(Program, ShowsHelpAndVersion)

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/draw/Picture.h"
+
 #include <gtest/gtest.h>
 #include <pugixml.hpp>
 
@@ -30,11 +32,7 @@ struct SvgMark
     double size; ///< radius, or half the side of a square
 };
 
-struct SvgPoint
-{
-    double x;
-    double y;
-};
+using SvgPoint = host::Point;
 using SvgPoints = std::vector<SvgPoint>;
 
 struct SvgArea

@@ -1,6 +1,7 @@
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
-#include "host/text/Tau2Estimators.h"
+
+#include "meta_analysis/settings/MAEstimators.h"
 
 using namespace MA_NAMESPACE;
 
@@ -24,7 +25,7 @@ OptionDefinitions IterationOf(Settings& settings)
 
 bool Iterates(MAConst::MODELTYPE model, MAConst::TAU2ESTIMATOR estimator)
 {
-    return model == MAConst::MODEL_RANDOM && EstimatorOf(estimator).iterates;
+    return model == MAConst::MODEL_RANDOM && IsIterative(estimator);
 }
 
 /// Refuses an iterative estimator without an iteration, whose estimate would be its starting value.

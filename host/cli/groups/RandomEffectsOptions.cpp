@@ -6,6 +6,8 @@
 #include "host/text/Tau2Estimators.h"
 #include "host/text/Wording.h"
 
+#include "meta_analysis/settings/MAEstimators.h"
+
 using namespace MA_NAMESPACE;
 
 namespace host {
@@ -31,8 +33,7 @@ OptionDefinition Threshold(const char* name, Settings& settings, double (Setting
 
 OptionDefinitions BetweenStudyVariance(Settings& settings)
 {
-    const std::string search =
-        fmt::format("how {} find their estimate", NamesOfEstimators(&Tau2Estimator::iterates));
+    const std::string search = fmt::format("how {} find their estimate", NamesOfEstimators(IsIterative));
     return {
         OneOf("tau2-search", TAU2_SEARCH_CHOICES, settings, &Settings::GetTau2Search,
               &Settings::SetTau2Search, search.c_str()),
@@ -70,9 +71,9 @@ void CheckThreshold(const Options& options, const char* name, double threshold)
 void CheckTau2Interval(const Settings& settings)
 {
     if (settings.GetTau2Interval() == MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD &&
-        !EstimatorOf(settings.GetEstTauType()).hasLikelihood)
+        !HasLikelihood(settings.GetEstTauType()))
         throw UnusableInput(fmt::format("--tau2-interval profile-likelihood is for {}.",
-                                        NamesOfEstimators(&Tau2Estimator::hasLikelihood, "--tau2 ")));
+                                        NamesOfEstimators(HasLikelihood, "--tau2 ")));
 }
 
 void CheckRandomEffects(const Options& options)

@@ -65,9 +65,9 @@ std::string EffectOfTest(const AnalysisData& data)
 {
     switch (TypeOfTest(data)) {
     case MAConst::REG_TEST_SCORE_VARIANCE:
-        return RowOf(BINARY_MEASURES, MAConst::BIN_ODDS_RATIO).measure.AnalysisSymbol();
+        return MeasureOf(MAConst::BIN_ODDS_RATIO).AnalysisSymbol();
     case MAConst::REG_TEST_SCORE_CONTROL:
-        return RowOf(BINARY_MEASURES, MAConst::BIN_RISK_RATIO).measure.AnalysisSymbol();
+        return MeasureOf(MAConst::BIN_RISK_RATIO).AnalysisSymbol();
     case MAConst::REG_TEST_EFFECT_ON_STD_ERROR:
     case MAConst::REG_TEST_EFFECT_ON_SIZE:
         return data.measure.AnalysisSymbol();
