@@ -47,7 +47,7 @@ struct MAModelLists
 struct MAGroups
 {
     std::vector<double> values;       ///< distinct, ascending
-    std::vector<double> shownValues;  ///< as hosts read them, with `MAStudies::noGroup` for the overall model
+    std::vector<double> shownValues;  ///< as hosts read them, with `MAConst::overallGroup` for the overall model
     std::vector<MASelection> members; ///< of the groups analysed, in study or cumulative order
     MABetweenGroups between;
 
@@ -86,6 +86,7 @@ struct MATrimFillResults
     int imputedCount = 0;
     MAImputedStudies imputed;
     std::optional<MAEstimate> model; ///< of all studies with the imputed ones
+    bool hasRatio = false;           ///< whether the model of a ratio is shown as one
 };
 
 /// Everything that an analysis holds: the settings copied, the studies, and the results of each step.

@@ -42,6 +42,8 @@ KXStatus MABaseModel::Run(MultiPassRecordIter& records, const KXVarList& variabl
     if (ReadStudies(records).IsError())
         return status_;
     CheckInputSettings();
+    if (outcome_ == MAConst::OUTCOME_BINARY)
+        AddWarnings(WarningsOfBinaryRun(*settings_));
     State().groups.values = GetUniqGroupElem();
     State().groups.shownValues = State().groups.values;
     if (BuildModels(PoolsTables() ? TableChoice() : EffectsChoice()).IsError() ||
@@ -84,7 +86,6 @@ KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
         return started;
     MAAnalysisState& state = State();
     state.settings.alpha = AlphaOf(settings_->GetCILevel());
-    state.groups.members.clear();
     if (settings_->GetInputESType() == MAConst::INPUT_READY_MADE) {
         state.settings.tables.measure = settings_->GetBinaryEstType();
         return Take(ReadReadyMadeStudies(records, *settings_, state.settings.alpha));
@@ -96,6 +97,7 @@ KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
 KXStatus MABaseModel::Take(MAReading reading)
 {
     State().studies = std::move(reading.studies);
+    State().groups.members.clear(); // which are positions among the studies
     State().counts = reading.counts;
     AddWarnings(reading.warnings);
     return reading.status;
@@ -106,12 +108,12 @@ KXStatus MABaseModel::ForgetIfBroken(const KXStatus& result)
     if (!result.IsError() || !HasState())
         return result;
     MAAnalysisState& state = State();
-    if (result.GetCode() == MAStatusCode::OUT_OF_MEMORY) {
+    const bool isOutOfMemory = result.GetCode() == MAStatusCode::OUT_OF_MEMORY;
+    if (isOutOfMemory)
+        state.counts = MARecordCounts();
+    if (isOutOfMemory || state.studies.Count() != state.studies.recordNumber.size()) {
         state.studies = MAStudies();
         state.groups.members.clear();
-        state.counts = MARecordCounts();
-    } else if (state.studies.Count() != state.studies.recordNumber.size()) {
-        state.studies = MAStudies();
     }
     return result;
 }
@@ -173,8 +175,6 @@ void MABaseModel::WarnOfTau2(const MAPooledModel& model)
 void MABaseModel::CheckInputSettings()
 {
     AddWarnings(WarningsOfRun(*settings_, Results().studies.Count()));
-    if (outcome_ == MAConst::OUTCOME_BINARY)
-        AddWarnings(WarningsOfBinaryRun(*settings_));
 }
 
 // Models

@@ -20,6 +20,7 @@ struct MAModelChoice;
 struct MAPooledModel;
 struct MAPooledStudies;
 struct MAReading;
+struct MATrimAndFill;
 
 /// What the analyses of binary and of continuous outcomes share: the steps of a run, which a host may also
 /// call one by one. The results are read through the getters of the base.
@@ -193,6 +194,7 @@ private:
     void AddWarningsOfFigures(const std::vector<KXStatus>& warnings);
     KXStatus TrimAndFillInRun();
     KXStatus TrimAndFill();
+    void StoreTrimFill(const MATrimAndFill& found);
     void PlotStudies(std::vector<double> effectSizes, const std::vector<double>& variances,
                      const std::vector<double>& scale, double centre);
     void AppendImputedToFunnel();

@@ -56,10 +56,8 @@ void MABaseModel::ComputeCochranStatistics()
     const std::vector<MASelection> groups(results.groups.members.begin(),
                                           results.groups.members.begin() +
                                               static_cast<std::ptrdiff_t>(groupCount));
-    MABetweenGroups test =
-        TestBetweenGroups(results.studies, groups, results.settings.run.modelType, results.lists.tau2);
-    test.q += results.groups.between.q;
-    State().groups.between = test;
+    State().groups.between = TestBetweenGroups(results.studies, groups, results.settings.run.modelType,
+                                               results.lists.tau2, results.groups.between);
 }
 
 KXStatus MABaseModel::BuildSubGroupModel()
@@ -83,7 +81,7 @@ KXStatus MABaseModel::BuildSubgroups(const MAModelChoice& choice)
     if (!result.overall.has_value())
         return status_ = result.status;
     ComputeCochranStatistics();
-    state.groups.shownValues.push_back(MAStudies::noGroup);
+    state.groups.shownValues.push_back(MAConst::overallGroup);
     AppendRow(*result.overall);
     AppendReported(result.overall->model);
     AppendWeights(PoolingWeights(state.studies, *result.overall));
@@ -114,7 +112,7 @@ KXStatus MABaseModel::BuildCumulative(const MAModelChoice& choice)
     AppendWeights(std::move(result.weights));
     if (result.overall.has_value()) {
         ComputeCochranStatistics();
-        state.groups.shownValues.push_back(MAStudies::noGroup);
+        state.groups.shownValues.push_back(MAConst::overallGroup);
         state.lists.rows = {{result.overall->model.effect, result.overall->correctedTables}};
         AppendReported(result.overall->model);
         state.cumulative.values.emplace_back();
@@ -151,6 +149,7 @@ KXStatus MABaseModel::TestContrastsOfRun()
 
 KXStatus MABaseModel::TestContrastsOfTables()
 {
+    status_ = KXStatus();
     for (const MAContrast& contrast : TestTableContrasts(Results().studies, TableChoice().tables)) {
         AddWarning(contrast.status);
         State().contrasts.push_back(contrast);
@@ -293,29 +292,41 @@ KXStatus MABaseModel::TrimAndFill()
         return SetError(MAStatusCode::NO_ANALYSED_STUDY);
     state.trimFill.side = MAConst::TRIM_SIDE_AUTO;
     state.trimFill.side = GetTRimFillSide();
-    const MAModelChoice choice = WithoutTau2Interval(EffectsChoice());
     if (state.lists.rows.empty()) {
-        status_ = PoolEffects({state.studies.effectSize, state.studies.variance}, choice).status;
+        const MAEffects effects = {state.studies.effectSize, state.studies.variance};
+        status_ = PoolEffects(effects, ModelOfStep(EffectsChoice())).status;
         if (status_.IsError())
             return status_;
     }
+    // The filled model, and those that a host builds later, go by the settings as they are now.
+    TakeModelTypes(*settings_, state.settings.run);
+    const MAModelChoice choice = WithoutTau2Interval(EffectsChoice());
     const MATrimAndFill found = TrimAndFillStudies(
         state.studies, {state.trimFill.side, settings_->GetTrimFillMethod(), settings_->GetMaxIter(),
                         TrimmingModel(*settings_, choice), choice});
     if (!found.hasConverged)
         AddWarning(MAStatusCode::TRIM_FILL_NOT_CONVERGED);
-    state.trimFill.imputedCount = found.imputedCount;
-    Append(state.trimFill.imputed.effectSize, found.imputed.effectSize);
-    Append(state.trimFill.imputed.variance, found.imputed.variance);
-    Append(state.trimFill.imputed.stdError, found.imputed.stdError);
-    state.trimFill.model.reset();
-    if (found.filled.has_value()) {
-        state.trimFill.model = found.filled->effect;
-        WarnOfTau2(*found.filled);
-    } else if (found.imputedCount == 0 && !state.lists.rows.empty()) {
-        state.trimFill.model = state.lists.rows.back().effect;
-    }
+    if (!found.status.IsError() || found.imputedCount > 0)
+        StoreTrimFill(found);
     return status_ = found.status;
+}
+
+void MABaseModel::StoreTrimFill(const MATrimAndFill& found)
+{
+    MATrimFillResults& results = State().trimFill;
+    results.imputedCount = found.imputedCount;
+    Append(results.imputed.effectSize, found.imputed.effectSize);
+    Append(results.imputed.variance, found.imputed.variance);
+    Append(results.imputed.stdError, found.imputed.stdError);
+    results.model.reset();
+    results.hasRatio =
+        found.imputedCount == 0 || settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY;
+    if (found.filled.has_value()) {
+        results.model = found.filled->effect;
+        WarnOfTau2(*found.filled);
+    } else if (found.imputedCount == 0 && !Results().lists.rows.empty()) {
+        results.model = Results().lists.rows.back().effect;
+    }
 }
 
 // Plots

@@ -116,11 +116,10 @@ KXStatus MABinModel::FixedBinModelContrastTest()
     return Guarded(status_, [this] { return TestContrastsOfTables(); });
 }
 
-/// Peto odds ratios have no outcomes of the groups.
 bool MABinModel::HasLabbePlot() const
 {
     return Results().settings.run.inputType == MAConst::INPUT_RAW &&
-           GetESType() != MAConst::BIN_PETO_ODDS_RATIO &&
+           ComparesGroups(GetESType()) &&
            Results().studies.groupOutcomes.size() == Results().studies.Count();
 }
 
@@ -135,7 +134,7 @@ KXStatus MABinModel::ComputeLabbePlotStatistics()
             return SetError(MAStatusCode::LENGTH_MISMATCH);
         const std::vector<MASelection> groups = MembersByGroup(state.studies, state.groups.values);
         for (std::size_t g = 0; g < groups.size(); ++g) {
-            if (!state.groups.AreSeveral() || state.groups.values[g] != MAStudies::noGroup)
+            if (!state.groups.AreSeveral() || state.groups.values[g] != MAConst::overallGroup)
                 state.labbe.push_back(PlotLabbe(state.studies, state.lists.weights, groups[g]));
         }
         return status_;
@@ -316,7 +315,7 @@ bool MABinModel::HasRatios() const
 
 bool MABinModel::HasFilledRatio() const
 {
-    return HasRatios() && (GetTFImputedN0() == 0 || settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY);
+    return HasRatios() && Results().trimFill.hasRatio;
 }
 
 double MABinModel::GetOverallTFExpEffectSize() const

@@ -23,10 +23,16 @@ MARunSettings RunSettingsOf(const MAModelSettings& settings)
             settings.GetWeightType(), settings.GetInputESType()};
 }
 
+void TakeModelTypes(const MAModelSettings& settings, MARunSettings& run)
+{
+    run.modelType = settings.GetModelType();
+    run.estimator = settings.GetEstTauType();
+    run.knappHartung = settings.GetKnapHartAdjustType();
+}
+
 bool PoolsCounts(const MARunSettings& run, MAConst::OUTCOMETYPE outcome)
 {
-    return outcome == MAConst::OUTCOME_BINARY && run.weightType == MAConst::WEIGHT_BINARY_FIXED &&
-           run.inputType == MAConst::INPUT_RAW && run.modelType == MAConst::MODEL_FIXED;
+    return outcome == MAConst::OUTCOME_BINARY && PoolsCounts(run.modelType, run.weightType, run.inputType);
 }
 
 MAModelChoice EffectsModel(const MAModelSettings& settings, const MARunSettings& run,

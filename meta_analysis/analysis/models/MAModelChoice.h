@@ -27,6 +27,9 @@ struct MARunSettings
 };
 MARunSettings RunSettingsOf(const MAModelSettings& settings);
 
+/// Copies the type of the model, its estimator and its adjustment.
+void TakeModelTypes(const MAModelSettings& settings, MARunSettings& run);
+
 /// Whether a run on the outcome pools counts: only raw tables under the fixed-effect model. Other
 /// combinations pool by inverse variance.
 bool PoolsCounts(const MARunSettings& run, MAConst::OUTCOMETYPE outcome);

@@ -47,10 +47,11 @@ std::vector<MASelection> MembersByGroup(const MAStudies& studies, const std::vec
 }
 
 MABetweenGroups TestBetweenGroups(const MAStudies& studies, const std::vector<MASelection>& groups,
-                                  MAConst::MODELTYPE type, const std::vector<double>& tau2)
+                                  MAConst::MODELTYPE type, const std::vector<double>& tau2,
+                                  const MABetweenGroups& before)
 {
     const bool isRandom = type == MAConst::MODEL_RANDOM;
-    MABetweenGroups test;
+    MABetweenGroups test = before;
     std::vector<MAWeightedMean> sums;
     MAWeightedMean total;
     for (std::size_t g = 0; g < groups.size(); ++g) {

@@ -22,12 +22,13 @@ struct MABetweenGroups
     MAPValue pValue = {0.0, KXMV::Missing()};
 };
 
-/// Between-group Q: the weighted squares of the groups' means about the grand mean. The weights are always
+/// Adds a between-group Q to `before`: the weighted squares of the groups' means about the grand mean. The weights are always
 /// inverse-variance weights, also where the groups were pooled by a binary method. Under random effects each
-/// group has its own between-study variance, an entry of `tau2`; without one there is no test.
+/// group has its own between-study variance, an entry of `tau2`; without one the test stays as before.
 /// Borenstein et al. (2009), Introduction to Meta-Analysis, ch. 19.
 MABetweenGroups TestBetweenGroups(const MAStudies& studies, const std::vector<MASelection>& groups,
-                                  MAConst::MODELTYPE type, const std::vector<double>& tau2);
+                                  MAConst::MODELTYPE type, const std::vector<double>& tau2,
+                                  const MABetweenGroups& before);
 
 /// One model per group, and one of all studies. After an error, which is that of the first model that failed,
 /// the models before it.

@@ -80,7 +80,7 @@ public:
     {
         for (std::size_t i = 0; i < contrastIndices_.size(); ++i)
             studies.contrastCoefficients[i].push_back(record.Get(contrastIndices_[i]));
-        studies.groupValue.push_back(groupIndex_ == -1 ? MAStudies::noGroup
+        studies.groupValue.push_back(groupIndex_ == -1 ? MAConst::overallGroup
                                                        : ReadStudyValue(record, groupIndex_));
         if (cumulativeIndex_ != -1)
             studies.cumulativeValue.push_back(ReadStudyValue(record, cumulativeIndex_));

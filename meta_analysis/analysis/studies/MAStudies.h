@@ -6,6 +6,8 @@
 #include "meta_analysis/inference/MAEstimate.h"
 #include "meta_analysis/platform/common/KXMV.h"
 
+#include "meta_analysis/settings/MAConst.h"
+
 #include <cstddef>
 #include <vector>
 
@@ -56,11 +58,9 @@ struct MAStudies
     std::vector<MAStudyRatio> ratios;           ///< where there is a ratio scale
     std::vector<MAGroupOutcomes> groupOutcomes; ///< of tables, but for Peto odds ratios
 
-    std::vector<double> groupValue; ///< of the subgroup variable; `noGroup` when there is none
+    std::vector<double> groupValue; ///< of the subgroup variable; `MAConst::overallGroup` when there is none
     std::vector<double> cumulativeValue;
     std::vector<std::vector<double>> contrastCoefficients; ///< one column per contrast
-
-    static constexpr double noGroup = -1.0;
 
     /// Makes room for what is read of the first studies: few meta-analyses have more, and each column then
     /// takes its memory at once.

@@ -3,6 +3,7 @@
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/effectsize/MAStudyEstimate.h"
 #include "meta_analysis/effectsize/MATableEffect.h"
+#include "meta_analysis/effectsize/MATableRule.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
@@ -19,59 +20,26 @@ std::array<int, 4> CountIndices(const MAModelSettings& settings)
             settings.GetControlSuccessVarIndex(), settings.GetControlFailureVarIndex()};
 }
 
-bool HasMissing(const MATable& table)
+void Classify(const MATable& table, int recordNumber, const MATableRule& rule, MAReading& reading)
 {
-    return KXMV::IsMissing(table.a) || KXMV::IsMissing(table.b) || KXMV::IsMissing(table.c) ||
-           KXMV::IsMissing(table.d);
-}
-
-/// Which records are studies.
-class TableRule
-{
-public:
-    explicit TableRule(const MAModelSettings& settings)
-        : dropsDoubleZero_(settings.GetDropBinZero()),
-          refusesZeroInBothArms_(settings.GetBinZeroAdjType() == MAConst::ZERO_ADJUST_NONE)
-    {}
-
-    /// Without a correction, a zero cell in both groups leaves no effect size.
-    bool IsZeroInBothArms(const MATable& table) const
-    {
-        return refusesZeroInBothArms_ && table.a * table.b + table.c * table.d == 0;
-    }
-    bool WarnsOf(const MATable& table) const { return IsZeroInBothArms(table) && !dropsDoubleZero_; }
-    bool IsInvalid(const MATable& table) const
-    {
-        const bool isNegative = table.a < 0 || table.b < 0 || table.c < 0 || table.d < 0;
-        return table.a + table.b + table.c + table.d == 0 || IsZeroInBothArms(table) || isNegative;
-    }
-    /// Events, or non-events, in neither group.
-    bool Drops(const MATable& table) const
-    {
-        return dropsDoubleZero_ && (table.a + table.c == 0 || table.b + table.d == 0);
-    }
-
-private:
-    bool dropsDoubleZero_;
-    bool refusesZeroInBothArms_;
-};
-
-void Classify(const MATable& table, int recordNumber, const TableRule& rule, MAReading& reading)
-{
-    if (HasMissing(table)) {
-        ++reading.counts.missing;
-        return;
-    }
-    if (rule.WarnsOf(table) && reading.warnings.empty())
+    const MATableVerdict verdict = rule.Judge(table);
+    if (verdict != MATableVerdict::Missing && rule.WarnsOf(table) && reading.warnings.empty())
         reading.warnings.push_back(MAStatusCode::ZERO_CELLS_IN_BOTH_ARMS);
-    if (rule.IsInvalid(table)) {
+    switch (verdict) {
+    case MATableVerdict::Missing:
+        ++reading.counts.missing;
+        break;
+    case MATableVerdict::Invalid:
         ++reading.counts.invalid;
-    } else if (rule.Drops(table)) {
+        break;
+    case MATableVerdict::Dropped:
         ++reading.counts.dropped;
-    } else {
+        break;
+    case MATableVerdict::Study:
         reading.studies.recordNumber.push_back(recordNumber);
         reading.studies.sampleSize.push_back(table.a + table.b + table.c + table.d);
         reading.studies.tables.push_back(table);
+        break;
     }
 }
 
@@ -111,7 +79,7 @@ bool NamesTables(const MAModelSettings& settings)
 MAReading ReadTables(MultiPassRecordIter& records, const MAModelSettings& settings)
 {
     const std::array<int, 4> indices = CountIndices(settings);
-    const TableRule rule(settings);
+    const MATableRule rule(settings.GetBinZeroAdjType(), settings.GetDropBinZero());
     MAReading reading;
     reading.studies.recordNumber.reserve(MAStudies::expectedCount);
     reading.studies.sampleSize.reserve(MAStudies::expectedCount);
