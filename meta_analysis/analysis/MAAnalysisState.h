@@ -46,8 +46,9 @@ struct MAModelLists
 /// The subgroups of the studies.
 struct MAGroups
 {
-    std::vector<double> values;       ///< distinct, ascending
-    std::vector<double> shownValues;  ///< as hosts read them, with `MAConst::overallGroup` for the overall model
+    std::vector<double> values; ///< distinct, ascending
+    std::vector<double>
+        shownValues; ///< as hosts read them, with `MAConst::overallGroup` for the overall model
     std::vector<MASelection> members; ///< of the groups analysed, in study or cumulative order
     MABetweenGroups between;
 

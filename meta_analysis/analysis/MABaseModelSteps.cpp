@@ -319,8 +319,7 @@ void MABaseModel::StoreTrimFill(const MATrimAndFill& found)
     Append(results.imputed.variance, found.imputed.variance);
     Append(results.imputed.stdError, found.imputed.stdError);
     results.model.reset();
-    results.hasRatio =
-        found.imputedCount == 0 || settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY;
+    results.hasRatio = found.imputedCount == 0 || settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY;
     if (found.filled.has_value()) {
         results.model = found.filled->effect;
         WarnOfTau2(*found.filled);

@@ -118,8 +118,7 @@ KXStatus MABinModel::FixedBinModelContrastTest()
 
 bool MABinModel::HasLabbePlot() const
 {
-    return Results().settings.run.inputType == MAConst::INPUT_RAW &&
-           ComparesGroups(GetESType()) &&
+    return Results().settings.run.inputType == MAConst::INPUT_RAW && ComparesGroups(GetESType()) &&
            Results().studies.groupOutcomes.size() == Results().studies.Count();
 }
 

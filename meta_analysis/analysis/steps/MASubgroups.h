@@ -22,10 +22,10 @@ struct MABetweenGroups
     MAPValue pValue = {0.0, KXMV::Missing()};
 };
 
-/// Adds a between-group Q to `before`: the weighted squares of the groups' means about the grand mean. The weights are always
-/// inverse-variance weights, also where the groups were pooled by a binary method. Under random effects each
-/// group has its own between-study variance, an entry of `tau2`; without one the test stays as before.
-/// Borenstein et al. (2009), Introduction to Meta-Analysis, ch. 19.
+/// Adds a between-group Q to `before`: the weighted squares of the groups' means about the grand mean. The
+/// weights are always inverse-variance weights, also where the groups were pooled by a binary method. Under
+/// random effects each group has its own between-study variance, an entry of `tau2`; without one the test
+/// stays as before. Borenstein et al. (2009), Introduction to Meta-Analysis, ch. 19.
 MABetweenGroups TestBetweenGroups(const MAStudies& studies, const std::vector<MASelection>& groups,
                                   MAConst::MODELTYPE type, const std::vector<double>& tau2,
                                   const MABetweenGroups& before);

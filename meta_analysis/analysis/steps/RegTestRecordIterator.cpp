@@ -2,6 +2,7 @@
 
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/effectsize/MATable.h"
+#include "meta_analysis/effectsize/MATableRule.h"
 #include "meta_analysis/effectsize/MAZeroCorrection.h"
 
 #include <cmath>
@@ -99,12 +100,7 @@ bool RegTestRecordIterator::ReadTable(const Record& source, MATable& table) cons
 {
     table = {ReadStudyValue(source, treatmentEvents_), ReadStudyValue(source, treatmentNonEvents_),
              ReadStudyValue(source, controlEvents_), ReadStudyValue(source, controlNonEvents_)};
-    // A missing count is negative.
-    if (table.a < 0 || table.b < 0 || table.c < 0 || table.d < 0 || table.Size() == 0)
-        return false;
-    if (dropBinZero_ && (table.a + table.c == 0 || table.b + table.d == 0))
-        return false;
-    return zeroAdjustment_ != MAConst::ZERO_ADJUST_NONE || table.a * table.b + table.c * table.d != 0;
+    return MATableRule(zeroAdjustment_, dropBinZero_).Judge(table) == MATableVerdict::Study;
 }
 
 void RegTestRecordIterator::AppendTableColumns(const MATable& counts)

@@ -5,7 +5,6 @@
 #include "meta_analysis/effectsize/MATable.h"
 #include "meta_analysis/inference/MAEstimate.h"
 #include "meta_analysis/platform/common/KXMV.h"
-
 #include "meta_analysis/settings/MAConst.h"
 
 #include <cstddef>
