@@ -44,8 +44,6 @@ MATau2Estimate EstimateFrom(const MARegFit& fit)
 
 MATau2Estimate EstimateByFit(const MADesignMatrix& design, MAWeightMode mode)
 {
-    if (design.Rows().Count() == 0) // without parameters there can be no record either
-        return FailedTau2(KXStatus(MAStatusCode::INPUT_NOT_GIVEN));
     MARegFit fit(design, mode);
     const KXStatus fitted = fit.Fit();
     if (fitted.IsError())
