@@ -2,6 +2,9 @@
 
 #include "support/Regression.h"
 
+#include "meta_analysis/settings/MAEstimators.h"
+#include "meta_analysis/settings/MAMeasures.h"
+
 using namespace MA_NAMESPACE;
 using namespace MAConst;
 
@@ -119,9 +122,9 @@ void SetModel(Values& values, MAModelSettings& settings)
 {
     settings.SetModelType(values.Enumerator<MODELTYPE>(2));
     settings.SetWeightType(values.Enumerator<WEIGHTYPE>(2));
-    settings.SetEstTauType(values.Enumerator<TAU2ESTIMATOR>(7));
+    settings.SetEstTauType(values.Enumerator<TAU2ESTIMATOR>(estimatorCount));
     settings.SetKnapHartAdjustType(values.Enumerator<KNAPPHADJTYPE>(3));
-    settings.SetBinaryEstType(values.Enumerator<BINESTYPE>(4));
+    settings.SetBinaryEstType(values.Enumerator<BINESTYPE>(measureCount));
     settings.SetContinousEstType(values.Enumerator<CONTESTYPE>(4));
     settings.SetGlassDsVarDependentGroup(values.Enumerator<STUDYGROUPTYPE>(2));
     settings.SetVarEqualAssumption(values.Flag());
@@ -148,7 +151,7 @@ void SetFurtherAnalyses(Values& values, int first, std::size_t studyCount, MAMod
     settings.SetTrimFillSide(values.Enumerator<TRIMFSIDE>(3));
     settings.SetTrimFillMethod(values.Enumerator<TRIMFMETHOD>(3));
     settings.SetTFModelType(values.Enumerator<MODELTYPE>(2));
-    settings.SetTFEstTauType(values.Enumerator<TAU2ESTIMATOR>(7));
+    settings.SetTFEstTauType(values.Enumerator<TAU2ESTIMATOR>(estimatorCount));
     settings.SetTFKnapHartAdjustType(values.Enumerator<KNAPPHADJTYPE>(3));
     settings.SetRegBaseTestType(values.Enumerator<RegBaseTestType>(4));
     settings.SetIsUseIntercept(!values.IsHostile());
@@ -159,12 +162,12 @@ void SetFurtherAnalyses(Values& values, int first, std::size_t studyCount, MAMod
     settings.SetFunnelConTourCutoff({0.1, values.Cell(0.05)});
     settings.SetCenterBubblePlot(values.Flag());
     settings.SetBubbleCurveNPoints(values.SmallInt(5));
+    settings.SetLeaveOneOut(true);
 }
 
 void SetEstimation(Values& values, MARegSettings& settings)
 {
-    static const char* const codes[] = {"HE", "HS", "DL", "SJ", "ML", "REML", "EB"};
-    settings.SetEstTauType(values.IsHostile() ? "none" : values.Stream().Pick(codes));
+    settings.SetEstTauType(values.IsHostile() ? "none" : values.Stream().Pick(allEstimators).code);
     settings.SetKnapHartAdjust(values.Flag());
     settings.SetTruncAjustValue(values.Flag());
     settings.SetTestDistType(values.Enumerator<TESTDISTTYPE>(2));
