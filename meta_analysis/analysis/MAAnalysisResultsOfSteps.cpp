@@ -1,5 +1,5 @@
-// Getters of the further analyses: subgroups, contrasts, cumulative analysis, trim-and-fill, plots and
-// small-study tests.
+// Getters of the further analyses: subgroups, contrasts, cumulative analysis, leave-one-out, trim-and-fill
+// and small-study tests.
 
 #include "meta_analysis/analysis/MAAnalysisResults.h"
 #include "meta_analysis/analysis/MAAnalysisState.h"
@@ -219,56 +219,6 @@ double MAAnalysisResults::GetOverallTFCIUpper() const
     return Results().trimFill.model.value_or(MAEstimate()).ciUpper;
 }
 
-std::vector<std::vector<double>> MAAnalysisResults::GetFunnelX() const
-{
-    return CopyOf(Results().funnel.x);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetFunnelY() const
-{
-    return CopyOf(Results().funnel.y);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetFunnelCIX() const
-{
-    return CopyOf(Results().funnel.lineX);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetFunnelCIY() const
-{
-    return CopyOf(Results().funnel.lineY);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetFunnelContourX() const
-{
-    return CopyOf(Results().funnel.contours);
-}
-
-std::vector<double> MAAnalysisResults::GetFunnelContourY() const
-{
-    return CopyOf(Results().funnel.yMax);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetGalbPlotX() const
-{
-    return FieldOf(Results().galbraith, &MAGalbraithPlot::x);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetGalbPlotY() const
-{
-    return FieldOf(Results().galbraith, &MAGalbraithPlot::y);
-}
-
-std::vector<double> MAAnalysisResults::GetGalbRegrSlope() const
-{
-    return FieldOf(Results().galbraith, &MAGalbraithPlot::slope);
-}
-
-std::vector<double> MAAnalysisResults::GetGalbRegrIntercept() const
-{
-    return FieldOf(Results().galbraith, &MAGalbraithPlot::criticalValue);
-}
-
 MAConst::RegBaseTestType MAAnalysisResults::GetRegTesType() const
 {
     return settings_->GetRegBaseTestType();
@@ -357,56 +307,6 @@ std::vector<std::vector<KXRegrParameter>> MAAnalysisResults::GetRegrCoefParamete
 std::vector<KXBitSet> MAAnalysisResults::GetRegrCoefRedundancyInfo() const
 {
     return FieldOf(Results().tests, &MASmallStudyTest::nonRedundant);
-}
-
-std::vector<int> MAAnalysisResults::GetBubbleFlags() const
-{
-    return FieldOf(Results().bubbles, &MABubbleRows::fitted);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCoefs() const
-{
-    return FieldOf(Results().bubbles, &MABubbleRows::coefficients);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetBubbleXs() const
-{
-    return FieldOf(Results().bubbles, &MABubbleRows::x);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetBubblePredVals() const
-{
-    return FieldOf(Results().bubbles, &MABubbleRows::predicted);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetBubbleW() const
-{
-    return FieldOf(Results().bubbles, &MABubbleRows::weight);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCILower() const
-{
-    return FieldOf(Results().bubbles, &MABubbleRows::ciLower);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCIUpper() const
-{
-    return FieldOf(Results().bubbles, &MABubbleRows::ciUpper);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCICurveX() const
-{
-    return FieldOf(Results().bubbles, &MABubbleRows::curveX);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCICurveLower() const
-{
-    return FieldOf(Results().bubbles, &MABubbleRows::curveLower);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCICurveUpper() const
-{
-    return FieldOf(Results().bubbles, &MABubbleRows::curveUpper);
 }
 
 } // namespace MA_NAMESPACE
