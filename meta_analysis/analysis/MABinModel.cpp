@@ -17,6 +17,15 @@ namespace MA_NAMESPACE {
 
 namespace {
 
+/// Copies of a host's counts, which a pooling object may correct.
+struct Counts
+{
+    std::vector<double> a;
+    std::vector<double> b;
+    std::vector<double> c;
+    std::vector<double> d;
+};
+
 std::vector<double> Exponentiated(std::vector<double> values)
 {
     std::transform(values.begin(), values.end(), values.begin(), RatioOf);
@@ -146,11 +155,8 @@ KXStatus MABinModel::BuildBinModel(const std::vector<double>& treatmentEvents,
                                    const std::vector<double>& controlNonEvents)
 {
     return Guarded(status_, [&] {
-        std::vector<double> a = treatmentEvents;
-        std::vector<double> b = treatmentNonEvents;
-        std::vector<double> c = controlEvents;
-        std::vector<double> d = controlNonEvents;
-        MABinaryFixEffectModel model = NewBinFixEffectModel(a, b, c, d);
+        Counts counts = {treatmentEvents, treatmentNonEvents, controlEvents, controlNonEvents};
+        MABinaryFixEffectModel model = NewBinFixEffectModel(counts.a, counts.b, counts.c, counts.d);
         status_ = model.ComputeEffectSizeStatistics();
         if (status_.IsError())
             return status_;
@@ -166,11 +172,8 @@ KXStatus MABinModel::BuildBinOnlyTestModel(const std::vector<double>& treatmentE
                                            const std::vector<double>& controlNonEvents)
 {
     return Guarded(status_, [&] {
-        std::vector<double> a = treatmentEvents;
-        std::vector<double> b = treatmentNonEvents;
-        std::vector<double> c = controlEvents;
-        std::vector<double> d = controlNonEvents;
-        MABinaryFixEffectModel model = NewBinFixEffectModel(a, b, c, d);
+        Counts counts = {treatmentEvents, treatmentNonEvents, controlEvents, controlNonEvents};
+        MABinaryFixEffectModel model = NewBinFixEffectModel(counts.a, counts.b, counts.c, counts.d);
         status_ = model.ComputeEffectSizeStatistics();
         if (!status_.IsError())
             GetBinFixModelTestOutput(model);
