@@ -43,7 +43,7 @@ void Describe(const MARegTask& task, MARegBuild& build)
         build.Passed(dispersion.warning);
         build.results.dispersion = build.scale = dispersion.value;
     }
-    if (task.use == MARegUse::BubblePlot)
+    if (task.use == MARegUse::BubblePlot || task.use == MARegUse::Statistics)
         return;
     build.results.tests = TestCoefficients(fit, build.scale, UsesStudentT(settings));
     if (task.use == MARegUse::SmallStudyTest)
@@ -60,6 +60,8 @@ MARegBuild FitFixedEffects(const MARegTask& task)
     if (!build.Fit(task.design, MAWeightMode::FixedEffect, 0.0))
         return build;
     Describe(task, build);
+    if (task.use == MARegUse::Statistics)
+        return build;
     // Predictions use the settings' distribution; the Knapp-Hartung flag plays no part in them.
     build.criticalValue =
         CriticalValue(*build.fit, task.Settings().GetTestDistType() == MAConst::TEST_STUDENT_T);

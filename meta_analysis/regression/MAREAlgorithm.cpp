@@ -73,6 +73,8 @@ KXStatus Describe(const MARegTask& task, MARegBuild& build)
     MARegResults& results = build.results;
     if (settings.IsKnapHartAdjust())
         build.scale = KnappHartungScale(fit, settings.IsTruncAjustValue());
+    if (task.use == MARegUse::Statistics)
+        return KXStatus();
     results.tests = TestCoefficients(fit, build.scale, UsesStudentT(settings));
     const MAConst::TAU2ESTIMATOR estimator = EstimatorOf(settings);
     // A code that is no estimator has the curve of Q.
@@ -114,6 +116,8 @@ MARegBuild FitRandomEffects(const MARegTask& task)
     if (!build.Fit(task.design, MAWeightMode::RandomEffects, estimate.tau2))
         return build;
     if (task.use != MARegUse::BubblePlot && !build.Passed(Describe(task, build)))
+        return build;
+    if (task.use == MARegUse::Statistics)
         return build;
     build.criticalValue = CriticalValue(*build.fit, UsesStudentT(task.Settings()));
     return build;

@@ -43,6 +43,27 @@ MARegrParameters ParametersOf(const MADesignMatrix& design, const std::vector<MA
     return parameters;
 }
 
+bool IsWhole(const MARegTask& task, const MARegBuild& build)
+{
+    return task.use == MARegUse::Model && !build.status.IsError();
+}
+
+void AddRobustTests(const MARegTask& task, MARegBuild& build)
+{
+    if (task.Settings().GetCluster() < 0 || !IsWhole(task, build))
+        return;
+    build.results.robust = TestRobustly(*build.fit);
+    build.Passed(build.results.robust.status);
+}
+
+void AddPermutationTests(const MARegTask& task, MARegFitFunction* fitModel, MARegBuild& build)
+{
+    if (task.Settings().GetPermutations() <= 0 || !IsWhole(task, build))
+        return;
+    build.results.permutation = TestByPermutation(task.design, fitModel);
+    build.Passed(build.results.permutation.status);
+}
+
 } // namespace
 
 struct MARegAlgorithm::State
@@ -146,7 +167,10 @@ KXStatus MARegAlgorithm::State::Build(MultiPassRecordIter& records, bool isRando
         return status;
     for (const int code : WarningsOfRegression(settings, isRandom))
         Passed(KXStatus(code, true));
-    MARegBuild build = fitModel({*design, Use()});
+    const MARegTask task = {*design, Use()};
+    MARegBuild build = fitModel(task);
+    AddRobustTests(task, build);
+    AddPermutationTests(task, fitModel, build);
     for (const KXStatus& warning : build.warnings)
         Passed(warning);
     if (!Passed(build.status))

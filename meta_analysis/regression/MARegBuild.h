@@ -26,7 +26,8 @@ enum class MARegUse
 {
     Model,          ///< all results
     SmallStudyTest, ///< the coefficients and their tests
-    BubblePlot      ///< the coefficients
+    BubblePlot,     ///< the coefficients
+    Statistics      ///< the fit and its scale, from which test statistics follow
 };
 
 /// What is to be fitted. The settings are the design's.
@@ -69,5 +70,8 @@ struct MARegBuild
         return true;
     }
 };
+
+/// What an engine fits a task by.
+using MARegFitFunction = MARegBuild(const MARegTask&);
 
 } // namespace MA_NAMESPACE

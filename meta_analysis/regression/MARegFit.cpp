@@ -75,11 +75,23 @@ void MARegFit::ComputeCoefficients()
     }
 }
 
-/// The standard error of d'g before scaling: |R'⁻¹d|.
-double MARegFit::StdErrorOf(std::vector<double> direction) const
+/// R'⁻¹c.
+std::vector<double> MARegFit::Whitened(std::vector<double> direction) const
 {
     SolveTransposed(factor_, direction.data());
-    return std::sqrt(std::inner_product(direction.begin(), direction.end(), direction.begin(), 0.0));
+    return direction;
+}
+
+std::vector<double> MARegFit::Direction(std::size_t position) const
+{
+    return Whitened(columns_->DirectionOfCoefficient(position));
+}
+
+/// The standard error of c'g before scaling: |R'⁻¹c|.
+double MARegFit::StdErrorOf(std::vector<double> direction) const
+{
+    const std::vector<double> d = Whitened(std::move(direction));
+    return std::sqrt(std::inner_product(d.begin(), d.end(), d.begin(), 0.0));
 }
 
 double MARegFit::UnscaledStdError(std::size_t position) const

@@ -55,6 +55,10 @@ public:
     std::vector<double> LeverageComplements() const;
     /// sum(w_i r_i²).
     double WeightedResidualSum() const;
+    /// R with R'R = Z'WZ.
+    const MASquareMatrix& Factor() const { return factor_; }
+    /// d = R'⁻¹c of the estimated coefficient c'g at a position of `EstimatedColumns`; d'd = M_jj.
+    std::vector<double> Direction(std::size_t position) const;
     /// sqrt(M_jj) of the estimated coefficient at a position of `EstimatedColumns`.
     double UnscaledStdError(std::size_t position) const;
     /// b₁'M₁⁻¹b₁ of the coefficients other than the intercept, and their number.
@@ -73,6 +77,7 @@ public:
 private:
     void WeighRows();
     void ComputeCoefficients();
+    std::vector<double> Whitened(std::vector<double> direction) const;
     double StdErrorOf(std::vector<double> direction) const;
     std::size_t FirstTested() const { return design_->HasIntercept() && columns_->Rank() > 0 ? 1 : 0; }
 

@@ -205,4 +205,64 @@ double MARegOutputStats::GetAICc() const
     return Get().tau2Results.information.aicc;
 }
 
+std::vector<double> MARegOutputStats::GetRobustStdError() const
+{
+    return CopyOf(Get().robust.stdErrors);
+}
+
+std::vector<double> MARegOutputStats::GetRobustVal() const
+{
+    return CopyOf(Get().robust.statistics);
+}
+
+std::vector<double> MARegOutputStats::GetRobustDf() const
+{
+    return CopyOf(Get().robust.dfs);
+}
+
+std::vector<double> MARegOutputStats::GetRobustSig() const
+{
+    return FieldOf(Get().robust.pValues, &MAPValue::value);
+}
+
+std::vector<double> MARegOutputStats::GetRobustCILower() const
+{
+    return CopyOf(Get().robust.lowerLimits);
+}
+
+std::vector<double> MARegOutputStats::GetRobustCIUpper() const
+{
+    return CopyOf(Get().robust.upperLimits);
+}
+
+std::vector<std::vector<double>> MARegOutputStats::GetRobustCovariance() const
+{
+    return CopyOf(Get().robust.covariance);
+}
+
+int MARegOutputStats::GetRobustClusters() const
+{
+    return Get().robust.clusters;
+}
+
+std::vector<double> MARegOutputStats::GetPermutationSig() const
+{
+    return CopyOf(Get().permutation.coefficients);
+}
+
+double MARegOutputStats::GetPermutationModelSig() const
+{
+    return Get().permutation.model;
+}
+
+int MARegOutputStats::GetPermutationCount() const
+{
+    return Get().permutation.count;
+}
+
+int MARegOutputStats::GetPermutationExact() const
+{
+    return Get().permutation.isExact ? 1 : 0;
+}
+
 } // namespace MA_NAMESPACE

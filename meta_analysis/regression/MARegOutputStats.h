@@ -86,6 +86,34 @@ public:
     double GetBIC() const;
     double GetAICc() const;
 
+    /// Cluster-robust tests of the coefficients, with the sandwich variance of the settings: standard errors,
+    /// statistics, degrees of freedom of Student's t (Satterthwaite's for CR2, clusters - p for CR1 and CR0),
+    /// p-values, limits, covariance matrix (a row per parameter) and the number of clusters. Neither the
+    /// dispersion nor the Knapp-Hartung adjustment scales them. Empty, and 0, without a cluster variable;
+    /// missing for a coefficient that one cluster alone determines (warning `CLUSTER_DECIDES`). Source:
+    /// Pustejovsky and Tipton 2018, Journal of Business and Economic Statistics 36, 672-683.
+    std::vector<double> GetRobustStdError() const;
+    std::vector<double> GetRobustVal() const;
+    std::vector<double> GetRobustDf() const;
+    std::vector<double> GetRobustSig() const;
+    std::vector<double> GetRobustCILower() const;
+    std::vector<double> GetRobustCIUpper() const;
+    std::vector<std::vector<double>> GetRobustCovariance() const;
+    int GetRobustClusters() const;
+
+    /// Permutation p-values: of each coefficient, two-sided by the size of its test statistic; and of the
+    /// model test, missing without a tested parameter. Without moderators the signs of the effect sizes are
+    /// permuted, otherwise the rows of the design, and every permutation is fitted anew with its own tau².
+    /// The share of permutations whose statistic is no smaller, among all of them when exact; otherwise among
+    /// those drawn and the data themselves, (1 + number) / (1 + drawn). Empty, and missing, when none are
+    /// asked for. Source: Higgins and Thompson 2004, Statistics in Medicine 23, 1663-1682.
+    std::vector<double> GetPermutationSig() const;
+    double GetPermutationModelSig() const;
+    /// Permutations with a statistic, which the p-values are about (warning `PERMUTATIONS_LEFT_OUT` when some
+    /// had none), and 1 when they are all that there are, else 0.
+    int GetPermutationCount() const;
+    int GetPermutationExact() const;
+
 private:
     const MARegResults& Get() const noexcept;
 

@@ -5,6 +5,8 @@
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/regression/KXRegrParameter.h"
 #include "meta_analysis/pooling/MATau2Results.h"
+#include "meta_analysis/regression/MAPermutationTest.h"
+#include "meta_analysis/regression/MARobustVariance.h"
 
 #include <memory>
 #include <vector>
@@ -61,6 +63,8 @@ struct MARegResults
     double dispersion = 1.0;
     MAResidualHeterogeneity residual;
     double rSquare = 0.0;
+    MARobustTests robust;           ///< empty without a cluster variable
+    MAPermutationTests permutation; ///< empty without permutations
 };
 
 } // namespace MA_NAMESPACE

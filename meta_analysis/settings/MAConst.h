@@ -181,6 +181,14 @@ enum TESTDISTTYPE : int
     TEST_STANDARD_NORMAL = 1
 };
 
+/// Meta-regression: cluster-robust (sandwich) variance of the coefficients.
+enum SANDWICHTYPE : int
+{
+    SANDWICH_CR2 = 0, ///< unbiased under the working model, Student's t with Satterthwaite degrees of freedom
+    SANDWICH_CR1 = 1, ///< CR0 times m / (m - p), Student's t with m - p degrees of freedom, m the clusters
+    SANDWICH_CR0 = 2  ///< residuals as they are, Student's t with m - p degrees of freedom
+};
+
 /// Meta-regression: what the omega-weight variable holds. A study's weight is the inverse of its variance.
 enum OMGWeightType : int
 {

@@ -134,6 +134,24 @@ public:
     /// Student's t whatever is set here.
     void SetTestDistType(MAConst::TESTDISTTYPE value) { testDistType_ = value; }
     MAConst::TESTDISTTYPE GetTestDistType() const { return testDistType_; }
+    /// Variable whose equal values make records a cluster, for the cluster-robust variance of the
+    /// coefficients; default -1 for none. A record without a value is not usable. Effect sizes of different
+    /// clusters are taken as independent; those of one cluster may depend on each other in any way. Errors of
+    /// the engines: `ONE_CLUSTER`, `TOO_FEW_CLUSTERS`.
+    void SetCluster(int value) { cluster_ = value; }
+    int GetCluster() const { return cluster_; }
+    /// The robust variance; default CR2. It and its degrees of freedom hold the level of tests with few
+    /// clusters, where CR1 and, above all, CR0 reject too often. Has no effect without a cluster variable.
+    void SetSandwich(MAConst::SANDWICHTYPE value) { sandwich_ = value; }
+    MAConst::SANDWICHTYPE GetSandwich() const { return sandwich_; }
+    /// The most permutations of a permutation test of the coefficients and the model; default 0 for none. The
+    /// test is exact when there are no more; otherwise so many are drawn, and a p-value p has the standard
+    /// error sqrt(p (1 - p) / permutations). Each takes a fit.
+    void SetPermutations(int value) { permutations_ = value; }
+    int GetPermutations() const { return permutations_; }
+    /// Selects the permutations drawn; any number, default 0. The same seed draws the same on every machine.
+    void SetSeed(int value) { seed_ = value; }
+    int GetSeed() const { return seed_; }
 
 protected:
     bool IsValidIterations() const { return GetMaxStepHalvingValue() > 0; }
@@ -177,6 +195,10 @@ private:
     int controlSuccess_ = -1;
     int controlFailure_ = -1;
     MAConst::TESTDISTTYPE testDistType_ = MAConst::TEST_STUDENT_T;
+    int cluster_ = -1;
+    MAConst::SANDWICHTYPE sandwich_ = MAConst::SANDWICH_CR2;
+    int permutations_ = 0;
+    int seed_ = 0;
 };
 
 } // namespace MA_NAMESPACE

@@ -24,6 +24,8 @@ constexpr int TAU2_FAILED = 460060; ///< between-study variance estimation faile
 constexpr int NO_USABLE_STUDY = 460073;   ///< but some unusable ones
 constexpr int NO_ANALYSED_STUDY = 460075; ///< for trim-and-fill
 constexpr int OUT_OF_MEMORY = 460099;     ///< memory ran out; the results hold what was stored before
+constexpr int ONE_CLUSTER = 460140;       ///< all usable studies are in one cluster: no robust variance
+constexpr int TOO_FEW_CLUSTERS = 460141;  ///< no more clusters than coefficients, for CR1 and CR0
 
 // Warnings.
 constexpr int UNUSABLE_RECORD = 460031;         ///< in a meta-regression
@@ -52,5 +54,8 @@ constexpr int NO_STUDY_IN_RUN = 460105;           ///< a run of which no study i
 constexpr int NO_ITERATION_ALLOWED = 460106;      ///< iteration limit below 1 for an iterative estimator
 constexpr int MODEL_TYPE_UNKNOWN = 460107;        ///< a model type outside the enumeration
 constexpr int TAU2_INTERVAL_UNAVAILABLE = 460108; ///< profile likelihood for an estimator other than ML, REML
+constexpr int CLUSTER_DECIDES =
+    460142; ///< one cluster alone determines a coefficient: no robust variance of it
+constexpr int PERMUTATIONS_LEFT_OUT = 460143; ///< some permuted data had no test statistic
 
 } // namespace MA_NAMESPACE::MAStatusCode

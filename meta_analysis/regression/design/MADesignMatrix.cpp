@@ -75,13 +75,20 @@ bool MADesignMatrix::HasKnownEffects() const
 
 KXStatus MADesignMatrix::CheckRecord(const Record& record, bool skipDependentAndWeight) const
 {
-    const bool isUsable = HasPredictors(record) && (skipDependentAndWeight || HasDependentAndWeight(record));
+    const bool isUsable = HasPredictors(record) &&
+                          (skipDependentAndWeight || (HasDependentAndWeight(record) && HasCluster(record)));
     return isUsable ? KXStatus() : unusableRecord;
 }
 
 bool MADesignMatrix::HasDependentAndWeight(const Record& record) const
 {
     return dependent_ != nullptr && dependent_->check(record) && omegaWeight_->check(record);
+}
+
+bool MADesignMatrix::HasCluster(const Record& record) const
+{
+    const int cluster = settings_->GetCluster();
+    return cluster < 0 || !(KXMV::IsMissing(record.Get(cluster)) || std::isnan(record.Get(cluster)));
 }
 
 bool MADesignMatrix::HasPredictors(const Record& record) const
@@ -214,13 +221,24 @@ KXStatus MADesignMatrix::CacheRows()
     const KXStatus read = ReadRows();
     if (read.IsError())
         return read;
+    OrthonormalizeRows();
+    return read;
+}
+
+void MADesignMatrix::SetRows(const MADesignRows& rows)
+{
+    rows_ = rows;
+    OrthonormalizeRows();
+}
+
+void MADesignMatrix::OrthonormalizeRows()
+{
     columns_ = std::make_unique<const MAOrthonormalColumns>(rows_, hasIntercept_,
                                                             settings_->GetComputationalTolerance());
     meanVariance_ = 0.0;
     for (const double variance : rows_.variances)
         meanVariance_ += variance / static_cast<double>(rows_.Count());
     rowsCached_ = true;
-    return read;
 }
 
 KXStatus MADesignMatrix::ReadRows()
@@ -259,6 +277,8 @@ bool MADesignMatrix::CacheRow(const Record& record)
     row[rows_.columnCount] = study.dependent;
     rows_.weights.push_back(study.omegaWeight);
     rows_.variances.push_back(1.0 / study.omegaWeight);
+    if (settings_->GetCluster() >= 0)
+        rows_.clusters.push_back(record.Get(settings_->GetCluster()));
     return true;
 }
 

@@ -28,7 +28,8 @@ class MAOrthonormalColumns;
 ///
 /// A record is usable when its dependent is there, its omega weight is positive, each factor of the settings
 /// has a level below the factor's size and each covariate of the settings is there, whether or not a model
-/// effect uses it. A record that is not usable has the warning `UNUSABLE_RECORD`.
+/// effect uses it, and the cluster variable, if there is one, has a value. A record that is not usable has
+/// the warning `UNUSABLE_RECORD`.
 class MADesignMatrix
 {
 public:
@@ -65,6 +66,9 @@ public:
     /// first pass.
     KXStatus CacheRows();
 
+    /// Takes these rows in place of the cached ones, with columns as many as the settings make.
+    void SetRows(const MADesignRows& rows);
+
     /// Whether the rows are cached, so that a regression can be fitted.
     bool IsReady() const { return rowsCached_; }
     const MADesignRows& Rows() const { return rows_; }
@@ -85,6 +89,7 @@ public:
 
 private:
     bool HasDependentAndWeight(const Record& record) const;
+    bool HasCluster(const Record& record) const;
     bool HasPredictors(const Record& record) const;
     bool HasUsableLevels(const Record& record) const;
     bool HasCovariates(const Record& record) const;
@@ -92,6 +97,7 @@ private:
     void FixColumns();
     KXStatus ReadRows();
     bool CacheRow(const Record& record);
+    void OrthonormalizeRows();
     bool CodePredictors(const Record& record, double* row) const;
     void ApplyStudy(const Record& record, MADesignRow& row) const;
 

@@ -40,6 +40,7 @@ struct MADesignRows
     std::vector<double> cells;     ///< row after row; each the p predictors, then the dependent
     std::vector<double> weights;   ///< omega weight of each row: finite and positive
     std::vector<double> variances; ///< their inverses, kept because every iteration needs them
+    std::vector<double> clusters;  ///< value of the cluster variable of each row; empty without one
 
     std::size_t Count() const { return weights.size(); }
     const double* Row(std::size_t i) const { return cells.data() + i * (columnCount + 1); }

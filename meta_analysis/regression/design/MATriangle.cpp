@@ -5,6 +5,14 @@
 
 namespace MA_NAMESPACE {
 
+MASquareMatrix UnitMatrix(std::size_t size)
+{
+    MASquareMatrix unit(size);
+    for (std::size_t i = 0; i < size; ++i)
+        unit(i, i) = 1.0;
+    return unit;
+}
+
 MASquareMatrix Product(const MASquareMatrix& left, const MASquareMatrix& right)
 {
     const std::size_t n = left.Size();
@@ -26,6 +34,20 @@ MASquareMatrix Transposed(const MASquareMatrix& matrix)
             transposed(j, i) = matrix(i, j);
     }
     return transposed;
+}
+
+MASquareMatrix CholeskyFactor(const MASquareMatrix& a)
+{
+    MASquareMatrix upper(a.Size());
+    for (std::size_t j = 0; j < a.Size(); ++j) {
+        for (std::size_t i = 0; i <= j; ++i) {
+            double left = a(i, j);
+            for (std::size_t l = 0; l < i; ++l)
+                left -= upper(l, i) * upper(l, j);
+            upper(i, j) = i < j ? left / upper(i, i) : std::sqrt(left);
+        }
+    }
+    return upper;
 }
 
 /// By Householder reflections, which are stable for rows of any scale when the larger come first (Cox and

@@ -16,6 +16,7 @@ public:
     std::size_t Size() const { return size_; }
     double& operator()(std::size_t row, std::size_t col) { return elements_[row * size_ + col]; }
     double operator()(std::size_t row, std::size_t col) const { return elements_[row * size_ + col]; }
+    const double* Row(std::size_t row) const { return elements_.data() + row * size_; }
 
 private:
     std::size_t size_;
@@ -47,10 +48,15 @@ inline void SolveUpper(const MASquareMatrix& upper, double* x)
     }
 }
 
+MASquareMatrix UnitMatrix(std::size_t size);
+
 /// left right.
 MASquareMatrix Product(const MASquareMatrix& left, const MASquareMatrix& right);
 
 MASquareMatrix Transposed(const MASquareMatrix& matrix);
+
+/// The upper triangle R of a positive definite a = R'R, by Cholesky's factorization.
+MASquareMatrix CholeskyFactor(const MASquareMatrix& a);
 
 /// The upper triangle R of a = QR with orthonormal Q.
 MASquareMatrix TriangularFactor(MASquareMatrix a);
