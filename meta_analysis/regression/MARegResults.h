@@ -5,6 +5,7 @@
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/regression/KXRegrParameter.h"
 #include "meta_analysis/pooling/MATau2Results.h"
+#include "meta_analysis/regression/MAPredictedEffect.h"
 
 #include <memory>
 #include <vector>
@@ -28,6 +29,16 @@ struct MACoefficientTests
     std::vector<MAPValue> pValues;
     std::vector<double> lowerLimits;
     std::vector<double> upperLimits;
+};
+
+/// Tests of hypotheses about the coefficients, one entry per hypothesis, and their joint test.
+struct MAHypothesisTests
+{
+    std::vector<double> estimates;
+    std::vector<double> stdErrors;
+    std::vector<double> statistics;
+    std::vector<MAPValue> pValues;
+    MAModelTest joint;
 };
 
 /// The heterogeneity that the predictors leave.
@@ -61,6 +72,10 @@ struct MARegResults
     double dispersion = 1.0;
     MAResidualHeterogeneity residual;
     double rSquare = 0.0;
+    MAHypothesisTests hypotheses;
+    std::vector<MAModelTest> effectTests;  ///< one per model effect
+    std::vector<double> varianceInflation; ///< one per parameter
+    std::vector<MAPredictedEffect> predictions;
 };
 
 } // namespace MA_NAMESPACE

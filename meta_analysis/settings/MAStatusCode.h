@@ -23,7 +23,12 @@ constexpr int ONE_USABLE_STUDY = 460029;       ///< exactly one, where a varianc
 constexpr int TAU2_FAILED = 460060; ///< between-study variance estimation failed, or an engine cannot be made
 constexpr int NO_USABLE_STUDY = 460073;   ///< but some unusable ones
 constexpr int NO_ANALYSED_STUDY = 460075; ///< for trim-and-fill
-constexpr int OUT_OF_MEMORY = 460099;     ///< memory ran out; the results hold what was stored before
+constexpr int HYPOTHESIS_UNUSABLE =
+    460135; ///< not one finite weight a parameter, all weights 0, or not one value a hypothesis
+constexpr int HYPOTHESIS_ON_REDUNDANT = 460136; ///< a hypothesis has weight on a redundant parameter
+constexpr int HYPOTHESES_CONTRADICT = 460137;   ///< dependent hypotheses whose values cannot all hold
+constexpr int REFERENCE_LEVEL_ABSENT = 460138;  ///< no usable record has the reference level of a factor
+constexpr int OUT_OF_MEMORY = 460099;           ///< memory ran out; the results hold what was stored before
 
 // Warnings.
 constexpr int UNUSABLE_RECORD = 460031;         ///< in a meta-regression
@@ -52,5 +57,6 @@ constexpr int NO_STUDY_IN_RUN = 460105;           ///< a run of which no study i
 constexpr int NO_ITERATION_ALLOWED = 460106;      ///< iteration limit below 1 for an iterative estimator
 constexpr int MODEL_TYPE_UNKNOWN = 460107;        ///< a model type outside the enumeration
 constexpr int TAU2_INTERVAL_UNAVAILABLE = 460108; ///< profile likelihood for an estimator other than ML, REML
+constexpr int PREDICTION_UNAVAILABLE = 460139;    ///< values for which the data determine no prediction
 
 } // namespace MA_NAMESPACE::MAStatusCode
