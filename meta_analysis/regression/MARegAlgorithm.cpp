@@ -1,7 +1,11 @@
 #include "meta_analysis/regression/MARegAlgorithm.h"
 
 #include "meta_analysis/platform/common/KXDisplay_940.h"
+#include "meta_analysis/regression/MAHypotheses.h"
+#include "meta_analysis/regression/MAPredictEffects.h"
 #include "meta_analysis/regression/MARegBuild.h"
+#include "meta_analysis/regression/MARegPlotRows.h"
+#include "meta_analysis/regression/MAVarianceInflation.h"
 #include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/MAWarnings.h"
@@ -64,6 +68,18 @@ void AddPermutationTests(const MARegTask& task, MARegFitFunction* fitModel, MARe
     build.Passed(build.results.permutation.status);
 }
 
+/// What follows from a fitted model beside its coefficients: hypotheses, tests of the effects, inflation.
+KXStatus TestModel(const MARegTask& task, bool isRandom, MARegBuild& build)
+{
+    const MARegSettings& settings = task.Settings();
+    const MARegFit& fit = *build.fit;
+    MATestedHypotheses tested = TestHypotheses(fit, build.scale, UsesStudentT(settings));
+    build.results.hypotheses = std::move(tested.tests);
+    build.results.effectTests = TestEffects(fit, build.scale, isRandom && settings.IsKnapHartAdjust());
+    build.results.varianceInflation = VarianceInflation(fit);
+    return tested.status;
+}
+
 } // namespace
 
 struct MARegAlgorithm::State
@@ -93,7 +109,8 @@ struct MARegAlgorithm::State
     KXStatus CreateParameters(MultiPassRecordIter& records);
     KXStatus PrepareRows(MultiPassRecordIter& records);
     KXStatus Build(MultiPassRecordIter& records, bool isRandom, MARegBuild (*fitModel)(const MARegTask&));
-    KXStatus PredictRecord(const Record& record, MARegPrediction& prediction) const;
+    KXStatus PredictRecord(const Record& record, MARegPrediction& predicted) const;
+    void PredictGivenRecords(MARegBuild& build);
 
     const MARegSettings& settings; ///< the host's
     const KXStatus settingsStatus; ///< an error when they could not be used at construction
@@ -109,8 +126,7 @@ struct MARegAlgorithm::State
     std::shared_ptr<const MARegResults> unfitted; ///< with the parameters alone; null until they are created
     std::shared_ptr<const MARegResults> results;
     std::unique_ptr<MARegFit> fit; ///< null until a model is built
-    double scale = 1.0;
-    double criticalValue = 0.0; ///< one for all predictions
+    MAPredictionChoice prediction = {};
 };
 
 KXStatus MARegAlgorithm::State::CreateParameters(MultiPassRecordIter& records)
@@ -131,6 +147,8 @@ KXStatus MARegAlgorithm::State::CreateParameters(MultiPassRecordIter& records)
     if (firstPass.IsError())
         return firstPass;
     AppendNewWarning(firstPass, warnings);
+    if (!design->HasReferenceLevels())
+        return KXStatus(MAStatusCode::REFERENCE_LEVEL_ABSENT);
 
     effectInfo = EffectInfoOf(*design);
     auto created = std::make_shared<MARegResults>();
@@ -175,15 +193,28 @@ KXStatus MARegAlgorithm::State::Build(MultiPassRecordIter& records, bool isRando
         Passed(warning);
     if (!Passed(build.status))
         return status;
+    prediction = {build.scale, build.criticalValue, isRandom ? build.results.tau2 : KXMV::Missing()};
+    if (task.use == MARegUse::Model) {
+        if (!Passed(TestModel(task, isRandom, build)))
+            return status;
+        PredictGivenRecords(build);
+    }
     build.results.parameters = unfitted->parameters;
     results = std::make_shared<const MARegResults>(std::move(build.results));
     fit = std::move(build.fit);
-    scale = build.scale;
-    criticalValue = build.criticalValue;
     return status;
 }
 
-KXStatus MARegAlgorithm::State::PredictRecord(const Record& record, MARegPrediction& prediction) const
+void MARegAlgorithm::State::PredictGivenRecords(MARegBuild& build)
+{
+    for (const Record& values : settings.GetPredictions()) {
+        build.results.predictions.push_back(PredictEffectOf(*build.fit, prediction, values));
+        if (KXMV::IsMissing(build.results.predictions.back().effect))
+            Passed(KXStatus(MAStatusCode::PREDICTION_UNAVAILABLE, true));
+    }
+}
+
+KXStatus MARegAlgorithm::State::PredictRecord(const Record& record, MARegPrediction& predicted) const
 {
     const KXStatus unusable(MAStatusCode::UNUSABLE_RECORD, true);
     if (fit == nullptr)
@@ -192,7 +223,7 @@ KXStatus MARegAlgorithm::State::PredictRecord(const Record& record, MARegPredict
     if (!design->GetRow(record, row, true).IsOK() || row.isBad)
         return unusable;
     const bool hasStudy = design->CheckRecord(record, false).IsOK() && row.HasStudy();
-    prediction = Predict(*fit, scale, criticalValue, row, hasStudy);
+    predicted = Predict(*fit, prediction.scale, prediction.criticalValue, row, hasStudy);
     return KXStatus();
 }
 
@@ -267,6 +298,42 @@ KXStatus MARegAlgorithm::Score(const Record& record, double& fit, double& stdErr
     residualStdError = prediction.residualStdError;
     leverage = prediction.leverage;
     return result;
+}
+
+KXStatus MARegAlgorithm::PredictEffect(const Record& values, MAPredictedEffect& predicted) const
+{
+    predicted = {};
+    KXStatus result;
+    return Guarded(result, [&] {
+        if (state_->fit != nullptr)
+            predicted = PredictEffectOf(*state_->fit, state_->prediction, values);
+        return KXMV::IsMissing(predicted.effect) ? KXStatus(MAStatusCode::PREDICTION_UNAVAILABLE, true)
+                                                 : KXStatus();
+    });
+}
+
+KXStatus MARegAlgorithm::ForestPlot(MultiPassRecordIter& records, std::vector<MARegForestRow>& rows) const
+{
+    rows.clear();
+    KXStatus result;
+    return Guarded(result, [&] {
+        return state_->fit == nullptr ? KXStatus()
+                                      : PlotForest(*state_->fit, state_->prediction, records, rows);
+    });
+}
+
+KXStatus MARegAlgorithm::BubblePlot(MultiPassRecordIter& records, int covariate, int points,
+                                    MARegBubblePlot& plot) const
+{
+    plot = {};
+    if ((state_->settings.GetVariableRoles(covariate) & KXRegSettings::ROLE_COVARIATE) == 0)
+        return KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
+    KXStatus result;
+    return Guarded(result, [&] {
+        return state_->fit == nullptr
+                   ? KXStatus()
+                   : PlotBubbles(*state_->fit, state_->prediction, records, covariate, points, plot);
+    });
 }
 
 void MARegAlgorithm::SetNumOfPredictors(int count)

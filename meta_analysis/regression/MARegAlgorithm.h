@@ -5,6 +5,8 @@
 #include "meta_analysis/platform/common/MultiPassRecordIter.h"
 #include "meta_analysis/platform/regression/KXFactorCounts.h"
 #include "meta_analysis/platform/regression/KXRegrParameter.h"
+#include "meta_analysis/regression/MAPredictedEffect.h"
+#include "meta_analysis/regression/MARegPlots.h"
 #include "meta_analysis/settings/MARegSettings.h"
 
 #include <memory>
@@ -75,6 +77,17 @@ public:
     /// What `MARegOutputStats` shares with the engine: the parameters once they are created, and the results
     /// of the last build, which later builds do not change. Null before the parameters are created.
     std::shared_ptr<const MARegResults> Results() const noexcept;
+
+    /// The effect that the model predicts at the covariates and factor levels of a record; its other
+    /// variables are not read. Interactions and powers follow from these values. Warning
+    /// `PREDICTION_UNAVAILABLE`: the data determine none, or no model is built. Error `OUT_OF_MEMORY`.
+    KXStatus PredictEffect(const Record& values, MAPredictedEffect& predicted) const;
+    /// Coordinates of plots of the fitted model over the records of the build, one row per study used; they
+    /// are empty while no model is built. Errors: `ITERATOR_NOT_STARTED`; `ITERATOR_FAILED`; `OUT_OF_MEMORY`.
+    KXStatus ForestPlot(MultiPassRecordIter& records, std::vector<MARegForestRow>& rows) const;
+    /// `covariate` is a variable of the settings' covariates (`INPUT_NOT_GIVEN` for any other); the line has
+    /// `points` points, at least 2. O(points k p).
+    KXStatus BubblePlot(MultiPassRecordIter& records, int covariate, int points, MARegBubblePlot& plot) const;
 
     MARegAlgorithm(const MARegAlgorithm&) = delete;
     MARegAlgorithm& operator=(const MARegAlgorithm&) = delete;

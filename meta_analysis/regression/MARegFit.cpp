@@ -143,6 +143,16 @@ int MARegFit::TestedCount() const
     return static_cast<int>(columns_->Rank() - FirstTested());
 }
 
+MARegFit::Combination MARegFit::Combine(const std::vector<double>& weights) const
+{
+    std::vector<double> direction = columns_->DirectionOf(weights);
+    const double start =
+        design_->HasIntercept() && !weights.empty() ? weights.front() * columns_->DependentCentre() : 0.0;
+    const double value = std::inner_product(direction.begin(), direction.end(), coordinates_.begin(), start);
+    SolveTransposed(factor_, direction.data());
+    return {value, std::move(direction)};
+}
+
 MARegFit::Point MARegFit::At(const MADesignRow& row) const
 {
     std::vector<double> z = columns_->Coordinates(row.predictors.data());

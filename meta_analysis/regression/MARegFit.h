@@ -65,6 +65,15 @@ public:
     double WaldStatistic() const;
     int TestedCount() const;
 
+    /// l'b for weights l of all parameters, and u with l'Ml = u'u. The parts u of several combinations have
+    /// the products of M. Weights of redundant parameters do not count.
+    struct Combination
+    {
+        double value;
+        std::vector<double> root;
+    };
+    Combination Combine(const std::vector<double>& weights) const;
+
     /// The fit at a row: x'b, its standard error before scaling, and the weight of the row.
     struct Point
     {

@@ -113,6 +113,46 @@ public:
     /// had none), and 1 when they are all that there are, else 0.
     int GetPermutationCount() const;
     int GetPermutationExact() const;
+    /// Hypotheses L b = r of the settings, one entry each: L b, its standard error, (L b - r) over it, and
+    /// the p-value, by the distribution of the coefficient tests: Student's t with k - p degrees of freedom,
+    /// or the standard normal. Tests are missing where the standard error is 0 or missing.
+    std::vector<double> GetHypothesisEstimate() const;
+    std::vector<double> GetHypothesisStdError() const;
+    std::vector<double> GetHypothesisVal() const;
+    std::vector<double> GetHypothesisSig() const;
+    std::vector<double> GetHypothesisLog10Sig() const;
+    /// All hypotheses at once: (L b - r)'(L V L')⁻(L b - r), a chi-square with m = rank L degrees of freedom
+    /// where the coefficients have normal tests; else that over m, an F with m and k - p.
+    /// `GetHypothesisJointDf` is m, 0 without hypotheses; `GetHypothesisJointDf2` is 0 for a chi-square.
+    double GetHypothesisJointVal() const;
+    double GetHypothesisJointSig() const;
+    double GetHypothesisJointLog10Sig() const;
+    int GetHypothesisJointDf() const;
+    int GetHypothesisJointDf2() const;
+
+    /// Test of all parameters of one effect, one entry per model effect in the order of the settings: Wald's
+    /// chi-square, or F under the Knapp-Hartung adjustment of random effects, as the model test. Its degrees
+    /// of freedom are the parameters that are not redundant; without one the test is missing.
+    /// `GetEffectTestDf2` are the second ones of F, 0 for a chi-square.
+    std::vector<double> GetEffectTestVal() const;
+    std::vector<double> GetEffectTestSig() const;
+    std::vector<double> GetEffectTestLog10Sig() const;
+    std::vector<int> GetEffectTestDf() const;
+    std::vector<int> GetEffectTestDf2() const;
+    /// Generalized variance inflation of the effect that a parameter belongs to, under the weights of the
+    /// fit: det R₁₁ det R₂₂ / det R, with R the correlations of the coefficients beside the intercept, R₁₁ of
+    /// those of the effect and R₂₂ of the others. Of an effect with one parameter it is the ordinary factor,
+    /// and for a factor it does not depend on the reference level. One entry per parameter, missing for the
+    /// intercept and redundant parameters. Fox and Monette (1992), J. Am. Stat. Assoc. 87, 178-183.
+    std::vector<double> GetVarianceInflation() const;
+
+    /// Predictions of the settings, one entry each, as `MAPredictedEffect` says.
+    std::vector<double> GetPredictedEffect() const;
+    std::vector<double> GetPredictedStdError() const;
+    std::vector<double> GetPredictedCILower() const;
+    std::vector<double> GetPredictedCIUpper() const;
+    std::vector<double> GetPredictedPILower() const;
+    std::vector<double> GetPredictedPIUpper() const;
 
 private:
     const MARegResults& Get() const noexcept;

@@ -7,6 +7,7 @@
 #include "meta_analysis/pooling/MATau2Results.h"
 #include "meta_analysis/regression/MAPermutationTest.h"
 #include "meta_analysis/regression/MARobustVariance.h"
+#include "meta_analysis/regression/MAPredictedEffect.h"
 
 #include <memory>
 #include <vector>
@@ -30,6 +31,16 @@ struct MACoefficientTests
     std::vector<MAPValue> pValues;
     std::vector<double> lowerLimits;
     std::vector<double> upperLimits;
+};
+
+/// Tests of hypotheses about the coefficients, one entry per hypothesis, and their joint test.
+struct MAHypothesisTests
+{
+    std::vector<double> estimates;
+    std::vector<double> stdErrors;
+    std::vector<double> statistics;
+    std::vector<MAPValue> pValues;
+    MAModelTest joint;
 };
 
 /// The heterogeneity that the predictors leave.
@@ -65,6 +76,10 @@ struct MARegResults
     double rSquare = 0.0;
     MARobustTests robust;           ///< empty without a cluster variable
     MAPermutationTests permutation; ///< empty without permutations
+    MAHypothesisTests hypotheses;
+    std::vector<MAModelTest> effectTests;  ///< one per model effect
+    std::vector<double> varianceInflation; ///< one per parameter
+    std::vector<MAPredictedEffect> predictions;
 };
 
 } // namespace MA_NAMESPACE

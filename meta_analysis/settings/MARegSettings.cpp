@@ -98,6 +98,30 @@ bool MARegSettings::SetNSkippedReports(int value)
     return true;
 }
 
+bool MARegSettings::SetReferenceLevel(int factor, int level) noexcept
+{
+    for (auto& [known, reference] : referenceLevels_) {
+        if (known != factor)
+            continue;
+        reference = level;
+        return true;
+    }
+    try {
+        referenceLevels_.emplace_back(factor, level);
+        return true;
+    } catch (const std::exception&) {
+        return false;
+    }
+}
+
+int MARegSettings::GetReferenceLevel(int factor) const noexcept
+{
+    for (const auto& [known, level] : referenceLevels_)
+        if (known == factor)
+            return level;
+    return -1;
+}
+
 void MARegSettings::Display() const
 {
     KXDisplay_940::DisplayText("MARegSettings display start");

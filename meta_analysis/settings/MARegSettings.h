@@ -3,10 +3,12 @@
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXConst.h"
 #include "meta_analysis/platform/common/KXStatus.h"
+#include "meta_analysis/platform/common/Record.h"
 #include "meta_analysis/platform/regression/KXLogRegSettings.h"
 #include "meta_analysis/platform/regression/KXModelEffect.h"
 #include "meta_analysis/settings/MAConst.h"
 
+#include <utility>
 #include <vector>
 
 class ProgressListener;
@@ -153,6 +155,34 @@ public:
     void SetSeed(int value) { seed_ = value; }
     int GetSeed() const { return seed_; }
 
+    /// Hypotheses L b = r about the coefficients, tested one by one and together; default none. Each row of L
+    /// has a weight for every parameter of the engine, in its order, and r a value for each row; an empty r
+    /// stands for zeros. The build fails with error `HYPOTHESIS_UNUSABLE` for other lengths, a weight or
+    /// value that is missing or not finite, and a row of zeros; with `HYPOTHESIS_ON_REDUNDANT` for a weight
+    /// on a redundant parameter, whose coefficient is not estimated; with `HYPOTHESES_CONTRADICT` when rows
+    /// depend on one another and their values cannot all hold. Dependent rows without contradiction are
+    /// tested, and the joint test has the rank of L as its degrees of freedom.
+    void SetHypotheses(std::vector<std::vector<double>> rows, std::vector<double> values = {}) noexcept
+    {
+        hypothesisRows_ = std::move(rows);
+        hypothesisValues_ = std::move(values);
+    }
+    const std::vector<std::vector<double>>& GetHypothesisRows() const { return hypothesisRows_; }
+    const std::vector<double>& GetHypothesisValues() const { return hypothesisValues_; }
+    /// Records with the values of covariates and factors at which every build predicts the effect, by the
+    /// positions of the variables; default none. Other variables are not read.
+    void SetPredictions(std::vector<Record> records) noexcept { predictions_ = std::move(records); }
+    const std::vector<Record>& GetPredictions() const { return predictions_; }
+    /// Reference level of a factor, from 0: its columns come last among those of every effect with the
+    /// factor, so that they are the redundant ones, and the other levels are compared with it. Default -1:
+    /// columns are in the order of the levels, and the last level is the reference. The build fails with
+    /// error `REFERENCE_LEVEL_ABSENT` when no effect has the factor, or no usable record the level. False,
+    /// and nothing changed, when memory runs out.
+    bool SetReferenceLevel(int factor, int level) noexcept;
+    int GetReferenceLevel(int factor) const noexcept;
+    /// Factors with their reference levels, in the order set.
+    const std::vector<std::pair<int, int>>& GetReferenceLevels() const { return referenceLevels_; }
+
 protected:
     bool IsValidIterations() const { return GetMaxStepHalvingValue() > 0; }
     bool IsValidTolerance() const;
@@ -199,6 +229,10 @@ private:
     MAConst::SANDWICHTYPE sandwich_ = MAConst::SANDWICH_CR2;
     int permutations_ = 0;
     int seed_ = 0;
+    std::vector<std::vector<double>> hypothesisRows_;
+    std::vector<double> hypothesisValues_;
+    std::vector<Record> predictions_;
+    std::vector<std::pair<int, int>> referenceLevels_; ///< factors with their levels
 };
 
 } // namespace MA_NAMESPACE

@@ -26,6 +26,11 @@ constexpr int NO_ANALYSED_STUDY = 460075; ///< for trim-and-fill
 constexpr int OUT_OF_MEMORY = 460099;     ///< memory ran out; the results hold what was stored before
 constexpr int ONE_CLUSTER = 460140;       ///< all usable studies are in one cluster: no robust variance
 constexpr int TOO_FEW_CLUSTERS = 460141;  ///< no more clusters than coefficients, for CR1 and CR0
+constexpr int HYPOTHESIS_UNUSABLE =
+    460135; ///< not one finite weight a parameter, all weights 0, or not one value a hypothesis
+constexpr int HYPOTHESIS_ON_REDUNDANT = 460136; ///< a hypothesis has weight on a redundant parameter
+constexpr int HYPOTHESES_CONTRADICT = 460137;   ///< dependent hypotheses whose values cannot all hold
+constexpr int REFERENCE_LEVEL_ABSENT = 460138;  ///< no usable record has the reference level of a factor
 
 // Warnings.
 constexpr int UNUSABLE_RECORD = 460031;         ///< in a meta-regression
@@ -56,6 +61,7 @@ constexpr int MODEL_TYPE_UNKNOWN = 460107;        ///< a model type outside the 
 constexpr int TAU2_INTERVAL_UNAVAILABLE = 460108; ///< profile likelihood for an estimator other than ML, REML
 constexpr int CLUSTER_DECIDES =
     460142; ///< one cluster alone determines a coefficient: no robust variance of it
-constexpr int PERMUTATIONS_LEFT_OUT = 460143; ///< some permuted data had no test statistic
+constexpr int PERMUTATIONS_LEFT_OUT = 460143;  ///< some permuted data had no test statistic
+constexpr int PREDICTION_UNAVAILABLE = 460139; ///< values for which the data determine no prediction
 
 } // namespace MA_NAMESPACE::MAStatusCode

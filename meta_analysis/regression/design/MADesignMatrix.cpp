@@ -59,7 +59,7 @@ MADesignMatrix::MADesignMatrix(const MARegSettings& settings)
       hasIntercept_(settings.GetInterceptUse())
 {
     for (const KXModelEffect& effect : settings.GetModelEffects())
-        effects_.emplace_back(effect);
+        effects_.emplace_back(effect, settings);
 }
 
 MADesignMatrix::~MADesignMatrix() = default;
@@ -71,6 +71,18 @@ bool MADesignMatrix::HasKnownEffects() const
         return !effect.IsIntercept() && AreAllIn(effect.GetFactors(), factors_) &&
                AreAllIn(effect.GetCovariates(), covariates_);
     });
+}
+
+bool MADesignMatrix::HasReferenceLevels() const
+{
+    const bool areUsed =
+        std::all_of(settings_->GetReferenceLevels().begin(), settings_->GetReferenceLevels().end(),
+                    [this](const auto& of) {
+                        return of.second == -1 || AreAllIn({of.first}, settings_->GetEffectFactors());
+                    });
+    return areUsed && std::all_of(effects_.begin(), effects_.end(), [](const MADesignMatrixEffect& effect) {
+               return effect.HasReferenceLevels();
+           });
 }
 
 KXStatus MADesignMatrix::CheckRecord(const Record& record, bool skipDependentAndWeight) const

@@ -40,6 +40,9 @@ public:
 
     /// Whether the model effects have variables, and all of them are factors or covariates of the settings.
     bool HasKnownEffects() const;
+    /// After the first pass: whether an effect has each factor with a reference level, and a usable record
+    /// the level.
+    bool HasReferenceLevels() const;
 
     /// Builds the row of a record. Warning `UNUSABLE_RECORD`: the row is unchanged.
     virtual KXStatus GetRow(const Record& record, MADesignRow& row, bool skipDependentAndWeight) const;

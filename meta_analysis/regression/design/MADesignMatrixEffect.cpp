@@ -8,16 +8,32 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <limits>
 
 namespace MA_NAMESPACE {
 
-MADesignMatrixEffect::MADesignMatrixEffect(const KXModelEffect& effect)
+namespace {
+
+/// Of a reference level: behind all others.
+constexpr int lastRank = std::numeric_limits<int>::max();
+
+} // namespace
+
+MADesignMatrixEffect::MADesignMatrixEffect(const KXModelEffect& effect, const MARegSettings& settings)
     : factors_(effect.GetFactors()),
       covariates_(effect.GetCovariates()),
       multiplicities_(effect.GetCovMultiplicities())
 {
     if (factors_.empty() && covariates_.size() == 1 && multiplicities_.front() == 1)
         soleCovariate_ = covariates_.front();
+    for (const int factor : factors_)
+        references_.push_back(settings.GetReferenceLevel(factor));
+}
+
+/// The place of a level in the order of the columns.
+int MADesignMatrixEffect::RankOf(std::size_t factor, int level) const
+{
+    return level == references_[factor] ? lastRank : level;
 }
 
 void MADesignMatrixEffect::CollectLevels(const Record& record)
@@ -25,8 +41,8 @@ void MADesignMatrixEffect::CollectLevels(const Record& record)
     if (!HasFactors())
         return;
     levels_.clear();
-    for (const int factor : factors_)
-        levels_.push_back(FactorLevel(record.Get(factor)));
+    for (std::size_t i = 0; i < factors_.size(); ++i)
+        levels_.push_back(RankOf(i, FactorLevel(record.Get(factors_[i]))));
     if (collected_.count(levels_) == 0) // insert would allocate a node before it compares
         collected_.insert(levels_);
 }
@@ -39,6 +55,23 @@ void MADesignMatrixEffect::FixColumns(int startColumn)
     combinations_.assign(collected_.begin(), collected_.end());
     collected_.clear();
     size_ = static_cast<int>(combinations_.size());
+    for (std::vector<int>& combination : combinations_) {
+        for (std::size_t i = 0; i < combination.size(); ++i)
+            combination[i] = combination[i] == lastRank ? references_[i] : combination[i];
+    }
+}
+
+bool MADesignMatrixEffect::HasReferenceLevels() const
+{
+    for (std::size_t i = 0; i < factors_.size(); ++i) {
+        const bool occurs =
+            std::any_of(combinations_.begin(), combinations_.end(), [&](const std::vector<int>& combination) {
+                return combination[i] == references_[i];
+            });
+        if (references_[i] != -1 && !occurs)
+            return false;
+    }
+    return true;
 }
 
 /// Missing when a covariate is missing or a power or product cannot be represented.
@@ -72,7 +105,7 @@ int MADesignMatrixEffect::CompareLevels(const std::vector<int>& combination, con
     for (std::size_t i = 0; i < factors_.size(); ++i) {
         const int level = FactorLevel(record.Get(factors_[i]));
         if (combination[i] != level)
-            return combination[i] < level ? -1 : 1;
+            return RankOf(i, combination[i]) < RankOf(i, level) ? -1 : 1;
     }
     return 0;
 }

@@ -89,7 +89,10 @@ struct MAOrthonormalColumns::Column
 };
 
 MAOrthonormalColumns::MAOrthonormalColumns(const MADesignRows& rows, bool hasIntercept, double tolerance)
-    : rowCount_(rows.Count()), hasIntercept_(hasIntercept), nonRedundant_(rows.columnCount)
+    : rowCount_(rows.Count()),
+      hasIntercept_(hasIntercept),
+      nonRedundant_(rows.columnCount),
+      margin_(8.0 * std::sqrt(tolerance) + 1e-9)
 {
     for (std::size_t j = 0; j < rows.columnCount; ++j)
         AddColumn(ColumnOf(rows, j), rows.weights, j, tolerance);
@@ -134,16 +137,22 @@ void MAOrthonormalColumns::Centre(Column& column, const Values& weights) const
 void MAOrthonormalColumns::AddColumn(Column column, const Values& weights, std::size_t position,
                                      double tolerance)
 {
-    if (column.scale == 0.0)
+    if (column.scale == 0.0) {
+        redundant_.push_back({position, 1.0, 0.0, 0.0, {}});
         return;
+    }
     Centre(column, weights);
     const double mean = column.centre + column.origin;
     const double squares = column.Squares();
     const double rawSquares = squares + static_cast<double>(rowCount_) * mean * mean;
     Values shares(Rank() + 1);
     const double left = Orthogonalize(column, squares, shares.data());
-    if (!(left > tolerance * squares && left > roundingShare * roundingShare * rawSquares))
+    if (!(left > tolerance * squares && left > roundingShare * roundingShare * rawSquares)) {
+        shares.pop_back();
+        redundant_.push_back({position, column.scale, column.centre + column.origin,
+                              std::sqrt(squares / static_cast<double>(rowCount_)), std::move(shares)});
         return;
+    }
     shares.back() = std::sqrt(left);
     Multiply(column.values, 1.0 / shares.back());
     origins_.push_back(column.origin / shares.back());
@@ -209,16 +218,36 @@ Values MAOrthonormalColumns::Coordinates(const double* predictors) const
     return coordinates;
 }
 
-/// A row of R⁻¹. The columns are counted from their centres; the row of the intercept is moved from these
-/// centres to 0.
+/// A row of R⁻¹.
 Values MAOrthonormalColumns::DirectionOfCoefficient(std::size_t index) const
 {
+    Values weights(nonRedundant_.Size());
+    weights[kept_[index]] = 1.0;
+    return DirectionOf(weights);
+}
+
+/// Solves R'd = l. The columns are counted from their centres; the weight of the intercept is moved from
+/// these centres to 0.
+Values MAOrthonormalColumns::DirectionOf(const Values& weights) const
+{
+    const double ofIntercept = hasIntercept_ && Rank() > 0 ? weights[kept_.front()] : 0.0;
     Values direction(Rank());
-    direction[index] = 1.0 / scales_[index];
-    for (std::size_t j = 0; hasIntercept_ && index == 0 && j < Rank(); ++j)
-        direction[j] -= centres_[j];
+    for (std::size_t j = 0; j < Rank(); ++j)
+        direction[j] = weights[kept_[j]] / scales_[j] - ofIntercept * centres_[j];
     SolveTransposed(upper_, direction.data());
     return direction;
+}
+
+bool MAOrthonormalColumns::Determines(const double* predictors) const
+{
+    const Values coordinates = Coordinates(predictors);
+    return std::all_of(redundant_.begin(), redundant_.end(), [&](const RedundantColumn& column) {
+        const double value = predictors[column.position] / column.scale;
+        const double distance = value - column.centre;
+        const double determined = Dot(column.shares.data(), coordinates.data(), column.shares.size());
+        return std::abs(distance - determined) <=
+               margin_ * (column.spread + std::abs(distance)) + roundingShare * std::abs(value);
+    });
 }
 
 } // namespace MA_NAMESPACE

@@ -50,9 +50,26 @@ public:
 
     /// d with b_j = d'g (plus the dependent's centre for an intercept) for the kept column `index`.
     std::vector<double> DirectionOfCoefficient(std::size_t index) const;
+    /// d with l'b = d'g for weights l of all columns, of which those of redundant columns do not count; with
+    /// an intercept plus its weight times the dependent's centre.
+    std::vector<double> DirectionOf(const std::vector<double>& weights) const;
+    /// Whether the values of the redundant columns are those that the other columns determine in all rows, so
+    /// that the fitted value does not depend on which columns count as redundant. It is judged with the
+    /// tolerance by which they are redundant.
+    bool Determines(const double* predictors) const;
 
 private:
     struct Column;
+
+    /// A redundant column as a combination of Z, after division by its scale.
+    struct RedundantColumn
+    {
+        std::size_t position;
+        double scale;
+        double centre; ///< what the combination is counted from
+        double spread; ///< root mean square about the mean, or about 0
+        std::vector<double> shares;
+    };
 
     /// Whether the next column has an intercept before it.
     bool HasIntercept() const { return hasIntercept_ && !work_.empty(); }
@@ -67,6 +84,8 @@ private:
     bool hasIntercept_;
     KXBitSet nonRedundant_;
     std::vector<std::size_t> kept_;
+    std::vector<RedundantColumn> redundant_;
+    double margin_; ///< for the value of a redundant column, relative to its distance from the centre
     std::vector<double> scales_;            ///< of the kept columns: powers of two
     std::vector<double> centres_;           ///< of the kept columns after scaling
     std::vector<std::vector<double>> r_;    ///< column by column, the diagonal element last
