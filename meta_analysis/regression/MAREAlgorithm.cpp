@@ -71,9 +71,10 @@ KXStatus Describe(const MARegTask& task, MARegBuild& build)
     const MARegSettings& settings = task.Settings();
     const MARegFit& fit = *build.fit;
     MARegResults& results = build.results;
-    if (settings.IsKnapHartAdjust())
+    const bool isAdjusted = IsAdjusted(settings, fit.ResidualDf(), results.tau2);
+    if (isAdjusted)
         build.scale = KnappHartungScale(fit, settings.IsTruncAjustValue());
-    results.tests = TestCoefficients(fit, build.scale, UsesStudentT(settings));
+    results.tests = TestCoefficients(fit, build.scale, UsesStudentT(settings, isAdjusted));
     const MAConst::TAU2ESTIMATOR estimator = EstimatorOf(settings);
     // A code that is no estimator has the curve of Q.
     MARegressionCurve curve(task.design.Columns(), task.design.Rows().variances, LikelihoodOf(estimator));
@@ -84,7 +85,7 @@ KXStatus Describe(const MARegTask& task, MARegBuild& build)
         build.Passed(KXStatus(MAStatusCode::TAU2_DOUBTFUL, true));
     if (task.use == MARegUse::SmallStudyTest)
         return KXStatus();
-    if (settings.IsKnapHartAdjust())
+    if (isAdjusted)
         results.f = FTest(fit, build.scale);
     else
         results.wald = WaldTest(fit, results.dispersion);
@@ -115,7 +116,8 @@ MARegBuild FitRandomEffects(const MARegTask& task)
         return build;
     if (task.use != MARegUse::BubblePlot && !build.Passed(Describe(task, build)))
         return build;
-    build.criticalValue = CriticalValue(*build.fit, UsesStudentT(task.Settings()));
+    const bool isAdjusted = IsAdjusted(task.Settings(), build.fit->ResidualDf(), estimate.tau2);
+    build.criticalValue = CriticalValue(*build.fit, UsesStudentT(task.Settings(), isAdjusted));
     return build;
 }
 
