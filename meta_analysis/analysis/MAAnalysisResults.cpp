@@ -5,6 +5,7 @@
 #include "meta_analysis/inference/MATestPValues.h"
 #include "meta_analysis/settings/Memory.h"
 
+#include <cmath>
 #include <numeric>
 
 namespace MA_NAMESPACE {
@@ -192,6 +193,13 @@ std::vector<double> MAAnalysisResults::GetEstSig() const
 std::vector<double> MAAnalysisResults::GetEstLog10Sig() const
 {
     return PValuesOf(Results().lists.rows, &MAPooledRow::effect, &MAPValue::Log10);
+}
+
+std::vector<double> MAAnalysisResults::GetEstDf() const
+{
+    return FieldOf(Results().lists.heterogeneity, [](const MAPooledModel& model) {
+        return std::isfinite(model.testDf) ? model.testDf : KXMV::Missing();
+    });
 }
 
 std::vector<double> MAAnalysisResults::GetEstCILower() const

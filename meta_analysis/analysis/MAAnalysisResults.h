@@ -63,6 +63,10 @@ public:
     std::vector<double> GetEstCILower() const;
     std::vector<double> GetEstCIUpper() const;
 
+    /// Per model: degrees of freedom of that test by Student's t; missing where it is by the normal
+    /// distribution.
+    std::vector<double> GetEstDf() const;
+
     /// Per model: prediction interval and between-study variance; missing for fixed-effect models.
     std::vector<double> GetPILower() const;
     std::vector<double> GetPIUpper() const;
@@ -110,6 +114,16 @@ public:
     double GetGDQbSig() const;
     /// Missing where the test was not made.
     double GetGDQbLog10Sig() const;
+    /// The same hypothesis tested by F, with the variances of the groups' means after Knapp and Hartung:
+    /// statistic, degrees of freedom and p-value. With a common tau² the model test of the meta-regression
+    /// with the groups as a factor; else the test of Welch (1951), Biometrika 38, 330-336, whose second
+    /// degrees of freedom are a fraction. Missing unless a group is adjusted, and where a group has no
+    /// degrees of freedom.
+    double GetGDQbF() const;
+    double GetGDQbFDf1() const;
+    double GetGDQbFDf2() const;
+    double GetGDQbFSig() const;
+    double GetGDQbFLog10Sig() const;
 
     /// Per contrast: estimate with its test and interval. Of the binary fixed-effect pooling, the z values
     /// are the standard errors once more.
@@ -188,6 +202,19 @@ public:
     double GetRegBasedTestDf() const;
     double GetRegBasedTestCILower() const;
     double GetRegBasedTestCIUpper() const;
+    /// Effect at standard error 0, the intercept of that regression, with its interval; missing for other
+    /// types than that of the effect on its standard error, and without intercept. Moreno et al. (2009), BMC
+    /// Medical Research Methodology 9, 2.
+    double GetRegBasedTestLimit() const;
+    double GetRegBasedTestLimitCILower() const;
+    double GetRegBasedTestLimitCIUpper() const;
+
+    /// Rank correlation test, when the settings ask for it: Kendall's tau-b of the standardised deviates and
+    /// the variances, and its two-sided p-values, by the normal distribution and exact. The latter is missing
+    /// with ties and for 50 studies or more; all are where all effects or all variances are equal.
+    double GetRankTestTau() const;
+    double GetRankTestSig() const;
+    double GetRankTestExactSig() const;
 
     /// Tests of `RegBasedTest`, one entry per test: 1 when it succeeded, else 0; and of all its parameters,
     /// the test covariate last, the coefficients, standard errors, statistics, significances and confidence

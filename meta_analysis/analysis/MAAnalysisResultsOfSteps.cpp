@@ -1,5 +1,5 @@
-// Getters of the further analyses: subgroups, contrasts, cumulative analysis, leave-one-out, trim-and-fill
-// and small-study tests.
+// Getters of the further analyses: subgroups, contrasts, cumulative analysis, leave-one-out and
+// trim-and-fill.
 
 #include "meta_analysis/analysis/MAAnalysisResults.h"
 #include "meta_analysis/analysis/MAAnalysisState.h"
@@ -41,6 +41,31 @@ double MAAnalysisResults::GetGDQbSig() const
 double MAAnalysisResults::GetGDQbLog10Sig() const
 {
     return Results().groups.between.pValue.Log10();
+}
+
+double MAAnalysisResults::GetGDQbF() const
+{
+    return Results().groups.meansTest.f;
+}
+
+double MAAnalysisResults::GetGDQbFDf1() const
+{
+    return Results().groups.meansTest.df1;
+}
+
+double MAAnalysisResults::GetGDQbFDf2() const
+{
+    return Results().groups.meansTest.df2;
+}
+
+double MAAnalysisResults::GetGDQbFSig() const
+{
+    return Results().groups.meansTest.pValue.value;
+}
+
+double MAAnalysisResults::GetGDQbFLog10Sig() const
+{
+    return Results().groups.meansTest.pValue.Log10();
 }
 
 std::vector<double> MAAnalysisResults::GetContrastEstES() const
@@ -217,96 +242,6 @@ double MAAnalysisResults::GetOverallTFCILower() const
 double MAAnalysisResults::GetOverallTFCIUpper() const
 {
     return Results().trimFill.model.value_or(MAEstimate()).ciUpper;
-}
-
-MAConst::RegBaseTestType MAAnalysisResults::GetRegTesType() const
-{
-    return settings_->GetRegBaseTestType();
-}
-
-double MAAnalysisResults::GetRegBasedTestCoef() const
-{
-    return Results().runTest.effect.estimate;
-}
-
-double MAAnalysisResults::GetRegBasedTestStdError() const
-{
-    return Results().runTest.effect.stdError;
-}
-
-double MAAnalysisResults::GetRegBasedTestVal() const
-{
-    return Results().runTest.effect.statistic;
-}
-
-double MAAnalysisResults::GeRegBasedTestSig() const
-{
-    return Results().runTest.effect.pValue.value;
-}
-
-double MAAnalysisResults::GetRegBasedTestLog10Sig() const
-{
-    return Results().runTest.effect.pValue.Log10();
-}
-
-double MAAnalysisResults::GetRegBasedTestDf() const
-{
-    return Results().runTest.df;
-}
-
-double MAAnalysisResults::GetRegBasedTestCILower() const
-{
-    return Results().runTest.effect.ciLower;
-}
-
-double MAAnalysisResults::GetRegBasedTestCIUpper() const
-{
-    return Results().runTest.effect.ciUpper;
-}
-
-std::vector<int> MAAnalysisResults::GetIfRegrTestPassFlag() const
-{
-    return FieldOf(Results().tests, [](const MASmallStudyTest& test) { return test.hasPassed ? 1 : 0; });
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetRegrTestCoefficient() const
-{
-    return FieldOf(Results().tests, &MASmallStudyTest::coefficients);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetRegrTestBetaStandErr() const
-{
-    return FieldOf(Results().tests, &MASmallStudyTest::stdErrors);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetRegrBetaTestVal() const
-{
-    return FieldOf(Results().tests, &MASmallStudyTest::statistics);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetRegrBetaTestPValue() const
-{
-    return FieldOf(Results().tests, &MASmallStudyTest::pValues);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetRegrBetaConfInterValLower() const
-{
-    return FieldOf(Results().tests, &MASmallStudyTest::lowerLimits);
-}
-
-std::vector<std::vector<double>> MAAnalysisResults::GetRegrBetaConfInterValUpper() const
-{
-    return FieldOf(Results().tests, &MASmallStudyTest::upperLimits);
-}
-
-std::vector<std::vector<KXRegrParameter>> MAAnalysisResults::GetRegrCoefParameters() const
-{
-    return FieldOf(Results().tests, &MASmallStudyTest::parameters);
-}
-
-std::vector<KXBitSet> MAAnalysisResults::GetRegrCoefRedundancyInfo() const
-{
-    return FieldOf(Results().tests, &MASmallStudyTest::nonRedundant);
 }
 
 } // namespace MA_NAMESPACE

@@ -4,7 +4,9 @@
 #include "meta_analysis/analysis/steps/MABubbleRows.h"
 #include "meta_analysis/analysis/steps/MAContrasts.h"
 #include "meta_analysis/analysis/steps/MAGalbraithPlot.h"
+#include "meta_analysis/analysis/steps/MAGroupMeansTest.h"
 #include "meta_analysis/analysis/steps/MALabbePlot.h"
+#include "meta_analysis/analysis/steps/MARankTest.h"
 #include "meta_analysis/analysis/steps/MASmallStudyTests.h"
 #include "meta_analysis/analysis/steps/MASubgroups.h"
 #include "meta_analysis/analysis/steps/MATrimAndFill.h"
@@ -51,6 +53,7 @@ struct MAGroups
         shownValues; ///< as hosts read them, with `MAConst::overallGroup` for the overall model
     std::vector<MASelection> members; ///< of the groups analysed, in study or cumulative order
     MABetweenGroups between;
+    MAGroupMeansTest meansTest; ///< under the adjustment of Knapp and Hartung
 
     bool AreSeveral() const { return values.size() > 1; }
 };
@@ -73,10 +76,11 @@ struct MAFunnelRows
     std::vector<double> yMax;
 };
 
-/// The small-study test of a run: the test covariate's coefficient.
+/// The small-study test of a run: the test covariate's coefficient, and the effect at standard error 0.
 struct MARunTest
 {
     MAEstimate effect;
+    MAEstimate limit;
     int df = 0;
 };
 
@@ -107,6 +111,7 @@ struct MAAnalysisState
     MATrimFillResults trimFill;
     MARunTest runTest;
     std::vector<MASmallStudyTest> tests;
+    MARankCorrelation rankTest;
     MAFunnelRows funnel;
     std::vector<MAGalbraithPlot> galbraith;
     std::vector<std::vector<MALabbePoint>> labbe;

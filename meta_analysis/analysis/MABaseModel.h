@@ -65,7 +65,8 @@ public:
     void GetRandomModelTestOutput(const MARandomEffectModel& model);
 
     /// One model per distinct subgroup value, then one of all studies, then the test between the groups.
-    /// Under random effects every group has its own between-study variance. Returns the first model's error;
+    /// Under random effects every group has its own between-study variance, unless the settings ask for a
+    /// common one. Returns the first model's error;
     /// LENGTH_MISMATCH before studies were read, and while they are not complete.
     KXStatus BuildSubGroupModel();
 
@@ -82,6 +83,10 @@ public:
     /// The model of all studies but one, for each in turn, under the model of the run; replaces those of an
     /// earlier call. Returns the first model's error, and keeps the models before it.
     KXStatus LeaveOneOut();
+
+    /// The rank correlation of effects and variances of all studies; replaces that of an earlier call.
+    /// Warning: FEW_STUDIES_FOR_TEST.
+    KXStatus RankTest();
 
     /// Estimates how many studies are missing on one side of the funnel, mirrors as many extreme ones about
     /// the centre of the rest, and pools all (Duval and Tweedie 2000, Biometrics 56, 455-463). The per-model
@@ -101,7 +106,7 @@ public:
     /// test that fails, or has fewer than 3 studies, leaves flag 0 and empty rows, and the others go on.
     /// Errors: TOO_FEW_FOR_TEST fewer than 3 studies in all; ITERATOR_NOT_STARTED and ITERATOR_FAILED the
     /// records fail in any of the tests, or have another number than when the studies were read; the error of
-    /// the overall test.
+    /// the overall test. Warning: FEW_STUDIES_FOR_TEST when one of the tests has fewer than ten studies.
     KXStatus RegBasedTest(MultiPassRecordIter& records, const KXVarList& variables,
                           const MARegSettings& settings);
 
@@ -190,6 +195,9 @@ private:
     KXStatus RequireStudiesForTest(MultiPassRecordIter& records);
     KXStatus TestSelection(MultiPassRecordIter& records, const KXVarList& variables,
                            const MARegSettings& settings, const std::vector<std::size_t>& selection);
+    KXStatus TestAllStudies(MultiPassRecordIter& records, const KXVarList& variables,
+                            MAConst::RegBaseTestType type);
+    void WarnOfFewStudies(std::size_t studyCount);
     void WarnOfTau2(const MAPooledModel& model);
     void AddWarningsOfFigures(const std::vector<KXStatus>& warnings);
     KXStatus TrimAndFillInRun();

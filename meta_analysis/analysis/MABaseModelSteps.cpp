@@ -56,6 +56,9 @@ void MABaseModel::ComputeCochranStatistics()
                                               static_cast<std::ptrdiff_t>(groupCount));
     State().groups.between = TestBetweenGroups(results.studies, groups, results.settings.run.modelType,
                                                results.lists.tau2, results.groups.between);
+    if (results.lists.heterogeneity.size() >= groupCount)
+        State().groups.meansTest = TestGroupMeans({results.lists.heterogeneity.data(), groupCount},
+                                                  settings_->GetCommonTau2() && !HasCumulativeValues());
 }
 
 KXStatus MABaseModel::BuildSubGroupModel()
@@ -187,6 +190,16 @@ KXStatus MABaseModel::RunSmallStudyTest(MultiPassRecordIter& records, const KXVa
                                         MAConst::RegBaseTestType type)
 {
     return Guarded(status_, [&] {
+        if (!TestAllStudies(records, variables, type).IsError())
+            WarnOfFewStudies(Results().studies.Count());
+        return status_;
+    });
+}
+
+KXStatus MABaseModel::TestAllStudies(MultiPassRecordIter& records, const KXVarList& variables,
+                                     MAConst::RegBaseTestType type)
+{
+    return Guarded(status_, [&] {
         if (RequireStudiesForTest(records).IsError())
             return status_;
         const MAAnalysisState& results = Results();
@@ -195,7 +208,8 @@ KXStatus MABaseModel::RunSmallStudyTest(MultiPassRecordIter& records, const KXVa
             {type, results.settings.run.modelType, results.settings.tables.correction.type,
              SmallStudyTestSettingsOf(*settings_)});
         if (test.hasPassed) {
-            State().runTest = {test.Covariate(), test.df};
+            const bool hasLimit = type == MAConst::REG_TEST_EFFECT_ON_STD_ERROR;
+            State().runTest = {test.Covariate(), hasLimit ? test.Intercept() : MAEstimate(), test.df};
             AddWarningsOfFigures(test.warnings);
         }
         return status_ = test.status;
@@ -205,13 +219,14 @@ KXStatus MABaseModel::RunSmallStudyTest(MultiPassRecordIter& records, const KXVa
 /// The small-study test of a run goes with trim-and-fill, whose side it decides. A failure of the test itself
 /// leaves its values missing, and the run goes on. Two failures end the run: memory that runs out, which
 /// `TAU2_FAILED` means as well because the estimator is a known one, and records that failed, because
-/// trim-and-fill would take its side from a part of them.
+/// trim-and-fill would take its side from a part of them. Nobody asked for the test itself, so that few
+/// studies are no warning.
 KXStatus MABaseModel::TestForSmallStudies(MultiPassRecordIter& records, const KXVarList& variables)
 {
     if (variables.Size() == 0 || !settings_->GetIsTRIMFILL())
         return status_;
     const KXStatus before = status_;
-    const int code = RunSmallStudyTest(records, variables, MAConst::REG_TEST_EFFECT_ON_STD_ERROR).GetCode();
+    const int code = TestAllStudies(records, variables, MAConst::REG_TEST_EFFECT_ON_STD_ERROR).GetCode();
     if (code == MAStatusCode::OUT_OF_MEMORY || code == MAStatusCode::TAU2_FAILED)
         return SetError(MAStatusCode::OUT_OF_MEMORY);
     if (!IsFailureOfRecords(status_))
@@ -247,7 +262,26 @@ KXStatus MABaseModel::TestSelection(MultiPassRecordIter& records, const KXVarLis
                          {settings_->GetRegBaseTestType(), results.settings.run.modelType,
                           results.settings.tables.correction.type, settings});
     AddWarningsOfFigures(results.tests.back().warnings);
+    if (results.tests.back().hasPassed)
+        WarnOfFewStudies(selection.size());
     return results.tests.back().status;
+}
+
+KXStatus MABaseModel::RankTest()
+{
+    return Guarded(status_, [this] {
+        const MAStudies& studies = Results().studies;
+        State().rankTest = TestRanks({studies.effectSize, studies.variance});
+        if (!KXMV::IsMissing(Results().rankTest.tau))
+            WarnOfFewStudies(studies.Count());
+        return status_;
+    });
+}
+
+void MABaseModel::WarnOfFewStudies(std::size_t studyCount)
+{
+    if (studyCount < fewestStudiesToTrust)
+        AddWarning(MAStatusCode::FEW_STUDIES_FOR_TEST);
 }
 
 // Trim-and-fill

@@ -13,4 +13,12 @@ inline double KnappHartungFactor(double weightedResidualSum, double df, bool tru
     return truncated ? std::max(factor, 1.0) : factor;
 }
 
+/// Whether that adjustment is made where it goes by heterogeneity: with more than one residual degree of
+/// freedom, which are k - 1 for one mean, and tau² > 0. Otherwise the factor, which is then small by chance,
+/// would shorten the interval too much.
+inline bool IsHeterogeneous(double residualDf, double tau2) noexcept
+{
+    return residualDf > 1.0 && tau2 > 0.0;
+}
+
 } // namespace MA_NAMESPACE

@@ -5,6 +5,8 @@
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/pooling/MATau2Results.h"
 
+#include <limits>
+
 namespace MA_NAMESPACE {
 
 /// Cochran's test of homogeneity, with fixed-effect weights; missing for fewer than two studies.
@@ -28,6 +30,8 @@ struct MAPooledModel
 {
     KXStatus status;
     MAEstimate effect;
+    /// Degrees of freedom of the test of the effect by Student's t; infinite for the normal distribution.
+    double testDf = std::numeric_limits<double>::infinity();
     MAHomogeneityTest homogeneity;
     MAHeterogeneityMeasures heterogeneity;
     /// (k - 1) / (sum(w) - sum(w²) / sum(w)), w = 1 / v; missing for fixed-effect models.

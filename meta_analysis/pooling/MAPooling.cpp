@@ -24,31 +24,27 @@ MAPooledModel Failed(const KXStatus& status)
     return model;
 }
 
-/// The factor of the variance; 1 for a single study, which has no residual.
-double VarianceFactor(const MAEffects& studies, MAConst::KNAPPHADJTYPE adjustment, double mean, double tau2)
+bool IsAdjusted(MAConst::KNAPPHADJTYPE adjustment, double residualDf, double tau2)
 {
-    if (studies.Count() < 2)
-        return 1.0;
-    return KnappHartungFactor(ResidualSum(studies, mean, tau2), static_cast<double>(studies.Count()) - 1.0,
-                              adjustment == MAConst::KNAPP_HARTUNG_TRUNCATED);
+    return adjustment == MAConst::KNAPP_HARTUNG_IF_HETEROGENEOUS ? IsHeterogeneous(residualDf, tau2)
+                                                                 : adjustment != MAConst::KNAPP_HARTUNG_NONE;
 }
 
 /// Student's t has k - 1 degrees of freedom under the adjustment of Knapp and Hartung: a single study has no
 /// test and no interval.
-MAEstimate InferMean(const MAEffects& studies, const MARandomEffectsChoice& choice, double tau2)
+MAEstimate InferMean(const MAEffects& studies, double tau2, const MAMeanTest& test, double alpha)
 {
     const MAWeightedMean sums = WeightedMean(studies, tau2);
     const double mean = sums.Mean();
-    if (choice.knappHartung == MAConst::KNAPP_HARTUNG_NONE)
-        return InferNormal(mean, sums.Variance(), 0.0, TwoSidedNormalQuantile(choice.alpha));
-    const double factor = VarianceFactor(studies, choice.knappHartung, mean, tau2);
-    return InferT(mean, factor / sums.weightSum, static_cast<double>(studies.Count()) - 1.0, choice.alpha);
+    if (!test.isAdjusted)
+        return InferNormal(mean, sums.Variance(), 0.0, TwoSidedNormalQuantile(alpha));
+    return InferT(mean, test.factor / sums.weightSum, test.residualDf, alpha);
 }
 
 /// Effects that are all 0 have no variance under the adjustment, and no test: it would be of 0 / 0.
-MAEstimate PoolWithTau2(const MAEffects& studies, const MARandomEffectsChoice& choice, double tau2)
+MAEstimate PoolWithTau2(const MAEffects& studies, double tau2, const MAMeanTest& test, double alpha)
 {
-    MAEstimate pooled = InferMean(studies, choice, tau2);
+    MAEstimate pooled = InferMean(studies, tau2, test, alpha);
     if (pooled.stdError == 0.0 && pooled.estimate == 0.0) {
         pooled.statistic = KXMV::Missing();
         pooled.pValue = MAPValue();
@@ -57,28 +53,28 @@ MAEstimate PoolWithTau2(const MAEffects& studies, const MARandomEffectsChoice& c
 }
 
 /// Infinite for the normal distribution, which Student's t then is; 0 or less where nothing can be predicted.
-double PredictionDf(MAConst::PREDICTIONTYPE type, std::size_t studyCount)
+/// `residualDf` is k - 1 for the mean of k studies.
+double PredictionDf(MAConst::PREDICTIONTYPE type, double residualDf)
 {
-    const auto k = static_cast<double>(studyCount);
     switch (type) {
     case MAConst::PREDICTION_T_K_MINUS_2:
-        return k - 2.0;
+        return residualDf - 1.0;
     case MAConst::PREDICTION_T_K_MINUS_1:
-        return k - 1.0;
+        return residualDf;
     case MAConst::PREDICTION_NORMAL:
-        return studyCount < 2 ? 0.0 : std::numeric_limits<double>::infinity();
+        return residualDf < 1.0 ? 0.0 : std::numeric_limits<double>::infinity();
     }
-    return k - 2.0; // a value outside the enumeration
+    return residualDf - 1.0; // a value outside the enumeration
 }
 
 /// Under the adjustment of Knapp and Hartung nothing is predicted without degrees of freedom; otherwise the
 /// bounds are NaN then.
 MAPrediction PredictEffect(const MAEstimate& effect, double tau2, const MARandomEffectsChoice& choice,
-                           std::size_t studyCount)
+                           const MAMeanTest& test)
 {
     MAPrediction predicted;
-    const double df = PredictionDf(choice.prediction, studyCount);
-    if (choice.knappHartung != MAConst::KNAPP_HARTUNG_NONE && (studyCount < 2 || !(df > 0.0)))
+    const double df = PredictionDf(choice.prediction, test.residualDf);
+    if (test.isAdjusted && (test.residualDf < 1.0 || !(df > 0.0)))
         return predicted;
     const double stdDev = std::sqrt(effect.variance + tau2);
     const double halfWidth = stdDev * TwoSidedTQuantile(choice.alpha, df);
@@ -100,21 +96,6 @@ void SetHeterogeneity(const MAEffects& studies, MAPooledModel& model)
     model.homogeneity = TestHomogeneity(ResidualSum(studies, fixed.Mean(), 0.0), studies.Count());
     model.typicalVariance = model.homogeneity.df / PairSum(studies, fixed.weightSum);
     model.heterogeneity = HeterogeneityFromTau2(model.tau2, model.typicalVariance);
-}
-
-/// The bounds of H² and I² are their values at those of tau².
-void BoundHeterogeneity(MAPooledModel& model)
-{
-    if (KXMV::IsMissing(model.tau2Results.lower) || KXMV::IsMissing(model.tau2Results.upper))
-        return;
-    const MAHeterogeneityMeasures lower =
-        HeterogeneityFromTau2(model.tau2Results.lower, model.typicalVariance);
-    const MAHeterogeneityMeasures upper =
-        HeterogeneityFromTau2(model.tau2Results.upper, model.typicalVariance);
-    model.heterogeneity.h2Lower = lower.h2;
-    model.heterogeneity.h2Upper = upper.h2;
-    model.heterogeneity.i2Lower = lower.i2;
-    model.heterogeneity.i2Upper = upper.i2;
 }
 
 bool IsTau2Doubtful(MAPooledCurve& curve, MAConst::TAU2ESTIMATOR estimator, const MAPooledModel& model)
@@ -153,23 +134,67 @@ MAPooledModel PoolFixedEffect(const MAEffects& studies, const MAFixedEffectChoic
     return model;
 }
 
+MAMeanTest TestOfMeans(std::span<const MAEffects> groups, MAConst::KNAPPHADJTYPE adjustment, double tau2)
+{
+    MAMeanTest test;
+    for (const MAEffects& group : groups)
+        test.residualDf += static_cast<double>(group.Count()) - 1.0;
+    test.isAdjusted = IsAdjusted(adjustment, test.residualDf, tau2);
+    if (!test.isAdjusted || !(test.residualDf > 0.0))
+        return test;
+    double residualSum = 0.0;
+    for (const MAEffects& group : groups)
+        residualSum += ResidualSum(group, WeightedMean(group, tau2).Mean(), tau2);
+    test.factor =
+        KnappHartungFactor(residualSum, test.residualDf, adjustment == MAConst::KNAPP_HARTUNG_TRUNCATED);
+    return test;
+}
+
+MAPooledModel PoolAtTau2(const MAEffects& studies, const MARandomEffectsChoice& choice, double tau2,
+                         const MAMeanTest& test)
+{
+    MAPooledModel model;
+    model.tau2 = tau2;
+    model.effect = PoolWithTau2(studies, tau2, test, choice.alpha);
+    if (test.isAdjusted)
+        model.testDf = test.residualDf;
+    model.prediction = PredictEffect(model.effect, tau2, choice, test);
+    if (studies.Count() >= 2)
+        SetHeterogeneity(studies, model);
+    return model;
+}
+
 MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsChoice& choice)
 {
     const MATau2Estimate estimated = EstimateTau2(studies, {choice.estimator, choice.limits, choice.search});
-    MAPooledModel model;
+    if (estimated.status.IsError()) {
+        MAPooledModel failed = Failed(estimated.status);
+        failed.tau2 = estimated.tau2;
+        return failed;
+    }
+    MAPooledModel model = PoolAtTau2(studies, choice, estimated.tau2,
+                                     TestOfMeans({&studies, 1}, choice.knappHartung, estimated.tau2));
     model.status = estimated.status;
-    model.tau2 = estimated.tau2;
-    if (model.status.IsError())
-        return model;
     model.tau2Results.convergence = estimated.convergence;
     model.tau2Results.evaluations = estimated.evaluations;
-    model.effect = PoolWithTau2(studies, choice, model.tau2);
-    model.prediction = PredictEffect(model.effect, model.tau2, choice, studies.Count());
-    if (studies.Count() >= 2) {
-        SetHeterogeneity(studies, model);
+    if (studies.Count() >= 2)
         SetTau2Results(studies, choice, model);
-    }
     return model;
+}
+
+/// The bounds of H² and I² are their values at those of tau².
+void BoundHeterogeneity(MAPooledModel& model)
+{
+    if (KXMV::IsMissing(model.tau2Results.lower) || KXMV::IsMissing(model.tau2Results.upper))
+        return;
+    const MAHeterogeneityMeasures lower =
+        HeterogeneityFromTau2(model.tau2Results.lower, model.typicalVariance);
+    const MAHeterogeneityMeasures upper =
+        HeterogeneityFromTau2(model.tau2Results.upper, model.typicalVariance);
+    model.heterogeneity.h2Lower = lower.h2;
+    model.heterogeneity.h2Upper = upper.h2;
+    model.heterogeneity.i2Lower = lower.i2;
+    model.heterogeneity.i2Upper = upper.i2;
 }
 
 bool IsTau2Doubtful(const MAEffects& studies, const MARandomEffectsChoice& choice, const MAPooledModel& model)

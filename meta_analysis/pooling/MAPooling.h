@@ -4,6 +4,8 @@
 #include "meta_analysis/pooling/MAPooledModel.h"
 #include "meta_analysis/pooling/MAPoolingChoice.h"
 
+#include <span>
+
 namespace MA_NAMESPACE {
 
 /// Pools by inverse variance, w = 1 / v. Error: LENGTH_MISMATCH.
@@ -12,6 +14,23 @@ MAPooledModel PoolFixedEffect(const MAEffects& studies, const MAFixedEffectChoic
 /// Pools with w = 1 / (v + tau²). Errors as `PoolFixedEffect`, and TAU2_FAILED for an unknown estimator.
 /// Allocates nothing, but for an interval of tau² by profile likelihood.
 MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsChoice& choice);
+
+/// How the means of groups of studies are tested that share tau². The groups are those of one model, which
+/// has a mean for each; one group is a model without groups.
+struct MAMeanTest
+{
+    double residualDf = 0.0; ///< k - the number of means
+    bool isAdjusted = false; ///< after Knapp and Hartung, by Student's t; else by the normal distribution
+    double factor = 1.0;     ///< of the variance, from the residuals of all groups; 1 without residual df
+};
+MAMeanTest TestOfMeans(std::span<const MAEffects> groups, MAConst::KNAPPHADJTYPE adjustment, double tau2);
+
+/// The model of one of these groups at tau², without what goes with the estimate of tau².
+MAPooledModel PoolAtTau2(const MAEffects& studies, const MARandomEffectsChoice& choice, double tau2,
+                         const MAMeanTest& test);
+
+/// Sets the bounds of H² and I² to their values at those of tau², where these are there.
+void BoundHeterogeneity(MAPooledModel& model);
 
 /// The check of `MARandomEffectsChoice::checksTau2`, for a model that was pooled without it.
 bool IsTau2Doubtful(const MAEffects& studies, const MARandomEffectsChoice& choice,

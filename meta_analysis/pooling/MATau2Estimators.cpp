@@ -90,6 +90,25 @@ double SidikJonkmanTau2(const MAEffects& studies)
     return sum / (k - 1.0);
 }
 
+MATau2Estimate Score(const MAEffects& studies, const MATau2Choice& choice)
+{
+    return ScoreTau2(HedgesTau2(studies), choice, 1.0,
+                     [&](double tau2) { return StepSumsAt(studies, tau2); });
+}
+
+/// The Hedges estimate where the search has none.
+MATau2Estimate Search(const MAEffects& studies, const MATau2Choice& choice)
+{
+    MAPooledCurve curve = CurveOf(studies, choice.estimator);
+    MATau2Estimate estimate =
+        EstimateOf(SolveTau2(curve, choice.estimator, curve.MomentEstimate()), curve.Unit());
+    if (estimate.convergence == MAConst::TAU2_STEP_NOT_FINITE)
+        estimate.tau2 = HedgesTau2(studies);
+    return estimate;
+}
+
+} // namespace
+
 /// P = W - W 1 1' W / sum(w) has the diagonal w (sum(w) - w) / sum(w). The traces are taken as sums of
 /// positive terms, over the diagonal and over pairs of studies: written with leverages they would cancel
 /// where one weight dominates, and for one study leave a quotient of rounding errors in place of 0.
@@ -112,25 +131,6 @@ MATau2StepSums StepSumsAt(const MAEffects& studies, double tau2)
     sums.tracePP = squaredDiagonal + 2.0 * squaredPairs * Square(inverseSum);
     return sums;
 }
-
-MATau2Estimate Score(const MAEffects& studies, const MATau2Choice& choice)
-{
-    return ScoreTau2(HedgesTau2(studies), choice, 1.0,
-                     [&](double tau2) { return StepSumsAt(studies, tau2); });
-}
-
-/// The Hedges estimate where the search has none.
-MATau2Estimate Search(const MAEffects& studies, const MATau2Choice& choice)
-{
-    MAPooledCurve curve = CurveOf(studies, choice.estimator);
-    MATau2Estimate estimate =
-        EstimateOf(SolveTau2(curve, choice.estimator, curve.MomentEstimate()), curve.Unit());
-    if (estimate.convergence == MAConst::TAU2_STEP_NOT_FINITE)
-        estimate.tau2 = HedgesTau2(studies);
-    return estimate;
-}
-
-} // namespace
 
 MATau2Estimate EstimateTau2(const MAEffects& studies, const MATau2Choice& choice)
 {

@@ -32,6 +32,17 @@ struct MATau2StepSums
         wr2 += weightedResidual * residual;
         w2r2 += weightedResidual * weightedResidual;
     }
+    /// Of other data in the same unit.
+    void Add(const MATau2StepSums& others)
+    {
+        count += others.count;
+        w1 += others.w1;
+        w2 += others.w2;
+        wr2 += others.wr2;
+        w2r2 += others.w2r2;
+        traceP += others.traceP;
+        tracePP += others.tracePP;
+    }
 };
 
 /// The scoring step of tau², in the unit of the sums, for `rank` independent coefficients; NaN for an

@@ -45,7 +45,8 @@ void Describe(const MARegTask& task, MARegBuild& build)
     }
     if (task.use == MARegUse::BubblePlot || task.use == MARegUse::Statistics)
         return;
-    build.results.tests = TestCoefficients(fit, build.scale, UsesStudentT(settings));
+    build.results.tests = TestCoefficients(
+        fit, build.scale, UsesStudentT(settings, IsAdjusted(settings, fit.ResidualDf(), 0.0)));
     if (task.use == MARegUse::SmallStudyTest)
         return;
     build.results.wald = WaldTest(fit, build.results.dispersion);

@@ -71,11 +71,13 @@ KXStatus Describe(const MARegTask& task, MARegBuild& build)
     const MARegSettings& settings = task.Settings();
     const MARegFit& fit = *build.fit;
     MARegResults& results = build.results;
-    if (settings.IsKnapHartAdjust())
+    const bool isAdjusted = IsAdjusted(settings, fit.ResidualDf(), results.tau2);
+    if (isAdjusted)
         build.scale = KnappHartungScale(fit, settings.IsTruncAjustValue());
     if (task.use == MARegUse::Statistics)
         return KXStatus();
     results.tests = TestCoefficients(fit, build.scale, UsesStudentT(settings));
+    results.tests = TestCoefficients(fit, build.scale, UsesStudentT(settings, isAdjusted));
     const MAConst::TAU2ESTIMATOR estimator = EstimatorOf(settings);
     // A code that is no estimator has the curve of Q.
     MARegressionCurve curve(task.design.Columns(), task.design.Rows().variances, LikelihoodOf(estimator));
@@ -86,7 +88,7 @@ KXStatus Describe(const MARegTask& task, MARegBuild& build)
         build.Passed(KXStatus(MAStatusCode::TAU2_DOUBTFUL, true));
     if (task.use == MARegUse::SmallStudyTest)
         return KXStatus();
-    if (settings.IsKnapHartAdjust())
+    if (isAdjusted)
         results.f = FTest(fit, build.scale);
     else
         results.wald = WaldTest(fit, results.dispersion);
@@ -120,6 +122,8 @@ MARegBuild FitRandomEffects(const MARegTask& task)
     if (task.use == MARegUse::Statistics)
         return build;
     build.criticalValue = CriticalValue(*build.fit, UsesStudentT(task.Settings()));
+    const bool isAdjusted = IsAdjusted(task.Settings(), build.fit->ResidualDf(), estimate.tau2);
+    build.criticalValue = CriticalValue(*build.fit, UsesStudentT(task.Settings(), isAdjusted));
     return build;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/inference/MAKnappHartung.h"
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/regression/MARegResults.h"
@@ -39,10 +40,17 @@ struct MARegTask
     const MARegSettings& Settings() const { return design.GetSettings(); }
 };
 
-/// Whether the coefficients are tested by Student's t: always under the Knapp-Hartung adjustment.
-inline bool UsesStudentT(const MARegSettings& settings)
+/// Whether a model with residual degrees of freedom and tau² is adjusted after Knapp and Hartung.
+inline bool IsAdjusted(const MARegSettings& settings, double residualDf, double tau2)
 {
-    return settings.IsKnapHartAdjust() || settings.GetTestDistType() == MAConst::TEST_STUDENT_T;
+    return settings.IsKnapHartAdjust() &&
+           (!settings.IsKnapHartIfHeterogeneous() || IsHeterogeneous(residualDf, tau2));
+}
+
+/// Whether the coefficients are tested by Student's t: always under the adjustment.
+inline bool UsesStudentT(const MARegSettings& settings, bool isAdjusted)
+{
+    return isAdjusted || settings.GetTestDistType() == MAConst::TEST_STUDENT_T;
 }
 
 /// A fitted model: its results, and what predicts from it. The fit refers to the design of the task.

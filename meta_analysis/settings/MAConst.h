@@ -106,12 +106,14 @@ enum STUDYGROUPTYPE : int
     GROUP_CONTROL = 1
 };
 
-/// Adjustment of the random-effects model after Knapp and Hartung.
+/// Adjustment of the random-effects model after Knapp and Hartung. Any value outside the enumeration adjusts.
 enum KNAPPHADJTYPE : int
 {
-    KNAPP_HARTUNG_NONE = 0,     ///< normal test and interval
-    KNAPP_HARTUNG_ADJUSTED = 1, ///< scaled variance, Student's t with k - 1 degrees of freedom
-    KNAPP_HARTUNG_TRUNCATED = 2 ///< as above, the scale factor never below 1
+    KNAPP_HARTUNG_NONE = 0,      ///< normal test and interval
+    KNAPP_HARTUNG_ADJUSTED = 1,  ///< scaled variance, Student's t with k - 1 degrees of freedom
+    KNAPP_HARTUNG_TRUNCATED = 2, ///< as above, the scale factor never below 1
+    /// Adjusted where k > 2 and tau² > 0 (in a meta-regression: k - p > 1), else normal; for each model anew.
+    KNAPP_HARTUNG_IF_HETEROGENEOUS = 3
 };
 
 /// Which 2x2 tables receive the zero-count constant in all four cells.

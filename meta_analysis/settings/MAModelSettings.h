@@ -157,7 +157,8 @@ public:
     void SetTau2Interval(MAConst::TAU2INTERVAL value) { tau2Interval_ = value; }
     MAConst::TAU2INTERVAL GetTau2Interval() const { return tau2Interval_; }
     /// Adjustment of random-effects models after Knapp and Hartung; default none. The adjusted interval holds
-    /// its level with few studies, but can be shorter than the plain one; the truncated one cannot.
+    /// its level with few studies, but can be shorter than the plain one; the truncated one cannot. Without
+    /// heterogeneity the adjusted one can be far too short, which `KNAPP_HARTUNG_IF_HETEROGENEOUS` avoids.
     void SetKnapHartAdjustType(MAConst::KNAPPHADJTYPE value) { knapHartAdjustType_ = value; }
     MAConst::KNAPPHADJTYPE GetKnapHartAdjustType() const { return knapHartAdjustType_; }
     /// Confidence level, a fraction between 0 and 1; default 0.95. Warning `CONFIDENCE_LEVEL_OUTSIDE`.
@@ -194,6 +195,11 @@ public:
     /// overall model. Groups answer where the effect differs, with fewer studies for each tau².
     void SetSubGroupIndex(int value) { subGroupIndex_ = value; }
     int GetSubGroupIndex() const { return subGroupIndex_; }
+    /// Whether all subgroups share one tau², that of the meta-regression with the groups as a factor; default
+    /// false. More precise with few studies a group, and wrong where the groups differ in heterogeneity. The
+    /// model of all studies keeps its own tau². Warning `COMMON_TAU2_IGNORED`.
+    void SetCommonTau2(bool value) { commonTau2_ = value; }
+    bool GetCommonTau2() const { return commonTau2_; }
     /// Ordering variable of the cumulative analysis, which replaces the model by one for each prefix of the
     /// studies: under random effects in time that grows with the square of their number.
     void SetCommulativeIndex(int value) { commulativeIndex_ = value; }
@@ -219,6 +225,11 @@ public:
 
     // ---- Small-study tests, trim-and-fill ----
 
+    /// Whether a run tests the rank correlation of effect and variance (Begg and Mazumdar 1994, Biometrics
+    /// 50, 1088-1101); default false. It has less power than the regression-based tests, and assumes no line.
+    /// Warning `FEW_STUDIES_FOR_TEST`.
+    void SetRankTest(bool value) { rankTest_ = value; }
+    bool GetRankTest() const { return rankTest_; }
     /// Regression-based small-study test; default that of the effect on its standard error, which is biased
     /// for odds ratios, whose standard error depends on the effect. The others need raw tables.
     void SetRegBaseTestType(MAConst::RegBaseTestType value) { regBaseTestType_ = value; }
@@ -335,6 +346,8 @@ private:
     MAConst::TRIMFSIDE trimFillSide_ = MAConst::TRIM_SIDE_AUTO;
     MAConst::TRIMFMETHOD trimFillMethod_ = MAConst::TRIM_LINEAR;
     bool isTrimFill_ = false;
+    bool commonTau2_ = false;
+    bool rankTest_ = false;
     bool leaveOneOut_ = false;
     MAConst::MODELTYPE tfModelType_ = MAConst::MODEL_RANDOM;
     MAConst::TAU2ESTIMATOR tfEstTauType_ = MAConst::TAU2_REML;

@@ -121,6 +121,10 @@ public:
     /// than by Student's t without the adjustment.
     void SetTruncAjustValue(bool value) { truncAdjust_ = value; }
     bool IsTruncAjustValue() const { return truncAdjust_; }
+    /// Makes that adjustment only where tau² > 0 and more than one degree of freedom is left; default false.
+    /// Otherwise the model is tested as if without the adjustment.
+    void SetKnapHartIfHeterogeneous(bool value) { knapHartIfHeterogeneous_ = value; }
+    bool IsKnapHartIfHeterogeneous() const { return knapHartIfHeterogeneous_; }
     /// Variables of a study's 2x2 table, which the small-study tests of types 1 to 3 need; default -1 for
     /// none.
     void SetTreatmentSuccess(int value) { treatmentSuccess_ = value; }
@@ -220,6 +224,7 @@ private:
     MAConst::TAU2INTERVAL tau2Interval_ = MAConst::TAU2_INTERVAL_NONE;
     bool knapHartAdjust_ = false;
     bool truncAdjust_ = false;
+    bool knapHartIfHeterogeneous_ = false;
     int treatmentSuccess_ = -1;
     int treatmentFailure_ = -1;
     int controlSuccess_ = -1;

@@ -78,6 +78,13 @@ bool HasIterations(const MAModelSettings& settings)
            (trimsByRandom && Iterates(settings.GetTFEstTauType(), settings.GetTau2Search()));
 }
 
+bool IgnoresCommonTau2(const Run& run)
+{
+    const MAModelSettings& settings = run.settings;
+    return settings.GetCommonTau2() &&
+           (IsFixed(settings) || settings.GetSubGroupIndex() == -1 || settings.GetCummulativeIndex() != -1);
+}
+
 bool HasContrasts(const Run& run)
 {
     return !run.settings.GetContrastCoefIndex().empty();
@@ -109,6 +116,7 @@ constexpr Rule<Run> rulesOfRuns[] = {
          return !IsFixed(run.settings) &&
                 LacksInterval(run.settings.GetEstTauType(), run.settings.GetTau2Interval());
      }},
+    {MAStatusCode::COMMON_TAU2_IGNORED, IgnoresCommonTau2},
 };
 
 /// Whether the null value cannot be a ratio. Tables are pooled with a null value on the ratio scale, on which

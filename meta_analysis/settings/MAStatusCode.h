@@ -63,5 +63,7 @@ constexpr int CLUSTER_DECIDES =
     460142; ///< one cluster alone determines a coefficient: no robust variance of it
 constexpr int PERMUTATIONS_LEFT_OUT = 460143;  ///< some permuted data had no test statistic
 constexpr int PREDICTION_UNAVAILABLE = 460139; ///< values for which the data determine no prediction
+constexpr int FEW_STUDIES_FOR_TEST = 460110;      ///< a small-study test of fewer than ten studies
+constexpr int COMMON_TAU2_IGNORED = 460111;       ///< asked for without subgroups under random effects
 
 } // namespace MA_NAMESPACE::MAStatusCode

@@ -15,6 +15,7 @@ MARegSettings RegressionSettingsOf(const MAModelSettings& settings)
     regression.SetTau2Search(settings.GetTau2Search());
     regression.SetKnapHartAdjust(adjustment != MAConst::KNAPP_HARTUNG_NONE);
     regression.SetTruncAjustValue(adjustment == MAConst::KNAPP_HARTUNG_TRUNCATED);
+    regression.SetKnapHartIfHeterogeneous(adjustment == MAConst::KNAPP_HARTUNG_IF_HETEROGENEOUS);
     regression.SetConfidenceLevel(settings.GetCILevel());
     regression.SetParameterTolerance(settings.GetConnvergenceTol());
     regression.SetMaxIterations(settings.GetMaxIter());
@@ -49,6 +50,7 @@ MARegSettings ComputationSettingsOf(const MARegSettings& settings)
     computation.SetTau2Search(settings.GetTau2Search());
     computation.SetKnapHartAdjust(settings.IsKnapHartAdjust());
     computation.SetTruncAjustValue(settings.IsTruncAjustValue());
+    computation.SetKnapHartIfHeterogeneous(settings.IsKnapHartIfHeterogeneous());
     computation.SetTestDistType(settings.GetTestDistType());
     return computation;
 }

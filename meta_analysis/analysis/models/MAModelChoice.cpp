@@ -55,6 +55,7 @@ MAModelChoice EffectsModel(const MAModelSettings& settings, const MARunSettings&
     choice.random.isThresholdAbove = isThresholdAbove;
     choice.random.checksTau2 = true;
     choice.random.alpha = alpha;
+    choice.hasCommonTau2 = settings.GetCommonTau2();
     return choice;
 }
 

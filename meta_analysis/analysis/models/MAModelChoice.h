@@ -14,6 +14,7 @@ struct MAModelChoice
     MARandomEffectsChoice random;
     bool poolsTables = false; ///< by Mantel and Haenszel or Peto, not by inverse variance
     MATablePoolingChoice tables;
+    bool hasCommonTau2 = false; ///< of all subgroups, under random effects
 };
 
 /// The settings that an analysis copies when a run starts; the values of one that has not run.

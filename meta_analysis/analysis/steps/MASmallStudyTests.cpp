@@ -65,6 +65,13 @@ MASmallStudyTest ResultsOf(const MARegBaseTest& test, const KXStatus& status)
     return result;
 }
 
+MAEstimate EstimateAt(const MASmallStudyTest& test, std::size_t i)
+{
+    return {test.coefficients[i], test.stdErrors[i] * test.stdErrors[i],   test.stdErrors[i],
+            test.statistics[i],   {test.pValues[i], test.log10PValues[i]}, test.lowerLimits[i],
+            test.upperLimits[i]};
+}
+
 MASmallStudyTest Failure(const KXStatus& status)
 {
     MASmallStudyTest failed;
@@ -76,9 +83,13 @@ MASmallStudyTest Failure(const KXStatus& status)
 
 MAEstimate MASmallStudyTest::Covariate() const
 {
-    return {coefficients.back(), stdErrors.back() * stdErrors.back(),   stdErrors.back(),
-            statistics.back(),   {pValues.back(), log10PValues.back()}, lowerLimits.back(),
-            upperLimits.back()};
+    return EstimateAt(*this, coefficients.size() - 1);
+}
+
+MAEstimate MASmallStudyTest::Intercept() const
+{
+    const bool isEstimated = coefficients.size() == 2 && nonRedundant.Test(0) && nonRedundant.Test(1);
+    return isEstimated ? EstimateAt(*this, 0) : MAEstimate();
 }
 
 MASmallStudyTest TestSmallStudies(MultiPassRecordIter& records, const KXVarList& variables,

@@ -30,7 +30,14 @@ struct MASmallStudyTest
 
     /// The test covariate's coefficient with its test and interval. Needs a test that has passed.
     MAEstimate Covariate() const;
+    /// The intercept with its test and interval: the effect where the covariate is 0. Missing where the
+    /// intercept or the slope is not estimated. Needs a test that has passed.
+    MAEstimate Intercept() const;
 };
+
+/// Below so many studies the tests have too little power to tell chance from asymmetry.
+/// Sterne et al. (2011), BMJ 343, d4002.
+constexpr std::size_t fewestStudiesToTrust = 10;
 
 /// The choices of a small-study test.
 struct MASmallStudyChoice

@@ -2,6 +2,7 @@
 
 #include "meta_analysis/inference/MATestPValues.h"
 #include "meta_analysis/inference/MAWeightedMean.h"
+#include "meta_analysis/pooling/MACommonTau2.h"
 
 #include <algorithm>
 #include <cmath>
@@ -18,6 +19,43 @@ MAWeightedMean SumsOf(const MAStudies& studies, const MASelection& group, double
     for (const std::size_t study : group)
         sums.Add(1.0 / (tau2 + studies.variance[study]), studies.effectSize[study]);
     return sums;
+}
+
+/// One model per group.
+MASubgroups PoolApart(const MAStudies& studies, const std::vector<MASelection>& groups,
+                      const MAModelChoice& choice)
+{
+    MASubgroups result;
+    for (const MASelection& group : groups) {
+        MAPooledStudies pooled = Pool(studies, group, choice);
+        result.status = pooled.model.status;
+        if (result.status.IsError())
+            return result;
+        result.groups.push_back(std::move(pooled));
+    }
+    return result;
+}
+
+/// The columns of the groups, one behind the other.
+MASubgroups PoolTogether(const MAStudies& studies, const std::vector<MASelection>& groups,
+                         const MAModelChoice& choice)
+{
+    std::vector<std::vector<double>> columns;
+    columns.reserve(2 * groups.size());
+    std::vector<MAEffects> effects;
+    for (const MASelection& group : groups) {
+        columns.push_back(Selected(studies.effectSize, group));
+        columns.push_back(Selected(studies.variance, group));
+        effects.push_back({columns[columns.size() - 2], columns.back()});
+    }
+    MASubgroups result;
+    for (MAPooledModel& model : PoolWithCommonTau2(effects, choice.random)) {
+        result.status = model.status;
+        if (result.status.IsError())
+            return result;
+        result.groups.push_back({std::move(model), 0, {}});
+    }
+    return result;
 }
 
 } // namespace
@@ -72,14 +110,11 @@ MABetweenGroups TestBetweenGroups(const MAStudies& studies, const std::vector<MA
 MASubgroups AnalyseSubgroups(const MAStudies& studies, const std::vector<MASelection>& groups,
                              const MAModelChoice& choice)
 {
-    MASubgroups result;
-    for (const MASelection& group : groups) {
-        MAPooledStudies pooled = Pool(studies, group, choice);
-        result.status = pooled.model.status;
-        if (result.status.IsError())
-            return result;
-        result.groups.push_back(std::move(pooled));
-    }
+    const bool isCommon = choice.hasCommonTau2 && choice.type != MAConst::MODEL_FIXED;
+    MASubgroups result =
+        isCommon ? PoolTogether(studies, groups, choice) : PoolApart(studies, groups, choice);
+    if (result.status.IsError())
+        return result;
     MAPooledStudies overall = Pool(studies, choice);
     result.status = overall.model.status;
     if (!result.status.IsError())

@@ -30,7 +30,8 @@ MABetweenGroups TestBetweenGroups(const MAStudies& studies, const std::vector<MA
                                   MAConst::MODELTYPE type, const std::vector<double>& tau2,
                                   const MABetweenGroups& before);
 
-/// One model per group, and one of all studies. After an error, which is that of the first model that failed,
+/// One model per group, with a between-study variance of its own or, by the choice, a common one, and one of
+/// all studies. After an error, which is that of the first model that failed,
 /// the models before it.
 struct MASubgroups
 {
