@@ -24,31 +24,27 @@ MAPooledModel Failed(const KXStatus& status)
     return model;
 }
 
-/// The factor of the variance; 1 for a single study, which has no residual.
-double VarianceFactor(const MAEffects& studies, MAConst::KNAPPHADJTYPE adjustment, double mean, double tau2)
-{
-    if (studies.Count() < 2)
-        return 1.0;
-    return KnappHartungFactor(ResidualSum(studies, mean, tau2), static_cast<double>(studies.Count()) - 1.0,
-                              adjustment == MAConst::KNAPP_HARTUNG_TRUNCATED);
-}
-
 /// Student's t has k - 1 degrees of freedom under the adjustment of Knapp and Hartung: a single study has no
-/// test and no interval.
-MAEstimate InferMean(const MAEffects& studies, const MARandomEffectsChoice& choice, double tau2)
+/// test and no interval. It has no residual either, and the factor 1. `residualSum()` is called only for that
+/// factor.
+template <class ResidualSumOfMean>
+MAEstimate InferMean(std::size_t count, double mean, double weightSum, const MARandomEffectsChoice& choice,
+                     ResidualSumOfMean residualSum)
 {
-    const MAWeightedMean sums = WeightedMean(studies, tau2);
-    const double mean = sums.Mean();
     if (choice.knappHartung == MAConst::KNAPP_HARTUNG_NONE)
-        return InferNormal(mean, sums.Variance(), 0.0, TwoSidedNormalQuantile(choice.alpha));
-    const double factor = VarianceFactor(studies, choice.knappHartung, mean, tau2);
-    return InferT(mean, factor / sums.weightSum, static_cast<double>(studies.Count()) - 1.0, choice.alpha);
+        return InferNormal(mean, 1.0 / weightSum, 0.0, TwoSidedNormalQuantile(choice.alpha));
+    const double df = static_cast<double>(count) - 1.0;
+    const bool isTruncated = choice.knappHartung == MAConst::KNAPP_HARTUNG_TRUNCATED;
+    const double factor = count < 2 ? 1.0 : KnappHartungFactor(residualSum(), df, isTruncated);
+    return InferT(mean, factor / weightSum, df, choice.alpha);
 }
 
 /// Effects that are all 0 have no variance under the adjustment, and no test: it would be of 0 / 0.
-MAEstimate PoolWithTau2(const MAEffects& studies, const MARandomEffectsChoice& choice, double tau2)
+template <class ResidualSumOfMean>
+MAEstimate PoolWithTau2(std::size_t count, double mean, double weightSum, const MARandomEffectsChoice& choice,
+                        ResidualSumOfMean residualSum)
 {
-    MAEstimate pooled = InferMean(studies, choice, tau2);
+    MAEstimate pooled = InferMean(count, mean, weightSum, choice, residualSum);
     if (pooled.stdError == 0.0 && pooled.estimate == 0.0) {
         pooled.statistic = KXMV::Missing();
         pooled.pValue = MAPValue();
@@ -163,12 +159,28 @@ MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsC
         return model;
     model.tau2Results.convergence = estimated.convergence;
     model.tau2Results.evaluations = estimated.evaluations;
-    model.effect = PoolWithTau2(studies, choice, model.tau2);
+    const MAWeightedMean sums = WeightedMean(studies, model.tau2);
+    const double mean = sums.Mean();
+    model.effect = PoolWithTau2(studies.Count(), mean, sums.weightSum, choice,
+                                [&] { return ResidualSum(studies, mean, model.tau2); });
     model.prediction = PredictEffect(model.effect, model.tau2, choice, studies.Count());
     if (studies.Count() >= 2) {
         SetHeterogeneity(studies, model);
         SetTau2Results(studies, choice, model);
     }
+    return model;
+}
+
+MAPooledModel RandomEffectsModel(const MARandomEffectsSums& sums, const MARandomEffectsChoice& choice)
+{
+    MAPooledModel model;
+    model.tau2 = sums.tau2.tau2;
+    model.tau2Results.convergence = sums.tau2.convergence;
+    model.tau2Results.evaluations = sums.tau2.evaluations;
+    model.effect = PoolWithTau2(sums.count, sums.mean, sums.weightSum, choice, [&] { return sums.residualSum; });
+    model.homogeneity = TestHomogeneity(sums.q, sums.count);
+    model.typicalVariance = model.homogeneity.df / sums.fixedTrace;
+    model.heterogeneity = HeterogeneityFromTau2(model.tau2, model.typicalVariance);
     return model;
 }
 

@@ -134,6 +134,10 @@ public:
     /// Student's t whatever is set here.
     void SetTestDistType(MAConst::TESTDISTTYPE value) { testDistType_ = value; }
     MAConst::TESTDISTTYPE GetTestDistType() const { return testDistType_; }
+    /// Whether deletion diagnostics are computed, which tell how much each study decides; default false.
+    /// Costs a fit a study.
+    void SetInfluence(bool value) { influence_ = value; }
+    bool GetInfluence() const { return influence_; }
 
 protected:
     bool IsValidIterations() const { return GetMaxStepHalvingValue() > 0; }
@@ -177,6 +181,7 @@ private:
     int controlSuccess_ = -1;
     int controlFailure_ = -1;
     MAConst::TESTDISTTYPE testDistType_ = MAConst::TEST_STUDENT_T;
+    bool influence_ = false;
 };
 
 } // namespace MA_NAMESPACE

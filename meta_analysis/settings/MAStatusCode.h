@@ -53,4 +53,6 @@ constexpr int NO_ITERATION_ALLOWED = 460106;      ///< iteration limit below 1 f
 constexpr int MODEL_TYPE_UNKNOWN = 460107;        ///< a model type outside the enumeration
 constexpr int TAU2_INTERVAL_UNAVAILABLE = 460108; ///< profile likelihood for an estimator other than ML, REML
 
+constexpr int DELETION_UNDEFINED = 460145; ///< a model without one of the studies; its diagnostics are missing
+
 } // namespace MA_NAMESPACE::MAStatusCode
