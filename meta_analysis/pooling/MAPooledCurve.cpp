@@ -1,6 +1,7 @@
 #include "meta_analysis/pooling/MAPooledCurve.h"
 
 #include "meta_analysis/platform/common/Square.h"
+#include "meta_analysis/pooling/MALogSum.h"
 
 #include <algorithm>
 #include <cmath>
@@ -226,18 +227,11 @@ double MAPooledCurve::LogLikelihood(double t)
     return -0.5 * twice;
 }
 
-/// Sum of log(v + t), with one logarithm for eight studies: their product is no larger than 1e280.
+/// Sum of log(v + t).
 double MAPooledCurve::LogDeterminant(double t) const
 {
-    const std::size_t factors = bounds_.maxVariance + t < 1e35 ? 8 : 1;
-    double sum = 0.0;
-    for (std::size_t first = 0; first < count_; first += factors) {
-        double product = 1.0;
-        for (std::size_t i = first; i < std::min(first + factors, count_); ++i)
-            product *= variances_[i] * effectScale_ * effectScale_ + t;
-        sum += std::log(product);
-    }
-    return sum;
+    return SumOfLogs(count_, bounds_.maxVariance + t < 1e35,
+                     [&](std::size_t i) { return variances_[i] * effectScale_ * effectScale_ + t; });
 }
 
 } // namespace MA_NAMESPACE

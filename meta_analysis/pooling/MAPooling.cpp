@@ -45,6 +45,25 @@ MAEstimate InferMean(const MAEffects& studies, double tau2, const MAMeanTest& te
 MAEstimate PoolWithTau2(const MAEffects& studies, double tau2, const MAMeanTest& test, double alpha)
 {
     MAEstimate pooled = InferMean(studies, tau2, test, alpha);
+/// test and no interval. It has no residual either, and the factor 1. `residualSum()` is called only for that
+/// factor.
+template <class ResidualSumOfMean>
+MAEstimate InferMean(std::size_t count, double mean, double weightSum, const MARandomEffectsChoice& choice,
+                     ResidualSumOfMean residualSum)
+{
+    if (choice.knappHartung == MAConst::KNAPP_HARTUNG_NONE)
+        return InferNormal(mean, 1.0 / weightSum, 0.0, TwoSidedNormalQuantile(choice.alpha));
+    const double df = static_cast<double>(count) - 1.0;
+    const bool isTruncated = choice.knappHartung == MAConst::KNAPP_HARTUNG_TRUNCATED;
+    const double factor = count < 2 ? 1.0 : KnappHartungFactor(residualSum(), df, isTruncated);
+    return InferT(mean, factor / weightSum, df, choice.alpha);
+}
+
+template <class ResidualSumOfMean>
+MAEstimate PoolWithTau2(std::size_t count, double mean, double weightSum, const MARandomEffectsChoice& choice,
+                        ResidualSumOfMean residualSum)
+{
+    MAEstimate pooled = InferMean(count, mean, weightSum, choice, residualSum);
     if (pooled.stdError == 0.0 && pooled.estimate == 0.0) {
         pooled.statistic = KXMV::Missing();
         pooled.pValue = MAPValue();
@@ -178,6 +197,13 @@ MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsC
     model.tau2Results.convergence = estimated.convergence;
     model.tau2Results.evaluations = estimated.evaluations;
     if (studies.Count() >= 2)
+    const MAWeightedMean sums = WeightedMean(studies, model.tau2);
+    const double mean = sums.Mean();
+    model.effect = PoolWithTau2(studies.Count(), mean, sums.weightSum, choice,
+                                [&] { return ResidualSum(studies, mean, model.tau2); });
+    model.prediction = PredictEffect(model.effect, model.tau2, choice, studies.Count());
+    if (studies.Count() >= 2) {
+        SetHeterogeneity(studies, model);
         SetTau2Results(studies, choice, model);
     return model;
 }
@@ -195,6 +221,17 @@ void BoundHeterogeneity(MAPooledModel& model)
     model.heterogeneity.h2Upper = upper.h2;
     model.heterogeneity.i2Lower = lower.i2;
     model.heterogeneity.i2Upper = upper.i2;
+MAPooledModel RandomEffectsModel(const MARandomEffectsSums& sums, const MARandomEffectsChoice& choice)
+{
+    MAPooledModel model;
+    model.tau2 = sums.tau2.tau2;
+    model.tau2Results.convergence = sums.tau2.convergence;
+    model.tau2Results.evaluations = sums.tau2.evaluations;
+    model.effect = PoolWithTau2(sums.count, sums.mean, sums.weightSum, choice, [&] { return sums.residualSum; });
+    model.homogeneity = TestHomogeneity(sums.q, sums.count);
+    model.typicalVariance = model.homogeneity.df / sums.fixedTrace;
+    model.heterogeneity = HeterogeneityFromTau2(model.tau2, model.typicalVariance);
+    return model;
 }
 
 bool IsTau2Doubtful(const MAEffects& studies, const MARandomEffectsChoice& choice, const MAPooledModel& model)

@@ -3,6 +3,9 @@
 #include "meta_analysis/inference/MAEffects.h"
 #include "meta_analysis/pooling/MAPooledModel.h"
 #include "meta_analysis/pooling/MAPoolingChoice.h"
+#include "meta_analysis/pooling/MATau2Estimate.h"
+
+#include <cstddef>
 
 #include <span>
 
@@ -31,6 +34,20 @@ MAPooledModel PoolAtTau2(const MAEffects& studies, const MARandomEffectsChoice& 
 
 /// Sets the bounds of H² and I² to their values at those of tau², where these are there.
 void BoundHeterogeneity(MAPooledModel& model);
+/// Sums over two studies or more, of which their random-effects model is made.
+struct MARandomEffectsSums
+{
+    std::size_t count;
+    MATau2Estimate tau2;
+    double mean;
+    double weightSum;   ///< at tau²
+    double residualSum; ///< sum(w (y - mean)²) at tau²
+    double q;           ///< Cochran's
+    double fixedTrace;  ///< sum(w) - sum(w²) / sum(w) with w = 1 / v
+};
+
+/// The model of the sums, without a prediction and without what `MATau2Results` has of the likelihood.
+MAPooledModel RandomEffectsModel(const MARandomEffectsSums& sums, const MARandomEffectsChoice& choice);
 
 /// The check of `MARandomEffectsChoice::checksTau2`, for a model that was pooled without it.
 bool IsTau2Doubtful(const MAEffects& studies, const MARandomEffectsChoice& choice,

@@ -1,5 +1,7 @@
 #include "meta_analysis/pooling/MARegressionCurve.h"
 
+#include "meta_analysis/pooling/MALogSum.h"
+
 #include <algorithm>
 #include <cmath>
 
@@ -132,19 +134,11 @@ double MARegressionCurve::LogLikelihood(double t)
     return -0.5 * twice;
 }
 
-/// Sum of log(v + t), with one logarithm for eight rows: the product of their weights is no less than 1e-280.
+/// Sum of log(v + t).
 double MARegressionCurve::LogDeterminant() const
 {
     const double smallest = weights_.empty() ? 1.0 : *std::min_element(weights_.begin(), weights_.end());
-    const std::size_t factors = smallest > 1e-35 ? 8 : 1;
-    double sum = 0.0;
-    for (std::size_t first = 0; first < weights_.size(); first += factors) {
-        double product = 1.0;
-        for (std::size_t i = first; i < std::min(first + factors, weights_.size()); ++i)
-            product *= weights_[i];
-        sum -= std::log(product);
-    }
-    return sum;
+    return -SumOfLogs(weights_.size(), smallest > 1e-35, [&](std::size_t i) { return weights_[i]; });
 }
 
 } // namespace MA_NAMESPACE

@@ -199,6 +199,17 @@ enum OMGWeightType : int
     OMEGA_STD_ERROR = 2
 };
 
+/// Rules by which a study stands out in the deletion diagnostics. A study has the sum of those that it meets;
+/// docs/methods.md has the cut-offs.
+enum INFLUENCERULE : int
+{
+    INFLUENCE_RESIDUAL = 1, ///< an outlier; the others tell of influence
+    INFLUENCE_DFFITS = 2,
+    INFLUENCE_COOK = 4,
+    INFLUENCE_HAT = 8,
+    INFLUENCE_DFBETAS = 16 ///< of a meta-regression
+};
+
 /// The group label of the model of all studies, where results of subgroups and of all studies stand together.
 inline constexpr double overallGroup = -1.0;
 

@@ -222,6 +222,10 @@ public:
     /// study.
     void SetLeaveOneOut(bool value) { leaveOneOut_ = value; }
     bool GetLeaveOneOut() const { return leaveOneOut_; }
+    /// Whether deletion diagnostics are computed, which tell how much each study decides; default false.
+    /// Costs a model a study.
+    void SetInfluence(bool value) { influence_ = value; }
+    bool GetInfluence() const { return influence_; }
 
     // ---- Small-study tests, trim-and-fill ----
 
@@ -349,6 +353,7 @@ private:
     bool commonTau2_ = false;
     bool rankTest_ = false;
     bool leaveOneOut_ = false;
+    bool influence_ = false;
     MAConst::MODELTYPE tfModelType_ = MAConst::MODEL_RANDOM;
     MAConst::TAU2ESTIMATOR tfEstTauType_ = MAConst::TAU2_REML;
     MAConst::KNAPPHADJTYPE tfKnapHartAdjustType_ = MAConst::KNAPP_HARTUNG_NONE;

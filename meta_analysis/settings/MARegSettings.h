@@ -186,6 +186,10 @@ public:
     int GetReferenceLevel(int factor) const noexcept;
     /// Factors with their reference levels, in the order set.
     const std::vector<std::pair<int, int>>& GetReferenceLevels() const { return referenceLevels_; }
+    /// Whether deletion diagnostics are computed, which tell how much each study decides; default false.
+    /// Costs a fit a study.
+    void SetInfluence(bool value) { influence_ = value; }
+    bool GetInfluence() const { return influence_; }
 
 protected:
     bool IsValidIterations() const { return GetMaxStepHalvingValue() > 0; }
@@ -238,6 +242,7 @@ private:
     std::vector<double> hypothesisValues_;
     std::vector<Record> predictions_;
     std::vector<std::pair<int, int>> referenceLevels_; ///< factors with their levels
+    bool influence_ = false;
 };
 
 } // namespace MA_NAMESPACE

@@ -66,4 +66,6 @@ constexpr int PREDICTION_UNAVAILABLE = 460139; ///< values for which the data de
 constexpr int FEW_STUDIES_FOR_TEST = 460110;      ///< a small-study test of fewer than ten studies
 constexpr int COMMON_TAU2_IGNORED = 460111;       ///< asked for without subgroups under random effects
 
+constexpr int DELETION_UNDEFINED = 460145; ///< a model without one of the studies; its diagnostics are missing
+
 } // namespace MA_NAMESPACE::MAStatusCode

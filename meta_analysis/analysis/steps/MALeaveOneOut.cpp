@@ -1,5 +1,9 @@
 #include "meta_analysis/analysis/steps/MALeaveOneOut.h"
 
+#include "meta_analysis/pooling/MADeletedModels.h"
+
+#include <optional>
+
 namespace MA_NAMESPACE {
 
 namespace {
@@ -27,14 +31,14 @@ private:
     std::vector<T> others_;
 };
 
-/// `pool()` pools the studies that are left; `proceed(i)` leaves out the study after i.
+/// `pool(i)` pools the studies other than i; `proceed(i)` leaves out the study after i.
 template <class PoolOthers, class Proceed>
 MALeaveOneOut PoolEachRest(std::size_t count, PoolOthers pool, Proceed proceed)
 {
     MALeaveOneOut result;
     result.models.reserve(count);
     for (std::size_t i = 0; i < count; ++i) {
-        const MAPooledModel model = pool();
+        const MAPooledModel model = pool(i);
         result.status = model.status;
         if (result.status.IsError())
             break;
@@ -52,16 +56,20 @@ MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice
     if (choice.poolsTables) {
         ColumnButOne tables(studies.tables);
         return PoolEachRest(
-            count, [&] { return PoolCounts(tables.Others(), choice).model; },
+            count, [&](std::size_t) { return PoolCounts(tables.Others(), choice).model; },
             [&](std::size_t i) { tables.Proceed(i); });
     }
     const MAModelChoice stepChoice = WithoutTau2Interval(choice);
     ColumnButOne effectSizes(studies.effectSize);
     ColumnButOne variances(studies.variance);
+    std::optional<MADeletedModels> models;
+    if (choice.type != MAConst::MODEL_FIXED && IsSearched(choice.random))
+        models.emplace(MAEffects{studies.effectSize, studies.variance}, stepChoice.random);
     return PoolEachRest(
         count,
-        [&] {
-            return PoolEffects({effectSizes.Others(), variances.Others()}, stepChoice);
+        [&](std::size_t i) {
+            const std::optional<MAPooledModel> found = models ? models->Without(i) : std::nullopt;
+            return found ? *found : PoolEffects({effectSizes.Others(), variances.Others()}, stepChoice);
         },
         [&](std::size_t i) {
             effectSizes.Proceed(i);

@@ -1,0 +1,38 @@
+#pragma once
+
+#include "meta_analysis/inference/MAEffects.h"
+#include "meta_analysis/pooling/MADeletionCurve.h"
+#include "meta_analysis/pooling/MAPooledModel.h"
+#include "meta_analysis/pooling/MAPoolingChoice.h"
+
+#include <cstddef>
+#include <optional>
+
+namespace MA_NAMESPACE {
+
+/// The random-effects models of all studies but one, where the global search finds tau² (ML, REML, EB).
+///
+/// A deletion's search starts from the tau² of all studies, and proves its own. It costs O(1), with sums that
+/// all deletions share. A model equals that of a plain refit but for rounding. It has no prediction, no
+/// interval of tau² and no likelihood.
+class MADeletedModels
+{
+public:
+    MADeletedModels(const MAEffects& studies, const MARandomEffectsChoice& choice);
+
+    /// The model without study i; none where the shared sums lose digits (one study dominates the others, or
+    /// the data have no likelihood) or fewer than two studies are left. Those need a plain refit.
+    std::optional<MAPooledModel> Without(std::size_t i);
+
+private:
+    MARandomEffectsChoice choice_;
+    std::size_t count_;
+    double tau2_; ///< of all studies
+    double mean_;
+    std::optional<MADeletionCurve> curve_;
+};
+
+/// Whether the tau² of the model is one of those.
+bool IsSearched(const MARandomEffectsChoice& choice);
+
+} // namespace MA_NAMESPACE
