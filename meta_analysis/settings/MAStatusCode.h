@@ -52,5 +52,8 @@ constexpr int NO_STUDY_IN_RUN = 460105;           ///< a run of which no study i
 constexpr int NO_ITERATION_ALLOWED = 460106;      ///< iteration limit below 1 for an iterative estimator
 constexpr int MODEL_TYPE_UNKNOWN = 460107;        ///< a model type outside the enumeration
 constexpr int TAU2_INTERVAL_UNAVAILABLE = 460108; ///< profile likelihood for an estimator other than ML, REML
+constexpr int INTERVAL_ASYMMETRIC = 460125;       ///< of a study's confidence interval about its estimate
+constexpr int SUMMARY_SKEWED = 460126;   ///< medians and quantiles that were converted come from skewed data
+constexpr int STD_DEV_DOUBTFUL = 460127; ///< a standard deviation that looks like a standard error
 
 } // namespace MA_NAMESPACE::MAStatusCode
