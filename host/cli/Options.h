@@ -20,6 +20,16 @@ enum class Command
     REGRESSION  ///< ready-made effect sizes on covariates and factors
 };
 
+/// The columns of what a group reports in place of mean and standard deviation.
+struct SummaryColumns
+{
+    ColumnName median;
+    ColumnName q1;
+    ColumnName q3;
+    ColumnName minimum;
+    ColumnName maximum;
+};
+
 /// What the command `regression` has beyond the other commands.
 struct RegressionOptions
 {
@@ -65,6 +75,11 @@ struct Options
     ColumnName variance;
     ColumnName stdError;
     ColumnName weight;
+    SummaryColumns treatmentSummary;
+    SummaryColumns controlSummary;
+    ColumnName ciLower;
+    ColumnName ciUpper;
+    ColumnName pValue;
 
     ColumnName subgroup;
     ColumnName cumulative;
@@ -75,6 +90,9 @@ struct Options
 
     /// The measure of ready-made effect sizes as given. The outcome decides which names are allowed.
     std::optional<std::string> readyMadeEffect;
+
+    /// What reports and pictures call the measure of ready-made effect sizes; by --effect without it.
+    std::optional<std::string> label;
 
     RegressionOptions regression;
 

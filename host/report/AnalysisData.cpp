@@ -12,6 +12,12 @@ namespace host {
 
 namespace {
 
+Measure MeasureOf(const AnalysisRequest& request)
+{
+    const Measure measure = host::MeasureOf(request.settings);
+    return request.label ? measure.Labelled(LabelText(*request.label)) : measure;
+}
+
 /// The labels of two groups or more. The last value is OVERALL_GROUP.
 std::vector<std::string> GroupLabels(const ValueLabels& subgroup, std::vector<double> groups)
 {
@@ -31,7 +37,7 @@ AnalysisData::AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofA
       analysis(ofAnalysis),
       settings(request.settings),
       base(analysis.Base()),
-      measure(MeasureOf(settings)),
+      measure(MeasureOf(request)),
       binary(measure.isRatio ? analysis.Binary() : nullptr),
       level(WordingOfLevel(settings)),
       decimals(std::max(DecimalsFor(base.GetStdError()), DecimalsFor(base.GetEstStdError()))),

@@ -38,6 +38,11 @@ void AddRun(Json& results, const MABaseModel& model)
     ADD_RESULT(NInvalid);
     ADD_RESULT(NDropped);
     ADD_RESULT(Warnings);
+    ADD_RESULT(ExcludedRecord);
+    ADD_RESULT(ExclusionReason);
+    ADD_RESULT(AsymmetricIntervalStudyID);
+    ADD_RESULT(SkewedStudyID);
+    ADD_RESULT(DoubtfulStdDevStudyID);
 }
 
 void AddStudies(Json& results, const MABaseModel& model)
@@ -54,6 +59,9 @@ void AddStudies(Json& results, const MABaseModel& model)
     ADD_RESULT(Weight);
     ADD_RESULT(NormalizedWeight);
     ADD_RESULT(NonMissingStudyID);
+    ADD_RESULT(EffectConversion);
+    ADD_RESULT(TreatmentConversion);
+    ADD_RESULT(ControlConversion);
 }
 
 void AddModels(Json& results, const MABaseModel& model)

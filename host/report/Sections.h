@@ -9,23 +9,16 @@ namespace host {
 /// is in the file of its name in host/report/sections.
 using SectionMaker = ReportSections(const AnalysisData& data);
 
-SectionMaker StudiesSection, PooledEffectSection, PredictionIntervalSection, HeterogeneitySection,
-    BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections, ContrastsSection,
-    LeaveOneOutSection, TrimAndFillSections, SmallStudyTestSection, FunnelPlotSection, BubblePlotsSection;
+SectionMaker StudiesSection, ConvertedStudiesSection, PooledEffectSection, PredictionIntervalSection,
+    HeterogeneitySection, BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections,
+    ContrastsSection, LeaveOneOutSection, TrimAndFillSections, SmallStudyTestSection, FunnelPlotSection,
+    BubblePlotsSection;
 
 /// The sections in the order of the report.
-inline constexpr SectionMaker* ANALYSIS_SECTIONS[] = {StudiesSection,
-                                                      PooledEffectSection,
-                                                      PredictionIntervalSection,
-                                                      HeterogeneitySection,
-                                                      BetweenStudyVarianceSection,
-                                                      BetweenGroupsSection,
-                                                      CumulativeSections,
-                                                      ContrastsSection,
-                                                      LeaveOneOutSection,
-                                                      TrimAndFillSections,
-                                                      SmallStudyTestSection,
-                                                      FunnelPlotSection,
-                                                      BubblePlotsSection};
+inline constexpr SectionMaker* ANALYSIS_SECTIONS[] = {
+    StudiesSection,       ConvertedStudiesSection,     PooledEffectSection,  PredictionIntervalSection,
+    HeterogeneitySection, BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections,
+    ContrastsSection,     LeaveOneOutSection,          TrimAndFillSections,  SmallStudyTestSection,
+    FunnelPlotSection,    BubblePlotsSection};
 
 } // namespace host

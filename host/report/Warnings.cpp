@@ -53,6 +53,31 @@ std::vector<ShownWarning> Shown(const std::vector<KXStatus>& warnings, const std
     return shown;
 }
 
+/// A warning of single studies.
+struct StudyWarning
+{
+    int code;
+    std::vector<int> (MABaseModel::*records)() const;
+};
+
+constexpr StudyWarning STUDY_WARNINGS[] = {
+    {MAStatusCode::INTERVAL_ASYMMETRIC, &MABaseModel::GetAsymmetricIntervalStudyID},
+    {MAStatusCode::SUMMARY_SKEWED, &MABaseModel::GetSkewedStudyID},
+    {MAStatusCode::STD_DEV_DOUBTFUL, &MABaseModel::GetDoubtfulStdDevStudyID},
+};
+
+/// Names the studies of a warning; empty for a warning of the whole analysis.
+std::string NamesOfStudies(int code, const AnalysisData& data)
+{
+    for (const StudyWarning& warning : STUDY_WARNINGS) {
+        if (warning.code != code)
+            continue;
+        const std::vector<std::string> labels = data.StudyLabelsOf((data.base.*warning.records)());
+        return fmt::format(" {}: {}.", labels.size() == 1 ? "Study" : "Studies", fmt::join(labels, ", "));
+    }
+    return {};
+}
+
 } // namespace
 
 std::vector<ShownWarning> WarningsOf(const AnalysisData& data)
@@ -63,7 +88,10 @@ std::vector<ShownWarning> WarningsOf(const AnalysisData& data)
     std::vector<FoundTau2> found;
     for (std::size_t i = 0; i < std::min(byScoring.size(), byGlobalSearch.size()); ++i)
         found.push_back({labels.size() > 1 ? labels[i] : "", byScoring[i], byGlobalSearch[i]});
-    return Shown(data.base.GetWarnings(), found);
+    std::vector<ShownWarning> shown = Shown(data.base.GetWarnings(), found);
+    for (ShownWarning& warning : shown)
+        warning.sentence += NamesOfStudies(warning.code, data);
+    return shown;
 }
 
 std::vector<ShownWarning> WarningsOf(const RegressionAnalysis& analysis)

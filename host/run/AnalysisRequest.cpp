@@ -36,6 +36,20 @@ int LabelledPosition(const ColumnName& column, const DataTable& table, Variables
     return variables.AddCoded(*column, std::move(coding.codes));
 }
 
+void SetSummaryPositions(const Options& options, Variables& variables, MAInputSettings& settings)
+{
+    settings.SetTreatmentMedianIndex(variables.PositionOf(options.treatmentSummary.median));
+    settings.SetTreatmentQ1Index(variables.PositionOf(options.treatmentSummary.q1));
+    settings.SetTreatmentQ3Index(variables.PositionOf(options.treatmentSummary.q3));
+    settings.SetTreatmentMinIndex(variables.PositionOf(options.treatmentSummary.minimum));
+    settings.SetTreatmentMaxIndex(variables.PositionOf(options.treatmentSummary.maximum));
+    settings.SetControlMedianIndex(variables.PositionOf(options.controlSummary.median));
+    settings.SetControlQ1Index(variables.PositionOf(options.controlSummary.q1));
+    settings.SetControlQ3Index(variables.PositionOf(options.controlSummary.q3));
+    settings.SetControlMinIndex(variables.PositionOf(options.controlSummary.minimum));
+    settings.SetControlMaxIndex(variables.PositionOf(options.controlSummary.maximum));
+}
+
 /// The positions of columns that are not named are -1, which the library takes as not given.
 MAModelSettings SettingsWithPositions(const Options& options, Variables& variables)
 {
@@ -55,6 +69,10 @@ MAModelSettings SettingsWithPositions(const Options& options, Variables& variabl
     settings.SetInputEffectSizeIndex(variables.PositionOf(options.effectSize));
     settings.SetInputVarianceIndex(variables.PositionOf(options.variance));
     settings.SetInputStdErrorIndex(variables.PositionOf(options.stdError));
+    settings.SetInputCILowerIndex(variables.PositionOf(options.ciLower));
+    settings.SetInputCIUpperIndex(variables.PositionOf(options.ciUpper));
+    settings.SetInputPValueIndex(variables.PositionOf(options.pValue));
+    SetSummaryPositions(options, variables, settings);
     return settings;
 }
 
@@ -76,6 +94,7 @@ AnalysisRequest MakeAnalysisRequest(const Options& options, const DataTable& tab
             .studyLabels = StudyLabels(options.study, table),
             .subgroup = std::move(subgroup),
             .cumulative = std::move(cumulative),
+            .label = options.label,
             .bubbleCovariates = std::move(bubbleCovariates),
             .runsSmallStudyTest = options.runsSmallStudyTest};
 }

@@ -8,6 +8,7 @@
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 #include "meta_analysis/settings/MAModelSettings.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +23,7 @@ struct AnalysisRequest
     std::vector<std::string> studyLabels; ///< one a record
     ValueLabels subgroup;                 ///< of the columns that part and order the studies, if given
     ValueLabels cumulative;
+    std::optional<std::string> label;  ///< of the measure, in place of its own name
     std::vector<int> bubbleCovariates; ///< variables
     bool runsSmallStudyTest = false;
 };

@@ -14,9 +14,12 @@ namespace host {
 /// A measure of effect, as reports and pictures call it.
 struct Measure
 {
-    const char* name;   ///< "odds ratio"
-    const char* symbol; ///< "OR"
+    std::string name;   ///< "odds ratio"
+    std::string symbol; ///< "OR"
     bool isRatio;       ///< analysed on the log scale
+
+    /// The measure under another name, which is its symbol too.
+    Measure Labelled(const std::string& label) const { return {label, label, isRatio}; }
 
     /// The symbol and the name on the scale of the analysis: "log OR" for a ratio, else as they are.
     std::string AnalysisSymbol() const { return OnAnalysisScale(symbol); }

@@ -97,6 +97,15 @@ constexpr StatusSentence SENTENCES[] = {
      "The model type is neither fixed nor random effects; it is taken as random effects."},
     {MAStatusCode::TAU2_INTERVAL_UNAVAILABLE,
      "There is a profile-likelihood interval for the ML and REML estimators only."},
+    {MAStatusCode::INTERVAL_ASYMMETRIC,
+     "A confidence interval is not symmetric about its estimate, beyond 5% of its width and what rounding in "
+     "print explains: check the figures, their level and whether they are ratios."},
+    {MAStatusCode::SUMMARY_SKEWED,
+     "Medians and quantiles come from skewed data by the tests of Shi et al. (2023); the means and standard "
+     "deviations that they were converted into suppose a normal distribution."},
+    {MAStatusCode::STD_DEV_DOUBTFUL,
+     "A standard deviation looks like a standard error: the standardised difference is beyond 3, and the "
+     "other studies' standard deviations are five times as large or more."},
 };
 
 } // namespace

@@ -72,12 +72,11 @@ std::string WordingOfTrimmingModel(const MAModelSettings& settings)
     return WordingOfModel(trimming);
 }
 
-std::string WordingOfNullHypothesis(const MAModelSettings& settings)
+std::string WordingOfNullHypothesis(const MAModelSettings& settings, const Measure& measure)
 {
     const double null = settings.GetNullHypothesis();
     if (null == 0)
         return {};
-    const Measure measure = MeasureOf(settings);
     return fmt::format("The null hypothesis is {} = {}.",
                        PoolsTables(settings) ? measure.symbol : measure.AnalysisSymbol(), null);
 }

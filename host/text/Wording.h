@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/text/Measures.h"
+
 #include "meta_analysis/settings/MAModelSettings.h"
 
 #include <cstddef>
@@ -22,7 +24,7 @@ std::string WordingOfStatistic(const MA_NAMESPACE::MAModelSettings& settings);
 std::string WordingOfTrimmingModel(const MA_NAMESPACE::MAModelSettings& settings);
 
 /// The null hypothesis of the pooled effect's test as a sentence; empty when it is 0.
-std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& settings);
+std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& settings, const Measure& measure);
 
 /// The distribution of the prediction interval; empty for the default one.
 std::string WordingOfPrediction(MAConst::PREDICTIONTYPE prediction);

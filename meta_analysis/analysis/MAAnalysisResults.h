@@ -32,6 +32,15 @@ public:
     int GetNInvalid() const;
     int GetNDropped() const;
     const std::vector<KXStatus>& GetWarnings() const;
+    /// The numbers of the records that are no study, from 0 and ascending, and why (a value of
+    /// `MAConst::EXCLUSION`).
+    std::vector<int> GetExcludedRecord() const;
+    std::vector<int> GetExclusionReason() const;
+    /// Record numbers of the studies with warning INTERVAL_ASYMMETRIC, SUMMARY_SKEWED or STD_DEV_DOUBTFUL,
+    /// ascending.
+    std::vector<int> GetAsymmetricIntervalStudyID() const;
+    std::vector<int> GetSkewedStudyID() const;
+    std::vector<int> GetDoubtfulStdDevStudyID() const;
 
     /// Per study.
     std::vector<double> GetEffectSize() const;
@@ -52,6 +61,12 @@ public:
     std::vector<double> GetNormalizedWeight() const;
     /// Record numbers, from 0.
     std::vector<int> GetNonMissingStudyID() const;
+    /// Per study: how the ready-made effect size, or the mean and standard deviation of each group, came from
+    /// what is reported (a value of `MAConst::CONVERSION`); empty unless the settings name variables that are
+    /// converted.
+    std::vector<int> GetEffectConversion() const;
+    std::vector<int> GetTreatmentConversion() const;
+    std::vector<int> GetControlConversion() const;
 
     /// Per model: the estimate with its test and confidence interval.
     std::vector<double> GetEstEffectSize() const;

@@ -100,8 +100,10 @@ KXStatus MABaseModel::Take(MAReading reading)
 {
     State().studies = std::move(reading.studies);
     State().groups.members.clear(); // which are positions among the studies
-    State().counts = reading.counts;
+    State().counts = std::move(reading.counts);
     AddWarnings(reading.warnings);
+    for (const MARecordWarning& warning : Results().counts.warnings)
+        AddWarning(warning.code);
     return reading.status;
 }
 
@@ -149,6 +151,12 @@ bool MABaseModel::AddNewWarning(const KXStatus& status, std::vector<KXStatus>& l
 void MABaseModel::AddWarning(const KXStatus& warning)
 {
     AppendNewWarning(warning, State().warnings);
+}
+
+void MABaseModel::AddWarningOf(int record, int code)
+{
+    State().counts.warnings.push_back({record, code});
+    AddWarning(code);
 }
 
 void MABaseModel::AddWarnings(const std::vector<int>& codes)

@@ -171,6 +171,8 @@ protected:
     void AddWarning(const KXStatus& warning);
     void AddWarning(int code) { AddWarning(KXStatus(code, true)); }
     void AddWarnings(const std::vector<int>& codes);
+    /// Records a warning of one record.
+    void AddWarningOf(int record, int code);
     KXStatus SetError(int code) { return status_ = KXStatus(code); }
 
     /// Whether a pass over the records came to its end, or left studies.

@@ -1,6 +1,7 @@
 #include "meta_analysis/analysis/MAContModel.h"
 
 #include "meta_analysis/analysis/MAAnalysisState.h"
+#include "meta_analysis/analysis/studies/MADoubtfulStdDevs.h"
 #include "meta_analysis/analysis/studies/MAMeansStudies.h"
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/settings/Alpha.h"
@@ -46,6 +47,8 @@ KXStatus MAContModel::ESCalc(MultiPassRecordIter& records)
                              {settings_->GetContinousEstType(), settings_->GetVarEqualAssumption(),
                               settings_->GetVarianceAdjustment(), settings_->GetGlassDsVarDependentGroup()},
                              state.settings.alpha);
+        for (const std::size_t study : DoubtfulStdDevs(state.studies.means))
+            AddWarningOf(state.studies.recordNumber[study], MAStatusCode::STD_DEV_DOUBTFUL);
         return status_;
     }));
 }

@@ -16,6 +16,7 @@ struct MATable
     double ControlSize() const { return c + d; }
     double Size() const { return ControlSize() + TreatmentSize(); }
 
+    bool HasNegative() const { return a < 0 || b < 0 || c < 0 || d < 0; }
     bool HasZeroCell() const { return a == 0 || b == 0 || c == 0 || d == 0; }
 
     /// Variance of the log odds ratio (Woolf 1955, Annals of Human Genetics 19, 251-253).

@@ -27,7 +27,7 @@ public:
     {
         if (HasMissing(table))
             return MATableVerdict::Missing;
-        if (IsZeroInBothArms(table) || HasNegative(table) || table.Size() == 0)
+        if (IsZeroInBothArms(table) || table.HasNegative() || table.Size() == 0)
             return MATableVerdict::Invalid;
         return Drops(table) ? MATableVerdict::Dropped : MATableVerdict::Study;
     }
@@ -40,10 +40,6 @@ private:
     {
         return KXMV::IsMissing(table.a) || KXMV::IsMissing(table.b) || KXMV::IsMissing(table.c) ||
                KXMV::IsMissing(table.d);
-    }
-    static bool HasNegative(const MATable& table)
-    {
-        return table.a < 0 || table.b < 0 || table.c < 0 || table.d < 0;
     }
     /// Without a correction, a zero cell in both groups leaves no effect size.
     bool IsZeroInBothArms(const MATable& table) const

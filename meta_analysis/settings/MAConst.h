@@ -208,6 +208,39 @@ enum INFLUENCERULE : int
     INFLUENCE_COOK = 4,
     INFLUENCE_HAT = 8,
     INFLUENCE_DFBETAS = 16 ///< of a meta-regression
+/// How an effect size, or the mean and standard deviation of a group, came from what a study reports.
+enum CONVERSION : int
+{
+    CONVERSION_NONE = 0,         ///< it is reported
+    CONVERSION_QUARTILES = 1,    ///< median and quartiles
+    CONVERSION_EXTREMES = 2,     ///< median, minimum and maximum
+    CONVERSION_FIVE_NUMBERS = 3, ///< all five
+    CONVERSION_INTERVAL = 4,     ///< the standard error from a confidence interval
+    CONVERSION_P_VALUE = 5       ///< the standard error from a p-value
+};
+
+/// Why a record is no study, and why values cannot be converted.
+enum EXCLUSION : int
+{
+    EXCLUSION_NONE = 0,
+    EXCLUSION_MISSING_VALUE = 1,
+    EXCLUSION_NOT_POOLABLE = 2, ///< effect size, variance or weight not finite, or the last two not positive
+    EXCLUSION_NEGATIVE_COUNT = 3,
+    EXCLUSION_EVENTS_ABOVE_SIZE = 4, ///< more events than persons in a group
+    EXCLUSION_NO_PERSONS = 5,        ///< a table of nobody
+    EXCLUSION_ZERO_CELLS = 6,        ///< zero cells in both groups, and no zero-cell correction
+    EXCLUSION_DROPPED = 7, ///< by the setting that drops tables with events, or non-events, in neither group
+    EXCLUSION_GROUP_TOO_SMALL = 8,        ///< fewer than two persons in a group of which a spread is needed
+    EXCLUSION_SPREAD_NOT_POSITIVE = 9,    ///< a standard deviation, variance or standard error of 0 or less
+    EXCLUSION_SUMMARY_NOT_ASCENDING = 10, ///< minimum, quartiles, median and maximum out of order
+    EXCLUSION_LIMITS_NOT_ASCENDING = 11,  ///< a lower confidence limit that is not below the upper one
+    EXCLUSION_OUTSIDE_LIMITS = 12,        ///< an estimate outside its confidence interval
+    EXCLUSION_LEVEL_OUTSIDE = 13,         ///< an interval whose confidence level is not between 0 and 1
+    EXCLUSION_P_VALUE_OUTSIDE = 14,       ///< a p-value that is not between 0 and 1
+    EXCLUSION_ESTIMATE_ZERO = 15,         ///< no effect at all, from which a p-value gives no standard error
+    EXCLUSION_RATIO_NOT_POSITIVE = 16,
+    EXCLUSION_DIFFERENCE_IMPOSSIBLE = 17, ///< a risk difference beyond -1 ... 1
+    EXCLUSION_NO_SPREAD_GIVEN = 18        ///< no variable of a variance, standard error, interval or p-value
 };
 
 /// The group label of the model of all studies, where results of subgroups and of all studies stand together.

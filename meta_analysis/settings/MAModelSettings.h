@@ -3,6 +3,7 @@
 #include "meta_analysis/platform/common/Export.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/settings/MAConst.h"
+#include "meta_analysis/settings/MAInputSettings.h"
 #include "meta_analysis/settings/Memory.h"
 
 #include <utility>
@@ -20,7 +21,7 @@ namespace MA_NAMESPACE {
 ///
 /// A variable is given by its position in the host's variable list; -1, the default of every one, means not
 /// given, and any other position that a record does not have reads as missing.
-class META_ANALYSIS_EXPORT MAModelSettings
+class META_ANALYSIS_EXPORT MAModelSettings : public MAInputSettings
 {
 public:
     MAModelSettings() = default;
@@ -80,7 +81,8 @@ public:
 
     // ---- Variables ----
 
-    /// Group sizes; needed, as means and one measure of spread, for raw continuous data.
+    /// Group sizes; needed, as means and one measure of spread, for raw continuous data. For binary data they
+    /// serve a group whose non-events are not given: these are the size minus the events.
     void SetTreatmentNIndex(int value) { treatmentNIndex_ = value; }
     int GetTreatmentNVarIndex() const { return treatmentNIndex_; }
     void SetControlNIndex(int value) { controlNIndex_ = value; }
@@ -100,7 +102,7 @@ public:
     int GetTreatmentStdErrorIndex() const { return treatmentStdErrorIndex_; }
     void SetControlStdErrorIndex(int value) { controlStdErrorIndex_ = value; }
     int GetControlStdErrorIndex() const { return controlStdErrorIndex_; }
-    /// Events and non-events of the groups; all four are needed for raw binary data.
+    /// Events and non-events of the groups; events, and non-events or sizes, are needed for raw binary data.
     void SetTreatmentSuccessIndex(int value) { treatmentSuccessIndex_ = value; }
     int GetTreatmentSuccessVarIndex() const { return treatmentSuccessIndex_; }
     void SetTreatmentFailureIndex(int value) { treatmentFailureIndex_ = value; }
@@ -109,10 +111,11 @@ public:
     int GetControlSuccessVarIndex() const { return controlSuccessIndex_; }
     void SetControlFailureIndex(int value) { controlFailureIndex_ = value; }
     int GetControlFailureVarIndex() const { return controlFailureIndex_; }
-    /// Ready-made effect size, on the analysis scale (the logarithm of a ratio).
+    /// Ready-made effect size, on the analysis scale (the logarithm of a ratio) unless `SetInputIsRatio`.
     void SetInputEffectSizeIndex(int value) { inputEffectSizeIndex_ = value; }
     int GetInputEffectsizeIndex() const { return inputEffectSizeIndex_; }
-    /// Its variance, used before its standard error; one of the two is needed.
+    /// Its variance, used before its standard error, or what `MAInputSettings` has in place of them; a study
+    /// without any is invalid.
     void SetInputVarianceIndex(int value) { inputVarianceIndex_ = value; }
     int GetInputVaranceVarIndex() const { return inputVarianceIndex_; }
     void SetInputStdErrorIndex(int value) { inputStdErrorIndex_ = value; }

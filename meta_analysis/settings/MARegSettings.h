@@ -135,6 +135,11 @@ public:
     int GetControlSuccessVarIndex() const { return controlSuccess_; }
     void SetControlFailure(int value) { controlFailure_ = value; }
     int GetControlFailureVarIndex() const { return controlFailure_; }
+    /// Variables of the group sizes, which serve a group whose non-events are not given; default -1 for none.
+    void SetTreatmentN(int value) { treatmentN_ = value; }
+    int GetTreatmentNVarIndex() const { return treatmentN_; }
+    void SetControlN(int value) { controlN_ = value; }
+    int GetControlNVarIndex() const { return controlN_; }
     /// Distribution of the tests and intervals of the coefficients; default Student's t with the residual
     /// degrees of freedom, wider than the normal one with few studies. The Knapp-Hartung adjustment uses
     /// Student's t whatever is set here.
@@ -233,6 +238,8 @@ private:
     int treatmentFailure_ = -1;
     int controlSuccess_ = -1;
     int controlFailure_ = -1;
+    int treatmentN_ = -1;
+    int controlN_ = -1;
     MAConst::TESTDISTTYPE testDistType_ = MAConst::TEST_STUDENT_T;
     int cluster_ = -1;
     MAConst::SANDWICHTYPE sandwich_ = MAConst::SANDWICH_CR2;

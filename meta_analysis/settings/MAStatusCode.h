@@ -67,5 +67,8 @@ constexpr int FEW_STUDIES_FOR_TEST = 460110;      ///< a small-study test of few
 constexpr int COMMON_TAU2_IGNORED = 460111;       ///< asked for without subgroups under random effects
 
 constexpr int DELETION_UNDEFINED = 460145; ///< a model without one of the studies; its diagnostics are missing
+constexpr int INTERVAL_ASYMMETRIC = 460125;       ///< of a study's confidence interval about its estimate
+constexpr int SUMMARY_SKEWED = 460126;   ///< medians and quantiles that were converted come from skewed data
+constexpr int STD_DEV_DOUBTFUL = 460127; ///< a standard deviation that looks like a standard error
 
 } // namespace MA_NAMESPACE::MAStatusCode

@@ -32,6 +32,8 @@ MARegSettings SmallStudyTestSettingsOf(const MAModelSettings& settings)
     test.SetTreatmentFailure(settings.GetTreatmentFailureVarIndex());
     test.SetControlSuccess(settings.GetControlSuccessVarIndex());
     test.SetControlFailure(settings.GetControlFailureVarIndex());
+    test.SetTreatmentN(settings.GetTreatmentNVarIndex());
+    test.SetControlN(settings.GetControlNVarIndex());
     return test;
 }
 

@@ -1,5 +1,8 @@
+#include "host/cli/ColumnChecks.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
+
+using namespace MA_NAMESPACE;
 
 namespace host {
 
@@ -9,9 +12,11 @@ OptionDefinitions BinaryColumns(Options& options)
 {
     return {
         Required(Column("treatment-events", options.treatmentEvents, "events in the treatment group")),
-        Required(Column("treatment-nonevents", options.treatmentNonEvents, "non-events in it")),
+        ThisOrNext(Column("treatment-nonevents", options.treatmentNonEvents, "non-events in it, or")),
+        Column("treatment-n", options.treatmentSize, "its size"),
         Required(Column("control-events", options.controlEvents, "events in the control group")),
-        Required(Column("control-nonevents", options.controlNonEvents, "non-events in it")),
+        ThisOrNext(Column("control-nonevents", options.controlNonEvents, "non-events in it, or")),
+        Column("control-n", options.controlSize, "its size"),
     };
 }
 
@@ -19,22 +24,41 @@ OptionDefinitions ContinuousColumns(Options& options)
 {
     return {
         Required(Column("treatment-n", options.treatmentSize, "size of the treatment group")),
-        Required(Column("treatment-mean", options.treatmentMean, "its mean")),
-        ThisOrNext(Column("treatment-sd", options.treatmentStdDev, "its standard deviation, or")),
+        Column("treatment-mean", options.treatmentMean, "its mean"),
+        Column("treatment-sd", options.treatmentStdDev, "its standard deviation, or"),
         Column("treatment-variance", options.treatmentVariance, "its variance"),
+        Column("treatment-median", options.treatmentSummary.median,
+               "its median, for studies without mean and standard deviation, with"),
+        Column("treatment-q1", options.treatmentSummary.q1, "its lower and"),
+        Column("treatment-q3", options.treatmentSummary.q3, "upper quartile, or with"),
+        Column("treatment-min", options.treatmentSummary.minimum, "its minimum and"),
+        Column("treatment-max", options.treatmentSummary.maximum, "maximum, or with all"),
         Required(Column("control-n", options.controlSize, "size of the control group")),
-        Required(Column("control-mean", options.controlMean, "its mean")),
-        ThisOrNext(Column("control-sd", options.controlStdDev, "its standard deviation, or")),
+        Column("control-mean", options.controlMean, "its mean"),
+        Column("control-sd", options.controlStdDev, "its standard deviation, or"),
         Column("control-variance", options.controlVariance, "its variance"),
+        Column("control-median", options.controlSummary.median,
+               "its median, for studies without mean and standard deviation, with"),
+        Column("control-q1", options.controlSummary.q1, "its lower and"),
+        Column("control-q3", options.controlSummary.q3, "upper quartile, or with"),
+        Column("control-min", options.controlSummary.minimum, "its minimum and"),
+        Column("control-max", options.controlSummary.maximum, "maximum, or with all"),
     };
 }
 
 OptionDefinitions EffectsColumns(Options& options)
 {
+    MAInputSettings& input = options.settings;
     return {
-        Required(Column("effect-size", options.effectSize, "effect sizes (of ratios: their logarithms)")),
-        ThisOrNext(Column("variance", options.variance, "their variances, or")),
-        Column("std-error", options.stdError, "their standard errors"),
+        Required(Column("effect-size", options.effectSize,
+                        "effect sizes (of ratios: their logarithms, or --ratio)")),
+        Column("variance", options.variance, "their variances, or"),
+        Column("std-error", options.stdError, "their standard errors; for studies without either:"),
+        Column("ci-lower", options.ciLower, "their lower and"),
+        Column("ci-upper", options.ciUpper, "upper confidence limits, or"),
+        Number("ci-level", BETWEEN_0_AND_1, input, &MAInputSettings::GetInputCILevel,
+               &MAInputSettings::SetInputCILevel, "level of these limits, a fraction"),
+        Column("p-value", options.pValue, "their two-sided p-values"),
     };
 }
 
@@ -67,7 +91,9 @@ OptionDefinitions ColumnsOf(Options& options)
 
 OptionGroup ColumnOptions(Options& options)
 {
-    OptionGroup group = {.heading = "Columns", .options = ColumnsOf(options)};
+    OptionGroup group = {.heading = "Columns", .options = ColumnsOf(options), .complete = [&options] {
+                             CheckColumns(options);
+                         }};
     group.options.push_back(
         Column("study", options.study, "labels of the studies (default: record numbers from 1)"));
     return group;

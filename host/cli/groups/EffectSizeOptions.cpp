@@ -54,12 +54,28 @@ OptionDefinition ReadyMadeEffect(Options& options)
             .value = [&options] { return nlohmann::ordered_json(MeasureName(options.settings)); }};
 }
 
+OptionDefinition Label(Options& options)
+{
+    return {.name = "label",
+            .argument = "TEXT",
+            .help = "what reports and pictures call the effect sizes (default: as --effect)",
+            .store = [&options](const std::string& text) { options.label = text; },
+            .value =
+                [&options] {
+                    return options.label ? nlohmann::ordered_json(*options.label) : nlohmann::ordered_json();
+                }};
+}
+
 OptionDefinitions ReadyMadeEffects(Options& options)
 {
+    MAInputSettings& input = options.settings;
     return {
         OneOf("outcome", OUTCOME_CHOICES, options.settings, &Settings::GetOutcomesType,
               &Settings::SetOutcomesType, "outcome that the effect sizes are of"),
         ReadyMadeEffect(options),
+        Flag("ratio", input, &MAInputSettings::GetInputIsRatio, &MAInputSettings::SetInputIsRatio,
+             "effect sizes and confidence limits are ratios, of which the logarithms are analysed"),
+        Label(options),
     };
 }
 
@@ -76,6 +92,26 @@ OptionDefinitions EffectsOf(Options& options)
         break;
     }
     return {};
+}
+
+/// Ratios are results of a binary outcome, unless the outcome is given. Without a measure they are no odds
+/// ratios, but ratios of any kind.
+void ResolveRatio(Options& options)
+{
+    if (!options.settings.GetInputIsRatio() || options.given.contains("outcome"))
+        return;
+    options.settings.SetOutcomesType(MAConst::OUTCOME_BINARY);
+    if (!options.label && !options.readyMadeEffect)
+        options.label = "ratio";
+}
+
+void CheckReadyMadeEffect(const Options& options)
+{
+    if (options.settings.GetInputIsRatio() && !MeasureOf(options.settings).isRatio)
+        throw UnusableInput(fmt::format("--ratio needs an --effect that is a ratio: {} is none.",
+                                        MeasureName(options.settings)));
+    if (options.label && Trimmed(*options.label).empty())
+        throw UnusableInput("--label: the text is empty.");
 }
 
 void ResolveReadyMadeEffect(Options& options)
@@ -105,7 +141,9 @@ void CheckPooledZeroCells(const Options& options)
 OptionGroup EffectSizeOptions(Options& options)
 {
     return {.heading = "Effect size", .options = EffectsOf(options), .complete = [&options] {
+                ResolveRatio(options);
                 ResolveReadyMadeEffect(options);
+                CheckReadyMadeEffect(options);
                 CheckPooledZeroCells(options);
             }};
 }

@@ -60,6 +60,7 @@ KXStatus MARegBaseTest::RunTest(MultiPassRecordIter& records)
     testRecords.SetCountIndices(
         settings_->GetTreatmentSuccessVarIndex(), settings_->GetTreatmentFailureVarIndex(),
         settings_->GetControlSuccessVarIndex(), settings_->GetControlFailureVarIndex());
+    testRecords.SetSizeIndices(settings_->GetTreatmentNVarIndex(), settings_->GetControlNVarIndex());
     testRecords.SetDropBinZero(dropBinZero_);
     testRecords.SetAdjustType(zeroAdjustment_);
     if (!testRecords.ResizeRecord())

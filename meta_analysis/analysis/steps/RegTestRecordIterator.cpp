@@ -1,6 +1,6 @@
 #include "meta_analysis/analysis/steps/RegTestRecordIterator.h"
 
-#include "meta_analysis/analysis/studies/MARecordPass.h"
+#include "meta_analysis/analysis/studies/MACountVariables.h"
 #include "meta_analysis/effectsize/MATable.h"
 #include "meta_analysis/effectsize/MATableRule.h"
 #include "meta_analysis/effectsize/MAZeroCorrection.h"
@@ -30,6 +30,12 @@ void RegTestRecordIterator::SetCountIndices(int treatmentEvents, int treatmentNo
     treatmentNonEvents_ = treatmentNonEvents;
     controlEvents_ = controlEvents;
     controlNonEvents_ = controlNonEvents;
+}
+
+void RegTestRecordIterator::SetSizeIndices(int treatment, int control)
+{
+    treatmentSize_ = treatment;
+    controlSize_ = control;
 }
 
 void RegTestRecordIterator::SetOmegaWeight(int index, MAConst::OMGWeightType type)
@@ -98,8 +104,9 @@ void RegTestRecordIterator::AppendStdError(const Record& source)
 
 bool RegTestRecordIterator::ReadTable(const Record& source, MATable& table) const
 {
-    table = {ReadStudyValue(source, treatmentEvents_), ReadStudyValue(source, treatmentNonEvents_),
-             ReadStudyValue(source, controlEvents_), ReadStudyValue(source, controlNonEvents_)};
+    const MACountVariables variables = {{treatmentEvents_, treatmentNonEvents_, treatmentSize_},
+                                        {controlEvents_, controlNonEvents_, controlSize_}};
+    table = variables.Read(source);
     return MATableRule(zeroAdjustment_, dropBinZero_).Judge(table) == MATableVerdict::Study;
 }
 

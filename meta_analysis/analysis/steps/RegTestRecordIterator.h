@@ -32,6 +32,8 @@ public:
     /// Variable indices of the four counts, for tests 1 to 3.
     void SetCountIndices(int treatmentEvents, int treatmentNonEvents, int controlEvents,
                          int controlNonEvents);
+    /// Variable indices of the group sizes, which serve a group whose non-events have index -1.
+    void SetSizeIndices(int treatment, int control);
     /// The variable that gives the standard error of test 0, and what it holds.
     void SetOmegaWeight(int index, MAConst::OMGWeightType type);
     /// Passes over tables without events or without non-events.
@@ -61,6 +63,8 @@ private:
     int treatmentNonEvents_ = -1;
     int controlEvents_ = -1;
     int controlNonEvents_ = -1;
+    int treatmentSize_ = -1;
+    int controlSize_ = -1;
     int omegaIndex_ = -1;
     MAConst::OMGWeightType omegaType_ = MAConst::OMEGA_VARIANCE;
     bool dropBinZero_ = false;

@@ -1,51 +1,20 @@
 #include "meta_analysis/analysis/studies/MACompleteStudies.h"
 
+#include "meta_analysis/analysis/studies/MAReadyMade.h"
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/effectsize/MAPoolable.h"
 #include "meta_analysis/effectsize/MARatio.h"
 #include "meta_analysis/inference/MATestPValues.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
-#include <cmath>
+#include <algorithm>
 #include <utility>
 
 namespace MA_NAMESPACE {
 
 namespace {
 
-/// A ready-made effect size as read.
-struct ReadyMade
-{
-    double effectSize;
-    double variance;
-    double stdError;
-    bool isMissing;
-};
-
-/// The variance wins when both it and the standard error are given. Missing is tested on what was read,
-/// before anything is derived from it; without either of the two the study is invalid.
-ReadyMade ReadReadyMade(const Record& record, const MAModelSettings& settings)
-{
-    const double effectSize = ReadStudyValue(record, settings.GetInputEffectsizeIndex());
-    const bool hasVariance = settings.GetInputVaranceVarIndex() != -1;
-    if (!hasVariance && settings.GetInputStdErrorIndex() == -1)
-        return {effectSize, 0.0, 0.0, KXMV::IsMissing(effectSize)};
-    const double dispersion = ReadStudyValue(record, hasVariance ? settings.GetInputVaranceVarIndex()
-                                                                 : settings.GetInputStdErrorIndex());
-    return {effectSize, hasVariance ? dispersion : dispersion * dispersion,
-            hasVariance ? std::sqrt(dispersion) : dispersion,
-            KXMV::IsMissing(effectSize) || KXMV::IsMissing(dispersion)};
-}
-
-bool IsInvalid(const ReadyMade& study, const MAModelSettings& settings)
-{
-    const bool isImpossibleDifference = std::abs(study.effectSize) > 1.0 &&
-                                        settings.GetBinaryEstType() == MAConst::BIN_RISK_DIFFERENCE &&
-                                        settings.GetOutcomesType() == MAConst::OUTCOME_BINARY;
-    return !(study.stdError > 0.0) || !IsPoolable(study.effectSize, study.variance) || isImpossibleDifference;
-}
-
-void Append(const ReadyMade& study, double quantile, MAStudies& studies)
+void Append(const MAReadyMade& study, double quantile, MAStudies& studies)
 {
     const double z = study.effectSize / study.stdError;
     const double lower = study.effectSize - quantile * study.stdError;
@@ -55,6 +24,21 @@ void Append(const ReadyMade& study, double quantile, MAStudies& studies)
     studies.tests.push_back({study.stdError, z, TwoSidedNormalPValue(z).value, lower, upper});
     studies.ratios.push_back({RatioOf(study.effectSize), RatioOf(study.variance), RatioOf(study.stdError),
                               RatioOf(lower), RatioOf(upper)});
+}
+
+void Classify(const MAReadyMade& study, int recordNumber, double quantile, bool hasConversions,
+              MAReading& reading)
+{
+    if (study.status != MAConst::EXCLUSION_NONE) {
+        reading.counts.Exclude(recordNumber, study.status);
+        return;
+    }
+    reading.studies.recordNumber.push_back(recordNumber);
+    Append(study, quantile, reading.studies);
+    if (hasConversions)
+        reading.studies.effectConversions.push_back(study.from);
+    if (study.isAsymmetric)
+        reading.counts.warnings.push_back({recordNumber, MAStatusCode::INTERVAL_ASYMMETRIC});
 }
 
 /// The variables that give each study its subgroup, its place in a cumulative analysis and its contrast
@@ -124,8 +108,15 @@ void ReviewRecord(const Record& record, int recordNumber, const StudyRoles& role
         ++review.keptCount;
         roles.Append(record, studies);
     } else {
-        ++reading.counts.invalid;
+        reading.counts.Exclude(recordNumber, MAConst::EXCLUSION_NOT_POOLABLE);
     }
+}
+
+/// The second pass excludes records behind those of the first.
+void SortExclusions(std::vector<MAExclusion>& excluded)
+{
+    std::sort(excluded.begin(), excluded.end(),
+              [](const MAExclusion& one, const MAExclusion& other) { return one.record < other.record; });
 }
 
 } // namespace
@@ -134,19 +125,14 @@ MAReading ReadReadyMadeStudies(MultiPassRecordIter& records, const MAModelSettin
 {
     const StudyRoles roles(settings);
     const double quantile = TwoSidedNormalQuantile(alpha);
+    const bool hasConversions = NamesConversions(settings);
     MAReading reading;
     roles.Clear(reading.studies);
     reading.status = ReadPass(records, reading.counts.records, [&](const Record& record, int recordNumber) {
-        const ReadyMade study = ReadReadyMade(record, settings);
-        if (study.isMissing) {
-            ++reading.counts.missing;
-        } else if (IsInvalid(study, settings)) {
-            ++reading.counts.invalid;
-        } else {
-            reading.studies.recordNumber.push_back(recordNumber);
-            Append(study, quantile, reading.studies);
+        const MAReadyMade study = ReadReadyMade(record, settings);
+        Classify(study, recordNumber, quantile, hasConversions, reading);
+        if (study.status == MAConst::EXCLUSION_NONE)
             roles.Append(record, reading.studies);
-        }
     });
     if (!reading.status.IsError())
         CheckContrastCount(settings, reading);
@@ -173,6 +159,7 @@ MAReading CompleteStudies(MultiPassRecordIter& records, const MAModelSettings& s
     }
     if (review.keptCount != computedCount) {
         computed.studies.Keep(review.kept);
+        SortExclusions(computed.counts.excluded);
         computed.warnings.push_back(MAStatusCode::STUDIES_REMOVED);
     }
     CheckContrastCount(settings, computed);

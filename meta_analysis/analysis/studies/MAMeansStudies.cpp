@@ -1,7 +1,9 @@
 #include "meta_analysis/analysis/studies/MAMeansStudies.h"
 
 #include "meta_analysis/analysis/studies/MARecordPass.h"
+#include "meta_analysis/effectsize/MAConversions.h"
 #include "meta_analysis/effectsize/MAStudyEstimate.h"
+#include "meta_analysis/settings/MAStatusCode.h"
 
 #include <cmath>
 
@@ -21,62 +23,119 @@ double ReadStdDev(const Record& record, int stdDevIndex, int varianceIndex)
     return variance > 0.0 ? std::sqrt(variance) : -std::sqrt(std::abs(variance));
 }
 
-MAMeans ReadMeansOf(const Record& record, const MAModelSettings& settings)
+/// The variables of a group.
+struct GroupVariables
 {
-    return {ReadStudyValue(record, settings.GetTreatmentNVarIndex()),
-            ReadStudyValue(record, settings.GetControlNVarIndex()),
-            ReadStudyValue(record, settings.GetTreatmentMeanVarIndex()),
-            ReadStudyValue(record, settings.GetControlMeanVarIndex()),
-            ReadStdDev(record, settings.GetTreatmentStdErrorIndex(), settings.GetTreatMentVarianceIndex()),
-            ReadStdDev(record, settings.GetControlStdErrorIndex(), settings.GetControlVarianceIndex())};
-}
+    int size;
+    int mean;
+    int stdDev;
+    int variance;
+    int median;
+    int q1;
+    int q3;
+    int minimum;
+    int maximum;
 
-bool HasMissing(const MAMeans& means)
-{
-    for (const double value : {means.nt, means.nc, means.xt, means.xc, means.st, means.sc}) {
-        if (KXMV::IsMissing(value))
-            return true;
+    bool NameMean() const { return mean != -1 && (stdDev != -1 || variance != -1); }
+    bool NameMedian() const
+    {
+        return median != -1 && ((q1 != -1 && q3 != -1) || (minimum != -1 && maximum != -1));
     }
-    return false;
+    bool AreNamed() const { return size != -1 && (NameMean() || NameMedian()); }
+};
+
+GroupVariables TreatmentOf(const MAModelSettings& settings)
+{
+    return {settings.GetTreatmentNVarIndex(),     settings.GetTreatmentMeanVarIndex(),
+            settings.GetTreatmentStdErrorIndex(), settings.GetTreatMentVarianceIndex(),
+            settings.GetTreatmentMedianIndex(),   settings.GetTreatmentQ1Index(),
+            settings.GetTreatmentQ3Index(),       settings.GetTreatmentMinIndex(),
+            settings.GetTreatmentMaxIndex()};
 }
 
-bool IsInvalid(const MAMeans& means)
+GroupVariables ControlOf(const MAModelSettings& settings)
 {
-    return means.nt < 2.0 || means.nc < 2.0 || means.st <= 0.0 || means.sc <= 0.0;
+    return {settings.GetControlNVarIndex(),     settings.GetControlMeanVarIndex(),
+            settings.GetControlStdErrorIndex(), settings.GetControlVarianceIndex(),
+            settings.GetControlMedianIndex(),   settings.GetControlQ1Index(),
+            settings.GetControlQ3Index(),       settings.GetControlMinIndex(),
+            settings.GetControlMaxIndex()};
 }
 
-void Classify(const MAMeans& means, int recordNumber, MAReading& reading)
+/// The size, mean and standard deviation of a group.
+struct Group
 {
-    if (HasMissing(means)) {
-        ++reading.counts.missing;
-    } else if (IsInvalid(means)) {
-        ++reading.counts.invalid;
-    } else {
-        reading.studies.recordNumber.push_back(recordNumber);
-        reading.studies.sampleSize.push_back(means.Size());
-        reading.studies.means.push_back(means);
+    double size;
+    MAConvertedMean mean;
+};
+
+MAConst::EXCLUSION ReasonOf(double size, double mean, double stdDev)
+{
+    if (KXMV::IsMissing(size) || KXMV::IsMissing(mean) || KXMV::IsMissing(stdDev))
+        return MAConst::EXCLUSION_MISSING_VALUE;
+    if (size < 2.0)
+        return MAConst::EXCLUSION_GROUP_TOO_SMALL;
+    return stdDev <= 0.0 ? MAConst::EXCLUSION_SPREAD_NOT_POSITIVE : MAConst::EXCLUSION_NONE;
+}
+
+Group ReadGroup(const Record& record, const GroupVariables& variables)
+{
+    const double size = ReadStudyValue(record, variables.size);
+    const double mean = ReadStudyValue(record, variables.mean);
+    const double stdDev = ReadStdDev(record, variables.stdDev, variables.variance);
+    const bool hasMean = !KXMV::IsMissing(mean) && !KXMV::IsMissing(stdDev);
+    if (!hasMean && variables.NameMedian())
+        return {size, MeanOfSummary(
+                          {size, ReadStudyValue(record, variables.minimum),
+                           ReadStudyValue(record, variables.q1), ReadStudyValue(record, variables.median),
+                           ReadStudyValue(record, variables.q3), ReadStudyValue(record, variables.maximum)})};
+    return {size, {ReasonOf(size, mean, stdDev), MAConst::CONVERSION_NONE, mean, stdDev, false}};
+}
+
+/// A missing value of either group comes before what is wrong with the other.
+MAConst::EXCLUSION ReasonOf(const Group& treatment, const Group& control)
+{
+    if (treatment.mean.status == MAConst::EXCLUSION_NONE ||
+        control.mean.status == MAConst::EXCLUSION_MISSING_VALUE)
+        return control.mean.status;
+    return treatment.mean.status;
+}
+
+void Classify(const Group& treatment, const Group& control, bool hasConversions, int recordNumber,
+              MAReading& reading)
+{
+    const MAConst::EXCLUSION reason = ReasonOf(treatment, control);
+    if (reason != MAConst::EXCLUSION_NONE) {
+        reading.counts.Exclude(recordNumber, reason);
+        return;
     }
+    const MAMeans means = {treatment.size,    control.size,          treatment.mean.mean,
+                           control.mean.mean, treatment.mean.stdDev, control.mean.stdDev};
+    reading.studies.recordNumber.push_back(recordNumber);
+    reading.studies.sampleSize.push_back(means.Size());
+    reading.studies.means.push_back(means);
+    if (hasConversions)
+        reading.studies.groupConversions.push_back({treatment.mean.from, control.mean.from});
+    if (treatment.mean.isSkewed || control.mean.isSkewed)
+        reading.counts.warnings.push_back({recordNumber, MAStatusCode::SUMMARY_SKEWED});
 }
 
 } // namespace
 
 bool NamesMeans(const MAModelSettings& settings)
 {
-    const bool namesSizesAndMeans =
-        settings.GetTreatmentNVarIndex() != -1 && settings.GetControlNVarIndex() != -1 &&
-        settings.GetTreatmentMeanVarIndex() != -1 && settings.GetControlMeanVarIndex() != -1;
-    const bool namesTreatmentDispersion =
-        settings.GetTreatMentVarianceIndex() != -1 || settings.GetTreatmentStdErrorIndex() != -1;
-    const bool namesControlDispersion =
-        settings.GetControlVarianceIndex() != -1 || settings.GetControlStdErrorIndex() != -1;
-    return namesSizesAndMeans && namesTreatmentDispersion && namesControlDispersion;
+    return TreatmentOf(settings).AreNamed() && ControlOf(settings).AreNamed();
 }
 
 MAReading ReadMeans(MultiPassRecordIter& records, const MAModelSettings& settings)
 {
+    const GroupVariables treatment = TreatmentOf(settings);
+    const GroupVariables control = ControlOf(settings);
+    const bool hasConversions = treatment.NameMedian() || control.NameMedian();
     MAReading reading;
     reading.status = ReadPass(records, reading.counts.records, [&](const Record& record, int recordNumber) {
-        Classify(ReadMeansOf(record, settings), recordNumber, reading);
+        Classify(ReadGroup(record, treatment), ReadGroup(record, control), hasConversions, recordNumber,
+                 reading);
     });
     return reading;
 }

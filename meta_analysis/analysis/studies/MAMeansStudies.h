@@ -7,7 +7,8 @@
 
 namespace MA_NAMESPACE {
 
-/// Whether the settings name the variables of sizes, means and a dispersion of both groups.
+/// Whether the settings name the variables of both groups: the size, and mean and dispersion or what is
+/// converted into them.
 bool NamesMeans(const MAModelSettings& settings);
 
 /// Reads and classifies the group means of a started pass. Error ITERATOR_FAILED.

@@ -7,7 +7,21 @@
 
 namespace MA_NAMESPACE {
 
-/// How many records a pass had, and how many of them are no study. A record is missing when a value that its
+/// A record that is no study.
+struct MAExclusion
+{
+    int record; ///< from 0
+    MAConst::EXCLUSION reason;
+};
+
+/// A record with a warning of its own.
+struct MARecordWarning
+{
+    int record; ///< from 0
+    int code;
+};
+
+/// How many records a pass had, and which of them are no study. A record is missing when a value that its
 /// study needs is missing, else invalid when the values cannot be a study's, else dropped when the settings
 /// leave it out.
 struct MARecordCounts
@@ -18,6 +32,19 @@ struct MARecordCounts
     int missing = 0;
     int invalid = 0;
     int dropped = 0;
+    std::vector<MAExclusion> excluded; ///< one a missing, invalid or dropped record
+    std::vector<MARecordWarning> warnings;
+
+    void Exclude(int record, MAConst::EXCLUSION reason)
+    {
+        excluded.push_back({record, reason});
+        if (reason == MAConst::EXCLUSION_MISSING_VALUE)
+            ++missing;
+        else if (reason == MAConst::EXCLUSION_DROPPED)
+            ++dropped;
+        else
+            ++invalid;
+    }
 };
 
 /// What reading the records yields. After an error the counts say how far the pass came.

@@ -40,6 +40,13 @@ struct MAGroupOutcomes
     double treatment;
 };
 
+/// How the means and standard deviations of a study's groups came from what it reports.
+struct MAGroupConversions
+{
+    MAConst::CONVERSION treatment;
+    MAConst::CONVERSION control;
+};
+
 /// The valid studies of an analysis: parallel columns, one entry a study, in record order.
 ///
 /// A column that an analysis does not use is empty; every other has as many entries as there are studies.
@@ -50,6 +57,9 @@ struct MAStudies
 
     std::vector<MATable> tables; ///< raw input of binary outcomes, as read
     std::vector<MAMeans> means;  ///< raw input of continuous outcomes
+
+    std::vector<MAConst::CONVERSION> effectConversions; ///< while the settings name such variables
+    std::vector<MAGroupConversions> groupConversions;   ///< likewise
 
     std::vector<double> effectSize; ///< on the analysis scale: log for ratio measures
     std::vector<double> variance;

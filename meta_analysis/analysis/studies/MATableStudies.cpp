@@ -1,46 +1,50 @@
 #include "meta_analysis/analysis/studies/MATableStudies.h"
 
+#include "meta_analysis/analysis/studies/MACountVariables.h"
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/effectsize/MAStudyEstimate.h"
 #include "meta_analysis/effectsize/MATableEffect.h"
 #include "meta_analysis/effectsize/MATableRule.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
-#include <algorithm>
-#include <array>
 #include <utility>
 
 namespace MA_NAMESPACE {
 
 namespace {
 
-std::array<int, 4> CountIndices(const MAModelSettings& settings)
+bool HasMoreEventsThanPersons(const MATable& table, const MACountVariables& variables)
 {
-    return {settings.GetTreatmentSuccessVarIndex(), settings.GetTreatmentFailureVarIndex(),
-            settings.GetControlSuccessVarIndex(), settings.GetControlFailureVarIndex()};
+    return (variables.treatment.UsesSize() && table.b < 0) || (variables.control.UsesSize() && table.d < 0);
 }
 
-void Classify(const MATable& table, int recordNumber, const MATableRule& rule, MAReading& reading)
+/// Why a table is no study.
+MAConst::EXCLUSION ReasonOf(MATableVerdict verdict, const MATable& table, const MACountVariables& variables)
+{
+    if (verdict == MATableVerdict::Missing)
+        return MAConst::EXCLUSION_MISSING_VALUE;
+    if (verdict == MATableVerdict::Dropped)
+        return MAConst::EXCLUSION_DROPPED;
+    if (HasMoreEventsThanPersons(table, variables))
+        return MAConst::EXCLUSION_EVENTS_ABOVE_SIZE;
+    if (table.HasNegative())
+        return MAConst::EXCLUSION_NEGATIVE_COUNT;
+    return table.Size() == 0 ? MAConst::EXCLUSION_NO_PERSONS : MAConst::EXCLUSION_ZERO_CELLS;
+}
+
+void Classify(const MATable& table, int recordNumber, const MATableRule& rule,
+              const MACountVariables& variables, MAReading& reading)
 {
     const MATableVerdict verdict = rule.Judge(table);
     if (verdict != MATableVerdict::Missing && rule.WarnsOf(table) && reading.warnings.empty())
         reading.warnings.push_back(MAStatusCode::ZERO_CELLS_IN_BOTH_ARMS);
-    switch (verdict) {
-    case MATableVerdict::Missing:
-        ++reading.counts.missing;
-        break;
-    case MATableVerdict::Invalid:
-        ++reading.counts.invalid;
-        break;
-    case MATableVerdict::Dropped:
-        ++reading.counts.dropped;
-        break;
-    case MATableVerdict::Study:
-        reading.studies.recordNumber.push_back(recordNumber);
-        reading.studies.sampleSize.push_back(table.a + table.b + table.c + table.d);
-        reading.studies.tables.push_back(table);
-        break;
+    if (verdict != MATableVerdict::Study) {
+        reading.counts.Exclude(recordNumber, ReasonOf(verdict, table, variables));
+        return;
     }
+    reading.studies.recordNumber.push_back(recordNumber);
+    reading.studies.sampleSize.push_back(table.a + table.b + table.c + table.d);
+    reading.studies.tables.push_back(table);
 }
 
 void ReserveEffects(bool hasRatios, bool hasGroups, MAStudies& studies)
@@ -72,22 +76,20 @@ void AppendEffect(const MATable& corrected, double quantile, MAStudies& studies)
 
 bool NamesTables(const MAModelSettings& settings)
 {
-    const std::array<int, 4> indices = CountIndices(settings);
-    return std::find(indices.begin(), indices.end(), -1) == indices.end();
+    const MACountVariables variables = CountVariablesOf(settings);
+    return variables.treatment.AreNamed() && variables.control.AreNamed();
 }
 
 MAReading ReadTables(MultiPassRecordIter& records, const MAModelSettings& settings)
 {
-    const std::array<int, 4> indices = CountIndices(settings);
+    const MACountVariables variables = CountVariablesOf(settings);
     const MATableRule rule(settings.GetBinZeroAdjType(), settings.GetDropBinZero());
     MAReading reading;
     reading.studies.recordNumber.reserve(MAStudies::expectedCount);
     reading.studies.sampleSize.reserve(MAStudies::expectedCount);
     reading.studies.tables.reserve(MAStudies::expectedCount);
     reading.status = ReadPass(records, reading.counts.records, [&](const Record& record, int recordNumber) {
-        const MATable table = {ReadStudyValue(record, indices[0]), ReadStudyValue(record, indices[1]),
-                               ReadStudyValue(record, indices[2]), ReadStudyValue(record, indices[3])};
-        Classify(table, recordNumber, rule, reading);
+        Classify(variables.Read(record), recordNumber, rule, variables, reading);
     });
     return reading;
 }

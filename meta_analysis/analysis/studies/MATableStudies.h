@@ -7,7 +7,8 @@
 
 namespace MA_NAMESPACE {
 
-/// Whether the settings name the variables of all four counts.
+/// Whether the settings name the variables of all counts: the events, and the non-events or the size, of each
+/// group.
 bool NamesTables(const MAModelSettings& settings);
 
 /// Reads and classifies the 2x2 tables of a started pass. Error ITERATOR_FAILED.

@@ -1,0 +1,92 @@
+#include "host/report/Sections.h"
+#include "host/text/NumberText.h"
+
+#include <algorithm>
+#include <cstddef>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+/// How the studies' values came from what was reported, as a column of a table.
+struct ConversionColumn
+{
+    const char* header;
+    std::vector<int> conversions; ///< one a study, or none
+};
+
+std::string WordingOf(int conversion)
+{
+    switch (static_cast<MAConst::CONVERSION>(conversion)) {
+    case MAConst::CONVERSION_NONE:
+        return NO_VALUE;
+    case MAConst::CONVERSION_QUARTILES:
+        return "median and quartiles";
+    case MAConst::CONVERSION_EXTREMES:
+        return "median, minimum and maximum";
+    case MAConst::CONVERSION_FIVE_NUMBERS:
+        return "median, quartiles, minimum and maximum";
+    case MAConst::CONVERSION_INTERVAL:
+        return "confidence interval";
+    case MAConst::CONVERSION_P_VALUE:
+        return "p-value";
+    }
+    return {};
+}
+
+std::vector<int> ConvertedStudies(const std::vector<ConversionColumn>& columns, std::size_t studyCount)
+{
+    std::vector<int> converted;
+    for (std::size_t study = 0; study < studyCount; ++study)
+        if (std::any_of(columns.begin(), columns.end(), [study](const ConversionColumn& column) {
+                return column.conversions[study] != MAConst::CONVERSION_NONE;
+            }))
+            converted.push_back(static_cast<int>(study));
+    return converted;
+}
+
+template <class Value>
+std::vector<Value> Picked(const std::vector<Value>& values, const std::vector<int>& positions)
+{
+    std::vector<Value> picked;
+    for (const int position : positions)
+        picked.push_back(values[static_cast<std::size_t>(position)]);
+    return picked;
+}
+
+ReportSections SectionOf(const AnalysisData& data, const std::vector<ConversionColumn>& columns,
+                         const std::string& sentence)
+{
+    const std::vector<int> records = data.base.GetNonMissingStudyID();
+    if (columns.front().conversions.empty())
+        return {};
+    const std::vector<int> converted = ConvertedStudies(columns, records.size());
+    if (converted.empty())
+        return {};
+    ReportSection section = {
+        "Converted studies", {{"Study", data.StudyLabelsOf(Picked(records, converted)), true}}, {sentence}};
+    for (const ConversionColumn& column : columns) {
+        section.table.push_back({column.header, {}, true});
+        for (const int conversion : Picked(column.conversions, converted))
+            section.table.back().cells.push_back(WordingOf(conversion));
+    }
+    return {section};
+}
+
+} // namespace
+
+ReportSections ConvertedStudiesSection(const AnalysisData& data)
+{
+    ReportSections sections = SectionOf(data, {{"Standard error from", data.base.GetEffectConversion()}},
+                                        "These studies do not report a variance or standard error.");
+    Append(sections, SectionOf(data,
+                               {{"Treatment group", data.base.GetTreatmentConversion()},
+                                {"Control group", data.base.GetControlConversion()}},
+                               "Means are estimated after Luo et al. (2018) and standard deviations after "
+                               "Wan et al. (2014) where a study does not report both."));
+    return sections;
+}
+
+} // namespace host

@@ -1,0 +1,83 @@
+#pragma once
+
+#include "meta_analysis/platform/common/Export.h"
+
+namespace MA_NAMESPACE {
+
+/// Variables of what studies report in place of an effect size with its standard error, or of means with
+/// standard deviations. The conversions are those of `effectsize/MAConversions.h`. A variable is given by its
+/// position in the host's variable list; -1, the default of every one, means not given.
+class META_ANALYSIS_EXPORT MAInputSettings
+{
+public:
+    // ---- Ready-made effect sizes without a standard error ----
+
+    /// Confidence limits of the effect size. A study has its standard error from the first of these that is
+    /// given and not missing: the variance (or, where that variable is not given, the standard error), both
+    /// limits, the p-value. Warning `INTERVAL_ASYMMETRIC`.
+    void SetInputCILowerIndex(int value) { inputCILowerIndex_ = value; }
+    int GetInputCILowerIndex() const { return inputCILowerIndex_; }
+    void SetInputCIUpperIndex(int value) { inputCIUpperIndex_ = value; }
+    int GetInputCIUpperIndex() const { return inputCIUpperIndex_; }
+    /// Confidence level of these limits, a fraction between 0 and 1; default 0.95. Another level leaves no
+    /// study with limits alone: `EXCLUSION_LEVEL_OUTSIDE`.
+    void SetInputCILevel(double value) { inputCILevel_ = value; }
+    double GetInputCILevel() const { return inputCILevel_; }
+    /// Two-sided p-value of the effect size.
+    void SetInputPValueIndex(int value) { inputPValueIndex_ = value; }
+    int GetInputPValueIndex() const { return inputPValueIndex_; }
+    /// Effect sizes and limits are ratios on the natural scale, of which the logarithms are analysed; default
+    /// false. Variances and standard errors are those of the logarithms in either case.
+    void SetInputIsRatio(bool value) { inputIsRatio_ = value; }
+    bool GetInputIsRatio() const { return inputIsRatio_; }
+
+    // ---- Medians in place of means and standard deviations ----
+
+    // A group without a mean or a standard deviation has both from its median with quartiles, with minimum
+    // and maximum, or with all four. Warning `SUMMARY_SKEWED`: the conversion supposes a normal distribution.
+
+    /// Group medians.
+    void SetTreatmentMedianIndex(int value) { treatmentMedianIndex_ = value; }
+    int GetTreatmentMedianIndex() const { return treatmentMedianIndex_; }
+    void SetControlMedianIndex(int value) { controlMedianIndex_ = value; }
+    int GetControlMedianIndex() const { return controlMedianIndex_; }
+    /// Lower quartiles.
+    void SetTreatmentQ1Index(int value) { treatmentQ1Index_ = value; }
+    int GetTreatmentQ1Index() const { return treatmentQ1Index_; }
+    void SetControlQ1Index(int value) { controlQ1Index_ = value; }
+    int GetControlQ1Index() const { return controlQ1Index_; }
+    /// Upper quartiles.
+    void SetTreatmentQ3Index(int value) { treatmentQ3Index_ = value; }
+    int GetTreatmentQ3Index() const { return treatmentQ3Index_; }
+    void SetControlQ3Index(int value) { controlQ3Index_ = value; }
+    int GetControlQ3Index() const { return controlQ3Index_; }
+    /// Minima.
+    void SetTreatmentMinIndex(int value) { treatmentMinIndex_ = value; }
+    int GetTreatmentMinIndex() const { return treatmentMinIndex_; }
+    void SetControlMinIndex(int value) { controlMinIndex_ = value; }
+    int GetControlMinIndex() const { return controlMinIndex_; }
+    /// Maxima.
+    void SetTreatmentMaxIndex(int value) { treatmentMaxIndex_ = value; }
+    int GetTreatmentMaxIndex() const { return treatmentMaxIndex_; }
+    void SetControlMaxIndex(int value) { controlMaxIndex_ = value; }
+    int GetControlMaxIndex() const { return controlMaxIndex_; }
+
+private:
+    int inputCILowerIndex_ = -1;
+    int inputCIUpperIndex_ = -1;
+    double inputCILevel_ = 0.95;
+    int inputPValueIndex_ = -1;
+    bool inputIsRatio_ = false;
+    int treatmentMedianIndex_ = -1;
+    int controlMedianIndex_ = -1;
+    int treatmentQ1Index_ = -1;
+    int controlQ1Index_ = -1;
+    int treatmentQ3Index_ = -1;
+    int controlQ3Index_ = -1;
+    int treatmentMinIndex_ = -1;
+    int controlMinIndex_ = -1;
+    int treatmentMaxIndex_ = -1;
+    int controlMaxIndex_ = -1;
+};
+
+} // namespace MA_NAMESPACE
