@@ -52,5 +52,6 @@ constexpr int NO_STUDY_IN_RUN = 460105;           ///< a run of which no study i
 constexpr int NO_ITERATION_ALLOWED = 460106;      ///< iteration limit below 1 for an iterative estimator
 constexpr int MODEL_TYPE_UNKNOWN = 460107;        ///< a model type outside the enumeration
 constexpr int TAU2_INTERVAL_UNAVAILABLE = 460108; ///< profile likelihood for an estimator other than ML, REML
+constexpr int COUNTS_NOT_POOLED = 460115; ///< Mantel-Haenszel weights in an analysis that cannot pool counts
 
 } // namespace MA_NAMESPACE::MAStatusCode

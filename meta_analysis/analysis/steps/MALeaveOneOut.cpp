@@ -49,12 +49,13 @@ MALeaveOneOut PoolEachRest(std::size_t count, PoolOthers pool, Proceed proceed)
 MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice)
 {
     const std::size_t count = studies.Count() < 2 ? 0 : studies.Count();
-    if (choice.poolsTables) {
-        ColumnButOne tables(studies.tables);
-        return PoolEachRest(
-            count, [&] { return PoolCounts(tables.Others(), choice).model; },
-            [&](std::size_t i) { tables.Proceed(i); });
-    }
+    if (choice.poolsTables)
+        return WithCounts(studies, choice, [count](const auto& counts, const auto& pooling) {
+            ColumnButOne others(counts);
+            return PoolEachRest(
+                count, [&] { return PoolCounts(others.Others(), pooling).model; },
+                [&](std::size_t i) { others.Proceed(i); });
+        });
     const MAModelChoice stepChoice = WithoutTau2Interval(choice);
     ColumnButOne effectSizes(studies.effectSize);
     ColumnButOne variances(studies.variance);
