@@ -17,11 +17,12 @@
 
 namespace MA_NAMESPACE {
 
-/// How the tables of the studies were measured, and are pooled.
+/// How the counts of the studies were measured, and are pooled.
 struct MATableMeasure
 {
-    MAConst::BINESTYPE measure = MAConst::BIN_ODDS_RATIO;
-    MAZeroCorrection correction; ///< as their effect sizes left it
+    MAConst::BINESTYPE measure = MAConst::BIN_ODDS_RATIO;        ///< of 2x2 tables
+    MAConst::OUTCOMEMEASURE outcome = MAConst::PROPORTION_LOGIT; ///< of `MAOutcomeModel`
+    MAZeroCorrection correction;                                 ///< as their effect sizes left it
     MAConst::POOLEDZEROCELLS pooledZeroCells = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
 };
 
@@ -92,6 +93,7 @@ struct MATrimFillResults
     MAImputedStudies imputed;
     std::optional<MAEstimate> model; ///< of all studies with the imputed ones
     bool hasRatio = false;           ///< whether the model of a ratio is shown as one
+    double size = KXMV::Missing();   ///< of the model, as in `MAPooledModel`
 };
 
 /// Everything that an analysis holds: the settings copied, the studies, and the results of each step.

@@ -44,6 +44,8 @@ KXStatus MABaseModel::Run(MultiPassRecordIter& records, const KXVarList& variabl
     CheckInputSettings();
     if (outcome_ == MAConst::OUTCOME_BINARY)
         AddWarnings(WarningsOfBinaryRun(*settings_));
+    if (outcome_ == MAConst::OUTCOME_MEASURED)
+        AddWarnings(WarningsOfMeasuredRun(*settings_));
     State().groups.values = GetUniqGroupElem();
     State().groups.shownValues = State().groups.values;
     if (BuildModels(PoolsTables() ? TableChoice() : EffectsChoice()).IsError() ||
@@ -90,6 +92,7 @@ KXStatus MABaseModel::ExtractModelInput(MultiPassRecordIter& records)
     state.settings.alpha = AlphaOf(settings_->GetCILevel());
     if (settings_->GetInputESType() == MAConst::INPUT_READY_MADE) {
         state.settings.tables.measure = settings_->GetBinaryEstType();
+        state.settings.tables.outcome = settings_->GetOutcomeMeasure();
         return Take(ReadReadyMadeStudies(records, *settings_, state.settings.alpha));
     }
     return Take(
@@ -191,22 +194,30 @@ void MABaseModel::CheckInputSettings()
 
 MAModelChoice MABaseModel::EffectsChoice() const
 {
-    return EffectsModel(*settings_, Results().settings.run, outcome_, Results().settings.alpha);
+    const MACopiedSettings& copied = Results().settings;
+    const MAModelChoice choice = EffectsModel(*settings_, copied.run, outcome_, copied.alpha);
+    return outcome_ == MAConst::OUTCOME_MEASURED ? WithNaturalValues(choice, ScaleOf(copied.tables.outcome))
+                                                 : choice;
 }
 
 MAModelChoice MABaseModel::TableChoice() const
 {
     const MATableMeasure& tables = Results().settings.tables;
     MAModelChoice choice = EffectsChoice();
+    const MACountPoolingChoice counts = {tables.correction, tables.pooledZeroCells,
+                                         NullHypothesisAt(choice, KXMV::Missing()), choice.fixed.alpha};
     choice.poolsTables = true;
-    choice.tables = {tables.measure, tables.correction, tables.pooledZeroCells, choice.fixed.nullHypothesis,
-                     choice.fixed.alpha};
+    choice.poolsRates = outcome_ == MAConst::OUTCOME_MEASURED;
+    choice.tables = {counts, tables.measure};
+    choice.rates = {counts, tables.outcome};
     return choice;
 }
 
 bool MABaseModel::PoolsTables() const
 {
-    return PoolsCounts(Results().settings.run, outcome_);
+    const MACopiedSettings& copied = Results().settings;
+    return outcome_ == MAConst::OUTCOME_MEASURED ? PoolsCounts(copied.run, copied.tables.outcome)
+                                                 : PoolsCounts(copied.run, outcome_);
 }
 
 KXStatus MABaseModel::BuildModel(const std::vector<double>& effectSizes, const std::vector<double>& variances)
@@ -248,7 +259,7 @@ KXStatus MABaseModel::AppendBuilt(const MAPooledStudies& pooled, std::vector<dou
 
 void MABaseModel::AppendRow(const MAPooledStudies& pooled)
 {
-    State().lists.rows.push_back({pooled.model.effect, pooled.correctedTables});
+    State().lists.rows.push_back(RowOf(pooled));
 }
 
 void MABaseModel::AppendWeights(std::vector<double> weights)
@@ -285,7 +296,7 @@ KXStatus MABaseModel::TakeHeterogeneity(const MAPooledModel& model)
 MAContinousFixEffectModel MABaseModel::NewContFixEffectModel(const std::vector<double>& effectSizes,
                                                              const std::vector<double>& variances) const
 {
-    const MAFixedEffectChoice choice = EffectsChoice().fixed;
+    const MAFixedEffectChoice choice = ChoiceFor({effectSizes, variances}, EffectsChoice()).fixed;
     MAContinousFixEffectModel model;
     model.SetEffectSizes(&effectSizes);
     model.SetVariances(&variances);
@@ -297,7 +308,7 @@ MAContinousFixEffectModel MABaseModel::NewContFixEffectModel(const std::vector<d
 MARandomEffectModel MABaseModel::NewRandomEffectModel(const std::vector<double>& effectSizes,
                                                       const std::vector<double>& variances) const
 {
-    const MARandomEffectsChoice choice = EffectsChoice().random;
+    const MARandomEffectsChoice choice = ChoiceFor({effectSizes, variances}, EffectsChoice()).random;
     MARandomEffectModel model;
     model.SetEffectSizes(&effectSizes);
     model.SetVariances(&variances);

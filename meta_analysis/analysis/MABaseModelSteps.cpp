@@ -114,7 +114,7 @@ KXStatus MABaseModel::BuildCumulative(const MAModelChoice& choice)
     if (result.overall.has_value()) {
         ComputeCochranStatistics();
         state.groups.shownValues.push_back(MAConst::overallGroup);
-        state.lists.rows = {{result.overall->model.effect, result.overall->correctedTables}};
+        state.lists.rows = {RowOf(*result.overall)};
         AppendReported(result.overall->model);
         state.cumulative.values.emplace_back();
         PushCumuStatistics();
@@ -145,7 +145,8 @@ KXStatus MABaseModel::TestContrastsOfRun()
 {
     if (Results().settings.run.modelType != MAConst::MODEL_FIXED)
         return status_;
-    return PoolsTables() ? TestContrastsOfTables() : FixedModelContrastTest();
+    return PoolsTables() && outcome_ == MAConst::OUTCOME_BINARY ? TestContrastsOfTables()
+                                                                : FixedModelContrastTest();
 }
 
 KXStatus MABaseModel::TestContrastsOfTables()
@@ -354,9 +355,11 @@ void MABaseModel::StoreTrimFill(const MATrimAndFill& found)
     results.hasRatio = found.imputedCount == 0 || settings_->GetOutcomesType() == MAConst::OUTCOME_BINARY;
     if (found.filled.has_value()) {
         results.model = found.filled->effect;
+        results.size = found.filled->size;
         WarnOfTau2(*found.filled);
     } else if (found.imputedCount == 0 && !Results().lists.rows.empty()) {
         results.model = Results().lists.rows.back().effect;
+        results.size = Results().lists.rows.back().size;
     }
 }
 

@@ -18,6 +18,7 @@ struct MATable
 
     bool HasNegative() const { return a < 0 || b < 0 || c < 0 || d < 0; }
     bool HasZeroCell() const { return a == 0 || b == 0 || c == 0 || d == 0; }
+    MATable Plus(double added) const { return {a + added, b + added, c + added, d + added}; }
 
     /// Variance of the log odds ratio (Woolf 1955, Annals of Human Genetics 19, 251-253).
     double LogOddsRatioVariance() const { return 1.0 / b + 1.0 / a + 1.0 / c + 1.0 / d; }

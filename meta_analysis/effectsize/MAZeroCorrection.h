@@ -1,13 +1,13 @@
 #pragma once
 
-#include "meta_analysis/effectsize/MATable.h"
 #include "meta_analysis/settings/MAConst.h"
 
 #include <algorithm>
 
 namespace MA_NAMESPACE {
 
-/// The zero-cell correction of 2x2 tables: which of them receive the constant in all four cells.
+/// The zero-cell correction of 2x2 tables, and of other counts that can be 0: which of them receive the
+/// constant, a table in all four cells.
 struct MAZeroCorrection
 {
     /// `ZERO_ADJUST_ALL_IF_ANY` depends on the other tables: `ResolvedFor` replaces it. Unresolved it
@@ -22,21 +22,22 @@ struct MAZeroCorrection
     {
         const bool appliesToAll =
             type == MAConst::ZERO_ADJUST_ALL_IF_ANY &&
-            std::any_of(tables.begin(), tables.end(), [](const MATable& t) { return t.HasZeroCell(); });
+            std::any_of(tables.begin(), tables.end(), [](const auto& t) { return t.HasZeroCell(); });
         return {appliesToAll ? MAConst::ZERO_ADJUST_ALL : type, delta};
     }
 
-    double AddedTo(const MATable& table) const
+    template <class Table>
+    double AddedTo(const Table& table) const
     {
         const bool isCorrected =
             type == MAConst::ZERO_ADJUST_ALL || (type == MAConst::ZERO_ADJUST_EACH && table.HasZeroCell());
         return isCorrected ? delta : 0.0;
     }
 
-    MATable Corrected(const MATable& table) const
+    template <class Table>
+    Table Corrected(const Table& table) const
     {
-        const double added = AddedTo(table);
-        return {table.a + added, table.b + added, table.c + added, table.d + added};
+        return table.Plus(AddedTo(table));
     }
 };
 

@@ -20,6 +20,7 @@ class MAOddsRatioPooling
 {
 public:
     using Measure = MAOddsRatio;
+    using Table = MATable;
     static double Weight(const MATable& table) { return table.b * table.c / table.Size(); }
     /// False without events, or without non-events, in both groups, and with an empty group.
     static bool IsInformative(const MATable& table)
@@ -62,6 +63,7 @@ class MARiskRatioPooling
 {
 public:
     using Measure = MARiskRatio;
+    using Table = MATable;
     static double Weight(const MATable& table) { return table.TreatmentSize() * table.c / table.Size(); }
     /// False without events in both groups, and with an empty group. True where all persons have events:
     /// both risks are 1.
@@ -93,6 +95,7 @@ class MARiskDifferencePooling
 {
 public:
     using Measure = MARiskDifference;
+    using Table = MATable;
     static double Weight(const MATable& table)
     {
         return table.TreatmentSize() * table.ControlSize() / table.Size();
@@ -127,6 +130,7 @@ class MAPetoPooling
 {
 public:
     using Measure = MAPetoOddsRatio;
+    using Table = MATable;
     /// A single person has no variance.
     static double Weight(const MATable& table)
     {

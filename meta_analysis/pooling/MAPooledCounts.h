@@ -1,7 +1,6 @@
 #pragma once
 
 #include "meta_analysis/effectsize/MAPoolable.h"
-#include "meta_analysis/effectsize/MATable.h"
 #include "meta_analysis/settings/MAConst.h"
 
 #include <cmath>
@@ -31,6 +30,8 @@ template <class Pooling>
 class MAPooledCounts
 {
 public:
+    using Table = typename Pooling::Table;
+
     /// A rule outside the enumeration is `POOLED_ZERO_CELLS_AS_STUDIES`.
     explicit MAPooledCounts(MAConst::POOLEDZEROCELLS rule)
         : poolsAsRead_(rule == MAConst::POOLED_ZERO_CELLS_IF_NEEDED ||
@@ -38,9 +39,9 @@ public:
           mayCorrect_(rule != MAConst::POOLED_ZERO_CELLS_NONE)
     {}
 
-    bool Includes(const MATable& asRead) const { return !poolsAsRead_ || Pooling::IsInformative(asRead); }
+    bool Includes(const Table& asRead) const { return !poolsAsRead_ || Pooling::IsInformative(asRead); }
 
-    void Add(const MATable& asRead, const MATable& corrected)
+    void Add(const Table& asRead, const Table& corrected)
     {
         if (!Includes(asRead))
             return;
@@ -62,7 +63,7 @@ public:
     }
 
     /// Weight of a table in `Effect`, of which `isCorrected` is a member; 0 for one that takes no part.
-    double Weight(const MATable& asRead, const MATable& corrected, bool isCorrected) const
+    double Weight(const Table& asRead, const Table& corrected, bool isCorrected) const
     {
         return Includes(asRead) ? Pooling::Weight(isCorrected ? corrected : asRead) : 0.0;
     }

@@ -39,6 +39,9 @@ struct MAPooledModel
     double tau2 = KXMV::Missing(); ///< missing for fixed-effect models, -1 after an error
     MATau2Results tau2Results;
     MAPrediction prediction;
+    /// Harmonic mean of the studies' sizes, by which the effect goes back to a natural scale that depends on
+    /// it; missing otherwise.
+    double size = KXMV::Missing();
 };
 
 } // namespace MA_NAMESPACE

@@ -11,16 +11,21 @@
 
 namespace MA_NAMESPACE {
 
-/// How tables are pooled, by Mantel and Haenszel or Peto.
-struct MATablePoolingChoice
+/// How counts are pooled, by Mantel and Haenszel or Peto.
+struct MACountPoolingChoice
 {
-    MAConst::BINESTYPE measure = MAConst::BIN_ODDS_RATIO;
     /// Of the studies' effects, and unless `pooledZeroCells` says otherwise of the counts pooled.
     MAZeroCorrection correction;
     MAConst::POOLEDZEROCELLS pooledZeroCells = MAConst::POOLED_ZERO_CELLS_AS_STUDIES;
-    /// Natural scale. 0 stands for 1 with a ratio, 1 for 0 with the risk difference.
     double nullHypothesis = 0.0;
     double alpha = 0.05; ///< 1 - confidence level
+};
+
+/// How tables are pooled. The null hypothesis is on the natural scale; 0 stands for 1 with a ratio, 1 for 0
+/// with the risk difference.
+struct MATablePoolingChoice : MACountPoolingChoice
+{
+    MAConst::BINESTYPE measure = MAConst::BIN_ODDS_RATIO;
 };
 
 /// Pools the tables, as read, and tests. A measure outside the enumeration pools nothing: the model is

@@ -8,7 +8,8 @@ namespace MAConst {
 enum OUTCOMETYPE : int
 {
     OUTCOME_BINARY = 0,
-    OUTCOME_CONTINUOUS = 1
+    OUTCOME_CONTINUOUS = 1,
+    OUTCOME_MEASURED = 2 ///< of a measure of `OUTCOMEMEASURE`, for `MAOutcomeModel`
 };
 
 enum INPUTESTYPE : int
@@ -98,6 +99,28 @@ enum BINESTYPE : int
     BIN_PETO_ODDS_RATIO = 1,
     BIN_RISK_RATIO = 2,
     BIN_RISK_DIFFERENCE = 3
+};
+
+/// Measures of one group, and of the rates of two groups. `MAOutcomeMeasures.h` has the kind of data, the
+/// scale of the analysis and the zero rule of each.
+enum OUTCOMEMEASURE : int
+{
+    PROPORTION_LOGIT = 0,
+    PROPORTION_FREEMAN_TUKEY = 1, ///< half the sum of two arcsines
+    PROPORTION_ARCSINE = 2,
+    PROPORTION_LOG = 3,
+    PROPORTION_RAW = 4,
+    RATE_LOG = 5,
+    RATE_SQUARE_ROOT = 6,
+    RATE_FREEMAN_TUKEY = 7, ///< half the sum of two roots
+    RATE_RAW = 8,
+    CORRELATION_FISHER_Z = 9,
+    CORRELATION_RAW = 10,
+    MEAN_RAW = 11,
+    MEAN_LOG = 12,
+    RATES_RATIO = 13, ///< of two groups, analysed on the log scale
+    RATES_DIFFERENCE = 14,
+    RATES_ROOT_DIFFERENCE = 15 ///< of the square roots of two rates
 };
 
 enum STUDYGROUPTYPE : int

@@ -44,6 +44,12 @@ public:
     /// but is biased for large effects and for groups of unequal size.
     void SetBinaryEstType(MAConst::BINESTYPE value) { binaryEstType_ = value; }
     MAConst::BINESTYPE GetBinaryEstType() const { return binaryEstType_; }
+    /// Measure of one group's proportion, rate, correlation or mean, or of two groups' rates, for
+    /// `MAOutcomeModel`; default logit of a proportion. A transformation makes the variance depend less on
+    /// the value, and keeps intervals inside the possible range; raw values need no way back. Error
+    /// `INPUT_NOT_GIVEN` for a value outside the enumeration.
+    void SetOutcomeMeasure(MAConst::OUTCOMEMEASURE value) { outcomeMeasure_ = value; }
+    MAConst::OUTCOMEMEASURE GetOutcomeMeasure() const { return outcomeMeasure_; }
     /// Effect size of means; default Cohen's d. A mean difference keeps the unit of the outcome, which all
     /// studies must share; the others are in standard deviations. Hedges' g removes the bias that d has in
     /// small studies. A value outside the enumeration computes no effect size.
@@ -63,7 +69,8 @@ public:
     bool GetVarianceAdjustment() const { return varianceAdjustment_; }
 
     /// Which tables receive the zero-count constant in all cells; default each with a zero cell. Correcting
-    /// tables without zero cells keeps the studies comparable, but moves their effects towards none.
+    /// tables without zero cells keeps the studies comparable, but moves their effects towards none. It holds
+    /// for the counts of proportions and rates as well, for measures that are not defined at 0.
     void SetBinZeroAdjType(MAConst::ZEROADJTYPE value) { binZeroAdjType_ = value; }
     MAConst::ZEROADJTYPE GetBinZeroAdjType() const { return binZeroAdjType_; }
     /// The constant, above 0; default 0.5. A smaller one leaves a table a more extreme effect, with a larger
@@ -112,6 +119,31 @@ public:
     void SetControlFailureIndex(int value) { controlFailureIndex_ = value; }
     int GetControlFailureVarIndex() const { return controlFailureIndex_; }
     /// Ready-made effect size, on the analysis scale (the logarithm of a ratio) unless `SetInputIsRatio`.
+    /// Events of one group, with its non-events or its size (a proportion; the non-events are used when both
+    /// are given) or with its person-time (a rate).
+    void SetEventsIndex(int value) { eventsIndex_ = value; }
+    int GetEventsIndex() const { return eventsIndex_; }
+    void SetNonEventsIndex(int value) { nonEventsIndex_ = value; }
+    int GetNonEventsIndex() const { return nonEventsIndex_; }
+    void SetTimeIndex(int value) { timeIndex_ = value; }
+    int GetTimeIndex() const { return timeIndex_; }
+    /// Size of one group, of a proportion, a correlation or a mean.
+    void SetSizeIndex(int value) { sizeIndex_ = value; }
+    int GetSizeIndex() const { return sizeIndex_; }
+    /// Correlation coefficient.
+    void SetCorrelationIndex(int value) { correlationIndex_ = value; }
+    int GetCorrelationIndex() const { return correlationIndex_; }
+    /// Mean and standard deviation of one group.
+    void SetMeanIndex(int value) { meanIndex_ = value; }
+    int GetMeanIndex() const { return meanIndex_; }
+    void SetStdDevIndex(int value) { stdDevIndex_ = value; }
+    int GetStdDevIndex() const { return stdDevIndex_; }
+    /// Person-time of the groups, beside their events (`SetTreatmentSuccessIndex`, `SetControlSuccessIndex`).
+    void SetTreatmentTimeIndex(int value) { treatmentTimeIndex_ = value; }
+    int GetTreatmentTimeIndex() const { return treatmentTimeIndex_; }
+    void SetControlTimeIndex(int value) { controlTimeIndex_ = value; }
+    int GetControlTimeIndex() const { return controlTimeIndex_; }
+    /// Ready-made effect size, on the analysis scale (the logarithm of a ratio).
     void SetInputEffectSizeIndex(int value) { inputEffectSizeIndex_ = value; }
     int GetInputEffectsizeIndex() const { return inputEffectSizeIndex_; }
     /// Its variance, used before its standard error, or what `MAInputSettings` has in place of them; a study
@@ -168,7 +200,8 @@ public:
     void SetCILevel(double value) { ciLevel_ = value; }
     double GetCILevel() const { return ciLevel_; }
     /// Effect under the null hypothesis of a fixed-effect model, on the analysis scale for inverse variance,
-    /// on the natural scale for Mantel-Haenszel and Peto, where 0 stands for a ratio of 1; default 0.
+    /// on the natural scale for Mantel-Haenszel and Peto, where 0 stands for a ratio of 1; default 0. For
+    /// `MAOutcomeModel` on the natural scale, where 0 stands for 0 on the analysis scale.
     /// Warnings `RATIO_NULL_NEGATIVE`, `NULL_IGNORED` (random effects test against 0).
     void SetNullHypothesis(double value) { nullHypothesis_ = value; }
     double GetNullHypothesis() const { return nullHypothesis_; }
@@ -178,7 +211,8 @@ public:
     void SetPrediction(MAConst::PREDICTIONTYPE value) { prediction_ = value; }
     MAConst::PREDICTIONTYPE GetPrediction() const { return prediction_; }
     /// Threshold beyond which the probability of a new study's true effect is wanted, on the natural scale
-    /// for ratios; missing (default): none. The one that was set last holds, and the other becomes missing.
+    /// for ratios and in `MAOutcomeModel`; missing (default): none. The one that was set last holds, and the
+    /// other becomes missing.
     void SetProbabilityAbove(double threshold)
     {
         probabilityAbove_ = threshold;
@@ -314,6 +348,7 @@ private:
     double probabilityBelow_ = KXMV::Missing();
     MAConst::CONTESTYPE continousEstType_ = MAConst::CONT_COHENS_D;
     MAConst::BINESTYPE binaryEstType_ = MAConst::BIN_ODDS_RATIO;
+    MAConst::OUTCOMEMEASURE outcomeMeasure_ = MAConst::PROPORTION_LOGIT;
     MAConst::STUDYGROUPTYPE glassDsVarDependentGroup_ = MAConst::GROUP_CONTROL;
     MAConst::RegBaseTestType regBaseTestType_ = MAConst::REG_TEST_EFFECT_ON_STD_ERROR;
     bool isUseIntercept_ = true;
@@ -330,6 +365,15 @@ private:
     int treatmentFailureIndex_ = -1;
     int controlSuccessIndex_ = -1;
     int controlFailureIndex_ = -1;
+    int eventsIndex_ = -1;
+    int nonEventsIndex_ = -1;
+    int timeIndex_ = -1;
+    int sizeIndex_ = -1;
+    int correlationIndex_ = -1;
+    int meanIndex_ = -1;
+    int stdDevIndex_ = -1;
+    int treatmentTimeIndex_ = -1;
+    int controlTimeIndex_ = -1;
     int inputEffectSizeIndex_ = -1;
     int inputVarianceIndex_ = -1;
     int inputStdErrorIndex_ = -1;

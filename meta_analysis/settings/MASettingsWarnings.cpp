@@ -2,6 +2,7 @@
 
 #include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAMeasures.h"
+#include "meta_analysis/settings/MAOutcomeMeasures.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 namespace MA_NAMESPACE {
@@ -140,6 +141,15 @@ constexpr Rule<MAModelSettings> rulesOfBinaryRuns[] = {
     {MAStatusCode::RATIO_NULL_NEGATIVE, HasImpossibleRatio},
 };
 
+constexpr Rule<MAModelSettings> rulesOfMeasuredRuns[] = {
+    {MAStatusCode::COUNTS_NOT_POOLED,
+     [](const MAModelSettings& settings) {
+         return settings.GetWeightType() == MAConst::WEIGHT_BINARY_FIXED &&
+                !PoolsCounts(settings.GetOutcomeMeasure(), settings.GetModelType(), settings.GetWeightType(),
+                             settings.GetInputESType());
+     }},
+};
+
 constexpr Rule<RegressionRun> rulesOfRegressions[] = {
     {MAStatusCode::CONFIDENCE_LEVEL_OUTSIDE,
      [](const RegressionRun& run) { return !IsConfidenceLevel(run.settings.GetConfidenceLevel()); }},
@@ -164,6 +174,11 @@ std::vector<int> WarningsOfRun(const MAModelSettings& settings, std::size_t stud
 std::vector<int> WarningsOfBinaryRun(const MAModelSettings& settings)
 {
     return CodesOf(rulesOfBinaryRuns, settings);
+}
+
+std::vector<int> WarningsOfMeasuredRun(const MAModelSettings& settings)
+{
+    return CodesOf(rulesOfMeasuredRuns, settings);
 }
 
 std::vector<int> WarningsOfRegression(const MARegSettings& settings, bool isRandom)

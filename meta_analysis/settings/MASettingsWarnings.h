@@ -17,6 +17,9 @@ std::vector<int> WarningsOfRun(const MAModelSettings& settings, std::size_t stud
 /// Further warnings of a run on binary outcomes.
 std::vector<int> WarningsOfBinaryRun(const MAModelSettings& settings);
 
+/// Further warnings of a run of `MAOutcomeModel`.
+std::vector<int> WarningsOfMeasuredRun(const MAModelSettings& settings);
+
 /// Warnings of a fixed-effect or a random-effects meta-regression.
 std::vector<int> WarningsOfRegression(const MARegSettings& settings, bool isRandom);
 

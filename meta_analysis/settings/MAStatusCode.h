@@ -70,5 +70,6 @@ constexpr int DELETION_UNDEFINED = 460145; ///< a model without one of the studi
 constexpr int INTERVAL_ASYMMETRIC = 460125;       ///< of a study's confidence interval about its estimate
 constexpr int SUMMARY_SKEWED = 460126;   ///< medians and quantiles that were converted come from skewed data
 constexpr int STD_DEV_DOUBTFUL = 460127; ///< a standard deviation that looks like a standard error
+constexpr int COUNTS_NOT_POOLED = 460115; ///< Mantel-Haenszel weights in an analysis that cannot pool counts
 
 } // namespace MA_NAMESPACE::MAStatusCode

@@ -1,5 +1,6 @@
 #include "meta_analysis/analysis/models/MAModelChoice.h"
 
+#include "meta_analysis/effectsize/MANaturalScale.h"
 #include "meta_analysis/settings/MAMeasures.h"
 
 #include <algorithm>
@@ -35,6 +36,11 @@ bool PoolsCounts(const MARunSettings& run, MAConst::OUTCOMETYPE outcome)
     return outcome == MAConst::OUTCOME_BINARY && PoolsCounts(run.modelType, run.weightType, run.inputType);
 }
 
+bool PoolsCounts(const MARunSettings& run, MAConst::OUTCOMEMEASURE measure)
+{
+    return PoolsCounts(measure, run.modelType, run.weightType, run.inputType);
+}
+
 MAModelChoice EffectsModel(const MAModelSettings& settings, const MARunSettings& run,
                            MAConst::OUTCOMETYPE outcome, double alpha)
 {
@@ -56,6 +62,28 @@ MAModelChoice EffectsModel(const MAModelSettings& settings, const MARunSettings&
     choice.random.checksTau2 = true;
     choice.random.alpha = alpha;
     choice.hasCommonTau2 = settings.GetCommonTau2();
+    return choice;
+}
+
+MAModelChoice WithNaturalValues(MAModelChoice choice, MAScale scale)
+{
+    choice.natural = {scale, choice.fixed.nullHypothesis, choice.random.threshold};
+    return choice;
+}
+
+double NullHypothesisAt(const MAModelChoice& choice, double size)
+{
+    if (!choice.natural.has_value())
+        return choice.fixed.nullHypothesis;
+    const double null = choice.natural->nullHypothesis;
+    return null == 0.0 ? 0.0 : FromNatural(choice.natural->scale, null, size);
+}
+
+MAModelChoice AtSize(MAModelChoice choice, double size)
+{
+    choice.fixed.nullHypothesis = NullHypothesisAt(choice, size);
+    if (choice.natural.has_value())
+        choice.random.threshold = FromNatural(choice.natural->scale, choice.natural->threshold, size);
     return choice;
 }
 

@@ -1,10 +1,23 @@
 #pragma once
 
 #include "meta_analysis/pooling/MAPoolingChoice.h"
+#include "meta_analysis/pooling/MARatePooling.h"
 #include "meta_analysis/pooling/MATablePooling.h"
 #include "meta_analysis/settings/MAModelSettings.h"
+#include "meta_analysis/settings/MAOutcomeMeasures.h"
+
+#include <optional>
 
 namespace MA_NAMESPACE {
+
+/// Values that the settings of `MAOutcomeModel` have on the natural scale. Each model takes them to the scale
+/// of the analysis, which may depend on the sizes of its studies.
+struct MANaturalChoice
+{
+    MAScale scale = MAScale::Natural;
+    double nullHypothesis = 0.0; ///< 0 stands for 0 on the scale of the analysis
+    double threshold = KXMV::Missing();
+};
 
 /// The model that an analysis pools its studies by, from the settings, once.
 struct MAModelChoice
@@ -12,9 +25,12 @@ struct MAModelChoice
     MAConst::MODELTYPE type = MAConst::MODEL_RANDOM;
     MAFixedEffectChoice fixed;
     MARandomEffectsChoice random;
-    bool poolsTables = false; ///< by Mantel and Haenszel or Peto, not by inverse variance
+    std::optional<MANaturalChoice> natural;
+    bool poolsTables = false; ///< counts, by Mantel and Haenszel or Peto, not effects by inverse variance
     MATablePoolingChoice tables;
     bool hasCommonTau2 = false; ///< of all subgroups, under random effects
+    bool poolsRates = false; ///< whether the counts pooled are those of two groups' rates, not of 2x2 tables
+    MARatePoolingChoice rates;
 };
 
 /// The settings that an analysis copies when a run starts; the values of one that has not run.
@@ -35,9 +51,21 @@ void TakeModelTypes(const MAModelSettings& settings, MARunSettings& run);
 /// combinations pool by inverse variance.
 bool PoolsCounts(const MARunSettings& run, MAConst::OUTCOMETYPE outcome);
 
+/// Whether a run of `MAOutcomeModel` pools counts.
+bool PoolsCounts(const MARunSettings& run, MAConst::OUTCOMEMEASURE measure);
+
 /// A run's model of effect sizes on the scale of the outcome's measure. `alpha` is 1 - confidence level.
 MAModelChoice EffectsModel(const MAModelSettings& settings, const MARunSettings& run,
                            MAConst::OUTCOMETYPE outcome, double alpha);
+
+/// The choice whose null hypothesis and threshold are on the natural scale of a measure analysed on `scale`.
+MAModelChoice WithNaturalValues(MAModelChoice choice, MAScale scale);
+
+/// The null hypothesis on the scale of the analysis, for studies of a harmonic mean size.
+double NullHypothesisAt(const MAModelChoice& choice, double size);
+
+/// The choice with its natural values on the scale of the analysis, for studies of a harmonic mean size.
+MAModelChoice AtSize(MAModelChoice choice, double size);
 
 /// The model of the trimmed studies, none of which is reported.
 MAModelChoice TrimmingModel(const MAModelSettings& settings, MAModelChoice choice);

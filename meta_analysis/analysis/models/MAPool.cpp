@@ -1,5 +1,6 @@
 #include "meta_analysis/analysis/models/MAPool.h"
 
+#include "meta_analysis/effectsize/MANaturalScale.h"
 #include "meta_analysis/inference/MAInference.h"
 #include "meta_analysis/inference/MAWeightedMean.h"
 #include "meta_analysis/pooling/MAPooling.h"
@@ -11,6 +12,22 @@ namespace MA_NAMESPACE {
 
 namespace {
 
+MAScale ScaleOf(const MAModelChoice& choice)
+{
+    return choice.natural.has_value() ? choice.natural->scale : MAScale::Natural;
+}
+
+MAPooledModel PoolOnAnalysisScale(const MAEffects& effects, const MAModelChoice& choice)
+{
+    return choice.type == MAConst::MODEL_FIXED ? PoolFixedEffect(effects, choice.fixed)
+                                               : PoolRandomEffects(effects, choice.random);
+}
+
+MAPooledStudies PooledStudiesOf(MAPooledTables pooled)
+{
+    return {pooled.model, pooled.correctedTables, std::move(pooled.weights)};
+}
+
 /// On running sums, taken in the order of a fit of each prefix, so that the results are the same.
 MAPooledPrefixes PoolFixedPrefixes(const MAStudies& studies, const MASelection& selection,
                                    const MAModelChoice& choice)
@@ -19,10 +36,12 @@ MAPooledPrefixes PoolFixedPrefixes(const MAStudies& studies, const MASelection& 
     MAPooledPrefixes prefixes;
     prefixes.rows.reserve(selection.size());
     MAWeightedMean sums;
+    MAHarmonicSize size(ScaleOf(choice));
     for (const std::size_t study : selection) {
         sums.Add(1.0 / studies.variance[study], studies.effectSize[study]);
-        prefixes.rows.push_back(
-            {InferNormal(sums.Mean(), sums.Variance(), choice.fixed.nullHypothesis, quantile)});
+        size.Add(studies.variance[study]);
+        const double null = NullHypothesisAt(choice, size.Mean());
+        prefixes.rows.push_back({InferNormal(sums.Mean(), sums.Variance(), null, quantile), 0, size.Mean()});
     }
     return prefixes;
 }
@@ -31,9 +50,10 @@ MAPooledPrefixes PoolCountPrefixes(const MAStudies& studies, const MASelection& 
                                    const MAModelChoice& choice)
 {
     MAPooledPrefixes prefixes;
-    for (const MATableEstimate& pooled :
-         PoolTablePrefixes(Selected(studies.tables, selection), choice.tables))
-        prefixes.rows.push_back({pooled.effect, pooled.correctedTables});
+    WithCounts(studies, choice, [&](const auto& counts, const auto& pooling) {
+        for (const MATableEstimate& pooled : PoolTablePrefixes(Selected(counts, selection), pooling))
+            prefixes.rows.push_back({pooled.effect, pooled.correctedTables});
+    });
     return prefixes;
 }
 
@@ -50,36 +70,53 @@ MAPooledPrefixes PoolRandomPrefixes(const MAStudies& studies, const MASelection&
             PoolEffects({{effectSizes.data(), count}, {variances.data(), count}}, choice);
         prefixes.status = model.status;
         if (!model.status.IsError())
-            prefixes.rows.push_back({model.effect});
+            prefixes.rows.push_back({model.effect, 0, model.size});
     }
     return prefixes;
 }
 
 } // namespace
 
-MAPooledModel PoolEffects(const MAEffects& effects, const MAModelChoice& choice)
+MAModelChoice ChoiceFor(const MAEffects& effects, const MAModelChoice& choice)
 {
-    return choice.type == MAConst::MODEL_FIXED ? PoolFixedEffect(effects, choice.fixed)
-                                               : PoolRandomEffects(effects, choice.random);
+    return AtSize(choice, HarmonicSize(ScaleOf(choice), effects.variances));
 }
 
-MAPooledStudies PoolCounts(const std::vector<MATable>& tables, const MAModelChoice& choice)
+MAPooledModel PoolEffects(const MAEffects& effects, const MAModelChoice& choice)
 {
-    MAPooledTables pooled = PoolTables(tables, choice.tables);
-    return {pooled.model, pooled.correctedTables, std::move(pooled.weights)};
+    if (!choice.natural.has_value())
+        return PoolOnAnalysisScale(effects, choice);
+    const double size = HarmonicSize(choice.natural->scale, effects.variances);
+    MAPooledModel model = PoolOnAnalysisScale(effects, AtSize(choice, size));
+    model.size = size;
+    return model;
+}
+
+MAPooledStudies PoolCounts(const std::vector<MATable>& tables, const MATablePoolingChoice& choice)
+{
+    return PooledStudiesOf(PoolTables(tables, choice));
+}
+
+MAPooledStudies PoolCounts(const std::vector<MAGroupRates>& rates, const MARatePoolingChoice& choice)
+{
+    return PooledStudiesOf(PoolTables(rates, choice));
 }
 
 MAPooledStudies Pool(const MAStudies& studies, const MAModelChoice& choice)
 {
     if (choice.poolsTables)
-        return PoolCounts(studies.tables, choice);
+        return WithCounts(studies, choice, [](const auto& counts, const auto& pooling) {
+            return PoolCounts(counts, pooling);
+        });
     return {PoolEffects({studies.effectSize, studies.variance}, choice), 0, {}};
 }
 
 MAPooledStudies Pool(const MAStudies& studies, const MASelection& selection, const MAModelChoice& choice)
 {
     if (choice.poolsTables)
-        return PoolCounts(Selected(studies.tables, selection), choice);
+        return WithCounts(studies, choice, [&](const auto& counts, const auto& pooling) {
+            return PoolCounts(Selected(counts, selection), pooling);
+        });
     const std::vector<double> effectSizes = Selected(studies.effectSize, selection);
     const std::vector<double> variances = Selected(studies.variance, selection);
     return {PoolEffects({effectSizes, variances}, choice), 0, {}};

@@ -21,7 +21,19 @@ struct MAPooledRow
 {
     MAEstimate effect;
     int correctedTables = 0;
+    double size = KXMV::Missing(); ///< as in `MAPooledModel`
 };
+inline MAPooledRow RowOf(const MAPooledStudies& pooled)
+{
+    return {pooled.model.effect, pooled.correctedTables, pooled.model.size};
+}
+
+/// Calls `use` with the counts of the studies that the choice pools, and with how it pools them.
+template <class Use>
+auto WithCounts(const MAStudies& studies, const MAModelChoice& choice, Use use)
+{
+    return choice.poolsRates ? use(studies.rates, choice.rates) : use(studies.tables, choice.tables);
+}
 
 /// Pools all studies, or those of the selection, by the choice.
 MAPooledStudies Pool(const MAStudies& studies, const MAModelChoice& choice);
@@ -30,8 +42,12 @@ MAPooledStudies Pool(const MAStudies& studies, const MASelection& selection, con
 /// Pools effect sizes, whatever the choice says of tables.
 MAPooledModel PoolEffects(const MAEffects& effects, const MAModelChoice& choice);
 
-/// Pools tables.
-MAPooledStudies PoolCounts(const std::vector<MATable>& tables, const MAModelChoice& choice);
+/// Pools the counts of 2x2 tables, or of two groups' rates.
+MAPooledStudies PoolCounts(const std::vector<MATable>& tables, const MATablePoolingChoice& choice);
+MAPooledStudies PoolCounts(const std::vector<MAGroupRates>& rates, const MARatePoolingChoice& choice);
+
+/// The choice with its natural values on the scale of the analysis, for these studies.
+MAModelChoice ChoiceFor(const MAEffects& effects, const MAModelChoice& choice);
 
 /// The models of the first 1, 2, ... studies of the selection; those before an error when there is one.
 struct MAPooledPrefixes

@@ -59,6 +59,12 @@ MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice
             count, [&](std::size_t) { return PoolCounts(tables.Others(), choice).model; },
             [&](std::size_t i) { tables.Proceed(i); });
     }
+    if (choice.poolsTables)
+        return WithCounts(studies, choice, [count](const auto& counts, const auto& pooling) {
+            ColumnButOne others(counts);
+                count, [&] { return PoolCounts(others.Others(), pooling).model; },
+                [&](std::size_t i) { others.Proceed(i); });
+        });
     const MAModelChoice stepChoice = WithoutTau2Interval(choice);
     ColumnButOne effectSizes(studies.effectSize);
     ColumnButOne variances(studies.variance);

@@ -2,6 +2,7 @@
 
 #include "meta_analysis/analysis/studies/MASelection.h"
 #include "meta_analysis/effectsize/MAMeans.h"
+#include "meta_analysis/effectsize/MARates.h"
 #include "meta_analysis/effectsize/MATable.h"
 #include "meta_analysis/inference/MAEstimate.h"
 #include "meta_analysis/platform/common/KXMV.h"
@@ -55,8 +56,12 @@ struct MAStudies
     std::vector<int> recordNumber; ///< position of the study's record in the host's data, from 0
     std::vector<double> sampleSize;
 
-    std::vector<MATable> tables; ///< raw input of binary outcomes, as read
-    std::vector<MAMeans> means;  ///< raw input of continuous outcomes
+    std::vector<MATable> tables;     ///< raw input of binary outcomes, as read
+    std::vector<MAMeans> means;      ///< raw input of continuous outcomes
+    std::vector<MAGroupRates> rates; ///< raw input of two groups' rates, as read
+
+    /// The zero-count constant that the counts of a proportion or rate received, or 0.
+    std::vector<double> addedToCounts;
 
     std::vector<MAConst::CONVERSION> effectConversions; ///< while the settings name such variables
     std::vector<MAGroupConversions> groupConversions;   ///< likewise

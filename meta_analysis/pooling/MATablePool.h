@@ -1,0 +1,119 @@
+#pragma once
+
+#include "meta_analysis/inference/MAHeterogeneity.h"
+#include "meta_analysis/inference/MAInference.h"
+#include "meta_analysis/pooling/MAHomogeneity.h"
+#include "meta_analysis/pooling/MAPooledCounts.h"
+#include "meta_analysis/pooling/MATablePooling.h"
+
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+/// The ratio of a pooled log ratio. Unlike in `StudyRatio` the standard error is the root of the exponential
+/// of the variance, and no value is missing.
+inline MAEstimate PooledRatio(const MAEstimate& onLogScale)
+{
+    MAEstimate ratio;
+    ratio.estimate = std::exp(onLogScale.estimate);
+    ratio.variance = std::exp(onLogScale.variance);
+    ratio.stdError = std::sqrt(ratio.variance);
+    ratio.ciLower = std::exp(onLogScale.ciLower);
+    ratio.ciUpper = std::exp(onLogScale.ciUpper);
+    return ratio;
+}
+
+/// The tables as read, each with its correction, under the running sums of a method. A table is what the
+/// method pools: a 2x2 table, or two groups' rates.
+template <class Pooling>
+class MATablePool
+{
+public:
+    using Measure = typename Pooling::Measure;
+    using Table = typename Pooling::Table;
+
+    MATablePool(std::span<const Table> tables, const MACountPoolingChoice& choice, double nullOnTestScale)
+        : tables_(tables),
+          null_(nullOnTestScale),
+          correction_(choice.correction.ResolvedFor(tables)),
+          quantile_(TwoSidedNormalQuantile(choice.alpha)),
+          counts_(choice.pooledZeroCells)
+    {}
+
+    MAPooledTables PoolAll();
+    std::vector<MATableEstimate> PoolPrefixes();
+
+private:
+    void Add(const Table& table) { counts_.Add(table, correction_.Corrected(table)); }
+    MATableEstimate Estimate(const MAPooledEffect& pooled) const;
+    void SetHeterogeneity(std::size_t studyCount, MAPooledModel& model) const;
+
+    std::span<const Table> tables_;
+    double null_; ///< on the scale of the test
+    MAZeroCorrection correction_;
+    double quantile_;
+    MAPooledCounts<Pooling> counts_;
+};
+
+template <class Pooling>
+MATableEstimate MATablePool<Pooling>::Estimate(const MAPooledEffect& pooled) const
+{
+    MATableEstimate result;
+    result.effect = InferNormal(pooled.estimate, pooled.variance, null_, quantile_);
+    result.correctedTables = pooled.correctedTables;
+    if constexpr (Measure::onLogScale)
+        result.ratio = PooledRatio(result.effect);
+    return result;
+}
+
+template <class Pooling>
+MAPooledTables MATablePool<Pooling>::PoolAll()
+{
+    for (const Table& table : tables_)
+        Add(table);
+    const MAPooledEffect pooled = counts_.Effect();
+    const MATableEstimate estimate = Estimate(pooled);
+
+    MAPooledTables result;
+    result.model.effect = estimate.effect;
+    result.ratio = estimate.ratio;
+    result.correctedTables = estimate.correctedTables;
+    result.weights.reserve(tables_.size());
+    for (const Table& table : tables_) {
+        result.weights.push_back(counts_.Weight(table, correction_.Corrected(table), pooled.isCorrected));
+        result.leftOutTables += !counts_.Includes(table);
+    }
+    const std::size_t studyCount = tables_.size() - static_cast<std::size_t>(result.leftOutTables);
+    if (studyCount >= 2)
+        SetHeterogeneity(studyCount, result.model);
+    return result;
+}
+
+template <class Pooling>
+void MATablePool<Pooling>::SetHeterogeneity(std::size_t studyCount, MAPooledModel& model) const
+{
+    double q = 0.0;
+    for (const Table& table : tables_) {
+        if (!counts_.Includes(table))
+            continue;
+        const Table corrected = correction_.Corrected(table);
+        const double residual = EffectBy<Measure>(corrected).effect - model.effect.estimate;
+        q += 1.0 / Measure::Variance(corrected) * (residual * residual);
+    }
+    model.homogeneity = TestHomogeneity(q, studyCount);
+    model.heterogeneity = MeasureHeterogeneity(q, studyCount, quantile_);
+}
+
+template <class Pooling>
+std::vector<MATableEstimate> MATablePool<Pooling>::PoolPrefixes()
+{
+    std::vector<MATableEstimate> estimates;
+    estimates.reserve(tables_.size());
+    for (const Table& table : tables_) {
+        Add(table);
+        estimates.push_back(Estimate(counts_.Effect()));
+    }
+    return estimates;
+}
+
+} // namespace MA_NAMESPACE
