@@ -30,45 +30,36 @@ bool IsAdjusted(MAConst::KNAPPHADJTYPE adjustment, double residualDf, double tau
                                                                  : adjustment != MAConst::KNAPP_HARTUNG_NONE;
 }
 
+/// `residualSum()` is called only where the factor is made of it.
+template <class ResidualSumOfMeans>
+MAMeanTest MeanTest(double residualDf, MAConst::KNAPPHADJTYPE adjustment, double tau2,
+                    ResidualSumOfMeans residualSum)
+{
+    MAMeanTest test = {residualDf, IsAdjusted(adjustment, residualDf, tau2)};
+    if (test.isAdjusted && residualDf > 0.0)
+        test.factor = KnappHartungFactor(residualSum(), residualDf,
+                                         adjustment == MAConst::KNAPP_HARTUNG_TRUNCATED);
+    return test;
+}
+
 /// Student's t has k - 1 degrees of freedom under the adjustment of Knapp and Hartung: a single study has no
 /// test and no interval.
-MAEstimate InferMean(const MAEffects& studies, double tau2, const MAMeanTest& test, double alpha)
+MAEstimate InferMean(double mean, double weightSum, const MAMeanTest& test, double alpha)
 {
-    const MAWeightedMean sums = WeightedMean(studies, tau2);
-    const double mean = sums.Mean();
-    if (!test.isAdjusted)
-        return InferNormal(mean, sums.Variance(), 0.0, TwoSidedNormalQuantile(alpha));
-    return InferT(mean, test.factor / sums.weightSum, test.residualDf, alpha);
+    return test.isAdjusted ? InferT(mean, test.factor / weightSum, test.residualDf, alpha)
+                           : InferNormal(mean, 1.0 / weightSum, 0.0, TwoSidedNormalQuantile(alpha));
 }
 
 /// Effects that are all 0 have no variance under the adjustment, and no test: it would be of 0 / 0.
-MAEstimate PoolWithTau2(const MAEffects& studies, double tau2, const MAMeanTest& test, double alpha)
+void SetEffect(double mean, double weightSum, const MAMeanTest& test, double alpha, MAPooledModel& model)
 {
-    MAEstimate pooled = InferMean(studies, tau2, test, alpha);
-/// test and no interval. It has no residual either, and the factor 1. `residualSum()` is called only for that
-/// factor.
-template <class ResidualSumOfMean>
-MAEstimate InferMean(std::size_t count, double mean, double weightSum, const MARandomEffectsChoice& choice,
-                     ResidualSumOfMean residualSum)
-{
-    if (choice.knappHartung == MAConst::KNAPP_HARTUNG_NONE)
-        return InferNormal(mean, 1.0 / weightSum, 0.0, TwoSidedNormalQuantile(choice.alpha));
-    const double df = static_cast<double>(count) - 1.0;
-    const bool isTruncated = choice.knappHartung == MAConst::KNAPP_HARTUNG_TRUNCATED;
-    const double factor = count < 2 ? 1.0 : KnappHartungFactor(residualSum(), df, isTruncated);
-    return InferT(mean, factor / weightSum, df, choice.alpha);
-}
-
-template <class ResidualSumOfMean>
-MAEstimate PoolWithTau2(std::size_t count, double mean, double weightSum, const MARandomEffectsChoice& choice,
-                        ResidualSumOfMean residualSum)
-{
-    MAEstimate pooled = InferMean(count, mean, weightSum, choice, residualSum);
-    if (pooled.stdError == 0.0 && pooled.estimate == 0.0) {
-        pooled.statistic = KXMV::Missing();
-        pooled.pValue = MAPValue();
+    model.effect = InferMean(mean, weightSum, test, alpha);
+    if (test.isAdjusted)
+        model.testDf = test.residualDf;
+    if (model.effect.stdError == 0.0 && model.effect.estimate == 0.0) {
+        model.effect.statistic = KXMV::Missing();
+        model.effect.pValue = MAPValue();
     }
-    return pooled;
 }
 
 /// Infinite for the normal distribution, which Student's t then is; 0 or less where nothing can be predicted.
@@ -155,18 +146,15 @@ MAPooledModel PoolFixedEffect(const MAEffects& studies, const MAFixedEffectChoic
 
 MAMeanTest TestOfMeans(std::span<const MAEffects> groups, MAConst::KNAPPHADJTYPE adjustment, double tau2)
 {
-    MAMeanTest test;
+    double residualDf = 0.0;
     for (const MAEffects& group : groups)
-        test.residualDf += static_cast<double>(group.Count()) - 1.0;
-    test.isAdjusted = IsAdjusted(adjustment, test.residualDf, tau2);
-    if (!test.isAdjusted || !(test.residualDf > 0.0))
-        return test;
-    double residualSum = 0.0;
-    for (const MAEffects& group : groups)
-        residualSum += ResidualSum(group, WeightedMean(group, tau2).Mean(), tau2);
-    test.factor =
-        KnappHartungFactor(residualSum, test.residualDf, adjustment == MAConst::KNAPP_HARTUNG_TRUNCATED);
-    return test;
+        residualDf += static_cast<double>(group.Count()) - 1.0;
+    return MeanTest(residualDf, adjustment, tau2, [&] {
+        double residualSum = 0.0;
+        for (const MAEffects& group : groups)
+            residualSum += ResidualSum(group, WeightedMean(group, tau2).Mean(), tau2);
+        return residualSum;
+    });
 }
 
 MAPooledModel PoolAtTau2(const MAEffects& studies, const MARandomEffectsChoice& choice, double tau2,
@@ -174,9 +162,8 @@ MAPooledModel PoolAtTau2(const MAEffects& studies, const MARandomEffectsChoice& 
 {
     MAPooledModel model;
     model.tau2 = tau2;
-    model.effect = PoolWithTau2(studies, tau2, test, choice.alpha);
-    if (test.isAdjusted)
-        model.testDf = test.residualDf;
+    const MAWeightedMean sums = WeightedMean(studies, tau2);
+    SetEffect(sums.Mean(), sums.weightSum, test, choice.alpha, model);
     model.prediction = PredictEffect(model.effect, tau2, choice, test);
     if (studies.Count() >= 2)
         SetHeterogeneity(studies, model);
@@ -197,37 +184,19 @@ MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsC
     model.tau2Results.convergence = estimated.convergence;
     model.tau2Results.evaluations = estimated.evaluations;
     if (studies.Count() >= 2)
-    const MAWeightedMean sums = WeightedMean(studies, model.tau2);
-    const double mean = sums.Mean();
-    model.effect = PoolWithTau2(studies.Count(), mean, sums.weightSum, choice,
-                                [&] { return ResidualSum(studies, mean, model.tau2); });
-    model.prediction = PredictEffect(model.effect, model.tau2, choice, studies.Count());
-    if (studies.Count() >= 2) {
-        SetHeterogeneity(studies, model);
         SetTau2Results(studies, choice, model);
     return model;
 }
 
-/// The bounds of H² and I² are their values at those of tau².
-void BoundHeterogeneity(MAPooledModel& model)
-{
-    if (KXMV::IsMissing(model.tau2Results.lower) || KXMV::IsMissing(model.tau2Results.upper))
-        return;
-    const MAHeterogeneityMeasures lower =
-        HeterogeneityFromTau2(model.tau2Results.lower, model.typicalVariance);
-    const MAHeterogeneityMeasures upper =
-        HeterogeneityFromTau2(model.tau2Results.upper, model.typicalVariance);
-    model.heterogeneity.h2Lower = lower.h2;
-    model.heterogeneity.h2Upper = upper.h2;
-    model.heterogeneity.i2Lower = lower.i2;
-    model.heterogeneity.i2Upper = upper.i2;
 MAPooledModel RandomEffectsModel(const MARandomEffectsSums& sums, const MARandomEffectsChoice& choice)
 {
     MAPooledModel model;
     model.tau2 = sums.tau2.tau2;
     model.tau2Results.convergence = sums.tau2.convergence;
     model.tau2Results.evaluations = sums.tau2.evaluations;
-    model.effect = PoolWithTau2(sums.count, sums.mean, sums.weightSum, choice, [&] { return sums.residualSum; });
+    const MAMeanTest test = MeanTest(static_cast<double>(sums.count) - 1.0, choice.knappHartung, model.tau2,
+                                     [&] { return sums.residualSum; });
+    SetEffect(sums.mean, sums.weightSum, test, choice.alpha, model);
     model.homogeneity = TestHomogeneity(sums.q, sums.count);
     model.typicalVariance = model.homogeneity.df / sums.fixedTrace;
     model.heterogeneity = HeterogeneityFromTau2(model.tau2, model.typicalVariance);

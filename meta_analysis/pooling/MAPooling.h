@@ -6,7 +6,6 @@
 #include "meta_analysis/pooling/MATau2Estimate.h"
 
 #include <cstddef>
-
 #include <span>
 
 namespace MA_NAMESPACE {
@@ -34,6 +33,7 @@ MAPooledModel PoolAtTau2(const MAEffects& studies, const MARandomEffectsChoice& 
 
 /// Sets the bounds of H² and I² to their values at those of tau², where these are there.
 void BoundHeterogeneity(MAPooledModel& model);
+
 /// Sums over two studies or more, of which their random-effects model is made.
 struct MARandomEffectsSums
 {

@@ -76,7 +76,6 @@ KXStatus Describe(const MARegTask& task, MARegBuild& build)
         build.scale = KnappHartungScale(fit, settings.IsTruncAjustValue());
     if (task.use == MARegUse::Statistics)
         return KXStatus();
-    results.tests = TestCoefficients(fit, build.scale, UsesStudentT(settings));
     results.tests = TestCoefficients(fit, build.scale, UsesStudentT(settings, isAdjusted));
     const MAConst::TAU2ESTIMATOR estimator = EstimatorOf(settings);
     // A code that is no estimator has the curve of Q.
@@ -121,7 +120,6 @@ MARegBuild FitRandomEffects(const MARegTask& task)
         return build;
     if (task.use == MARegUse::Statistics)
         return build;
-    build.criticalValue = CriticalValue(*build.fit, UsesStudentT(task.Settings()));
     const bool isAdjusted = IsAdjusted(task.Settings(), build.fit->ResidualDf(), estimate.tau2);
     build.criticalValue = CriticalValue(*build.fit, UsesStudentT(task.Settings(), isAdjusted));
     return build;

@@ -231,6 +231,8 @@ enum INFLUENCERULE : int
     INFLUENCE_COOK = 4,
     INFLUENCE_HAT = 8,
     INFLUENCE_DFBETAS = 16 ///< of a meta-regression
+};
+
 /// How an effect size, or the mean and standard deviation of a group, came from what a study reports.
 enum CONVERSION : int
 {

@@ -118,7 +118,6 @@ public:
     int GetControlSuccessVarIndex() const { return controlSuccessIndex_; }
     void SetControlFailureIndex(int value) { controlFailureIndex_ = value; }
     int GetControlFailureVarIndex() const { return controlFailureIndex_; }
-    /// Ready-made effect size, on the analysis scale (the logarithm of a ratio) unless `SetInputIsRatio`.
     /// Events of one group, with its non-events or its size (a proportion; the non-events are used when both
     /// are given) or with its person-time (a rate).
     void SetEventsIndex(int value) { eventsIndex_ = value; }
@@ -143,7 +142,7 @@ public:
     int GetTreatmentTimeIndex() const { return treatmentTimeIndex_; }
     void SetControlTimeIndex(int value) { controlTimeIndex_ = value; }
     int GetControlTimeIndex() const { return controlTimeIndex_; }
-    /// Ready-made effect size, on the analysis scale (the logarithm of a ratio).
+    /// Ready-made effect size, on the analysis scale (the logarithm of a ratio) unless `SetInputIsRatio`.
     void SetInputEffectSizeIndex(int value) { inputEffectSizeIndex_ = value; }
     int GetInputEffectsizeIndex() const { return inputEffectSizeIndex_; }
     /// Its variance, used before its standard error, or what `MAInputSettings` has in place of them; a study

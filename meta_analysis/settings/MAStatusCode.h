@@ -24,13 +24,13 @@ constexpr int TAU2_FAILED = 460060; ///< between-study variance estimation faile
 constexpr int NO_USABLE_STUDY = 460073;   ///< but some unusable ones
 constexpr int NO_ANALYSED_STUDY = 460075; ///< for trim-and-fill
 constexpr int OUT_OF_MEMORY = 460099;     ///< memory ran out; the results hold what was stored before
-constexpr int ONE_CLUSTER = 460140;       ///< all usable studies are in one cluster: no robust variance
-constexpr int TOO_FEW_CLUSTERS = 460141;  ///< no more clusters than coefficients, for CR1 and CR0
 constexpr int HYPOTHESIS_UNUSABLE =
     460135; ///< not one finite weight a parameter, all weights 0, or not one value a hypothesis
 constexpr int HYPOTHESIS_ON_REDUNDANT = 460136; ///< a hypothesis has weight on a redundant parameter
 constexpr int HYPOTHESES_CONTRADICT = 460137;   ///< dependent hypotheses whose values cannot all hold
 constexpr int REFERENCE_LEVEL_ABSENT = 460138;  ///< no usable record has the reference level of a factor
+constexpr int ONE_CLUSTER = 460140;             ///< all usable studies are in one cluster: no robust variance
+constexpr int TOO_FEW_CLUSTERS = 460141;        ///< no more clusters than coefficients, for CR1 and CR0
 
 // Warnings.
 constexpr int UNUSABLE_RECORD = 460031;         ///< in a meta-regression
@@ -59,17 +59,17 @@ constexpr int NO_STUDY_IN_RUN = 460105;           ///< a run of which no study i
 constexpr int NO_ITERATION_ALLOWED = 460106;      ///< iteration limit below 1 for an iterative estimator
 constexpr int MODEL_TYPE_UNKNOWN = 460107;        ///< a model type outside the enumeration
 constexpr int TAU2_INTERVAL_UNAVAILABLE = 460108; ///< profile likelihood for an estimator other than ML, REML
-constexpr int CLUSTER_DECIDES =
-    460142; ///< one cluster alone determines a coefficient: no robust variance of it
-constexpr int PERMUTATIONS_LEFT_OUT = 460143;  ///< some permuted data had no test statistic
-constexpr int PREDICTION_UNAVAILABLE = 460139; ///< values for which the data determine no prediction
 constexpr int FEW_STUDIES_FOR_TEST = 460110;      ///< a small-study test of fewer than ten studies
 constexpr int COMMON_TAU2_IGNORED = 460111;       ///< asked for without subgroups under random effects
-
-constexpr int DELETION_UNDEFINED = 460145; ///< a model without one of the studies; its diagnostics are missing
-constexpr int INTERVAL_ASYMMETRIC = 460125;       ///< of a study's confidence interval about its estimate
+constexpr int COUNTS_NOT_POOLED = 460115; ///< Mantel-Haenszel weights in an analysis that cannot pool counts
+constexpr int INTERVAL_ASYMMETRIC = 460125; ///< of a study's confidence interval about its estimate
 constexpr int SUMMARY_SKEWED = 460126;   ///< medians and quantiles that were converted come from skewed data
 constexpr int STD_DEV_DOUBTFUL = 460127; ///< a standard deviation that looks like a standard error
-constexpr int COUNTS_NOT_POOLED = 460115; ///< Mantel-Haenszel weights in an analysis that cannot pool counts
+constexpr int PREDICTION_UNAVAILABLE = 460139; ///< values for which the data determine no prediction
+constexpr int CLUSTER_DECIDES =
+    460142; ///< one cluster alone determines a coefficient: no robust variance of it
+constexpr int PERMUTATIONS_LEFT_OUT = 460143; ///< some permuted data had no test statistic
+constexpr int DELETION_UNDEFINED =
+    460145; ///< a model without one of the studies; its diagnostics are missing
 
 } // namespace MA_NAMESPACE::MAStatusCode

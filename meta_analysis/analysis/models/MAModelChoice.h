@@ -28,9 +28,9 @@ struct MAModelChoice
     std::optional<MANaturalChoice> natural;
     bool poolsTables = false; ///< counts, by Mantel and Haenszel or Peto, not effects by inverse variance
     MATablePoolingChoice tables;
-    bool hasCommonTau2 = false; ///< of all subgroups, under random effects
     bool poolsRates = false; ///< whether the counts pooled are those of two groups' rates, not of 2x2 tables
     MARatePoolingChoice rates;
+    bool hasCommonTau2 = false; ///< of all subgroups, under random effects
 };
 
 /// The settings that an analysis copies when a run starts; the values of one that has not run.

@@ -53,16 +53,11 @@ MALeaveOneOut PoolEachRest(std::size_t count, PoolOthers pool, Proceed proceed)
 MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice)
 {
     const std::size_t count = studies.Count() < 2 ? 0 : studies.Count();
-    if (choice.poolsTables) {
-        ColumnButOne tables(studies.tables);
-        return PoolEachRest(
-            count, [&](std::size_t) { return PoolCounts(tables.Others(), choice).model; },
-            [&](std::size_t i) { tables.Proceed(i); });
-    }
     if (choice.poolsTables)
         return WithCounts(studies, choice, [count](const auto& counts, const auto& pooling) {
             ColumnButOne others(counts);
-                count, [&] { return PoolCounts(others.Others(), pooling).model; },
+            return PoolEachRest(
+                count, [&](std::size_t) { return PoolCounts(others.Others(), pooling).model; },
                 [&](std::size_t i) { others.Proceed(i); });
         });
     const MAModelChoice stepChoice = WithoutTau2Interval(choice);

@@ -24,10 +24,8 @@ void Compact(const std::vector<bool>& kept, std::vector<T>& column)
 void MAStudies::Keep(const std::vector<bool>& kept)
 {
     const auto compact = [&](auto&... columns) { (Compact(kept, columns), ...); };
-    compact(recordNumber, sampleSize, tables, means, effectConversions, groupConversions, effectSize,
-            variance, tests, ratios, groupValue, cumulativeValue);
-    compact(recordNumber, sampleSize, tables, means, rates, addedToCounts, effectSize, variance, tests,
-            ratios, groupValue, cumulativeValue);
+    compact(recordNumber, sampleSize, tables, means, rates, addedToCounts, effectConversions,
+            groupConversions, effectSize, variance, tests, ratios, groupValue, cumulativeValue);
     for (std::vector<double>& column : contrastCoefficients)
         Compact(kept, column);
     groupOutcomes.clear();
