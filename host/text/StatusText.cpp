@@ -97,6 +97,8 @@ constexpr StatusSentence SENTENCES[] = {
      "The model type is neither fixed nor random effects; it is taken as random effects."},
     {MAStatusCode::TAU2_INTERVAL_UNAVAILABLE,
      "There is a profile-likelihood interval for the ML and REML estimators only."},
+    {MAStatusCode::DELETION_UNDEFINED,
+     "There is no model without one of the studies: diagnostics of its influence are missing."},
 };
 
 } // namespace

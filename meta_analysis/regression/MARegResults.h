@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/inference/MAPValue.h"
+#include "meta_analysis/inference/MAStudyInfluence.h"
 #include "meta_analysis/platform/common/KXBitSet.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/regression/KXRegrParameter.h"
@@ -61,6 +62,7 @@ struct MARegResults
     double dispersion = 1.0;
     MAResidualHeterogeneity residual;
     double rSquare = 0.0;
+    MAInfluenceTable influence; ///< of the rows that the fit used
 };
 
 } // namespace MA_NAMESPACE

@@ -214,13 +214,35 @@ KXStatus MADesignMatrix::CacheRows()
     const KXStatus read = ReadRows();
     if (read.IsError())
         return read;
+    FinishRows();
+    return read;
+}
+
+void MADesignMatrix::FinishRows()
+{
     columns_ = std::make_unique<const MAOrthonormalColumns>(rows_, hasIntercept_,
                                                             settings_->GetComputationalTolerance());
     meanVariance_ = 0.0;
     for (const double variance : rows_.variances)
         meanVariance_ += variance / static_cast<double>(rows_.Count());
     rowsCached_ = true;
-    return read;
+}
+
+std::unique_ptr<MADesignMatrix> MADesignMatrix::Without(std::size_t row) const
+{
+    auto rest = std::make_unique<MADesignMatrix>(*settings_);
+    rest->paramSize_ = paramSize_;
+    rest->effects_ = effects_;
+    rest->hasIntercept_ = hasIntercept_;
+    rest->rows_ = rows_;
+    const auto position = static_cast<std::ptrdiff_t>(row);
+    const auto width = static_cast<std::ptrdiff_t>(rows_.columnCount + 1);
+    rest->rows_.cells.erase(rest->rows_.cells.begin() + position * width,
+                            rest->rows_.cells.begin() + (position + 1) * width);
+    rest->rows_.weights.erase(rest->rows_.weights.begin() + position);
+    rest->rows_.variances.erase(rest->rows_.variances.begin() + position);
+    rest->FinishRows();
+    return rest;
 }
 
 KXStatus MADesignMatrix::ReadRows()
