@@ -106,6 +106,8 @@ constexpr StatusSentence SENTENCES[] = {
     {MAStatusCode::STD_DEV_DOUBTFUL,
      "A standard deviation looks like a standard error: the standardised difference is beyond 3, and the "
      "other studies' standard deviations are five times as large or more."},
+    {MAStatusCode::DELETION_UNDEFINED,
+     "There is no model without one of the studies: diagnostics of its influence are missing."},
 };
 
 } // namespace

@@ -175,6 +175,28 @@ public:
     std::vector<double> GetLeaveOneOutChisquareQ() const;
     std::vector<double> GetLeaveOneOutI2Index() const;
 
+    /// Per study, when the settings ask for it: how much it decides. With μ the pooled effect and ' for
+    /// "without the study", (y - μ') / sqrt(v + tau²' + Var μ'); (μ - μ') / sqrt(h (v + tau²')) with the
+    /// leverage h; (μ - μ')² / Var μ; Var μ' / Var μ; tau²' (missing for fixed effects); Cochran's Q'; h = w
+    /// / sum(w); and 100 h. The adjustment after Knapp and Hartung scales none. Missing where there is no
+    /// model without the study. Viechtbauer and Cheung (2010), Research Synthesis Methods 1, 112-125.
+    std::vector<double> GetInfluenceStudentizedResidual() const;
+    std::vector<double> GetInfluenceDFFITS() const;
+    std::vector<double> GetInfluenceCookDistance() const;
+    std::vector<double> GetInfluenceCovarianceRatio() const;
+    std::vector<double> GetInfluenceTau2Deleted() const;
+    std::vector<double> GetInfluenceQDeleted() const;
+    std::vector<double> GetInfluenceHat() const;
+    std::vector<double> GetInfluenceWeight() const;
+    /// Per study: the sum of the rules (`MAConst::INFLUENCERULE`) by which it stands out; and the cut-off of
+    /// each rule, in their order.
+    std::vector<int> GetInfluenceRules() const;
+    std::vector<double> GetInfluenceCutoffs() const;
+    /// Baujat plot, per study: (y - μ)² / (v + tau²), its part in the heterogeneity, and (μ - μ')² / Var μ',
+    /// its influence. Baujat et al. (2002), Statistics in Medicine 21, 2641-2652.
+    std::vector<double> GetBaujatX() const;
+    std::vector<double> GetBaujatY() const;
+
     /// Trim-and-fill: number of imputed studies, their effect sizes and standard errors, and the model of
     /// all; missing when trim-and-fill did not run.
     int GetTFImputedN0() const;

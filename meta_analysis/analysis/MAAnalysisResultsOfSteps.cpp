@@ -1,4 +1,4 @@
-// Getters of the further analyses: subgroups, contrasts, cumulative analysis, leave-one-out and
+// Getters of the further analyses: subgroups, contrasts, cumulative analysis, leave-one-out, influence and
 // trim-and-fill.
 
 #include "meta_analysis/analysis/MAAnalysisResults.h"
@@ -197,6 +197,66 @@ std::vector<double> MAAnalysisResults::GetLeaveOneOutI2Index() const
 {
     return FieldOf(Results().leaveOneOut,
                    Nested(&MAPooledModel::heterogeneity, &MAHeterogeneityMeasures::i2));
+}
+
+std::vector<double> MAAnalysisResults::GetInfluenceStudentizedResidual() const
+{
+    return FieldOf(Results().influence.studies, &MAStudyInfluence::residual);
+}
+
+std::vector<double> MAAnalysisResults::GetInfluenceDFFITS() const
+{
+    return FieldOf(Results().influence.studies, &MAStudyInfluence::dffits);
+}
+
+std::vector<double> MAAnalysisResults::GetInfluenceCookDistance() const
+{
+    return FieldOf(Results().influence.studies, &MAStudyInfluence::cookDistance);
+}
+
+std::vector<double> MAAnalysisResults::GetInfluenceCovarianceRatio() const
+{
+    return FieldOf(Results().influence.studies, &MAStudyInfluence::covarianceRatio);
+}
+
+std::vector<double> MAAnalysisResults::GetInfluenceTau2Deleted() const
+{
+    return FieldOf(Results().influence.studies, &MAStudyInfluence::tau2Deleted);
+}
+
+std::vector<double> MAAnalysisResults::GetInfluenceQDeleted() const
+{
+    return FieldOf(Results().influence.studies, &MAStudyInfluence::qDeleted);
+}
+
+std::vector<double> MAAnalysisResults::GetInfluenceHat() const
+{
+    return FieldOf(Results().influence.studies, &MAStudyInfluence::hat);
+}
+
+std::vector<double> MAAnalysisResults::GetInfluenceWeight() const
+{
+    return FieldOf(Results().influence.studies, &MAStudyInfluence::weight);
+}
+
+std::vector<double> MAAnalysisResults::GetBaujatX() const
+{
+    return FieldOf(Results().influence.studies, &MAStudyInfluence::baujatX);
+}
+
+std::vector<double> MAAnalysisResults::GetBaujatY() const
+{
+    return FieldOf(Results().influence.studies, &MAStudyInfluence::baujatY);
+}
+
+std::vector<int> MAAnalysisResults::GetInfluenceRules() const
+{
+    return FieldOf(Results().influence.studies, &MAStudyInfluence::rules);
+}
+
+std::vector<double> MAAnalysisResults::GetInfluenceCutoffs() const
+{
+    return CopyOf(Results().influence.cutoffs);
 }
 
 int MAAnalysisResults::GetTFImputedN0() const

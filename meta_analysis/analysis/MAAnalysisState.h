@@ -11,6 +11,7 @@
 #include "meta_analysis/analysis/steps/MASubgroups.h"
 #include "meta_analysis/analysis/steps/MATrimAndFill.h"
 #include "meta_analysis/analysis/studies/MAReading.h"
+#include "meta_analysis/inference/MAStudyInfluence.h"
 
 #include <optional>
 #include <vector>
@@ -110,6 +111,7 @@ struct MAAnalysisState
     std::vector<int> contrastStatus; ///< of the contrasts of effect sizes, not of tables
     MACumulativeLists cumulative;
     std::vector<MAPooledModel> leaveOneOut; ///< of all studies but one, an entry per study
+    MAInfluenceTable influence;
     MATrimFillResults trimFill;
     MARunTest runTest;
     std::vector<MASmallStudyTest> tests;

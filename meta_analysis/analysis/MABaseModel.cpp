@@ -55,6 +55,8 @@ KXStatus MABaseModel::Run(MultiPassRecordIter& records, const KXVarList& variabl
         return status_;
     if (settings_->GetLeaveOneOut() && LeaveOneOut().IsError())
         return status_;
+    if (settings_->GetInfluence() && Influence().IsError())
+        return status_;
     if (settings_->GetRankTest() && RankTest().IsError())
         return status_;
     if (TestForSmallStudies(records, variables).IsError() || TrimAndFillInRun().IsError() ||

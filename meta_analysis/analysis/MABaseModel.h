@@ -88,6 +88,10 @@ public:
     /// Warning: FEW_STUDIES_FOR_TEST.
     KXStatus RankTest();
 
+    /// Deletion diagnostics of the studies under the model of the run; replaces those of an earlier call.
+    /// Returns a model's error. Warning: DELETION_UNDEFINED when there is no model without some study.
+    KXStatus Influence();
+
     /// Estimates how many studies are missing on one side of the funnel, mirrors as many extreme ones about
     /// the centre of the rest, and pools all (Duval and Tweedie 2000, Biometrics 56, 455-463). The per-model
     /// lists keep the overall model. Errors: NO_ANALYSED_STUDY, and those of the pooling classes. Warning:

@@ -4,6 +4,7 @@
 #include "meta_analysis/analysis/MAAnalysisState.h"
 #include "meta_analysis/analysis/MABaseModel.h"
 #include "meta_analysis/analysis/steps/MACumulative.h"
+#include "meta_analysis/analysis/steps/MAInfluence.h"
 #include "meta_analysis/analysis/steps/MALeaveOneOut.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/Memory.h"
@@ -159,7 +160,7 @@ KXStatus MABaseModel::TestContrastsOfTables()
     return status_;
 }
 
-// Leave-one-out
+// Leave-one-out, influence
 
 KXStatus MABaseModel::LeaveOneOut()
 {
@@ -169,6 +170,18 @@ KXStatus MABaseModel::LeaveOneOut()
         for (const MAPooledModel& model : result.models)
             WarnOfTau2(model);
         State().leaveOneOut = std::move(result.models);
+        return status_ = result.status;
+    });
+}
+
+KXStatus MABaseModel::Influence()
+{
+    return Guarded(status_, [this] {
+        MAInfluence result =
+            MeasureInfluence(Results().studies, PoolsTables() ? TableChoice() : EffectsChoice());
+        if (!result.table.isComplete)
+            AddWarning(MAStatusCode::DELETION_UNDEFINED);
+        State().influence = std::move(result.table);
         return status_ = result.status;
     });
 }

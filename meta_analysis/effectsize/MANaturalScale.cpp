@@ -142,4 +142,25 @@ double HarmonicSize(MAScale scale, std::span<const double> variances)
     return size.Mean();
 }
 
+/// From the studies before and those after each, because a difference of sums would lose digits.
+std::vector<double> HarmonicSizesWithoutEach(MAScale scale, std::span<const double> variances)
+{
+    std::vector<double> sizes(variances.size(), KXMV::Missing());
+    if (!DependsOnSize(scale))
+        return sizes;
+    std::vector<MAHarmonicSize> after(variances.size() + 1, MAHarmonicSize(scale));
+    for (std::size_t i = variances.size(); i-- > 0;) {
+        after[i] = after[i + 1];
+        after[i].Add(variances[i]);
+    }
+    MAHarmonicSize before(scale);
+    for (std::size_t i = 0; i < variances.size(); ++i) {
+        MAHarmonicSize others = before;
+        others.Add(after[i + 1]);
+        sizes[i] = others.Mean();
+        before.Add(variances[i]);
+    }
+    return sizes;
+}
+
 } // namespace MA_NAMESPACE

@@ -4,6 +4,7 @@
 #include "meta_analysis/settings/MAOutcomeMeasures.h"
 
 #include <span>
+#include <vector>
 
 namespace MA_NAMESPACE {
 
@@ -30,6 +31,11 @@ public:
         if (DependsOnSize(scale_))
             AddSizeOf(variance);
     }
+    void Add(const MAHarmonicSize& others)
+    {
+        count_ += others.count_;
+        inverseSum_ += others.inverseSum_;
+    }
     /// Missing without studies, when a variance is none of the scale, and when the scale needs no size.
     double Mean() const
     {
@@ -46,5 +52,8 @@ private:
 };
 
 double HarmonicSize(MAScale scale, std::span<const double> variances);
+
+/// The same without each of the studies in turn, missing where the scale needs no size.
+std::vector<double> HarmonicSizesWithoutEach(MAScale scale, std::span<const double> variances);
 
 } // namespace MA_NAMESPACE

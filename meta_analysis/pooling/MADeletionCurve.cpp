@@ -17,10 +17,10 @@ constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
 /// What a difference must keep of the number that it is taken from.
 constexpr double smallestShare = 1.0 / 32.0;
 
-/// Not so for a NaN.
+/// A NaN keeps nothing, and nothing keeps a share of infinity.
 bool Keeps(double difference, double from)
 {
-    return difference >= smallestShare * from;
+    return std::isfinite(from) && difference >= smallestShare * from;
 }
 
 double UnitOf(const MADeletionRows& rows)

@@ -265,4 +265,69 @@ int MARegOutputStats::GetPermutationExact() const
     return Get().permutation.isExact ? 1 : 0;
 }
 
+std::vector<double> MARegOutputStats::GetInfluenceStudentizedResidual() const
+{
+    return FieldOf(Get().influence.studies, &MAStudyInfluence::residual);
+}
+
+std::vector<double> MARegOutputStats::GetInfluenceDFFITS() const
+{
+    return FieldOf(Get().influence.studies, &MAStudyInfluence::dffits);
+}
+
+std::vector<double> MARegOutputStats::GetInfluenceCookDistance() const
+{
+    return FieldOf(Get().influence.studies, &MAStudyInfluence::cookDistance);
+}
+
+std::vector<double> MARegOutputStats::GetInfluenceCovarianceRatio() const
+{
+    return FieldOf(Get().influence.studies, &MAStudyInfluence::covarianceRatio);
+}
+
+std::vector<double> MARegOutputStats::GetInfluenceTau2Deleted() const
+{
+    return FieldOf(Get().influence.studies, &MAStudyInfluence::tau2Deleted);
+}
+
+std::vector<double> MARegOutputStats::GetInfluenceQDeleted() const
+{
+    return FieldOf(Get().influence.studies, &MAStudyInfluence::qDeleted);
+}
+
+std::vector<double> MARegOutputStats::GetInfluenceHat() const
+{
+    return FieldOf(Get().influence.studies, &MAStudyInfluence::hat);
+}
+
+std::vector<double> MARegOutputStats::GetInfluenceWeight() const
+{
+    return FieldOf(Get().influence.studies, &MAStudyInfluence::weight);
+}
+
+std::vector<double> MARegOutputStats::GetBaujatX() const
+{
+    return FieldOf(Get().influence.studies, &MAStudyInfluence::baujatX);
+}
+
+std::vector<double> MARegOutputStats::GetBaujatY() const
+{
+    return FieldOf(Get().influence.studies, &MAStudyInfluence::baujatY);
+}
+
+std::vector<int> MARegOutputStats::GetInfluenceRules() const
+{
+    return FieldOf(Get().influence.studies, &MAStudyInfluence::rules);
+}
+
+std::vector<double> MARegOutputStats::GetInfluenceCutoffs() const
+{
+    return CopyOf(Get().influence.cutoffs);
+}
+
+std::vector<std::vector<double>> MARegOutputStats::GetInfluenceDFBETAS() const
+{
+    return FieldOf(Get().influence.studies, &MAStudyInfluence::dfbetas);
+}
+
 } // namespace MA_NAMESPACE

@@ -154,6 +154,33 @@ public:
     std::vector<double> GetPredictedPILower() const;
     std::vector<double> GetPredictedPIUpper() const;
 
+    /// Per study used by the fit, in record order, when the settings ask for it: how much it decides. With b
+    /// the coefficients, V = (X'WX)⁻¹, f = x'b the fitted value, and ' for "without the study", (y - f') /
+    /// sqrt(v + tau²' + x'V'x); (f - f') / sqrt(h (v + tau²')); (b - b')'V⁻¹(b - b'); det V' / det V; tau²'
+    /// (missing for fixed effects); residual Q'; the leverage h; and the weight in percent of the sum. No
+    /// dispersion and no adjustment after Knapp and Hartung scales them. Missing where there is no model
+    /// without the study: a coefficient would be redundant, or no residual degree of freedom left.
+    /// Viechtbauer and Cheung (2010), Research Synthesis Methods 1, 112-125.
+    std::vector<double> GetInfluenceStudentizedResidual() const;
+    std::vector<double> GetInfluenceDFFITS() const;
+    std::vector<double> GetInfluenceCookDistance() const;
+    std::vector<double> GetInfluenceCovarianceRatio() const;
+    std::vector<double> GetInfluenceTau2Deleted() const;
+    std::vector<double> GetInfluenceQDeleted() const;
+    std::vector<double> GetInfluenceHat() const;
+    std::vector<double> GetInfluenceWeight() const;
+    /// A row a study, an entry a parameter: (b - b') over the standard error that b has with all studies at
+    /// tau²'; missing for a redundant parameter.
+    std::vector<std::vector<double>> GetInfluenceDFBETAS() const;
+    /// Per study: the sum of the rules (`MAConst::INFLUENCERULE`) by which it stands out; and the cut-off of
+    /// each rule, in their order.
+    std::vector<int> GetInfluenceRules() const;
+    std::vector<double> GetInfluenceCutoffs() const;
+    /// Baujat plot, per study: (y - f)² / (v + tau²), its part in the heterogeneity, and (f - f')² / x'V'x,
+    /// its influence. Baujat et al. (2002), Statistics in Medicine 21, 2641-2652.
+    std::vector<double> GetBaujatX() const;
+    std::vector<double> GetBaujatY() const;
+
 private:
     const MARegResults& Get() const noexcept;
 

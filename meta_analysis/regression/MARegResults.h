@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/inference/MAPValue.h"
+#include "meta_analysis/inference/MAStudyInfluence.h"
 #include "meta_analysis/platform/common/KXBitSet.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/regression/KXRegrParameter.h"
@@ -80,6 +81,7 @@ struct MARegResults
     std::vector<MAModelTest> effectTests;  ///< one per model effect
     std::vector<double> varianceInflation; ///< one per parameter
     std::vector<MAPredictedEffect> predictions;
+    MAInfluenceTable influence; ///< of the rows that the fit used
 };
 
 } // namespace MA_NAMESPACE

@@ -33,6 +33,12 @@ struct MAModelChoice
     bool hasCommonTau2 = false; ///< of all subgroups, under random effects
 };
 
+/// The scale of the analysis whose natural values the choice has; else `Natural`.
+inline MAScale ScaleOf(const MAModelChoice& choice)
+{
+    return choice.natural.has_value() ? choice.natural->scale : MAScale::Natural;
+}
+
 /// The settings that an analysis copies when a run starts; the values of one that has not run.
 struct MARunSettings
 {

@@ -12,11 +12,6 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-MAScale ScaleOf(const MAModelChoice& choice)
-{
-    return choice.natural.has_value() ? choice.natural->scale : MAScale::Natural;
-}
-
 MAPooledModel PoolOnAnalysisScale(const MAEffects& effects, const MAModelChoice& choice)
 {
     return choice.type == MAConst::MODEL_FIXED ? PoolFixedEffect(effects, choice.fixed)

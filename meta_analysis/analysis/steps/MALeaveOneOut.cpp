@@ -1,5 +1,6 @@
 #include "meta_analysis/analysis/steps/MALeaveOneOut.h"
 
+#include "meta_analysis/effectsize/MANaturalScale.h"
 #include "meta_analysis/pooling/MADeletedModels.h"
 
 #include <optional>
@@ -66,11 +67,15 @@ MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice
     std::optional<MADeletedModels> models;
     if (choice.type != MAConst::MODEL_FIXED && IsSearched(choice.random))
         models.emplace(MAEffects{studies.effectSize, studies.variance}, stepChoice.random);
+    const std::vector<double> sizes = HarmonicSizesWithoutEach(ScaleOf(choice), studies.variance);
     return PoolEachRest(
         count,
         [&](std::size_t i) {
-            const std::optional<MAPooledModel> found = models ? models->Without(i) : std::nullopt;
-            return found ? *found : PoolEffects({effectSizes.Others(), variances.Others()}, stepChoice);
+            std::optional<MAPooledModel> found = models ? models->Without(i) : std::nullopt;
+            if (!found)
+                return PoolEffects({effectSizes.Others(), variances.Others()}, stepChoice);
+            found->size = sizes[i];
+            return *found;
         },
         [&](std::size_t i) {
             effectSizes.Proceed(i);

@@ -233,17 +233,17 @@ KXStatus MADesignMatrix::CacheRows()
     const KXStatus read = ReadRows();
     if (read.IsError())
         return read;
-    OrthonormalizeRows();
+    FinishRows();
     return read;
 }
 
 void MADesignMatrix::SetRows(const MADesignRows& rows)
 {
     rows_ = rows;
-    OrthonormalizeRows();
+    FinishRows();
 }
 
-void MADesignMatrix::OrthonormalizeRows()
+void MADesignMatrix::FinishRows()
 {
     columns_ = std::make_unique<const MAOrthonormalColumns>(rows_, hasIntercept_,
                                                             settings_->GetComputationalTolerance());
@@ -251,6 +251,18 @@ void MADesignMatrix::OrthonormalizeRows()
     for (const double variance : rows_.variances)
         meanVariance_ += variance / static_cast<double>(rows_.Count());
     rowsCached_ = true;
+}
+
+std::unique_ptr<MADesignMatrix> MADesignMatrix::Without(std::size_t row) const
+{
+    auto rest = std::make_unique<MADesignMatrix>(*settings_);
+    rest->paramSize_ = paramSize_;
+    rest->effects_ = effects_;
+    rest->hasIntercept_ = hasIntercept_;
+    rest->rows_ = rows_;
+    rest->rows_.Erase(row);
+    rest->FinishRows();
+    return rest;
 }
 
 KXStatus MADesignMatrix::ReadRows()

@@ -82,6 +82,10 @@ public:
     /// Mean variance of the rows, once they are cached. Variances are judged negligible against it.
     double MeanVariance() const { return meanVariance_; }
 
+    /// The design of all rows but one, once they are cached: with the same effects and columns, of which
+    /// others may be redundant. It has no records.
+    std::unique_ptr<MADesignMatrix> Without(std::size_t row) const;
+
     const MARegSettings& GetSettings() const { return *settings_; }
     int GetParamSize() const { return paramSize_; }
     bool HasIntercept() const { return hasIntercept_; }
@@ -99,8 +103,8 @@ private:
     void CountLevels(const Record& record);
     void FixColumns();
     KXStatus ReadRows();
+    void FinishRows();
     bool CacheRow(const Record& record);
-    void OrthonormalizeRows();
     bool CodePredictors(const Record& record, double* row) const;
     void ApplyStudy(const Record& record, MADesignRow& row) const;
 

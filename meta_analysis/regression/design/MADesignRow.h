@@ -45,6 +45,17 @@ struct MADesignRows
     std::size_t Count() const { return weights.size(); }
     const double* Row(std::size_t i) const { return cells.data() + i * (columnCount + 1); }
     double Dependent(std::size_t i) const { return Row(i)[columnCount]; }
+
+    void Erase(std::size_t row)
+    {
+        const auto position = static_cast<std::ptrdiff_t>(row);
+        const auto width = static_cast<std::ptrdiff_t>(columnCount + 1);
+        cells.erase(cells.begin() + position * width, cells.begin() + (position + 1) * width);
+        weights.erase(weights.begin() + position);
+        variances.erase(variances.begin() + position);
+        if (!clusters.empty())
+            clusters.erase(clusters.begin() + position);
+    }
 };
 
 } // namespace MA_NAMESPACE
