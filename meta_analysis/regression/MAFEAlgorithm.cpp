@@ -53,8 +53,6 @@ void Describe(const MARegTask& task, MARegBuild& build)
     build.results.residual = HeterogeneityOf(fit);
     if (fit.ResidualDf() == 0)
         build.Passed(KXStatus(MAStatusCode::NO_RESIDUAL_DF, true));
-    if (settings.GetInfluence())
-        build.MeasureInfluence(task.design, false);
 }
 
 MARegBuild FitFixedEffects(const MARegTask& task)

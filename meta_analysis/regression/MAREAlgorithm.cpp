@@ -97,8 +97,6 @@ KXStatus Describe(const MARegTask& task, MARegBuild& build)
     if (results.residual.df == 0)
         build.Passed(KXStatus(MAStatusCode::NO_RESIDUAL_DF, true));
     results.rSquare = ExplainedPart(results.tau2, task.design);
-    if (settings.GetInfluence() && !build.MeasureInfluence(task.design, true))
-        return build.status;
     if (estimator != unknownEstimator && fit.ResidualDf() >= 1)
         InferTau2(curve, results.tau2,
                   {estimator, settings.GetTau2Interval(), AlphaOf(settings.GetConfidenceLevel()),

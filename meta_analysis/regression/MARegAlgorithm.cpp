@@ -1,11 +1,10 @@
 #include "meta_analysis/regression/MARegAlgorithm.h"
 
 #include "meta_analysis/platform/common/KXDisplay_940.h"
-#include "meta_analysis/regression/MAHypotheses.h"
 #include "meta_analysis/regression/MAPredictEffects.h"
 #include "meta_analysis/regression/MARegBuild.h"
 #include "meta_analysis/regression/MARegPlotRows.h"
-#include "meta_analysis/regression/MAVarianceInflation.h"
+#include "meta_analysis/regression/MARegWholeModel.h"
 #include "meta_analysis/settings/MASettingsWarnings.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/MAWarnings.h"
@@ -47,39 +46,6 @@ MARegrParameters ParametersOf(const MADesignMatrix& design, const std::vector<MA
     return parameters;
 }
 
-bool IsWhole(const MARegTask& task, const MARegBuild& build)
-{
-    return task.use == MARegUse::Model && !build.status.IsError();
-}
-
-void AddRobustTests(const MARegTask& task, MARegBuild& build)
-{
-    if (task.Settings().GetCluster() < 0 || !IsWhole(task, build))
-        return;
-    build.results.robust = TestRobustly(*build.fit);
-    build.Passed(build.results.robust.status);
-}
-
-void AddPermutationTests(const MARegTask& task, MARegFitFunction* fitModel, MARegBuild& build)
-{
-    if (task.Settings().GetPermutations() <= 0 || !IsWhole(task, build))
-        return;
-    build.results.permutation = TestByPermutation(task.design, fitModel);
-    build.Passed(build.results.permutation.status);
-}
-
-/// What follows from a fitted model beside its coefficients: hypotheses, tests of the effects, inflation.
-KXStatus TestModel(const MARegTask& task, bool isRandom, MARegBuild& build)
-{
-    const MARegSettings& settings = task.Settings();
-    const MARegFit& fit = *build.fit;
-    MATestedHypotheses tested = TestHypotheses(fit, build.scale, UsesStudentT(settings));
-    build.results.hypotheses = std::move(tested.tests);
-    build.results.effectTests = TestEffects(fit, build.scale, isRandom && settings.IsKnapHartAdjust());
-    build.results.varianceInflation = VarianceInflation(fit);
-    return tested.status;
-}
-
 } // namespace
 
 struct MARegAlgorithm::State
@@ -110,7 +76,6 @@ struct MARegAlgorithm::State
     KXStatus PrepareRows(MultiPassRecordIter& records);
     KXStatus Build(MultiPassRecordIter& records, bool isRandom, MARegBuild (*fitModel)(const MARegTask&));
     KXStatus PredictRecord(const Record& record, MARegPrediction& predicted) const;
-    void PredictGivenRecords(MARegBuild& build);
 
     const MARegSettings& settings; ///< the host's
     const KXStatus settingsStatus; ///< an error when they could not be used at construction
@@ -187,31 +152,17 @@ KXStatus MARegAlgorithm::State::Build(MultiPassRecordIter& records, bool isRando
         Passed(KXStatus(code, true));
     const MARegTask task = {*design, Use()};
     MARegBuild build = fitModel(task);
-    AddRobustTests(task, build);
-    AddPermutationTests(task, fitModel, build);
+    prediction = {build.scale, build.criticalValue, isRandom ? build.results.tau2 : KXMV::Missing()};
+    if (task.use == MARegUse::Model && !build.status.IsError())
+        CompleteModel(task, fitModel, isRandom, prediction, build);
     for (const KXStatus& warning : build.warnings)
         Passed(warning);
     if (!Passed(build.status))
         return status;
-    prediction = {build.scale, build.criticalValue, isRandom ? build.results.tau2 : KXMV::Missing()};
-    if (task.use == MARegUse::Model) {
-        if (!Passed(TestModel(task, isRandom, build)))
-            return status;
-        PredictGivenRecords(build);
-    }
     build.results.parameters = unfitted->parameters;
     results = std::make_shared<const MARegResults>(std::move(build.results));
     fit = std::move(build.fit);
     return status;
-}
-
-void MARegAlgorithm::State::PredictGivenRecords(MARegBuild& build)
-{
-    for (const Record& values : settings.GetPredictions()) {
-        build.results.predictions.push_back(PredictEffectOf(*build.fit, prediction, values));
-        if (KXMV::IsMissing(build.results.predictions.back().effect))
-            Passed(KXStatus(MAStatusCode::PREDICTION_UNAVAILABLE, true));
-    }
 }
 
 KXStatus MARegAlgorithm::State::PredictRecord(const Record& record, MARegPrediction& predicted) const

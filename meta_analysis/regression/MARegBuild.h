@@ -3,14 +3,11 @@
 #include "meta_analysis/inference/MAKnappHartung.h"
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/regression/MARegFit.h"
-#include "meta_analysis/regression/MARegInfluence.h"
 #include "meta_analysis/regression/MARegResults.h"
 #include "meta_analysis/regression/MARegTests.h"
-#include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/MAWarnings.h"
 
 #include <memory>
-#include <utility>
 #include <vector>
 
 namespace MA_NAMESPACE {
@@ -67,16 +64,6 @@ struct MARegBuild
     double criticalValue = 0.0; ///< of predictions
 
     bool Passed(const KXStatus& passed) { return RecordStatus(passed, status, warnings); }
-
-    /// Stores the deletion diagnostics of the fit. Warning `DELETION_UNDEFINED`.
-    bool MeasureInfluence(const MADesignMatrix& design, bool isRandom)
-    {
-        MARegInfluence measured = MA_NAMESPACE::MeasureInfluence(design, isRandom, results.tau2);
-        if (!measured.table.isComplete)
-            Passed(KXStatus(MAStatusCode::DELETION_UNDEFINED, true));
-        results.influence = std::move(measured.table);
-        return Passed(measured.status);
-    }
 
     /// Fits, and stores the coefficients.
     bool Fit(const MADesignMatrix& design, MAWeightMode mode, double tau2)
