@@ -97,6 +97,12 @@ constexpr StatusSentence SENTENCES[] = {
      "The model type is neither fixed nor random effects; it is taken as random effects."},
     {MAStatusCode::TAU2_INTERVAL_UNAVAILABLE,
      "There is a profile-likelihood interval for the ML and REML estimators only."},
+    {MAStatusCode::FEW_STUDIES_FOR_TEST,
+     "A test for small-study effects, of all studies or of a group, has fewer than ten studies: too few to "
+     "tell a real asymmetry from chance (Sterne et al. 2011, BMJ 343, d4002)."},
+    {MAStatusCode::COMMON_TAU2_IGNORED,
+     "A common between-study variance was asked for without subgroups under random effects, or for a "
+     "cumulative analysis; it has no effect."},
 };
 
 } // namespace
