@@ -2,6 +2,8 @@
 #include "host/text/NumberText.h"
 #include "host/text/Wording.h"
 
+#include <fmt/format.h>
+
 #include <algorithm>
 
 using namespace MA_NAMESPACE;
@@ -31,7 +33,7 @@ ReportSection MeansTestSection(const AnalysisData& data)
     const MABaseModel& base = data.base;
     ReportSection section = {"Test of the groups' means after Knapp and Hartung", {}, {}};
     section.table.push_back({"F", {NumberText(base.GetGDQbF())}});
-    section.table.push_back({"df", {NumberText(base.GetGDQbFDf1())}});
+    section.table.push_back({"df", {fmt::format("{:g}", base.GetGDQbFDf1())}});
     section.table.push_back({"residual df", {NumberText(base.GetGDQbFDf2())}});
     section.table.push_back({"p", {PValueText(base.GetGDQbFSig())}});
     section.sentences.emplace_back(data.settings.GetCommonTau2()
