@@ -69,6 +69,24 @@ void Subgroups(benchmark::State& state)
 }
 BENCHMARK(Subgroups)->Arg(100000)->Unit(benchmark::kMillisecond);
 
+void SubgroupsWithCommonTau2(benchmark::State& state)
+{
+    MAModelSettings settings = ReadyMadeSettings(MAConst::MODEL_RANDOM);
+    settings.SetSubGroupIndex(GROUP);
+    settings.SetCommonTau2(true);
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    TimeRuns(state, settings);
+}
+BENCHMARK(SubgroupsWithCommonTau2)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+void RankTest(benchmark::State& state)
+{
+    MAModelSettings settings = ReadyMadeSettings(MAConst::MODEL_FIXED);
+    settings.SetRankTest(true);
+    TimeRuns(state, settings);
+}
+BENCHMARK(RankTest)->Arg(100000)->Unit(benchmark::kMillisecond);
+
 void TrimAndFill(benchmark::State& state)
 {
     MAModelSettings settings = ReadyMadeSettings(MAConst::MODEL_RANDOM);

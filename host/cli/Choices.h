@@ -52,6 +52,7 @@ inline constexpr std::array KNAPP_HARTUNG_CHOICES{
     Choice{"none", MAConst::KNAPP_HARTUNG_NONE},
     Choice{"adjusted", MAConst::KNAPP_HARTUNG_ADJUSTED},
     Choice{"truncated", MAConst::KNAPP_HARTUNG_TRUNCATED},
+    Choice{"if-heterogeneous", MAConst::KNAPP_HARTUNG_IF_HETEROGENEOUS},
 };
 static_assert(HasEachEnumerator<KNAPP_HARTUNG_CHOICES>());
 

@@ -1,5 +1,8 @@
 #include "host/cli/OptionKinds.h"
 
+#include <algorithm>
+#include <utility>
+
 namespace host {
 
 using Json = nlohmann::ordered_json;
@@ -41,6 +44,18 @@ OptionDefinition Required(OptionDefinition option)
 OptionDefinition ThisOrNext(OptionDefinition option)
 {
     option.need = OptionDefinition::Need::THIS_OR_NEXT;
+    return option;
+}
+
+OptionDefinition AlsoTaking(const std::vector<OtherWord>& words, OptionDefinition option)
+{
+    for (const OtherWord& other : words)
+        option.help += fmt::format("; {} is {}", other.word, other.meaning);
+    option.store = [store = std::move(option.store), words](const std::string& text) {
+        const auto found = std::find_if(words.begin(), words.end(),
+                                        [&](const OtherWord& other) { return other.word == text; });
+        store(found == words.end() ? text : found->meaning);
+    };
     return option;
 }
 

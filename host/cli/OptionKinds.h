@@ -49,6 +49,16 @@ OptionDefinition Required(OptionDefinition option);
 /// Exactly one of this option and those declared behind it, up to the first without this mark.
 OptionDefinition ThisOrNext(OptionDefinition option);
 
+/// Another word for an argument of an option.
+struct OtherWord
+{
+    std::string word;
+    std::string meaning;
+};
+
+/// The option, which takes these words as well.
+OptionDefinition AlsoTaking(const std::vector<OtherWord>& words, OptionDefinition option);
+
 // Options stored in a settings object of the library, which has a getter and a setter for each.
 
 /// An option whose argument names a row of a table of choices.

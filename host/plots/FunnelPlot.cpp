@@ -80,6 +80,9 @@ private:
     std::vector<Point> Imputed() const;
     std::vector<Point> Mirrored(std::vector<Point> line) const;
     bool HasContours() const;
+    bool HasTrend() const;
+    Point TrendAt(double stdError) const;
+    std::vector<Layer> Trend(const Picture& picture) const;
     void SetAxes(Picture& picture) const;
     std::vector<Layer> Contours(const Picture& picture) const;
     std::vector<Point> InsignificantRegion(const Picture& picture, double slope) const;
@@ -136,6 +139,33 @@ bool Funnel::HasContours() const
     return type_ == MAConst::FUNNEL_STD_ERROR && plot_.row < base_.GetFunnelContourX().size();
 }
 
+/// The regression of the test asked for is a line over the standard error.
+bool Funnel::HasTrend() const
+{
+    return plot_.row == 0 && type_ == MAConst::FUNNEL_STD_ERROR && data_.analysis.testStatus &&
+           !data_.analysis.HasFailedTest() && IsNumber(base_.GetRegBasedTestLimit());
+}
+
+Point Funnel::TrendAt(double stdError) const
+{
+    return {base_.GetRegBasedTestLimit() + base_.GetRegBasedTestCoef() * stdError, stdError};
+}
+
+/// The line of the test, its end at standard error 0, and the interval of that.
+std::vector<Layer> Funnel::Trend(const Picture& picture) const
+{
+    const Point limit = TrendAt(0);
+    return {LineBetween(limit, TrendAt(picture.y.first), Layer::Kind::DOTTED_LINE, color::POOLED,
+                        "Regression of the small-study test"),
+            {Layer::Kind::LINE,
+             color::POOLED,
+             {{{base_.GetRegBasedTestLimitCILower(), 0}, {base_.GetRegBasedTestLimitCIUpper(), 0}}},
+             {},
+             3},
+            Dots({limit}, Layer::Kind::SQUARES, color::POOLED,
+                 fmt::format("Effect at standard error 0, {} CI", data_.level))};
+}
+
 void Funnel::SetAxes(Picture& picture) const
 {
     Extent x;
@@ -147,6 +177,9 @@ void Funnel::SetAxes(Picture& picture) const
     x.Cover(center_);
     if (HasContours())
         x.Cover(0);
+    if (HasTrend())
+        x.Cover({base_.GetRegBasedTestLimit(), base_.GetRegBasedTestLimitCILower(),
+                 base_.GetRegBasedTestLimitCIUpper(), TrendAt(y.Last()).x});
     const bool pointsDown = type_ == MAConst::FUNNEL_STD_ERROR || type_ == MAConst::FUNNEL_VARIANCE;
     x.Pad(0.04);
     y.Pad(0.05);
@@ -223,10 +256,14 @@ Picture Funnel::Draw() const
     if (!imputed_.empty())
         picture.layers.push_back(Dots(imputed_, Layer::Kind::RINGS, color::INK, "Imputed study"));
     picture.layers.push_back(StudyDots(studies_));
+    if (HasTrend())
+        for (Layer& layer : Trend(picture))
+            picture.layers.push_back(std::move(layer));
     picture.description =
-        fmt::format("{}: {} by {} and {}{}; the pooled effect and its {} limits form a funnel.",
+        fmt::format("{}: {} by {} and {}{}; the pooled effect and its {} limits form a funnel{}.",
                     picture.title, CountOfStudies(studies_.size()), data_.measure.name, VerticalTitle(type_),
-                    imputed_.empty() ? "" : fmt::format(", and {} imputed", imputed_.size()), data_.level);
+                    imputed_.empty() ? "" : fmt::format(", and {} imputed", imputed_.size()), data_.level,
+                    HasTrend() ? "; the line of the small-study test ends at standard error 0" : "");
     return Finished(std::move(picture));
 }
 

@@ -68,9 +68,10 @@ std::vector<Picture> LabbePictures(const AnalysisData& data)
     std::erase_if(plots, [&](const PlotOfGroup& plot) {
         return plot.number > 0 && data.base.GetUniGroup()[plot.row] == OVERALL_GROUP;
     });
-    for (PlotOfGroup& plot : plots) {
-        plot.row = pictures.size();
-        pictures.push_back(LabbePlot(data, *model, plot));
+    for (std::size_t row = 0; row < plots.size(); ++row) {
+        plots[row].row = row;
+        if (IsWorthAPicture(data, plots[row]))
+            pictures.push_back(LabbePlot(data, *model, plots[row]));
     }
     return pictures;
 }

@@ -13,7 +13,8 @@ using PictureMaker = std::vector<Picture>(const AnalysisData& data);
 /// The forest plot, and that of the cumulative analysis if there is one.
 PictureMaker ForestPictures;
 
-/// Funnel plots of all studies, with the imputed ones of trim-and-fill, and of each group.
+/// Funnel plots of all studies, with the imputed ones of trim-and-fill and the line of the small-study test,
+/// and of each group.
 PictureMaker FunnelPictures;
 
 /// Galbraith plots of all studies and of each group.

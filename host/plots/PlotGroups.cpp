@@ -25,11 +25,17 @@ PlotOfGroup AllStudies(const AnalysisData& data)
 
 } // namespace
 
+bool IsWorthAPicture(const AnalysisData& data, const PlotOfGroup& plot)
+{
+    return plot.number == 0 || data.base.GetGroupN()[plot.number - 1] > 1;
+}
+
 std::vector<PlotOfGroup> AllAndGroups(const AnalysisData& data, std::size_t rowCount)
 {
     if (rowCount <= data.groupLabels.size())
         return {};
     std::vector<PlotOfGroup> plots = Groups(data, 1);
+    std::erase_if(plots, [&](const PlotOfGroup& plot) { return !IsWorthAPicture(data, plot); });
     plots.insert(plots.begin(), AllStudies(data));
     return plots;
 }

@@ -17,7 +17,10 @@ struct PlotOfGroup
     std::size_t number; ///< of the group, from 1
 };
 
-/// All studies, then each group; empty without coordinates.
+/// Whether there is something to see: a single study has nothing to be compared with.
+bool IsWorthAPicture(const AnalysisData& data, const PlotOfGroup& plot);
+
+/// All studies, then each group of more than one; empty without coordinates.
 std::vector<PlotOfGroup> AllAndGroups(const AnalysisData& data, std::size_t rowCount);
 /// Each group, or all studies where there are no groups.
 std::vector<PlotOfGroup> GroupsOrAll(const AnalysisData& data);

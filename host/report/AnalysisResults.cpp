@@ -71,6 +71,7 @@ void AddModels(Json& results, const MABaseModel& model)
     ADD_RESULT(EstZVal);
     ADD_RESULT(EstSig);
     ADD_RESULT(EstLog10Sig);
+    ADD_RESULT(EstDf);
     ADD_RESULT(EstCILower);
     ADD_RESULT(EstCIUpper);
     ADD_RESULT(PILower);
@@ -103,6 +104,11 @@ void AddGroups(Json& results, const MABaseModel& model)
     ADD_RESULT(GDQbDf);
     ADD_RESULT(GDQbSig);
     ADD_RESULT(GDQbLog10Sig);
+    ADD_RESULT(GDQbF);
+    ADD_RESULT(GDQbFDf1);
+    ADD_RESULT(GDQbFDf2);
+    ADD_RESULT(GDQbFSig);
+    ADD_RESULT(GDQbFLog10Sig);
 }
 
 void AddContrastsAndCumulative(Json& results, const MABaseModel& model)
@@ -163,6 +169,12 @@ void AddSmallStudyTest(Json& results, const MABaseModel& model)
     ADD_RESULT(RegBasedTestDf);
     ADD_RESULT(RegBasedTestCILower);
     ADD_RESULT(RegBasedTestCIUpper);
+    ADD_RESULT(RegBasedTestLimit);
+    ADD_RESULT(RegBasedTestLimitCILower);
+    ADD_RESULT(RegBasedTestLimitCIUpper);
+    ADD_RESULT(RankTestTau);
+    ADD_RESULT(RankTestSig);
+    ADD_RESULT(RankTestExactSig);
     ADD_RESULT(IfRegrTestPassFlag);
     ADD_RESULT(RegrTestCoefficient);
     ADD_RESULT(RegrTestBetaStandErr);
@@ -227,6 +239,9 @@ void AddOwnResults(Json& results, const MABinModel& model)
     ADD_RESULT(OverallTFExpEffectSize);
     ADD_RESULT(OverallTFExpCILower);
     ADD_RESULT(OverallTFExpCIUpper);
+    ADD_RESULT(RegBasedTestExpLimit);
+    ADD_RESULT(RegBasedTestExpLimitCILower);
+    ADD_RESULT(RegBasedTestExpLimitCIUpper);
     ADD_RESULT(LabbePlotX);
     ADD_RESULT(LabbePlotY);
     ADD_RESULT(LabbePlotW);

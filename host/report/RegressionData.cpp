@@ -15,6 +15,12 @@ RegressionData::RegressionData(const Options& ofOptions, const RegressionRequest
       decimals(DecimalsFor(output.GetBetaStandErr()))
 {}
 
+bool RegressionData::IsAdjusted() const
+{
+    return request.settings.IsKnapHartAdjust() &&
+           (!request.settings.IsKnapHartIfHeterogeneous() || output.GetFDf2() > 0);
+}
+
 ReportColumn RegressionData::EffectColumn(const char* header, const std::vector<double>& values) const
 {
     return {header, TextsOf(values, [this](double value) { return FixedText(value, decimals); })};

@@ -26,6 +26,9 @@ struct RegressionData
     std::string level; ///< "95%"
     int decimals;      ///< of effects and standard errors
 
+    /// Whether the model is adjusted after Knapp and Hartung; only then are there degrees of freedom of F
+    /// where that goes by heterogeneity.
+    bool IsAdjusted() const;
     ReportColumn EffectColumn(const char* header, const std::vector<double>& values) const;
 };
 

@@ -88,6 +88,12 @@ std::string PValueText(double p)
     return p >= 0 && p < 1e-4 ? "< 0.0001" : FixedText(p, LEAST_DECIMALS);
 }
 
+std::string EqualsText(double p)
+{
+    const std::string text = PValueText(p);
+    return text.front() == '<' ? text : "= " + text;
+}
+
 std::string PercentText(double fraction, int decimals)
 {
     return IsNumber(fraction) ? FixedText(100 * fraction, decimals) + '%' : NO_VALUE;

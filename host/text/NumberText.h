@@ -25,6 +25,9 @@ std::string NumberText(double value);
 /// A probability with four decimals, or "< 0.0001". A p-value that underflowed is not shown as 0.
 std::string PValueText(double p);
 
+/// A p-value behind its symbol: "= 0.0425" or "< 0.0001".
+std::string EqualsText(double p);
+
 /// A fraction as "12.3%".
 std::string PercentText(double fraction, int decimals);
 

@@ -108,6 +108,12 @@ constexpr StatusSentence SENTENCES[] = {
      "other studies' standard deviations are five times as large or more."},
     {MAStatusCode::DELETION_UNDEFINED,
      "There is no model without one of the studies: diagnostics of its influence are missing."},
+    {MAStatusCode::FEW_STUDIES_FOR_TEST,
+     "A test for small-study effects, of all studies or of a group, has fewer than ten studies: too few to "
+     "tell a real asymmetry from chance (Sterne et al. 2011, BMJ 343, d4002)."},
+    {MAStatusCode::COMMON_TAU2_IGNORED,
+     "A common between-study variance was asked for without subgroups under random effects, or for a "
+     "cumulative analysis; it has no effect."},
 };
 
 } // namespace

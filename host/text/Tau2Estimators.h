@@ -31,6 +31,9 @@ inline constexpr std::array TAU2_ESTIMATORS{
 };
 static_assert(HasEachEnumerator<TAU2_ESTIMATORS>());
 
+/// The name of Paule and Mandel's estimator, which is empirical Bayes.
+inline constexpr const char* PAULE_MANDEL = "pm";
+
 /// The names of the estimators with a property, each behind `prefix`: "reml, ml and eb".
 std::string NamesOfEstimators(bool (*hasProperty)(MAConst::TAU2ESTIMATOR), std::string_view prefix = {});
 

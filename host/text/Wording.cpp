@@ -22,6 +22,8 @@ std::string WordingOf(MAConst::KNAPPHADJTYPE adjustment)
         return ", Knapp-Hartung adjustment";
     case MAConst::KNAPP_HARTUNG_TRUNCATED:
         return ", truncated Knapp-Hartung adjustment";
+    case MAConst::KNAPP_HARTUNG_IF_HETEROGENEOUS:
+        return ", Knapp-Hartung adjustment if heterogeneous";
     }
     return {};
 }
@@ -57,8 +59,18 @@ bool PoolsTables(const MAModelSettings& settings)
 
 std::string WordingOfStatistic(const MAModelSettings& settings)
 {
-    const bool isT = IsRandom(settings) && settings.GetKnapHartAdjustType() != MAConst::KNAPP_HARTUNG_NONE;
-    return isT ? "t" : "z";
+    if (!IsRandom(settings))
+        return "z";
+    switch (settings.GetKnapHartAdjustType()) {
+    case MAConst::KNAPP_HARTUNG_NONE:
+        return "z";
+    case MAConst::KNAPP_HARTUNG_ADJUSTED:
+    case MAConst::KNAPP_HARTUNG_TRUNCATED:
+        return "t";
+    case MAConst::KNAPP_HARTUNG_IF_HETEROGENEOUS:
+        return "t or z";
+    }
+    return {};
 }
 
 /// Trim-and-fill always pools by inverse variance.

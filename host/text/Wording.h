@@ -17,7 +17,7 @@ std::string WordingOfModel(const MA_NAMESPACE::MAModelSettings& settings);
 /// Whether the fixed-effect model pools the tables themselves, after Mantel and Haenszel or Peto.
 bool PoolsTables(const MA_NAMESPACE::MAModelSettings& settings);
 
-/// The symbol of the pooled effect's test statistic.
+/// The symbol of the pooled effect's test statistic: "t", "z", or "t or z" where that goes by heterogeneity.
 std::string WordingOfStatistic(const MA_NAMESPACE::MAModelSettings& settings);
 
 /// The pooling model with its method during trimming.

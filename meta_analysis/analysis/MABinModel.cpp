@@ -335,6 +335,21 @@ double MABinModel::GetOverallTFExpCIUpper() const
     return HasFilledRatio() ? RatioOf(GetOverallTFCIUpper()) : KXMV::Missing();
 }
 
+double MABinModel::GetRegBasedTestExpLimit() const
+{
+    return HasRatios() ? RatioOf(GetRegBasedTestLimit()) : KXMV::Missing();
+}
+
+double MABinModel::GetRegBasedTestExpLimitCILower() const
+{
+    return HasRatios() ? RatioOf(GetRegBasedTestLimitCILower()) : KXMV::Missing();
+}
+
+double MABinModel::GetRegBasedTestExpLimitCIUpper() const
+{
+    return HasRatios() ? RatioOf(GetRegBasedTestLimitCIUpper()) : KXMV::Missing();
+}
+
 std::vector<double> MABinModel::GetLeaveOneOutExpEffectSize() const
 {
     return HasRatios() ? Exponentiated(GetLeaveOneOutEffectSize()) : std::vector<double>();

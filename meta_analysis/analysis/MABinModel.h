@@ -118,6 +118,11 @@ public:
     double GetOverallTFExpCILower() const;
     double GetOverallTFExpCIUpper() const;
 
+    /// The effect at standard error 0 on the ratio scale; missing as there, and for risk differences.
+    double GetRegBasedTestExpLimit() const;
+    double GetRegBasedTestExpLimitCILower() const;
+    double GetRegBasedTestExpLimitCIUpper() const;
+
     /// The models of all studies but one on the ratio scale; empty for risk differences.
     std::vector<double> GetLeaveOneOutExpEffectSize() const;
     std::vector<double> GetLeaveOneOutExpCILower() const;

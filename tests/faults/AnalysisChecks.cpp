@@ -45,6 +45,7 @@ Outcome OutcomeOf(const AnalysisCase& made, int runs = 1)
 const Names companions[] = {
     {"GetEffectSize", "GetVariance", "GetStdError", "GetZVal", "GetSig", "GetNonMissingStudyID"},
     {"GetEstEffectSize", "GetEstStdError", "GetEstZVal", "GetEstSig"},
+    {"GetEstDf", "GetHomoTestdf"},
     {"GetHomoTestChisquareQ", "GetHomoTestdf", "GetHomoTestSig", "GetPILower", "GetPIUpper"},
     {"GetHomoTestChisquareQ", "GetTau2CILower", "GetTau2CIUpper", "GetTau2Convergence", "GetAIC"},
     {"GetContrastEstES", "GetContrastEstStdError", "GetContrastEstZVal", "GetContrastEstSig"},
@@ -79,6 +80,7 @@ const std::array<const char*, 3> intervals[] = {
     {"GetOverallTFCILower", "GetOverallTFEffectSize", "GetOverallTFCIUpper"},
     {"GetBubbleCILower", "GetBubblePredVals", "GetBubbleCIUpper"},
     {"GetRegBasedTestCILower", "GetRegBasedTestCoef", "GetRegBasedTestCIUpper"},
+    {"GetRegBasedTestLimitCILower", "GetRegBasedTestLimit", "GetRegBasedTestLimitCIUpper"},
 };
 
 using Positions = std::vector<std::size_t>;
@@ -302,6 +304,7 @@ void CheckShapesAndRanges(const Expectations& expect)
     expect.Between({"GetI2Index", "GetI2CILower", "GetI2CIUpper", "GetNormalizedWeight", "GetPIProbability"},
                    0.0, 1.0);
     expect.Between({"GetBubbleW"}, 0.0, 100.0);
+    expect.Between({"GetRankTestTau"}, -1.0 - 1e-15, 1.0 + 1e-15); // a quotient of roots
 }
 
 void CheckAnalysis(const AnalysisCase& made)

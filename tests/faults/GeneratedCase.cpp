@@ -234,6 +234,10 @@ AnalysisCase::AnalysisCase(ByteStream& bytes)
     settings.SetTau2Search(values.Enumerator<TAU2SEARCH>(2));
     settings.SetPrediction(values.Enumerator<PREDICTIONTYPE>(3));
     settings.SetProbabilityAbove(values.Positive());
+    settings.SetRankTest(true);
+    settings.SetCommonTau2(values.Flag());
+    if (bytes.Below(4) == 3)
+        settings.SetKnapHartAdjustType(KNAPP_HARTUNG_IF_HETEROGENEOUS);
 }
 
 RegressionCase::RegressionCase(ByteStream& bytes) : isTame(!bytes.OneIn(2)), isRandom(bytes.OneIn(2))

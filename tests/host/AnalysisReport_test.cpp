@@ -106,6 +106,9 @@ TEST(AnalysisReport, ExplainsSmallStudyEffectsWithoutAClaim)
         {Effects("passive_smoking.csv") + "--small-study-test 0 --subgroup country",
          "Small-study test [^\n]*\n[^\n]*\nChina +1.88.*\nGermany +- .*larger values of d "},
         {Bcg() + "--small-study-test 3 --test-intercept off", "Without intercept"},
+        {Bcg() + "--preset cochrane --subgroup allocation --common-tau2 --tau2 dl --rank-test",
+         "Preset\ncochrane [^\n]*--tau2 dl \\(in place of reml\\).* t with 10 degrees of freedom.*share one "
+         "tau².*F +df +residual df +p\n[0-9.]+ +2 +10.*Kendall's tau +p \\(normal\\) +p \\(exact\\)"},
     });
 }
 

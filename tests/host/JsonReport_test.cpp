@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <map>
 #include <regex>
 
 using namespace MA_NAMESPACE;
@@ -113,6 +114,24 @@ TEST(JsonReport, OptionsWinOverThePreset)
                   (json{"library", "scoring", "none", "normal", -1.5}));
     }
     EXPECT_EQ(RunProgram(effects + "--model fixed --preset library").exitStatus, 0);
+}
+
+TEST(JsonReport, SettingsShowWhatPresetsAndOtherWordsMean)
+{
+    const std::map<std::string, Texts> meanings = {
+        {"--preset cochrane", {"reml", "if-heterogeneous", "q-profile", "auto", "null"}},
+        {"--preset iqwig", {"eb", "truncated", "q-profile", "auto", "null"}},
+        {"--preset cochrane --tau2 pm --knapp-hartung none", {"eb", "none", "q-profile", "auto", "null"}},
+        {"--preset iqwig --model fixed", {"reml", "none", "q-profile", "auto", "null"}},
+        {"--trim-fill run --side right --small-study-test peters", {"reml", "none", "q-profile", "2", "3"}}};
+    for (const auto& [options, expected] : meanings) {
+        const json settings = JsonOf(Bcg() + options)["settings"];
+        Texts actual;
+        for (const char* const name : {"tau2", "knapp-hartung", "tau2-interval", "side", "small-study-test"})
+            actual.push_back(settings[name].is_string() ? settings[name].get<std::string>()
+                                                        : settings[name].dump());
+        EXPECT_EQ(actual, expected) << options;
+    }
 }
 
 } // namespace

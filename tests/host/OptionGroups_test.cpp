@@ -17,8 +17,6 @@ using Values = std::map<std::string, Json>;
 std::string ArgumentOf(const OptionDefinition& option)
 {
     const std::map<std::string, std::string> byKind = {{"NUMBER", "0.25"}, {"COUNT", "7"}, {"TYPE", "2"}};
-    if (option.name == "preset")
-        return "library";
     if (option.argument != "NAME")
         return byKind.contains(option.argument) ? byKind.at(option.argument) : option.argument;
     const std::size_t end = option.help.find(" (default");

@@ -40,9 +40,19 @@ TEST(Plots, DrawsTheForestAtTheEffects)
                                    "95% prediction interval", "[0.12, 1.82]", "Odds ratio (log scale)"}));
 }
 
-TEST(Plots, DrawsTheFunnelWithItsHollowImputedStudies)
+TEST(Plots, GroupsOfOneStudyHaveNoPicture)
 {
-    const Pictures pictures(Binary("magnesium.csv") + "--effect risk-ratio --trim-fill linear");
+    const TemporaryFolder folder;
+    const std::string data = folder.Write("t.csv", "effect,variance,group\n1,1,a\n2,3,a\n3,2,b\n");
+    EXPECT_EQ(Pictures(Effects(data) + "--subgroup group").Names(),
+              (Texts{"forest.svg", "funnel-1-group-a.svg", "funnel.svg", "galbraith-1-group-a.svg",
+                     "galbraith.svg"}));
+}
+
+TEST(Plots, DrawsTheFunnelWithItsHollowImputedStudiesAndTheLimit)
+{
+    const Pictures pictures(Binary("magnesium.csv") +
+                            "--effect risk-ratio --trim-fill linear --small-study-test egger");
     const SvgFigure figure = pictures.Figure("funnel");
     const Numbers effects = pictures.Results()["EffectSize"];
     const Numbers stdErrors = pictures.Results()["StdError"];
@@ -58,6 +68,9 @@ TEST(Plots, DrawsTheFunnelWithItsHollowImputedStudies)
         EXPECT_NEAR(studies[i].y - studies[0].y, y(stdErrors[i]) - y(stdErrors[0]), 4 * halfPixelDigit);
         EXPECT_EQ(studies[i].y > studies[0].y, stdErrors[i] > stdErrors[0]);
     }
+    const std::vector<SvgMark> limit = figure.Marks("gpPt4", color::POOLED);
+    ASSERT_EQ(limit.size(), 1U);
+    EXPECT_NEAR(limit[0].x, x(pictures.Results()["RegBasedTestLimit"]), 2 * halfPixelDigit);
     // The two limits are the only dark lines with many points, and mirror each other.
     std::vector<SvgPoints> limits = figure.Lines(color::INK);
     std::erase_if(limits, [](const SvgPoints& line) { return line.size() < 20; });

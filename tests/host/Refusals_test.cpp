@@ -68,6 +68,12 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
         {binary + "--probability-above 0", "--probability-above: a ratio is above 0, and 0 is not"},
         {effects + "--probability-above 0 --probability-below 1", "cannot be asked for together"},
         {effects + "--tau2 dl --tau2-interval profile-likelihood", "is for --tau2 reml and --tau2 ml"},
+        {binary + "--common-tau2", "--common-tau2 needs --subgroup"},
+        {binary + "--common-tau2 --subgroup year --model fixed",
+         "--common-tau2 is for the random-effects model"},
+        {binary + "--common-tau2 --subgroup year --cumulative year", "cannot be asked for together"},
+        {effects + "--small-study-test peters", "type 3 needs the tables"},
+        {effects + "--side top", "--side: 'top' is none of auto, 1, 2"},
         {effects + "--small-study-test 3", "type 3 needs the tables of the command binary"},
     });
 }

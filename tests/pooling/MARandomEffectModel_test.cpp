@@ -108,8 +108,10 @@ TEST(MARandomEffectModel, WithoutHeterogeneityEqualsTheFixedEffectModel)
         EXPECT_EQ(model.GetEstESStdError(), model.GetEstESVariance()); // not its root
         EXPECT_DOUBLE_EQ(pooled.Random(estimator, KNAPP_HARTUNG_ADJUSTED).GetEstESVariance(),
                          fixed.GetEstEffectSizeVariance() * fixed.GetHomogeneityTestQ() / 3);
-        EXPECT_EQ(pooled.Random(estimator, KNAPP_HARTUNG_TRUNCATED).GetEstESVariance(),
-                  model.GetEstESVariance());
+        for (const int other : {KNAPP_HARTUNG_TRUNCATED, KNAPP_HARTUNG_IF_HETEROGENEOUS})
+            EXPECT_EQ(pooled.Random(estimator, other).GetEstESVariance(), model.GetEstESVariance());
+        EXPECT_EQ(pooled.Random(estimator, KNAPP_HARTUNG_IF_HETEROGENEOUS).GetEstESCIUpper(),
+                  model.GetEstESCIUpper());
     }
 }
 

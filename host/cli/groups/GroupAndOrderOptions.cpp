@@ -29,6 +29,19 @@ void CheckContrasts(const Options& options)
             "--contrast needs --model fixed: contrasts are of studies that share one effect.");
 }
 
+/// The groups of a cumulative analysis are models of their own at each step.
+void CheckCommonTau2(const Options& options)
+{
+    if (!options.settings.GetCommonTau2())
+        return;
+    if (!options.subgroup)
+        throw UnusableInput("--common-tau2 needs --subgroup: it is the tau² of all groups.");
+    if (!IsRandom(options.settings))
+        throw UnusableInput("--common-tau2 is for the random-effects model.");
+    if (options.cumulative)
+        throw UnusableInput("--common-tau2 and --cumulative cannot be asked for together.");
+}
+
 } // namespace
 
 OptionGroup GroupAndOrderOptions(Options& options)
@@ -40,13 +53,18 @@ OptionGroup GroupAndOrderOptions(Options& options)
         .options =
             {
                 Column("subgroup", options.subgroup, "a model for each group of studies with equal values"),
+                Flag("common-tau2", options.settings, &Settings::GetCommonTau2, &Settings::SetCommonTau2,
+                     "one between-study variance for all groups"),
                 Column("cumulative", options.cumulative,
                        "the model after each study, in order of the column"),
                 Descending(options.settings),
                 TextList("contrast", "COLUMN", options.contrasts,
                          "contrast coefficients of the studies, repeatable; for the fixed model"),
             },
-        .complete = [&options] { CheckContrasts(options); }};
+        .complete = [&options] {
+            CheckContrasts(options);
+            CheckCommonTau2(options);
+        }};
 }
 
 } // namespace host

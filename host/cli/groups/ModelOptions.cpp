@@ -21,8 +21,7 @@ OptionDefinition PresetOption(Options& options)
 {
     return {.name = "preset",
             .argument = "NAME",
-            .help = fmt::format("settings that go together, {}: the library's own defaults; options given "
-                                "beside it win (default: none)",
+            .help = fmt::format("settings that go together; options given beside it win: {} (default: none)",
                                 NamesOfPresets()),
             .store = [&options](const std::string& text) { options.preset = KnownPreset(text); },
             .value = [&options] { return options.preset ? Json(*options.preset) : Json(); }};
@@ -33,8 +32,9 @@ OptionDefinitions ModelOf(Settings& settings)
     return {
         OneOf("model", MODEL_CHOICES, settings, &Settings::GetModelType, &Settings::SetModelType,
               "pooling model"),
-        OneOf("tau2", TAU2_ESTIMATORS, settings, &Settings::GetEstTauType, &Settings::SetEstTauType,
-              "between-study variance estimator"),
+        AlsoTaking({{PAULE_MANDEL, NameOf(TAU2_ESTIMATORS, MAConst::TAU2_EB)}},
+                   OneOf("tau2", TAU2_ESTIMATORS, settings, &Settings::GetEstTauType,
+                         &Settings::SetEstTauType, "between-study variance estimator")),
         OneOf("knapp-hartung", KNAPP_HARTUNG_CHOICES, settings, &Settings::GetKnapHartAdjustType,
               &Settings::SetKnapHartAdjustType, "adjustment of the random model"),
         Number("level", BETWEEN_0_AND_1, settings, &Settings::GetCILevel, &Settings::SetCILevel,

@@ -34,7 +34,7 @@ OptionDefinition TrimFill(Settings& settings)
                 }};
 }
 
-OptionDefinition SmallStudyTestOption(Options& options)
+OptionDefinition SmallStudyTestByNumber(Options& options)
 {
     return {.name = "small-study-test",
             .argument = "TYPE",
@@ -53,19 +53,32 @@ OptionDefinition SmallStudyTestOption(Options& options)
                 }};
 }
 
+/// The words of the tests beside their numbers.
+OptionDefinition SmallStudyTestOption(Options& options)
+{
+    std::vector<OtherWord> words;
+    for (const SmallStudyTest& test : SMALL_STUDY_TESTS)
+        words.push_back({test.word, std::string(test.name)});
+    return AlsoTaking(words, SmallStudyTestByNumber(options));
+}
+
 OptionDefinitions SmallStudyEffects(Options& options)
 {
     Settings& settings = options.settings;
     return {
         TrimFill(settings),
-        OneOf("side", TRIM_SIDE_CHOICES, settings, &Settings::GetTrimFillSide, &Settings::SetTrimFillSide,
-              "trims the largest effects (1) or the smallest (2)"),
+        AlsoTaking({{"left", "1"}, {"right", "2"}},
+                   OneOf("side", TRIM_SIDE_CHOICES, settings, &Settings::GetTrimFillSide,
+                         &Settings::SetTrimFillSide, "trims the largest effects (1) or the smallest (2)")),
         OneOf("trim-fill-model", MODEL_CHOICES, settings, &Settings::GetTFModelType,
               &Settings::SetTFModelType, "pooling model while trimming"),
-        OneOf("trim-fill-tau2", TAU2_ESTIMATORS, settings, &Settings::GetTFEstTauType,
-              &Settings::SetTFEstTauType, "between-study variance estimator while trimming"),
+        AlsoTaking({{PAULE_MANDEL, NameOf(TAU2_ESTIMATORS, MAConst::TAU2_EB)}},
+                   OneOf("trim-fill-tau2", TAU2_ESTIMATORS, settings, &Settings::GetTFEstTauType,
+                         &Settings::SetTFEstTauType, "between-study variance estimator while trimming")),
         OneOf("trim-fill-knapp-hartung", KNAPP_HARTUNG_CHOICES, settings, &Settings::GetTFKnapHartAdjustType,
               &Settings::SetTFKnapHartAdjustType, "adjustment while trimming"),
+        Flag("rank-test", settings, &Settings::GetRankTest, &Settings::SetRankTest,
+             "rank correlation of effects and variances"),
         SmallStudyTestOption(options),
         OneOf("test-intercept", SWITCH_CHOICES, settings, &Settings::GetIsUseIntercept,
               &Settings::SetIsUseIntercept, "intercept of the regression-based test"),

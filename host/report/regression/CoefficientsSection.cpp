@@ -10,9 +10,9 @@ namespace host {
 
 namespace {
 
-bool UsesStudentT(const MARegSettings& settings)
+bool UsesStudentT(const RegressionData& data)
 {
-    return settings.IsKnapHartAdjust() || settings.GetTestDistType() == MAConst::TEST_STUDENT_T;
+    return data.IsAdjusted() || data.request.settings.GetTestDistType() == MAConst::TEST_STUDENT_T;
 }
 
 std::vector<std::string> ParameterNames(const RegressionData& data)
@@ -44,7 +44,7 @@ ReportSections CoefficientsSection(const RegressionData& data)
         {{"Parameter", ParameterNames(data), true},
          CoefficientColumn(data),
          data.EffectColumn("SE", data.output.GetBetaStandErr()),
-         {UsesStudentT(data.request.settings) ? "t" : "z", TextsOf(data.output.GetBetaTest(), NumberText)},
+         {UsesStudentT(data) ? "t" : "z", TextsOf(data.output.GetBetaTest(), NumberText)},
          {"p", TextsOf(data.output.GetBetaTestPValue(), PValueText)}},
         {}};
     const KXBitSet estimated = data.output.GetRedundancyInfo();

@@ -4,7 +4,7 @@ namespace host {
 
 ReportSections ModelTestSection(const RegressionData& data)
 {
-    const bool isF = data.isRandom && data.request.settings.IsKnapHartAdjust();
+    const bool isF = data.isRandom && data.IsAdjusted();
     const double statistic = isF ? data.output.GetFTestVal() : data.output.GetWaldChiSquareTest();
     if (!HasAnyValue({statistic}))
         return {};

@@ -60,6 +60,9 @@ ReportSections BetweenStudyVarianceSection(const AnalysisData& data)
         section.table.push_back({"log-likelihood", TextsOf(base.GetLogLikelihood(), NumberText)});
         section.table.push_back({"AIC", TextsOf(base.GetAIC(), NumberText)});
     }
+    if (data.settings.GetCommonTau2() && !data.groupLabels.empty())
+        section.sentences.emplace_back("The groups share one tau², that of the model with the groups as a "
+                                       "factor, and with it all of these figures.");
     AppendIntervalSentences(section, data);
     AppendDoubtfulEnds(section, data);
     return {section};

@@ -3,7 +3,7 @@
 namespace host {
 
 /// The library gives contours by their extent at one standard error. Only over the standard error is a
-/// contour a line.
+/// contour a line. So it is with the line of the small-study test.
 ReportSections FunnelPlotSection(const AnalysisData& data)
 {
     const bool wantsContours = data.settings.GetFunnelConTourTesType() != MAConst::CONTOUR_NONE;

@@ -53,13 +53,6 @@ EffectRows SlopeRows(const MABaseModel& base)
             .significances = Slopes(base.GetRegrBetaTestPValue())};
 }
 
-/// "= 0.0425" or "< 0.0001".
-std::string EqualsText(double p)
-{
-    const std::string text = PValueText(p);
-    return text.front() == '<' ? text : "= " + text;
-}
-
 /// The symbol of the effect that the test regresses, on the scale of its regression.
 std::string EffectOfTest(const AnalysisData& data)
 {
@@ -115,6 +108,26 @@ ReportSection SlopeSection(const AnalysisData& data)
     return section;
 }
 
+/// The effect that the regression line predicts for a study without sampling error.
+ReportSections LimitSection(const AnalysisData& data)
+{
+    const MABaseModel& base = data.base;
+    if (KXMV::IsMissing(base.GetRegBasedTestLimit()))
+        return {};
+    EffectRows rows = {.effects = {{base.GetRegBasedTestLimit()},
+                                   {base.GetRegBasedTestLimitCILower()},
+                                   {base.GetRegBasedTestLimitCIUpper()}}};
+    if (data.binary)
+        rows.ratios = {{data.binary->GetRegBasedTestExpLimit()},
+                       {data.binary->GetRegBasedTestExpLimitCILower()},
+                       {data.binary->GetRegBasedTestExpLimitCIUpper()}};
+    ReportSection section = {"Effect at standard error 0", {}, {}};
+    AppendEffects(section.table, rows, HeadersOf(data.measure), data);
+    section.sentences = {"The intercept of that regression: the effect in a study without sampling error, if "
+                         "the trend goes on to there."};
+    return {section};
+}
+
 } // namespace
 
 ReportSections SmallStudyTestSection(const AnalysisData& data)
@@ -128,7 +141,9 @@ ReportSections SmallStudyTestSection(const AnalysisData& data)
     if (data.analysis.HasFailedTest())
         section.sentences.push_back(
             fmt::format("The test asked for failed: {}", SentenceOf(data.analysis.testStatus->GetCode())));
-    return {section};
+    ReportSections sections = {section};
+    Append(sections, LimitSection(data));
+    return sections;
 }
 
 } // namespace host

@@ -123,6 +123,35 @@ TEST(SmallStudyTests, EffectOnStandardErrorMeetsTheReferenceFigures)
     }
 }
 
+/// Classic regressions, whose limit is reported by the same program as their slope. The trials of BCG are
+/// those of log risk ratios.
+TEST(SmallStudyTests, LimitIsTheInterceptOfTheTestsOwnFit)
+{
+    for (const std::string name :
+         {"bcg_vaccine", "passive_smoking", "teacher_expectancy", "writing_to_learn"}) {
+        SCOPED_TRACE(name);
+        Published published(name);
+        published.settings.SetModelType(MODEL_FIXED);
+        published.settings.SetMultiDiser(true);
+        const bool isBcg = name == "bcg_vaccine";
+        const nlohmann::json limit =
+            LoadReference(name + (isBcg ? "_log_risk_ratio_more" : "_more")).at("egger_limit");
+        const BinTest run(published.settings, published.data.rows);
+        EXPECT_TRUE(Close({run.model.GetRegBasedTestLimit(), run.model.GetRegBasedTestLimitCILower(),
+                           run.model.GetRegBasedTestLimitCIUpper()},
+                          {limit.at("estimate"), limit.at("ci_lower"), limit.at("ci_upper")}, 1e-11));
+        EXPECT_FALSE(run.Warns(MAStatusCode::FEW_STUDIES_FOR_TEST));
+        published.settings.SetIsUseIntercept(false);
+        EXPECT_EQ(BinTest(published.settings, published.data.rows).model.GetRegBasedTestLimit(), missing);
+    }
+    BinTest few(TableSettings(), studies);
+    Tested(few, REG_TEST_EFFECT_ON_STD_ERROR);
+    EXPECT_TRUE(few.Warns(MAStatusCode::FEW_STUDIES_FOR_TEST));
+    EXPECT_EQ(few.model.GetRegBasedTestExpLimit(), std::exp(few.model.GetRegBasedTestLimit()));
+    Tested(few, REG_TEST_SCORE_VARIANCE);
+    EXPECT_EQ(few.model.GetRegBasedTestLimit(), missing);
+}
+
 /// Tests 1 to 3 against their definition, whatever unusable tables stand before the studies. Solving the
 /// normal equations magnifies the rounding of their sums by the share of the covariate's square that the
 /// intercept takes away.
