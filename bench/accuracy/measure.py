@@ -8,10 +8,12 @@ relative; of effects, estimates, coefficients and bounds they are relative to th
 are differences; of significances, I² and R² they are absolute.
 """
 
+import conversion
 import harness
 import pooling
 import regression
 
+conversion.measure()
 pooling.measure()
 regression.measure()
 harness.print_table()
