@@ -9,6 +9,7 @@
 
 #include <benchmark/benchmark.h>
 
+#include <cmath>
 #include <cstddef>
 #include <utility>
 #include <vector>
@@ -49,9 +50,8 @@ VectorRecordIter GroupedStudies(std::size_t count)
     return VectorRecordIter(std::move(records));
 }
 
-void TimeRuns(benchmark::State& state, const MAModelSettings& settings)
+void TimeRuns(benchmark::State& state, const MAModelSettings& settings, VectorRecordIter records)
 {
-    VectorRecordIter records = GroupedStudies(static_cast<std::size_t>(state.range(0)));
     while (state.KeepRunning()) {
         MAContModel analysis(settings);
         if (analysis.RUN(records, KXVarList()).IsError()) {
@@ -59,6 +59,11 @@ void TimeRuns(benchmark::State& state, const MAModelSettings& settings)
             break;
         }
     }
+}
+
+void TimeRuns(benchmark::State& state, const MAModelSettings& settings)
+{
+    TimeRuns(state, settings, GroupedStudies(static_cast<std::size_t>(state.range(0))));
 }
 
 void Subgroups(benchmark::State& state)
@@ -102,5 +107,57 @@ void CumulativeReml(benchmark::State& state)
     TimeRuns(state, settings);
 }
 BENCHMARK(CumulativeReml)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+/// Odds ratios with their limits, of which a tenth is skewed enough for a look at the printed digits.
+void ConvertedIntervals(benchmark::State& state)
+{
+    const auto count = static_cast<std::size_t>(state.range(0));
+    const SimulatedStudies studies = SimulateStudies(count);
+    std::vector<Record> records;
+    records.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double half = 1.96 * std::sqrt(studies.variances[i]);
+        const double shift = i % 10 == 0 ? 0.2 * half : 0.0;
+        records.emplace_back(std::vector<double>{std::exp(studies.effectSizes[i] + shift),
+                                                 std::exp(studies.effectSizes[i] - half),
+                                                 std::exp(studies.effectSizes[i] + half)});
+    }
+    MAModelSettings settings = ReadyMadeSettings(MAConst::MODEL_FIXED);
+    settings.SetInputVarianceIndex(-1);
+    settings.SetInputCILowerIndex(1);
+    settings.SetInputCIUpperIndex(2);
+    settings.SetInputIsRatio(true);
+    TimeRuns(state, settings, VectorRecordIter(std::move(records)));
+}
+BENCHMARK(ConvertedIntervals)->Arg(100000)->Unit(benchmark::kMillisecond);
+
+/// Groups of 20 to 119 with the five numbers of normal data.
+void ConvertedMedians(benchmark::State& state)
+{
+    const auto count = static_cast<std::size_t>(state.range(0));
+    const SimulatedStudies studies = SimulateStudies(count);
+    std::vector<Record> records;
+    records.reserve(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const double centre = studies.effectSizes[i];
+        records.emplace_back(std::vector<double>{20.0 + static_cast<double>(i % 100), centre, centre - 0.7,
+                                                 centre + 0.6, centre - 2.4, centre + 2.2});
+    }
+    MAModelSettings settings;
+    settings.SetOutcomesType(MAConst::OUTCOME_CONTINUOUS);
+    settings.SetModelType(MAConst::MODEL_FIXED);
+    settings.SetTreatmentNIndex(0);
+    settings.SetTreatmentMedianIndex(1);
+    settings.SetTreatmentQ1Index(2);
+    settings.SetTreatmentQ3Index(3);
+    settings.SetTreatmentMinIndex(4);
+    settings.SetTreatmentMaxIndex(5);
+    settings.SetControlNIndex(0);
+    settings.SetControlMedianIndex(1);
+    settings.SetControlMinIndex(4);
+    settings.SetControlMaxIndex(5);
+    TimeRuns(state, settings, VectorRecordIter(std::move(records)));
+}
+BENCHMARK(ConvertedMedians)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 } // namespace

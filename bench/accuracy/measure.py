@@ -9,10 +9,12 @@ are differences; of significances, I² and R² they are absolute.
 """
 
 import groups
+import conversion
 import harness
 import pooling
 import regression
 
+conversion.measure()
 pooling.measure()
 groups.measure()
 regression.measure()

@@ -3,7 +3,9 @@
 #include "host/data/ColumnCoding.h"
 #include "host/data/StudyLabels.h"
 #include "host/data/Variables.h"
+#include "host/text/TextParsing.h"
 
+#include <algorithm>
 #include <utility>
 
 using namespace MA_NAMESPACE;
@@ -36,6 +38,30 @@ int LabelledPosition(const ColumnName& column, const DataTable& table, Variables
     return variables.AddCoded(*column, std::move(coding.codes));
 }
 
+/// The most decimals that a record's estimate and limits have in the file, trailing zeros too.
+std::vector<double> PrintedDecimals(const Options& options, const DataTable& table)
+{
+    std::vector<double> decimals(table.RowCount(), 0.0);
+    for (const ColumnName& column : {options.effectSize, options.ciLower, options.ciUpper}) {
+        const std::size_t position = table.PositionOf(*column);
+        for (std::size_t row = 0; row < decimals.size(); ++row)
+            decimals[row] =
+                std::max(decimals[row], static_cast<double>(DecimalsIn(table.TrimmedText(row, position))));
+    }
+    return decimals;
+}
+
+/// The decimals are a variable of codes, which no column of numbers is taken for, whatever its name.
+void SetInterval(const Options& options, const DataTable& table, Variables& variables,
+                 MAInputSettings& settings)
+{
+    if (!options.ciLower || !options.ciUpper)
+        return;
+    settings.SetInputCILowerIndex(variables.PositionOf(options.ciLower));
+    settings.SetInputCIUpperIndex(variables.PositionOf(options.ciUpper));
+    settings.SetInputDecimalsIndex(variables.AddCoded("decimals", PrintedDecimals(options, table)));
+}
+
 void SetSummaryPositions(const Options& options, Variables& variables, MAInputSettings& settings)
 {
     settings.SetTreatmentMedianIndex(variables.PositionOf(options.treatmentSummary.median));
@@ -51,7 +77,7 @@ void SetSummaryPositions(const Options& options, Variables& variables, MAInputSe
 }
 
 /// The positions of columns that are not named are -1, which the library takes as not given.
-MAModelSettings SettingsWithPositions(const Options& options, Variables& variables)
+MAModelSettings SettingsWithPositions(const Options& options, const DataTable& table, Variables& variables)
 {
     MAModelSettings settings = options.settings;
     settings.SetTreatmentSuccessIndex(variables.PositionOf(options.treatmentEvents));
@@ -69,8 +95,7 @@ MAModelSettings SettingsWithPositions(const Options& options, Variables& variabl
     settings.SetInputEffectSizeIndex(variables.PositionOf(options.effectSize));
     settings.SetInputVarianceIndex(variables.PositionOf(options.variance));
     settings.SetInputStdErrorIndex(variables.PositionOf(options.stdError));
-    settings.SetInputCILowerIndex(variables.PositionOf(options.ciLower));
-    settings.SetInputCIUpperIndex(variables.PositionOf(options.ciUpper));
+    SetInterval(options, table, variables, settings);
     settings.SetInputPValueIndex(variables.PositionOf(options.pValue));
     SetSummaryPositions(options, variables, settings);
     return settings;
@@ -81,7 +106,7 @@ MAModelSettings SettingsWithPositions(const Options& options, Variables& variabl
 AnalysisRequest MakeAnalysisRequest(const Options& options, const DataTable& table)
 {
     Variables variables(table);
-    MAModelSettings settings = SettingsWithPositions(options, variables);
+    MAModelSettings settings = SettingsWithPositions(options, table, variables);
     ValueLabels subgroup;
     ValueLabels cumulative;
     settings.SetSubGroupIndex(LabelledPosition(options.subgroup, table, variables, subgroup));

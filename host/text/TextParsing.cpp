@@ -6,6 +6,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <system_error>
@@ -63,6 +64,18 @@ double ParseNumber(std::string_view text)
     if (!std::isfinite(value) || KXMV::IsMissing(value))
         throw UnusableInput(fmt::format("'{}' is not a finite number.", text));
     return value;
+}
+
+int DecimalsIn(std::string_view number)
+{
+    const std::size_t end = std::min(number.find_first_of("eE"), number.size());
+    const std::size_t point = std::min(number.find('.'), end);
+    int exponent = 0;
+    if (end < number.size()) {
+        const std::string_view digits = WithoutPlus(number.substr(end + 1));
+        std::from_chars(digits.data(), digits.data() + digits.size(), exponent);
+    }
+    return std::max(static_cast<int>(point == end ? 0 : end - point - 1) - exponent, 0);
 }
 
 int ParseWholeNumber(std::string_view text)

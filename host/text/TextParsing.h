@@ -15,6 +15,10 @@ std::size_t LineEndsIn(std::string_view text) noexcept;
 /// an optional exponent, whatever the locale. Throws UnusableInput with a sentence that quotes the text.
 double ParseNumber(std::string_view text);
 
+/// Digits behind the decimal point of a number's text, less its exponent, but not below 0: 2 for "0.50" and
+/// "50e-2", 0 for "100".
+int DecimalsIn(std::string_view number);
+
 /// As ParseNumber, for whole numbers of the range of int.
 int ParseWholeNumber(std::string_view text);
 

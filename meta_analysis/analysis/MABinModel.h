@@ -25,9 +25,9 @@ public:
     ~MABinModel() override;
 
     /// The whole analysis of the records, afresh; returns the final status. Errors end it, and leave what was
-    /// computed before: INPUT_NOT_GIVEN one of the four count variables is not given, ITERATOR_NOT_STARTED,
-    /// ITERATOR_FAILED the iterator fails or the passes differ, NO_ANALYSED_STUDY trim-and-fill without
-    /// studies, OUT_OF_MEMORY, and those of the pooling classes.
+    /// computed before: INPUT_NOT_GIVEN a group's events, or its non-events and size, are not given,
+    /// ITERATOR_NOT_STARTED, ITERATOR_FAILED the iterator fails or the passes differ, NO_ANALYSED_STUDY
+    /// trim-and-fill without studies, OUT_OF_MEMORY, and those of the pooling classes.
     KXStatus RUN(MultiPassRecordIter& records, const KXVarList& variables);
 
     /// Effect sizes of the tables. Errors as `RUN`.

@@ -20,9 +20,9 @@ public:
     ~MAContModel() override;
 
     /// The whole analysis of the records, afresh; returns the final status. Errors end it, and leave what was
-    /// computed before: INPUT_NOT_GIVEN a required size, mean or dispersion variable is not given,
-    /// ITERATOR_NOT_STARTED, ITERATOR_FAILED the iterator fails or the passes differ, NO_ANALYSED_STUDY
-    /// trim-and-fill without studies, OUT_OF_MEMORY, and those of the pooling classes.
+    /// computed before: INPUT_NOT_GIVEN a group's size is not given, or neither its mean nor its median with
+    /// what goes with it, ITERATOR_NOT_STARTED, ITERATOR_FAILED the iterator fails or the passes differ,
+    /// NO_ANALYSED_STUDY trim-and-fill without studies, OUT_OF_MEMORY, and those of the pooling classes.
     KXStatus RUN(MultiPassRecordIter& records, const KXVarList& variables);
 
     /// Effect sizes of the group means. Errors as `RUN`.

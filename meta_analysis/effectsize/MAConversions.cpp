@@ -47,6 +47,7 @@ struct Interval
     double lower;
     double upper;
     bool isRatio;
+    double decimals; ///< in print, if known
 
     double OnAnalysisScale(double value) const { return isRatio ? std::log(value) : value; }
     double Width() const { return OnAnalysisScale(upper) - OnAnalysisScale(lower); }
@@ -62,9 +63,9 @@ struct Interval
 /// Half a unit in the last decimal that the three have in print.
 double RoundingOf(const Interval& interval)
 {
-    const int decimals =
+    const int needed =
         std::max({DecimalsOf(interval.estimate), DecimalsOf(interval.lower), DecimalsOf(interval.upper)});
-    return 0.5 * std::pow(10.0, -decimals);
+    return 0.5 * std::pow(10.0, IsAnyMissing(interval.decimals) ? -needed : -interval.decimals);
 }
 
 /// The asymmetry falls with the estimate and grows with both limits, so that values which print alike have at
@@ -206,8 +207,8 @@ int DecimalsOf(double value) noexcept
     return std::max(digits - exponent, 0);
 }
 
-MAConvertedEffect EffectOfInterval(double estimate, double lower, double upper, double level,
-                                   bool isRatio) noexcept
+MAConvertedEffect EffectOfInterval(double estimate, double lower, double upper, double level, bool isRatio,
+                                   double decimals) noexcept
 {
     if (IsAnyMissing(estimate, lower, upper))
         return Unusable(MAConst::EXCLUSION_MISSING_VALUE);
@@ -219,7 +220,7 @@ MAConvertedEffect EffectOfInterval(double estimate, double lower, double upper, 
         return Unusable(MAConst::EXCLUSION_LIMITS_NOT_ASCENDING);
     if (!(lower <= estimate && estimate <= upper))
         return Unusable(MAConst::EXCLUSION_OUTSIDE_LIMITS);
-    const Interval interval = {estimate, lower, upper, isRatio};
+    const Interval interval = {estimate, lower, upper, isRatio, decimals};
     MAConvertedEffect effect = Converted(interval.OnAnalysisScale(estimate),
                                          interval.Width() / (2.0 * TwoSidedNormalQuantile(AlphaOf(level))));
     effect.isAsymmetric = effect.status == MAConst::EXCLUSION_NONE && IsAsymmetric(interval);

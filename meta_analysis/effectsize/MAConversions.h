@@ -23,14 +23,15 @@ struct MAConvertedEffect
 /// Deeks in the Cochrane Handbook, section 6.3.2).
 ///
 /// The interval is asymmetric when upper - estimate and estimate - lower differ by more than 5 % of the width
-/// and no values that print as these are symmetric: in print, the three are taken to have as many decimals
-/// as the one with the most of them (`DecimalsOf`).
+/// and no values that print as these with `decimals` are symmetric. Missing decimals are the most that one of
+/// the three needs (`DecimalsOf`).
 ///
 /// Status, the first that applies: `EXCLUSION_MISSING_VALUE`, `EXCLUSION_LEVEL_OUTSIDE`,
 /// `EXCLUSION_RATIO_NOT_POSITIVE`, `EXCLUSION_LIMITS_NOT_ASCENDING`, `EXCLUSION_OUTSIDE_LIMITS`,
 /// `EXCLUSION_NOT_POOLABLE` (infinite).
 META_ANALYSIS_EXPORT MAConvertedEffect EffectOfInterval(double estimate, double lower, double upper,
-                                                        double level, bool isRatio) noexcept;
+                                                        double level, bool isRatio,
+                                                        double decimals = KXMV::Missing()) noexcept;
 
 /// From an estimate with its two-sided p-value: |estimate| / z, z the normal quantile with p beyond ±z; the
 /// logarithm of the estimate when `isRatio` (Cochrane Handbook, section 6.3.1). A p-value of a t test gives a

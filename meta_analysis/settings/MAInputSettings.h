@@ -23,6 +23,11 @@ public:
     /// study with limits alone: `EXCLUSION_LEVEL_OUTSIDE`.
     void SetInputCILevel(double value) { inputCILevel_ = value; }
     double GetInputCILevel() const { return inputCILevel_; }
+    /// Decimals that estimate and limits have in print, the most of the three, by which INTERVAL_ASYMMETRIC
+    /// allows for rounding. Not given, or missing in a record: as many as the values need, which counts no
+    /// trailing zeros and so allows for more.
+    void SetInputDecimalsIndex(int value) { inputDecimalsIndex_ = value; }
+    int GetInputDecimalsIndex() const { return inputDecimalsIndex_; }
     /// Two-sided p-value of the effect size.
     void SetInputPValueIndex(int value) { inputPValueIndex_ = value; }
     int GetInputPValueIndex() const { return inputPValueIndex_; }
@@ -66,6 +71,7 @@ private:
     int inputCILowerIndex_ = -1;
     int inputCIUpperIndex_ = -1;
     double inputCILevel_ = 0.95;
+    int inputDecimalsIndex_ = -1;
     int inputPValueIndex_ = -1;
     bool inputIsRatio_ = false;
     int treatmentMedianIndex_ = -1;

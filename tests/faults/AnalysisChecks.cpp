@@ -5,6 +5,7 @@
 
 #include <array>
 #include <numeric>
+#include <set>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -155,6 +156,12 @@ void AnalysisCheck::CheckCounts()
     const double accounted = Number("GetNMissing") + Number("GetNInvalid") + Number("GetNDropped") +
                              static_cast<double>(StudyCount());
     EXPECT_TRUE(accounted == static_cast<double>(made_.rows.size())) << "every record is a study or counted";
+    std::vector<double> records = expect_.Values("GetExcludedRecord");
+    EXPECT_TRUE(std::is_sorted(records.begin(), records.end())) << "excluded records ascend";
+    records.insert(records.end(), ids.begin(), ids.end());
+    EXPECT_TRUE(std::set(records.begin(), records.end()).size() == made_.rows.size())
+        << "every record is a study or has a reason";
+    expect_.SameShape({"GetExcludedRecord", "GetExclusionReason"});
     for (const char* const name : {"GetTFImputedEffectSize", "GetTFImputedStdError"})
         EXPECT_TRUE(expect_.Values(name).size() == imputed) << "every imputed study is there";
 }

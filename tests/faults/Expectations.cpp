@@ -123,6 +123,8 @@ void Expectations::Repeated(const Results& second, Results withMissing, const st
     for (Result& result : withMissing) {
         if (result.name == count)
             result.rows[0][0] = std::min(result.rows[0][0], Values(count).at(0));
+        if (result.name == "GetExcludedRecord" || result.name == "GetExclusionReason")
+            result.rows[0].resize(std::min(result.rows[0].size(), Values(result.name).size()));
     }
     EXPECT_EQ(FirstDifference(results, withMissing), "") << "differs with a record without values";
 }

@@ -200,6 +200,34 @@ void AddEffects(Values& values, MARegSettings& settings)
     }
 }
 
+/// Conversions from columns of another meaning, many of which are refused. Not of tame data, whose unit and
+/// sign are changed.
+void SetConversions(Values& values, StudyData data, MAModelSettings& settings)
+{
+    const auto orKept = [&](int kept, int column) { return values.Stream().OneIn(4) ? column : kept; };
+    if (data == StudyData::Tables) {
+        settings.SetTreatmentNIndex(values.Index(1));
+        settings.SetTreatmentFailureIndex(orKept(settings.GetTreatmentFailureVarIndex(), -1));
+        settings.SetControlNIndex(values.Index(3));
+        settings.SetControlFailureIndex(orKept(settings.GetControlFailureVarIndex(), -1));
+        return;
+    }
+    settings.SetInputVarianceIndex(orKept(settings.GetInputVaranceVarIndex(), -1));
+    settings.SetInputCILowerIndex(orKept(-1, values.Index(0)));
+    settings.SetInputCIUpperIndex(orKept(-1, values.Index(1)));
+    settings.SetInputDecimalsIndex(orKept(-1, values.Index(1)));
+    settings.SetInputPValueIndex(orKept(-1, values.Index(1)));
+    settings.SetInputCILevel(values.Probability());
+    settings.SetInputIsRatio(values.Stream().OneIn(4));
+    settings.SetTreatmentMeanIndex(orKept(settings.GetTreatmentMeanVarIndex(), -1));
+    settings.SetTreatmentMedianIndex(values.IndexOrNone(2));
+    settings.SetTreatmentQ1Index(values.IndexOrNone(1));
+    settings.SetTreatmentQ3Index(values.IndexOrNone(3));
+    settings.SetControlMedianIndex(values.IndexOrNone(2));
+    settings.SetControlMinIndex(values.IndexOrNone(1));
+    settings.SetControlMaxIndex(values.IndexOrNone(3));
+}
+
 } // namespace
 
 AnalysisCase::AnalysisCase(ByteStream& bytes)
@@ -238,6 +266,8 @@ AnalysisCase::AnalysisCase(ByteStream& bytes)
     settings.SetCommonTau2(values.Flag());
     if (bytes.Below(4) == 3)
         settings.SetKnapHartAdjustType(KNAPP_HARTUNG_IF_HETEROGENEOUS);
+    if (!isTame)
+        SetConversions(values, data, settings);
 }
 
 RegressionCase::RegressionCase(ByteStream& bytes) : isTame(!bytes.OneIn(2)), isRandom(bytes.OneIn(2))

@@ -6,6 +6,8 @@
 
 #include <fmt/format.h>
 
+#include <regex>
+
 using namespace MA_NAMESPACE;
 using testing::ContainsRegex;
 
@@ -94,6 +96,27 @@ TEST(AnalysisReport, ShowsContrastsPlotsIntervalsAndPredictions)
         {Bcg() + "--funnel-y inverse-variance --contours lower", "\nIts picture has no contours: "},
         {Bcg() + "--effect risk-ratio --bubble year --bubble latitude",
          "Bubble plots\n.*\nyear +13 .*\nlatitude +13 +0.2515 +-0.0291\n"},
+    });
+}
+
+TEST(AnalysisReport, NamesConvertedStudiesAndTheLabelOfTheMeasure)
+{
+    const TemporaryFolder folder;
+    const std::string group = "--X-n n --X-mean m --X-sd s --X-median md --X-q1 a --X-q3 b";
+    const std::string medians = folder.Write("m.csv", "who,n,m,s,md,a,b\nA,50,9,4,,,\nB,50,,4,10,7,30\n");
+    Arguments converted = {"continuous", medians};
+    for (const char* const name : {"treatment", "control"})
+        converted = converted + std::regex_replace(group, std::regex("X"), name);
+    ExpectShown({
+        {Ratios() + "--label" + Arguments{"hazard ratio"},
+         "^Meta-analysis: hazard ratio, .* hazard ratio \\[95% CI\\] +log hazard ratio .*Converted studies\n"
+         "Study +Standard error from *\nGarfinkel +confidence interval *\n"
+         ".*Variance between.*460125: [^\n]*Studies: Cardenas, Wu\\.\n"},
+        {Ratios(), "^Meta-analysis: ratio, .* log ratio "},
+        {Ratios("--effect risk-ratio"), "^Meta-analysis: risk ratio, "},
+        {converted + "--study who",
+         "Converted studies\n[^\n]*\nB +median and quartiles +median and quartiles *\n"
+         ".*460126: [^\n]*Study: B\\.\n"},
     });
 }
 

@@ -36,6 +36,8 @@ TEST(Program, ReproducesThePublishedData)
          stroke + "--effect hedges-g --variance-adjustment --model fixed", lower},
         {"stroke_length_of_stay", "/cohen_d/yi/0", stroke, "/EffectSize/0"},
         {"passive_smoking", "/pooled/DL/kh1/ci_lower", smoking + "--tau2 dl --knapp-hartung adjusted", lower},
+        {"passive_smoking", "/pooled/DL/kh1/ci_upper", Ratios("--tau2 dl --knapp-hartung adjusted"),
+         "/EstCIUpper/0"},
         {"passive_smoking", "/pooled/ML/kh0/ci_lower", smoking + "--outcome binary --tau2 ml", lower},
         {"passive_smoking", "/bias/egger_EB/slope", smoking + "--tau2 eb --small-study-test 0",
          "/RegBasedTestCoef"},

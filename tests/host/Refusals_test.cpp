@@ -30,6 +30,7 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
     const Arguments none;
     const Arguments effects = Effects("passive_smoking.csv");
     const Arguments binary = Binary("bcg_vaccine.csv");
+    const Arguments means = Continuous("stroke_length_of_stay.csv");
     ExpectRefused({
         {none, "No command is given"},
         {none + "pool", "'pool' is no command"},
@@ -74,6 +75,21 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
         {binary + "--common-tau2 --subgroup year --cumulative year", "cannot be asked for together"},
         {effects + "--small-study-test peters", "type 3 needs the tables"},
         {effects + "--side top", "--side: 'top' is none of auto, 1, 2"},
+        {binary + "--treatment-n year", "Exactly one of --treatment-nonevents and --treatment-n is required"},
+        {none + "effects d.csv --effect-size y", "One of --variance, --std-error, --ci-lower with"},
+        {effects + "--std-error year", "Only one of --variance and --std-error"},
+        {effects + "--ci-upper year", "--ci-lower and --ci-upper go together"},
+        {effects + "--ci-level 0.9", "--ci-level needs --ci-lower"},
+        {effects + "--ratio --outcome continuous", "--ratio needs an --effect that is a ratio: cohens-d"},
+        {effects + "--ratio --effect risk-difference", "--ratio needs an --effect that is a ratio: risk-"},
+        {effects + "--label" + Arguments{" "}, "--label: the text is empty"},
+        {means + "--control-median year", "--control-median needs --control-q1 and --control-q3, or"},
+        {means + "--control-median year --control-q1 a", "--control-q1 and --control-q3 go together"},
+        {means + "--control-min a --control-max b", "--control-min needs --control-median"},
+        {means + "--control-variance a", "Exactly one of --control-sd and --control-variance"},
+        {none + "continuous d.csv --treatment-n n --control-n n", "--treatment-mean is required, or"},
+        {none + "continuous d.csv --treatment-n n --control-n n --treatment-sd s",
+         "--treatment-sd and --treatment-variance need --treatment-mean"},
         {effects + "--small-study-test 3", "type 3 needs the tables of the command binary"},
     });
 }

@@ -116,6 +116,13 @@ inline Arguments Effects(const std::string& data)
     return Arguments{"effects", DataFile(data)} + "--effect-size effect --variance variance";
 }
 
+/// The studies of passive_smoking.csv as published.
+inline Arguments Ratios(const std::string& more = "")
+{
+    return Arguments{"effects", DataFile("passive_smoking_ratios.csv")} +
+           "--study study --effect-size or --ci-lower or_lower --ci-upper or_upper --ratio" + more;
+}
+
 inline Arguments Regression(const std::string& data)
 {
     return Arguments{"regression", DataFile(data)} + "--effect-size effect --variance variance";

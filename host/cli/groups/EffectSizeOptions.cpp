@@ -58,7 +58,7 @@ OptionDefinition Label(Options& options)
 {
     return {.name = "label",
             .argument = "TEXT",
-            .help = "what reports and pictures call the effect sizes (default: as --effect)",
+            .help = "what reports and pictures call the effect sizes, in place of the name by --effect",
             .store = [&options](const std::string& text) { options.label = text; },
             .value =
                 [&options] {

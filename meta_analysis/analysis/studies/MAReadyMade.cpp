@@ -68,9 +68,10 @@ MAReadyMade WithConversion(const Record& record, double estimate, const MAInputS
     const double upper = ReadStudyValue(record, settings.GetInputCIUpperIndex());
     const bool hasInterval = NamesInterval(settings) && !KXMV::IsMissing(lower) && !KXMV::IsMissing(upper);
     if (hasInterval)
-        return WithConversion(
-            EffectOfInterval(estimate, lower, upper, settings.GetInputCILevel(), settings.GetInputIsRatio()),
-            MAConst::CONVERSION_INTERVAL);
+        return WithConversion(EffectOfInterval(estimate, lower, upper, settings.GetInputCILevel(),
+                                               settings.GetInputIsRatio(),
+                                               ReadStudyValue(record, settings.GetInputDecimalsIndex())),
+                              MAConst::CONVERSION_INTERVAL);
     return WithConversion(EffectOfPValue(estimate, ReadStudyValue(record, settings.GetInputPValueIndex()),
                                          settings.GetInputIsRatio()),
                           MAConst::CONVERSION_P_VALUE);
