@@ -8,8 +8,8 @@ relative; of effects, estimates, coefficients and bounds they are relative to th
 are differences; of significances, I² and R² they are absolute.
 """
 
-import groups
 import conversion
+import groups
 import harness
 import pooling
 import regression

@@ -50,8 +50,7 @@ ReportSections PooledEffectSection(const AnalysisData& data)
     ReportSection section = {"Pooled effect", {{"", data.RowLabels(rows.effects.values.size()), true}}, {}};
     AppendEffects(section.table, rows, HeadersOf(data.measure), data);
     for (const std::string& sentence :
-         {WordingOfNullHypothesis(data.settings, data.measure), WordingOfPooledCorrection(data)})
-         {WordingOfNullHypothesis(data.settings), WordingOfPooledCorrection(data),
+         {WordingOfNullHypothesis(data.settings, data.measure), WordingOfPooledCorrection(data),
           WordingOfAdjustedModels(data), WordingOfCommonTest(data)})
         if (!sentence.empty())
             section.sentences.push_back(sentence);
