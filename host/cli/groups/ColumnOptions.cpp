@@ -1,5 +1,6 @@
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
+#include "host/cli/RawOutcomes.h"
 
 namespace host {
 
@@ -48,9 +49,11 @@ OptionDefinitions RegressionColumns(Options& options)
     };
 }
 
-OptionDefinitions ColumnsOf(Options& options)
+} // namespace
+
+OptionDefinitions ColumnsOfData(Options& options, Command data)
 {
-    switch (options.command) {
+    switch (data) {
     case Command::BINARY:
         return BinaryColumns(options);
     case Command::CONTINUOUS:
@@ -62,8 +65,6 @@ OptionDefinitions ColumnsOf(Options& options)
     }
     return {};
 }
-
-} // namespace
 
 OptionGroup ColumnOptions(Options& options)
 {

@@ -1,6 +1,7 @@
 #include "host/cli/Choices.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
+#include "host/cli/RawOutcomes.h"
 #include "host/text/Measures.h"
 #include "host/text/Wording.h"
 
@@ -63,21 +64,6 @@ OptionDefinitions ReadyMadeEffects(Options& options)
     };
 }
 
-OptionDefinitions EffectsOf(Options& options)
-{
-    switch (options.command) {
-    case Command::BINARY:
-        return BinaryEffect(options.settings);
-    case Command::CONTINUOUS:
-        return ContinuousEffect(options.settings);
-    case Command::EFFECTS:
-        return ReadyMadeEffects(options);
-    case Command::REGRESSION:
-        break;
-    }
-    return {};
-}
-
 void ResolveReadyMadeEffect(Options& options)
 {
     if (!options.readyMadeEffect)
@@ -101,6 +87,21 @@ void CheckPooledZeroCells(const Options& options)
 }
 
 } // namespace
+
+OptionDefinitions EffectsOfData(Options& options, Command data)
+{
+    switch (data) {
+    case Command::BINARY:
+        return BinaryEffect(options.settings);
+    case Command::CONTINUOUS:
+        return ContinuousEffect(options.settings);
+    case Command::EFFECTS:
+        return ReadyMadeEffects(options);
+    case Command::REGRESSION:
+        break;
+    }
+    return {};
+}
 
 OptionGroup EffectSizeOptions(Options& options)
 {
