@@ -6,6 +6,7 @@
 #include "host/output/OutputWriting.h"
 #include "host/output/WriteOutput.h"
 #include "host/plots/Plots.h"
+#include "host/plots/RegressionPlots.h"
 #include "host/report/AnalysisReport.h"
 #include "host/report/AnalysisResults.h"
 #include "host/report/JsonReport.h"
@@ -32,7 +33,10 @@ int AnalyseRegression(const Options& options, const DataTable& table)
         return RenderJson(
             options, {analysis.records, analysis.status, WarningsOf(analysis), ResultsOf(request, analysis)});
     };
-    return WriteOutput(options, {analysis.status, makeReport, makeJson});
+    const auto makePictures = [&] {
+        return MakeRegressionPictures(RegressionData(options, request, analysis));
+    };
+    return WriteOutput(options, {analysis.status, makeReport, makeJson, KXStatus(), makePictures});
 }
 
 int AnalyseStudies(const Options& options, const DataTable& table)

@@ -121,8 +121,9 @@ void AddCommands(CLI::App& program, CommandParsers& parsers)
                          "Sizes, means and standard deviations of two groups");
     parsers.emplace_back(program, Command::EFFECTS, "effects",
                          "Ready-made effect sizes with their variances or standard errors");
-    parsers.emplace_back(program, Command::REGRESSION, "regression",
-                         "Meta-regression of ready-made effect sizes on covariates and factors");
+    parsers.emplace_back(
+        program, Command::REGRESSION, "regression",
+        "Meta-regression of effect sizes, ready-made or of raw data, on covariates and factors");
     for (CommandParser& parser : parsers)
         AddOptions(parser);
 }

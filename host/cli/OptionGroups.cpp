@@ -1,6 +1,7 @@
 #include "host/cli/OptionGroups.h"
 
 #include "host/cli/Presets.h"
+#include "host/cli/RawOutcomes.h"
 #include "host/text/UnusableInput.h"
 
 #include <fmt/format.h>
@@ -63,6 +64,7 @@ OptionDefinitions DefineOptions(Options& options)
 
 void CompleteOptions(Options& options)
 {
+    ResolveOutcome(options);
     const OptionDefinitions definitions = DefineOptions(options);
     if (options.preset)
         ApplyPreset(*options.preset, definitions, options.given);

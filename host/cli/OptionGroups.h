@@ -24,12 +24,14 @@ struct OptionGroup
 using OptionGroupMaker = OptionGroup(Options& options);
 
 OptionGroupMaker ColumnOptions, EffectSizeOptions, PredictorOptions, ModelOptions, RandomEffectsOptions,
-    IterationOptions, GroupAndOrderOptions, SensitivityOptions, SmallStudyOptions, PlotOptions;
+    IterationOptions, GroupAndOrderOptions, SensitivityOptions, SmallStudyOptions, PlotOptions,
+    HypothesisOptions;
 
 /// The groups in the order of the help.
 inline constexpr OptionGroupMaker* OPTION_GROUPS[] = {
-    ColumnOptions,    EffectSizeOptions,    PredictorOptions,   ModelOptions,      RandomEffectsOptions,
-    IterationOptions, GroupAndOrderOptions, SensitivityOptions, SmallStudyOptions, PlotOptions};
+    ColumnOptions,        EffectSizeOptions, PredictorOptions,     ModelOptions,
+    RandomEffectsOptions, IterationOptions,  GroupAndOrderOptions, SensitivityOptions,
+    SmallStudyOptions,    PlotOptions,       HypothesisOptions};
 
 /// The options that the command of `options` has, in the order of the help. They refer to `options`, which
 /// must outlive them.

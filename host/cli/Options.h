@@ -17,7 +17,7 @@ enum class Command
     BINARY,     ///< 2x2 tables
     CONTINUOUS, ///< group sizes, means and standard deviations
     EFFECTS,    ///< ready-made effect sizes
-    REGRESSION  ///< ready-made effect sizes on covariates and factors
+    REGRESSION  ///< effect sizes, ready-made or of raw data, on covariates and factors
 };
 
 /// The columns of what a group reports in place of mean and standard deviation.
@@ -39,6 +39,10 @@ struct RegressionOptions
     bool noIntercept = false;
     bool dispersion = false; ///< multiplicative, for the fixed model
     bool normalTests = false;
+    std::vector<std::string> references;  ///< as given, "FACTOR=LEVEL"
+    std::vector<std::string> hypotheses;  ///< as given, "L1,L2,...=r"
+    std::vector<std::string> predictions; ///< as given, "latitude=30,allocation=random"
+    std::optional<std::string> rawEffect; ///< the measure of raw data, whose outcome says which it has
 };
 
 /// What the command line asks for, complete with defaults. `settings` holds what the library has settings
@@ -48,7 +52,13 @@ struct Options
 {
     explicit Options(Command ofCommand);
 
+    /// Sets what the data are: those of another command for the regression of raw data.
+    void SetOutcome(Command ofData);
+
     Command command;
+    /// The command that has these data. A regression learns it from the columns that are given; it is
+    /// REGRESSION for ready-made effect sizes.
+    std::optional<Command> outcome;
     std::vector<std::string> arguments; ///< as given
     std::set<std::string> given;        ///< names of the options that the command line has
     std::optional<std::string> preset;

@@ -35,16 +35,12 @@ OptionDefinition PlotFormatOption(Options& options)
 
 OptionDefinitions OutputOptions(Options& options)
 {
-    OptionDefinitions all = {
-        OutputOption("json", "FILE", "write all results as JSON; - for standard output, without report",
-                     options.jsonPath),
-        OutputOption("html", "FILE", "write one page with tables and pictures", options.htmlPath)};
-    if (options.command == Command::REGRESSION)
-        return all; // the library has no plots of a regression
-    all.push_back(
-        OutputOption("plots", "FOLDER", "write a picture of each plot into the folder", options.plotsFolder));
-    all.push_back(PlotFormatOption(options));
-    return all;
+    return {OutputOption("json", "FILE", "write all results as JSON; - for standard output, without report",
+                         options.jsonPath),
+            OutputOption("html", "FILE", "write one page with tables and pictures", options.htmlPath),
+            OutputOption("plots", "FOLDER", "write a picture of each plot into the folder",
+                         options.plotsFolder),
+            PlotFormatOption(options)};
 }
 
 } // namespace host

@@ -23,13 +23,16 @@ int Variables::PositionOf(const ColumnName& column)
 {
     if (!column)
         return -1;
-    for (int position = 0; position < list_.Size(); ++position) {
-        const KXVar& variable = list_.GetVarAt(position);
-        if (variable.type == KXVar::CONTINUOUS && variable.name == *column)
-            return position;
-    }
-    std::vector<double> numbers = NumbersOf(table_, table_.PositionOf(*column));
-    return Append(list_.AddContVar(*column, *column), std::move(numbers));
+    if (const auto known = columns_.find(*column); known != columns_.end())
+        return known->second;
+    const int position = AddComputed(*column, NumbersOf(table_, table_.PositionOf(*column)));
+    columns_[*column] = position;
+    return position;
+}
+
+int Variables::AddComputed(const std::string& name, std::vector<double> values)
+{
+    return Append(list_.AddContVar(name, name), std::move(values));
 }
 
 int Variables::AddCoded(const std::string& column, std::vector<double> codes)

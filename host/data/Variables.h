@@ -6,6 +6,7 @@
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/Record.h"
 
+#include <map>
 #include <string>
 #include <vector>
 
@@ -24,6 +25,9 @@ public:
     /// Position of the column as a variable whose values are the levels given by `codes`, one a record.
     int AddCoded(const std::string& column, std::vector<double> codes);
 
+    /// Position of a variable whose values are not those of a column, one a record.
+    int AddComputed(const std::string& name, std::vector<double> values);
+
     const KXVarList& List() const { return list_; }
 
     std::vector<Record> Records() const;
@@ -33,6 +37,7 @@ private:
 
     const DataTable& table_;
     std::vector<std::vector<double>> values_; ///< by the variable's position, then by record
+    std::map<std::string, int> columns_;      ///< positions of the columns of numbers
     KXVarList list_;
 };
 

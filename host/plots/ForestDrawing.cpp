@@ -47,7 +47,7 @@ bool HasLimits(const ForestInterval& place)
 class ForestDrawing
 {
 public:
-    ForestDrawing(const AnalysisData& data, const Forest& forest);
+    ForestDrawing(const ForestScale& scale, const Forest& forest);
 
     Picture Draw();
 
@@ -75,6 +75,7 @@ private:
     void AddGuides();
     void AddIntervals();
     void AddSquares();
+    void AddFittedDiamonds();
     void AddDiamonds();
     void AddNotes();
     std::vector<Point> ArrowHead(double at, double y, double direction, double size) const;
@@ -83,21 +84,21 @@ private:
     static double MiddleOf(std::size_t row) { return static_cast<double>(row) + 0.5; }
     double XPerPixel() const { return (picture_.x.last - picture_.x.first) / FRAME_WIDTH; }
 
-    const AnalysisData& data_;
+    const ForestScale& scale_;
     const Forest& forest_;
     int decimals_;
     Picture picture_ = {};
 };
 
-ForestDrawing::ForestDrawing(const AnalysisData& data, const Forest& forest)
-    : data_(data), forest_(forest), decimals_(data.decimals - 2)
+ForestDrawing::ForestDrawing(const ForestScale& scale, const Forest& forest)
+    : scale_(scale), forest_(forest), decimals_(scale.decimals - 2)
 {}
 
 /// A ratio below 0.005 has more decimals than the others, and one of 1000 or more has fewer.
 std::string ForestDrawing::PlainNumber(double value) const
 {
     const double size = std::abs(value);
-    if (data_.binary == nullptr || !IsNumber(value) || (size >= 0.005 && size < 1000))
+    if (!scale_.isOfTables || !IsNumber(value) || (size >= 0.005 && size < 1000))
         return FixedText(value, decimals_);
     return size >= 1000 && size < 1e5 ? FixedText(value, 0) : fmt::format("{:.2g}", value);
 }
@@ -129,7 +130,7 @@ ForestDrawing::Column ForestDrawing::RemarkColumn() const
 
 ForestDrawing::Column ForestDrawing::EffectColumn() const
 {
-    Column column = {{}, data_.IntervalHeader(data_.measure.symbol), Align::RIGHT};
+    Column column = {{}, scale_.effectHeader, Align::RIGHT};
     for (const ForestRow& row : forest_.rows)
         column.texts.push_back(EffectText(row));
     return column;
@@ -227,7 +228,7 @@ Extent EffectExtent(const std::vector<ForestRow>& rows)
 
 void ForestDrawing::SetAxes()
 {
-    picture_.x = EffectAxis(data_.measure, data_.measure.name, EffectExtent(forest_.rows));
+    picture_.x = EffectAxis(scale_.measure, scale_.measure.name, EffectExtent(forest_.rows));
     picture_.y = {"", static_cast<double>(forest_.rows.size()), 0, {}, false};
 }
 
@@ -237,8 +238,7 @@ void ForestDrawing::AddGuides()
     const double bottom = picture_.y.first;
     if (HasNullLine())
         picture_.layers.push_back({Layer::Kind::LINE, color::FAINT, {{{0, bottom}, {0, 0}}}});
-    const double overall = PooledRows(data_).effects.values.back();
-    if (IsNumber(overall))
+    if (const double overall = scale_.overall; IsNumber(overall))
         picture_.layers.push_back(
             {Layer::Kind::DASHED_LINE, color::ACCENT, {{{overall, bottom}, {overall, 0}}}, {}, 1.2});
 }
@@ -325,15 +325,27 @@ void ForestDrawing::AddDiamond(std::vector<std::vector<Point>>& areas, const For
         {{place.lower, y}, {place.estimate, y - half}, {place.upper, y}, {place.estimate, y + half}}, shown));
 }
 
+bool IsDrawable(const ForestInterval& place)
+{
+    return IsNumber(place.estimate) && IsNumber(place.lower) && IsNumber(place.upper);
+}
+
+void ForestDrawing::AddFittedDiamonds()
+{
+    Layer diamonds = {Layer::Kind::AREA, color::FITTED, {}};
+    for (std::size_t i = 0; i < forest_.rows.size(); ++i)
+        if (IsDrawable(forest_.rows[i].fitted))
+            AddDiamond(diamonds.pieces, forest_.rows[i].fitted, MiddleOf(i));
+    if (!diamonds.pieces.empty())
+        picture_.layers.push_back(std::move(diamonds));
+}
+
 void ForestDrawing::AddDiamonds()
 {
     Layer diamonds = {Layer::Kind::AREA, color::POOLED, {}};
-    for (std::size_t i = 0; i < forest_.rows.size(); ++i) {
-        const auto& [estimate, lower, upper] = forest_.rows[i].place;
-        const bool isDrawable = IsNumber(estimate) && IsNumber(lower) && IsNumber(upper);
-        if (forest_.rows[i].kind == Kind::POOLED && isDrawable)
+    for (std::size_t i = 0; i < forest_.rows.size(); ++i)
+        if (forest_.rows[i].kind == Kind::POOLED && IsDrawable(forest_.rows[i].place))
             AddDiamond(diamonds.pieces, forest_.rows[i].place, MiddleOf(i));
-    }
     picture_.layers.push_back(std::move(diamonds));
 }
 
@@ -344,7 +356,7 @@ void ForestDrawing::AddNotes()
     std::vector<std::string> notes = forest_.notes;
     if (!HasNullLine())
         notes.push_back(fmt::format("The axis does not reach to no effect, which is at {}.",
-                                    data_.measure.isRatio ? 1 : 0));
+                                    scale_.measure.isRatio ? 1 : 0));
     for (const std::string& note : notes) {
         picture_.texts.push_back({note, PICTURE_MARGIN, y + ROW_HEIGHT / 2});
         width = std::max(width, TextWidth(note) * FONT_SIZE);
@@ -362,6 +374,7 @@ Picture ForestDrawing::Draw()
     picture_.rowHeight = ROW_HEIGHT;
     PlaceColumns();
     SetAxes();
+    AddFittedDiamonds();
     AddGuides();
     AddSquares();
     AddIntervals();
@@ -372,9 +385,19 @@ Picture ForestDrawing::Draw()
 
 } // namespace
 
+Picture DrawForest(const ForestScale& scale, const Forest& forest)
+{
+    return ForestDrawing(scale, forest).Draw();
+}
+
 Picture DrawForest(const AnalysisData& data, const Forest& forest)
 {
-    return ForestDrawing(data, forest).Draw();
+    return DrawForest({.measure = data.measure,
+                       .effectHeader = data.IntervalHeader(data.measure.symbol),
+                       .decimals = data.decimals,
+                       .isOfTables = data.binary != nullptr,
+                       .overall = PooledRows(data).effects.values.back()},
+                      forest);
 }
 
 } // namespace host

@@ -21,7 +21,19 @@ struct Forest
     std::vector<std::string> notes; ///< lines below the axis
 };
 
+/// What a forest plot needs to know of the analysis.
+struct ForestScale
+{
+    Measure measure;
+    std::string effectHeader; ///< "OR [95% CI]"
+    int decimals;             ///< of effects
+    bool isOfTables;          ///< whose effects may be of very different size
+    double overall;           ///< where a line stands; missing for none
+};
+
 /// Draws the texts in columns left and right of a frame. A row is one unit of the vertical axis high.
+Picture DrawForest(const ForestScale& scale, const Forest& forest);
+/// With a line at the overall effect.
 Picture DrawForest(const AnalysisData& data, const Forest& forest);
 
 } // namespace host

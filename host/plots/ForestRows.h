@@ -2,6 +2,8 @@
 
 #include "host/report/AnalysisData.h"
 
+#include "meta_analysis/platform/common/KXMV.h"
+
 #include <string>
 #include <vector>
 
@@ -14,6 +16,8 @@ struct ForestInterval
     double lower;
     double upper;
 };
+
+inline constexpr ForestInterval NO_INTERVAL = {KXMV::Missing(), KXMV::Missing(), KXMV::Missing()};
 
 /// A line of a forest plot.
 struct ForestRow
@@ -29,10 +33,11 @@ struct ForestRow
 
     Kind kind;
     std::string label = {};
-    std::string remark = {};   ///< beside the label
-    ForestInterval place = {}; ///< on the scale of the analysis
-    ForestInterval shown = {}; ///< on the natural scale
-    double weight = 1;         ///< of a study, as a fraction of all
+    std::string remark = {};             ///< beside the label
+    ForestInterval place = {};           ///< on the scale of the analysis
+    ForestInterval shown = {};           ///< on the natural scale
+    double weight = 1;                   ///< of a study, as a fraction of all
+    ForestInterval fitted = NO_INTERVAL; ///< by a regression, on the scale of the analysis
 };
 
 /// The studies with their effects and the model of all studies. Where there are groups, the studies are in

@@ -1,8 +1,25 @@
 #include "host/report/RegressionData.h"
 
+#include "host/cli/RawOutcomes.h"
+#include "host/report/ReportColumns.h"
+#include "host/text/PlainText.h"
 #include "host/text/Wording.h"
 
+#include <fmt/format.h>
+
+using namespace MA_NAMESPACE;
+
 namespace host {
+
+namespace {
+
+/// Ready-made effect sizes may be of any measure.
+Measure MeasureOfRegression(const Options& options)
+{
+    return HasRawData(options) ? MeasureOf(options.settings) : Measure{"effect size", "Effect", false};
+}
+
+} // namespace
 
 RegressionData::RegressionData(const Options& ofOptions, const RegressionRequest& ofRequest,
                                const RegressionAnalysis& ofAnalysis)
@@ -11,6 +28,7 @@ RegressionData::RegressionData(const Options& ofOptions, const RegressionRequest
       analysis(ofAnalysis),
       output(*analysis.output),
       isRandom(IsRandom(options.settings)),
+      measure(MeasureOfRegression(ofOptions)),
       level(WordingOfLevel(options.settings)),
       decimals(DecimalsFor(output.GetBetaStandErr()))
 {}
@@ -24,6 +42,38 @@ bool RegressionData::IsAdjusted() const
 ReportColumn RegressionData::EffectColumn(const char* header, const std::vector<double>& values) const
 {
     return {header, TextsOf(values, [this](double value) { return FixedText(value, decimals); })};
+}
+
+const char* RegressionData::Statistic() const
+{
+    return IsAdjusted() || request.settings.GetTestDistType() == MAConst::TEST_STUDENT_T ? "t" : "z";
+}
+
+std::vector<std::string> RegressionData::ParameterNames() const
+{
+    std::vector<std::string> names;
+    for (const KXRegrParameter& parameter : output.GetParameters())
+        names.push_back(LabelText(ParameterName(parameter, request)));
+    return names;
+}
+
+std::vector<std::string> RegressionData::EffectNames() const
+{
+    std::vector<std::string> names;
+    for (const KXModelEffect& effect : request.settings.GetModelEffects())
+        names.push_back(LabelText(EffectName(effect, request)));
+    return names;
+}
+
+std::vector<ReportColumn> RegressionData::EstimateColumns(const std::string& header,
+                                                          const Estimates& estimates) const
+{
+    std::vector<ReportColumn> columns = {{IntervalHeader(header, level), EstimateTexts(estimates, decimals)}};
+    if (measure.isRatio)
+        columns.push_back({IntervalHeader(fmt::format("exp({})", header), level),
+                           EstimateTexts({Exponentials(estimates.values), Exponentials(estimates.lower),
+                                          Exponentials(estimates.upper)})});
+    return columns;
 }
 
 ReportColumn Cell(const char* header, const std::string& text)

@@ -4,6 +4,7 @@
 #include "host/report/Report.h"
 #include "host/run/RegressionAnalysis.h"
 #include "host/run/RegressionRequest.h"
+#include "host/text/Measures.h"
 #include "host/text/NumberText.h"
 
 #include <string>
@@ -23,12 +24,21 @@ struct RegressionData
     const RegressionAnalysis& analysis;
     const MA_NAMESPACE::MARegOutputStats& output;
     bool isRandom;
+    Measure measure;
     std::string level; ///< "95%"
     int decimals;      ///< of effects and standard errors
 
     /// Whether the model is adjusted after Knapp and Hartung; only then are there degrees of freedom of F
     /// where that goes by heterogeneity.
     bool IsAdjusted() const;
+
+    /// "t" or "z", by which coefficients are tested.
+    const char* Statistic() const;
+    /// Estimates with intervals on the scale of the analysis; of ratios then on their natural scale too.
+    std::vector<ReportColumn> EstimateColumns(const std::string& header, const Estimates& estimates) const;
+    std::vector<std::string> ParameterNames() const;
+    std::vector<std::string> EffectNames() const;
+
     ReportColumn EffectColumn(const char* header, const std::vector<double>& values) const;
 };
 

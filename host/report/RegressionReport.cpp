@@ -1,5 +1,6 @@
 #include "host/report/RegressionReport.h"
 
+#include "host/cli/RawOutcomes.h"
 #include "host/report/PresetSection.h"
 #include "host/report/RecordsSection.h"
 #include "host/report/RegressionSections.h"
@@ -14,8 +15,10 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
                             const RegressionAnalysis& analysis)
 {
     const RegressionData data(options, request, analysis);
-    Report report = {
-        fmt::format("Meta-regression: {}, {} level", WordingOfModel(options.settings), data.level), {}};
+    Report report = {fmt::format("Meta-regression{}: {}, {} level",
+                                 HasRawData(options) ? " of the " + data.measure.AnalysisName() : "",
+                                 WordingOfModel(options.settings), data.level),
+                     {}};
     Append(report.sections, RecordsSection(options.dataPath, analysis.records));
     Append(report.sections, PresetSection(options));
     for (RegressionSectionMaker* const make : REGRESSION_SECTIONS)

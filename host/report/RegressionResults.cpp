@@ -36,6 +36,33 @@ Json ScoresOf(const RegressionAnalysis& analysis)
 /// Adds what the getter Get<name> returns, under its name. A macro, so that key and getter are one word.
 #define ADD_RESULT(name) results[#name] = ToJson(output.Get##name())
 
+/// Hypotheses, tests of the effects and predictions.
+void AddInference(Json& results, const MARegOutputStats& output)
+{
+    ADD_RESULT(HypothesisEstimate);
+    ADD_RESULT(HypothesisStdError);
+    ADD_RESULT(HypothesisVal);
+    ADD_RESULT(HypothesisSig);
+    ADD_RESULT(HypothesisLog10Sig);
+    ADD_RESULT(HypothesisJointVal);
+    ADD_RESULT(HypothesisJointDf);
+    ADD_RESULT(HypothesisJointDf2);
+    ADD_RESULT(HypothesisJointSig);
+    ADD_RESULT(HypothesisJointLog10Sig);
+    ADD_RESULT(EffectTestVal);
+    ADD_RESULT(EffectTestDf);
+    ADD_RESULT(EffectTestDf2);
+    ADD_RESULT(EffectTestSig);
+    ADD_RESULT(EffectTestLog10Sig);
+    ADD_RESULT(VarianceInflation);
+    ADD_RESULT(PredictedEffect);
+    ADD_RESULT(PredictedStdError);
+    ADD_RESULT(PredictedCILower);
+    ADD_RESULT(PredictedCIUpper);
+    ADD_RESULT(PredictedPILower);
+    ADD_RESULT(PredictedPIUpper);
+}
+
 } // namespace
 
 Json ResultsOf(const RegressionRequest& request, const RegressionAnalysis& analysis)
@@ -71,6 +98,7 @@ Json ResultsOf(const RegressionRequest& request, const RegressionAnalysis& analy
     ADD_RESULT(HresSquare);
     ADD_RESULT(IresSquare);
     ADD_RESULT(RSquare);
+    AddInference(results, output);
     results["Score"] = ScoresOf(analysis);
     return results;
 }

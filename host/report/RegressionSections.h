@@ -10,11 +10,13 @@ namespace host {
 using RegressionSectionMaker = ReportSections(const RegressionData& data);
 
 RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection,
-    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection;
+    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection, EffectTestsSection,
+    HypothesesSection, PredictionsSection;
 
 /// The sections in the order of the report.
 inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
     FittedStudiesSection,         CoefficientsSection,     ModelTestSection,
+    EffectTestsSection,           HypothesesSection,       PredictionsSection,
     ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection};
 
 } // namespace host

@@ -89,6 +89,19 @@ RecordSummary Analysis::Records(std::size_t read) const
     return {read, base.GetNonMissingStudyID(), base.GetNMissing(), base.GetNInvalid(), base.GetNDropped()};
 }
 
+Analysis ComputeEffectSizes(AnalysisRequest& request)
+{
+    Analysis analysis = NewAnalysis(request.settings);
+    std::visit(
+        [&](auto& model) {
+            analysis.status = model.ESCalc(request.records);
+            if (!analysis.status.IsError())
+                analysis.status = model.ExtractModelInputData(request.records);
+        },
+        analysis.model);
+    return analysis;
+}
+
 Analysis RunAnalysis(AnalysisRequest& request)
 {
     Analysis analysis = NewAnalysis(request.settings);

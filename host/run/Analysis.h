@@ -39,6 +39,9 @@ struct Analysis
     KXStatus FinalStatus() const;
 };
 
+/// Computes the effect sizes of the request's outcome, and nothing else.
+Analysis ComputeEffectSizes(AnalysisRequest& request);
+
 /// Runs the driver of the request's outcome, then the small-study test and the bubble plots that are asked
 /// for. A failure of these steps leaves the results of the run as they are.
 Analysis RunAnalysis(AnalysisRequest& request);

@@ -3,6 +3,7 @@
 #include "host/text/Progress.h"
 #include "host/text/StatusText.h"
 
+#include "meta_analysis/analysis/MABaseModel.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/ProgressListener.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
@@ -47,18 +48,46 @@ std::optional<Score> ScoreOf(const Engine& engine, const Record& record)
     return status.IsOK() ? std::optional(score) : std::nullopt;
 }
 
-/// The engine counts the records that it could not use. A record with a leverage is one that it used.
-RecordSummary UseOf(const std::vector<Record>& records, const RegressionAnalysis& analysis)
+/// The engine counts the records that it could not use, those without an effect size of raw data included. A
+/// record with a leverage is one that it used.
+RecordSummary UseOf(const RegressionRequest& request, const RegressionAnalysis& analysis)
 {
-    RecordSummary use;
-    use.read = records.size();
-    for (std::size_t i = 0; i < records.size(); ++i)
+    RecordSummary use = request.rawEffects ? request.rawEffects->records : RecordSummary();
+    use.read = request.records.size();
+    use.used.clear();
+    const int leftOut = use.missing + use.invalid + use.dropped;
+    int missing = 0;
+    for (std::size_t i = 0; i < request.records.size(); ++i) {
         if (analysis.scores[i] && !KXMV::IsMissing(analysis.scores[i]->leverage))
             use.used.push_back(static_cast<int>(i));
-    use.missing = static_cast<int>(std::count_if(records.begin(), records.end(), HasMissing));
+        const bool hasEffect = !request.rawEffects || !KXMV::IsMissing(request.rawEffects->effects[i]);
+        missing += hasEffect && HasMissing(request.records[i]) ? 1 : 0;
+    }
+    use.missing += missing;
     // After an early error the engine has counted no record.
-    use.invalid = std::max(0, analysis.output->GetNBadRecords() - use.missing);
+    use.invalid += std::max(0, analysis.output->GetNBadRecords() - leftOut - missing);
     return use;
+}
+
+/// The engine lets the host read its coordinates only while it has the model.
+template <class Engine>
+void Plot(const Engine& engine, const RegressionRequest& request, RegressionAnalysis& analysis)
+{
+    VectorRecordIter records(request.records);
+    engine.ForestPlot(records, analysis.forest);
+    for (const int covariate : request.settings.GetCovariates())
+        engine.BubblePlot(records, covariate, request.bubblePoints, analysis.bubbles[covariate]);
+}
+
+/// Those of the effect sizes come before those of the regression.
+std::vector<KXStatus> WarningsOf(const RegressionRequest& request, const std::vector<KXStatus>& ofEngine)
+{
+    std::vector<KXStatus> warnings;
+    if (request.rawEffects)
+        warnings = request.rawEffects->warnings;
+    for (const KXStatus& warning : ofEngine)
+        MABaseModel::AddNewWarning(warning, warnings);
+    return warnings;
 }
 
 template <class Engine>
@@ -85,7 +114,7 @@ RegressionAnalysis Run(const RegressionRequest& request)
     VectorRecordIter records(request.records);
     RegressionAnalysis analysis;
     analysis.status = engine.BuildModel(records);
-    analysis.warnings = engine.GetWarnings();
+    analysis.warnings = WarningsOf(request, engine.GetWarnings());
     analysis.output = std::make_unique<const MARegOutputStats>(request.settings, engine);
     analysis.scores.reserve(request.records.size());
     for (const Record& record : request.records) {
@@ -95,7 +124,9 @@ RegressionAnalysis Run(const RegressionRequest& request)
     }
     if (HasTau2Doubt(analysis.warnings))
         analysis.globalTau2 = Tau2ByGlobalSearch<Engine>(request);
-    analysis.records = UseOf(request.records, analysis);
+    analysis.records = UseOf(request, analysis);
+    if (request.hasPictures)
+        Plot(engine, request, analysis);
     return analysis;
 }
 

@@ -5,7 +5,9 @@
 
 #include "meta_analysis/platform/common/KXStatus.h"
 #include "meta_analysis/regression/MARegOutputStats.h"
+#include "meta_analysis/regression/MARegPlots.h"
 
+#include <map>
 #include <memory>
 #include <optional>
 #include <vector>
@@ -33,6 +35,8 @@ struct RegressionAnalysis
         output;                               ///< after an error, what was computed before it
     std::vector<std::optional<Score>> scores; ///< one a record; none for an unusable one
     RecordSummary records;
+    std::vector<MA_NAMESPACE::MARegForestRow> forest;     ///< plots are empty when they are not asked for
+    std::map<int, MA_NAMESPACE::MARegBubblePlot> bubbles; ///< by covariate
     std::optional<double> globalTau2; ///< by the global search, after MAStatusCode::TAU2_DOUBTFUL
 };
 

@@ -1,9 +1,11 @@
 #include "host/run/RegressionRequest.h"
 
 #include "host/cli/Interactions.h"
+#include "host/cli/RawOutcomes.h"
 #include "host/data/ColumnCoding.h"
 #include "host/data/StudyLabels.h"
 #include "host/data/Variables.h"
+#include "host/run/PredictorValues.h"
 #include "host/text/UnusableInput.h"
 
 #include "meta_analysis/settings/RegressionSettingsOf.h"
@@ -12,6 +14,7 @@
 #include <fmt/ranges.h>
 
 #include <new>
+#include <set>
 #include <utility>
 
 using namespace MA_NAMESPACE;
@@ -55,8 +58,17 @@ public:
         for (const std::string& factor : options_.regression.factors)
             AddFactor(factor);
         AddEffects();
-        return {settings_, variables_.List(), std::move(levels_), variables_.Records(),
-                StudyLabels(options_.study, table_)};
+        AddReferences();
+        AddHypotheses();
+        AddPredictions();
+        return {.settings = settings_,
+                .variables = variables_.List(),
+                .levels = std::move(predictors_.levels),
+                .records = variables_.Records(),
+                .studyLabels = StudyLabels(options_.study, table_),
+                .rawEffects = std::move(rawEffects_),
+                .hasPictures = options_.htmlPath || options_.plotsFolder,
+                .bubblePoints = options_.settings.GetBubbleCurveNPoints()};
     }
 
 private:
@@ -65,17 +77,32 @@ private:
     void AddFactor(const std::string& column);
     void AddEffects();
     void AddEffect(const std::vector<std::string>& columns);
+    void AddRawEffects();
+    void AddReferences();
+    void AddHypotheses();
+    void AddPredictions();
 
     const Options& options_;
     const DataTable& table_;
     Variables variables_;
     MARegSettings settings_;
-    std::map<std::string, int> predictors_; ///< positions by column
-    std::map<int, std::vector<std::string>> levels_;
+    Predictors predictors_;
+    std::optional<RawEffects> rawEffects_;
 };
+
+/// The effect sizes of raw data are variables of their own, which no column names.
+void RegressionColumnsPicker::AddRawEffects()
+{
+    rawEffects_ = ComputeRawEffects(options_, table_);
+    RequireTaken(settings_.SetDependent(variables_.AddComputed("effect size", rawEffects_->effects)));
+    settings_.SetOMWVarIndex(variables_.AddComputed("variance", rawEffects_->variances));
+    settings_.SetOMWVarType(MAConst::OMEGA_VARIANCE);
+}
 
 void RegressionColumnsPicker::AddStudies()
 {
+    if (HasRawData(options_))
+        return AddRawEffects();
     RequireTaken(settings_.SetDependent(variables_.PositionOf(options_.effectSize)));
     const std::pair<const ColumnName&, MAConst::OMGWeightType> weights[] = {
         {options_.variance, MAConst::OMEGA_VARIANCE},
@@ -93,7 +120,7 @@ void RegressionColumnsPicker::AddCovariate(const std::string& column)
 {
     const int position = variables_.PositionOf(column);
     RequireTaken(settings_.AddCovariate(position) >= 0);
-    predictors_[column] = position;
+    predictors_.positions[column] = position;
 }
 
 void RegressionColumnsPicker::AddFactor(const std::string& column)
@@ -106,8 +133,8 @@ void RegressionColumnsPicker::AddFactor(const std::string& column)
                                   : fmt::format("no other value than '{}'", coding.levels.front())));
     const int position = variables_.AddCoded(column, std::move(coding.codes));
     RequireTaken(settings_.AddFactor(position, static_cast<int>(coding.levels.size())) >= 0);
-    predictors_[column] = position;
-    levels_[position] = std::move(coding.levels);
+    predictors_.positions[column] = position;
+    predictors_.levels[position] = std::move(coding.levels);
 }
 
 void RegressionColumnsPicker::AddEffects()
@@ -125,11 +152,55 @@ void RegressionColumnsPicker::AddEffect(const std::vector<std::string>& columns)
 {
     KXModelEffect effect;
     for (const std::string& column : columns) {
-        const int position = predictors_.at(column);
-        const bool isFactor = levels_.contains(position);
+        const int position = predictors_.positions.at(column);
+        const bool isFactor = predictors_.levels.contains(position);
         RequireTaken(isFactor ? effect.AddFactor(position) : effect.AddCovariate(position));
     }
     RequireTaken(settings_.AddModelEffect(effect));
+}
+
+void RegressionColumnsPicker::AddReferences()
+{
+    std::set<int> factors;
+    for (const std::string& text : options_.regression.references) {
+        const FactorWithLevel reference = ParseReference(text, predictors_);
+        if (!factors.insert(reference.factor).second)
+            throw UnusableInput(fmt::format("--reference '{}': its factor has two references.", text));
+        RequireTaken(settings_.SetReferenceLevel(reference.factor, reference.level));
+    }
+}
+
+void RegressionColumnsPicker::AddHypotheses()
+{
+    std::vector<std::vector<double>> rows;
+    std::vector<double> values;
+    for (const std::string& text : options_.regression.hypotheses) {
+        Hypothesis hypothesis = ParseHypothesis(text);
+        rows.push_back(std::move(hypothesis.weights));
+        values.push_back(hypothesis.value);
+    }
+    settings_.SetHypotheses(std::move(rows), std::move(values));
+}
+
+void RegressionColumnsPicker::AddPredictions()
+{
+    std::vector<Record> records;
+    for (const std::string& text : options_.regression.predictions)
+        records.push_back(ParsePredictorValues(text, predictors_));
+    settings_.SetPredictions(std::move(records));
+}
+
+/// The covariates with their powers behind the factors, as a product.
+template <class Effect>
+std::string ProductOf(std::vector<std::string> factors, const Effect& effect,
+                      const RegressionRequest& request)
+{
+    for (std::size_t i = 0; i < effect.GetCovariates().size(); ++i) {
+        const std::string& name = request.variables.GetVarAt(effect.GetCovariates()[i]).name;
+        const int power = effect.GetCovMultiplicities()[i];
+        factors.push_back(power == 1 ? name : fmt::format("{}^{}", name, power));
+    }
+    return fmt::format("{}", fmt::join(factors, "*"));
 }
 
 } // namespace
@@ -143,19 +214,22 @@ std::string ParameterName(const KXRegrParameter& parameter, const RegressionRequ
 {
     if (parameter.IsIntercept())
         return "(intercept)";
-    std::vector<std::string> parts;
+    std::vector<std::string> factors;
     for (std::size_t i = 0; i < parameter.GetFactors().size(); ++i) {
         const int factor = parameter.GetFactors()[i];
         const auto level = static_cast<std::size_t>(parameter.GetCategories()[i]);
-        parts.push_back(
+        factors.push_back(
             fmt::format("{}={}", request.variables.GetVarAt(factor).name, request.levels.at(factor)[level]));
     }
-    for (std::size_t i = 0; i < parameter.GetCovariates().size(); ++i) {
-        const std::string& name = request.variables.GetVarAt(parameter.GetCovariates()[i]).name;
-        const int power = parameter.GetCovMultiplicities()[i];
-        parts.push_back(power == 1 ? name : fmt::format("{}^{}", name, power));
-    }
-    return fmt::format("{}", fmt::join(parts, "*"));
+    return ProductOf(std::move(factors), parameter, request);
+}
+
+std::string EffectName(const KXModelEffect& effect, const RegressionRequest& request)
+{
+    std::vector<std::string> factors;
+    for (const int factor : effect.GetFactors())
+        factors.push_back(request.variables.GetVarAt(factor).name);
+    return ProductOf(std::move(factors), effect, request);
 }
 
 } // namespace host

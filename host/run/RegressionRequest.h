@@ -2,6 +2,7 @@
 
 #include "host/cli/Options.h"
 #include "host/data/DataTable.h"
+#include "host/run/RawEffects.h"
 
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/Record.h"
@@ -9,6 +10,7 @@
 #include "meta_analysis/settings/MARegSettings.h"
 
 #include <map>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -22,6 +24,9 @@ struct RegressionRequest
     std::map<int, std::vector<std::string>> levels; ///< of each factor by its position, in the order coded
     std::vector<Record> records;
     std::vector<std::string> studyLabels; ///< one a record
+    std::optional<RawEffects> rawEffects; ///< none for ready-made effect sizes
+    bool hasPictures = false;             ///< whether the coordinates of plots are asked for
+    int bubblePoints = 0;                 ///< of a line
 };
 
 /// Picks and codes the columns that the options name. Throws UnusableInput.
@@ -29,5 +34,7 @@ RegressionRequest MakeRegressionRequest(const Options& options, const DataTable&
 
 /// The name of a parameter: "(intercept)", "latitude", "latitude^2", "allocation=random*latitude".
 std::string ParameterName(const KXRegrParameter& parameter, const RegressionRequest& request);
+/// The name of an effect: "latitude", "allocation*latitude".
+std::string EffectName(const KXModelEffect& effect, const RegressionRequest& request);
 
 } // namespace host

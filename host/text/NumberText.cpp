@@ -115,6 +115,14 @@ std::vector<double> SquareRoots(std::vector<double> values)
     return values;
 }
 
+std::vector<double> Exponentials(std::vector<double> values)
+{
+    for (double& value : values)
+        if (!KXMV::IsMissing(value))
+            value = std::exp(value);
+    return values;
+}
+
 int DecimalsFor(const std::vector<double>& stdErrors)
 {
     double smallest = 1;

@@ -46,6 +46,9 @@ std::vector<double> InPercent(std::vector<double> fractions);
 /// Missing stays missing.
 std::vector<double> SquareRoots(std::vector<double> values);
 
+/// The exponentials of the numbers; missing stays missing.
+std::vector<double> Exponentials(std::vector<double> values);
+
 /// Decimals that suit effects with these standard errors: three significant digits of the smallest, but no
 /// less than four.
 int DecimalsFor(const std::vector<double>& stdErrors);

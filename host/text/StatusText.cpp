@@ -39,6 +39,14 @@ constexpr StatusSentence SENTENCES[] = {
     {MAStatusCode::TAU2_FAILED, "The between-study variance could not be estimated."},
     {MAStatusCode::NO_USABLE_STUDY, "No record could be used."},
     {MAStatusCode::NO_ANALYSED_STUDY, "There is no study for trim-and-fill to start from."},
+    {MAStatusCode::HYPOTHESIS_UNUSABLE,
+     "A hypothesis needs a weight for each parameter, redundant ones included, of which one is not 0."},
+    {MAStatusCode::HYPOTHESIS_ON_REDUNDANT,
+     "A hypothesis has a weight on a redundant parameter, whose coefficient is not estimated."},
+    {MAStatusCode::HYPOTHESES_CONTRADICT, "The hypotheses contradict one another: their weights depend on "
+                                          "one another, and their values cannot all "
+                                          "hold."},
+    {MAStatusCode::REFERENCE_LEVEL_ABSENT, "No usable record has the reference level of a factor."},
     {MAStatusCode::OUT_OF_MEMORY, "Memory ran out; the results hold what was computed before."},
     {MAStatusCode::UNUSABLE_RECORD,
      "Records were left out of a regression: a value that it needs is missing or not usable."},
@@ -114,6 +122,9 @@ constexpr StatusSentence SENTENCES[] = {
     {MAStatusCode::COMMON_TAU2_IGNORED,
      "A common between-study variance was asked for without subgroups under random effects, or for a "
      "cumulative analysis; it has no effect."},
+    {MAStatusCode::PREDICTION_UNAVAILABLE,
+     "The data determine no prediction at some of the values: no study has such a combination of levels, or "
+     "the values break a relation that the predictors of all studies keep."},
 };
 
 } // namespace

@@ -38,19 +38,35 @@ private:
     Values values_;
 };
 
-double LengthOf(const Values& row)
-{
-    return std::sqrt(Dot(row.data(), row.data(), row.size()));
-}
-
-/// The row is first divided by its largest element, so that no square overflows.
-OrthonormalRows::Outcome OrthonormalRows::Add(Values row, double value, double smallest)
+double LargestOf(const Values& row)
 {
     double largest = 0.0;
     for (const double element : row)
         largest = std::max(largest, std::abs(element));
+    return largest;
+}
+
+void Divide(Values& row, double divisor)
+{
     for (double& element : row)
-        element /= largest;
+        element /= divisor;
+}
+
+/// Elements are taken relative to the largest, so that no square overflows.
+double LengthOf(Values row)
+{
+    const double largest = LargestOf(row);
+    if (largest == 0.0)
+        return 0.0;
+    Divide(row, largest);
+    return largest * std::sqrt(Dot(row.data(), row.data(), row.size()));
+}
+
+/// The row is first divided by its largest element, as the lengths of rows may differ without limit.
+OrthonormalRows::Outcome OrthonormalRows::Add(Values row, double value, double smallest)
+{
+    const double largest = LargestOf(row);
+    Divide(row, largest);
     value /= largest;
     const double length = LengthOf(row);
     double size = std::abs(value);
@@ -69,8 +85,7 @@ OrthonormalRows::Outcome OrthonormalRows::Add(Values row, double value, double s
         constexpr double agreement = 1e-12;
         return std::abs(value) <= agreement * size ? Outcome::DEPENDENT : Outcome::CONTRADICTING;
     }
-    for (double& element : row)
-        element /= left;
+    Divide(row, left);
     rows_.push_back(std::move(row));
     values_.push_back(value / left);
     return Outcome::INDEPENDENT;

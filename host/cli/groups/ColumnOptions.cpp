@@ -1,6 +1,7 @@
 #include "host/cli/ColumnChecks.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
+#include "host/cli/RawOutcomes.h"
 
 using namespace MA_NAMESPACE;
 
@@ -72,9 +73,11 @@ OptionDefinitions RegressionColumns(Options& options)
     };
 }
 
-OptionDefinitions ColumnsOf(Options& options)
+} // namespace
+
+OptionDefinitions ColumnsOfData(Options& options, Command data)
 {
-    switch (options.command) {
+    switch (data) {
     case Command::BINARY:
         return BinaryColumns(options);
     case Command::CONTINUOUS:
@@ -86,8 +89,6 @@ OptionDefinitions ColumnsOf(Options& options)
     }
     return {};
 }
-
-} // namespace
 
 OptionGroup ColumnOptions(Options& options)
 {

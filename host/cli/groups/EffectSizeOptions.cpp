@@ -1,6 +1,7 @@
 #include "host/cli/Choices.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
+#include "host/cli/RawOutcomes.h"
 #include "host/text/Measures.h"
 #include "host/text/Wording.h"
 
@@ -79,21 +80,6 @@ OptionDefinitions ReadyMadeEffects(Options& options)
     };
 }
 
-OptionDefinitions EffectsOf(Options& options)
-{
-    switch (options.command) {
-    case Command::BINARY:
-        return BinaryEffect(options.settings);
-    case Command::CONTINUOUS:
-        return ContinuousEffect(options.settings);
-    case Command::EFFECTS:
-        return ReadyMadeEffects(options);
-    case Command::REGRESSION:
-        break;
-    }
-    return {};
-}
-
 /// Ratios are results of a binary outcome, unless the outcome is given. Without a measure they are no odds
 /// ratios, but ratios of any kind.
 void ResolveRatio(Options& options)
@@ -137,6 +123,21 @@ void CheckPooledZeroCells(const Options& options)
 }
 
 } // namespace
+
+OptionDefinitions EffectsOfData(Options& options, Command data)
+{
+    switch (data) {
+    case Command::BINARY:
+        return BinaryEffect(options.settings);
+    case Command::CONTINUOUS:
+        return ContinuousEffect(options.settings);
+    case Command::EFFECTS:
+        return ReadyMadeEffects(options);
+    case Command::REGRESSION:
+        break;
+    }
+    return {};
+}
 
 OptionGroup EffectSizeOptions(Options& options)
 {

@@ -83,6 +83,10 @@ OptionGroup PredictorOptions(Options& options)
                 TextList(
                     "interaction", "A:B", regression.interactions,
                     "product of two covariates or factors, repeatable; A:A is the square of a covariate"),
+                TextList("reference", "LEVEL", regression.references,
+                         "FACTOR=LEVEL: the level that the others of a factor are compared with, repeatable "
+                         "(default: the "
+                         "last level)"),
                 Flag("no-intercept", regression.noIntercept, "fit without an intercept"),
             },
         .complete = [&options] { CheckPredictors(options); }};

@@ -1,8 +1,9 @@
 #include "host/report/RegressionSections.h"
-#include "host/report/ReportColumns.h"
-#include "host/text/PlainText.h"
+
+#include <fmt/format.h>
 
 #include <cstddef>
+#include <utility>
 
 using namespace MA_NAMESPACE;
 
@@ -10,48 +11,44 @@ namespace host {
 
 namespace {
 
-bool UsesStudentT(const RegressionData& data)
+std::vector<ReportColumn> CoefficientColumns(const RegressionData& data)
 {
-    return data.IsAdjusted() || data.request.settings.GetTestDistType() == MAConst::TEST_STUDENT_T;
+    std::vector<ReportColumn> columns = data.EstimateColumns(
+        "Coefficient", {data.output.GetEstimation(), data.output.GetBetaConfInterValLower(),
+                        data.output.GetBetaConfInterValUpper()});
+    for (ReportColumn& column : columns)
+        for (std::size_t i = 0; i < column.cells.size(); ++i)
+            if (!data.output.GetRedundancyInfo().Test(i))
+                column.cells[i] = std::string(NO_VALUE);
+    return columns;
 }
 
-std::vector<std::string> ParameterNames(const RegressionData& data)
+/// What the coefficients of a ratio are.
+std::string SentenceOfScale(const Measure& measure)
 {
-    std::vector<std::string> names;
-    for (const KXRegrParameter& parameter : data.output.GetParameters())
-        names.push_back(LabelText(ParameterName(parameter, data.request)));
-    return names;
-}
-
-ReportColumn CoefficientColumn(const RegressionData& data)
-{
-    ReportColumn column = {IntervalHeader("Coefficient", data.level),
-                           EstimateTexts({data.output.GetEstimation(), data.output.GetBetaConfInterValLower(),
-                                          data.output.GetBetaConfInterValUpper()},
-                                         data.decimals)};
-    for (std::size_t i = 0; i < column.cells.size(); ++i)
-        if (!data.output.GetRedundancyInfo().Test(i))
-            column.cells[i] = std::string(NO_VALUE);
-    return column;
+    return fmt::format(
+        "Coefficients are of the {0}. Its exponential is the {1} where all predictors are 0 (the "
+        "intercept), and the factor by which the {1} changes with a predictor.",
+        measure.AnalysisName(), measure.name);
 }
 
 } // namespace
 
 ReportSections CoefficientsSection(const RegressionData& data)
 {
-    ReportSection section = {
-        "Coefficients",
-        {{"Parameter", ParameterNames(data), true},
-         CoefficientColumn(data),
-         data.EffectColumn("SE", data.output.GetBetaStandErr()),
-         {UsesStudentT(data) ? "t" : "z", TextsOf(data.output.GetBetaTest(), NumberText)},
-         {"p", TextsOf(data.output.GetBetaTestPValue(), PValueText)}},
-        {}};
+    ReportSection section = {"Coefficients", {{"Parameter", data.ParameterNames(), true}}, {}};
+    for (ReportColumn& column : CoefficientColumns(data))
+        section.table.push_back(std::move(column));
+    section.table.push_back(data.EffectColumn("SE", data.output.GetBetaStandErr()));
+    section.table.push_back({data.Statistic(), TextsOf(data.output.GetBetaTest(), NumberText)});
+    section.table.push_back({"p", TextsOf(data.output.GetBetaTestPValue(), PValueText)});
     const KXBitSet estimated = data.output.GetRedundancyInfo();
     if (estimated.Count() < estimated.Size())
         section.sentences.push_back(
             "-: aliased: the parameters before it determine it, to within the computational tolerance, "
             "and it counts as 0 in the fit.");
+    if (data.measure.isRatio)
+        section.sentences.push_back(SentenceOfScale(data.measure));
     return {section};
 }
 

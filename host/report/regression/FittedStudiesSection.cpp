@@ -28,7 +28,7 @@ ReportSections FittedStudiesSection(const RegressionData& data)
     }
     return {{"Studies",
              {{"Study", labels, true},
-              data.EffectColumn("Effect", effects),
+              data.EffectColumn(data.measure.AnalysisSymbol().c_str(), effects),
               {IntervalHeader("Fitted", data.level), EstimateTexts(fitted, data.decimals)},
               data.EffectColumn("Residual", residuals),
               data.EffectColumn("SE", stdErrors),

@@ -20,6 +20,8 @@ ReportSections ResidualVarianceSection(const RegressionData& data)
     if (HasAnyValue({data.output.GetLogLikelihood()})) {
         section.table.push_back(Cell("log-likelihood", NumberText(data.output.GetLogLikelihood())));
         section.table.push_back(Cell("AIC", NumberText(data.output.GetAIC())));
+        section.table.push_back(Cell("BIC", NumberText(data.output.GetBIC())));
+        section.table.push_back(Cell("AICc", NumberText(data.output.GetAICc())));
     }
     const MAConst::TAU2INTERVAL method = data.request.settings.GetTau2Interval();
     if (HasAnyValue(tau2.upper))

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "host/draw/Picture.h"
+#include "host/report/RegressionData.h"
+
+#include <vector>
+
+namespace host {
+
+/// The forest plot of the studies with the fitted values, and a bubble plot of each covariate. Empty without
+/// a used study.
+std::vector<Picture> MakeRegressionPictures(const RegressionData& data);
+
+} // namespace host
