@@ -185,7 +185,8 @@ MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsC
 /// The bounds of H² and I² are their values at those of tau².
 void BoundHeterogeneity(MAPooledModel& model)
 {
-    if (KXMV::IsMissing(model.tau2Results.lower) || KXMV::IsMissing(model.tau2Results.upper))
+    if (KXMV::IsMissing(model.tau2Results.lower) || KXMV::IsMissing(model.tau2Results.upper) ||
+        KXMV::IsMissing(model.typicalVariance))
         return;
     const MAHeterogeneityMeasures lower =
         HeterogeneityFromTau2(model.tau2Results.lower, model.typicalVariance);

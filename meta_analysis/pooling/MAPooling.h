@@ -29,7 +29,8 @@ MAMeanTest TestOfMeans(std::span<const MAEffects> groups, MAConst::KNAPPHADJTYPE
 MAPooledModel PoolAtTau2(const MAEffects& studies, const MARandomEffectsChoice& choice, double tau2,
                          const MAMeanTest& test);
 
-/// Sets the bounds of H² and I² to their values at those of tau², where these are there.
+/// Sets the bounds of H² and I² to their values at those of tau², where these are there, and the model has a
+/// typical within-study variance.
 void BoundHeterogeneity(MAPooledModel& model);
 
 /// The check of `MARandomEffectsChoice::checksTau2`, for a model that was pooled without it.
