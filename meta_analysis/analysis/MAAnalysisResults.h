@@ -78,8 +78,8 @@ public:
     std::vector<double> GetEstCILower() const;
     std::vector<double> GetEstCIUpper() const;
 
-    /// Per model: degrees of freedom of that test by Student's t; missing where it is by the normal
-    /// distribution.
+    /// Per model: degrees of freedom of that test by Student's t, 0 where there is none for want of studies;
+    /// missing where it is by the normal distribution.
     std::vector<double> GetEstDf() const;
 
     /// Per model: prediction interval and between-study variance; missing for fixed-effect models.

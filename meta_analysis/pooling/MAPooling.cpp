@@ -201,6 +201,17 @@ MAPooledModel RandomEffectsModel(const MARandomEffectsSums& sums, const MARandom
     model.typicalVariance = model.homogeneity.df / sums.fixedTrace;
     model.heterogeneity = HeterogeneityFromTau2(model.tau2, model.typicalVariance);
     return model;
+    if (KXMV::IsMissing(model.tau2Results.lower) || KXMV::IsMissing(model.tau2Results.upper) ||
+        KXMV::IsMissing(model.typicalVariance))
+        return;
+    const MAHeterogeneityMeasures lower =
+        HeterogeneityFromTau2(model.tau2Results.lower, model.typicalVariance);
+    const MAHeterogeneityMeasures upper =
+        HeterogeneityFromTau2(model.tau2Results.upper, model.typicalVariance);
+    model.heterogeneity.h2Lower = lower.h2;
+    model.heterogeneity.h2Upper = upper.h2;
+    model.heterogeneity.i2Lower = lower.i2;
+    model.heterogeneity.i2Upper = upper.i2;
 }
 
 bool IsTau2Doubtful(const MAEffects& studies, const MARandomEffectsChoice& choice, const MAPooledModel& model)

@@ -31,7 +31,8 @@ MAMeanTest TestOfMeans(std::span<const MAEffects> groups, MAConst::KNAPPHADJTYPE
 MAPooledModel PoolAtTau2(const MAEffects& studies, const MARandomEffectsChoice& choice, double tau2,
                          const MAMeanTest& test);
 
-/// Sets the bounds of H² and I² to their values at those of tau², where these are there.
+/// Sets the bounds of H² and I² to their values at those of tau², where these are there, and the model has a
+/// typical within-study variance.
 void BoundHeterogeneity(MAPooledModel& model);
 
 /// Sums over two studies or more, of which their random-effects model is made.

@@ -35,7 +35,7 @@ std::string WordingOfAdjustedModels(const AnalysisData& data)
 std::string WordingOfCommonTest(const AnalysisData& data)
 {
     const std::vector<double> dfs = data.base.GetEstDf();
-    if (!data.settings.GetCommonTau2() || data.groupLabels.empty() || !HasValue(dfs.front()))
+    if (!data.settings.GetCommonTau2() || data.groupLabels.empty() || !(dfs.front() > 0))
         return {};
     return fmt::format("The groups are parts of one model: one factor after Knapp and Hartung, and t with "
                        "{:g} degrees of freedom.",

@@ -21,8 +21,9 @@ void ExpectReference(const std::string& dataSet, const std::string& figures)
     const nlohmann::json expected = LoadReference(figures).at("rank_test");
     EXPECT_TRUE(Close(run.model.GetRankTestTau(), expected.at("tau"), 1e-13));
     EXPECT_TRUE(Close(run.model.GetRankTestSig(), expected.at("p_normal"), 1e-12));
-    if (expected.contains("p_exact"))
+    if (expected.contains("p_exact")) {
         EXPECT_TRUE(Close(run.model.GetRankTestExactSig(), expected.at("p_exact"), 1e-12));
+    }
     EXPECT_FALSE(run.Warns(MAStatusCode::FEW_STUDIES_FOR_TEST));
 }
 
