@@ -5,7 +5,9 @@
 #include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
+#include "meta_analysis/regression/MAFEAlgorithm.h"
 #include "meta_analysis/settings/MAModelSettings.h"
+#include "meta_analysis/settings/RegressionSettingsOf.h"
 
 #include <benchmark/benchmark.h>
 
@@ -159,5 +161,69 @@ void ConvertedMedians(benchmark::State& state)
     TimeRuns(state, settings, VectorRecordIter(std::move(records)));
 }
 BENCHMARK(ConvertedMedians)->Arg(100000)->Unit(benchmark::kMillisecond);
+/// A fixed-effect regression on nine covariates and a factor of five levels, with all that is asked of it
+/// beside the coefficients when the argument is 1.
+void RegressionQuestions(benchmark::State& state)
+{
+    constexpr int covariateCount = 9;
+    constexpr std::size_t studyCount = 10000;
+    const SimulatedStudies studies = SimulateStudies(studyCount);
+    std::vector<Record> rows;
+    for (std::size_t i = 0; i < studyCount; ++i) {
+        std::vector<double> row = {studies.effectSizes[i], studies.variances[i], static_cast<double>(i % 5)};
+        for (int j = 1; j <= covariateCount; ++j)
+            row.push_back(std::sin(static_cast<double>(i) * j));
+        rows.emplace_back(std::move(row));
+    }
+    MARegSettings settings;
+    settings.SetDependent(EFFECT);
+    settings.SetOMWVarIndex(VARIANCE);
+    settings.SetInterceptUse(true);
+    settings.AddFactor(2, 5);
+    KXModelEffect factor;
+    factor.AddFactor(2);
+    settings.AddModelEffect(factor);
+    for (int j = 0; j < covariateCount; ++j)
+        AddCovariateEffect(settings, 3 + j);
+    if (state.range(0) == 1) {
+        std::vector<std::vector<double>> weights(10, std::vector<double>(15));
+        for (std::size_t i = 0; i < weights.size(); ++i)
+            weights[i][i < 5 ? i : i + 1] = 1.0;
+        settings.SetHypotheses(std::move(weights));
+        settings.SetReferenceLevel(2, 0);
+        settings.SetPredictions(std::vector<Record>(rows.begin(), rows.begin() + 100));
+    }
+    VectorRecordIter records(std::move(rows));
+    while (state.KeepRunning()) {
+        MAFEAlgorithm engine(settings);
+        if (engine.BuildModel(records).IsError()) {
+            state.SkipWithError("the regression failed");
+            break;
+        }
+    }
+}
+BENCHMARK(RegressionQuestions)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
+
+void RegressionBubblePlot(benchmark::State& state)
+{
+    const SimulatedStudies studies = SimulateStudies(static_cast<std::size_t>(state.range(0)));
+    std::vector<Record> rows;
+    for (std::size_t i = 0; i < studies.effectSizes.size(); ++i)
+        rows.emplace_back(std::vector<double>{studies.effectSizes[i], studies.variances[i],
+                                              std::sin(static_cast<double>(i))});
+    VectorRecordIter records(std::move(rows));
+    MARegSettings settings;
+    settings.SetDependent(EFFECT);
+    settings.SetOMWVarIndex(VARIANCE);
+    settings.SetInterceptUse(true);
+    AddCovariateEffect(settings, 2);
+    MAFEAlgorithm engine(settings);
+    engine.BuildModel(records);
+    MARegBubblePlot plot;
+    while (state.KeepRunning())
+        if (engine.BubblePlot(records, 2, 100, plot).IsError())
+            state.SkipWithError("the plot failed");
+}
+BENCHMARK(RegressionBubblePlot)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -28,6 +28,14 @@ class Regression:
         self.arguments = ["regression", str(self.path), "--effect-size", "y", "--variance", "v"]
         for covariate in covariates:
             self.arguments += ["--covariate", covariate]
+        # A combination at the values of a study, one that mixes slopes, and a point between two studies.
+        self.hypotheses = [[float(x) for x in self.x[0]], [0.0, *[(-2.0)**j for j in range(len(covariates))]]]
+        self.values = [mpf(0), mpf(0.25)]
+        self.point = [(float(a) + float(b)) / 2 for a, b in zip(self.x[0], self.x[-1])]
+        self.questions = []
+        for weights, value in zip(self.hypotheses, self.values):
+            self.questions += ["--hypothesis", "%s=%r" % (",".join(map(repr, weights)), float(value))]
+        self.questions += ["--predict", ",".join("%s=%r" % pair for pair in zip(covariates, self.point[1:]))]
 
 
 def all_regressions(folder):
@@ -64,6 +72,35 @@ def note_coefficients(where, found, fit, scale):
              2 * exact.upper_t(abs(fit.b[j] / error), fit.df), 1)
 
 
+def note_answers(where, regression, found, fit, scale, t):
+    """Hypotheses, tests of the effects, variance inflation and predictions."""
+    rows = mp.matrix(regression.hypotheses)
+    covariance = scale * rows * fit.inverse * rows.T
+    estimates = rows * mp.matrix(fit.b)
+    differences = mp.matrix([e - r for e, r in zip(estimates, regression.values)])
+    for i, row in enumerate(regression.hypotheses):
+        error = mp.sqrt(covariance[i, i])
+        note("meta-regression: hypotheses", where, found["HypothesisEstimate"][i], estimates[i], error)
+        note("meta-regression: hypotheses", where, found["HypothesisVal"][i], differences[i] / error, 1 + abs(
+            differences[i] / error))
+    joint = (differences.T * covariance**-1 * differences)[0]
+    note("meta-regression: joint tests of hypotheses", where, found["HypothesisJointVal"],
+         joint / len(regression.hypotheses))
+    kept = list(range(1, fit.p))
+    part = mp.matrix([[fit.inverse[i, j] for j in kept] for i in kept])
+    for i, inverse in enumerate([(part**-1)[j, j] for j in range(len(kept))]):
+        note("meta-regression: variance inflation", where, found["VarianceInflation"][i + 1], part[i, i] * inverse)
+        note("meta-regression: tests of effects", where, found["EffectTestVal"][i],
+             fit.b[i + 1]**2 / (part[i, i] * scale))
+    point = mp.matrix([regression.point])
+    variance = (scale * point * fit.inverse * point.T)[0]
+    effect = (point * mp.matrix(fit.b))[0]
+    note("meta-regression: predictions", where, found["PredictedEffect"][0], effect, mp.sqrt(variance))
+    for key, more in [("PredictedCIUpper", mpf(0)), ("PredictedPIUpper", t)]:
+        error = mp.sqrt(variance + more)
+        note("meta-regression: predictions' bounds", where, found[key][0], effect + T[fit.df] * error, error)
+
+
 def wald(fit):
     kept = range(1, fit.p)
     part = mp.matrix([[fit.inverse[i, j] for j in kept] for i in kept])**-1
@@ -72,7 +109,7 @@ def wald(fit):
 
 def measure_regression(regression, estimator):
     where = "%s, %s" % (regression.name, estimator.upper())
-    found = run([*regression.arguments, "--tau2", estimator, *TIGHT])
+    found = run([*regression.arguments, *regression.questions, "--tau2", estimator, *TIGHT])
     loose = run([*regression.arguments, "--tau2", estimator])
     expected = exact.tau2(estimator, regression.x, regression.y, regression.v, mpf(found["Tau"]))
     note_tau2(regression, estimator, found["Tau"], loose["Tau"], expected)
@@ -80,10 +117,12 @@ def measure_regression(regression, estimator):
     fit = exact.Fit(regression.x, regression.y, [1 / (v + t) for v in regression.v])
     note_coefficients(where, found, fit, mpf(1))
     note_predictions(where, regression, found, fit)
+    note_answers(where, regression, found, fit, mpf(1), t)
     note("meta-regression: model tests", where, found["WaldChiSquareTest"], wald(fit))
-    adjusted = run([*regression.arguments, "--tau2", estimator, "--knapp-hartung", "adjusted", *TIGHT])
+    adjusted = run([*regression.arguments, *regression.questions, "--tau2", estimator, "--knapp-hartung", "adjusted", *TIGHT])
     scale = fit.squares() / fit.df
     note_coefficients(where + ", adjusted", adjusted, fit, scale)
+    note_answers(where + ", adjusted", regression, adjusted, fit, scale, t)
     note("meta-regression: model tests", where, adjusted["FTestVal"], wald(fit) / (scale * (fit.p - 1)))
     note("meta-regression: significances (absolute)", where, adjusted["FPValue"],
          exact.upper_f(wald(fit) / (scale * (fit.p - 1)), fit.p - 1, fit.df), 1)

@@ -228,6 +228,20 @@ void SetConversions(Values& values, StudyData data, MAModelSettings& settings)
     settings.SetControlMaxIndex(values.IndexOrNone(3));
 }
 
+/// Predictions at the values of studies, and what can be refused.
+void AddQuestions(Values& values, const Rows& rows, MARegSettings& settings)
+{
+    std::vector<Record> predictions;
+    for (std::size_t i = 0; i < std::min<std::size_t>(rows.size(), 3); ++i)
+        predictions.emplace_back(rows[i]);
+    settings.SetPredictions(std::move(predictions));
+    if (values.IsHostile())
+        settings.SetReferenceLevel(values.Index(4), values.Stream().Below(4) - 1);
+    if (values.IsHostile())
+        settings.SetHypotheses(Rows(2, {values.Effect(), values.Effect(), values.Effect()}),
+                               {values.Effect(), values.Effect()});
+}
+
 } // namespace
 
 AnalysisCase::AnalysisCase(ByteStream& bytes)
@@ -291,5 +305,6 @@ RegressionCase::RegressionCase(ByteStream& bytes) : isTame(!bytes.OneIn(2)), isR
         if (values.IsHostile())
             rows.back().resize(static_cast<std::size_t>(values.Stream().Below(6)));
     }
-    settings.SetTau2Search(values.Enumerator<TAU2SEARCH>(2)); // last, for the corpus was made before
+    settings.SetTau2Search(values.Enumerator<TAU2SEARCH>(2)); // here the corpus ends
+    AddQuestions(values, rows, settings);
 }

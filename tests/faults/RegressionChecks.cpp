@@ -45,6 +45,12 @@ void RegressionCheck<Engine>::CheckResults()
                      "GetResHomoChiSqure", "GetResHomoDf", "GetHresSquare"},
                     0.0, infinity);
     expect_.Between({"GetIresSquare", "GetRSquare"}, 0.0, 1.0);
+    expect_.Logarithms("GetHypothesisSig", "GetHypothesisLog10Sig");
+    expect_.Logarithms("GetEffectTestSig", "GetEffectTestLog10Sig");
+    expect_.Between({"GetHypothesisJointVal", "GetEffectTestVal"}, 0.0, infinity);
+    expect_.Between({"GetVarianceInflation"}, 1.0 - 1e-9, infinity);
+    expect_.Ordered("GetPredictedPILower", "GetPredictedCILower", "GetPredictedEffect");
+    expect_.Ordered("GetPredictedEffect", "GetPredictedCIUpper", "GetPredictedPIUpper");
     if (!isBuilt)
         return;
     const std::size_t count = fit_.engine.GetParameters().size();

@@ -128,6 +128,19 @@ TEST(Refusals, RegressionsWithoutAModelAreRefused)
         {command + "--covariate a --covariate b:a --covariate a:b --interaction a:b:a",
          "'a:b:a' can be parted into two columns at more than one colon"},
         {command + "--no-intercept", "leaves nothing to estimate"},
+        {command + "--covariate x --hypothesis 1,b", "--hypothesis '1,b': 'b' is not a number"},
+        {command + "--covariate x --factor g --predict x=3", "--predict 'x=3': a value is lacking for g"},
+        {command + "--factor g --predict g=z", "--predict 'g=z': 'z' is no level of 'g', which has p, q"},
+        {command + "--covariate x --predict x=1,z=2", "'z=2' is not NAME=VALUE"},
+        {command + "--covariate x --predict x=1,x=2", "'x' has two values"},
+        {command + "--factor g --reference g=r", "--reference 'g=r': 'r' is no level of 'g'"},
+        {command + "--covariate x --reference x=1", "it is not FACTOR=LEVEL"},
+        {command + "--factor g --reference g=p --reference g=q", "its factor has two references"},
+        {command + "--treatment-n x", "are columns of different data"},
+        {regression + "--treatment-events x", "--treatment-nonevents is required"},
+        {command + "--effect odds-ratio", "--effect has no effect on ready-made effect sizes"},
+        {regression + "--treatment-events x --zero-cells all --glass-group control",
+         "--glass-group has no effect on these columns"},
     });
 }
 

@@ -1,6 +1,8 @@
 // The command `regression`, run as a process.
 
+#include "host/Pictures.h"
 #include "host/PublishedFigure.h"
+#include "host/draw/Picture.h"
 #include "support/Data.h"
 
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -146,6 +148,96 @@ TEST(Regression, WritesTheErrorInPlaceOfTheReport)
     const json report = json::parse(folder.Read("out.json"));
     EXPECT_EQ(report["status"], (json{{"code", MAStatusCode::NO_USABLE_STUDY}, {"kind", "error"}}));
     EXPECT_EQ(report["records"]["used"], 0);
+}
+
+const char* const tables = "--treatment-events treatment_events --treatment-nonevents treatment_nonevents "
+                           "--control-events control_events --control-nonevents control_nonevents ";
+
+TEST(Regression, AnswersHypothesesOfThePublishedData)
+{
+    const TemporaryFolder folder;
+    const Arguments command = Vaccine(folder) + "--variance v --covariate latitude --covariate years "
+                                                "--hypothesis 1,43.46,66=0 --hypothesis 1,23.46,71";
+    const char* const data = "bcg_vaccine_regression_more";
+    ExpectPublished({
+        {data, "/hypotheses/p/1", command + "--normal-tests", "/HypothesisSig/1"},
+        {data, "/hypotheses/QM_p", command + "--normal-tests", "/HypothesisJointSig"},
+        {data, "/hypotheses_knapp_hartung/F", command + "--knapp-hartung adjusted", "/HypothesisJointVal"},
+    });
+}
+
+/// Ready-made log risk ratios, and the tables that they come from.
+TEST(Regression, TakesRawDataOfOtherCommands)
+{
+    const TemporaryFolder folder;
+    const Arguments ready = Vaccine(folder) + "--variance v --covariate latitude";
+    const Arguments raw = Arguments{"regression", DataFile("bcg_vaccine.csv")} + tables +
+                          "--effect risk-ratio --covariate latitude";
+    const json expected = ResultsOf(ready);
+    const json actual = ResultsOf(raw);
+    for (const char* key : {"Estimation", "BetaStandErr", "VarianceInflation"})
+        for (std::size_t i = 0; i < 2; ++i)
+            EXPECT_TRUE(Close(Number(actual[key][i]), Number(expected[key][i]), 1e-10)) << key;
+    EXPECT_THAT(ReportOf(raw), testing::AllOf(testing::HasSubstr("of the log risk ratio"),
+                                              testing::HasSubstr("exp(Coefficient) [95% CI]")));
+    const json means = JsonOf(Arguments{"regression", DataFile("stroke_length_of_stay.csv")} +
+                              "--treatment-n treatment_n --treatment-mean treatment_mean --treatment-sd "
+                              "treatment_sd --control-n control_n --control-mean control_mean --control-sd "
+                              "control_sd --covariate control_n --effect glass-delta");
+    EXPECT_EQ(means["settings"]["effect"], "glass-delta");
+    EXPECT_EQ(means["settings"].count("treatment-events"), 0U);
+    EXPECT_EQ(means["records"]["used"], 9);
+}
+
+/// Record 1 lacks a count, 2 has a negative one, 3 no event at all, 4 no covariate, 6 an empty level.
+TEST(Regression, CountsTheRecordsOfRawData)
+{
+    const TemporaryFolder folder;
+    const std::string data =
+        folder.Write("t.csv", "a,b,c,d,x,g\n1,9,2,8,1,p\n,9,2,8,1,p\n1,-9,2,8,1,q\n0,9,0,8,1,q"
+                              "\n1,9,2,8,NA,p\n3,7,2,8,3,q\n2,9,2,8,4,\n4,9,2,8,5,q\n");
+    const json report =
+        JsonOf(Arguments{"regression", data} +
+               "--treatment-events a --treatment-nonevents b --control-events c "
+               "--control-nonevents d --drop-double-zero --covariate x --factor g --model fixed");
+    EXPECT_EQ(report["records"], json::parse(R"({"read": 8, "used": 3, "missing": 3, "invalid": 1,
+                                                 "dropped": 1, "numbers": [0, 5, 7]})"));
+}
+
+/// Names and levels may hold commas and equals signs; numbers are levels however they are written.
+TEST(Regression, PredictsAtNamedValues)
+{
+    const TemporaryFolder folder;
+    const std::string data =
+        folder.Write("t.csv", "y,v,\"a,b\",a,g\n1,1,1,2.0,\"p,q\"\n2,1,2,3,s=t\n4,1,4,3,\"p,q\"\n"
+                              "2,1,1,2,s=t\n7,2,9,3,s=t\n6,1,8,2,s=t\n");
+    const Arguments command =
+        Arguments{"regression", data} + "--effect-size y --variance v --covariate a,b --factor a --factor g";
+    const json results = ResultsOf(command + Arguments{"--predict", "g=s=t,a,b=9,a=3.0", "--predict",
+                                                       " a = 2, g=p,q, a,b = 1", "--reference", "g=p,q"});
+    EXPECT_EQ(results["Parameters"].back(), "g=p,q");
+    for (const auto& [record, prediction] : {std::pair(4U, 0U), std::pair(0U, 1U)}) {
+        EXPECT_EQ(results["PredictedEffect"][prediction], results["Score"][record][0]);
+        EXPECT_TRUE(
+            Close(Number(results["PredictedCIUpper"][prediction]), results["Score"][record][3], 1e-12));
+    }
+}
+
+TEST(Regression, DrawsStudiesAndABubblePlotOfEachCovariate)
+{
+    const Pictures pictures(Arguments{"regression", DataFile("bcg_vaccine.csv")} + tables +
+                            "--effect risk-ratio --covariate latitude --covariate year");
+    EXPECT_THAT(pictures.Names(),
+                testing::UnorderedElementsAre("bubble-1-latitude.svg", "bubble-2-year.svg", "forest.svg"));
+    EXPECT_EQ(pictures.Figure("forest").Marks("gpPt4", host::color::STUDY).size(), 13U);
+    const SvgFigure figure = pictures.Figure("bubble-1-latitude");
+    EXPECT_EQ(figure.Marks("gpPt6", host::color::POOLED).size(), 13U);
+    const SvgPoints line = figure.Lines(host::color::ACCENT).at(0);
+    const PixelScale x = LevelScale(figure, "20", "50");
+    const PixelScale y = ScaleThrough(std::log(0.2), figure.TickY("0.2"), 0.0, figure.TickY("1"));
+    const double slope = pictures.Results()["Estimation"][1];
+    const double rise = (line.back().y - line.front().y) / (y(1) - y(0));
+    EXPECT_NEAR(rise / ((line.back().x - line.front().x) / (x(1) - x(0))), slope, 1e-4);
 }
 
 } // namespace
