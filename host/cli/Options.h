@@ -4,6 +4,7 @@
 #include "host/draw/PictureFormat.h"
 
 #include "meta_analysis/settings/MAModelSettings.h"
+#include "meta_analysis/settings/MARegSettings.h"
 
 #include <optional>
 #include <set>
@@ -29,6 +30,8 @@ struct RegressionOptions
     bool noIntercept = false;
     bool dispersion = false; ///< multiplicative, for the fixed model
     bool normalTests = false;
+    ColumnName cluster;
+    MA_NAMESPACE::MARegSettings tests; ///< the sandwich and the permutation test alone
 };
 
 /// What the command line asks for, complete with defaults. `settings` holds what the library has settings

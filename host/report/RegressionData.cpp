@@ -1,5 +1,6 @@
 #include "host/report/RegressionData.h"
 
+#include "host/text/PlainText.h"
 #include "host/text/Wording.h"
 
 namespace host {
@@ -14,6 +15,14 @@ RegressionData::RegressionData(const Options& ofOptions, const RegressionRequest
       level(WordingOfLevel(options.settings)),
       decimals(DecimalsFor(output.GetBetaStandErr()))
 {}
+
+std::vector<std::string> RegressionData::ParameterLabels() const
+{
+    std::vector<std::string> names;
+    for (const MA_NAMESPACE::KXRegrParameter& parameter : output.GetParameters())
+        names.push_back(LabelText(ParameterName(parameter, request)));
+    return names;
+}
 
 ReportColumn RegressionData::EffectColumn(const char* header, const std::vector<double>& values) const
 {

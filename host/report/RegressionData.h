@@ -26,6 +26,8 @@ struct RegressionData
     std::string level; ///< "95%"
     int decimals;      ///< of effects and standard errors
 
+    /// The names of the parameters, as labels.
+    std::vector<std::string> ParameterLabels() const;
     ReportColumn EffectColumn(const char* header, const std::vector<double>& values) const;
 };
 

@@ -9,12 +9,12 @@ namespace host {
 /// maker is in the file of its name in host/report/regression.
 using RegressionSectionMaker = ReportSections(const RegressionData& data);
 
-RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection,
-    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection;
+RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection, RobustTestsSection,
+    PermutationTestsSection, ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection;
 
 /// The sections in the order of the report.
 inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
-    FittedStudiesSection,         CoefficientsSection,     ModelTestSection,
-    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection};
+    FittedStudiesSection,    CoefficientsSection,          ModelTestSection,        RobustTestsSection,
+    PermutationTestsSection, ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection};
 
 } // namespace host

@@ -40,6 +40,11 @@ constexpr StatusSentence SENTENCES[] = {
     {MAStatusCode::NO_USABLE_STUDY, "No record could be used."},
     {MAStatusCode::NO_ANALYSED_STUDY, "There is no study for trim-and-fill to start from."},
     {MAStatusCode::OUT_OF_MEMORY, "Memory ran out; the results hold what was computed before."},
+    {MAStatusCode::ONE_CLUSTER,
+     "All usable records are in one cluster; a robust variance needs two or more."},
+    {MAStatusCode::TOO_FEW_CLUSTERS, "There are no more clusters than coefficients, which leaves CR1 and CR0 "
+                                     "no degrees of freedom; CR2 can do "
+                                     "with fewer."},
     {MAStatusCode::UNUSABLE_RECORD,
      "Records were left out of a regression: a value that it needs is missing or not usable."},
     {MAStatusCode::CONTRAST_COUNT_MISMATCH,
@@ -97,6 +102,10 @@ constexpr StatusSentence SENTENCES[] = {
      "The model type is neither fixed nor random effects; it is taken as random effects."},
     {MAStatusCode::TAU2_INTERVAL_UNAVAILABLE,
      "There is a profile-likelihood interval for the ML and REML estimators only."},
+    {MAStatusCode::CLUSTER_DECIDES,
+     "One cluster alone determines a coefficient, which leaves no robust variance of it."},
+    {MAStatusCode::PERMUTATIONS_LEFT_OUT,
+     "Some permuted data had no test statistic; the permutation test is about the others."},
 };
 
 } // namespace

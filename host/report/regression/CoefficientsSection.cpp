@@ -1,6 +1,5 @@
 #include "host/report/RegressionSections.h"
 #include "host/report/ReportColumns.h"
-#include "host/text/PlainText.h"
 
 #include <cstddef>
 
@@ -13,14 +12,6 @@ namespace {
 bool UsesStudentT(const MARegSettings& settings)
 {
     return settings.IsKnapHartAdjust() || settings.GetTestDistType() == MAConst::TEST_STUDENT_T;
-}
-
-std::vector<std::string> ParameterNames(const RegressionData& data)
-{
-    std::vector<std::string> names;
-    for (const KXRegrParameter& parameter : data.output.GetParameters())
-        names.push_back(LabelText(ParameterName(parameter, data.request)));
-    return names;
 }
 
 ReportColumn CoefficientColumn(const RegressionData& data)
@@ -41,7 +32,7 @@ ReportSections CoefficientsSection(const RegressionData& data)
 {
     ReportSection section = {
         "Coefficients",
-        {{"Parameter", ParameterNames(data), true},
+        {{"Parameter", data.ParameterLabels(), true},
          CoefficientColumn(data),
          data.EffectColumn("SE", data.output.GetBetaStandErr()),
          {UsesStudentT(data.request.settings) ? "t" : "z", TextsOf(data.output.GetBetaTest(), NumberText)},
