@@ -19,7 +19,7 @@ RegressionData::RegressionData(const Options& ofOptions, const RegressionRequest
 std::vector<std::string> RegressionData::ParameterLabels() const
 {
     std::vector<std::string> names;
-    for (const MA_NAMESPACE::KXRegrParameter& parameter : output.GetParameters())
+    for (const KXRegrParameter& parameter : output.GetParameters())
         names.push_back(LabelText(ParameterName(parameter, request)));
     return names;
 }

@@ -257,5 +257,11 @@ RegressionCase::RegressionCase(ByteStream& bytes) : isTame(!bytes.OneIn(2)), isR
         if (values.IsHostile())
             rows.back().resize(static_cast<std::size_t>(values.Stream().Below(6)));
     }
-    settings.SetTau2Search(values.Enumerator<TAU2SEARCH>(2)); // last, for the corpus was made before
+    settings.SetTau2Search(values.Enumerator<TAU2SEARCH>(2)); // here the corpus ends
+    if (!isTame)
+        settings.SetSandwich(values.Enumerator<SANDWICHTYPE>(3));
+    if (bytes.OneIn(2))
+        settings.SetCluster(values.Index(1));
+    if (bytes.OneIn(4))
+        settings.SetPermutations(bytes.Below(20));
 }

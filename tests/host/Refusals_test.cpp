@@ -106,6 +106,9 @@ TEST(Refusals, RegressionsWithoutAModelAreRefused)
         {command + "--covariate a --covariate b:a --covariate a:b --interaction a:b:a",
          "'a:b:a' can be parted into two columns at more than one colon"},
         {command + "--no-intercept", "leaves nothing to estimate"},
+        {command + "--cluster one", "--cluster: column 'one' has no other value than '5'; clusters need two"},
+        {command + "--sandwich cr1", "--sandwich needs --cluster"},
+        {command + "--seed 1", "--seed needs --permutations"},
     });
 }
 
