@@ -1,4 +1,5 @@
-// The analyses after the overall model, as whole runs on ready-made effect sizes.
+// The analyses after the overall model, as whole runs on ready-made effect sizes, and those of
+// meta-regressions.
 
 #include "SimulatedStudies.h"
 
@@ -6,6 +7,7 @@
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 #include "meta_analysis/regression/MAFEAlgorithm.h"
+#include "meta_analysis/regression/MAREAlgorithm.h"
 #include "meta_analysis/settings/MAModelSettings.h"
 #include "meta_analysis/settings/RegressionSettingsOf.h"
 
@@ -196,6 +198,33 @@ void RegressionQuestions(benchmark::State& state)
     VectorRecordIter records(std::move(rows));
     while (state.KeepRunning()) {
         MAFEAlgorithm engine(settings);
+enum RegressionColumn : int
+{
+    COVARIATE = 2,
+    CLUSTER
+};
+
+/// A regression by REML on a covariate, of studies in `clusterCount` clusters.
+void TimeRegressions(benchmark::State& state, MARegSettings settings, std::size_t clusterCount)
+{
+    const SimulatedStudies studies = SimulateStudies(static_cast<std::size_t>(state.range(0)));
+    std::vector<Record> rows;
+    for (std::size_t i = 0; i < studies.effectSizes.size(); ++i)
+        rows.emplace_back(std::vector<double>{studies.effectSizes[i], studies.variances[i],
+                                              static_cast<double>(i * 7919 % 101),
+                                              static_cast<double>(i % clusterCount)});
+    settings.SetDependent(EFFECT);
+    settings.SetOMWVarIndex(VARIANCE);
+    settings.SetInterceptUse(true);
+    settings.SetEstTauType("REML");
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    settings.AddCovariate(COVARIATE);
+    KXModelEffect effect;
+    effect.AddCovariate(COVARIATE);
+    settings.AddModelEffect(effect);
+    VectorRecordIter records(rows);
+    while (state.KeepRunning()) {
+        MAREAlgorithm engine(settings);
         if (engine.BuildModel(records).IsError()) {
             state.SkipWithError("the regression failed");
             break;
@@ -225,5 +254,29 @@ void RegressionBubblePlot(benchmark::State& state)
             state.SkipWithError("the plot failed");
 }
 BENCHMARK(RegressionBubblePlot)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+void ClusterRobust(benchmark::State& state)
+{
+    MARegSettings settings;
+    settings.SetCluster(CLUSTER);
+    TimeRegressions(state, settings, static_cast<std::size_t>(state.range(1)));
+}
+BENCHMARK(ClusterRobust)
+    ->Args({10000, 2})
+    ->Args({10000, 500})
+    ->Args({10000, 10000})
+    ->Unit(benchmark::kMillisecond);
+
+void Permutations(benchmark::State& state)
+{
+    MARegSettings settings;
+    settings.SetPermutations(static_cast<int>(state.range(1)));
+    TimeRegressions(state, settings, 1);
+}
+BENCHMARK(Permutations)
+    ->Args({13, 1000})
+    ->Args({13, 10000})
+    ->Args({1000, 1000})
+    ->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -139,6 +139,43 @@ class Fit:
         return self.count - self.p
 
 
+def inverse_root(a):
+    """The generalised inverse of the square root of a symmetric matrix."""
+    values, vectors = mp.eigsy(a)
+    least = max(abs(value) for value in values) * mpf(10)**-30
+    roots = mp.diag([1 / mp.sqrt(value) if value > least else mpf(0) for value in values])
+    return vectors * roots * vectors.T
+
+
+class Robust:
+    """The sandwich variance CR2 (or CR0) of a fit, and Satterthwaite's degrees of freedom."""
+
+    def __init__(self, fit, x, clusters, is_adjusted=True):
+        self.fit, self.parts = fit, []
+        for cluster in sorted(set(clusters)):
+            rows = [i for i, value in enumerate(clusters) if value == cluster]
+            part = matrix([x[i] for i in rows])
+            phi = mp.diag([1 / fit.w[i] for i in rows])
+            inner = phi - part * fit.inverse * part.T
+            d = mp.diag([1 / mp.sqrt(fit.w[i]) for i in rows])
+            a = d * inverse_root(d * inner * d) * d if is_adjusted else mp.eye(len(rows))
+            g = fit.inverse * part.T * mp.diag([fit.w[i] for i in rows]) * a
+            self.parts.append((g, g * part, g * phi * g.T, g * matrix([fit.r[i] for i in rows])))
+
+    def covariance(self):
+        return sum((score * score.T for *_, score in self.parts), mp.zeros(self.fit.p))
+
+    def df(self, j):
+        r = [cross[j, :] for _, cross, _, _ in self.parts]
+        omega = matrix(len(r))
+        for a, left in enumerate(r):
+            for b, right in enumerate(r):
+                omega[a, b] = -(left * self.fit.inverse * right.T)[0]
+            omega[a, a] += self.parts[a][2][j, j]
+        trace = sum(omega[a, a] for a in range(len(r)))
+        return trace**2 / sum(value**2 for value in omega)
+
+
 def score(estimator, x, y, v, t):
     """What an iterative estimator makes 0: falling through its root."""
     fit = Fit(x, y, [1 / (value + t) for value in v])

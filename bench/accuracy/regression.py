@@ -23,8 +23,7 @@ class Regression:
         self.v = [mpf(row[1]) for row in rows]
         self.x = [[mpf(1), *map(mpf, row[2:])] for row in rows]
         self.path = Path(folder) / (name.split(",")[0] + ".csv")
-        with open(self.path, "w", encoding="utf-8") as file:
-            csv.writer(file).writerows([["y", "v", *covariates], *rows])
+        self.write(rows)
         self.arguments = ["regression", str(self.path), "--effect-size", "y", "--variance", "v"]
         for covariate in covariates:
             self.arguments += ["--covariate", covariate]
@@ -36,6 +35,15 @@ class Regression:
         for weights, value in zip(self.hypotheses, self.values):
             self.questions += ["--hypothesis", "%s=%r" % (",".join(map(repr, weights)), float(value))]
         self.questions += ["--predict", ",".join("%s=%r" % pair for pair in zip(covariates, self.point[1:]))]
+
+    def write(self, rows, clusters=None):
+        clusters = clusters or [0] * len(rows)
+        with open(self.path, "w", encoding="utf-8") as file:
+            csv.writer(file).writerows([["y", "v", *self.covariates, "cluster"],
+                                        *([*row, cluster] for row, cluster in zip(rows, clusters))])
+
+    def rows(self, y):
+        return [[value, float(v), *map(float, x[1:])] for value, v, x in zip(y, self.v, self.x)]
 
 
 def all_regressions(folder):
@@ -159,6 +167,46 @@ def measure_fixed_regression(regression):
         note("meta-regression: model tests", regression.name, found["WaldChiSquareTest"], wald(fit) / scale)
 
 
+def measure_robust(regression, clusters):
+    where = "%s, %d clusters" % (regression.name, len(set(clusters)))
+    regression.write(regression.rows(map(float, regression.y)), clusters)
+    for kind in ["cr2", "cr0"]:
+        found = run([*regression.arguments, "--cluster", "cluster", "--sandwich", kind])
+        t = mpf(found["Tau"])
+        fit = exact.Fit(regression.x, regression.y, [1 / (v + t) for v in regression.v])
+        robust = exact.Robust(fit, regression.x, clusters, kind == "cr2")
+        for j in range(fit.p):
+            error = mp.sqrt(robust.covariance()[j, j])
+            note("meta-regression: robust standard errors, " + kind.upper(), where, found["RobustStdError"][j], error)
+            if kind == "cr2":
+                df = robust.df(j)
+                note("meta-regression: Satterthwaite degrees of freedom", where, found["RobustDf"][j], df)
+                note("meta-regression: robust significances (absolute)", where, found["RobustSig"][j],
+                     2 * exact.upper_t(abs(fit.b[j] / error), df), 1)
+
+
+def measure_unbiasedness(regression, clusters):
+    """The equation that defines CR2. The variance is a quadratic form in the effects, so its expectation under the
+    working model is the sum of v times the variance of a regression of each unit vector."""
+    total = mp.zeros(len(regression.x[0]))
+    for i, v in enumerate(regression.v):
+        unit = [1.0 if j == i else 0.0 for j in range(len(regression.v))]
+        regression.write(regression.rows(unit), clusters)
+        found = run([*regression.arguments, "--cluster", "cluster", "--model", "fixed"])
+        total += v * mp.matrix(found["RobustCovariance"])
+    fit = exact.Fit(regression.x, regression.y, [1 / v for v in regression.v])
+    where = "%s, %d clusters" % (regression.name, len(set(clusters)))
+    for a in range(fit.p):
+        for b in range(fit.p):
+            note("meta-regression: expectation of CR2 under the working model", where, total[a, b], fit.inverse[a, b],
+                 mp.sqrt(fit.inverse[a, a] * fit.inverse[b, b]))
+
+
+def clusterings(count):
+    """Seven clusters of unequal size, and each study on its own."""
+    return [[min(i * i % 11, 6) for i in range(count)], list(range(count))]
+
+
 def measure():
     with tempfile.TemporaryDirectory() as folder:
         for regression in all_regressions(folder):
@@ -166,3 +214,6 @@ def measure():
             measure_fixed_regression(regression)
             for estimator in exact.ESTIMATORS:
                 measure_regression(regression, estimator)
+            for clusters in clusterings(len(regression.y)):
+                measure_robust(regression, clusters)
+                measure_unbiasedness(regression, clusters)

@@ -91,6 +91,13 @@ inline constexpr std::array TRIM_SIDE_CHOICES{
 };
 static_assert(HasEachEnumerator<TRIM_SIDE_CHOICES>());
 
+inline constexpr std::array SANDWICH_CHOICES{
+    Choice{"cr2", MAConst::SANDWICH_CR2},
+    Choice{"cr1", MAConst::SANDWICH_CR1},
+    Choice{"cr0", MAConst::SANDWICH_CR0},
+};
+static_assert(HasEachEnumerator<SANDWICH_CHOICES>());
+
 inline constexpr std::array SWITCH_CHOICES{
     Choice{"on", true},
     Choice{"off", false},

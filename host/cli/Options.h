@@ -4,6 +4,7 @@
 #include "host/draw/PictureFormat.h"
 
 #include "meta_analysis/settings/MAModelSettings.h"
+#include "meta_analysis/settings/MARegSettings.h"
 
 #include <optional>
 #include <set>
@@ -43,6 +44,8 @@ struct RegressionOptions
     std::vector<std::string> hypotheses;  ///< as given, "L1,L2,...=r"
     std::vector<std::string> predictions; ///< as given, "latitude=30,allocation=random"
     std::optional<std::string> rawEffect; ///< the measure of raw data, whose outcome says which it has
+    ColumnName cluster;
+    MA_NAMESPACE::MARegSettings tests; ///< the sandwich and the permutation test alone
 };
 
 /// What the command line asks for, complete with defaults. `settings` holds what the library has settings

@@ -39,6 +39,8 @@ struct RegressionData
     std::vector<std::string> ParameterNames() const;
     std::vector<std::string> EffectNames() const;
 
+    /// The names of the parameters, as labels.
+    std::vector<std::string> ParameterLabels() const;
     ReportColumn EffectColumn(const char* header, const std::vector<double>& values) const;
 };
 

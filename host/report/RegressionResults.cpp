@@ -99,6 +99,18 @@ Json ResultsOf(const RegressionRequest& request, const RegressionAnalysis& analy
     ADD_RESULT(IresSquare);
     ADD_RESULT(RSquare);
     AddInference(results, output);
+    ADD_RESULT(RobustStdError);
+    ADD_RESULT(RobustVal);
+    ADD_RESULT(RobustDf);
+    ADD_RESULT(RobustSig);
+    ADD_RESULT(RobustCILower);
+    ADD_RESULT(RobustCIUpper);
+    ADD_RESULT(RobustCovariance);
+    ADD_RESULT(RobustClusters);
+    ADD_RESULT(PermutationSig);
+    ADD_RESULT(PermutationModelSig);
+    ADD_RESULT(PermutationCount);
+    ADD_RESULT(PermutationExact);
     results["Score"] = ScoresOf(analysis);
     return results;
 }

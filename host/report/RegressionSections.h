@@ -18,5 +18,12 @@ inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
     FittedStudiesSection,         CoefficientsSection,     ModelTestSection,
     EffectTestsSection,           HypothesesSection,       PredictionsSection,
     ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection};
+RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection, RobustTestsSection,
+    PermutationTestsSection, ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection;
+
+/// The sections in the order of the report.
+inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
+    FittedStudiesSection,    CoefficientsSection,          ModelTestSection,        RobustTestsSection,
+    PermutationTestsSection, ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection};
 
 } // namespace host

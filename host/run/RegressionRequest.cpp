@@ -39,7 +39,23 @@ MARegSettings SettingsOf(const Options& options)
     settings.SetMultiDiser(options.regression.dispersion);
     settings.SetTestDistType(options.regression.normalTests ? MAConst::TEST_STANDARD_NORMAL
                                                             : MAConst::TEST_STUDENT_T);
+    settings.SetSandwich(options.regression.tests.GetSandwich());
+    settings.SetPermutations(options.regression.tests.GetPermutations());
+    settings.SetSeed(options.regression.tests.GetSeed());
     return settings;
+}
+
+/// The levels of a column of categories, of which `option` needs two.
+ColumnCoding CodingOf(const DataTable& table, const std::string& column, const char* option, const char* role)
+{
+    ColumnCoding coding = CodeColumn(table, table.PositionOf(column));
+    if (coding.levels.size() < 2)
+        throw UnusableInput(fmt::format("--{}: column '{}' has {}; {} two different values.", option, column,
+                                        coding.levels.empty()
+                                            ? "no values"
+                                            : fmt::format("no other value than '{}'", coding.levels.front()),
+                                        role));
+    return coding;
 }
 
 /// Fills a request column by column: first the roles of the columns, then the model effects.
@@ -69,12 +85,17 @@ public:
                 .rawEffects = std::move(rawEffects_),
                 .hasPictures = options_.htmlPath || options_.plotsFolder,
                 .bubblePoints = options_.settings.GetBubbleCurveNPoints()};
+        if (options_.regression.cluster)
+            AddCluster(*options_.regression.cluster);
+        return {settings_, variables_.List(), std::move(levels_), variables_.Records(),
+                StudyLabels(options_.study, table_)};
     }
 
 private:
     void AddStudies();
     void AddCovariate(const std::string& column);
     void AddFactor(const std::string& column);
+    void AddCluster(const std::string& column);
     void AddEffects();
     void AddEffect(const std::vector<std::string>& columns);
     void AddRawEffects();
@@ -125,16 +146,17 @@ void RegressionColumnsPicker::AddCovariate(const std::string& column)
 
 void RegressionColumnsPicker::AddFactor(const std::string& column)
 {
-    ColumnCoding coding = CodeColumn(table_, table_.PositionOf(column));
-    if (coding.levels.size() < 2)
-        throw UnusableInput(fmt::format(
-            "--factor: column '{}' has {}; a factor needs two different values.", column,
-            coding.levels.empty() ? "no values"
-                                  : fmt::format("no other value than '{}'", coding.levels.front())));
+    ColumnCoding coding = CodingOf(table_, column, "factor", "a factor needs");
     const int position = variables_.AddCoded(column, std::move(coding.codes));
     RequireTaken(settings_.AddFactor(position, static_cast<int>(coding.levels.size())) >= 0);
     predictors_.positions[column] = position;
     predictors_.levels[position] = std::move(coding.levels);
+}
+
+void RegressionColumnsPicker::AddCluster(const std::string& column)
+{
+    ColumnCoding coding = CodingOf(table_, column, "cluster", "clusters need");
+    settings_.SetCluster(variables_.AddCoded(column, std::move(coding.codes)));
 }
 
 void RegressionColumnsPicker::AddEffects()

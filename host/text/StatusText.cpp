@@ -48,6 +48,11 @@ constexpr StatusSentence SENTENCES[] = {
                                           "hold."},
     {MAStatusCode::REFERENCE_LEVEL_ABSENT, "No usable record has the reference level of a factor."},
     {MAStatusCode::OUT_OF_MEMORY, "Memory ran out; the results hold what was computed before."},
+    {MAStatusCode::ONE_CLUSTER,
+     "All usable records are in one cluster; a robust variance needs two or more."},
+    {MAStatusCode::TOO_FEW_CLUSTERS, "There are no more clusters than coefficients, which leaves CR1 and CR0 "
+                                     "no degrees of freedom; CR2 can do "
+                                     "with fewer."},
     {MAStatusCode::UNUSABLE_RECORD,
      "Records were left out of a regression: a value that it needs is missing or not usable."},
     {MAStatusCode::CONTRAST_COUNT_MISMATCH,
@@ -125,6 +130,10 @@ constexpr StatusSentence SENTENCES[] = {
     {MAStatusCode::PREDICTION_UNAVAILABLE,
      "The data determine no prediction at some of the values: no study has such a combination of levels, or "
      "the values break a relation that the predictors of all studies keep."},
+    {MAStatusCode::CLUSTER_DECIDES,
+     "One cluster alone determines a coefficient, which leaves no robust variance of it."},
+    {MAStatusCode::PERMUTATIONS_LEFT_OUT,
+     "Some permuted data had no test statistic; the permutation test is about the others."},
 };
 
 } // namespace

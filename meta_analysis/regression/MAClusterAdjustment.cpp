@@ -251,6 +251,7 @@ MAClusterShare ShareOf(const MAClusters& clusters, std::size_t j, MAConst::SANDW
         share.expected = Difference(own, Product(own, own));
     else
         rows = AdjustedRows(clusters, j, share.expected);
+    share.information = own;
     for (std::size_t i = 0; i < rows.Count(); ++i) {
         const std::size_t row = clusters.starts[j] + i;
         for (std::size_t a = 0; a < clusters.rank; ++a)

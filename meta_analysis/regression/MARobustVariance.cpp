@@ -7,6 +7,7 @@
 #include "meta_analysis/settings/Alpha.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace MA_NAMESPACE {
@@ -15,9 +16,9 @@ namespace {
 
 using Values = std::vector<double>;
 
-/// A robust variance whose expectation under the working model is a smaller part of the model's variance is
-/// none: one cluster alone determines the coefficient, and its residuals leave nothing but rounding.
-constexpr double negligibleVariance = 1e-12;
+/// A coefficient of which all clusters but one have no more than this part of the information is determined
+/// by that one alone, whose residuals tell nothing of how clusters differ. Rounding leaves a few 1e-16.
+constexpr double negligibleInformation = 1e-12;
 
 double Product(const Values& left, const Values& right)
 {
@@ -44,6 +45,7 @@ public:
     void Add(const MAClusterShare& share)
     {
         const double expected = Product(direction_, Times(share.expected, direction_));
+        AddInformation(Product(direction_, Times(share.information, direction_)));
         trace_ += expected;
         squares_ += Square(expected);
         Values r(direction_.size());
@@ -56,12 +58,18 @@ public:
             AddSmall(r);
     }
 
-    /// Whether the robust variance says something about the coefficient.
-    bool HasVariance() const { return trace_ > negligibleVariance * Product(direction_, direction_); }
+    /// Whether more than one cluster has information about the coefficient.
+    bool HasVariance() const { return others_ > negligibleInformation * (largest_ + others_); }
 
     double Df() const { return Square(trace_) / (squares_ + SquaresBesideDiagonal()); }
 
 private:
+    void AddInformation(double part)
+    {
+        others_ += std::min(part, largest_);
+        largest_ = std::max(part, largest_);
+    }
+
     void AddSmall(const Values& r)
     {
         diagonal_ += Square(Product(r, r));
@@ -84,6 +92,8 @@ private:
     }
 
     Values direction_;
+    double largest_ = 0.0; ///< information of one cluster, and of all others
+    double others_ = 0.0;
     double trace_ = 0.0;
     double squares_ = 0.0;
     double diagonal_ = 0.0;

@@ -307,4 +307,10 @@ RegressionCase::RegressionCase(ByteStream& bytes) : isTame(!bytes.OneIn(2)), isR
     }
     settings.SetTau2Search(values.Enumerator<TAU2SEARCH>(2)); // here the corpus ends
     AddQuestions(values, rows, settings);
+    if (!isTame)
+        settings.SetSandwich(values.Enumerator<SANDWICHTYPE>(3));
+    if (bytes.OneIn(2))
+        settings.SetCluster(values.Index(1));
+    if (bytes.OneIn(4))
+        settings.SetPermutations(bytes.Below(20));
 }

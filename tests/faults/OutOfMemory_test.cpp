@@ -252,6 +252,8 @@ TEST(OutOfMemory, IsReportedByRegressions)
         SCOPED_TRACE(code);
         MARegSettings settings = RegressionOn({2}, {3});
         settings.SetEstTauType(code);
+        settings.SetCluster(3);
+        settings.SetPermutations(2);
         ExpectEngineSurvives<MAFEAlgorithm>(settings, rows);
         ExpectEngineSurvives<MAREAlgorithm>(settings, rows);
     }

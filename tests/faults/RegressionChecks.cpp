@@ -56,6 +56,11 @@ void RegressionCheck<Engine>::CheckResults()
     const std::size_t count = fit_.engine.GetParameters().size();
     EXPECT_TRUE(fit_.output->GetRedundancyInfo().Size() == count) << "a bit for every parameter";
     EXPECT_TRUE(expect_.Values("GetEstimation").size() == count) << "an estimate for every parameter";
+    if (!expect_.Values("GetRobustStdError").empty()) {
+        expect_.SameShape(
+            {"GetEstimation", "GetRobustStdError", "GetRobustVal", "GetRobustDf", "GetRobustSig"});
+        expect_.Ordered("GetRobustCILower", "GetEstimation", "GetRobustCIUpper");
+    }
     expect_.SameShape({"GetEstimation", "GetBetaStandErr", "GetBetaTest", "GetBetaTestPValue"});
     expect_.Ordered("GetBetaConfInterValLower", "GetEstimation", "GetBetaConfInterValUpper");
     const int records = fit_.output->GetNGoodRecords() + fit_.output->GetNBadRecords();

@@ -141,6 +141,9 @@ TEST(Refusals, RegressionsWithoutAModelAreRefused)
         {command + "--effect odds-ratio", "--effect has no effect on ready-made effect sizes"},
         {regression + "--treatment-events x --zero-cells all --glass-group control",
          "--glass-group has no effect on these columns"},
+        {command + "--cluster one", "--cluster: column 'one' has no other value than '5'; clusters need two"},
+        {command + "--sandwich cr1", "--sandwich needs --cluster"},
+        {command + "--seed 1", "--seed needs --permutations"},
     });
 }
 

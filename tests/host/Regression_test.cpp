@@ -63,6 +63,8 @@ TEST(Regression, ReproducesThePublishedData)
          latitude + "--variance v --covariate years --tau2 dl", stdError},
         {"bcg_vaccine_regression_more", "/REML/q_profile/upper", latitude + "--variance v --covariate years",
          "/Tau2CIUpper"},
+        {"bcg_vaccine_regression_more", "/robust_CR1/p/1",
+         latitude + "--variance v --covariate years --cluster w --sandwich cr1", "/RobustSig/1"},
         {"bcg_vaccine", "/risk_ratio/meta_regression_allocation_factor_reference_2/EB_t/se/1",
          allocation + "--std-error se --tau2 eb", stdError},
     });
@@ -106,6 +108,20 @@ TEST(Regression, InteractionsAreProductsOfColumns)
     const json slopes = estimates("--factor allocation --covariate alternate_lat --covariate random_lat");
     for (const auto& [cell, slope] : {std::pair(5U, 2U), std::pair(6U, 3U)})
         EXPECT_TRUE(Close(Number(cells[cell]), slopes[slope], 1e-10)); // rounding, grown by the design
+}
+
+TEST(Regression, ReportsRobustAndPermutationTests)
+{
+    const TemporaryFolder folder;
+    const Arguments command =
+        Vaccine(folder) + "--variance v --covariate latitude --cluster allocation --permutations 99 --seed 3";
+    EXPECT_THAT(RunProgram(command).output,
+                testing::AllOf(testing::HasSubstr("3 clusters; CR2"),
+                               testing::HasSubstr("99 random permutations (seed 3), each with its own"),
+                               testing::HasSubstr("fewer than 4 degrees of freedom")));
+    const json results = ResultsOf(command + "--model fixed");
+    EXPECT_EQ(results["RobustClusters"], 3) << "clusters are texts here";
+    EXPECT_EQ(results["PermutationSig"][1], results["PermutationModelSig"]) << "one covariate";
 }
 
 /// Record 1 has no effect, 2 no covariate, 3 no level, 4 no positive variance.
