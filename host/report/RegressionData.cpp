@@ -39,14 +39,6 @@ bool RegressionData::IsAdjusted() const
            (!request.settings.IsKnapHartIfHeterogeneous() || output.GetFDf2() > 0);
 }
 
-std::vector<std::string> RegressionData::ParameterLabels() const
-{
-    std::vector<std::string> names;
-    for (const KXRegrParameter& parameter : output.GetParameters())
-        names.push_back(LabelText(ParameterName(parameter, request)));
-    return names;
-}
-
 ReportColumn RegressionData::EffectColumn(const char* header, const std::vector<double>& values) const
 {
     return {header, TextsOf(values, [this](double value) { return FixedText(value, decimals); })};

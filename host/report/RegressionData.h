@@ -36,11 +36,10 @@ struct RegressionData
     const char* Statistic() const;
     /// Estimates with intervals on the scale of the analysis; of ratios then on their natural scale too.
     std::vector<ReportColumn> EstimateColumns(const std::string& header, const Estimates& estimates) const;
+    /// As labels.
     std::vector<std::string> ParameterNames() const;
     std::vector<std::string> EffectNames() const;
 
-    /// The names of the parameters, as labels.
-    std::vector<std::string> ParameterLabels() const;
     ReportColumn EffectColumn(const char* header, const std::vector<double>& values) const;
 };
 

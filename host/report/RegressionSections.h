@@ -9,21 +9,15 @@ namespace host {
 /// maker is in the file of its name in host/report/regression.
 using RegressionSectionMaker = ReportSections(const RegressionData& data);
 
-RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection,
-    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection, EffectTestsSection,
-    HypothesesSection, PredictionsSection;
+RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection, EffectTestsSection,
+    HypothesesSection, RobustTestsSection, PermutationTestsSection, PredictionsSection,
+    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection;
 
 /// The sections in the order of the report.
 inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
-    FittedStudiesSection,         CoefficientsSection,     ModelTestSection,
-    EffectTestsSection,           HypothesesSection,       PredictionsSection,
-    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection};
-RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection, RobustTestsSection,
-    PermutationTestsSection, ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection;
-
-/// The sections in the order of the report.
-inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
-    FittedStudiesSection,    CoefficientsSection,          ModelTestSection,        RobustTestsSection,
-    PermutationTestsSection, ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection};
+    FittedStudiesSection,    CoefficientsSection, ModelTestSection,
+    EffectTestsSection,      HypothesesSection,   RobustTestsSection,
+    PermutationTestsSection, PredictionsSection,  ResidualHeterogeneitySection,
+    ResidualVarianceSection, DispersionSection};
 
 } // namespace host

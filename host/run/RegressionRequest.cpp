@@ -77,6 +77,8 @@ public:
         AddReferences();
         AddHypotheses();
         AddPredictions();
+        if (options_.regression.cluster)
+            AddCluster(*options_.regression.cluster);
         return {.settings = settings_,
                 .variables = variables_.List(),
                 .levels = std::move(predictors_.levels),
@@ -85,10 +87,6 @@ public:
                 .rawEffects = std::move(rawEffects_),
                 .hasPictures = options_.htmlPath || options_.plotsFolder,
                 .bubblePoints = options_.settings.GetBubbleCurveNPoints()};
-        if (options_.regression.cluster)
-            AddCluster(*options_.regression.cluster);
-        return {settings_, variables_.List(), std::move(levels_), variables_.Records(),
-                StudyLabels(options_.study, table_)};
     }
 
 private:

@@ -201,6 +201,10 @@ MAPooledModel RandomEffectsModel(const MARandomEffectsSums& sums, const MARandom
     model.typicalVariance = model.homogeneity.df / sums.fixedTrace;
     model.heterogeneity = HeterogeneityFromTau2(model.tau2, model.typicalVariance);
     return model;
+}
+
+void BoundHeterogeneity(MAPooledModel& model)
+{
     if (KXMV::IsMissing(model.tau2Results.lower) || KXMV::IsMissing(model.tau2Results.upper) ||
         KXMV::IsMissing(model.typicalVariance))
         return;

@@ -1,7 +1,6 @@
 #include "host/report/RegressionSections.h"
 
 #include <fmt/format.h>
-#include "host/report/ReportColumns.h"
 
 #include <cstddef>
 #include <utility>
@@ -33,18 +32,6 @@ std::string SentenceOfScale(const Measure& measure)
         measure.AnalysisName(), measure.name);
 }
 
-ReportColumn CoefficientColumn(const RegressionData& data)
-{
-    ReportColumn column = {IntervalHeader("Coefficient", data.level),
-                           EstimateTexts({data.output.GetEstimation(), data.output.GetBetaConfInterValLower(),
-                                          data.output.GetBetaConfInterValUpper()},
-                                         data.decimals)};
-    for (std::size_t i = 0; i < column.cells.size(); ++i)
-        if (!data.output.GetRedundancyInfo().Test(i))
-            column.cells[i] = std::string(NO_VALUE);
-    return column;
-}
-
 } // namespace
 
 ReportSections CoefficientsSection(const RegressionData& data)
@@ -55,14 +42,6 @@ ReportSections CoefficientsSection(const RegressionData& data)
     section.table.push_back(data.EffectColumn("SE", data.output.GetBetaStandErr()));
     section.table.push_back({data.Statistic(), TextsOf(data.output.GetBetaTest(), NumberText)});
     section.table.push_back({"p", TextsOf(data.output.GetBetaTestPValue(), PValueText)});
-    ReportSection section = {
-        "Coefficients",
-        {{"Parameter", data.ParameterLabels(), true},
-         CoefficientColumn(data),
-         data.EffectColumn("SE", data.output.GetBetaStandErr()),
-         {UsesStudentT(data.request.settings) ? "t" : "z", TextsOf(data.output.GetBetaTest(), NumberText)},
-         {"p", TextsOf(data.output.GetBetaTestPValue(), PValueText)}},
-        {}};
     const KXBitSet estimated = data.output.GetRedundancyInfo();
     if (estimated.Count() < estimated.Size())
         section.sentences.push_back(

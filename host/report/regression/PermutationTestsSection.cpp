@@ -25,7 +25,7 @@ ReportSections PermutationTestsSection(const RegressionData& data)
 {
     if (data.output.GetPermutationSig().empty())
         return {};
-    std::vector<std::string> names = data.ParameterLabels();
+    std::vector<std::string> names = data.ParameterNames();
     std::vector<double> pValues = data.output.GetPermutationSig();
     if (HasValue(data.output.GetPermutationModelSig())) {
         names.emplace_back("Model test");

@@ -44,7 +44,7 @@ ReportSections RobustTestsSection(const RegressionData& data)
         return {};
     ReportSection section = {
         "Cluster-robust tests",
-        {{"Parameter", data.ParameterLabels(), true},
+        {{"Parameter", data.ParameterNames(), true},
          data.EffectColumn("Robust SE", output.GetRobustStdError()),
          {IntervalHeader("Interval", data.level),
           EstimateTexts({{}, output.GetRobustCILower(), output.GetRobustCIUpper()}, data.decimals)},
