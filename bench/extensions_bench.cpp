@@ -5,6 +5,7 @@
 #include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
+#include "meta_analysis/regression/MAREAlgorithm.h"
 #include "meta_analysis/settings/MAModelSettings.h"
 
 #include <benchmark/benchmark.h>
@@ -84,5 +85,51 @@ void CumulativeReml(benchmark::State& state)
     TimeRuns(state, settings);
 }
 BENCHMARK(CumulativeReml)->Arg(1000)->Unit(benchmark::kMillisecond);
+
+/// Deletion diagnostics of all studies, with the proved tau² without each.
+void InfluenceReml(benchmark::State& state)
+{
+    MAModelSettings settings = ReadyMadeSettings(MAConst::MODEL_RANDOM);
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    settings.SetInfluence(true);
+    TimeRuns(state, settings);
+}
+BENCHMARK(InfluenceReml)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+void LeaveOneOutReml(benchmark::State& state)
+{
+    MAModelSettings settings = ReadyMadeSettings(MAConst::MODEL_RANDOM);
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    settings.SetLeaveOneOut(true);
+    TimeRuns(state, settings);
+}
+BENCHMARK(LeaveOneOutReml)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+/// On an intercept and two covariates.
+void RegressionInfluenceReml(benchmark::State& state)
+{
+    VectorRecordIter records = GroupedStudies(static_cast<std::size_t>(state.range(0)));
+    MARegSettings settings;
+    settings.SetDependent(EFFECT);
+    settings.SetOMWVarIndex(VARIANCE);
+    settings.SetInterceptUse(true);
+    settings.SetEstTauType("REML");
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    settings.SetInfluence(true);
+    for (const int covariate : {GROUP, ORDER}) {
+        settings.AddCovariate(covariate);
+        KXModelEffect effect;
+        effect.AddCovariate(covariate);
+        settings.AddModelEffect(effect);
+    }
+    while (state.KeepRunning()) {
+        MAREAlgorithm engine(settings);
+        if (engine.BuildModel(records).IsError()) {
+            state.SkipWithError("the regression failed");
+            break;
+        }
+    }
+}
+BENCHMARK(RegressionInfluenceReml)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -10,11 +10,11 @@ namespace host {
 using RegressionSectionMaker = ReportSections(const RegressionData& data);
 
 RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection,
-    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection;
+    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection, RegressionInfluenceSection;
 
 /// The sections in the order of the report.
 inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
-    FittedStudiesSection,         CoefficientsSection,     ModelTestSection,
-    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection};
+    FittedStudiesSection,    CoefficientsSection, ModelTestSection,          ResidualHeterogeneitySection,
+    ResidualVarianceSection, DispersionSection,   RegressionInfluenceSection};
 
 } // namespace host

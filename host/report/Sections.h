@@ -11,7 +11,8 @@ using SectionMaker = ReportSections(const AnalysisData& data);
 
 SectionMaker StudiesSection, PooledEffectSection, PredictionIntervalSection, HeterogeneitySection,
     BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections, ContrastsSection,
-    LeaveOneOutSection, TrimAndFillSections, SmallStudyTestSection, FunnelPlotSection, BubblePlotsSection;
+    LeaveOneOutSection, InfluenceSection, TrimAndFillSections, SmallStudyTestSection, FunnelPlotSection,
+    BubblePlotsSection;
 
 /// The sections in the order of the report.
 inline constexpr SectionMaker* ANALYSIS_SECTIONS[] = {StudiesSection,
@@ -23,6 +24,7 @@ inline constexpr SectionMaker* ANALYSIS_SECTIONS[] = {StudiesSection,
                                                       CumulativeSections,
                                                       ContrastsSection,
                                                       LeaveOneOutSection,
+                                                      InfluenceSection,
                                                       TrimAndFillSections,
                                                       SmallStudyTestSection,
                                                       FunnelPlotSection,
