@@ -9,9 +9,11 @@ are differences; of significances, I² and R² they are absolute.
 """
 
 import harness
+import influence
 import pooling
 import regression
 
 pooling.measure()
 regression.measure()
+influence.measure()
 harness.print_table()

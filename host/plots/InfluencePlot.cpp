@@ -81,6 +81,17 @@ std::vector<LabelledPoint> LabelledPointsOf(const InfluenceTable& table, const s
     return points;
 }
 
+/// Smaller ones where there are many studies.
+Layer StudyDotsOf(const InfluenceTable& table, std::vector<Point> points, const char* color)
+{
+    constexpr std::size_t few = 60;
+    constexpr double small = 1.8;
+    Layer dots = Dots(std::move(points), Layer::Kind::DISCS, color, "");
+    if (table.labels.size() > few)
+        dots.radii.assign(dots.radii.size(), small);
+    return dots;
+}
+
 /// A cut-off far beyond all values would flatten them: it is shown where it is near.
 bool IsNear(double cutoff, const Extent& y)
 {
@@ -140,8 +151,8 @@ Picture PanelOf(const InfluenceTable& table, const Diagnostic& diagnostic, std::
                                 Layer::Kind::DOTTED_LINE, color::FAINT, ""),
                     std::move(cutoffs),
                     {Layer::Kind::LINE, color::STUDY, LinesOf(diagnostic.values), {}, 1},
-                    Dots(others, Layer::Kind::DISCS, color::POOLED, ""),
-                    Dots(influential, Layer::Kind::DISCS, color::ACCENT, "")};
+                    StudyDotsOf(table, others, color::POOLED),
+                    StudyDotsOf(table, influential, color::ACCENT)};
     std::vector<Point> dots = others;
     dots.insert(dots.end(), influential.begin(), influential.end());
     panel.texts = LabelsBeside(LabelledPointsOf(table, diagnostic.values), dots, panel);
