@@ -178,6 +178,31 @@ void RegressionQuestions(benchmark::State& state)
             row.push_back(std::sin(static_cast<double>(i) * j));
         rows.emplace_back(std::move(row));
     }
+}
+
+/// Deletion diagnostics of all studies, with the proved tau² without each.
+void InfluenceReml(benchmark::State& state)
+{
+    MAModelSettings settings = ReadyMadeSettings(MAConst::MODEL_RANDOM);
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    settings.SetInfluence(true);
+    TimeRuns(state, settings);
+}
+BENCHMARK(InfluenceReml)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+void LeaveOneOutReml(benchmark::State& state)
+{
+    MAModelSettings settings = ReadyMadeSettings(MAConst::MODEL_RANDOM);
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    settings.SetLeaveOneOut(true);
+    TimeRuns(state, settings);
+}
+BENCHMARK(LeaveOneOutReml)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+/// On an intercept and two covariates.
+void RegressionInfluenceReml(benchmark::State& state)
+{
+    VectorRecordIter records = GroupedStudies(static_cast<std::size_t>(state.range(0)));
     MARegSettings settings;
     settings.SetDependent(EFFECT);
     settings.SetOMWVarIndex(VARIANCE);
@@ -232,6 +257,15 @@ void TimeRegressions(benchmark::State& state, MARegSettings settings, std::size_
     effect.AddCovariate(COVARIATE);
     settings.AddModelEffect(effect);
     VectorRecordIter records(rows);
+    settings.SetEstTauType("REML");
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    settings.SetInfluence(true);
+    for (const int covariate : {GROUP, ORDER}) {
+        settings.AddCovariate(covariate);
+        KXModelEffect effect;
+        effect.AddCovariate(covariate);
+        settings.AddModelEffect(effect);
+    }
     while (state.KeepRunning()) {
         MAREAlgorithm engine(settings);
         if (engine.BuildModel(records).IsError()) {
@@ -286,5 +320,6 @@ BENCHMARK(Permutations)
     ->Args({13, 10000})
     ->Args({1000, 1000})
     ->Unit(benchmark::kMillisecond);
+BENCHMARK(RegressionInfluenceReml)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -11,6 +11,7 @@ are differences; of significances, I² and R² they are absolute.
 import conversion
 import groups
 import harness
+import influence
 import pooling
 import regression
 
@@ -18,4 +19,5 @@ conversion.measure()
 pooling.measure()
 groups.measure()
 regression.measure()
+influence.measure()
 harness.print_table()

@@ -118,7 +118,7 @@ class ScriptWriter
 {
 public:
     ScriptWriter(const Picture& picture, PictureFormat format)
-        : picture_(picture), terminal_(TerminalOf(picture, format))
+        : whole_(picture), picture_(&picture), terminal_(TerminalOf(picture, format))
     {}
 
     std::string Write();
@@ -132,14 +132,18 @@ private:
     void AddMark(const Layer& layer, const Point& point, double radius);
     void AddData(const Layer& layer, std::size_t number);
     void AddPlots();
+    void AddFrame();
+    void AddPanels();
     std::vector<std::string> PlotsOf(const Layer& layer, std::size_t number);
     static std::string Style(const Layer& layer);
     std::string LegendStyle(const Layer& layer) const;
 
-    const Picture& picture_;
+    const Picture& whole_;
+    const Picture* picture_; ///< the whole, or the panel that is being drawn
     Terminal terminal_;
     std::string texts_;
     std::size_t textCount_ = 0;
+    std::size_t layerCount_ = 0;
     std::string commands_;
 };
 
@@ -169,47 +173,45 @@ void ScriptWriter::SetAxis(char letter, const Axis& axis)
 
 void ScriptWriter::SetFrame()
 {
-    const Frame& frame = picture_.frame;
-    commands_ +=
-        fmt::format("set lmargin at screen {:.6f}\nset rmargin at screen {:.6f}\n"
-                    "set tmargin at screen {:.6f}\nset bmargin at screen {:.6f}\n",
-                    frame.left / picture_.width, (frame.left + frame.width) / picture_.width,
-                    1 - frame.top / picture_.height, 1 - (frame.top + frame.height) / picture_.height);
-    const int left = picture_.y.isShown ? 2 : 0;
+    const Frame& frame = picture_->frame;
+    commands_ += fmt::format("set lmargin at screen {:.6f}\nset rmargin at screen {:.6f}\n"
+                             "set tmargin at screen {:.6f}\nset bmargin at screen {:.6f}\n",
+                             frame.left / whole_.width, (frame.left + frame.width) / whole_.width,
+                             1 - frame.top / whole_.height, 1 - (frame.top + frame.height) / whole_.height);
+    const int left = picture_->y.isShown ? 2 : 0;
     commands_ += fmt::format("set border {} lc rgb '{}'\n", 1 + left, color::INK);
     commands_ += "set tics out nomirror scale 0.6 noenhanced\n";
-    SetAxis('x', picture_.x);
-    SetAxis('y', picture_.y);
+    SetAxis('x', picture_->x);
+    SetAxis('y', picture_->y);
     commands_ += "set xlabel offset 0,0.4\nset clip two\n";
 }
 
 void ScriptWriter::SetTexts()
 {
-    for (const PictureText& text : picture_.texts) {
+    for (const PictureText& text : picture_->texts) {
         const char* const align = text.align == PictureText::Align::LEFT    ? "left"
                                   : text.align == PictureText::Align::RIGHT ? "right"
                                                                             : "center";
-        commands_ +=
-            fmt::format("set label {} at screen {:.6f},{:.6f} {} noenhanced font '{}' tc rgb '{}'\n",
-                        TextReference(text.text), text.x / picture_.width, 1 - text.y / picture_.height,
-                        align, text.isBold ? "sans-serif:Bold" : "", color::INK);
+        commands_ += fmt::format("set label {} at screen {:.6f},{:.6f} {} noenhanced font '{}' tc rgb '{}'\n",
+                                 TextReference(text.text), text.x / whole_.width, 1 - text.y / whole_.height,
+                                 align, text.isBold ? "sans-serif:Bold" : "", color::INK);
     }
 }
 
 /// The legend is to the right of the frame and starts at its top.
 void ScriptWriter::SetKey()
 {
-    const bool hasLegend = std::any_of(picture_.layers.begin(), picture_.layers.end(),
+    const bool hasLegend = std::any_of(picture_->layers.begin(), picture_->layers.end(),
                                        [](const Layer& layer) { return !layer.legend.empty(); });
     if (!hasLegend) {
         commands_ += "unset key\n";
         return;
     }
-    const Frame& frame = picture_.frame;
+    const Frame& frame = picture_->frame;
     commands_ +=
         fmt::format("set key at screen {:.6f},{:.6f} left top Left reverse noenhanced samplen 2.2 "
                     "spacing 1.3 width 0\n",
-                    (frame.left + frame.width + 8) / picture_.width, 1 - (frame.top + 4) / picture_.height);
+                    (frame.left + frame.width + 8) / whole_.width, 1 - (frame.top + 4) / whole_.height);
 }
 
 void ScriptWriter::AddMark(const Layer& layer, const Point& point, double radius)
@@ -287,23 +289,43 @@ std::vector<std::string> ScriptWriter::PlotsOf(const Layer& layer, std::size_t n
 void ScriptWriter::AddPlots()
 {
     std::vector<std::string> plots;
-    for (std::size_t i = 0; i < picture_.layers.size(); ++i) {
-        const Layer layer = CutToAxes(picture_.layers[i], picture_);
+    for (const Layer& whole : picture_->layers) {
+        const std::size_t number = layerCount_++;
+        const Layer layer = CutToAxes(whole, *picture_);
         if (IsEmpty(layer))
             continue;
-        AddData(layer, i);
-        for (std::string& plot : PlotsOf(layer, i))
+        AddData(layer, number);
+        for (std::string& plot : PlotsOf(layer, number))
             plots.push_back(std::move(plot));
     }
     commands_ += fmt::format("plot {}\n", fmt::join(plots, ", \\\n     "));
 }
 
-std::string ScriptWriter::Write()
+void ScriptWriter::AddFrame()
 {
     SetFrame();
     SetTexts();
     SetKey();
     AddPlots();
+}
+
+void ScriptWriter::AddPanels()
+{
+    commands_ += "set multiplot\n";
+    for (const Picture& panel : whole_.panels) {
+        picture_ = &panel;
+        commands_ += "unset label\nunset xlabel\nunset ylabel\n";
+        AddFrame();
+    }
+    commands_ += "unset multiplot\n";
+}
+
+std::string ScriptWriter::Write()
+{
+    if (whole_.panels.empty())
+        AddFrame();
+    else
+        AddPanels();
     return fmt::format("set encoding utf8\nset terminal {}\n$texts << END_OF_TEXTS\n{}END_OF_TEXTS\n{}",
                        terminal_.command, texts_, commands_);
 }

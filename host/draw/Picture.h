@@ -105,6 +105,9 @@ struct Picture
     std::vector<Layer> layers; ///< later ones lie on earlier ones
     std::vector<PictureText> texts = {};
     double rowHeight = 0; ///< where the frame holds rows, between which the picture may be cut; else 0
+    /// Where there are several frames, a picture for each. Of these count frame, axes, layers and texts, and
+    /// of the whole its names and its size.
+    std::vector<Picture> panels = {};
 };
 
 inline constexpr double FONT_SIZE = 12;      ///< of all texts, in pixels

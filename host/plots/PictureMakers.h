@@ -26,8 +26,11 @@ PictureMaker LabbePictures;
 /// A bubble plot of each covariate whose regression could be fitted.
 PictureMaker BubblePictures;
 
+/// The influence picture and the Baujat plot.
+PictureMaker InfluencePictures;
+
 /// The plots in the order of the page.
 inline constexpr PictureMaker* PICTURE_MAKERS[] = {ForestPictures, FunnelPictures, GalbraithPictures,
-                                                   LabbePictures, BubblePictures};
+                                                   LabbePictures,  BubblePictures, InfluencePictures};
 
 } // namespace host

@@ -1,5 +1,6 @@
 #include "host/report/AnalysisResults.h"
 
+#include "host/report/InfluenceResults.h"
 #include "host/report/Tau2Results.h"
 #include "host/text/JsonValue.h"
 #include "host/text/SmallStudyTests.h"
@@ -265,6 +266,7 @@ Json ResultsOf(const Analysis& analysis)
     AddGroups(results, base);
     AddContrastsAndCumulative(results, base);
     AddLeaveOneOut(results, base);
+    AddInfluence(results, base);
     results["TRimFillSide"] = ToJson(analysis.trimmedSide);
     AddTrimFill(results, base);
     AddSmallStudyTest(results, base);

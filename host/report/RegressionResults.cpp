@@ -1,5 +1,6 @@
 #include "host/report/RegressionResults.h"
 
+#include "host/report/InfluenceResults.h"
 #include "host/report/Tau2Results.h"
 #include "host/text/JsonValue.h"
 
@@ -111,6 +112,8 @@ Json ResultsOf(const RegressionRequest& request, const RegressionAnalysis& analy
     ADD_RESULT(PermutationModelSig);
     ADD_RESULT(PermutationCount);
     ADD_RESULT(PermutationExact);
+    AddInfluence(results, output);
+    ADD_RESULT(InfluenceDFBETAS);
     results["Score"] = ScoresOf(analysis);
     return results;
 }

@@ -19,5 +19,12 @@ inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
     EffectTestsSection,      HypothesesSection,   RobustTestsSection,
     PermutationTestsSection, PredictionsSection,  ResidualHeterogeneitySection,
     ResidualVarianceSection, DispersionSection};
+RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection,
+    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection, RegressionInfluenceSection;
+
+/// The sections in the order of the report.
+inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
+    FittedStudiesSection,    CoefficientsSection, ModelTestSection,          ResidualHeterogeneitySection,
+    ResidualVarianceSection, DispersionSection,   RegressionInfluenceSection};
 
 } // namespace host

@@ -20,5 +20,25 @@ inline constexpr SectionMaker* ANALYSIS_SECTIONS[] = {
     HeterogeneitySection,  BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections,
     ContrastsSection,      LeaveOneOutSection,          TrimAndFillSections,  RankTestSection,
     SmallStudyTestSection, FunnelPlotSection,           BubblePlotsSection};
+SectionMaker StudiesSection, PooledEffectSection, PredictionIntervalSection, HeterogeneitySection,
+    BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections, ContrastsSection,
+    LeaveOneOutSection, InfluenceSection, TrimAndFillSections, SmallStudyTestSection, FunnelPlotSection,
+    BubblePlotsSection;
+
+/// The sections in the order of the report.
+inline constexpr SectionMaker* ANALYSIS_SECTIONS[] = {StudiesSection,
+                                                      PooledEffectSection,
+                                                      PredictionIntervalSection,
+                                                      HeterogeneitySection,
+                                                      BetweenStudyVarianceSection,
+                                                      BetweenGroupsSection,
+                                                      CumulativeSections,
+                                                      ContrastsSection,
+                                                      LeaveOneOutSection,
+                                                      InfluenceSection,
+                                                      TrimAndFillSections,
+                                                      SmallStudyTestSection,
+                                                      FunnelPlotSection,
+                                                      BubblePlotsSection};
 
 } // namespace host

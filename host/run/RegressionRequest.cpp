@@ -36,6 +36,7 @@ MARegSettings SettingsOf(const Options& options)
     MARegSettings settings = RegressionSettingsOf(options.settings);
     settings.SetTau2Interval(options.settings.GetTau2Interval());
     settings.SetInterceptUse(!options.regression.noIntercept);
+    settings.SetInfluence(options.settings.GetInfluence());
     settings.SetMultiDiser(options.regression.dispersion);
     settings.SetTestDistType(options.regression.normalTests ? MAConst::TEST_STANDARD_NORMAL
                                                             : MAConst::TEST_STUDENT_T);

@@ -156,6 +156,7 @@ void SetFurtherAnalyses(Values& values, int first, std::size_t studyCount, MAMod
     settings.SetRegBaseTestType(values.Enumerator<RegBaseTestType>(4));
     settings.SetIsUseIntercept(!values.IsHostile());
     settings.SetMultiDiser(values.Flag());
+    settings.SetInfluence(true);
     settings.SetFunnelNPoints(values.SmallInt(5));
     settings.SetFunnelYType(values.Enumerator<FunnelYType>(4));
     settings.SetFunnelConTourTesType(values.Enumerator<FunnelConTourTesType>(4));
@@ -163,6 +164,7 @@ void SetFurtherAnalyses(Values& values, int first, std::size_t studyCount, MAMod
     settings.SetCenterBubblePlot(values.Flag());
     settings.SetBubbleCurveNPoints(values.SmallInt(5));
     settings.SetLeaveOneOut(true);
+    settings.SetInfluence(true);
 }
 
 void SetEstimation(Values& values, MARegSettings& settings)

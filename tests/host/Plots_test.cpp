@@ -80,6 +80,29 @@ TEST(Plots, DrawsTheFunnelWithItsHollowImputedStudiesAndTheLimit)
     EXPECT_NEAR(limits[0].back().x - center, center - limits[1].back().x, 4 * halfPixelDigit);
 }
 
+/// Every study has a mark in each panel. Mantel and Haenszel have no DFFITS and no tau².
+TEST(Plots, DrawsEachStudyByItsInfluence)
+{
+    const Pictures pictures(Binary("bcg_vaccine.csv") + "--effect risk-ratio --influence");
+    const json& results = pictures.Results();
+    const SvgFigure figure = pictures.Figure("baujat");
+    const std::vector<SvgMark> studies = figure.Marks("gpPt6", color::POOLED);
+    const PixelScale x = LevelScale(figure, "0.5", "1.5");
+    const PixelScale y = UprightScale(figure, "0.05", "0.25");
+    ASSERT_EQ(studies.size(), 13U);
+    for (std::size_t i = 0; i < studies.size(); ++i) {
+        EXPECT_NEAR(studies[i].x, x(results["BaujatX"][i]), 2 * halfPixelDigit);
+        EXPECT_NEAR(studies[i].y - studies[0].y, y(results["BaujatY"][i]) - y(results["BaujatY"][0]),
+                    4 * halfPixelDigit);
+    }
+    EXPECT_THAT(figure.Words(), Contains("Hart & Sutherland"));
+    EXPECT_EQ(pictures.Figure("influence").Marks("gpPt6", color::POOLED).size(), 8 * studies.size());
+    const Pictures tables(Binary("bcg_vaccine.csv") + "--model fixed --weights mantel-haenszel --influence");
+    const SvgFigure panels = tables.Figure("influence");
+    EXPECT_EQ(panels.Marks("gpPt6", color::POOLED).size() + panels.Marks("gpPt6", color::ACCENT).size(),
+              6 * studies.size());
+}
+
 /// The slopes of the area's sides that start at the null, in effects per standard error.
 Numbers SlopesFromTheNull(const SvgPoints& area, const SvgFigure& funnel)
 {

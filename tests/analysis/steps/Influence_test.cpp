@@ -1,0 +1,178 @@
+#include "support/Poolings.h"
+#include "support/Published.h"
+#include "support/Tables.h"
+
+#include "meta_analysis/pooling/MADeletedModels.h"
+#include "meta_analysis/pooling/MAPooling.h"
+
+#include <gmock/gmock.h>
+
+#include <map>
+#include <random>
+
+using namespace MA_NAMESPACE;
+using namespace MAConst;
+
+namespace {
+
+const std::map<std::string, TAU2ESTIMATOR> estimators = {{"DL", TAU2_DL}, {"REML", TAU2_REML}};
+
+MAModelSettings WithInfluence(MAModelSettings settings)
+{
+    settings.SetTau2Search(TAU2_SEARCH_GLOBAL);
+    settings.SetInfluence(true);
+    return settings;
+}
+
+Row NumbersOf(const nlohmann::json& list)
+{
+    Row numbers;
+    for (const nlohmann::json& entry : list)
+        numbers.push_back(Number(entry));
+    return numbers;
+}
+
+/// The figures have 15 digits, but their tau² is that of an iteration which stopped at a small step.
+void ExpectFigures(const MABaseModel& model, const nlohmann::json& figures)
+{
+    constexpr double tolerance = 2e-7;
+    const nlohmann::json& influence = figures.at("influence");
+    const std::map<const char*, Row> rows = {{"rstudent", model.GetInfluenceStudentizedResidual()},
+                                             {"dffits", model.GetInfluenceDFFITS()},
+                                             {"cook_d", model.GetInfluenceCookDistance()},
+                                             {"cov_ratio", model.GetInfluenceCovarianceRatio()},
+                                             {"Q_deleted", model.GetInfluenceQDeleted()},
+                                             {"hat", model.GetInfluenceHat()},
+                                             {"weight_percent", model.GetInfluenceWeight()}};
+    for (const auto& [name, row] : rows)
+        EXPECT_TRUE(Close(row, NumbersOf(influence.at(name)), tolerance, 0.01)) << name;
+    if (influence.contains("tau2_deleted"))
+        EXPECT_TRUE(
+            Close(model.GetInfluenceTau2Deleted(), NumbersOf(influence.at("tau2_deleted")), tolerance));
+    if (!figures.contains("baujat"))
+        return;
+    EXPECT_TRUE(Close(model.GetBaujatX(), NumbersOf(figures.at("baujat").at("x")), tolerance, 0.01));
+    EXPECT_TRUE(Close(model.GetBaujatY(), NumbersOf(figures.at("baujat").at("y")), tolerance, 0.01));
+}
+
+struct EffectVectors
+{
+    EffectVectors Without(std::size_t i) const
+    {
+        EffectVectors others = *this;
+        others.effects.erase(others.effects.begin() + static_cast<std::ptrdiff_t>(i));
+        others.variances.erase(others.variances.begin() + static_cast<std::ptrdiff_t>(i));
+        return others;
+    }
+
+    Row effects;
+    Row variances;
+};
+
+} // namespace
+
+TEST(Influence, AgreesWithReference)
+{
+    for (const std::string name :
+         {"bcg_vaccine", "passive_smoking", "teacher_expectancy", "writing_to_learn"}) {
+        Published published(name);
+        const bool hasTables = name == "bcg_vaccine";
+        const nlohmann::json figures = LoadReference(name + (hasTables ? "_log_risk_ratio_more" : "_more"));
+        published.settings.SetBinaryEstType(BIN_RISK_RATIO);
+        published.settings.SetWeightType(WEIGHT_INVERSE_VARIANCE);
+        for (const std::string model : {"fixed", "DL", "REML"}) {
+            SCOPED_TRACE(name + ", " + model);
+            MAModelSettings settings = WithInfluence(published.settings);
+            settings.SetModelType(model == "fixed" ? MODEL_FIXED : MODEL_RANDOM);
+            settings.SetKnapHartAdjustType(KNAPP_HARTUNG_ADJUSTED); // which scales nothing
+            if (model != "fixed")
+                settings.SetEstTauType(estimators.at(model));
+            ExpectFigures(BinRun(settings, published.data.rows).model, figures.at(model));
+        }
+    }
+}
+
+/// Rules of R's metafor 3.8-1, influence of rma(method = "FE") on the log risk ratios.
+TEST(Influence, NamesTheStudiesThatStandOut)
+{
+    Published bcg("bcg_vaccine");
+    bcg.settings.SetBinaryEstType(BIN_RISK_RATIO);
+    bcg.settings.SetModelType(MODEL_FIXED);
+    bcg.settings.SetWeightType(WEIGHT_INVERSE_VARIANCE);
+    const BinRun run(WithInfluence(bcg.settings), bcg.data.rows);
+    EXPECT_TRUE(Close(run.model.GetInfluenceCutoffs(),
+                      {1.959963984540054, 3.0 / std::sqrt(12.0), 0.454936423119573, 3.0 / 13.0, 1.0}, 1e-12));
+    const int all = INFLUENCE_RESIDUAL + INFLUENCE_DFFITS + INFLUENCE_COOK;
+    const std::vector<int> rules = {0, 1, 0, all, 0, all + INFLUENCE_HAT, 1, all + INFLUENCE_HAT,
+                                    0, 1, 0, 0,   0};
+    EXPECT_EQ(run.model.GetInfluenceRules(), rules);
+}
+
+/// Without study i the pooled effect of tables, and what follows, is that of the run without it.
+TEST(Influence, OfPooledTablesHasDffitsForPetoAlone)
+{
+    const Published bcg("bcg_vaccine");
+    for (const Pooling& pooling : poolings) {
+        SCOPED_TRACE(pooling.name);
+        const BinRun run(WithInfluence(pooling.Of(bcg.settings)), bcg.data.rows);
+        if (!run.model.GetTau2Var().empty() && !KXMV::IsMissing(run.model.GetTau2Var()[0]))
+            continue;
+        const bool isInverse = run.model.GetWeightType() == WEIGHT_INVERSE_VARIANCE;
+        EXPECT_EQ(KXMV::IsMissing(run.model.GetInfluenceDFFITS()[0]),
+                  !isInverse && pooling.effect != BIN_PETO_ODDS_RATIO);
+        EXPECT_EQ(run.model.GetInfluenceWeight()[0], 100.0 * run.model.GetInfluenceHat()[0]);
+        EXPECT_TRUE(KXMV::IsMissing(run.model.GetInfluenceTau2Deleted()[0]));
+    }
+}
+
+TEST(Influence, NeedsTwoStudiesBesideTheDeletedOne)
+{
+    const Published bcg("bcg_vaccine");
+    const BinRun pair(WithInfluence(bcg.settings), {bcg.data.rows[0], bcg.data.rows[1]});
+    const Row missing(2, KXMV::Missing());
+    EXPECT_EQ(pair.model.GetInfluenceStudentizedResidual(), missing);
+    EXPECT_EQ(pair.model.GetInfluenceTau2Deleted(), missing);
+    EXPECT_EQ(pair.model.GetBaujatY(), missing);
+    EXPECT_NEAR(pair.model.GetInfluenceWeight()[0] + pair.model.GetInfluenceWeight()[1], 100.0, 1e-12);
+    EXPECT_THAT(CodesOf(pair.model.GetWarnings()), testing::Contains(MAStatusCode::DELETION_UNDEFINED));
+}
+
+/// Effects of variances that span a few or many powers of ten, with outliers, and tau² at 0 or not. A tau² is
+/// compared with the smallest v + tau², of which the search leaves rounding alone, an effect with its
+/// standard error; ten bits may be lost.
+TEST(DeletedModels, EqualPlainRefits)
+{
+    int found = 0;
+    for (unsigned seed = 0; seed < 60; ++seed) {
+        std::mt19937 generator(seed);
+        std::normal_distribution<double> normal;
+        EffectVectors studies;
+        for (int i = 0; i < 4 + static_cast<int>(seed); ++i) {
+            const double variance = std::exp(normal(generator) * (seed % 4));
+            studies.variances.push_back(variance);
+            studies.effects.push_back(normal(generator) * std::sqrt(variance + seed % 3) *
+                                      (i == 2 ? 6.0 : 1.0));
+        }
+        MARandomEffectsChoice choice;
+        choice.estimator = std::array{TAU2_ML, TAU2_REML, TAU2_EB}[seed % 3];
+        choice.knappHartung = seed % 2 == 0 ? KNAPP_HARTUNG_NONE : KNAPP_HARTUNG_ADJUSTED;
+        choice.search = TAU2_SEARCH_GLOBAL;
+        MADeletedModels models({studies.effects, studies.variances}, choice);
+        for (std::size_t i = 0; i < studies.effects.size(); ++i) {
+            const std::optional<MAPooledModel> model = models.Without(i);
+            if (!model)
+                continue;
+            ++found;
+            const EffectVectors others = studies.Without(i);
+            const MAPooledModel plain = PoolRandomEffects({others.effects, others.variances}, choice);
+            const double least = *std::min_element(others.variances.begin(), others.variances.end());
+            EXPECT_TRUE(Close(model->tau2, plain.tau2, 1e-12, plain.tau2 + least)) << seed << " " << i;
+            EXPECT_TRUE(Close(model->effect.estimate, plain.effect.estimate, 1e-12, plain.effect.stdError));
+            EXPECT_TRUE(Close(model->effect.stdError, plain.effect.stdError, 1e-12));
+            EXPECT_TRUE(Close(model->homogeneity.q, plain.homogeneity.q, 1e-12));
+            EXPECT_TRUE(Close(model->heterogeneity.i2, plain.heterogeneity.i2, 1e-12, 1.0));
+            EXPECT_EQ(model->tau2Results.convergence, TAU2_GLOBAL_OPTIMUM);
+        }
+    }
+    EXPECT_GT(found, 1200); // of 2010; the others need a plain refit
+}
