@@ -9,9 +9,11 @@ are differences; of significances, I² and R² they are absolute.
 """
 
 import harness
+import outcomes
 import pooling
 import regression
 
 pooling.measure()
+outcomes.measure()
 regression.measure()
 harness.print_table()

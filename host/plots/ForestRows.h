@@ -30,7 +30,7 @@ struct ForestRow
     Kind kind;
     std::string label = {};
     std::string remark = {};   ///< beside the label
-    ForestInterval place = {}; ///< on the scale of the analysis
+    ForestInterval place = {}; ///< where it is drawn: of ratios the logarithms, of others what is shown
     ForestInterval shown = {}; ///< on the natural scale
     double weight = 1;         ///< of a study, as a fraction of all
 };
@@ -38,6 +38,9 @@ struct ForestRow
 /// The studies with their effects and the model of all studies. Where there are groups, the studies are in
 /// blocks that end with the group's pooled model.
 std::vector<ForestRow> ForestRows(const AnalysisData& data);
+
+/// Where the pooled effect of all studies is drawn.
+double OverallPlace(const AnalysisData& data);
 
 /// The pooled effect after each study of the cumulative analysis, in blocks where there are groups; empty
 /// without a cumulative analysis.

@@ -32,7 +32,7 @@ AnalysisData::AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofA
       settings(request.settings),
       base(analysis.Base()),
       measure(MeasureOf(settings)),
-      binary(measure.isRatio ? analysis.Binary() : nullptr),
+      natural(NaturalResultsOf(analysis, measure)),
       level(WordingOfLevel(settings)),
       decimals(std::max(DecimalsFor(base.GetStdError()), DecimalsFor(base.GetEstStdError()))),
       groupLabels(GroupLabels(request.subgroup, base.GetUniGroup()))

@@ -97,6 +97,9 @@ constexpr StatusSentence SENTENCES[] = {
      "The model type is neither fixed nor random effects; it is taken as random effects."},
     {MAStatusCode::TAU2_INTERVAL_UNAVAILABLE,
      "There is a profile-likelihood interval for the ML and REML estimators only."},
+    {MAStatusCode::COUNTS_NOT_POOLED,
+     "Mantel-Haenszel weights are for rate ratios and rate differences of raw data under the fixed-effect "
+     "model; the effect sizes are pooled by inverse variance."},
 };
 
 } // namespace

@@ -12,7 +12,7 @@ bool IsRandom(const MA_NAMESPACE::MAModelSettings& settings);
 /// The pooling model with its method: "random-effects model (restricted maximum likelihood)".
 std::string WordingOfModel(const MA_NAMESPACE::MAModelSettings& settings);
 
-/// Whether the fixed-effect model pools the tables themselves, after Mantel and Haenszel or Peto.
+/// Whether the fixed-effect model pools the tables, or rates, themselves, after Mantel and Haenszel or Peto.
 bool PoolsTables(const MA_NAMESPACE::MAModelSettings& settings);
 
 /// The symbol of the pooled effect's test statistic.

@@ -1,5 +1,6 @@
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
+#include "host/cli/OutcomeOptions.h"
 
 namespace host {
 
@@ -59,6 +60,12 @@ OptionDefinitions ColumnsOf(Options& options)
         return EffectsColumns(options);
     case Command::REGRESSION:
         return RegressionColumns(options);
+    case Command::RATES:
+    case Command::PROPORTION:
+    case Command::RATE:
+    case Command::CORRELATION:
+    case Command::MEAN:
+        return OutcomeColumns(options);
     }
     return {};
 }

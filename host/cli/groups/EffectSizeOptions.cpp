@@ -1,8 +1,11 @@
 #include "host/cli/Choices.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
+#include "host/cli/OutcomeOptions.h"
 #include "host/text/Measures.h"
 #include "host/text/Wording.h"
+
+#include <utility>
 
 using namespace MA_NAMESPACE;
 
@@ -14,15 +17,14 @@ using Settings = MAModelSettings;
 
 OptionDefinitions BinaryEffect(Settings& settings)
 {
+    OptionDefinitions zeroCells =
+        ZeroCellOptions(settings, "tables receive the zero-count constant in all cells");
     return {
         OneOf("effect", BINARY_MEASURES, settings, &Settings::GetBinaryEstType, &Settings::SetBinaryEstType,
               "effect size"),
-        OneOf("zero-cells", ZERO_CELL_CHOICES, settings, &Settings::GetBinZeroAdjType,
-              &Settings::SetBinZeroAdjType, "which tables receive the zero-count constant in all cells"),
-        Number("zero-delta", NOT_NEGATIVE, settings, &Settings::GetZeroCountDelta,
-               &Settings::SetZeroCountDelta, "zero-count constant"),
-        OneOf("pooled-zero-cells", POOLED_ZERO_CELL_CHOICES, settings, &Settings::GetPooledZeroCells,
-              &Settings::SetPooledZeroCells, "correction of the counts that --weights mantel-haenszel pools"),
+        std::move(zeroCells[0]),
+        std::move(zeroCells[1]),
+        PooledZeroCellOption(settings),
         Flag("drop-double-zero", settings, &Settings::GetDropBinZero, &Settings::SetDropBinZero,
              "drop tables without events, or without non-events, in both groups"),
     };
@@ -72,6 +74,12 @@ OptionDefinitions EffectsOf(Options& options)
         return ContinuousEffect(options.settings);
     case Command::EFFECTS:
         return ReadyMadeEffects(options);
+    case Command::RATES:
+    case Command::PROPORTION:
+    case Command::RATE:
+    case Command::CORRELATION:
+    case Command::MEAN:
+        return OutcomeEffects(options);
     case Command::REGRESSION:
         break;
     }
@@ -107,6 +115,7 @@ OptionGroup EffectSizeOptions(Options& options)
     return {.heading = "Effect size", .options = EffectsOf(options), .complete = [&options] {
                 ResolveReadyMadeEffect(options);
                 CheckPooledZeroCells(options);
+                CheckOutcomeOptions(options);
             }};
 }
 
