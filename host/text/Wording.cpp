@@ -79,9 +79,11 @@ std::string WordingOfTrimmingModel(const MAModelSettings& settings)
 std::string WordingOfNullHypothesis(const MAModelSettings& settings)
 {
     const double null = settings.GetNullHypothesis();
-    if (null == 0)
-        return {};
     const Measure measure = MeasureOf(settings);
+    if (null == 0)
+        return measure.hasNoEffect ? ""
+                                   : fmt::format("The null hypothesis is {} = 0, for want of another.",
+                                                 measure.AnalysisSymbol());
     const bool isNatural = IsMeasured(settings) || PoolsTables(settings);
     return fmt::format("The null hypothesis is {} = {}.",
                        isNatural ? measure.symbol : measure.AnalysisSymbol(), null);

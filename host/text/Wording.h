@@ -21,7 +21,7 @@ std::string WordingOfStatistic(const MA_NAMESPACE::MAModelSettings& settings);
 /// The pooling model with its method during trimming.
 std::string WordingOfTrimmingModel(const MA_NAMESPACE::MAModelSettings& settings);
 
-/// The null hypothesis of the pooled effect's test as a sentence; empty when it is 0.
+/// The null hypothesis of the pooled effect's test as a sentence; empty when it is no effect.
 std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& settings);
 
 /// The distribution of the prediction interval; empty for the default one.

@@ -122,10 +122,13 @@ void SetDataVariables(Values& values, StudyData data, MAModelSettings& settings)
 /// A measure of the data, from tables those of counts; ready-made effects can be of any measure.
 void SetMeasure(Values& values, StudyData data, MAModelSettings& settings)
 {
-    constexpr OUTCOMEMEASURE ofCounts[] = {
-        PROPORTION_LOGIT, PROPORTION_FREEMAN_TUKEY, PROPORTION_ARCSINE, PROPORTION_LOG,   PROPORTION_RAW,
-        RATE_LOG,         RATE_SQUARE_ROOT,         RATE_FREEMAN_TUKEY, RATE_RAW,         RATES_RATIO,
-        RATES_RATIO,      RATES_DIFFERENCE,         RATES_DIFFERENCE,   RATES_ROOT_DIFFERENCE};
+    constexpr OUTCOMEMEASURE ofCounts[] = {PROPORTION_LOGIT,   PROPORTION_FREEMAN_TUKEY,
+                                           PROPORTION_ARCSINE, PROPORTION_LOG,
+                                           PROPORTION_RAW,     RATE_LOG,
+                                           RATE_SQUARE_ROOT,   RATE_FREEMAN_TUKEY,
+                                           RATE_RAW,           RATES_RATIO,
+                                           RATES_RATIO,        RATES_DIFFERENCE,
+                                           RATES_DIFFERENCE,   RATES_ROOT_DIFFERENCE};
     constexpr OUTCOMEMEASURE ofGroup[] = {CORRELATION_FISHER_Z, CORRELATION_RAW, MEAN_RAW, MEAN_LOG};
     auto measure = values.Enumerator<OUTCOMEMEASURE>(outcomeMeasureCount);
     if (!values.IsHostile() && data != StudyData::Effects)
