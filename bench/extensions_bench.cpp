@@ -4,6 +4,7 @@
 #include "SimulatedStudies.h"
 
 #include "meta_analysis/analysis/MAContModel.h"
+#include "meta_analysis/analysis/MAOutcomeModel.h"
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 #include "meta_analysis/regression/MAFEAlgorithm.h"
@@ -321,5 +322,32 @@ BENCHMARK(Permutations)
     ->Args({1000, 1000})
     ->Unit(benchmark::kMillisecond);
 BENCHMARK(RegressionInfluenceReml)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
+/// Proportions by the transformation whose way back depends on the sizes of each model's studies.
+void FreemanTukeyRun(benchmark::State& state)
+{
+    MAModelSettings settings;
+    settings.SetOutcomesType(MAConst::OUTCOME_MEASURED);
+    settings.SetOutcomeMeasure(MAConst::PROPORTION_FREEMAN_TUKEY);
+    settings.SetModelType(MAConst::MODEL_FIXED);
+    settings.SetEventsIndex(0);
+    settings.SetSizeIndex(1);
+    settings.SetCommulativeIndex(0);
+    const auto count = static_cast<std::size_t>(state.range(0));
+    std::vector<Record> rows;
+    rows.reserve(count);
+    for (std::size_t i = 0; i < count; ++i)
+        rows.emplace_back(
+            std::vector<double>{static_cast<double>(i % 20), static_cast<double>(20 + i * 7919 % 500)});
+    VectorRecordIter records(std::move(rows));
+    while (state.KeepRunning()) {
+        MAOutcomeModel analysis(settings);
+        if (analysis.RUN(records, KXVarList()).IsError()) {
+            state.SkipWithError("the analysis failed");
+            break;
+        }
+        benchmark::DoNotOptimize(analysis.GetCumNaturalEstES());
+    }
+}
+BENCHMARK(FreemanTukeyRun)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 } // namespace

@@ -3,6 +3,7 @@
 // Data: Colditz et al. (1994), JAMA 271, 698-702.
 
 #include "meta_analysis/analysis/MABinModel.h"
+#include "meta_analysis/analysis/MAOutcomeModel.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/platform/common/KXQueryCancel.h"
 #include "meta_analysis/platform/common/KXVarList.h"
@@ -245,6 +246,22 @@ void Regress(const MABinModel& analysis, Session& session)
     std::printf("Progress was reported: %s\n", session.ReportCount() > 0 ? "yes" : "no");
 }
 
+/// The risk in the control groups, as the outcome of one group.
+void PrintControlRisk(MultiPassRecordIter& records, const KXVarList& variables)
+{
+    MAModelSettings settings;
+    settings.SetOutcomesType(MAConst::OUTCOME_MEASURED);
+    settings.SetOutcomeMeasure(MAConst::PROPORTION_LOGIT);
+    settings.SetEventsIndex(CONTROL_CASES);
+    settings.SetNonEventsIndex(CONTROL_HEALTHY);
+    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
+    MAOutcomeModel risks(settings);
+    if (risks.RUN(records, variables).IsError())
+        return;
+    std::printf("Risk without vaccination: %.4f (%.4f to %.4f)\n", risks.GetNaturalEstEffectSize().back(),
+                risks.GetNaturalEstCILower().back(), risks.GetNaturalEstCIUpper().back());
+}
+
 } // namespace
 
 int main()
@@ -258,6 +275,7 @@ int main()
         return 1;
     PrintModels(analysis);
     PrintDataUse(analysis);
+    PrintControlRisk(records, variables);
     Regress(analysis, session);
 
     // The user stops the work; the analysis that was finished before is still there to be read.

@@ -12,12 +12,14 @@ import conversion
 import groups
 import harness
 import influence
+import outcomes
 import pooling
 import regression
 
 conversion.measure()
 pooling.measure()
 groups.measure()
+outcomes.measure()
 regression.measure()
 influence.measure()
 harness.print_table()

@@ -10,11 +10,11 @@ namespace host {
 
 // The words that options have for the values of the library's enumerations; the first is the default of most.
 
+/// The outcomes of ready-made effect sizes.
 inline constexpr std::array OUTCOME_CHOICES{
     Choice{"continuous", MAConst::OUTCOME_CONTINUOUS},
     Choice{"binary", MAConst::OUTCOME_BINARY},
 };
-static_assert(HasEachEnumerator<OUTCOME_CHOICES>());
 
 inline constexpr std::array MODEL_CHOICES{
     Choice{"random", MAConst::MODEL_RANDOM},

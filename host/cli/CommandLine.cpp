@@ -1,5 +1,6 @@
 #include "host/cli/CommandLine.h"
 
+#include "host/cli/Commands.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OutputOptions.h"
 #include "host/text/ProgramInfo.h"
@@ -48,8 +49,8 @@ public:
 /// A command, and the options that the parser stores for it.
 struct CommandParser
 {
-    CommandParser(CLI::App& program, Command command, const char* name, const char* help)
-        : options(command), app(program.add_subcommand(name, help)->group("Commands"))
+    CommandParser(CLI::App& program, const CommandRow& row)
+        : options(row.value), app(program.add_subcommand(std::string(row.name), row.help)->group("Commands"))
     {}
 
     Options options;
@@ -124,6 +125,8 @@ void AddCommands(CLI::App& program, CommandParsers& parsers)
     parsers.emplace_back(
         program, Command::REGRESSION, "regression",
         "Meta-regression of effect sizes, ready-made or of raw data, on covariates and factors");
+    for (const CommandRow& row : COMMANDS)
+        parsers.emplace_back(program, row);
     for (CommandParser& parser : parsers)
         AddOptions(parser);
 }
@@ -142,9 +145,8 @@ void DescribeProgram(CLI::App& program)
     const std::vector<std::string> arguments = program.remaining();
     const std::string problem =
         arguments.empty() ? "No command is given" : fmt::format("'{}' is no command", arguments.front());
-    throw UnusableInput(fmt::format(
-        "{}. The commands are binary, continuous, effects and regression; '{} --help' tells more.", problem,
-        PROGRAM_NAME));
+    throw UnusableInput(fmt::format("{}. The commands are {}; '{} --help' tells more.", problem,
+                                    NamesOf(COMMANDS), PROGRAM_NAME));
 }
 
 /// Throws UnusableInput for arguments that the command does not have.

@@ -29,6 +29,12 @@ struct SummaryColumns
     ColumnName q3;
     ColumnName minimum;
     ColumnName maximum;
+    REGRESSION, ///< ready-made effect sizes on covariates and factors
+    RATES,      ///< events and person-time of two groups; the next ones are of one group
+    PROPORTION,
+    RATE,
+    CORRELATION,
+    MEAN
 };
 
 /// What the command `regression` has beyond the other commands.
@@ -84,6 +90,15 @@ struct Options
     ColumnName controlMean;
     ColumnName controlStdDev;
     ColumnName controlVariance;
+    ColumnName treatmentTime;
+    ColumnName controlTime;
+    ColumnName events; ///< of one group, as the next ones
+    ColumnName nonEvents;
+    ColumnName time;
+    ColumnName size;
+    ColumnName correlation;
+    ColumnName mean;
+    ColumnName stdDev;
     ColumnName effectSize;
     ColumnName variance;
     ColumnName stdError;

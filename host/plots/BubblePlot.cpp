@@ -62,10 +62,10 @@ Picture BubblePlot(const AnalysisData& data, std::size_t index)
 
     Picture picture = NewScatterPlot(NumberedName({"bubble", "Bubble plot", ""}, index + 1, covariate));
     picture.x = NumberAxis(CovariateTitle(data, covariate), x);
-    picture.y = EffectAxis(data.measure, data.measure.name, y);
+    picture.y = AnalysisAxis(data.measure, y);
     picture.layers.push_back(
         {Layer::Kind::AREA, color::BAND, {band}, {}, 0, fmt::format("{} band of the line", data.level)});
-    if (y.Contains(0))
+    if (data.measure.hasNoEffect && y.Contains(0))
         picture.layers.push_back(NullLine({x.First(), 0}, {x.Last(), 0}));
     picture.layers.push_back(std::move(bubbles));
     picture.layers.push_back(line);

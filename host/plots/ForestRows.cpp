@@ -23,11 +23,17 @@ ForestInterval EntryOf(const Estimates& estimates, std::size_t entry)
     return {estimates.values[entry], estimates.lower[entry], estimates.upper[entry]};
 }
 
-/// A ratio is shown on its natural scale, other effects on that of the analysis.
-void SetEffect(ForestRow& row, const EffectRows& rows, std::size_t entry)
+/// A ratio is drawn on the log scale, any other effect on its natural scale.
+void SetPlace(ForestRow& row, const AnalysisData& data, const ForestInterval& onAnalysisScale)
 {
-    row.place = EntryOf(rows.effects, entry);
-    row.shown = rows.ratios.values.empty() ? row.place : EntryOf(rows.ratios, entry);
+    row.place = data.measure.isRatio ? onAnalysisScale : row.shown;
+}
+
+void SetEffect(ForestRow& row, const AnalysisData& data, const EffectRows& rows, std::size_t entry)
+{
+    const ForestInterval effect = EntryOf(rows.effects, entry);
+    row.shown = rows.naturals.values.empty() ? effect : EntryOf(rows.naturals, entry);
+    SetPlace(row, data, effect);
 }
 
 Rows RowsOfStudies(const AnalysisData& data)
@@ -38,7 +44,7 @@ Rows RowsOfStudies(const AnalysisData& data)
     for (const std::string& label : data.StudyLabelsOf(data.base.GetNonMissingStudyID())) {
         const std::size_t study = rows.size();
         rows.push_back({Kind::STUDY, label});
-        SetEffect(rows.back(), effects, study);
+        SetEffect(rows.back(), data, effects, study);
         rows.back().weight = weights[study];
     }
     return rows;
@@ -68,18 +74,19 @@ Rows PredictionRow(const AnalysisData& data, const ForestRow& overall)
     if (lower.empty() || !IsNumber(lower.back()))
         return {};
     ForestRow row = {Kind::PREDICTION, data.level + " prediction interval"};
-    row.place = {overall.place.estimate, lower.back(), base.GetPIUpper().back()};
-    row.shown = row.place;
-    if (data.binary)
-        row.shown = {overall.shown.estimate, data.binary->GetExpPILower().back(),
-                     data.binary->GetExpPIUpper().back()};
+    const ForestInterval predicted = {overall.place.estimate, lower.back(), base.GetPIUpper().back()};
+    row.shown = predicted;
+    if (data.natural)
+        row.shown = {overall.shown.estimate, data.natural->predictions.lower.back(),
+                     data.natural->predictions.upper.back()};
+    SetPlace(row, data, predicted);
     return {row};
 }
 
 ForestRow PooledRow(const AnalysisData& data, std::size_t model, const char* label)
 {
     ForestRow row = {Kind::POOLED, label};
-    SetEffect(row, PooledRows(data), model);
+    SetEffect(row, data, PooledRows(data), model);
     return row;
 }
 
@@ -122,7 +129,7 @@ Rows CumulativeSteps(const AnalysisData& data, std::size_t block)
     for (const std::string& label : data.StudyLabelsOf(data.base.GetSubGroupStudyID()[block])) {
         const std::size_t step = rows.size();
         rows.push_back({Kind::STUDY, "+ " + label, values[step]});
-        SetEffect(rows.back(), effects, step);
+        SetEffect(rows.back(), data, effects, step);
     }
     return rows;
 }
@@ -137,6 +144,11 @@ std::vector<ForestRow> ForestRows(const AnalysisData& data)
     rows.push_back(OverallRow(data));
     Append(rows, PredictionRow(data, rows.back()));
     return rows;
+}
+
+double OverallPlace(const AnalysisData& data)
+{
+    return OverallRow(data).place.estimate;
 }
 
 std::vector<ForestRow> CumulativeForestRows(const AnalysisData& data)

@@ -38,11 +38,18 @@ struct ForestRow
     ForestInterval shown = {};           ///< on the natural scale
     double weight = 1;                   ///< of a study, as a fraction of all
     ForestInterval fitted = NO_INTERVAL; ///< by a regression, on the scale of the analysis
+    std::string remark = {};   ///< beside the label
+    ForestInterval place = {}; ///< where it is drawn: of ratios the logarithms, of others what is shown
+    ForestInterval shown = {}; ///< on the natural scale
+    double weight = 1;         ///< of a study, as a fraction of all
 };
 
 /// The studies with their effects and the model of all studies. Where there are groups, the studies are in
 /// blocks that end with the group's pooled model.
 std::vector<ForestRow> ForestRows(const AnalysisData& data);
+
+/// Where the pooled effect of all studies is drawn.
+double OverallPlace(const AnalysisData& data);
 
 /// The pooled effect after each study of the cumulative analysis, in blocks where there are groups; empty
 /// without a cumulative analysis.

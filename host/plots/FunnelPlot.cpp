@@ -185,7 +185,7 @@ void Funnel::SetAxes(Picture& picture) const
     y.Pad(0.05);
     if (pointsDown)
         y.StartAt(0);
-    picture.x = EffectAxis(data_.measure, data_.measure.name, x);
+    picture.x = AnalysisAxis(data_.measure, x);
     picture.y = NumberAxis(Capitalised(VerticalTitle(type_)), y);
     if (pointsDown)
         std::swap(picture.y.first, picture.y.last);

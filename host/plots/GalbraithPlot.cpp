@@ -29,6 +29,21 @@ Scale ScaleOf(const AnalysisData& data, const PlotOfGroup& plot)
     return {"variance", fmt::format("Line ± {:.2f}", data.base.GetGalbRegrIntercept()[plot.row])};
 }
 
+/// The line through the origin, which ends at `end`, and its parallels.
+std::vector<Layer> Lines(const AnalysisData& data, const PlotOfGroup& plot, double end)
+{
+    const double slope = data.base.GetGalbRegrSlope()[plot.row];
+    const double offset = data.base.GetGalbRegrIntercept()[plot.row];
+    return {
+        {Layer::Kind::DASHED_LINE,
+         color::INK,
+         {{{0, offset}, {end, slope * end + offset}}, {{0, -offset}, {end, slope * end - offset}}},
+         {},
+         1.2,
+         ScaleOf(data, plot).parallels},
+        LineBetween({0, 0}, {end, slope * end}, Layer::Kind::LINE, color::ACCENT, "Line through the origin")};
+}
+
 Picture GalbraithPlot(const AnalysisData& data, const PlotOfGroup& plot)
 {
     const MABaseModel& base = data.base;
@@ -52,16 +67,11 @@ Picture GalbraithPlot(const AnalysisData& data, const PlotOfGroup& plot)
     Picture picture = NewScatterPlot(NameOfGroupPlot({"galbraith", "Galbraith plot", ""}, plot));
     picture.x = NumberAxis(fmt::format("1 / {}", scale.name), x);
     picture.y = NumberAxis(fmt::format("{} / {}", Capitalised(data.measure.AnalysisName()), scale.name), y);
-    picture.layers = {
-        NullLine({0, 0}, {end, 0}),
-        {Layer::Kind::DASHED_LINE,
-         color::INK,
-         {{{0, offset}, {end, slope * end + offset}}, {{0, -offset}, {end, slope * end - offset}}},
-         {},
-         1.2,
-         scale.parallels},
-        LineBetween({0, 0}, {end, slope * end}, Layer::Kind::LINE, color::ACCENT, "Line through the origin"),
-        StudyDots(studies)};
+    if (data.measure.hasNoEffect)
+        picture.layers.push_back(NullLine({0, 0}, {end, 0}));
+    for (Layer& layer : Lines(data, plot, end))
+        picture.layers.push_back(std::move(layer));
+    picture.layers.push_back(StudyDots(studies));
     picture.description = fmt::format(
         "{}: {} by effect and precision, each divided by the {}; a line through the origin of slope "
         "{:.2f} and its two parallels at a distance of {:.2f}.",

@@ -185,4 +185,9 @@ Axis EffectAxis(const Measure& measure, const std::string& quantity, const Exten
     return {Capitalised(quantity) + " (log scale)", extent.First(), extent.Last(), RatioTicks(extent)};
 }
 
+Axis AnalysisAxis(const Measure& measure, const Extent& extent)
+{
+    return EffectAxis(measure, measure.isRatio ? measure.name : measure.AnalysisName(), extent);
+}
+
 } // namespace host

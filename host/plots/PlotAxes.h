@@ -45,4 +45,7 @@ Axis NumberAxis(std::string title, const Extent& extent);
 /// title without the scale, in lower case.
 Axis EffectAxis(const Measure& measure, const std::string& quantity, const Extent& extent);
 
+/// The axis of effects as they are analysed: of ratios as above, of others labelled on that scale.
+Axis AnalysisAxis(const Measure& measure, const Extent& extent);
+
 } // namespace host

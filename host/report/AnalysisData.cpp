@@ -39,6 +39,8 @@ AnalysisData::AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofA
       base(analysis.Base()),
       measure(MeasureOf(request)),
       binary(measure.isRatio ? analysis.Binary() : nullptr),
+      measure(MeasureOf(settings)),
+      natural(NaturalResultsOf(analysis, measure)),
       level(WordingOfLevel(settings)),
       decimals(std::max(DecimalsFor(base.GetStdError()), DecimalsFor(base.GetEstStdError()))),
       groupLabels(GroupLabels(request.subgroup, base.GetUniGroup()))

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "host/report/NaturalResults.h"
 #include "host/run/Analysis.h"
 #include "host/run/AnalysisRequest.h"
 #include "host/text/Measures.h"
 #include "host/text/NumberText.h"
 
 #include <cstddef>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -28,10 +30,10 @@ struct AnalysisData
     const MA_NAMESPACE::MAModelSettings& settings;
     const MA_NAMESPACE::MABaseModel& base;
     Measure measure;
-    const MA_NAMESPACE::MABinModel* binary; ///< null unless there are results on the ratio scale
-    std::string level;                      ///< "95%"
-    int decimals;                           ///< of effects and standard errors
-    std::vector<std::string> groupLabels;   ///< empty unless there are two groups or more
+    std::optional<NaturalResults> natural; ///< unless the analysis is on the natural scale
+    std::string level;                     ///< "95%"
+    int decimals;                          ///< of effects and standard errors
+    std::vector<std::string> groupLabels;  ///< empty unless there are two groups or more
 
     /// Labels of the rows of each group and of all studies, or of all studies alone.
     std::vector<std::string> RowLabels(std::size_t rowCount) const;

@@ -15,7 +15,7 @@ Report MakeAnalysisReport(const Options& options, const AnalysisRequest& request
 {
     const AnalysisData data(request, analysis);
     const RecordSummary records = analysis.Records(request.studyLabels.size());
-    Report report = {fmt::format("Meta-analysis: {}, {}, {} level", data.measure.name,
+    Report report = {fmt::format("Meta-analysis: {}, {}, {} level", data.measure.Title(),
                                  WordingOfModel(data.settings), data.level),
                      {}};
     Append(report.sections, RecordsSection(options.dataPath, records));

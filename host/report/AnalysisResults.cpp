@@ -253,6 +253,32 @@ void AddOwnResults(Json& results, const MAContModel& model)
     ADD_RESULT(ESType);
 }
 
+void AddOwnResults(Json& results, const MAOutcomeModel& model)
+{
+    ADD_RESULT(ESType);
+    ADD_RESULT(NZeroCorrected);
+    ADD_RESULT(NUninformative);
+    ADD_RESULT(NPoolCorrected);
+    ADD_RESULT(CumNPoolCorrected);
+    ADD_RESULT(NaturalEffectSize);
+    ADD_RESULT(NaturalCILower);
+    ADD_RESULT(NaturalCIUpper);
+    ADD_RESULT(NaturalEstEffectSize);
+    ADD_RESULT(NaturalEstCILower);
+    ADD_RESULT(NaturalEstCIUpper);
+    ADD_RESULT(NaturalPILower);
+    ADD_RESULT(NaturalPIUpper);
+    ADD_RESULT(CumNaturalEstES);
+    ADD_RESULT(CumNaturalEstCiLower);
+    ADD_RESULT(CumNaturalEstCiUpper);
+    ADD_RESULT(LeaveOneOutNaturalEffectSize);
+    ADD_RESULT(LeaveOneOutNaturalCILower);
+    ADD_RESULT(LeaveOneOutNaturalCIUpper);
+    ADD_RESULT(OverallTFNaturalEffectSize);
+    ADD_RESULT(OverallTFNaturalCILower);
+    ADD_RESULT(OverallTFNaturalCIUpper);
+}
+
 } // namespace
 
 Json ResultsOf(const Analysis& analysis)

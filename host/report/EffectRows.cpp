@@ -34,9 +34,10 @@ EffectRows PickedCumulativeRows(const AnalysisData& data, const Pick& pick)
         .stdErrors = pick(base.GetCumEstStdErr()),
         .statistics = pick(base.GetCumEstZval()),
         .significances = pick(base.GetCumEstSig())};
-    if (data.binary)
-        rows.ratios = {pick(data.binary->GetCumExpEstES()), pick(data.binary->GetCumExpEstCiLower()),
-                       pick(data.binary->GetCumExpEstCiUpper())};
+    if (data.natural) {
+        const NaturalResults::Steps& steps = data.natural->cumulative;
+        rows.naturals = {pick(steps.values), pick(steps.lower), pick(steps.upper)};
+    }
     return rows;
 }
 
@@ -47,9 +48,8 @@ EffectRows ModelRows(const AnalysisData& data)
                        .stdErrors = base.GetEstStdError(),
                        .statistics = base.GetEstZVal(),
                        .significances = base.GetEstSig()};
-    if (data.binary)
-        rows.ratios = {data.binary->GetEstExpEffectSize(), data.binary->GetEstExpCILower(),
-                       data.binary->GetEstExpCIUpper()};
+    if (data.natural)
+        rows.naturals = data.natural->models;
     return rows;
 }
 
@@ -59,9 +59,8 @@ EffectRows StudyRows(const AnalysisData& data)
 {
     const MABaseModel& base = data.base;
     EffectRows rows = {.effects = {base.GetEffectSize(), base.GetCILower(), base.GetCIUpper()}};
-    if (data.binary)
-        rows.ratios = {data.binary->GetExpEffectSize(), data.binary->GetExpCILower(),
-                       data.binary->GetExpCIUpper()};
+    if (data.natural)
+        rows.naturals = data.natural->studies;
     return rows;
 }
 
@@ -83,8 +82,8 @@ EffectHeaders HeadersOf(const Measure& measure)
 void AppendEffects(std::vector<ReportColumn>& table, const EffectRows& rows, const EffectHeaders& headers,
                    const AnalysisData& data)
 {
-    if (!rows.ratios.values.empty())
-        table.push_back({data.IntervalHeader(headers.ratio), EstimateTexts(rows.ratios)});
+    if (!rows.naturals.values.empty())
+        table.push_back({data.IntervalHeader(headers.natural), EstimateTexts(rows.naturals)});
     table.push_back({data.IntervalHeader(headers.effect), EstimateTexts(rows.effects, data.decimals)});
     if (!rows.stdErrors.empty())
         table.push_back(

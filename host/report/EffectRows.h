@@ -13,8 +13,8 @@ namespace host {
 /// Rows of effects with their tests. A part that is empty is not shown.
 struct EffectRows
 {
-    Estimates ratios = {};  ///< on the ratio scale
-    Estimates effects = {}; ///< on the scale of the analysis
+    Estimates naturals = {}; ///< on the natural scale, unless that is the scale of the analysis
+    Estimates effects = {};  ///< on the scale of the analysis
     std::vector<double> stdErrors = {};
     std::vector<double> statistics = {};
     std::vector<double> significances = {};
@@ -33,7 +33,7 @@ EffectRows CumulativeRows(const AnalysisData& data, std::size_t group);
 /// The headers of a table's effects.
 struct EffectHeaders
 {
-    std::string ratio;
+    std::string natural;
     std::string effect;
 };
 

@@ -7,6 +7,9 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
+#include <type_traits>
+#include <variant>
 
 using namespace MA_NAMESPACE;
 
@@ -14,44 +17,72 @@ namespace host {
 
 namespace {
 
-std::string CountOfTables(int count)
+/// How a driver of counts corrected zeros.
+struct Corrections
 {
-    return fmt::format("{} {}", count, count == 1 ? "table" : "tables");
+    const char* noun;  ///< of what is corrected
+    const char* cells; ///< what of it receives the constant
+    int ofEffects;
+    std::vector<int> byModel;
+    std::vector<std::vector<int>> bySteps;
+    int uninformative;
+};
+
+std::optional<Corrections> CorrectionsOf(const Analysis& analysis)
+{
+    return std::visit(
+        [](const auto& model) -> std::optional<Corrections> {
+            if constexpr (requires { model.GetNZeroCorrected(); }) {
+                const bool areTables = std::is_same_v<decltype(model), const MABinModel&>;
+                return Corrections{areTables ? "table" : "study", areTables ? "cells" : "counts",
+                                   model.GetNZeroCorrected(),     model.GetNPoolCorrected(),
+                                   model.GetCumNPoolCorrected(),  model.GetNUninformative()};
+            }
+            return {};
+        },
+        analysis.model);
+}
+
+/// "2 tables", "1 study".
+std::string CountOf(int count, const Corrections& of)
+{
+    const std::string noun = of.noun;
+    return fmt::format("{} {}", count, count == 1 ? noun : noun == "study" ? "studies" : noun + "s");
 }
 
 /// Counts for each pooled effect. Those of a cumulative analysis are the counts of the last steps.
-std::vector<int> CorrectedByRow(const MABinModel& model)
+std::vector<int> CorrectedByRow(const Corrections& corrections)
 {
     std::vector<int> corrected;
-    for (const std::vector<int>& steps : model.GetCumNPoolCorrected())
+    for (const std::vector<int>& steps : corrections.bySteps)
         corrected.push_back(steps.back());
-    return corrected.empty() ? model.GetNPoolCorrected() : corrected;
+    return corrected.empty() ? corrections.byModel : corrected;
 }
 
 /// Names the pooled effects with corrected tables, and how many they have.
-std::string WordingOf(const std::vector<int>& corrected, const std::vector<std::string>& labels)
+std::string WordingOf(const Corrections& corrections, const std::vector<std::string>& labels)
 {
+    const std::vector<int> corrected = CorrectedByRow(corrections);
     std::vector<std::string> rows;
     for (std::size_t row = 0; row < corrected.size(); ++row)
         if (corrected[row] > 0)
             rows.push_back(corrected.size() == 1
-                               ? CountOfTables(corrected[row])
-                               : fmt::format("{} in {}", CountOfTables(corrected[row]), labels[row]));
+                               ? CountOf(corrected[row], corrections)
+                               : fmt::format("{} in {}", CountOf(corrected[row], corrections), labels[row]));
     if (rows.empty())
-        return "no table";
+        return fmt::format("no {}", corrections.noun);
     const char* const others =
         rows.size() < corrected.size() ? "; the other rows pool the counts as read" : "";
     return fmt::format("{}{}", fmt::join(rows, ", "), others);
 }
 
 /// Says which tables do not take part in the pooled effects, and whether an effect is undefined.
-std::string WordingOfCountsAsRead(const MABinModel& model)
+std::string WordingOfCountsAsRead(const Corrections& corrections, const std::vector<double>& pooled)
 {
     std::string text;
-    if (const int leftOut = model.GetNUninformative(); leftOut > 0)
+    if (const int leftOut = corrections.uninformative; leftOut > 0)
         text += fmt::format(" Without information on the effect, and so without part in the pooled one: {}.",
-                            CountOfTables(leftOut));
-    const std::vector<double> pooled = model.GetEstEffectSize();
+                            CountOf(leftOut, corrections));
     if (std::any_of(pooled.begin(), pooled.end(), [](double effect) { return std::isnan(effect); }))
         text += " -: the counts have no pooled effect.";
     return text;
@@ -61,36 +92,38 @@ std::string WordingOfCountsAsRead(const MABinModel& model)
 
 std::string WordingOfStudyCorrection(const AnalysisData& data)
 {
-    const MABinModel* const model = data.analysis.Binary();
-    const int corrected = model == nullptr ? 0 : model->GetNZeroCorrected();
-    if (corrected == 0)
+    const std::optional<Corrections> corrections = CorrectionsOf(data.analysis);
+    if (!corrections || corrections->ofEffects == 0)
         return {};
-    return fmt::format("Zero-cell correction for the studies' own effects: {} added to all cells of {}.",
-                       data.settings.GetZeroCountDelta(), CountOfTables(corrected));
+    return fmt::format("Zero-cell correction for the studies' own effects: {} added to all {} of {}.",
+                       data.settings.GetZeroCountDelta(), corrections->cells,
+                       CountOf(corrections->ofEffects, *corrections));
 }
 
 std::string WordingOfPooledCorrection(const AnalysisData& data)
 {
-    const MABinModel* const model = data.analysis.Binary();
-    if (!PoolsTables(data.settings) || model == nullptr || model->GetNZeroCorrected() == 0)
+    const std::optional<Corrections> corrections = CorrectionsOf(data.analysis);
+    if (!PoolsTables(data.settings) || !corrections || corrections->ofEffects == 0)
         return {};
-    const std::vector<int> corrected = CorrectedByRow(*model);
+    const std::size_t rowCount = CorrectedByRow(*corrections).size();
     return fmt::format("Zero-cell correction of the counts pooled: {}.{}",
-                       WordingOf(corrected, data.RowLabels(corrected.size())), WordingOfCountsAsRead(*model));
+                       WordingOf(*corrections, data.RowLabels(rowCount)),
+                       WordingOfCountsAsRead(*corrections, data.base.GetEstEffectSize()));
 }
 
 void AppendCorrectionOfSteps(std::vector<ReportColumn>& table, const AnalysisData& data, std::size_t group)
 {
-    const MABinModel* const model = data.analysis.Binary();
-    if (model == nullptr)
+    const std::optional<Corrections> corrections = CorrectionsOf(data.analysis);
+    if (!corrections)
         return;
-    const std::vector<int> corrected = model->GetCumNPoolCorrected()[group];
+    const std::vector<int>& corrected = corrections->bySteps[group];
     std::vector<std::string> texts;
     texts.reserve(corrected.size());
     for (const int count : corrected)
         texts.push_back(std::to_string(count));
     if (std::any_of(corrected.begin(), corrected.end(), [](int count) { return count > 0; }))
-        table.push_back({"Tables corrected", texts});
+        table.push_back(
+            {fmt::format("{} corrected", Capitalised(CountOf(0, *corrections).substr(2))), texts});
 }
 
 } // namespace host

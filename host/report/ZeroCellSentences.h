@@ -9,7 +9,8 @@
 
 namespace host {
 
-/// How many tables have the zero-cell correction for the studies' own effects; empty when none has.
+/// How many tables, or studies with other counts, have the zero-cell correction for the studies' own effects;
+/// empty when none has.
 std::string WordingOfStudyCorrection(const AnalysisData& data);
 
 /// How many corrected tables each pooled effect has; empty unless tables are pooled and some have a zero

@@ -13,16 +13,17 @@ namespace host {
 
 namespace {
 
+template <class Model>
+Analysis NewAnalysisBy(const MAModelSettings& settings)
+{
+    return {.model = Model(settings), .status = {}, .testStatus = {}, .bubbleStatus = {}, .globalTau2 = {}};
+}
+
 Analysis NewAnalysis(const MAModelSettings& settings)
 {
-    if (IsBinary(settings))
-        return {.model = MABinModel(settings),
-                .status = {},
-                .testStatus = {},
-                .bubbleStatus = {},
-                .globalTau2 = {}};
-    return {
-        .model = MAContModel(settings), .status = {}, .testStatus = {}, .bubbleStatus = {}, .globalTau2 = {}};
+    if (IsMeasured(settings))
+        return NewAnalysisBy<MAOutcomeModel>(settings);
+    return IsBinary(settings) ? NewAnalysisBy<MABinModel>(settings) : NewAnalysisBy<MAContModel>(settings);
 }
 
 KXStatus TestOverall(MABinModel& model, AnalysisRequest& request)
@@ -34,6 +35,11 @@ KXStatus TestOverall(MABinModel& model, AnalysisRequest& request)
 KXStatus TestOverall(MAContModel& model, AnalysisRequest& request)
 {
     return model.RegBasedContTest(request.records, request.variables);
+}
+
+KXStatus TestOverall(MAOutcomeModel& model, AnalysisRequest& request)
+{
+    return model.RegBasedOutcomeTest(request.records, request.variables);
 }
 
 /// Runs the test of all studies, then the tests of each group and of all studies with all parameters.

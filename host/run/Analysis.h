@@ -5,6 +5,7 @@
 
 #include "meta_analysis/analysis/MABinModel.h"
 #include "meta_analysis/analysis/MAContModel.h"
+#include "meta_analysis/analysis/MAOutcomeModel.h"
 #include "meta_analysis/platform/common/KXStatus.h"
 
 #include <cstddef>
@@ -17,7 +18,7 @@ namespace host {
 /// The results of a run and of the steps after it. They refer to the request, which must outlive them.
 struct Analysis
 {
-    std::variant<MA_NAMESPACE::MABinModel, MA_NAMESPACE::MAContModel> model;
+    std::variant<MA_NAMESPACE::MABinModel, MA_NAMESPACE::MAContModel, MA_NAMESPACE::MAOutcomeModel> model;
     KXStatus status; ///< of the run
     std::optional<KXStatus>
         testStatus; ///< of the small-study test, when that was asked for and the run went well
@@ -31,7 +32,7 @@ struct Analysis
 
     const MA_NAMESPACE::MABaseModel& Base() const;
     RecordSummary Records(std::size_t read) const;
-    /// Null for continuous outcomes.
+    /// Null for other outcomes than 2x2 tables and ready-made effects of them.
     const MA_NAMESPACE::MABinModel* Binary() const { return std::get_if<MA_NAMESPACE::MABinModel>(&model); }
 
     bool HasFailedTest() const { return testStatus && testStatus->IsError(); }

@@ -92,6 +92,15 @@ MAModelSettings SettingsWithPositions(const Options& options, const DataTable& t
     settings.SetControlMeanIndex(variables.PositionOf(options.controlMean));
     settings.SetControlStdErrorIndex(variables.PositionOf(options.controlStdDev));
     settings.SetControlVarianceIndex(variables.PositionOf(options.controlVariance));
+    settings.SetTreatmentTimeIndex(variables.PositionOf(options.treatmentTime));
+    settings.SetControlTimeIndex(variables.PositionOf(options.controlTime));
+    settings.SetEventsIndex(variables.PositionOf(options.events));
+    settings.SetNonEventsIndex(variables.PositionOf(options.nonEvents));
+    settings.SetTimeIndex(variables.PositionOf(options.time));
+    settings.SetSizeIndex(variables.PositionOf(options.size));
+    settings.SetCorrelationIndex(variables.PositionOf(options.correlation));
+    settings.SetMeanIndex(variables.PositionOf(options.mean));
+    settings.SetStdDevIndex(variables.PositionOf(options.stdDev));
     settings.SetInputEffectSizeIndex(variables.PositionOf(options.effectSize));
     settings.SetInputVarianceIndex(variables.PositionOf(options.variance));
     settings.SetInputStdErrorIndex(variables.PositionOf(options.stdError));

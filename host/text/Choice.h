@@ -47,25 +47,26 @@ constexpr bool HasEachEnumerator()
            IsEnumerator<static_cast<Value>(count - 1)>() && !IsEnumerator<static_cast<Value>(count)>();
 }
 
+// Parts of a table are vectors of its rows.
+
 /// The names, in the order of the table.
-template <class Row, std::size_t N>
-std::string NamesOf(const std::array<Row, N>& table)
+template <class Table>
+std::string NamesOf(const Table& table)
 {
     std::string names;
-    for (const Row& row : table)
+    for (const auto& row : table)
         names += fmt::format("{}{}", names.empty() ? "" : ", ", row.name);
     return names;
 }
 
 /// The value of a name. Throws UnusableInput with a sentence that lists the names.
-template <class Row, std::size_t N>
-auto ValueOf(const std::array<Row, N>& table, std::string_view name)
+template <class Table>
+auto ValueOf(const Table& table, std::string_view name)
 {
-    const auto* const found =
-        std::find_if(table.begin(), table.end(), [&](const Row& row) { return row.name == name; });
-    if (found == table.end())
-        throw UnusableInput(fmt::format("'{}' is none of {}.", name, NamesOf(table)));
-    return found->value;
+    for (const auto& row : table)
+        if (row.name == name)
+            return row.value;
+    throw UnusableInput(fmt::format("'{}' is none of {}.", name, NamesOf(table)));
 }
 
 /// The row of a value. The static assertions at the tables prove that each enumerator has one.

@@ -4,10 +4,12 @@
 
 #include "meta_analysis/settings/MAConst.h"
 #include "meta_analysis/settings/MAModelSettings.h"
+#include "meta_analysis/settings/MAOutcomeMeasures.h"
 
 #include <array>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -17,16 +19,24 @@ struct Measure
     std::string name;   ///< "odds ratio"
     std::string symbol; ///< "OR"
     bool isRatio;       ///< analysed on the log scale
+    /// The scale of the analysis; `Log` for a ratio.
+    MA_NAMESPACE::MAScale scale;
+    /// Whether 0 on the scale of the analysis is no effect. There is none for one group's proportion, rate or
+    /// mean.
+    bool hasNoEffect = true;
 
     /// The measure under another name, which is its symbol too.
     Measure Labelled(const std::string& label) const { return {label, label, isRatio}; }
 
     /// The symbol and the name on the scale of the analysis: "log OR" for a ratio, else as they are.
+    /// The symbol and the name on the scale of the analysis: "log OR", "logit proportion".
     std::string AnalysisSymbol() const { return OnAnalysisScale(symbol); }
     std::string AnalysisName() const { return OnAnalysisScale(name); }
+    /// What a report is headed by: ratios of two groups by their name, others by that on the analysis scale.
+    std::string Title() const { return isRatio && hasNoEffect ? name : AnalysisName(); }
 
 private:
-    std::string OnAnalysisScale(const std::string& text) const { return isRatio ? "log " + text : text; }
+    std::string OnAnalysisScale(const std::string& text) const;
 };
 
 /// A measure of 2x2 tables, with the word of --effect. The library's table of measures knows the scale.
@@ -49,6 +59,17 @@ struct ContinuousMeasure
     const char* symbol;
 };
 
+/// A measure of one group, or of two groups' rates, with the word of --effect, which another kind of data may
+/// have as well. The library's table of these measures knows data and scale.
+struct OutcomeMeasure
+{
+    std::string_view name;
+    MAConst::OUTCOMEMEASURE value;
+    const char* title;
+    const char* symbol;
+    bool hasNoEffect;
+};
+
 // Options, reports, pictures and JSON read these tables.
 
 inline constexpr std::array BINARY_MEASURES{
@@ -68,6 +89,32 @@ inline constexpr std::array CONTINUOUS_MEASURES{
 };
 static_assert(HasEachEnumerator<CONTINUOUS_MEASURES>());
 
+inline constexpr std::array OUTCOME_MEASURES{
+    OutcomeMeasure{"logit", MAConst::PROPORTION_LOGIT, "proportion", "proportion", false},
+    OutcomeMeasure{"freeman-tukey", MAConst::PROPORTION_FREEMAN_TUKEY, "proportion", "proportion", false},
+    OutcomeMeasure{"arcsine", MAConst::PROPORTION_ARCSINE, "proportion", "proportion", false},
+    OutcomeMeasure{"log", MAConst::PROPORTION_LOG, "proportion", "proportion", false},
+    OutcomeMeasure{"raw", MAConst::PROPORTION_RAW, "proportion", "proportion", false},
+    OutcomeMeasure{"log", MAConst::RATE_LOG, "rate", "rate", false},
+    OutcomeMeasure{"square-root", MAConst::RATE_SQUARE_ROOT, "rate", "rate", false},
+    OutcomeMeasure{"freeman-tukey", MAConst::RATE_FREEMAN_TUKEY, "rate", "rate", false},
+    OutcomeMeasure{"raw", MAConst::RATE_RAW, "rate", "rate", false},
+    OutcomeMeasure{"fisher-z", MAConst::CORRELATION_FISHER_Z, "correlation", "r", true},
+    OutcomeMeasure{"raw", MAConst::CORRELATION_RAW, "correlation", "r", true},
+    OutcomeMeasure{"raw", MAConst::MEAN_RAW, "mean", "mean", false},
+    OutcomeMeasure{"log", MAConst::MEAN_LOG, "mean", "mean", false},
+    OutcomeMeasure{"rate-ratio", MAConst::RATES_RATIO, "rate ratio", "IRR", true},
+    OutcomeMeasure{"rate-difference", MAConst::RATES_DIFFERENCE, "rate difference", "IRD", true},
+    OutcomeMeasure{"root-rate-difference", MAConst::RATES_ROOT_DIFFERENCE, "root rate difference", "root IRD",
+                   true},
+};
+static_assert(HasEachEnumerator<OUTCOME_MEASURES>());
+
+/// The measures of one kind of data, the default first.
+std::vector<OutcomeMeasure> OutcomeMeasuresOf(MA_NAMESPACE::MAOutcomeData data);
+
+/// Whether the measure is one of these.
+bool IsMeasured(const MA_NAMESPACE::MAModelSettings& settings);
 bool IsBinary(const MA_NAMESPACE::MAModelSettings& settings);
 
 Measure MeasureOf(MAConst::BINESTYPE type);

@@ -134,6 +134,9 @@ constexpr StatusSentence SENTENCES[] = {
      "One cluster alone determines a coefficient, which leaves no robust variance of it."},
     {MAStatusCode::PERMUTATIONS_LEFT_OUT,
      "Some permuted data had no test statistic; the permutation test is about the others."},
+    {MAStatusCode::COUNTS_NOT_POOLED,
+     "Mantel-Haenszel weights are for rate ratios and rate differences of raw data under the fixed-effect "
+     "model; the effect sizes are pooled by inverse variance."},
 };
 
 } // namespace

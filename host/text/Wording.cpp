@@ -32,7 +32,8 @@ std::string FixedMethod(const MAModelSettings& settings)
 {
     if (!PoolsTables(settings))
         return "inverse variance";
-    return RowOf(BINARY_MEASURES, settings.GetBinaryEstType()).tablePooling;
+    return IsMeasured(settings) ? "Mantel-Haenszel"
+                                : RowOf(BINARY_MEASURES, settings.GetBinaryEstType()).tablePooling;
 }
 
 } // namespace
@@ -53,6 +54,9 @@ std::string WordingOfModel(const MAModelSettings& settings)
 
 bool PoolsTables(const MAModelSettings& settings)
 {
+    if (IsMeasured(settings))
+        return PoolsCounts(settings.GetOutcomeMeasure(), settings.GetModelType(), settings.GetWeightType(),
+                           settings.GetInputESType());
     return IsBinary(settings) && settings.GetInputESType() == MAConst::INPUT_RAW && !IsRandom(settings) &&
            settings.GetWeightType() == MAConst::WEIGHT_BINARY_FIXED;
 }
@@ -89,8 +93,14 @@ std::string WordingOfNullHypothesis(const MAModelSettings& settings, const Measu
     const double null = settings.GetNullHypothesis();
     if (null == 0)
         return {};
+    const Measure measure = MeasureOf(settings);
+    if (null == 0)
+        return measure.hasNoEffect ? ""
+                                   : fmt::format("The null hypothesis is {} = 0, for want of another.",
+                                                 measure.AnalysisSymbol());
+    const bool isNatural = IsMeasured(settings) || PoolsTables(settings);
     return fmt::format("The null hypothesis is {} = {}.",
-                       PoolsTables(settings) ? measure.symbol : measure.AnalysisSymbol(), null);
+                       isNatural ? measure.symbol : measure.AnalysisSymbol(), null);
 }
 
 std::string WordingOfPrediction(MAConst::PREDICTIONTYPE prediction)

@@ -14,7 +14,7 @@ bool IsRandom(const MA_NAMESPACE::MAModelSettings& settings);
 /// The pooling model with its method: "random-effects model (restricted maximum likelihood)".
 std::string WordingOfModel(const MA_NAMESPACE::MAModelSettings& settings);
 
-/// Whether the fixed-effect model pools the tables themselves, after Mantel and Haenszel or Peto.
+/// Whether the fixed-effect model pools the tables, or rates, themselves, after Mantel and Haenszel or Peto.
 bool PoolsTables(const MA_NAMESPACE::MAModelSettings& settings);
 
 /// The symbol of the pooled effect's test statistic: "t", "z", or "t or z" where that goes by heterogeneity.
@@ -25,6 +25,9 @@ std::string WordingOfTrimmingModel(const MA_NAMESPACE::MAModelSettings& settings
 
 /// The null hypothesis of the pooled effect's test as a sentence; empty when it is 0.
 std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& settings, const Measure& measure);
+
+/// The null hypothesis of the pooled effect's test as a sentence; empty when it is no effect.
+std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& settings);
 
 /// The distribution of the prediction interval; empty for the default one.
 std::string WordingOfPrediction(MAConst::PREDICTIONTYPE prediction);

@@ -2,6 +2,7 @@
 #include "support/Compare.h"
 
 #include "meta_analysis/platform/common/VectorRecordIter.h"
+#include "meta_analysis/settings/MAOutcomeMeasures.h"
 
 #include <array>
 #include <numeric>
@@ -39,6 +40,8 @@ Outcome OutcomeOf(const AnalysisCase& made, int runs)
 /// ... of the last of several runs of one object.
 Outcome OutcomeOf(const AnalysisCase& made, int runs = 1)
 {
+    if (made.isMeasured)
+        return OutcomeOf<MAOutcomeModel>(made, runs);
     return made.isBinary ? OutcomeOf<MABinModel>(made, runs) : OutcomeOf<MAContModel>(made, runs);
 }
 
@@ -84,8 +87,22 @@ const std::array<const char*, 3> intervals[] = {
     {"GetRegBasedTestCILower", "GetRegBasedTestCoef", "GetRegBasedTestCIUpper"},
     {"GetRegBasedTestLimitCILower", "GetRegBasedTestLimit", "GetRegBasedTestLimitCIUpper"},
 };
+/// ... of `MAOutcomeModel`.
+const std::array<const char*, 3> naturalIntervals[] = {
+    {"GetNaturalCILower", "GetNaturalEffectSize", "GetNaturalCIUpper"},
+    {"GetNaturalEstCILower", "GetNaturalEstEffectSize", "GetNaturalEstCIUpper"},
+    {"GetCumNaturalEstCiLower", "GetCumNaturalEstES", "GetCumNaturalEstCiUpper"},
+    {"GetLeaveOneOutNaturalCILower", "GetLeaveOneOutNaturalEffectSize", "GetLeaveOneOutNaturalCIUpper"},
+    {"GetOverallTFNaturalCILower", "GetOverallTFNaturalEffectSize", "GetOverallTFNaturalCIUpper"},
+};
 
 using Positions = std::vector<std::size_t>;
+
+/// Whether the groups of a measured analysis can be exchanged.
+bool IsOfTwoGroups(const AnalysisCase& made)
+{
+    return allOutcomeMeasures[made.settings.GetOutcomeMeasure()].data == MAOutcomeData::Rates;
+}
 
 double SumOf(const std::vector<double>& values)
 {
@@ -129,7 +146,8 @@ void AnalysisCheck::CheckStatus()
     EXPECT_TRUE(!HasRepeats(expect_.Values("GetWarnings"))) << "no warning comes twice";
     if (made_.isTame && StudyCount() >= 3) {
         EXPECT_TRUE(!run_.status.IsError()) << "ordinary data can be analysed";
-        expect_.Numbers({"GetPILower", "GetPIUpper", "GetExpPILower", "GetExpPIUpper"}); // of two studies
+        expect_.Numbers({"GetPILower", "GetPIUpper", "GetExpPILower", "GetExpPIUpper", // of two studies
+                         "GetNaturalPILower", "GetNaturalPIUpper"});
     }
 }
 
@@ -140,6 +158,9 @@ void AnalysisCheck::CheckShapes()
     ofRegression.level = made_.regression.GetConfidenceLevel();
     ofRegression.Ordered("GetRegrBetaConfInterValLower", "GetRegrTestCoefficient",
                          "GetRegrBetaConfInterValUpper");
+    if (made_.isMeasured)
+        for (const auto& [lower, middle, upper] : naturalIntervals)
+            expect_.Ordered(lower, middle, upper);
     if (made_.settings.GetCummulativeIndex() == -1 && !run_.status.IsError()) {
         expect_.SameShape({"GetEstEffectSize", "GetTau2Var"});
         expect_.Ordered("GetPILower", "GetEstEffectSize", "GetPIUpper");
@@ -224,7 +245,8 @@ void AnalysisCheck::CheckUnit()
 {
     const bool isDifference = made_.settings.GetContinousEstType() == CONT_MEAN_DIFFERENCE;
     const bool isImpossible = made_.isBinary && made_.settings.GetBinaryEstType() == BIN_RISK_DIFFERENCE;
-    if (made_.data == StudyData::Tables || isImpossible || (made_.data == StudyData::Means && !isDifference))
+    if (made_.data == StudyData::Tables || isImpossible ||
+        (made_.data == StudyData::Means && (made_.isMeasured || !isDifference)))
         return;
     constexpr double unit = 4.0;
     const bool areEffects = made_.data == StudyData::Effects;
@@ -246,6 +268,8 @@ void AnalysisCheck::CheckUnit()
 void AnalysisCheck::CheckNegation()
 {
     const bool areTables = made_.data == StudyData::Tables;
+    if (made_.isMeasured && made_.data != StudyData::Effects && !IsOfTwoGroups(made_))
+        return;
     const int half = columnCountOf[static_cast<std::size_t>(made_.data)] / 2;
     AnalysisCase changed = made_;
     for (Row& row : changed.rows) {

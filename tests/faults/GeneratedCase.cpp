@@ -4,6 +4,7 @@
 
 #include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAMeasures.h"
+#include "meta_analysis/settings/MAOutcomeMeasures.h"
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -116,6 +117,32 @@ void SetDataVariables(Values& values, StudyData data, MAModelSettings& settings)
         if (values.IsHostile())
             settings.SetInputStdErrorIndex(values.Index(1));
     }
+}
+
+/// A measure of the data, from tables those of counts; ready-made effects can be of any measure.
+void SetMeasure(Values& values, StudyData data, MAModelSettings& settings)
+{
+    constexpr OUTCOMEMEASURE ofCounts[] = {PROPORTION_LOGIT,   PROPORTION_FREEMAN_TUKEY,
+                                           PROPORTION_ARCSINE, PROPORTION_LOG,
+                                           PROPORTION_RAW,     RATE_LOG,
+                                           RATE_SQUARE_ROOT,   RATE_FREEMAN_TUKEY,
+                                           RATE_RAW,           RATES_RATIO,
+                                           RATES_RATIO,        RATES_DIFFERENCE,
+                                           RATES_DIFFERENCE,   RATES_ROOT_DIFFERENCE};
+    constexpr OUTCOMEMEASURE ofGroup[] = {CORRELATION_FISHER_Z, CORRELATION_RAW, MEAN_RAW, MEAN_LOG};
+    auto measure = values.Enumerator<OUTCOMEMEASURE>(outcomeMeasureCount);
+    if (!values.IsHostile() && data != StudyData::Effects)
+        measure = data == StudyData::Tables ? values.Stream().Pick(ofCounts) : values.Stream().Pick(ofGroup);
+    settings.SetOutcomeMeasure(measure);
+    settings.SetEventsIndex(values.Index(0));
+    settings.SetTimeIndex(values.Index(1));
+    settings.SetNonEventsIndex(values.IndexOrNone(1));
+    settings.SetSizeIndex(values.Index(data == StudyData::Means ? 0 : 3));
+    settings.SetMeanIndex(values.Index(1));
+    settings.SetStdDevIndex(values.Index(2));
+    settings.SetCorrelationIndex(values.Index(2));
+    settings.SetTreatmentTimeIndex(values.Index(1));
+    settings.SetControlTimeIndex(values.Index(3));
 }
 
 void SetModel(Values& values, MAModelSettings& settings)
@@ -284,6 +311,12 @@ AnalysisCase::AnalysisCase(ByteStream& bytes)
         settings.SetKnapHartAdjustType(KNAPP_HARTUNG_IF_HETEROGENEOUS);
     if (!isTame)
         SetConversions(values, data, settings);
+    isMeasured = bytes.OneIn(3);
+    if (!isMeasured)
+        return;
+    isBinary = false;
+    settings.SetOutcomesType(OUTCOME_MEASURED);
+    SetMeasure(values, data, settings);
 }
 
 RegressionCase::RegressionCase(ByteStream& bytes) : isTame(!bytes.OneIn(2)), isRandom(bytes.OneIn(2))

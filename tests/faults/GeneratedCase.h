@@ -25,7 +25,8 @@ struct AnalysisCase
 
     bool isTame;
     StudyData data;
-    bool isBinary; ///< which driver; tables are always binary, means continuous
+    bool isBinary;           ///< which driver; tables are always binary, means continuous
+    bool isMeasured = false; ///< whether it is that of the settings' measure instead, on the same columns
     MA_NAMESPACE::MAModelSettings settings;
     /// Of the small-study tests and the bubble plots that follow the run.
     MA_NAMESPACE::MARegSettings regression;

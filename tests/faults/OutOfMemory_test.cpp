@@ -220,6 +220,17 @@ void ExpectEngineSurvives(const MARegSettings& settings, const Rows& rows)
 
 } // namespace
 
+/// The columns of the tables as events and person-time.
+MAModelSettings RatesSettings()
+{
+    MAModelSettings settings = TableSettings();
+    settings.SetOutcomesType(OUTCOME_MEASURED);
+    settings.SetOutcomeMeasure(RATES_RATIO);
+    settings.SetTreatmentTimeIndex(1);
+    settings.SetControlTimeIndex(3);
+    return settings;
+}
+
 class OutOfMemoryInAnalyses : public testing::TestWithParam<Wish>
 {};
 
@@ -237,6 +248,9 @@ TEST_P(OutOfMemoryInAnalyses, IsReported)
     Analysis<MABinModel> ofTables(GetParam().Of(TableSettings()));
     ofTables.ExpectOperationsSurvive();
     ofTables.ExpectGettersSurvive();
+    Analysis<MAOutcomeModel> ofRates(GetParam().Of(RatesSettings()));
+    ofRates.ExpectOperationsSurvive();
+    ofRates.ExpectGettersSurvive();
     if (GetParam().weight == WEIGHT_BINARY_FIXED)
         return; // which is for tables alone
     Analysis<MAContModel>(GetParam().Of(MeansSettings())).ExpectOperationsSurvive();

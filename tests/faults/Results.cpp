@@ -60,6 +60,7 @@ Results ResultsOf(const Source& source)
 
 template Results ResultsOf(const MABinModel&);
 template Results ResultsOf(const MAContModel&);
+template Results ResultsOf(const MAOutcomeModel&);
 template Results ResultsOf(const MARegOutputStats&);
 
 std::string FirstDifference(const Results& left, const Results& right)

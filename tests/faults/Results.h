@@ -2,6 +2,7 @@
 
 #include "meta_analysis/analysis/MABinModel.h"
 #include "meta_analysis/analysis/MAContModel.h"
+#include "meta_analysis/analysis/MAOutcomeModel.h"
 #include "meta_analysis/regression/MARegOutputStats.h"
 
 #include <string>
@@ -14,7 +15,7 @@ struct Result
     std::vector<std::vector<double>> rows;
 };
 
-/// Every result that a getter returns as numbers, of a `MABinModel`, a `MAContModel` or a `MARegOutputStats`.
+/// Every result that a getter returns as numbers, of an analysis or a `MARegOutputStats`.
 using Results = std::vector<Result>;
 template <class Source>
 Results ResultsOf(const Source& source);

@@ -36,6 +36,9 @@ TEST(JsonReport, HasAKeyForEveryGetter)
     } cases[] = {
         {Bcg(), {both[0], both[1], "analysis/MABinModel.h"}, {}},
         {Effects("passive_smoking.csv"), {both[0], both[1], "analysis/MAContModel.h"}, {}},
+        {Arguments{"proportion", DataFile("hyperdynamic_therapy.csv")} + "--events events --n n",
+         {both[0], both[1], "analysis/MAOutcomeModel.h"},
+         {}},
         {Regression("passive_smoking.csv") + "--covariate year",
          {"regression/MARegOutputStats.h"},
          {"Score"}},

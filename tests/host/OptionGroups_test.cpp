@@ -1,5 +1,6 @@
 // Every option of every command, as the groups declare it.
 
+#include "host/cli/Commands.h"
 #include "host/cli/OptionGroups.h"
 
 #include <gmock/gmock.h>
@@ -38,8 +39,6 @@ std::string TextOf(const Json& value)
     return one.is_string() ? one.get<std::string>() : one.dump();
 }
 
-constexpr Command COMMANDS[] = {Command::BINARY, Command::CONTINUOUS, Command::EFFECTS, Command::REGRESSION};
-
 /// The name of a ready-made measure is checked when the outcome is known, and the outcome changes the
 /// measure.
 bool DependsOnOutcome(const Options& options, const OptionDefinition& option)
@@ -49,7 +48,8 @@ bool DependsOnOutcome(const Options& options, const OptionDefinition& option)
 
 TEST(OptionGroups, EachOptionChangesItsOwnValueAlone)
 {
-    for (const Command command : COMMANDS) {
+    for (const CommandRow& row : COMMANDS) {
+        const Command command = row.value;
         Options untouched(command);
         for (std::size_t i = 0; i < DefineOptions(untouched).size(); ++i) {
             Options options(command);

@@ -31,6 +31,8 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
     const Arguments effects = Effects("passive_smoking.csv");
     const Arguments binary = Binary("bcg_vaccine.csv");
     const Arguments means = Continuous("stroke_length_of_stay.csv");
+    const Arguments proportion =
+        Arguments{"proportion", DataFile("hyperdynamic_therapy.csv")} + "--events events --n n";
     ExpectRefused({
         {none, "No command is given"},
         {none + "pool", "'pool' is no command"},
@@ -91,6 +93,12 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
         {none + "continuous d.csv --treatment-n n --control-n n --treatment-sd s",
          "--treatment-sd and --treatment-variance need --treatment-mean"},
         {effects + "--small-study-test 3", "type 3 needs the tables of the command binary"},
+        {proportion + "--nonevents n", "Exactly one of --n and --nonevents is required"},
+        {proportion + "--effect freeman", "'freeman' is none of logit, freeman-tukey, arcsine, log, raw"},
+        {proportion + "--effect arcsine --zero-delta 1", "--zero-delta has no effect with --effect arcsine"},
+        {proportion + "--probability-above 1.5", "1.5 is outside the range of a proportion"},
+        {proportion + "--model fixed --null -0.1", "-0.1 is outside the range of a proportion"},
+        {proportion + "--weights mantel-haenszel", "needs a rate ratio or a rate difference of two groups"},
     });
 }
 

@@ -4,6 +4,7 @@
 #include "host/cli/RawOutcomes.h"
 
 using namespace MA_NAMESPACE;
+#include "host/cli/OutcomeOptions.h"
 
 namespace host {
 
@@ -86,6 +87,12 @@ OptionDefinitions ColumnsOfData(Options& options, Command data)
         return EffectsColumns(options);
     case Command::REGRESSION:
         return RegressionColumns(options);
+    case Command::RATES:
+    case Command::PROPORTION:
+    case Command::RATE:
+    case Command::CORRELATION:
+    case Command::MEAN:
+        return OutcomeColumns(options);
     }
     return {};
 }

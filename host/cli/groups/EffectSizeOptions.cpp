@@ -2,8 +2,11 @@
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
 #include "host/cli/RawOutcomes.h"
+#include "host/cli/OutcomeOptions.h"
 #include "host/text/Measures.h"
 #include "host/text/Wording.h"
+
+#include <utility>
 
 using namespace MA_NAMESPACE;
 
@@ -15,15 +18,14 @@ using Settings = MAModelSettings;
 
 OptionDefinitions BinaryEffect(Settings& settings)
 {
+    OptionDefinitions zeroCells =
+        ZeroCellOptions(settings, "tables receive the zero-count constant in all cells");
     return {
         OneOf("effect", BINARY_MEASURES, settings, &Settings::GetBinaryEstType, &Settings::SetBinaryEstType,
               "effect size"),
-        OneOf("zero-cells", ZERO_CELL_CHOICES, settings, &Settings::GetBinZeroAdjType,
-              &Settings::SetBinZeroAdjType, "which tables receive the zero-count constant in all cells"),
-        Number("zero-delta", NOT_NEGATIVE, settings, &Settings::GetZeroCountDelta,
-               &Settings::SetZeroCountDelta, "zero-count constant"),
-        OneOf("pooled-zero-cells", POOLED_ZERO_CELL_CHOICES, settings, &Settings::GetPooledZeroCells,
-              &Settings::SetPooledZeroCells, "correction of the counts that --weights mantel-haenszel pools"),
+        std::move(zeroCells[0]),
+        std::move(zeroCells[1]),
+        PooledZeroCellOption(settings),
         Flag("drop-double-zero", settings, &Settings::GetDropBinZero, &Settings::SetDropBinZero,
              "drop tables without events, or without non-events, in both groups"),
     };
@@ -98,6 +100,23 @@ void CheckReadyMadeEffect(const Options& options)
                                         MeasureName(options.settings)));
     if (options.label && Trimmed(*options.label).empty())
         throw UnusableInput("--label: the text is empty.");
+    switch (options.command) {
+    case Command::BINARY:
+        return BinaryEffect(options.settings);
+    case Command::CONTINUOUS:
+        return ContinuousEffect(options.settings);
+    case Command::EFFECTS:
+        return ReadyMadeEffects(options);
+    case Command::RATES:
+    case Command::PROPORTION:
+    case Command::RATE:
+    case Command::CORRELATION:
+    case Command::MEAN:
+        return OutcomeEffects(options);
+    case Command::REGRESSION:
+        break;
+    }
+    return {};
 }
 
 void ResolveReadyMadeEffect(Options& options)
@@ -146,6 +165,7 @@ OptionGroup EffectSizeOptions(Options& options)
                 ResolveReadyMadeEffect(options);
                 CheckReadyMadeEffect(options);
                 CheckPooledZeroCells(options);
+                CheckOutcomeOptions(options);
             }};
 }
 

@@ -1,6 +1,7 @@
 #include "host/cli/Choices.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
+#include "host/cli/OutcomeOptions.h"
 #include "host/cli/Presets.h"
 #include "host/text/Measures.h"
 #include "host/text/Tau2Estimators.h"
@@ -67,7 +68,9 @@ void CheckNullHypothesis(const Settings& settings)
     const double null = settings.GetNullHypothesis();
     if (IsRandom(settings) && null != 0)
         throw UnusableInput("--null needs --model fixed: the random model tests against no effect.");
-    if (PoolsTables(settings) && MeasureOf(settings).isRatio && null < 0)
+    if (IsMeasured(settings) && null != 0)
+        RequireNatural("null", settings, null);
+    else if (PoolsTables(settings) && MeasureOf(settings).isRatio && null < 0)
         throw UnusableInput(fmt::format("--null: {} cannot be a ratio; with --weights mantel-haenszel it is "
                                         "one (default: no effect).",
                                         null));

@@ -1,6 +1,7 @@
 #include "host/cli/Choices.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
+#include "host/cli/OutcomeOptions.h"
 #include "host/text/JsonValue.h"
 #include "host/text/Measures.h"
 #include "host/text/Tau2Estimators.h"
@@ -24,8 +25,8 @@ OptionDefinition Threshold(const char* name, Settings& settings, double (Setting
 {
     return {.name = name,
             .argument = "NUMBER",
-            .help = fmt::format("probability that the true effect of a new study is {} it, of ratios on "
-                                "their natural scale (default: none)",
+            .help = fmt::format("probability that the true effect of a new study is {} it, on the "
+                                "natural scale (default: none)",
                                 side),
             .store = [&settings, set](const std::string& text) { (settings.*set)(ParseNumber(text)); },
             .value = [&settings, get] { return ToJson((settings.*get)()); }};
@@ -64,7 +65,11 @@ void RefuseUnderFixedModel(const Options& options)
 
 void CheckThreshold(const Options& options, const char* name, double threshold)
 {
-    if (options.given.contains(name) && MeasureOf(options.settings).isRatio && threshold <= 0)
+    if (!options.given.contains(name))
+        return;
+    if (IsMeasured(options.settings))
+        RequireNatural(name, options.settings, threshold);
+    else if (MeasureOf(options.settings).isRatio && threshold <= 0)
         throw UnusableInput(fmt::format("--{}: a ratio is above 0, and {} is not.", name, threshold));
 }
 

@@ -37,9 +37,8 @@ ReportSections ContrastsSection(const AnalysisData& data)
         .effects = {base.GetContrastEstES(), base.GetContrastEstCILower(), base.GetContrastEstCIUpper()},
         .stdErrors = base.GetContrastEstStdError(),
         .significances = base.GetContrastEstSig()};
-    if (data.binary)
-        rows.ratios = {data.binary->GetContrastExpEstES(), data.binary->GetContrastExpEstCILower(),
-                       data.binary->GetContrastExpEstCIUpper()};
+    if (data.natural)
+        rows.naturals = data.natural->contrasts;
     ReportSection section = {"Contrasts", {{"", labels, true}}, {}};
     AppendEffects(section.table, rows, {"exp(contrast)", "Contrast"}, data);
     section.sentences = ContrastSentences(labels, base.GetContrastStatus());

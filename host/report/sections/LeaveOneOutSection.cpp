@@ -16,9 +16,8 @@ EffectRows LeaveOneOutRows(const AnalysisData& data)
                        .stdErrors = base.GetLeaveOneOutStdError(),
                        .statistics = base.GetLeaveOneOutZVal(),
                        .significances = base.GetLeaveOneOutSig()};
-    if (data.binary)
-        rows.ratios = {data.binary->GetLeaveOneOutExpEffectSize(), data.binary->GetLeaveOneOutExpCILower(),
-                       data.binary->GetLeaveOneOutExpCIUpper()};
+    if (data.natural)
+        rows.naturals = data.natural->leaveOneOut;
     return rows;
 }
 

@@ -37,10 +37,8 @@ ReportSections PredictionIntervalSection(const AnalysisData& data)
     if (!HasAnyValue(effects.lower))
         return {};
     ReportSection section = {TitleOfPrediction(data), {{"", data.RowLabels(effects.lower.size()), true}}, {}};
-    if (data.binary)
-        section.table.push_back(
-            {data.measure.symbol,
-             EstimateTexts({{}, data.binary->GetExpPILower(), data.binary->GetExpPIUpper()})});
+    if (data.natural)
+        section.table.push_back({data.measure.symbol, EstimateTexts(data.natural->predictions)});
     section.table.push_back({data.measure.AnalysisSymbol(), EstimateTexts(effects, data.decimals)});
     AppendProbability(section, data);
     return {section};

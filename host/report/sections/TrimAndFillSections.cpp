@@ -40,10 +40,12 @@ EffectRows ObservedAndFilled(const AnalysisData& data)
                        .stdErrors = both(pooled.stdErrors, base.GetOverallTFStdError()),
                        .statistics = both(pooled.statistics, base.GetOverallTFZVal()),
                        .significances = both(pooled.significances, base.GetOverallTFSig())};
-    if (data.binary)
-        rows.ratios = {both(pooled.ratios.values, data.binary->GetOverallTFExpEffectSize()),
-                       both(pooled.ratios.lower, data.binary->GetOverallTFExpCILower()),
-                       both(pooled.ratios.upper, data.binary->GetOverallTFExpCIUpper())};
+    if (data.natural) {
+        const Estimates& filled = data.natural->filled;
+        rows.naturals = {both(pooled.naturals.values, filled.values.front()),
+                         both(pooled.naturals.lower, filled.lower.front()),
+                         both(pooled.naturals.upper, filled.upper.front())};
+    }
     return rows;
 }
 
