@@ -1,5 +1,4 @@
-// The analyses after the overall model, as whole runs on ready-made effect sizes, and those of
-// meta-regressions.
+// The analyses after the overall model, conversions and further outcomes, as whole runs.
 
 #include "SimulatedStudies.h"
 
@@ -7,10 +6,7 @@
 #include "meta_analysis/analysis/MAOutcomeModel.h"
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
-#include "meta_analysis/regression/MAFEAlgorithm.h"
-#include "meta_analysis/regression/MAREAlgorithm.h"
 #include "meta_analysis/settings/MAModelSettings.h"
-#include "meta_analysis/settings/RegressionSettingsOf.h"
 
 #include <benchmark/benchmark.h>
 
@@ -165,22 +161,6 @@ void ConvertedMedians(benchmark::State& state)
 }
 BENCHMARK(ConvertedMedians)->Arg(100000)->Unit(benchmark::kMillisecond);
 
-/// A fixed-effect regression on nine covariates and a factor of five levels, with all that is asked of it
-/// beside the coefficients when the argument is 1.
-void RegressionQuestions(benchmark::State& state)
-{
-    constexpr int covariateCount = 9;
-    constexpr std::size_t studyCount = 10000;
-    const SimulatedStudies studies = SimulateStudies(studyCount);
-    std::vector<Record> rows;
-    for (std::size_t i = 0; i < studyCount; ++i) {
-        std::vector<double> row = {studies.effectSizes[i], studies.variances[i], static_cast<double>(i % 5)};
-        for (int j = 1; j <= covariateCount; ++j)
-            row.push_back(std::sin(static_cast<double>(i) * j));
-        rows.emplace_back(std::move(row));
-    }
-}
-
 /// Deletion diagnostics of all studies, with the proved tau² without each.
 void InfluenceReml(benchmark::State& state)
 {
@@ -200,128 +180,6 @@ void LeaveOneOutReml(benchmark::State& state)
 }
 BENCHMARK(LeaveOneOutReml)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
 
-/// On an intercept and two covariates.
-void RegressionInfluenceReml(benchmark::State& state)
-{
-    VectorRecordIter records = GroupedStudies(static_cast<std::size_t>(state.range(0)));
-    MARegSettings settings;
-    settings.SetDependent(EFFECT);
-    settings.SetOMWVarIndex(VARIANCE);
-    settings.SetInterceptUse(true);
-    settings.AddFactor(2, 5);
-    KXModelEffect factor;
-    factor.AddFactor(2);
-    settings.AddModelEffect(factor);
-    for (int j = 0; j < covariateCount; ++j)
-        AddCovariateEffect(settings, 3 + j);
-    if (state.range(0) == 1) {
-        std::vector<std::vector<double>> weights(10, std::vector<double>(15));
-        for (std::size_t i = 0; i < weights.size(); ++i)
-            weights[i][i < 5 ? i : i + 1] = 1.0;
-        settings.SetHypotheses(std::move(weights));
-        settings.SetReferenceLevel(2, 0);
-        settings.SetPredictions(std::vector<Record>(rows.begin(), rows.begin() + 100));
-    }
-    VectorRecordIter records(std::move(rows));
-    while (state.KeepRunning()) {
-        MAFEAlgorithm engine(settings);
-        if (engine.BuildModel(records).IsError()) {
-            state.SkipWithError("the regression failed");
-            break;
-        }
-    }
-}
-BENCHMARK(RegressionQuestions)->Arg(0)->Arg(1)->Unit(benchmark::kMillisecond);
-
-enum RegressionColumn : int
-{
-    COVARIATE = 2,
-    CLUSTER
-};
-
-/// A regression by REML on a covariate, of studies in `clusterCount` clusters.
-void TimeRegressions(benchmark::State& state, MARegSettings settings, std::size_t clusterCount)
-{
-    const SimulatedStudies studies = SimulateStudies(static_cast<std::size_t>(state.range(0)));
-    std::vector<Record> rows;
-    for (std::size_t i = 0; i < studies.effectSizes.size(); ++i)
-        rows.emplace_back(std::vector<double>{studies.effectSizes[i], studies.variances[i],
-                                              static_cast<double>(i * 7919 % 101),
-                                              static_cast<double>(i % clusterCount)});
-    settings.SetDependent(EFFECT);
-    settings.SetOMWVarIndex(VARIANCE);
-    settings.SetInterceptUse(true);
-    settings.SetEstTauType("REML");
-    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
-    settings.AddCovariate(COVARIATE);
-    KXModelEffect effect;
-    effect.AddCovariate(COVARIATE);
-    settings.AddModelEffect(effect);
-    VectorRecordIter records(rows);
-    settings.SetEstTauType("REML");
-    settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
-    settings.SetInfluence(true);
-    for (const int covariate : {GROUP, ORDER}) {
-        settings.AddCovariate(covariate);
-        KXModelEffect effect;
-        effect.AddCovariate(covariate);
-        settings.AddModelEffect(effect);
-    }
-    while (state.KeepRunning()) {
-        MAREAlgorithm engine(settings);
-        if (engine.BuildModel(records).IsError()) {
-            state.SkipWithError("the regression failed");
-            break;
-        }
-    }
-}
-
-void RegressionBubblePlot(benchmark::State& state)
-{
-    const SimulatedStudies studies = SimulateStudies(static_cast<std::size_t>(state.range(0)));
-    std::vector<Record> rows;
-    for (std::size_t i = 0; i < studies.effectSizes.size(); ++i)
-        rows.emplace_back(std::vector<double>{studies.effectSizes[i], studies.variances[i],
-                                              std::sin(static_cast<double>(i))});
-    VectorRecordIter records(std::move(rows));
-    MARegSettings settings;
-    settings.SetDependent(EFFECT);
-    settings.SetOMWVarIndex(VARIANCE);
-    settings.SetInterceptUse(true);
-    AddCovariateEffect(settings, 2);
-    MAFEAlgorithm engine(settings);
-    engine.BuildModel(records);
-    MARegBubblePlot plot;
-    while (state.KeepRunning())
-        if (engine.BubblePlot(records, 2, 100, plot).IsError())
-            state.SkipWithError("the plot failed");
-}
-BENCHMARK(RegressionBubblePlot)->Arg(10000)->Unit(benchmark::kMillisecond);
-
-void ClusterRobust(benchmark::State& state)
-{
-    MARegSettings settings;
-    settings.SetCluster(CLUSTER);
-    TimeRegressions(state, settings, static_cast<std::size_t>(state.range(1)));
-}
-BENCHMARK(ClusterRobust)
-    ->Args({10000, 2})
-    ->Args({10000, 500})
-    ->Args({10000, 10000})
-    ->Unit(benchmark::kMillisecond);
-
-void Permutations(benchmark::State& state)
-{
-    MARegSettings settings;
-    settings.SetPermutations(static_cast<int>(state.range(1)));
-    TimeRegressions(state, settings, 1);
-}
-BENCHMARK(Permutations)
-    ->Args({13, 1000})
-    ->Args({13, 10000})
-    ->Args({1000, 1000})
-    ->Unit(benchmark::kMillisecond);
-BENCHMARK(RegressionInfluenceReml)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
 /// Proportions by the transformation whose way back depends on the sizes of each model's studies.
 void FreemanTukeyRun(benchmark::State& state)
 {

@@ -74,8 +74,7 @@ def note_tau2(studies, estimator, tight, loose, expected):
 
 def position(quantity):
     """The position of a quantity's row in the table."""
-    parts = ["conversions", "effects of", "fixed effects", "Mantel-Haenszel", "Q", "H² and bounds", "I² and bounds",
-    parts = ["effects of", "natural scale", "fixed effects", "Mantel-Haenszel", "Q", "H² and bounds", "I² and bounds",
+    parts = ["conversions", "effects of", "natural scale", "fixed effects", "Mantel-Haenszel", "Q", "H² and bounds", "I² and bounds",
              "pooling", "random effects", "Knapp", "prediction", "H² and I²", "significances", "subgroups",
              "contrasts", "influence", "small-study", "trim", "meta-regression"]
     return next(i for i, part in enumerate(parts) if quantity.startswith(part))

@@ -116,15 +116,6 @@ void AddOptions(CommandParser& parser)
 
 void AddCommands(CLI::App& program, CommandParsers& parsers)
 {
-    parsers.emplace_back(program, Command::BINARY, "binary",
-                         "2x2 tables: events and non-events in two groups");
-    parsers.emplace_back(program, Command::CONTINUOUS, "continuous",
-                         "Sizes, means and standard deviations of two groups");
-    parsers.emplace_back(program, Command::EFFECTS, "effects",
-                         "Ready-made effect sizes with their variances or standard errors");
-    parsers.emplace_back(
-        program, Command::REGRESSION, "regression",
-        "Meta-regression of effect sizes, ready-made or of raw data, on covariates and factors");
     for (const CommandRow& row : COMMANDS)
         parsers.emplace_back(program, row);
     for (CommandParser& parser : parsers)

@@ -39,7 +39,7 @@ inline constexpr std::array COMMANDS{
     CommandRow{"effects", Command::EFFECTS,
                "Ready-made effect sizes with their variances or standard errors"},
     CommandRow{"regression", Command::REGRESSION,
-               "Meta-regression of ready-made effect sizes on covariates and factors"},
+               "Meta-regression of effect sizes, ready-made or of raw data, on covariates and factors"},
 };
 static_assert(HasEachEnumerator<COMMANDS>());
 

@@ -26,10 +26,6 @@ Options::Options(Command ofCommand) : command(ofCommand)
     SetOutcome(command);
     if (command == Command::REGRESSION)
         outcome.reset();
-    settings.SetOutcomesType(OutcomeOf(command));
-    settings.SetInputESType(HasReadyMadeEffects(command) ? MAConst::INPUT_READY_MADE : MAConst::INPUT_RAW);
-    if (const auto data = OutcomeDataOf(command))
-        settings.SetOutcomeMeasure(OutcomeMeasuresOf(*data).front().value);
     settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
     settings.SetTau2Interval(MAConst::TAU2_INTERVAL_Q_PROFILE);
     settings.SetPooledZeroCells(MAConst::POOLED_ZERO_CELLS_IF_NEEDED);
@@ -37,10 +33,10 @@ Options::Options(Command ofCommand) : command(ofCommand)
 
 void Options::SetOutcome(Command ofData)
 {
-    const bool hasTables = ofData == Command::BINARY || ofData == Command::CONTINUOUS;
-    settings.SetOutcomesType(ofData == Command::BINARY ? MAConst::OUTCOME_BINARY
-                                                       : MAConst::OUTCOME_CONTINUOUS);
-    settings.SetInputESType(hasTables ? MAConst::INPUT_RAW : MAConst::INPUT_READY_MADE);
+    settings.SetOutcomesType(OutcomeOf(ofData));
+    settings.SetInputESType(HasReadyMadeEffects(ofData) ? MAConst::INPUT_READY_MADE : MAConst::INPUT_RAW);
+    if (const auto data = OutcomeDataOf(ofData))
+        settings.SetOutcomeMeasure(OutcomeMeasuresOf(*data).front().value);
     outcome = ofData;
 }
 

@@ -18,7 +18,12 @@ enum class Command
     BINARY,     ///< 2x2 tables
     CONTINUOUS, ///< group sizes, means and standard deviations
     EFFECTS,    ///< ready-made effect sizes
-    REGRESSION  ///< effect sizes, ready-made or of raw data, on covariates and factors
+    REGRESSION, ///< effect sizes, ready-made or of raw data, on covariates and factors
+    RATES,      ///< events and person-time of two groups; the next ones are of one group
+    PROPORTION,
+    RATE,
+    CORRELATION,
+    MEAN
 };
 
 /// The columns of what a group reports in place of mean and standard deviation.
@@ -29,12 +34,6 @@ struct SummaryColumns
     ColumnName q3;
     ColumnName minimum;
     ColumnName maximum;
-    REGRESSION, ///< ready-made effect sizes on covariates and factors
-    RATES,      ///< events and person-time of two groups; the next ones are of one group
-    PROPORTION,
-    RATE,
-    CORRELATION,
-    MEAN
 };
 
 /// What the command `regression` has beyond the other commands.

@@ -96,9 +96,9 @@ bool IsInside(MAScale scale, double value)
 
 } // namespace
 
-OptionDefinitions OutcomeColumns(Options& options)
+OptionDefinitions OutcomeColumns(Options& options, Command data)
 {
-    switch (OutcomeDataOf(options.command).value()) {
+    switch (OutcomeDataOf(data).value()) {
     case MAOutcomeData::Rates:
         return RatesColumns(options);
     case MAOutcomeData::Proportion:
@@ -113,16 +113,16 @@ OptionDefinitions OutcomeColumns(Options& options)
     return {};
 }
 
-OptionDefinitions OutcomeEffects(Options& options)
+OptionDefinitions OutcomeEffects(Options& options, Command data)
 {
-    const MAOutcomeData data = OutcomeDataOf(options.command).value();
-    OptionDefinitions all = {OutcomeEffect(options.settings, data)};
-    if (HasCounts(data))
+    const MAOutcomeData reported = OutcomeDataOf(data).value();
+    OptionDefinitions all = {OutcomeEffect(options.settings, reported)};
+    if (HasCounts(reported))
         for (const OptionDefinition& option :
              ZeroCellOptions(options.settings, "studies receive the zero-count "
                                                "constant"))
             all.push_back(option);
-    if (data == MAOutcomeData::Rates)
+    if (reported == MAOutcomeData::Rates)
         all.push_back(PooledZeroCellOption(options.settings));
     return all;
 }

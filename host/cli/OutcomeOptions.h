@@ -7,10 +7,11 @@ namespace host {
 
 // The options of the commands of MAOutcomeModel: rates of two groups, and the outcomes of one group.
 
-OptionDefinitions OutcomeColumns(Options& options);
+/// The columns of the data of a command of these.
+OptionDefinitions OutcomeColumns(Options& options, Command data);
 
-/// The measure of the command, and what a measure of counts does with zeros.
-OptionDefinitions OutcomeEffects(Options& options);
+/// The measure of these data, and what a measure of counts does with zeros.
+OptionDefinitions OutcomeEffects(Options& options, Command data);
 
 /// Refuses options that have no effect with the measure. Throws UnusableInput.
 void CheckOutcomeOptions(const Options& options);

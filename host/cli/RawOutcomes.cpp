@@ -1,5 +1,6 @@
 #include "host/cli/RawOutcomes.h"
 
+#include "host/cli/Commands.h"
 #include "host/text/UnusableInput.h"
 
 #include <fmt/format.h>
@@ -21,10 +22,13 @@ using Definitions = OptionDefinitions(Options& options, Command data);
 
 constexpr const char* EFFECT = "effect";
 
+/// Its own ready-made effect sizes first, then the raw data of every command.
 std::vector<Command> DataOfRegressions()
 {
     std::vector<Command> data = {Command::REGRESSION};
-    data.insert(data.end(), RAW_OUTCOMES.begin(), RAW_OUTCOMES.end());
+    for (const CommandRow& row : COMMANDS)
+        if (row.value != Command::REGRESSION && row.value != Command::EFFECTS)
+            data.push_back(row.value);
     return data;
 }
 

@@ -3,12 +3,7 @@
 #include "host/cli/OptionDefinition.h"
 #include "host/cli/Options.h"
 
-#include <array>
-
 namespace host {
-
-/// The commands whose raw data `regression` takes too.
-inline constexpr std::array RAW_OUTCOMES{Command::BINARY, Command::CONTINUOUS};
 
 /// The columns of the data of a command, and how its effect sizes are computed.
 OptionDefinitions ColumnsOfData(Options& options, Command data);

@@ -81,7 +81,7 @@ private:
     void AddDiamond(std::vector<std::vector<Point>>& areas, const ForestInterval& place, double y) const;
     bool HasNullLine() const
     {
-        return data_.measure.hasNoEffect && picture_.x.first <= 0 && picture_.x.last >= 0;
+        return scale_.measure.hasNoEffect && picture_.x.first <= 0 && picture_.x.last >= 0;
     }
     static double MiddleOf(std::size_t row) { return static_cast<double>(row) + 0.5; }
     double XPerPixel() const { return (picture_.x.last - picture_.x.first) / FRAME_WIDTH; }
@@ -92,33 +92,30 @@ private:
     Picture picture_ = {};
 };
 
-ForestDrawing::ForestDrawing(const ForestScale& scale, const Forest& forest)
-    : scale_(scale), forest_(forest), decimals_(scale.decimals - 2)
 /// Of effects that are shown on another scale than that of the analysis, but for ratios, by the typical
 /// standard errors that their intervals have on it.
 int DecimalsOf(const AnalysisData& data)
 {
     constexpr double WIDTH = 4; // of an interval, in standard errors
     if (!data.natural || data.measure.hasNoEffect)
-        return data.decimals - 2;
+        return data.decimals;
     std::vector<double> stdErrors;
     for (const Estimates* const shown : {&data.natural->studies, &data.natural->models})
         for (std::size_t i = 0; i < shown->values.size(); ++i)
             if (HasValue(shown->lower[i]) && HasValue(shown->upper[i]))
                 stdErrors.push_back((shown->upper[i] - shown->lower[i]) / WIDTH);
-    return DecimalsFor(stdErrors) - 2;
+    return DecimalsFor(stdErrors);
 }
 
-ForestDrawing::ForestDrawing(const AnalysisData& data, const Forest& forest)
-    : data_(data), forest_(forest), decimals_(DecimalsOf(data))
+ForestDrawing::ForestDrawing(const ForestScale& scale, const Forest& forest)
+    : scale_(scale), forest_(forest), decimals_(scale.decimals - 2)
 {}
 
 /// A ratio below 0.005 has more decimals than the others, and one of 1000 or more has fewer.
 std::string ForestDrawing::PlainNumber(double value) const
 {
     const double size = std::abs(value);
-    if (!scale_.isOfTables || !IsNumber(value) || (size >= 0.005 && size < 1000))
-    if (!data_.measure.isRatio || !data_.natural || !IsNumber(value) || (size >= 0.005 && size < 1000))
+    if (!scale_.showsRatios || !IsNumber(value) || (size >= 0.005 && size < 1000))
         return FixedText(value, decimals_);
     return size >= 1000 && size < 1e5 ? FixedText(value, 0) : fmt::format("{:.2g}", value);
 }
@@ -248,9 +245,8 @@ Extent EffectExtent(const std::vector<ForestRow>& rows, bool hasNoEffect)
 
 void ForestDrawing::SetAxes()
 {
-    picture_.x = EffectAxis(scale_.measure, scale_.measure.name, EffectExtent(forest_.rows));
-    picture_.x =
-        EffectAxis(data_.measure, data_.measure.name, EffectExtent(forest_.rows, data_.measure.hasNoEffect));
+    picture_.x = EffectAxis(scale_.measure, scale_.measure.name,
+                            EffectExtent(forest_.rows, scale_.measure.hasNoEffect));
     picture_.y = {"", static_cast<double>(forest_.rows.size()), 0, {}, false};
 }
 
@@ -261,8 +257,6 @@ void ForestDrawing::AddGuides()
     if (HasNullLine())
         picture_.layers.push_back({Layer::Kind::LINE, color::FAINT, {{{0, bottom}, {0, 0}}}});
     if (const double overall = scale_.overall; IsNumber(overall))
-    const double overall = OverallPlace(data_);
-    if (IsNumber(overall))
         picture_.layers.push_back(
             {Layer::Kind::DASHED_LINE, color::ACCENT, {{{overall, bottom}, {overall, 0}}}, {}, 1.2});
 }
@@ -378,7 +372,7 @@ void ForestDrawing::AddNotes()
     double y = picture_.frame.top + picture_.frame.height + AXIS_HEIGHT;
     double width = 0;
     std::vector<std::string> notes = forest_.notes;
-    if (data_.measure.hasNoEffect && !HasNullLine())
+    if (scale_.measure.hasNoEffect && !HasNullLine())
         notes.push_back(fmt::format("The axis does not reach to no effect, which is at {}.",
                                     scale_.measure.isRatio ? 1 : 0));
     for (const std::string& note : notes) {
@@ -418,9 +412,9 @@ Picture DrawForest(const AnalysisData& data, const Forest& forest)
 {
     return DrawForest({.measure = data.measure,
                        .effectHeader = data.IntervalHeader(data.measure.symbol),
-                       .decimals = data.decimals,
-                       .isOfTables = data.binary != nullptr,
-                       .overall = PooledRows(data).effects.values.back()},
+                       .decimals = DecimalsOf(data),
+                       .showsRatios = data.measure.isRatio && data.natural.has_value(),
+                       .overall = OverallPlace(data)},
                       forest);
 }
 

@@ -27,7 +27,7 @@ struct ForestScale
     Measure measure;
     std::string effectHeader; ///< "OR [95% CI]"
     int decimals;             ///< of effects
-    bool isOfTables;          ///< whose effects may be of very different size
+    bool showsRatios;         ///< whose sizes may differ by orders of magnitude
     double overall;           ///< where a line stands; missing for none
 };
 

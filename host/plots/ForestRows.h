@@ -33,15 +33,11 @@ struct ForestRow
 
     Kind kind;
     std::string label = {};
-    std::string remark = {};             ///< beside the label
-    ForestInterval place = {};           ///< on the scale of the analysis
-    ForestInterval shown = {};           ///< on the natural scale
-    double weight = 1;                   ///< of a study, as a fraction of all
-    ForestInterval fitted = NO_INTERVAL; ///< by a regression, on the scale of the analysis
     std::string remark = {};   ///< beside the label
     ForestInterval place = {}; ///< where it is drawn: of ratios the logarithms, of others what is shown
     ForestInterval shown = {}; ///< on the natural scale
     double weight = 1;         ///< of a study, as a fraction of all
+    ForestInterval fitted = NO_INTERVAL; ///< by a regression, drawn as `place`
 };
 
 /// The studies with their effects and the model of all studies. Where there are groups, the studies are in

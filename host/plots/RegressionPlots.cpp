@@ -65,7 +65,7 @@ Picture ForestPicture(const RegressionData& data)
     return DrawForest({.measure = data.measure,
                        .effectHeader = IntervalHeader(data.measure.symbol, data.level),
                        .decimals = data.decimals,
-                       .isOfTables = data.measure.isRatio,
+                       .showsRatios = data.measure.isRatio,
                        .overall = KXMV::Missing()},
                       forest);
 }

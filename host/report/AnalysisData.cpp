@@ -38,8 +38,6 @@ AnalysisData::AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofA
       settings(request.settings),
       base(analysis.Base()),
       measure(MeasureOf(request)),
-      binary(measure.isRatio ? analysis.Binary() : nullptr),
-      measure(MeasureOf(settings)),
       natural(NaturalResultsOf(analysis, measure)),
       level(WordingOfLevel(settings)),
       decimals(std::max(DecimalsFor(base.GetStdError()), DecimalsFor(base.GetEstStdError()))),

@@ -16,7 +16,7 @@ namespace {
 /// Ready-made effect sizes may be of any measure.
 Measure MeasureOfRegression(const Options& options)
 {
-    return HasRawData(options) ? MeasureOf(options.settings) : Measure{"effect size", "Effect", false};
+    return HasRawData(options) ? MeasureOf(options.settings) : Measure{"effect size", "Effect", false, MAScale::Natural};
 }
 
 } // namespace

@@ -11,20 +11,13 @@ using RegressionSectionMaker = ReportSections(const RegressionData& data);
 
 RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection, EffectTestsSection,
     HypothesesSection, RobustTestsSection, PermutationTestsSection, PredictionsSection,
-    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection;
+    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection, RegressionInfluenceSection;
 
 /// The sections in the order of the report.
 inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
     FittedStudiesSection,    CoefficientsSection, ModelTestSection,
     EffectTestsSection,      HypothesesSection,   RobustTestsSection,
     PermutationTestsSection, PredictionsSection,  ResidualHeterogeneitySection,
-    ResidualVarianceSection, DispersionSection};
-RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection,
-    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection, RegressionInfluenceSection;
-
-/// The sections in the order of the report.
-inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
-    FittedStudiesSection,    CoefficientsSection, ModelTestSection,          ResidualHeterogeneitySection,
     ResidualVarianceSection, DispersionSection,   RegressionInfluenceSection};
 
 } // namespace host

@@ -11,34 +11,14 @@ using SectionMaker = ReportSections(const AnalysisData& data);
 
 SectionMaker StudiesSection, ConvertedStudiesSection, PooledEffectSection, PredictionIntervalSection,
     HeterogeneitySection, BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections,
-    ContrastsSection, LeaveOneOutSection, TrimAndFillSections, RankTestSection, SmallStudyTestSection,
-    FunnelPlotSection, BubblePlotsSection;
+    ContrastsSection, LeaveOneOutSection, InfluenceSection, TrimAndFillSections, RankTestSection,
+    SmallStudyTestSection, FunnelPlotSection, BubblePlotsSection;
 
 /// The sections in the order of the report.
 inline constexpr SectionMaker* ANALYSIS_SECTIONS[] = {
-    StudiesSection,        ConvertedStudiesSection,     PooledEffectSection,  PredictionIntervalSection,
-    HeterogeneitySection,  BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections,
-    ContrastsSection,      LeaveOneOutSection,          TrimAndFillSections,  RankTestSection,
-    SmallStudyTestSection, FunnelPlotSection,           BubblePlotsSection};
-SectionMaker StudiesSection, PooledEffectSection, PredictionIntervalSection, HeterogeneitySection,
-    BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections, ContrastsSection,
-    LeaveOneOutSection, InfluenceSection, TrimAndFillSections, SmallStudyTestSection, FunnelPlotSection,
-    BubblePlotsSection;
-
-/// The sections in the order of the report.
-inline constexpr SectionMaker* ANALYSIS_SECTIONS[] = {StudiesSection,
-                                                      PooledEffectSection,
-                                                      PredictionIntervalSection,
-                                                      HeterogeneitySection,
-                                                      BetweenStudyVarianceSection,
-                                                      BetweenGroupsSection,
-                                                      CumulativeSections,
-                                                      ContrastsSection,
-                                                      LeaveOneOutSection,
-                                                      InfluenceSection,
-                                                      TrimAndFillSections,
-                                                      SmallStudyTestSection,
-                                                      FunnelPlotSection,
-                                                      BubblePlotsSection};
+    StudiesSection,       ConvertedStudiesSection,     PooledEffectSection,  PredictionIntervalSection,
+    HeterogeneitySection, BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections,
+    ContrastsSection,     LeaveOneOutSection,          InfluenceSection,     TrimAndFillSections,
+    RankTestSection,      SmallStudyTestSection,       FunnelPlotSection,    BubblePlotsSection};
 
 } // namespace host

@@ -26,9 +26,8 @@ struct Measure
     bool hasNoEffect = true;
 
     /// The measure under another name, which is its symbol too.
-    Measure Labelled(const std::string& label) const { return {label, label, isRatio}; }
+    Measure Labelled(const std::string& label) const { return {label, label, isRatio, scale, hasNoEffect}; }
 
-    /// The symbol and the name on the scale of the analysis: "log OR" for a ratio, else as they are.
     /// The symbol and the name on the scale of the analysis: "log OR", "logit proportion".
     std::string AnalysisSymbol() const { return OnAnalysisScale(symbol); }
     std::string AnalysisName() const { return OnAnalysisScale(name); }

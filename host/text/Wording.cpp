@@ -92,9 +92,6 @@ std::string WordingOfNullHypothesis(const MAModelSettings& settings, const Measu
 {
     const double null = settings.GetNullHypothesis();
     if (null == 0)
-        return {};
-    const Measure measure = MeasureOf(settings);
-    if (null == 0)
         return measure.hasNoEffect ? ""
                                    : fmt::format("The null hypothesis is {} = 0, for want of another.",
                                                  measure.AnalysisSymbol());

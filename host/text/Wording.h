@@ -23,11 +23,8 @@ std::string WordingOfStatistic(const MA_NAMESPACE::MAModelSettings& settings);
 /// The pooling model with its method during trimming.
 std::string WordingOfTrimmingModel(const MA_NAMESPACE::MAModelSettings& settings);
 
-/// The null hypothesis of the pooled effect's test as a sentence; empty when it is 0.
-std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& settings, const Measure& measure);
-
 /// The null hypothesis of the pooled effect's test as a sentence; empty when it is no effect.
-std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& settings);
+std::string WordingOfNullHypothesis(const MA_NAMESPACE::MAModelSettings& settings, const Measure& measure);
 
 /// The distribution of the prediction interval; empty for the default one.
 std::string WordingOfPrediction(MAConst::PREDICTIONTYPE prediction);

@@ -1,10 +1,10 @@
 #include "host/cli/ColumnChecks.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
+#include "host/cli/OutcomeOptions.h"
 #include "host/cli/RawOutcomes.h"
 
 using namespace MA_NAMESPACE;
-#include "host/cli/OutcomeOptions.h"
 
 namespace host {
 
@@ -92,7 +92,7 @@ OptionDefinitions ColumnsOfData(Options& options, Command data)
     case Command::RATE:
     case Command::CORRELATION:
     case Command::MEAN:
-        return OutcomeColumns(options);
+        return OutcomeColumns(options, data);
     }
     return {};
 }

@@ -1,8 +1,8 @@
 #include "host/cli/Choices.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
-#include "host/cli/RawOutcomes.h"
 #include "host/cli/OutcomeOptions.h"
+#include "host/cli/RawOutcomes.h"
 #include "host/text/Measures.h"
 #include "host/text/Wording.h"
 
@@ -100,23 +100,6 @@ void CheckReadyMadeEffect(const Options& options)
                                         MeasureName(options.settings)));
     if (options.label && Trimmed(*options.label).empty())
         throw UnusableInput("--label: the text is empty.");
-    switch (options.command) {
-    case Command::BINARY:
-        return BinaryEffect(options.settings);
-    case Command::CONTINUOUS:
-        return ContinuousEffect(options.settings);
-    case Command::EFFECTS:
-        return ReadyMadeEffects(options);
-    case Command::RATES:
-    case Command::PROPORTION:
-    case Command::RATE:
-    case Command::CORRELATION:
-    case Command::MEAN:
-        return OutcomeEffects(options);
-    case Command::REGRESSION:
-        break;
-    }
-    return {};
 }
 
 void ResolveReadyMadeEffect(Options& options)
@@ -152,6 +135,12 @@ OptionDefinitions EffectsOfData(Options& options, Command data)
         return ContinuousEffect(options.settings);
     case Command::EFFECTS:
         return ReadyMadeEffects(options);
+    case Command::RATES:
+    case Command::PROPORTION:
+    case Command::RATE:
+    case Command::CORRELATION:
+    case Command::MEAN:
+        return OutcomeEffects(options, data);
     case Command::REGRESSION:
         break;
     }

@@ -117,10 +117,9 @@ ReportSections LimitSection(const AnalysisData& data)
     EffectRows rows = {.effects = {{base.GetRegBasedTestLimit()},
                                    {base.GetRegBasedTestLimitCILower()},
                                    {base.GetRegBasedTestLimitCIUpper()}}};
-    if (data.binary)
-        rows.ratios = {{data.binary->GetRegBasedTestExpLimit()},
-                       {data.binary->GetRegBasedTestExpLimitCILower()},
-                       {data.binary->GetRegBasedTestExpLimitCIUpper()}};
+    if (data.measure.isRatio)
+        rows.naturals = {Exponentials(rows.effects.values), Exponentials(rows.effects.lower),
+                         Exponentials(rows.effects.upper)};
     ReportSection section = {"Effect at standard error 0", {}, {}};
     AppendEffects(section.table, rows, HeadersOf(data.measure), data);
     section.sentences = {"The intercept of that regression: the effect in a study without sampling error, if "
