@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <functional>
 #include <numeric>
 #include <utility>
 #include <vector>
@@ -126,7 +127,7 @@ MARankCorrelation CorrelateRanks(std::span<const double> x, std::span<const doub
     if (!(all > ofX.pairs && all > ofY.pairs))
         return result;
     const double difference = (all - ofX.pairs - ofY.pairs + both.pairs) / 2.0 - 2.0 * discordant;
-    result.tau = difference / (std::sqrt((all - ofX.pairs) / 2.0) * std::sqrt((all - ofY.pairs) / 2.0));
+    result.tau = 2.0 * difference / std::sqrt((all - ofX.pairs) * (all - ofY.pairs));
     result.pValue = TwoSidedNormalPValue(difference / std::sqrt(VarianceOfDifference(n, ofX, ofY))).value;
     if (ofX.pairs + ofY.pairs == 0.0 && pairs.size() < fewestForNormal) {
         const double rarer = std::min(discordant, all / 2.0 - discordant);

@@ -114,7 +114,7 @@ TEST(CommonTau2, EqualsTheRegressionOnTheGroups)
                   {fit.output->GetTau(), fit.output->GetTau2CILower(), fit.output->GetTau2CIUpper(),
                    fit.output->GetLogLikelihood(), fit.output->GetFTestVal(), fit.output->GetFPValue()},
                   1e-9));
-        EXPECT_EQ(run.model.GetGroupN(), (std::vector<int>{1, 1, 9, 10, 9}));
+        EXPECT_EQ(run.model.GetGroupN(), (std::vector<int>{1, 1, 9, 9, 10}));
         EXPECT_EQ(run.model.GetI2CIUpper()[0], missing); // of one study
     }
 }

@@ -27,12 +27,12 @@ void ExpectReference(const std::string& dataSet, const std::string& figures)
     EXPECT_FALSE(run.Warns(MAStatusCode::FEW_STUDIES_FOR_TEST));
 }
 
-/// 0, step, 2 step, ... modulo n: each of 0 to n - 1 once where step and n have no common divisor.
-Row Permutation(int n, int step)
+/// step, 2 step, ..., each modulo another number.
+Row Multiples(int count, int step, int modulus)
 {
     Row values;
-    for (int i = 0; i < n; ++i)
-        values.push_back(step * i % n);
+    for (int i = 1; i <= count; ++i)
+        values.push_back(step * i % modulus);
     return values;
 }
 
@@ -53,10 +53,10 @@ TEST(RankTest, HasNormalAndExactPValues)
         Row x, y;
         double tau, normal, exact;
     } cases[] = {
-        {Permutation(13, 1), Permutation(13, 17), -0.23076923076923, 0.27213463937597, 0.30618493967452},
-        {Permutation(49, 1), Permutation(49, 17), 0.081632653061224, 0.407951334087456, 0.41485842994176},
-        {Permutation(49, 1), Permutation(49, 1), 1, 3.788308817116848e-24, 3.287949416633158e-63},
-        {Permutation(50, 1), Permutation(50, 17), 0.2538775510204082, 0.0092824976221717, missing},
+        {Multiples(13, 1, 14), Multiples(13, 17, 13), -0.23076923076923, 0.27213463937597, 0.30618493967452},
+        {Multiples(49, 1, 50), Multiples(49, 17, 49), 0.081632653061224, 0.407951334087456, 0.41485842994176},
+        {Multiples(49, 1, 50), Multiples(49, 1, 50), 1, 3.788308817116848e-24, 3.287949416633158e-63},
+        {Multiples(50, 1, 51), Multiples(50, 17, 50), 0.2538775510204082, 0.0092824976221717, missing},
         {{1, 1, 2, 3, 3, 3, 4, 5, 6, 6},
          {2, 2, 1, 3, 3, 5, 4, 4, 7, 1},
          0.395091838659836,
