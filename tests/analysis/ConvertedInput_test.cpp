@@ -124,13 +124,16 @@ TEST(ConvertedInput, EachRecordThatIsNoStudyHasAReason)
 /// The variances of the data set are computed from the published intervals.
 TEST(ConvertedInput, PublishedRatiosAndIntervalsGiveTheirLogarithmsAndVariances)
 {
-    const DataSet published("passive_smoking_ratios");
+    DataSet published("passive_smoking_ratios");
+    for (Row& row : published.rows)
+        row.push_back(2); // decimals in print
     const DataSet computed("passive_smoking");
     MAModelSettings settings = RatioSettings();
     settings.SetInputEffectSizeIndex(published.IndexOf("or"));
     settings.SetInputCILowerIndex(published.IndexOf("or_lower"));
     settings.SetInputCIUpperIndex(published.IndexOf("or_upper"));
     settings.SetInputPValueIndex(-1);
+    settings.SetInputDecimalsIndex(static_cast<int>(published.columns.size()));
     const BinRun run(settings, published.rows);
     // The data set has 15 digits; the difference of logarithms loses one.
     EXPECT_TRUE(Close(run.model.GetEffectSize(), ColumnOf(computed.rows, 3), 1e-13));

@@ -265,7 +265,8 @@ TEST(Cumulative, GroupsHaveSeriesOfTheirOwn)
 /// empty arm has no ratio, and a risk difference without variance.
 TEST(Subgroups, RemovedStudiesLeaveNoTrace)
 {
-    const std::vector<std::string> differing = {"Missing", "Invalid", "StudyID", "Warnings", "Labbe"};
+    const std::vector<std::string> differing = {"Missing",  "Invalid", "StudyID",
+                                                "Warnings", "Labbe",   "Exclu"};
     Rows all = studies;
     for (Row& row : all)
         row[0] += 1; // zero cells are not corrected here
