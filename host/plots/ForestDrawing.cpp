@@ -343,11 +343,6 @@ void ForestDrawing::AddDiamond(std::vector<std::vector<Point>>& areas, const For
         {{place.lower, y}, {place.estimate, y - half}, {place.upper, y}, {place.estimate, y + half}}, shown));
 }
 
-bool IsDrawable(const ForestInterval& place)
-{
-    return IsNumber(place.estimate) && IsNumber(place.lower) && IsNumber(place.upper);
-}
-
 void ForestDrawing::AddFittedDiamonds()
 {
     Layer diamonds = {Layer::Kind::AREA, color::FITTED, {}};

@@ -136,6 +136,11 @@ Rows CumulativeSteps(const AnalysisData& data, std::size_t block)
 
 } // namespace
 
+bool IsDrawable(const ForestInterval& place)
+{
+    return IsNumber(place.estimate) && IsNumber(place.lower) && IsNumber(place.upper);
+}
+
 std::vector<ForestRow> ForestRows(const AnalysisData& data)
 {
     Rows rows = RowsOfStudies(data);

@@ -19,6 +19,8 @@ struct ForestInterval
 
 inline constexpr ForestInterval NO_INTERVAL = {KXMV::Missing(), KXMV::Missing(), KXMV::Missing()};
 
+bool IsDrawable(const ForestInterval& place);
+
 /// A line of a forest plot.
 struct ForestRow
 {

@@ -80,12 +80,13 @@ std::vector<Point> BandOutline(const MARegBubblePlot& plot)
 }
 
 std::string DescriptionOf(const RegressionData& data, const Picture& picture, std::size_t studyCount,
-                          const std::string& covariate)
+                          const std::string& covariate, bool hasLine)
 {
     const bool hasOthers = data.request.settings.GetNumOfModelEffects() > 1;
-    return fmt::format("{}: the {} of {} over {}, with the line of the meta-regression{}.", picture.title,
-                       data.measure.name, CountOfStudies(studyCount), covariate,
-                       hasOthers ? ", which averages over the other predictors of the studies" : "");
+    const std::string average = hasOthers ? ", which averages over the other predictors of the studies" : "";
+    return fmt::format("{}: the {} of {} over {}{}.", picture.title, data.measure.name,
+                       CountOfStudies(studyCount), covariate,
+                       hasLine ? ", with the line of the meta-regression" + average : "");
 }
 
 Picture BubblePicture(const RegressionData& data, std::size_t number, int variable)
@@ -115,8 +116,9 @@ Picture BubblePicture(const RegressionData& data, std::size_t number, int variab
     if (y.Contains(0))
         picture.layers.push_back(NullLine({x.First(), 0}, {x.Last(), 0}));
     picture.layers.push_back(std::move(bubbles));
-    picture.layers.push_back({Layer::Kind::LINE, color::ACCENT, {line}, {}, 1.5, "Fitted line"});
-    picture.description = DescriptionOf(data, picture, studyCount, covariate);
+    if (!line.empty()) // the data may not determine it beside a collinear covariate
+        picture.layers.push_back({Layer::Kind::LINE, color::ACCENT, {line}, {}, 1.5, "Fitted line"});
+    picture.description = DescriptionOf(data, picture, studyCount, covariate, !line.empty());
     return Finished(std::move(picture));
 }
 

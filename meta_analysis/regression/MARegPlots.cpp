@@ -31,18 +31,16 @@ KXStatus VisitStudies(const MARegFit& fit, MultiPassRecordIter& records, Visit v
 std::vector<double> EvenlySpaced(double first, double last, int count)
 {
     std::vector<double> values;
+    values.reserve(static_cast<std::size_t>(count));
     for (int i = 0; i < count; ++i)
         values.push_back(first + (last - first) * (static_cast<double>(i) / (count - 1)));
     return values;
 }
 
 /// Adds the design row of a record with another value of the covariate to a sum; a record has a row for every
-/// value of a covariate.
-void AddRowAt(const MADesignMatrix& design, Record& record, int covariate, double value,
-              std::vector<double>& sum)
+/// value of a covariate. `row` is workspace.
+void AddRowAt(const MADesignMatrix& design, const Record& record, MADesignRow& row, std::vector<double>& sum)
 {
-    MADesignRow row;
-    record.Set(covariate, value);
     if (!design.GetRow(record, row, true).IsOK())
         return;
     for (std::size_t j = 0; j < sum.size(); ++j)
@@ -55,10 +53,13 @@ KXStatus MeanRows(const MARegFit& fit, MultiPassRecordIter& records, int covaria
 {
     means.assign(values.size(), std::vector<double>(fit.Coefficients().size()));
     int count = 0;
+    MADesignRow row;
     const KXStatus status = VisitStudies(fit, records, [&](int, const Record& study, const auto&, auto) {
         Record record = study;
-        for (std::size_t i = 0; i < values.size(); ++i)
-            AddRowAt(fit.Design(), record, covariate, values[i], means[i]);
+        for (std::size_t i = 0; i < values.size(); ++i) {
+            record.Set(covariate, values[i]);
+            AddRowAt(fit.Design(), record, row, means[i]);
+        }
         ++count;
     });
     for (std::vector<double>& mean : means) {

@@ -210,6 +210,12 @@ void ExpectEngineSurvives(const MARegSettings& settings, const Rows& rows)
         FailingMemory::Relent();
         return Outcome{status, {{"fit", {{fit}}}}};
     });
+    ExpectSurvivesShortage("BubblePlot", [&] {
+        MARegBubblePlot plot;
+        const KXStatus status = built.BubblePlot(records, 2, 3, plot);
+        FailingMemory::Relent();
+        return Outcome{status, {{"line", {plot.lineEffects}}}};
+    });
     FailingMemory::FailAt(1, true);
     const MARegOutputStats output(settings, built);
     EXPECT_NO_THROW(built.GetParameters());
@@ -268,6 +274,9 @@ TEST(OutOfMemory, IsReportedByRegressions)
         settings.SetEstTauType(code);
         settings.SetCluster(3);
         settings.SetPermutations(2);
+        settings.SetHypotheses({{0, 1, 0, 0, 0}, {1, 0, 1, 0, 0}});
+        settings.SetPredictions({Record(rows[0])});
+        settings.SetReferenceLevel(3, 1);
         ExpectEngineSurvives<MAFEAlgorithm>(settings, rows);
         ExpectEngineSurvives<MAREAlgorithm>(settings, rows);
     }

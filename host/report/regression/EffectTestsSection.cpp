@@ -35,6 +35,7 @@ std::vector<double> PerDegreeOfFreedom(std::vector<double> inflation, const std:
 std::vector<std::string> WholeTexts(const std::vector<int>& values)
 {
     std::vector<std::string> texts;
+    texts.reserve(values.size());
     for (const int value : values)
         texts.push_back(std::to_string(value));
     return texts;

@@ -20,13 +20,16 @@ ReportSections PredictionsSection(const RegressionData& data)
                                             output.GetPredictedCIUpper()}))
         section.table.push_back(std::move(column));
     section.table.push_back(data.EffectColumn("SE", output.GetPredictedStdError()));
-    if (HasAnyValue(output.GetPredictedPILower()))
+    const bool hasIntervals = HasAnyValue(output.GetPredictedPILower());
+    if (hasIntervals)
         for (ReportColumn& column : data.EstimateColumns(
                  "Prediction", {{}, output.GetPredictedPILower(), output.GetPredictedPIUpper()}))
             section.table.push_back(std::move(column));
-    section.sentences.push_back(
-        "The interval of a predicted effect is that of the mean effect at these values; "
-        "a prediction interval is that of the true effect of a new study.");
+    section.sentences.emplace_back(
+        "The interval of a predicted effect is that of the mean effect at these values.");
+    if (hasIntervals)
+        section.sentences.emplace_back(
+            "A prediction interval is that of the true effect of a new study at these values.");
     return {section};
 }
 
