@@ -64,9 +64,10 @@ void ExpectRefits(const MARegSettings& settings, const Rows& rows, bool isRandom
         EXPECT_TRUE(
             Close(all.output->GetInfluenceQDeleted()[i], without.output->GetResHomoChiSqure(), 1e-11));
         EXPECT_TRUE(Close(dfbetas[0] / dfbetas[1] * change[1], change[0], 1e-8, 1e-3)) << i;
-        if (isRandom)
+        if (isRandom) {
             EXPECT_TRUE(
                 Close(all.output->GetInfluenceTau2Deleted()[i], without.output->GetTau(), 1e-11, 0.1));
+        }
     }
 }
 
