@@ -185,19 +185,31 @@ def score(estimator, x, y, v, t):
     return squares - (sum(fit.w) if estimator == "ml" else fit.trace())
 
 
+def log_likelihood(estimator, x, y, v, t):
+    """Of ML and REML, but for a constant."""
+    fit = Fit(x, y, [1 / (value + t) for value in v])
+    twice = sum(mp.log(value + t) for value in v) + fit.squares()
+    return -(twice if estimator == "ml" else twice - mp.log(mp.det(fit.inverse))) / 2
+
+
 def root_of_score(estimator, x, y, v, near):
-    """The solution next to `near`; 0 where the score falls from 0 on."""
+    """The solution next to `near`; 0 where the score falls from 0 on, and the likelihood is no greater there."""
     def f(t):
         return score(estimator, x, y, v, t)
 
-    if f(mpf(0)) <= 0:
+    falls = f(mpf(0)) <= 0
+    if falls and (near == 0 or estimator == "eb"):
         return mpf(0)
     width = mpf("1e-9")
     while f(near * (1 - width)) <= 0 or f(near * (1 + width)) >= 0:
         width *= 10
         if width > mpf("0.5"):
+            if falls:
+                return mpf(0)
             raise ArithmeticError("no root of %s near %s" % (estimator, near))
-    return mp.findroot(f, (near * (1 - width), near * (1 + width)), solver="anderson", tol=mpf("1e-60"))
+    root = mp.findroot(f, (near * (1 - width), near * (1 + width)), solver="anderson", tol=mpf("1e-60"))
+    likelihoods = [log_likelihood(estimator, x, y, v, t) for t in (mpf(0), root)] if falls else None
+    return mpf(0) if falls and likelihoods[0] >= likelihoods[1] else root
 
 
 def tau2(estimator, x, y, v, near):

@@ -1,4 +1,7 @@
-"""Measures deletion diagnostics: of models, which are regressions on a constant, and of meta-regressions."""
+"""Measures deletion diagnostics: of models, which are regressions on a constant, and of meta-regressions.
+
+Errors of quantities that are differences are absolute below 1, and relative above.
+"""
 
 import sys
 import tempfile
@@ -46,24 +49,25 @@ def note_study(where, studies, i, found, t, deleted_t):
     h = whole.h[i]
     deleted_variance = variance_at(x[i], part.inverse)
     scale = mp.sqrt(h * (v[i] + deleted_t))
-    note("influence: residuals (absolute)", where, found["InfluenceStudentizedResidual"][i],
+    note("influence: residuals", where, found["InfluenceStudentizedResidual"][i],
          (whole.r[i] + moved) / mp.sqrt(v[i] + deleted_t + deleted_variance), 1)
-    note("influence: DFFITS (absolute)", where, found["InfluenceDFFITS"][i], moved / scale, 1)
+    note("influence: DFFITS", where, found["InfluenceDFFITS"][i], moved / scale, 1)
     cook = (change.T * whole.inverse**-1 * change)[0]
-    note("influence: Cook's distances (absolute)", where, found["InfluenceCookDistance"][i], cook, max(cook, 1))
+    note("influence: Cook's distances", where, found["InfluenceCookDistance"][i], cook, max(cook, 1))
     note("influence: covariance ratios", where, found["InfluenceCovarianceRatio"][i],
          mp.det(part.inverse) / mp.det(whole.inverse))
     note("influence: Q without a study", where, found["InfluenceQDeleted"][i], fixed.squares())
     note("influence: leverages", where, found["InfluenceHat"][i], h)
     note("influence: weights", where, found["InfluenceWeight"][i], 100 * whole.w[i] / sum(whole.w))
-    note("influence: Baujat's axes (absolute)", where, found["BaujatX"][i], whole.r[i]**2 * whole.w[i], 1)
+    pearson = whole.r[i]**2 * whole.w[i]
+    note("influence: Baujat's axes", where, found["BaujatX"][i], pearson, max(pearson, 1))
     squared = moved**2 / deleted_variance
-    note("influence: Baujat's axes (absolute)", where, found["BaujatY"][i], squared, max(squared, 1))
+    note("influence: Baujat's axes", where, found["BaujatY"][i], squared, max(squared, 1))
     if "InfluenceDFBETAS" in found:
         inverse = fit_at(x, y, v, deleted_t).inverse
         for j, value in enumerate(found["InfluenceDFBETAS"][i]):
             ratio = change[j] / mp.sqrt(inverse[j, j])
-            note("influence: DFBETAS (absolute)", where, value, ratio, max(abs(ratio), 1))
+            note("influence: DFBETAS", where, value, ratio, max(abs(ratio), 1))
 
 
 def measure_one(studies):

@@ -107,6 +107,22 @@ std::vector<std::string> WordingOfStudies(const InfluenceTable& table)
     return sentences;
 }
 
+/// Those that the table has a column for.
+int RulesOfInfluence(const InfluenceTable& table)
+{
+    const int ofModels = MAConst::INFLUENCE_DFFITS | MAConst::INFLUENCE_COOK | MAConst::INFLUENCE_HAT;
+    return table.parameters.empty() ? ofModels : ofModels | MAConst::INFLUENCE_DFBETAS;
+}
+
+std::vector<std::string> WordingOfTable(const InfluenceTable& table)
+{
+    return {fmt::format(
+        "Each row compares the model of all studies with the one without the study it names, whose "
+        "{}. Influential (*): {}. Outlier (o): {}.",
+        HasAnyValue(table.tau2) ? "tau² and Q these are" : "Q this is",
+        WordingOfRules(table, RulesOfInfluence(table)), WordingOfRules(table, MAConst::INFLUENCE_RESIDUAL))};
+}
+
 ReportSection DfbetasSection(const InfluenceTable& table)
 {
     ReportSection section = {"DFBETAS", {{"Without", table.labels, true}}, {}};
@@ -176,13 +192,7 @@ ReportSections SectionsOf(const InfluenceTable& table)
     section.table.push_back(
         {"Weight %", TextsOf(table.weights, [](double weight) { return FixedText(weight, 1); })});
     section.table.push_back({"", MarksOf(table), true});
-    section.sentences = {fmt::format(
-        "Each row compares the model of all studies with the one without the study it names, whose "
-        "tau² and Q these are. Influential (*): {}. Outlier (o): {}.",
-        WordingOfRules(table, table.parameters.empty() ? MAConst::INFLUENCE_DFFITS | MAConst::INFLUENCE_COOK |
-                                                             MAConst::INFLUENCE_HAT
-                                                       : ~MAConst::INFLUENCE_RESIDUAL),
-        WordingOfRules(table, MAConst::INFLUENCE_RESIDUAL))};
+    section.sentences = WordingOfTable(table);
     for (std::string& sentence : WordingOfStudies(table))
         section.sentences.push_back(std::move(sentence));
     ReportSections sections = {std::move(section)};

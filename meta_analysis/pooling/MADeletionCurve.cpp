@@ -55,7 +55,7 @@ double ResidualForm(const MAMomentSums& sums, std::size_t power, const std::vect
 
 } // namespace
 
-MADeletionCurve::MADeletionCurve(MADeletionRows rows, double tau2, MALikelihoodType type)
+MADeletionCurve::MADeletionCurve(const MADeletionRows& rows, double tau2, MALikelihoodType type)
     : sums_(InUnit(rows, UnitOf(rows)), tau2 / UnitOf(rows)),
       type_(type),
       others_(rows.Width()),

@@ -12,29 +12,29 @@ namespace MA_NAMESPACE {
 /// The fit of a regression at some tau², in the units of the data.
 struct MADeletionFit
 {
-    bool isExact = false;        ///< whether all that follows has its digits
-    std::vector<double> fitted;  ///< coefficients of the dependent on the coordinates
-    MASquareMatrix factor;       ///< upper triangle R with R'R = Z'WZ
+    bool isExact = false;       ///< whether all that follows has its digits
+    std::vector<double> fitted; ///< coefficients of the dependent on the coordinates
+    MASquareMatrix factor;      ///< upper triangle R with R'R = Z'WZ
     double weightSum = 0.0;
-    double residualSum = 0.0;    ///< sum(w r²)
-    double trace = 0.0;          ///< tr P
+    double residualSum = 0.0; ///< sum(w r²)
+    double trace = 0.0;       ///< tr P
 };
 
 /// The likelihood of the between-study variance of all rows but one, for one row after another.
 ///
-/// The deleted row's own terms are subtracted from sums that all deletions share, `MADeletionSums`, so that an
-/// evaluation costs O(p³) instead of O(k p²). Where such a difference, or one of those that the likelihood is
-/// made of, keeps less than a 32nd of what it is taken from, the curve is not a number, `IsExact` becomes false,
-/// and the caller refits the rows that are left. So a result has lost ten bits at most.
+/// The deleted row's own terms are subtracted from sums that all deletions share, `MADeletionSums`, so that
+/// an evaluation costs O(p³) instead of O(k p²). Where such a difference, or one of those that the likelihood
+/// is made of, keeps less than a 32nd of what it is taken from, the curve is not a number, `IsExact` becomes
+/// false, and the caller refits the rows that are left. So a result has lost ten bits at most.
 ///
 /// All deletions have the bounds of all rows, which hold for fewer: the search then looks at the same t for
 /// each, and proves each.
 class MADeletionCurve : public MALikelihoodCurve
 {
 public:
-    /// `rows` in the units of the data; the dependent best as residuals of the fit of all rows. `tau2` is that
-    /// of all rows.
-    MADeletionCurve(MADeletionRows rows, double tau2, MALikelihoodType type);
+    /// `rows` in the units of the data; the dependent best as residuals of the fit of all rows. `tau2` is
+    /// that of all rows.
+    MADeletionCurve(const MADeletionRows& rows, double tau2, MALikelihoodType type);
 
     /// Puts the row deleted before back, and deletes this one.
     void Delete(std::size_t row);

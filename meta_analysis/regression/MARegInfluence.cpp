@@ -134,6 +134,7 @@ public:
     KXStatus Delete(std::size_t row, MAStudyInfluence& influence);
 
 private:
+    double Leverage(std::size_t row) const;
     MATau2Estimate Tau2Without(std::size_t row);
     ColumnFit FitWithout(std::size_t row, double tau2);
     MASquareMatrix FactorOfAll(double tau2);
@@ -169,11 +170,19 @@ Deletions::Deletions(const MADesignMatrix& design, bool isRandom, double tau2)
 MAStudyInfluence Deletions::InWholeFit(std::size_t row) const
 {
     MAStudyInfluence influence;
-    influence.hat = 1.0 - whole_.complements[row];
+    influence.hat = Leverage(row);
     influence.weight = 100.0 * whole_.weights[row] / whole_.weightSum;
     influence.baujatX = Square(whole_.residuals[row]) * whole_.weights[row];
     influence.dfbetas.assign(columns_.NonRedundant().Size(), KXMV::Missing());
     return influence;
+}
+
+/// From its complement where that is small, and where the leverage itself is small as it is: a difference
+/// from 1 has no digit of it.
+double Deletions::Leverage(std::size_t row) const
+{
+    const double leverage = whole_.weights[row] * VarianceOf(Coordinates(row), whole_.columns.factor);
+    return leverage < 0.5 ? leverage : 1.0 - whole_.complements[row];
 }
 
 bool Deletions::HasModelWithout(std::size_t row) const

@@ -101,6 +101,7 @@ struct Wish
         settings.SetSubGroupIndex(group);
         settings.SetCommulativeIndex(order);
         settings.SetContrastCoefIndex({CONTRAST});
+        settings.SetInfluence(true);
         settings.SetIsTRIMFILL(true);
         settings.SetTrimFillSide(TRIM_SIDE_LARGEST);
         settings.SetFunnelConTourTesType(CONTOUR_TWO_SIDED);

@@ -46,9 +46,10 @@ void ExpectFigures(const MABaseModel& model, const nlohmann::json& figures)
                                              {"weight_percent", model.GetInfluenceWeight()}};
     for (const auto& [name, row] : rows)
         EXPECT_TRUE(Close(row, NumbersOf(influence.at(name)), tolerance, 0.01)) << name;
-    if (influence.contains("tau2_deleted"))
+    if (influence.contains("tau2_deleted")) {
         EXPECT_TRUE(
             Close(model.GetInfluenceTau2Deleted(), NumbersOf(influence.at("tau2_deleted")), tolerance));
+    }
     if (!figures.contains("baujat"))
         return;
     EXPECT_TRUE(Close(model.GetBaujatX(), NumbersOf(figures.at("baujat").at("x")), tolerance, 0.01));
@@ -129,10 +130,10 @@ TEST(Influence, NeedsTwoStudiesBesideTheDeletedOne)
 {
     const Published bcg("bcg_vaccine");
     const BinRun pair(WithInfluence(bcg.settings), {bcg.data.rows[0], bcg.data.rows[1]});
-    const Row missing(2, KXMV::Missing());
-    EXPECT_EQ(pair.model.GetInfluenceStudentizedResidual(), missing);
-    EXPECT_EQ(pair.model.GetInfluenceTau2Deleted(), missing);
-    EXPECT_EQ(pair.model.GetBaujatY(), missing);
+    const Row none(2, KXMV::Missing());
+    EXPECT_EQ(pair.model.GetInfluenceStudentizedResidual(), none);
+    EXPECT_EQ(pair.model.GetInfluenceTau2Deleted(), none);
+    EXPECT_EQ(pair.model.GetBaujatY(), none);
     EXPECT_NEAR(pair.model.GetInfluenceWeight()[0] + pair.model.GetInfluenceWeight()[1], 100.0, 1e-12);
     EXPECT_THAT(CodesOf(pair.model.GetWarnings()), testing::Contains(MAStatusCode::DELETION_UNDEFINED));
 }
