@@ -79,7 +79,7 @@ void CheckEffects(const Options& options)
 
 void CheckColumns(const Options& options)
 {
-    switch (options.command) {
+    switch (options.outcome.value_or(options.command)) {
     case Command::CONTINUOUS:
         CheckGroup({"treatment", options.treatmentMean, options.treatmentStdDev, options.treatmentVariance,
                     options.treatmentSummary});
@@ -90,6 +90,11 @@ void CheckColumns(const Options& options)
         CheckEffects(options);
         break;
     case Command::BINARY:
+    case Command::RATES:
+    case Command::PROPORTION:
+    case Command::RATE:
+    case Command::CORRELATION:
+    case Command::MEAN:
     case Command::REGRESSION:
         break;
     }
