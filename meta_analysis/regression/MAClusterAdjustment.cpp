@@ -245,6 +245,15 @@ ScoreRows AdjustedRows(const Adjusted& adjusted)
     return {std::move(roots), InformationOf(y)};
 }
 
+/// The single row of a cluster of one study, without a large share: B is the number 1 - h.
+ScoreRows AdjustedRow(Rows row, const MASquareMatrix& own)
+{
+    const double root = std::sqrt(1.0 - Trace(own));
+    for (double& value : row.cells)
+        value /= root;
+    return {std::move(row), own};
+}
+
 /// Without adjustment the rows are those of Q, and the expectation is Q'(1 - QQ')Q.
 ScoreRows ScoreRowsOf(const MAClusters& clusters, std::size_t j, MAConst::SANDWICHTYPE type,
                       const MASquareMatrix& own)
@@ -252,6 +261,8 @@ ScoreRows ScoreRowsOf(const MAClusters& clusters, std::size_t j, MAConst::SANDWI
     Rows rows = RowsOf(clusters, j);
     if (type == MAConst::SANDWICH_CR0 || type == MAConst::SANDWICH_CR1)
         return {std::move(rows), Difference(own, Product(own, own))};
+    if (rows.Count() == 1 && Trace(own) <= largeShare)
+        return AdjustedRow(std::move(rows), own);
     return AdjustedRows(Prepare(clusters, j, std::move(rows), own));
 }
 
