@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <utility>
 
 namespace MA_NAMESPACE {
 
@@ -16,6 +17,9 @@ using Values = std::vector<double>;
 /// A direction of which the other clusters have no more than this part of the information counts as one that
 /// the cluster alone determines: rounding leaves a few 1e-16.
 constexpr double negligibleInformation = 1e-12;
+
+/// At most 2p clusters have more than this part of a unit of information, of the p units that there are.
+constexpr double largeShare = 0.5;
 
 /// Adds weight * left right'.
 void AddProduct(const double* left, const double* right, double weight, MASquareMatrix& sum)
@@ -117,14 +121,12 @@ void MultiplyRows(Rows& rows, const MASquareMatrix& matrix)
     }
 }
 
-/// At most 2p clusters have more than half of a unit of information, so that the sums over all others cost
-/// O(k p³) altogether.
-Adjusted Prepare(const MAClusters& clusters, std::size_t j)
+/// The sums over all others, for the clusters with a large share, cost O(k p³) altogether.
+Adjusted Prepare(const MAClusters& clusters, std::size_t j, Rows rows, const MASquareMatrix& own)
 {
-    Adjusted adjusted = {.rows = RowsOf(clusters, j)};
-    const MASquareMatrix own = InformationOf(adjusted.rows);
+    Adjusted adjusted = {.rows = std::move(rows)};
     const double share = Trace(own);
-    if (share <= 0.5) {
+    if (share <= largeShare) {
         adjusted.others = Difference(UnitMatrix(clusters.rank), own);
         adjusted.leastInformation = 1.0 - share;
         return adjusted;
@@ -219,10 +221,16 @@ Rows InverseRoot(const Adjusted& adjusted, const std::vector<Values>& nullSpace,
     return sum;
 }
 
-/// The rows of A'WX Φ^(1/2), so that the score is the sum of these rows times the standardised residuals.
-Rows AdjustedRows(const MAClusters& clusters, std::size_t j, MASquareMatrix& expected)
+/// The rows of A'WX Φ^(1/2), so that the score is the sum of these rows times the standardised residuals, and
+/// the expectation of ss'.
+struct ScoreRows
 {
-    const Adjusted adjusted = Prepare(clusters, j);
+    Rows rows;
+    MASquareMatrix expected;
+};
+
+ScoreRows AdjustedRows(const Adjusted& adjusted)
+{
     const std::vector<Values> nullSpace = NullSpace(adjusted);
     Rows y = adjusted.rows;
     Project(nullSpace, y);
@@ -231,32 +239,46 @@ Rows AdjustedRows(const MAClusters& clusters, std::size_t j, MASquareMatrix& exp
         MultiplyRows(roots, Transposed(adjusted.axes));
         MultiplyRows(y, Transposed(adjusted.axes));
     }
-    expected = InformationOf(y);
     for (std::size_t i = 0; i < roots.Count(); ++i)
         for (std::size_t a = 0; a < roots.rank; ++a)
             roots.Row(i)[a] *= roots.variances[i];
-    return roots;
+    return {std::move(roots), InformationOf(y)};
+}
+
+/// The single row of a cluster of one study, without a large share: B is the number 1 - h.
+ScoreRows AdjustedRow(Rows row, const MASquareMatrix& own)
+{
+    const double root = std::sqrt(1.0 - Trace(own));
+    for (double& value : row.cells)
+        value /= root;
+    return {std::move(row), own};
+}
+
+/// Without adjustment the rows are those of Q, and the expectation is Q'(1 - QQ')Q.
+ScoreRows ScoreRowsOf(const MAClusters& clusters, std::size_t j, MAConst::SANDWICHTYPE type,
+                      const MASquareMatrix& own)
+{
+    Rows rows = RowsOf(clusters, j);
+    if (type == MAConst::SANDWICH_CR0 || type == MAConst::SANDWICH_CR1)
+        return {std::move(rows), Difference(own, Product(own, own))};
+    if (rows.Count() == 1 && Trace(own) <= largeShare)
+        return AdjustedRow(std::move(rows), own);
+    return AdjustedRows(Prepare(clusters, j, std::move(rows), own));
 }
 
 } // namespace
 
-/// Without adjustment the expectation of ss' is Q'(1 - QQ')Q.
 MAClusterShare ShareOf(const MAClusters& clusters, std::size_t j, MAConst::SANDWICHTYPE type)
 {
-    MAClusterShare share = {.score = Values(clusters.rank), .cross = MASquareMatrix(clusters.rank)};
-    Rows rows = RowsOf(clusters, j);
-    const MASquareMatrix own = InformationOf(rows);
-    share.hasLargeShare = Trace(own) > 0.5;
-    if (type == MAConst::SANDWICH_CR0 || type == MAConst::SANDWICH_CR1)
-        share.expected = Difference(own, Product(own, own));
-    else
-        rows = AdjustedRows(clusters, j, share.expected);
-    share.information = own;
-    for (std::size_t i = 0; i < rows.Count(); ++i) {
+    const MASquareMatrix own = InformationOf(RowsOf(clusters, j));
+    const ScoreRows scores = ScoreRowsOf(clusters, j, type, own);
+    MAClusterShare share = {Values(clusters.rank), MASquareMatrix(clusters.rank), own, scores.expected,
+                            Trace(own) > largeShare};
+    for (std::size_t i = 0; i < scores.rows.Count(); ++i) {
         const std::size_t row = clusters.starts[j] + i;
         for (std::size_t a = 0; a < clusters.rank; ++a)
-            share.score[a] += rows.Row(i)[a] * clusters.residuals[row];
-        AddProduct(rows.Row(i), clusters.Row(row), 1.0, share.cross);
+            share.score[a] += scores.rows.Row(i)[a] * clusters.residuals[row];
+        AddProduct(scores.rows.Row(i), clusters.Row(row), 1.0, share.cross);
     }
     return share;
 }

@@ -13,11 +13,11 @@ namespace MA_NAMESPACE {
 /// There a coefficient is d'g, and its variance Σ_j (d's_j)².
 struct MAClusterShare
 {
-    std::vector<double> score;                     ///< s = X'WAe
-    MASquareMatrix cross;                          ///< X'WAX, the factor of covariances between clusters
-    MASquareMatrix information = MASquareMatrix(); ///< Q'Q; those of all clusters sum to the unit matrix
-    MASquareMatrix expected = MASquareMatrix();    ///< expectation of ss' under the working model
-    bool hasLargeShare = false;                    ///< of the information
+    std::vector<double> score;  ///< s = X'WAe
+    MASquareMatrix cross;       ///< X'WAX, the factor of covariances between clusters
+    MASquareMatrix information; ///< Q'Q; those of all clusters sum to the unit matrix
+    MASquareMatrix expected;    ///< expectation of ss' under the working model
+    bool hasLargeShare;         ///< of the information
 };
 
 /// The share of cluster j. In this form X_j'W_jA_j is Q_j'B_j^(+1/2)Φ_j^(1/2), with

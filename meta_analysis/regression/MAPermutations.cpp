@@ -1,6 +1,7 @@
 #include "meta_analysis/regression/MAPermutations.h"
 
 #include <algorithm>
+#include <cstdint>
 #include <numeric>
 #include <utility>
 

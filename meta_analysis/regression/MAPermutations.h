@@ -3,7 +3,6 @@
 #include "meta_analysis/regression/design/MADesignRow.h"
 
 #include <cstddef>
-#include <cstdint>
 #include <vector>
 
 namespace MA_NAMESPACE {

@@ -46,8 +46,8 @@ public:
 
     /// Fits the model. Creates the parameters first, unless that was done since the last build: every build
     /// begins afresh. Errors as `CreateParameters`; `ITERATOR_FAILED` also when its passes differ in length;
-    /// `NO_USABLE_STUDY` no usable study but some unusable ones. After an error there are no results.
-    /// Warnings go to `GetWarnings`.
+    /// `NO_USABLE_STUDY` no usable study but some unusable ones; with a cluster variable `ONE_CLUSTER`, and
+    /// for CR1 and CR0 `TOO_FEW_CLUSTERS`. After an error there are no results. Warnings go to `GetWarnings`.
     virtual KXStatus BuildModel(MultiPassRecordIter& records) = 0;
     virtual bool IsModelBuilt() const;
     virtual KXStatus GetStatus() const;

@@ -104,21 +104,24 @@ private:
 /// What the clusters' shares add up to.
 struct Sandwich
 {
-    MASquareMatrix scores;                       ///< Σ ss'
+    MASquareMatrix covariance; ///< of the coefficients that are estimated, before CR1's factor
     std::vector<Satterthwaite> degreesOfFreedom; ///< one an estimated coefficient
 };
 
 Sandwich SandwichOf(const MAClusters& clusters, const std::vector<Values>& directions,
                     MAConst::SANDWICHTYPE type)
 {
-    Sandwich sandwich = {MASquareMatrix(clusters.rank), {}};
+    Sandwich sandwich = {MASquareMatrix(directions.size()), {}};
+    Values scores(directions.size());
     for (const Values& direction : directions)
         sandwich.degreesOfFreedom.emplace_back(direction);
     for (std::size_t j = 0; j < clusters.Count(); ++j) {
         const MAClusterShare share = ShareOf(clusters, j, type);
-        for (std::size_t a = 0; a < clusters.rank; ++a)
-            for (std::size_t b = 0; b < clusters.rank; ++b)
-                sandwich.scores(a, b) += share.score[a] * share.score[b];
+        for (std::size_t a = 0; a < directions.size(); ++a) {
+            scores[a] = Product(share.score, directions[a]);
+            for (std::size_t b = 0; b <= a; ++b)
+                sandwich.covariance(a, b) = sandwich.covariance(b, a) += scores[a] * scores[b];
+        }
         for (Satterthwaite& df : sandwich.degreesOfFreedom)
             df.Add(share);
     }
@@ -148,14 +151,12 @@ int ErrorOf(const MAClusters& clusters, MAConst::SANDWICHTYPE type)
 }
 
 /// The variances of what is estimated, missing where there is none.
-void StoreCovariance(const MARegFit& fit, const Sandwich& sandwich, const std::vector<Values>& directions,
-                     double scale, MARobustTests& tests)
+void StoreCovariance(const Sandwich& sandwich, const std::vector<std::size_t>& columns, double factor,
+                     MARobustTests& tests)
 {
-    const std::vector<std::size_t>& columns = fit.EstimatedColumns();
     for (std::size_t a = 0; a < columns.size(); ++a) {
-        const Values product = Times(sandwich.scores, directions[a]);
         for (std::size_t b = 0; b < columns.size(); ++b) {
-            const double value = scale * Product(product, directions[b]);
+            const double value = factor * sandwich.covariance(a, b);
             const bool isVariance = sandwich.degreesOfFreedom[a].HasVariance() &&
                                     sandwich.degreesOfFreedom[b].HasVariance() && std::isfinite(value);
             tests.covariance[columns[a]][columns[b]] = isVariance ? value : KXMV::Missing();
@@ -197,7 +198,7 @@ MARobustTests TestRobustly(const MARegFit& fit)
     const Sandwich sandwich = SandwichOf(clusters, directions, type);
     const auto count = static_cast<double>(clusters.Count());
     const double clusterDf = count - static_cast<double>(clusters.rank);
-    StoreCovariance(fit, sandwich, directions, type == MAConst::SANDWICH_CR1 ? count / clusterDf : 1.0,
+    StoreCovariance(sandwich, fit.EstimatedColumns(), type == MAConst::SANDWICH_CR1 ? count / clusterDf : 1.0,
                     tests);
     for (std::size_t position = 0; position < directions.size(); ++position) {
         const std::size_t j = fit.EstimatedColumns()[position];

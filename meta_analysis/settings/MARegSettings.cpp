@@ -157,6 +157,7 @@ void MARegSettings::DisplayVariables() const
     KXDisplay_940::DisplayI("Dependent reference category", GetDependentReference());
     DisplayIfGiven("Frequency weight index", GetFreqWeightVar());
     DisplayIfGiven("Omega weight index", GetRegrWeightVar());
+    DisplayIfGiven("Cluster index", cluster_);
 }
 
 void MARegSettings::DisplayModel() const
