@@ -18,8 +18,8 @@ struct MAAnalysisState;
 ///
 /// Conventions of the getters: they return copies and have no side effect (an empty copy when memory
 /// runs out). A per-study vector has one entry per valid study, in record order. A per-model vector has
-/// one entry per fitted model. Effects are on the analysis scale: the log scale for odds and risk
-/// ratios, else the natural scale. A quantity that cannot be computed is `KXMV::Missing()`.
+/// one entry per fitted model. Effects are on the analysis scale: the log scale for odds and risk ratios,
+/// that of the measure in `MAOutcomeModel`, else the natural one. `KXMV::Missing()` is no value.
 class META_ANALYSIS_EXPORT MAAnalysisResults
 {
 public:
@@ -53,7 +53,7 @@ public:
     std::vector<double> GetLog10Sig() const;
     std::vector<double> GetCILower() const;
     std::vector<double> GetCIUpper() const;
-    /// Total sample sizes; empty for ready-made effect sizes.
+    /// Total sample sizes; empty for ready-made effect sizes, and for rates, which have times.
     std::vector<double> GetSampSize() const;
     /// Pooling weights: 1 / (variance + tau²), or those of the binary fixed-effect model.
     std::vector<double> GetWeight() const;

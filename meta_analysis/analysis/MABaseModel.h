@@ -22,8 +22,8 @@ struct MAPooledStudies;
 struct MAReading;
 struct MATrimAndFill;
 
-/// What the analyses of binary and of continuous outcomes share: the steps of a run, which a host may also
-/// call one by one. The results are read through the getters of the base.
+/// What the analyses of all outcomes share, each in a class of its own: the steps of a run, which a host may
+/// also call one by one. The results are read through the getters of the base.
 ///
 /// The object keeps a pointer to the settings it is constructed from, which must outlive it. A run begins
 /// afresh; operations called one by one append to the lists. One object must not be used by two threads at

@@ -6,14 +6,20 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-/// Calls `use` with the pooling of the studies by the method of the measure, if it has one.
+/// Calls `use` with empty running sums of the method for the measure, if it has one.
 template <class Use>
-void WithPool(std::span<const MAGroupRates> studies, const MARatePoolingChoice& choice, Use use)
+void WithRatePooling(MAConst::OUTCOMEMEASURE measure, Use use)
 {
-    if (choice.measure == MAConst::RATES_RATIO)
-        use(MATablePool<MARateRatioPooling>(studies, choice, choice.nullHypothesis));
-    else if (choice.measure == MAConst::RATES_DIFFERENCE)
-        use(MATablePool<MARateDifferencePooling>(studies, choice, choice.nullHypothesis));
+    if (measure == MAConst::RATES_RATIO)
+        use(MARateRatioPooling());
+    else if (measure == MAConst::RATES_DIFFERENCE)
+        use(MARateDifferencePooling());
+}
+
+template <class Pooling>
+MATablePool<Pooling> PoolOf(std::span<const MAGroupRates> studies, const MARatePoolingChoice& choice)
+{
+    return {studies, choice, choice.nullHypothesis};
 }
 
 } // namespace
@@ -21,21 +27,28 @@ void WithPool(std::span<const MAGroupRates> studies, const MARatePoolingChoice& 
 MAPooledTables PoolTables(std::span<const MAGroupRates> studies, const MARatePoolingChoice& choice)
 {
     MAPooledTables result;
-    WithPool(studies, choice, [&](auto pool) { result = pool.PoolAll(); });
+    WithRatePooling(choice.measure,
+                    [&](auto pooling) { result = PoolOf<decltype(pooling)>(studies, choice).PoolAll(); });
     result.weights.resize(studies.size(), KXMV::Missing());
     return result;
 }
 
 int CountUninformative(std::span<const MAGroupRates> studies, const MARatePoolingChoice& choice)
 {
-    return PoolTables(studies, choice).leftOutTables;
+    int count = 0;
+    WithRatePooling(choice.measure, [&](auto pooling) {
+        count = CountLeftOut<decltype(pooling)>(studies, choice.pooledZeroCells);
+    });
+    return count;
 }
 
 std::vector<MATableEstimate> PoolTablePrefixes(std::span<const MAGroupRates> studies,
                                                const MARatePoolingChoice& choice)
 {
     std::vector<MATableEstimate> estimates;
-    WithPool(studies, choice, [&](auto pool) { estimates = pool.PoolPrefixes(); });
+    WithRatePooling(choice.measure, [&](auto pooling) {
+        estimates = PoolOf<decltype(pooling)>(studies, choice).PoolPrefixes();
+    });
     return estimates;
 }
 

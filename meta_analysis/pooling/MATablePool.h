@@ -6,6 +6,7 @@
 #include "meta_analysis/pooling/MAPooledCounts.h"
 #include "meta_analysis/pooling/MATablePooling.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace MA_NAMESPACE {
@@ -114,6 +115,15 @@ std::vector<MATableEstimate> MATablePool<Pooling>::PoolPrefixes()
         estimates.push_back(Estimate(counts_.Effect()));
     }
     return estimates;
+}
+
+/// The number of tables that the method leaves out. Allocates nothing.
+template <class Pooling>
+int CountLeftOut(std::span<const typename Pooling::Table> tables, MAConst::POOLEDZEROCELLS rule)
+{
+    const MAPooledCounts<Pooling> counts(rule);
+    return static_cast<int>(std::count_if(tables.begin(), tables.end(),
+                                          [&](const auto& table) { return !counts.Includes(table); }));
 }
 
 } // namespace MA_NAMESPACE

@@ -43,9 +43,7 @@ int CountUninformative(std::span<const MATable> tables, const MATablePoolingChoi
 {
     int count = 0;
     WithBinaryPooling(choice.measure, [&](auto pooling) {
-        const MAPooledCounts<decltype(pooling)> counts(choice.pooledZeroCells);
-        for (const MATable& table : tables)
-            count += !counts.Includes(table);
+        count = CountLeftOut<decltype(pooling)>(tables, choice.pooledZeroCells);
     });
     return count;
 }
