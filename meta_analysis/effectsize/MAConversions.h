@@ -69,12 +69,12 @@ struct MAConvertedMean
 /// From the size n, the median m and the quartiles q1, q3, or the extremes a, b, or all of them, of normally
 /// distributed data. With P the normal quantile:
 ///
-/// | of | mean | standard deviation |
-/// | -- | ---- | ------------------ |
-/// | m, a, b | w (a + b) / 2 + (1 - w) m, w = 4 / (4 + n^0.75) | (b - a) / x, x = 2 P((n - 0.375) / (n +
-/// 0.25)) | | m, q1, q3 | w (q1 + q3) / 2 + (1 - w) m, w = 0.7 + 0.39 / n | (q3 - q1) / y, y = 2 P((0.75 n -
-/// 0.125) / (n + 0.25)) | | all | u (a + b) / 2 + w (q1 + q3) / 2 + (1 - u - w) m, u = 2.2 / (2.2 + n^0.75),
-/// w = 0.7 - 0.72 / n^0.55 | ((b - a) / x + (q3 - q1) / y) / 2 |
+/// - m, a, b: mean w (a + b) / 2 + (1 - w) m with w = 4 / (4 + n^0.75), standard deviation (b - a) / x with
+///   x = 2 P((n - 0.375) / (n + 0.25));
+/// - m, q1, q3: mean w (q1 + q3) / 2 + (1 - w) m with w = 0.7 + 0.39 / n, standard deviation
+///   (q3 - q1) / y with y = 2 P((0.75 n - 0.125) / (n + 0.25));
+/// - all: mean u (a + b) / 2 + w (q1 + q3) / 2 + (1 - u - w) m with u = 2.2 / (2.2 + n^0.75) and
+///   w = 0.7 - 0.72 / n^0.55, standard deviation ((b - a) / x + (q3 - q1) / y) / 2.
 ///
 /// Means: Luo, Wan, Liu and Tong (2018), Statistical Methods in Medical Research 27, 1785-1805. Standard
 /// deviations: Wan, Wang, Liu and Tong (2014), BMC Medical Research Methodology 14, 135.
@@ -83,11 +83,9 @@ struct MAConvertedMean
 /// 1338-1360, when for n >= 5 the statistic is above its critical value; s = |a + b - 2 m| / (b - a) and
 /// t = |q1 + q3 - 2 m| / (q3 - q1):
 ///
-/// | of | statistic | critical value |
-/// | -- | --------- | -------------- |
-/// | m, a, b | s | 1.01 / ln(n + 9) + 2.43 / (n + 1) |
-/// | m, q1, q3 | t | 2.66 / √n - 5.92 / n² |
-/// | all | max(2.65 ln(0.6 n) / √n s, t) | 2.97 / √n - 39.1 / n³ |
+/// - m, a, b: s above 1.01 / ln(n + 9) + 2.43 / (n + 1);
+/// - m, q1, q3: t above 2.66 / √n - 5.92 / n²;
+/// - all: max(2.65 ln(0.6 n) / √n s, t) above 2.97 / √n - 39.1 / n³.
 ///
 /// Status: `EXCLUSION_MISSING_VALUE` (size or median, or neither both quartiles nor both extremes),
 /// `EXCLUSION_GROUP_TOO_SMALL` (n < 2), `EXCLUSION_SUMMARY_NOT_ASCENDING`, `EXCLUSION_SPREAD_NOT_POSITIVE`

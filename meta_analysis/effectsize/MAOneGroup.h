@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/settings/MAConst.h"
 
 #include <cmath>
 
@@ -14,8 +15,8 @@ struct MAOutcomeEffect
     double variance;
 };
 
-// What one group of a study reports. `IsPossible` tells whether the values can be a study's. A measure that
-// corrects zeros asks for `HasZeroCell` and for the counts `Plus` a constant.
+// What one group of a study reports. `Flaw` tells why the values cannot be a study's, `EXCLUSION_NONE` when
+// they can. A measure that corrects zeros asks for `HasZeroCell` and for the counts `Plus` a constant.
 
 struct MAProportion
 {
@@ -23,8 +24,14 @@ struct MAProportion
     double nonEvents;
 
     double Size() const { return events + nonEvents; }
-    bool HasMissing() const { return KXMV::IsMissing(events) || KXMV::IsMissing(nonEvents); }
-    bool IsPossible() const { return events >= 0.0 && nonEvents >= 0.0 && Size() > 0.0; }
+    MAConst::EXCLUSION Flaw() const
+    {
+        if (KXMV::IsMissing(events) || KXMV::IsMissing(nonEvents))
+            return MAConst::EXCLUSION_MISSING_VALUE;
+        if (events < 0.0 || nonEvents < 0.0)
+            return MAConst::EXCLUSION_NEGATIVE_COUNT;
+        return Size() > 0.0 ? MAConst::EXCLUSION_NONE : MAConst::EXCLUSION_NO_PERSONS;
+    }
     bool HasZeroCell() const { return events == 0.0 || nonEvents == 0.0; }
     MAProportion Plus(double added) const { return {events + added, nonEvents + added}; }
 };
@@ -34,8 +41,14 @@ struct MARate
     double events;
     double time;
 
-    bool HasMissing() const { return KXMV::IsMissing(events) || KXMV::IsMissing(time); }
-    bool IsPossible() const { return events >= 0.0 && time > 0.0; }
+    MAConst::EXCLUSION Flaw() const
+    {
+        if (KXMV::IsMissing(events) || KXMV::IsMissing(time))
+            return MAConst::EXCLUSION_MISSING_VALUE;
+        if (events < 0.0)
+            return MAConst::EXCLUSION_NEGATIVE_COUNT;
+        return time > 0.0 ? MAConst::EXCLUSION_NONE : MAConst::EXCLUSION_TIME_NOT_POSITIVE;
+    }
     bool HasZeroCell() const { return events == 0.0; }
     MARate Plus(double added) const { return {events + added, time}; }
 };
@@ -46,8 +59,14 @@ struct MACorrelation
     double size;
 
     double Size() const { return size; }
-    bool HasMissing() const { return KXMV::IsMissing(r) || KXMV::IsMissing(size); }
-    bool IsPossible() const { return std::abs(r) < 1.0 && size > 1.0; }
+    MAConst::EXCLUSION Flaw() const
+    {
+        if (KXMV::IsMissing(r) || KXMV::IsMissing(size))
+            return MAConst::EXCLUSION_MISSING_VALUE;
+        if (!(std::abs(r) < 1.0))
+            return MAConst::EXCLUSION_CORRELATION_OUTSIDE;
+        return size > 1.0 ? MAConst::EXCLUSION_NONE : MAConst::EXCLUSION_GROUP_TOO_SMALL;
+    }
 };
 
 struct MAMean
@@ -57,11 +76,14 @@ struct MAMean
     double stdDev;
 
     double Size() const { return size; }
-    bool HasMissing() const
+    MAConst::EXCLUSION Flaw() const
     {
-        return KXMV::IsMissing(size) || KXMV::IsMissing(mean) || KXMV::IsMissing(stdDev);
+        if (KXMV::IsMissing(size) || KXMV::IsMissing(mean) || KXMV::IsMissing(stdDev))
+            return MAConst::EXCLUSION_MISSING_VALUE;
+        if (!(size > 1.0))
+            return MAConst::EXCLUSION_GROUP_TOO_SMALL;
+        return stdDev > 0.0 ? MAConst::EXCLUSION_NONE : MAConst::EXCLUSION_SPREAD_NOT_POSITIVE;
     }
-    bool IsPossible() const { return size > 1.0 && stdDev > 0.0; }
 };
 
 // The measures of one group: effect and variance of a study. Variances of the transformed values are by the

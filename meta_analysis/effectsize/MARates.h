@@ -19,11 +19,14 @@ struct MAGroupRates
     double TreatmentRate() const { return a / t1; }
     double ControlRate() const { return c / t0; }
 
-    bool HasMissing() const
+    MAConst::EXCLUSION Flaw() const
     {
-        return KXMV::IsMissing(a) || KXMV::IsMissing(t1) || KXMV::IsMissing(c) || KXMV::IsMissing(t0);
+        if (KXMV::IsMissing(a) || KXMV::IsMissing(t1) || KXMV::IsMissing(c) || KXMV::IsMissing(t0))
+            return MAConst::EXCLUSION_MISSING_VALUE;
+        if (a < 0.0 || c < 0.0)
+            return MAConst::EXCLUSION_NEGATIVE_COUNT;
+        return t1 > 0.0 && t0 > 0.0 ? MAConst::EXCLUSION_NONE : MAConst::EXCLUSION_TIME_NOT_POSITIVE;
     }
-    bool IsPossible() const { return a >= 0.0 && c >= 0.0 && t1 > 0.0 && t0 > 0.0; }
     bool HasZeroCell() const { return a == 0.0 || c == 0.0; }
     MAGroupRates Plus(double added) const { return {a + added, t1, c + added, t0}; }
 };

@@ -252,7 +252,7 @@ enum EXCLUSION : int
     EXCLUSION_NOT_POOLABLE = 2, ///< effect size, variance or weight not finite, or the last two not positive
     EXCLUSION_NEGATIVE_COUNT = 3,
     EXCLUSION_EVENTS_ABOVE_SIZE = 4, ///< more events than persons in a group
-    EXCLUSION_NO_PERSONS = 5,        ///< a table of nobody
+    EXCLUSION_NO_PERSONS = 5,        ///< a table, or a group, of nobody
     EXCLUSION_ZERO_CELLS = 6,        ///< zero cells in both groups, and no zero-cell correction
     EXCLUSION_DROPPED = 7, ///< by the setting that drops tables with events, or non-events, in neither group
     EXCLUSION_GROUP_TOO_SMALL = 8,        ///< fewer than two persons in a group of which a spread is needed
@@ -265,7 +265,9 @@ enum EXCLUSION : int
     EXCLUSION_ESTIMATE_ZERO = 15,         ///< no effect at all, from which a p-value gives no standard error
     EXCLUSION_RATIO_NOT_POSITIVE = 16,
     EXCLUSION_DIFFERENCE_IMPOSSIBLE = 17, ///< a risk difference beyond -1 ... 1
-    EXCLUSION_NO_SPREAD_GIVEN = 18        ///< no variable of a variance, standard error, interval or p-value
+    EXCLUSION_NO_SPREAD_GIVEN = 18,       ///< no variable of a variance, standard error, interval or p-value
+    EXCLUSION_TIME_NOT_POSITIVE = 19,
+    EXCLUSION_CORRELATION_OUTSIDE = 20 ///< a correlation that is not between -1 and 1
 };
 
 /// The group label of the model of all studies, where results of subgroups and of all studies stand together.

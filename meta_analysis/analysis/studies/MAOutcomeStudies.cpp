@@ -1,5 +1,6 @@
 #include "meta_analysis/analysis/studies/MAOutcomeStudies.h"
 
+#include "meta_analysis/analysis/studies/MACountVariables.h"
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/effectsize/MAOutcomeEffects.h"
 #include "meta_analysis/inference/MAInference.h"
@@ -23,15 +24,16 @@ bool AreGiven(std::initializer_list<int> variables)
 template <class Study>
 Study ReadStudy(const Record& record, const MAModelSettings& settings);
 
-/// The non-events are read, or else derived from the size.
+MAGroupVariables CountsOf(const MAModelSettings& settings)
+{
+    return {settings.GetEventsIndex(), settings.GetNonEventsIndex(), settings.GetSizeIndex()};
+}
+
 template <>
 MAProportion ReadStudy(const Record& record, const MAModelSettings& settings)
 {
-    const double events = ReadStudyValue(record, settings.GetEventsIndex());
-    if (settings.GetNonEventsIndex() != -1)
-        return {events, ReadStudyValue(record, settings.GetNonEventsIndex())};
-    const double size = ReadStudyValue(record, settings.GetSizeIndex());
-    return {events, KXMV::IsMissing(size) || KXMV::IsMissing(events) ? KXMV::Missing() : size - events};
+    const MAGroupVariables variables = CountsOf(settings);
+    return {ReadStudyValue(record, variables.events), variables.ReadNonEvents(record)};
 }
 
 template <>
@@ -64,6 +66,21 @@ MAGroupRates ReadStudy(const Record& record, const MAModelSettings& settings)
             ReadStudyValue(record, settings.GetControlTimeIndex())};
 }
 
+template <class Study>
+MAConst::EXCLUSION FlawOf(const Study& study, const MAModelSettings& /*settings*/)
+{
+    return study.Flaw();
+}
+
+MAConst::EXCLUSION FlawOf(const MAProportion& study, const MAModelSettings& settings)
+{
+    const MAConst::EXCLUSION flaw = study.Flaw();
+    const bool hasTooManyEvents = study.nonEvents < 0.0 && CountsOf(settings).UsesSize();
+    return flaw == MAConst::EXCLUSION_NEGATIVE_COUNT && hasTooManyEvents
+               ? MAConst::EXCLUSION_EVENTS_ABOVE_SIZE
+               : flaw;
+}
+
 /// Studies as read, in record order.
 template <class Study>
 std::vector<Study> ReadRaw(MultiPassRecordIter& records, const MAModelSettings& settings, MAReading& reading)
@@ -71,14 +88,13 @@ std::vector<Study> ReadRaw(MultiPassRecordIter& records, const MAModelSettings& 
     std::vector<Study> raw;
     reading.status = ReadPass(records, reading.counts.records, [&](const Record& record, int recordNumber) {
         const auto study = ReadStudy<Study>(record, settings);
-        if (study.HasMissing()) {
-            ++reading.counts.missing;
-        } else if (!study.IsPossible()) {
-            ++reading.counts.invalid;
-        } else {
-            reading.studies.recordNumber.push_back(recordNumber);
-            raw.push_back(study);
+        const MAConst::EXCLUSION flaw = FlawOf(study, settings);
+        if (flaw != MAConst::EXCLUSION_NONE) {
+            reading.counts.Exclude(recordNumber, flaw);
+            return;
         }
+        reading.studies.recordNumber.push_back(recordNumber);
+        raw.push_back(study);
     });
     return raw;
 }
@@ -151,8 +167,7 @@ bool NamesOutcome(const MAModelSettings& settings)
         return false;
     switch (allOutcomeMeasures[measure].data) {
     case MAOutcomeData::Proportion:
-        return AreGiven({settings.GetEventsIndex()}) &&
-               (AreGiven({settings.GetNonEventsIndex()}) || AreGiven({settings.GetSizeIndex()}));
+        return CountsOf(settings).AreNamed();
     case MAOutcomeData::Rate:
         return AreGiven({settings.GetEventsIndex(), settings.GetTimeIndex()});
     case MAOutcomeData::Correlation:
