@@ -142,7 +142,8 @@ Picture PanelOf(const InfluenceTable& table, const Diagnostic& diagnostic, std::
 
     Picture panel = {};
     const double column = static_cast<double>(position % COLUMNS);
-    const double row = static_cast<double>(position / COLUMNS);
+    const std::size_t rowsAbove = position / COLUMNS;
+    const auto row = static_cast<double>(rowsAbove);
     panel.frame = {SPACE_LEFT + column * (PANEL_WIDTH + SPACE_LEFT),
                    SPACE_ABOVE + row * (PANEL_HEIGHT + SPACE_ABOVE + SPACE_BELOW), PANEL_WIDTH, PANEL_HEIGHT};
     panel.x = {"", x.First(), x.Last(), StudyTicks(table.labels.size(), x)};
@@ -173,7 +174,8 @@ Picture InfluencePicture(const InfluenceTable& table)
     for (const Diagnostic& diagnostic : DiagnosticsOf(table))
         if (HasAnyValue(diagnostic.values))
             picture.panels.push_back(PanelOf(table, diagnostic, picture.panels.size()));
-    const auto rows = static_cast<double>((picture.panels.size() + COLUMNS - 1) / COLUMNS);
+    const std::size_t rowCount = (picture.panels.size() + COLUMNS - 1) / COLUMNS;
+    const auto rows = static_cast<double>(rowCount);
     picture.width = COLUMNS * (PANEL_WIDTH + SPACE_LEFT) + PICTURE_MARGIN;
     picture.height = rows * (PANEL_HEIGHT + SPACE_ABOVE + SPACE_BELOW) + TITLE_BELOW;
     picture.panels.front().texts.push_back({"Study, numbered in the order of the table", picture.width / 2,

@@ -216,11 +216,10 @@ const Trait traits[] = {
     {0, 1, {"GetEstSig", "GetHomoTestChisquareQ", "GetHomoTestSig", "GetH2Index", "GetI2Index"}},
     {0, 1, {"GetI2CIUpper", "GetUniGroup", "GetGDQbVal", "GetGDQbSig", "GetContrastEstSig"}},
     {0, -1, {"GetEstZVal"}},
-    {0, 1, {"GetInfluenceHat", "GetInfluenceCovarianceRatio", "GetInfluenceQDeleted", "GetBaujatX"}},
     {1, 1, {"GetEstStdError"}},
     {1, -1, {"GetEffectSize", "GetCILower", "GetPILower", "GetContrastEstES"}},
     {1, -1, {"GetEstEffectSize", "GetEstCILower", "GetEstCIUpper"}},
-    {2, 1, {"GetVariance", "GetTau2Var", "GetInfluenceTau2Deleted"}},
+    {2, 1, {"GetVariance", "GetTau2Var"}},
 };
 const Trait orderedTraits[] = {
     {0, 1, {"GetTFImputedN0", "GetOverallTFSig", "GeRegBasedTestSig"}},

@@ -95,7 +95,7 @@ TEST(Plots, DrawsEachStudyByItsInfluence)
         EXPECT_NEAR(studies[i].y - studies[0].y, y(results["BaujatY"][i]) - y(results["BaujatY"][0]),
                     4 * halfPixelDigit);
     }
-    EXPECT_THAT(figure.Words(), Contains("Hart & Sutherland"));
+    EXPECT_THAT(figure.Words(), IsSupersetOf(Texts{"4", "8", "13"})); // numbers of records
     EXPECT_EQ(pictures.Figure("influence").Marks("gpPt6", color::POOLED).size(), 8 * studies.size());
     const Pictures tables(Binary("bcg_vaccine.csv") + "--model fixed --weights mantel-haenszel --influence");
     const SvgFigure panels = tables.Figure("influence");
