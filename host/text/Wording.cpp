@@ -92,9 +92,10 @@ std::string WordingOfNullHypothesis(const MAModelSettings& settings, const Measu
 {
     const double null = settings.GetNullHypothesis();
     if (null == 0)
-        return measure.hasNoEffect ? ""
-                                   : fmt::format("The null hypothesis is {} = 0, for want of another.",
-                                                 measure.AnalysisSymbol());
+        return measure.hasNoEffect
+                   ? ""
+                   : fmt::format("The test is against {} = 0, which need not be a value of interest.",
+                                 measure.AnalysisSymbol());
     const bool isNatural = IsMeasured(settings) || PoolsTables(settings);
     return fmt::format("The null hypothesis is {} = {}.",
                        isNatural ? measure.symbol : measure.AnalysisSymbol(), null);

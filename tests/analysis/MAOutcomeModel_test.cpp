@@ -251,7 +251,7 @@ TEST(MAOutcomeModel, LeavesOutImpossibleRecordsAndCountsThem)
     }
 }
 
-/// Published by nobody, but by definition: a mean's log has the variance of its relative error.
+/// Worked out by hand: the logarithm of a mean has the variance of its relative error.
 TEST(MAOutcomeModel, HasDeltaMethodVariancesOfMeans)
 {
     const Rows rows = {{10, 5, 2}, {20, 12, 3}};
