@@ -1,6 +1,7 @@
 #include "host/plots/RegressionPlots.h"
 
 #include "host/plots/ForestDrawing.h"
+#include "host/plots/InfluencePictures.h"
 #include "host/plots/PlotAxes.h"
 #include "host/plots/ScatterPlot.h"
 #include "host/report/ReportColumns.h"
@@ -132,6 +133,8 @@ std::vector<Picture> MakeRegressionPictures(const RegressionData& data)
     std::size_t number = 0;
     for (const int covariate : data.request.settings.GetCovariates())
         pictures.push_back(BubblePicture(data, ++number, covariate));
+    for (Picture& picture : InfluencePicturesOf(InfluenceTableOf(data)))
+        pictures.push_back(std::move(picture));
     return pictures;
 }
 

@@ -13,10 +13,16 @@ namespace host {
 
 namespace {
 
-/// Ready-made effect sizes may be of any measure.
+/// Ready-made effect sizes may be of any measure. Coefficients go back to the natural scale by an exponential
+/// alone: what is transformed otherwise, such as a proportion to its logit, stays so.
 Measure MeasureOfRegression(const Options& options)
 {
-    return HasRawData(options) ? MeasureOf(options.settings) : Measure{"effect size", "Effect", false, MAScale::Natural};
+    if (!HasRawData(options))
+        return {"effect size", "Effect", false, MAScale::Natural};
+    const Measure measure = MeasureOf(options.settings);
+    if (measure.isRatio)
+        return measure;
+    return {measure.AnalysisName(), measure.AnalysisSymbol(), false, MAScale::Natural, measure.hasNoEffect};
 }
 
 } // namespace

@@ -145,7 +145,7 @@ TEST(Refusals, RegressionsWithoutAModelAreRefused)
         {command + "--covariate x --reference x=1", "it is not FACTOR=LEVEL"},
         {command + "--factor g --reference g=p --reference g=q", "its factor has two references"},
         {command + "--treatment-n x", "are columns of different data"},
-        {regression + "--treatment-events x", "--treatment-nonevents is required"},
+        {regression + "--treatment-events x", "--treatment-nonevents and --treatment-n is required"},
         {command + "--effect odds-ratio", "--effect has no effect on ready-made effect sizes"},
         {regression + "--treatment-events x --zero-cells all --glass-group control",
          "--glass-group has no effect on these columns"},
