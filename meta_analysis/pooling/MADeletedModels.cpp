@@ -4,6 +4,7 @@
 #include "meta_analysis/pooling/MAPooledCurve.h"
 #include "meta_analysis/pooling/MAPooling.h"
 #include "meta_analysis/pooling/MATau2Estimators.h"
+#include "meta_analysis/pooling/MATau2Outcome.h"
 #include "meta_analysis/pooling/MATau2Search.h"
 
 #include <cmath>
@@ -28,9 +29,10 @@ MADeletionRows RowsOf(const MAEffects& studies, double mean)
 
 } // namespace
 
-bool IsSearched(const MARandomEffectsChoice& choice)
+bool FollowsFromSharedSums(const MARandomEffectsChoice& choice)
 {
-    return IsIterative(choice.estimator) && choice.search == MAConst::TAU2_SEARCH_GLOBAL;
+    const bool isSearched = IsIterative(choice.estimator) && choice.search == MAConst::TAU2_SEARCH_GLOBAL;
+    return isSearched || choice.estimator == MAConst::TAU2_DL || choice.estimator == MAConst::TAU2_HS;
 }
 
 MADeletedModels::MADeletedModels(const MAEffects& studies, const MARandomEffectsChoice& choice)
@@ -49,17 +51,29 @@ std::optional<MAPooledModel> MADeletedModels::Without(std::size_t i)
     if (!curve_.has_value())
         return std::nullopt;
     curve_->Delete(i);
-    const MATau2Estimate tau2 =
-        EstimateOf(SolveTau2(*curve_, choice_.estimator, tau2_ / curve_->Unit()), curve_->Unit());
-    if (!curve_->IsExact() || tau2.convergence != MAConst::TAU2_GLOBAL_OPTIMUM)
-        return std::nullopt;
-    const MADeletionFit fit = curve_->FitAt(tau2.tau2);
     const MADeletionFit fixed = curve_->FitAt(0.0);
-    if (!fit.isExact || !fixed.isExact)
+    if (!fixed.isExact)
+        return std::nullopt;
+    const MATau2Estimate tau2 = Tau2Of(fixed);
+    const bool isProved =
+        tau2.convergence == MAConst::TAU2_GLOBAL_OPTIMUM || tau2.convergence == MAConst::TAU2_CLOSED_FORM;
+    const MADeletionFit fit = curve_->FitAt(tau2.tau2);
+    if (!curve_->IsExact() || !isProved || !fit.isExact)
         return std::nullopt;
     return RandomEffectsModel({count_ - 1, tau2, mean_ + fit.fitted.front(), fit.weightSum, fit.residualSum,
                                fixed.residualSum, fixed.trace},
                               choice_);
+}
+
+/// The formulas of `EstimateTau2`, from the fixed-effect fit of the others.
+MATau2Estimate MADeletedModels::Tau2Of(const MADeletionFit& fixed)
+{
+    const double left = static_cast<double>(count_) - 1.0;
+    if (choice_.estimator == MAConst::TAU2_DL)
+        return ClosedFormTau2((fixed.residualSum - (left - 1.0)) / fixed.trace);
+    if (choice_.estimator == MAConst::TAU2_HS)
+        return ClosedFormTau2((fixed.residualSum - left) / fixed.weightSum);
+    return EstimateOf(SolveTau2(*curve_, choice_.estimator, tau2_ / curve_->Unit()), curve_->Unit());
 }
 
 } // namespace MA_NAMESPACE

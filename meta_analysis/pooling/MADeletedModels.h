@@ -4,17 +4,18 @@
 #include "meta_analysis/pooling/MADeletionCurve.h"
 #include "meta_analysis/pooling/MAPooledModel.h"
 #include "meta_analysis/pooling/MAPoolingChoice.h"
+#include "meta_analysis/pooling/MATau2Estimate.h"
 
 #include <cstddef>
 #include <optional>
 
 namespace MA_NAMESPACE {
 
-/// The random-effects models of all studies but one, where the global search finds tau² (ML, REML, EB).
+/// The random-effects models of all studies but one, where tau² follows from sums that all deletions share:
+/// by the global search (ML, REML, EB), or from the fixed-effect fit (DL, HS).
 ///
-/// A deletion's search starts from the tau² of all studies, and proves its own. It costs O(1), with sums that
-/// all deletions share. A model equals that of a plain refit but for rounding. It has no prediction, no
-/// interval of tau² and no likelihood.
+/// A deletion costs O(1). Its search starts from the tau² of all studies, and proves its own. A model equals
+/// that of a plain refit but for rounding. It has no prediction, no interval of tau² and no likelihood.
 class MADeletedModels
 {
 public:
@@ -25,6 +26,8 @@ public:
     std::optional<MAPooledModel> Without(std::size_t i);
 
 private:
+    MATau2Estimate Tau2Of(const MADeletionFit& fixed);
+
     MARandomEffectsChoice choice_;
     std::size_t count_;
     double tau2_; ///< of all studies
@@ -33,6 +36,6 @@ private:
 };
 
 /// Whether the tau² of the model is one of those.
-bool IsSearched(const MARandomEffectsChoice& choice);
+bool FollowsFromSharedSums(const MARandomEffectsChoice& choice);
 
 } // namespace MA_NAMESPACE

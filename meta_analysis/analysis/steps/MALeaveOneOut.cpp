@@ -65,7 +65,7 @@ MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice
     ColumnButOne effectSizes(studies.effectSize);
     ColumnButOne variances(studies.variance);
     std::optional<MADeletedModels> models;
-    if (choice.type != MAConst::MODEL_FIXED && IsSearched(choice.random))
+    if (choice.type != MAConst::MODEL_FIXED && FollowsFromSharedSums(choice.random))
         models.emplace(MAEffects{studies.effectSize, studies.variance}, stepChoice.random);
     const std::vector<double> sizes = HarmonicSizesWithoutEach(ScaleOf(choice), studies.variance);
     return PoolEachRest(

@@ -15,9 +15,9 @@ struct MALeaveOneOut
 };
 
 /// Pools all studies but one, for each in turn, as a run without that study would; effect sizes and tables
-/// keep the zero-cell correction that they have. Empty for fewer than two studies. Where the global search
-/// finds tau² a study costs O(1), and the model has no prediction and no likelihood; otherwise it costs one
-/// pooling.
+/// keep the zero-cell correction that they have. Empty for fewer than two studies. Where
+/// `MADeletedModels` has the model a study costs O(1), and there is no prediction and no likelihood;
+/// otherwise it costs one pooling.
 MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice);
 
 } // namespace MA_NAMESPACE

@@ -155,7 +155,7 @@ TEST(DeletedModels, EqualPlainRefits)
                                       (i == 2 ? 6.0 : 1.0));
         }
         MARandomEffectsChoice choice;
-        choice.estimator = std::array{TAU2_ML, TAU2_REML, TAU2_EB}[seed % 3];
+        choice.estimator = std::array{TAU2_ML, TAU2_REML, TAU2_EB, TAU2_DL, TAU2_HS}[seed % 5];
         choice.knappHartung = seed % 2 == 0 ? KNAPP_HARTUNG_NONE : KNAPP_HARTUNG_ADJUSTED;
         choice.search = TAU2_SEARCH_GLOBAL;
         MADeletedModels models({studies.effects, studies.variances}, choice);
@@ -172,7 +172,7 @@ TEST(DeletedModels, EqualPlainRefits)
             EXPECT_TRUE(Close(model->effect.stdError, plain.effect.stdError, 1e-12));
             EXPECT_TRUE(Close(model->homogeneity.q, plain.homogeneity.q, 1e-12));
             EXPECT_TRUE(Close(model->heterogeneity.i2, plain.heterogeneity.i2, 1e-12, 1.0));
-            EXPECT_EQ(model->tau2Results.convergence, TAU2_GLOBAL_OPTIMUM);
+            EXPECT_EQ(model->tau2Results.convergence, plain.tau2Results.convergence);
         }
     }
     EXPECT_GT(found, 1200); // of 2010; the others need a plain refit
