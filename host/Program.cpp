@@ -30,8 +30,8 @@ int AnalyseRegression(const Options& options, const DataTable& table)
     const RegressionAnalysis analysis = RunRegression(request, options.settings.GetModelType());
     const auto makeReport = [&] { return MakeRegressionReport(options, request, analysis); };
     const auto makeJson = [&] {
-        return RenderJson(
-            options, {analysis.records, analysis.status, WarningsOf(analysis), ResultsOf(request, analysis)});
+        return RenderJson(options, {analysis.records, analysis.status, WarningsOf(request, analysis),
+                                    ResultsOf(request, analysis)});
     };
     const auto makePictures = [&] {
         return MakeRegressionPictures(RegressionData(options, request, analysis));

@@ -1,11 +1,27 @@
 #include "host/cli/OptionKinds.h"
 
+#include "host/text/UnusableInput.h"
+
+#include <fmt/ranges.h>
+
 #include <algorithm>
 #include <utility>
 
 namespace host {
 
 using Json = nlohmann::ordered_json;
+
+namespace {
+
+std::vector<std::string> NamesOfWords(const std::vector<OtherWord>& words)
+{
+    std::vector<std::string> names;
+    for (const OtherWord& other : words)
+        names.push_back(other.word);
+    return names;
+}
+
+} // namespace
 
 OptionDefinition Column(const char* name, ColumnName& target, const char* help)
 {
@@ -54,7 +70,12 @@ OptionDefinition AlsoTaking(const std::vector<OtherWord>& words, OptionDefinitio
     option.store = [store = std::move(option.store), words](const std::string& text) {
         const auto found = std::find_if(words.begin(), words.end(),
                                         [&](const OtherWord& other) { return other.word == text; });
-        store(found == words.end() ? text : found->meaning);
+        try {
+            store(found == words.end() ? text : found->meaning);
+        } catch (const UnusableInput& problem) {
+            throw UnusableInput(
+                fmt::format("{} Also taken: {}.", problem.what(), fmt::join(NamesOfWords(words), ", ")));
+        }
     };
     return option;
 }

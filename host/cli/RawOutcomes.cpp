@@ -22,10 +22,10 @@ using Definitions = OptionDefinitions(Options& options, Command data);
 
 constexpr const char* EFFECT = "effect";
 
-/// Its own ready-made effect sizes first, then the raw data of every command.
+/// Its own ready-made effect sizes first, then those with intervals or p-values, then the raw data.
 std::vector<Command> DataOfRegressions()
 {
-    std::vector<Command> data = {Command::REGRESSION};
+    std::vector<Command> data = {Command::REGRESSION, Command::EFFECTS};
     for (const CommandRow& row : COMMANDS)
         if (row.value != Command::REGRESSION && row.value != Command::EFFECTS)
             data.push_back(row.value);
@@ -88,15 +88,24 @@ std::size_t MissingColumns(const Options& options, const OptionDefinitions& defi
         }));
 }
 
-/// The data that have all columns given; of several the first that lack the fewest.
-Command DataGiven(Options& options)
+/// How many of the options given these data lack. A measure is an option of all raw data, and tells nothing.
+std::size_t MissingEffects(Options& options, Command data, const std::vector<std::string>& given)
+{
+    const OptionDefinitions known = EffectsOfData(options, data);
+    return static_cast<std::size_t>(std::count_if(given.begin(), given.end(), [&](const std::string& name) {
+        return name != EFFECT && !Has(known, name);
+    }));
+}
+
+/// The data that have all columns given; of several the first that lack the fewest columns and options.
+Command DataGiven(Options& options, const std::vector<std::string>& effects)
 {
     const std::vector<std::string> given = GivenOf(options, OfAllData(options, ColumnsOfData));
     std::optional<Command> found;
     std::size_t fewest = std::numeric_limits<std::size_t>::max();
     for (const Command data : DataOfRegressions()) {
         const OptionDefinitions columns = ColumnsOfData(options, data);
-        const std::size_t missing = MissingColumns(options, columns);
+        const std::size_t missing = MissingColumns(options, columns) + MissingEffects(options, data, effects);
         if (!HasAll(columns, given) || missing >= fewest)
             continue;
         found = data;
@@ -152,7 +161,10 @@ void ResolveOutcome(Options& options)
     if (options.outcome)
         return;
     const std::vector<std::string> given = GivenOf(options, EffectsOf(options));
-    options.SetOutcome(DataGiven(options));
+    const MAConst::OUTCOMETYPE outcome = options.settings.GetOutcomesType();
+    options.SetOutcome(DataGiven(options, given));
+    if (options.outcome == Command::EFFECTS)
+        options.settings.SetOutcomesType(outcome); // as --outcome has it
     const OptionDefinitions known = EffectsOf(options);
     for (const std::string& name : given)
         if (!Has(known, name))

@@ -36,6 +36,11 @@ void SortByDistance(std::vector<LabelledPoint>& points, const Extent& x, const E
 
 } // namespace
 
+bool HasBaujatPoint(const InfluenceTable& table)
+{
+    return !PointsOf(table).empty();
+}
+
 Picture BaujatPicture(const InfluenceTable& table)
 {
     std::vector<LabelledPoint> points = PointsOf(table);

@@ -13,6 +13,10 @@ std::vector<Picture> InfluencePicturesOf(const InfluenceTable& table);
 /// A panel for each diagnostic that has a value.
 Picture InfluencePicture(const InfluenceTable& table);
 
+/// Whether a study has both coordinates of the Baujat plot.
+bool HasBaujatPoint(const InfluenceTable& table);
+
+/// Needs a study that has both coordinates.
 Picture BaujatPicture(const InfluenceTable& table);
 
 } // namespace host

@@ -191,7 +191,10 @@ std::vector<Picture> InfluencePicturesOf(const InfluenceTable& table)
 {
     if (table.IsEmpty())
         return {};
-    return {InfluencePicture(table), BaujatPicture(table)};
+    std::vector<Picture> pictures = {InfluencePicture(table)};
+    if (HasBaujatPoint(table)) // without one of two studies no model is left to compare with
+        pictures.push_back(BaujatPicture(table));
+    return pictures;
 }
 
 std::vector<Picture> InfluencePictures(const AnalysisData& data)

@@ -54,11 +54,7 @@ std::vector<std::string> AnalysisData::RowLabels(std::size_t rowCount) const
 
 std::vector<std::string> AnalysisData::StudyLabelsOf(const std::vector<int>& records) const
 {
-    std::vector<std::string> labels;
-    labels.reserve(records.size());
-    for (const int record : records)
-        labels.push_back(LabelText(request.studyLabels[static_cast<std::size_t>(record)]));
-    return labels;
+    return LabelTexts(request.studyLabels, records);
 }
 
 std::vector<std::string> AnalysisData::VariableLabelsOf(const std::vector<int>& positions) const

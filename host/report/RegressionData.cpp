@@ -19,7 +19,8 @@ Measure MeasureOfRegression(const Options& options)
 {
     if (!HasRawData(options))
         return {"effect size", "Effect", false, MAScale::Natural};
-    const Measure measure = MeasureOf(options.settings);
+    const Measure own = MeasureOf(options.settings);
+    const Measure measure = options.label ? own.Labelled(LabelText(*options.label)) : own;
     if (measure.isRatio)
         return measure;
     return {measure.AnalysisName(), measure.AnalysisSymbol(), false, MAScale::Natural, measure.hasNoEffect};

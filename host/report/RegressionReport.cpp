@@ -23,7 +23,7 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
     Append(report.sections, PresetSection(options));
     for (RegressionSectionMaker* const make : REGRESSION_SECTIONS)
         Append(report.sections, make(data));
-    Append(report.sections, WarningsSection(WarningsOf(analysis)));
+    Append(report.sections, WarningsSection(WarningsOf(request, analysis)));
     return report;
 }
 

@@ -9,15 +9,19 @@ namespace host {
 /// maker is in the file of its name in host/report/regression.
 using RegressionSectionMaker = ReportSections(const RegressionData& data);
 
-RegressionSectionMaker FittedStudiesSection, CoefficientsSection, ModelTestSection, EffectTestsSection,
-    HypothesesSection, RobustTestsSection, PermutationTestsSection, PredictionsSection,
-    ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection, RegressionInfluenceSection;
+RegressionSectionMaker FittedStudiesSection, RegressionConvertedStudiesSection, CoefficientsSection,
+    ModelTestSection, EffectTestsSection, HypothesesSection, RobustTestsSection, PermutationTestsSection,
+    PredictionsSection, ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection,
+    RegressionInfluenceSection;
 
 /// The sections in the order of the report.
 inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
-    FittedStudiesSection,    CoefficientsSection, ModelTestSection,
-    EffectTestsSection,      HypothesesSection,   RobustTestsSection,
-    PermutationTestsSection, PredictionsSection,  ResidualHeterogeneitySection,
-    ResidualVarianceSection, DispersionSection,   RegressionInfluenceSection};
+    FittedStudiesSection,      RegressionConvertedStudiesSection,
+    CoefficientsSection,       ModelTestSection,
+    EffectTestsSection,        HypothesesSection,
+    RobustTestsSection,        PermutationTestsSection,
+    PredictionsSection,        ResidualHeterogeneitySection,
+    ResidualVarianceSection,   DispersionSection,
+    RegressionInfluenceSection};
 
 } // namespace host

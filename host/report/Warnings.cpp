@@ -1,5 +1,7 @@
 #include "host/report/Warnings.h"
 
+#include "host/run/StudyNotes.h"
+#include "host/text/PlainText.h"
 #include "host/text/StatusText.h"
 
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -53,29 +55,18 @@ std::vector<ShownWarning> Shown(const std::vector<KXStatus>& warnings, const std
     return shown;
 }
 
-/// A warning of single studies.
-struct StudyWarning
+/// Names the studies of the warnings that are of single ones.
+void NameStudies(std::vector<ShownWarning>& warnings, const StudyNotes& notes,
+                 const std::vector<std::string>& labelsOfRecords)
 {
-    int code;
-    std::vector<int> (MABaseModel::*records)() const;
-};
-
-constexpr StudyWarning STUDY_WARNINGS[] = {
-    {MAStatusCode::INTERVAL_ASYMMETRIC, &MABaseModel::GetAsymmetricIntervalStudyID},
-    {MAStatusCode::SUMMARY_SKEWED, &MABaseModel::GetSkewedStudyID},
-    {MAStatusCode::STD_DEV_DOUBTFUL, &MABaseModel::GetDoubtfulStdDevStudyID},
-};
-
-/// Names the studies of a warning; empty for a warning of the whole analysis.
-std::string NamesOfStudies(int code, const AnalysisData& data)
-{
-    for (const StudyWarning& warning : STUDY_WARNINGS) {
-        if (warning.code != code)
+    for (ShownWarning& warning : warnings) {
+        const auto found = notes.warnedRecords.find(warning.code);
+        if (found == notes.warnedRecords.end())
             continue;
-        const std::vector<std::string> labels = data.StudyLabelsOf((data.base.*warning.records)());
-        return fmt::format(" {}: {}.", labels.size() == 1 ? "Study" : "Studies", fmt::join(labels, ", "));
+        const std::vector<std::string> labels = LabelTexts(labelsOfRecords, found->second);
+        warning.sentence +=
+            fmt::format(" {}: {}.", labels.size() == 1 ? "Study" : "Studies", fmt::join(labels, ", "));
     }
-    return {};
 }
 
 } // namespace
@@ -89,17 +80,19 @@ std::vector<ShownWarning> WarningsOf(const AnalysisData& data)
     for (std::size_t i = 0; i < std::min(byScoring.size(), byGlobalSearch.size()); ++i)
         found.push_back({labels.size() > 1 ? labels[i] : "", byScoring[i], byGlobalSearch[i]});
     std::vector<ShownWarning> shown = Shown(data.base.GetWarnings(), found);
-    for (ShownWarning& warning : shown)
-        warning.sentence += NamesOfStudies(warning.code, data);
+    NameStudies(shown, StudyNotesOf(data.base), data.request.studyLabels);
     return shown;
 }
 
-std::vector<ShownWarning> WarningsOf(const RegressionAnalysis& analysis)
+std::vector<ShownWarning> WarningsOf(const RegressionRequest& request, const RegressionAnalysis& analysis)
 {
     std::vector<FoundTau2> found;
     if (analysis.globalTau2)
         found.push_back({"", analysis.output->GetTau(), *analysis.globalTau2});
-    return Shown(analysis.warnings, found);
+    std::vector<ShownWarning> shown = Shown(analysis.warnings, found);
+    if (request.rawEffects)
+        NameStudies(shown, request.rawEffects->notes, request.studyLabels);
+    return shown;
 }
 
 ReportSections WarningsSection(const std::vector<ShownWarning>& warnings)

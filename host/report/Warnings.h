@@ -17,7 +17,7 @@ struct ShownWarning
 };
 
 std::vector<ShownWarning> WarningsOf(const AnalysisData& data);
-std::vector<ShownWarning> WarningsOf(const RegressionAnalysis& analysis);
+std::vector<ShownWarning> WarningsOf(const RegressionRequest& request, const RegressionAnalysis& analysis);
 
 /// Every warning with its code and a sentence.
 ReportSections WarningsSection(const std::vector<ShownWarning>& warnings);

@@ -100,7 +100,8 @@ Analysis ComputeEffectSizes(AnalysisRequest& request)
     Analysis analysis = NewAnalysis(request.settings);
     std::visit(
         [&](auto& model) {
-            analysis.status = model.ESCalc(request.records);
+            if (request.settings.GetInputESType() == MAConst::INPUT_RAW)
+                analysis.status = model.ESCalc(request.records);
             if (!analysis.status.IsError())
                 analysis.status = model.ExtractModelInputData(request.records);
         },

@@ -20,7 +20,8 @@ RawEffects ComputeRawEffects(const Options& options, const DataTable& table)
         throw std::bad_alloc();
     const MABaseModel& base = analysis.Base();
     const std::vector<double> missing(table.RowCount(), KXMV::Missing());
-    RawEffects raw = {missing, missing, analysis.Records(table.RowCount()), base.GetWarnings()};
+    RawEffects raw = {missing, missing, analysis.Records(table.RowCount()), base.GetWarnings(),
+                      StudyNotesOf(base)};
     const std::vector<double> effects = base.GetEffectSize();
     const std::vector<double> variances = base.GetVariance();
     for (std::size_t study = 0; study < raw.records.used.size(); ++study) {

@@ -3,6 +3,7 @@
 #include "host/cli/Options.h"
 #include "host/data/DataTable.h"
 #include "host/run/RecordSummary.h"
+#include "host/run/StudyNotes.h"
 
 #include "meta_analysis/platform/common/KXStatus.h"
 
@@ -17,6 +18,7 @@ struct RawEffects
     std::vector<double> variances;
     RecordSummary records;
     std::vector<KXStatus> warnings;
+    StudyNotes notes;
 };
 
 /// Computes them by the driver of the outcome. Throws std::bad_alloc when its memory runs out.

@@ -148,4 +148,13 @@ std::string LabelText(std::string label)
     return label.empty() ? NO_VALUE : label;
 }
 
+std::vector<std::string> LabelTexts(const std::vector<std::string>& labels, const std::vector<int>& positions)
+{
+    std::vector<std::string> texts;
+    texts.reserve(positions.size());
+    for (const int position : positions)
+        texts.push_back(LabelText(labels[static_cast<std::size_t>(position)]));
+    return texts;
+}
+
 } // namespace host

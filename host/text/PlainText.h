@@ -3,6 +3,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -12,6 +13,9 @@ std::string PlainText(std::string_view text);
 
 /// A label as one line of text, whatever the field held; an empty one as a missing value.
 std::string LabelText(std::string label);
+/// Those at these positions.
+std::vector<std::string> LabelTexts(const std::vector<std::string>& labels,
+                                    const std::vector<int>& positions);
 
 /// The text as PlainText() makes it, with `replacement` for each character that is unwanted.
 std::string WithoutCharacters(std::string_view text, char replacement,

@@ -205,6 +205,22 @@ TEST(Regression, TakesRawDataOfOtherCommands)
     EXPECT_EQ(means["records"]["used"], 9);
 }
 
+/// The ratios and limits as published, and the log odds ratios and variances that were computed from them.
+TEST(Regression, TakesConfidenceIntervalsOfRatios)
+{
+    const Arguments raw = Arguments{"regression", DataFile("passive_smoking_ratios.csv")} +
+                          "--study study --effect-size or --ci-lower or_lower --ci-upper or_upper --ratio "
+                          "--covariate year";
+    const json expected = ResultsOf(Arguments{"regression", DataFile("passive_smoking.csv")} +
+                                    "--effect-size effect --variance variance --covariate year");
+    const json actual = ResultsOf(raw);
+    for (const char* key : {"Estimation", "BetaStandErr"})
+        for (std::size_t i = 0; i < 2; ++i)
+            EXPECT_TRUE(Close(Number(actual[key][i]), Number(expected[key][i]), 1e-9)) << key;
+    EXPECT_THAT(ReportOf(raw), testing::AllOf(testing::HasSubstr("confidence interval"),
+                                              testing::HasSubstr("Studies: Cardenas, Wu.")));
+}
+
 /// Record 1 lacks a count, 2 has a negative one, 3 no event at all, 4 no covariate, 6 an empty level.
 TEST(Regression, CountsTheRecordsOfRawData)
 {

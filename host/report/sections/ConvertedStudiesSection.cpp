@@ -1,5 +1,8 @@
+#include "host/report/ConvertedStudies.h"
+#include "host/report/RegressionSections.h"
 #include "host/report/Sections.h"
 #include "host/text/NumberText.h"
+#include "host/text/PlainText.h"
 
 #include <algorithm>
 #include <cstddef>
@@ -36,7 +39,7 @@ std::string WordingOf(int conversion)
     return {};
 }
 
-std::vector<int> ConvertedStudies(const std::vector<ConversionColumn>& columns, std::size_t studyCount)
+std::vector<int> PositionsOfConverted(const std::vector<ConversionColumn>& columns, std::size_t studyCount)
 {
     std::vector<int> converted;
     for (std::size_t study = 0; study < studyCount; ++study)
@@ -56,17 +59,17 @@ std::vector<Value> Picked(const std::vector<Value>& values, const std::vector<in
     return picked;
 }
 
-ReportSections SectionOf(const AnalysisData& data, const std::vector<ConversionColumn>& columns,
-                         const std::string& sentence)
+ReportSections SectionOf(const StudyNotes& notes, const std::vector<std::string>& labels,
+                         const std::vector<ConversionColumn>& columns, const std::string& sentence)
 {
-    const std::vector<int> records = data.base.GetNonMissingStudyID();
     if (columns.front().conversions.empty())
         return {};
-    const std::vector<int> converted = ConvertedStudies(columns, records.size());
+    const std::vector<int> converted = PositionsOfConverted(columns, notes.records.size());
     if (converted.empty())
         return {};
-    ReportSection section = {
-        "Converted studies", {{"Study", data.StudyLabelsOf(Picked(records, converted)), true}}, {sentence}};
+    ReportSection section = {"Converted studies",
+                             {{"Study", LabelTexts(labels, Picked(notes.records, converted)), true}},
+                             {sentence}};
     for (const ConversionColumn& column : columns) {
         section.table.push_back({column.header, {}, true});
         for (const int conversion : Picked(column.conversions, converted))
@@ -77,16 +80,28 @@ ReportSections SectionOf(const AnalysisData& data, const std::vector<ConversionC
 
 } // namespace
 
-ReportSections ConvertedStudiesSection(const AnalysisData& data)
+ReportSections ConvertedStudies(const StudyNotes& notes, const std::vector<std::string>& labels)
 {
-    ReportSections sections = SectionOf(data, {{"Standard error from", data.base.GetEffectConversion()}},
+    ReportSections sections = SectionOf(notes, labels, {{"Standard error from", notes.effectConversions}},
                                         "These studies do not report a variance or standard error.");
-    Append(sections, SectionOf(data,
-                               {{"Treatment group", data.base.GetTreatmentConversion()},
-                                {"Control group", data.base.GetControlConversion()}},
+    Append(sections, SectionOf(notes, labels,
+                               {{"Treatment group", notes.treatmentConversions},
+                                {"Control group", notes.controlConversions}},
                                "Means are estimated after Luo et al. (2018) and standard deviations after "
                                "Wan et al. (2014) where a study does not report both."));
     return sections;
+}
+
+ReportSections ConvertedStudiesSection(const AnalysisData& data)
+{
+    return ConvertedStudies(StudyNotesOf(data.base), data.request.studyLabels);
+}
+
+ReportSections RegressionConvertedStudiesSection(const RegressionData& data)
+{
+    const RegressionRequest& request = data.request;
+    return request.rawEffects ? ConvertedStudies(request.rawEffects->notes, request.studyLabels)
+                              : ReportSections();
 }
 
 } // namespace host
