@@ -92,7 +92,13 @@ KXStatus Analysis::FinalStatus() const
 RecordSummary Analysis::Records(std::size_t read) const
 {
     const MABaseModel& base = Base();
-    return {read, base.GetNonMissingStudyID(), base.GetNMissing(), base.GetNInvalid(), base.GetNDropped()};
+    return {.read = read,
+            .used = base.GetNonMissingStudyID(),
+            .missing = base.GetNMissing(),
+            .invalid = base.GetNInvalid(),
+            .dropped = base.GetNDropped(),
+            .excluded = base.GetExcludedRecord(),
+            .reasons = base.GetExclusionReason()};
 }
 
 Analysis ComputeEffectSizes(AnalysisRequest& request)

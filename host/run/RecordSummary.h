@@ -13,6 +13,10 @@ struct RecordSummary
     int missing = 0;
     int invalid = 0;
     int dropped = 0;
+    /// The records that are no studies, from 0, with their reasons (MAConst::EXCLUSION). Of ready-made effect
+    /// sizes of a regression there is only their number.
+    std::vector<int> excluded = {};
+    std::vector<int> reasons = {};
 };
 
 } // namespace host
