@@ -130,9 +130,9 @@ constexpr StatusSentence SENTENCES[] = {
     {MAStatusCode::PREDICTION_UNAVAILABLE,
      "The data determine no prediction at some of the values: no study has such a combination of levels, or "
      "the values break a relation that the predictors of all studies keep."},
-    {MAStatusCode::CLUSTER_DECIDES, "A cluster alone determines a coefficient, or clusters alone determine "
-                                    "its parts, which leaves no robust "
-                                    "variance of it."},
+    {MAStatusCode::CLUSTER_DECIDES,
+     "Clusters alone determine a coefficient, one the whole or each a part, which leaves no robust "
+     "variance of it."},
     {MAStatusCode::PERMUTATIONS_LEFT_OUT,
      "Some permuted data had no test statistic; the permutation test is about the others."},
     {MAStatusCode::COUNTS_NOT_POOLED,
