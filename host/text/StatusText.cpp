@@ -131,7 +131,8 @@ constexpr StatusSentence SENTENCES[] = {
      "The data determine no prediction at some of the values: no study has such a combination of levels, or "
      "the values break a relation that the predictors of all studies keep."},
     {MAStatusCode::CLUSTER_DECIDES,
-     "One cluster alone determines a coefficient, which leaves no robust variance of it."},
+     "Clusters alone determine a coefficient, one the whole or each a part, which leaves no robust "
+     "variance of it."},
     {MAStatusCode::PERMUTATIONS_LEFT_OUT,
      "Some permuted data had no test statistic; the permutation test is about the others."},
     {MAStatusCode::COUNTS_NOT_POOLED,

@@ -90,7 +90,7 @@ public:
     /// statistics, degrees of freedom of Student's t (Satterthwaite's for CR2, clusters - p for CR1 and CR0),
     /// p-values, limits, covariance matrix (a row per parameter) and the number of clusters. Neither the
     /// dispersion nor the Knapp-Hartung adjustment scales them. Empty, and 0, without a cluster variable;
-    /// missing for a coefficient that one cluster alone determines (warning `CLUSTER_DECIDES`). Source:
+    /// missing for a coefficient whose parts clusters alone determine (warning `CLUSTER_DECIDES`). Source:
     /// Pustejovsky and Tipton 2018, Journal of Business and Economic Statistics 36, 672-683.
     std::vector<double> GetRobustStdError() const;
     std::vector<double> GetRobustVal() const;

@@ -16,8 +16,9 @@ namespace {
 
 using Values = std::vector<double>;
 
-/// A coefficient of which all clusters but one have no more than this part of the information is determined
-/// by that one alone, whose residuals tell nothing of how clusters differ. Rounding leaves a few 1e-16.
+/// Clusters alone determine the parts of a coefficient, as one the mean of a level, or two the difference of
+/// two levels, when they share no more than this part of its information. Their residuals then tell nothing
+/// of how clusters differ. Rounding leaves a few 1e-16.
 constexpr double negligibleInformation = 1e-12;
 
 double Product(const Values& left, const Values& right)
@@ -45,7 +46,7 @@ public:
     void Add(const MAClusterShare& share)
     {
         const double expected = Product(direction_, Times(share.expected, direction_));
-        AddInformation(Product(direction_, Times(share.information, direction_)));
+        AddInformation(Times(share.information, direction_));
         trace_ += expected;
         squares_ += Square(expected);
         Values r(direction_.size());
@@ -58,16 +59,19 @@ public:
             AddSmall(r);
     }
 
-    /// Whether more than one cluster has information about the coefficient.
-    bool HasVariance() const { return others_ > negligibleInformation * (largest_ + others_); }
+    /// Whether clusters share information about the coefficient.
+    bool HasVariance() const { return shared_ > negligibleInformation * information_; }
 
     double Df() const { return Square(trace_) / (squares_ + SquaresBesideDiagonal()); }
 
 private:
-    void AddInformation(double part)
+    /// With I the cluster's part of the information, of which all parts have the sum 1, that about the
+    /// coefficient is d'Id. Of it d'I(1 - I)d is shared: 0 for what it alone, or nothing of it, determines.
+    void AddInformation(const Values& product)
     {
-        others_ += std::min(part, largest_);
-        largest_ = std::max(part, largest_);
+        const double information = Product(direction_, product);
+        information_ += information;
+        shared_ += information - Product(product, product);
     }
 
     void AddSmall(const Values& r)
@@ -92,8 +96,8 @@ private:
     }
 
     Values direction_;
-    double largest_ = 0.0; ///< information of one cluster, and of all others
-    double others_ = 0.0;
+    double information_ = 0.0;
+    double shared_ = 0.0;
     double trace_ = 0.0;
     double squares_ = 0.0;
     double diagonal_ = 0.0;

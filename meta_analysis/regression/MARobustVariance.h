@@ -10,7 +10,7 @@ namespace MA_NAMESPACE {
 class MARegFit;
 
 /// Cluster-robust tests and intervals of the coefficients, one entry per parameter, missing for a redundant
-/// one and for one that a cluster alone determines.
+/// one and for one whose parts clusters alone determine.
 struct MARobustTests
 {
     KXStatus status;

@@ -67,7 +67,7 @@ constexpr int SUMMARY_SKEWED = 460126;   ///< medians and quantiles that were co
 constexpr int STD_DEV_DOUBTFUL = 460127; ///< a standard deviation that looks like a standard error
 constexpr int PREDICTION_UNAVAILABLE = 460139; ///< values for which the data determine no prediction
 constexpr int CLUSTER_DECIDES =
-    460142; ///< one cluster alone determines a coefficient: no robust variance of it
+    460142; ///< clusters determine parts of a coefficient alone: no robust variance of it
 constexpr int PERMUTATIONS_LEFT_OUT = 460143; ///< some permuted data had no test statistic
 constexpr int DELETION_UNDEFINED =
     460145; ///< a model without one of the studies; its diagnostics are missing

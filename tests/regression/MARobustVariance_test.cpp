@@ -107,10 +107,12 @@ TEST(MARobustVariance, RefusesWhatClustersCannotTell)
     EXPECT_EQ(regression.output->GetRobustClusters(), 6);
 
     MARegSettings perGroup = Clustered(RegressionOn({}, {4}, 7), 4);
-    perGroup.SetInterceptUse(false);
-    const RERegression decided(perGroup, rows);
-    EXPECT_EQ(decided.output->GetRobustDf(), Row(6, missing)) << "a coefficient for each cluster";
-    EXPECT_EQ(decided.WarningCodes().back(), MAStatusCode::CLUSTER_DECIDES);
+    for (const bool hasIntercept : {false, true}) { // a coefficient for each cluster, or for its difference
+        perGroup.SetInterceptUse(hasIntercept);
+        const RERegression decided(perGroup, rows);
+        EXPECT_EQ(decided.output->GetRobustDf(), Row(hasIntercept ? 7 : 6, missing));
+        EXPECT_EQ(decided.WarningCodes().back(), MAStatusCode::CLUSTER_DECIDES);
+    }
 
     struct Error
     {
