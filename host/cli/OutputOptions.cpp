@@ -35,12 +35,12 @@ OptionDefinition PlotFormatOption(Options& options)
 
 OptionDefinitions OutputOptions(Options& options)
 {
-    return {OutputOption("json", "FILE", "write all results as JSON; - for standard output, without report",
-                         options.jsonPath),
-            OutputOption("html", "FILE", "write one page with tables and pictures", options.htmlPath),
-            OutputOption("plots", "FOLDER", "write a picture of each plot into the folder",
-                         options.plotsFolder),
-            PlotFormatOption(options)};
+    return {
+        OutputOption("json", "FILE", "write all results as JSON; - for standard output, without report",
+                     options.jsonPath),
+        OutputOption("html", "FILE", "write one page with tables and pictures", options.htmlPath),
+        OutputOption("plots", "FOLDER", "write a picture of each plot into the folder", options.plotsFolder),
+        PlotFormatOption(options)};
 }
 
 } // namespace host

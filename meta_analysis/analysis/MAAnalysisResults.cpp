@@ -6,8 +6,8 @@
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/Memory.h"
 
-#include <cmath>
 #include <algorithm>
+#include <cmath>
 #include <iterator>
 #include <numeric>
 

@@ -37,8 +37,8 @@ MAMeanTest MeanTest(double residualDf, MAConst::KNAPPHADJTYPE adjustment, double
 {
     MAMeanTest test = {residualDf, IsAdjusted(adjustment, residualDf, tau2)};
     if (test.isAdjusted && residualDf > 0.0)
-        test.factor = KnappHartungFactor(residualSum(), residualDf,
-                                         adjustment == MAConst::KNAPP_HARTUNG_TRUNCATED);
+        test.factor =
+            KnappHartungFactor(residualSum(), residualDf, adjustment == MAConst::KNAPP_HARTUNG_TRUNCATED);
     return test;
 }
 

@@ -7,8 +7,8 @@
 #include "meta_analysis/platform/regression/KXRegrParameter.h"
 #include "meta_analysis/pooling/MATau2Results.h"
 #include "meta_analysis/regression/MAPermutationTest.h"
-#include "meta_analysis/regression/MARobustVariance.h"
 #include "meta_analysis/regression/MAPredictedEffect.h"
+#include "meta_analysis/regression/MARobustVariance.h"
 
 #include <memory>
 #include <vector>
