@@ -3,7 +3,6 @@
 #include "support/PooledFigures.h"
 #include "support/Poolings.h"
 
-#include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 using namespace MA_NAMESPACE;
@@ -11,7 +10,6 @@ using namespace MAConst;
 
 namespace {
 
-using ContRun = FinishedRun<MAContModel>;
 using Numbers = std::vector<int>;
 
 /// The tables with the size of a group behind each pair of counts.

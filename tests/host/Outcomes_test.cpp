@@ -76,14 +76,4 @@ TEST(Outcomes, RatesArePooledAfterMantelAndHaenszel)
     EXPECT_THAT(ReportOf(pooled + "--null 0.5"), HasSubstr("The null hypothesis is IRR = 0.5."));
 }
 
-/// Nothing is lost: each record is a study or counted.
-TEST(Outcomes, ImpossibleRecordsAreCounted)
-{
-    const TemporaryFolder folder;
-    const std::string data = folder.Write("t.csv", "x,n\n3,10\n12,10\nNA,5\n0,8\n-1,4\n4,0\n5,5\n");
-    const std::string report = ReportOf(Arguments{"proportion", data} + "--events x --n n");
-    EXPECT_THAT(report, AllOf(HasSubstr("7 read, 3 used, 1 missing, 3 invalid, 0 dropped"),
-                              HasSubstr("0.5 added to all counts of 2 studies.")));
-}
-
 } // namespace
