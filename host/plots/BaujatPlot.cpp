@@ -45,6 +45,7 @@ Picture BaujatPicture(const InfluenceTable& table)
 {
     std::vector<LabelledPoint> points = PointsOf(table);
     std::vector<Point> studies;
+    studies.reserve(points.size());
     for (const LabelledPoint& labelled : points)
         studies.push_back(labelled.point);
     Extent x;

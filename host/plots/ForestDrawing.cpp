@@ -1,6 +1,7 @@
 #include "host/plots/ForestDrawing.h"
 
 #include "host/draw/CutToRectangle.h"
+#include "host/plots/ForestExtent.h"
 #include "host/plots/PlotAxes.h"
 #include "host/text/PlainText.h"
 
@@ -31,17 +32,6 @@ constexpr double ARROW = 4;
 
 constexpr double LONGEST_LABEL = 34;  // in units of the font's size
 constexpr double LONGEST_REMARK = 14; // likewise
-constexpr double LONGEST_REACH = 4;   // of an interval drawn in full, in typical half lengths
-
-bool HasInterval(const ForestRow& row)
-{
-    return row.kind != Kind::HEADING && row.kind != Kind::GAP;
-}
-
-bool HasLimits(const ForestInterval& place)
-{
-    return HasValue(place.lower) && HasValue(place.upper);
-}
 
 class ForestDrawing
 {
@@ -122,7 +112,7 @@ std::string ForestDrawing::PlainNumber(double value) const
 
 std::string ForestDrawing::EffectText(const ForestRow& row) const
 {
-    if (!HasInterval(row))
+    if (!row.HasInterval())
         return {};
     const std::string interval =
         fmt::format("[{}, {}]", PlainNumber(row.shown.lower), PlainNumber(row.shown.upper));
@@ -207,42 +197,6 @@ void ForestDrawing::PlaceColumns()
     picture_.width = right + PICTURE_MARGIN;
 }
 
-/// The typical half length of the studies' intervals, so that a few very long ones do not squeeze the rest.
-double TypicalReach(const std::vector<ForestRow>& rows)
-{
-    std::vector<double> reaches;
-    for (const ForestRow& row : rows)
-        if (const double length = row.place.upper - row.place.lower;
-            HasInterval(row) && HasLimits(row.place) && IsNumber(length))
-            reaches.push_back(length / 2);
-    if (reaches.empty())
-        return 0;
-    const auto middle = reaches.begin() + static_cast<std::ptrdiff_t>(reaches.size() / 2);
-    std::nth_element(reaches.begin(), middle, reaches.end());
-    return *middle;
-}
-
-Extent EffectExtent(const std::vector<ForestRow>& rows, bool hasNoEffect)
-{
-    const double reach = LONGEST_REACH * TypicalReach(rows);
-    Extent extent;
-    for (const ForestRow& row : rows) {
-        if (!HasInterval(row) || !IsNumber(row.place.estimate))
-            continue;
-        extent.Cover(row.place.estimate);
-        if (!HasLimits(row.place))
-            continue;
-        extent.Cover(std::max(row.place.lower, row.place.estimate - reach));
-        extent.Cover(std::min(row.place.upper, row.place.estimate + reach));
-    }
-    Extent withNull = extent;
-    withNull.Cover(0);
-    if (hasNoEffect && !(withNull.Length() > 2 * extent.Length()))
-        extent = withNull;
-    extent.Pad(0.03);
-    return extent;
-}
-
 void ForestDrawing::SetAxes()
 {
     picture_.x = EffectAxis(scale_.measure, scale_.measure.name,
@@ -279,7 +233,7 @@ void ForestDrawing::AddIntervals()
         const ForestRow& row = forest_.rows[i];
         const auto& [estimate, lower, upper] = row.place;
         const bool isLine = row.kind == Kind::STUDY || row.kind == Kind::PREDICTION;
-        if (!isLine || !HasLimits(row.place) || lower > last || upper < first)
+        if (!isLine || !row.place.HasLimits() || lower > last || upper < first)
             continue;
         const double y = MiddleOf(i);
         auto& lines = (row.kind == Kind::STUDY ? studies : predictions).pieces;

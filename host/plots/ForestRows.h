@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/report/AnalysisData.h"
+#include "host/text/NumberText.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
 
@@ -15,6 +16,8 @@ struct ForestInterval
     double estimate;
     double lower;
     double upper;
+
+    bool HasLimits() const { return HasValue(lower) && HasValue(upper); }
 };
 
 inline constexpr ForestInterval NO_INTERVAL = {KXMV::Missing(), KXMV::Missing(), KXMV::Missing()};
@@ -40,6 +43,8 @@ struct ForestRow
     ForestInterval shown = {}; ///< on the natural scale
     double weight = 1;         ///< of a study, as a fraction of all
     ForestInterval fitted = NO_INTERVAL; ///< by a regression, drawn as `place`
+
+    bool HasInterval() const { return kind != Kind::HEADING && kind != Kind::GAP; }
 };
 
 /// The studies with their effects and the model of all studies. Where there are groups, the studies are in

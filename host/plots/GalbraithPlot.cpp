@@ -5,7 +5,6 @@
 
 #include <fmt/format.h>
 
-#include <cstddef>
 #include <utility>
 
 using namespace MA_NAMESPACE;

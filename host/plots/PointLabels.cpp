@@ -74,6 +74,7 @@ std::vector<PictureText> LabelsBeside(const std::vector<LabelledPoint>& points,
 {
     const Box frame = {0, picture.frame.width, picture.frame.top, picture.frame.top + picture.frame.height};
     std::vector<Box> taken;
+    taken.reserve(dots.size() + points.size());
     for (const Point& dot : dots)
         taken.push_back(BoxAbout(PlaceOf(picture, dot)));
     std::vector<PictureText> texts;

@@ -66,8 +66,8 @@ public:
 
     /// One model per distinct subgroup value, then one of all studies, then the test between the groups.
     /// Under random effects every group has its own between-study variance, unless the settings ask for a
-    /// common one. Returns the first model's error;
-    /// LENGTH_MISMATCH before studies were read, and while they are not complete.
+    /// common one. Returns the first model's error; LENGTH_MISMATCH before studies were read, and while they
+    /// are not complete.
     KXStatus BuildSubGroupModel();
 
     /// Per subgroup (or for all studies) the model of the first 1, 2, ... studies in the order of the

@@ -10,7 +10,6 @@
 #include "meta_analysis/settings/Memory.h"
 #include "meta_analysis/settings/RegressionSettingsOf.h"
 
-#include <algorithm>
 #include <utility>
 
 namespace MA_NAMESPACE {

@@ -142,7 +142,6 @@ private:
     /// Whether the trim-and-fill model has a ratio scale: one with imputed studies only for outcomes that the
     /// settings call binary.
     bool HasFilledRatio() const;
-    KXStatus AppendPooled(const MABinaryFixEffectModel& model, std::size_t studyCount);
 };
 
 } // namespace MA_NAMESPACE

@@ -2,7 +2,6 @@
 
 #include "meta_analysis/platform/common/KXMV.h"
 
-#include <array>
 #include <cstddef>
 #include <vector>
 

@@ -3,6 +3,7 @@
 #include "meta_analysis/effectsize/MATable.h"
 #include "meta_analysis/effectsize/MATableEffect.h"
 #include "meta_analysis/platform/common/KXMV.h"
+#include "meta_analysis/pooling/MAMantelHaenszelSums.h"
 #include "meta_analysis/settings/MAConst.h"
 
 #include <cmath>
@@ -59,7 +60,7 @@ private:
 /// Mantel-Haenszel risk ratio with the variance of Greenland and Robins (1985), Biometrics 41, 55-68. Their
 /// numerator (nt nc (a + c) - a c n) / n² is summed as the equal (a nt d + c nc b) / n², which does not
 /// cancel.
-class MARiskRatioPooling
+class MARiskRatioPooling : public MARatioSums
 {
 public:
     using Measure = MARiskRatio;
@@ -81,17 +82,10 @@ public:
         s_ += Weight(table);
         p_ += (table.a * nt * table.d + table.c * nc * table.b) / (n * n);
     }
-    double Estimate() const { return std::log(r_ / s_); }
-    double Variance() const { return p_ / (s_ * r_); }
-
-private:
-    double r_ = 0.0;
-    double s_ = 0.0;
-    double p_ = 0.0;
 };
 
 /// Mantel-Haenszel risk difference with the variance of Greenland and Robins (1985), Biometrics 41, 55-68.
-class MARiskDifferencePooling
+class MARiskDifferencePooling : public MADifferenceSums
 {
 public:
     using Measure = MARiskDifference;
@@ -116,13 +110,6 @@ public:
         weightedVariances_ +=
             (nt * nt * nt * table.c * table.d + nc * nc * nc * table.a * table.b) / (n * n * nt * nc);
     }
-    double Estimate() const { return weightedDifferences_ / weights_; }
-    double Variance() const { return weightedVariances_ / (weights_ * weights_); }
-
-private:
-    double weightedDifferences_ = 0.0;
-    double weights_ = 0.0;
-    double weightedVariances_ = 0.0;
 };
 
 /// Peto's one-step odds ratio (Yusuf et al. 1985, Progress in Cardiovascular Diseases 27, 335-371).

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/effectsize/MARates.h"
+#include "meta_analysis/pooling/MAMantelHaenszelSums.h"
 #include "meta_analysis/pooling/MATablePooling.h"
 
 #include <span>
@@ -13,7 +14,7 @@ namespace MA_NAMESPACE {
 // (2008), Modern Epidemiology, chapter 15. T = t1 + t0.
 
 /// Mantel-Haenszel rate ratio, sum(a t0 / T) / sum(c t1 / T).
-class MARateRatioPooling
+class MARateRatioPooling : public MARatioSums
 {
 public:
     using Measure = MARateRatio;
@@ -29,18 +30,11 @@ public:
         s_ += Weight(study);
         p_ += share * (study.t1 / study.Time()) * (study.a + study.c);
     }
-    double Estimate() const { return std::log(r_ / s_); }
-    double Variance() const { return p_ / (s_ * r_); }
-
-private:
-    double r_ = 0.0;
-    double s_ = 0.0;
-    double p_ = 0.0;
 };
 
 /// Mantel-Haenszel rate difference, sum((a t0 - c t1) / T) / sum(t1 t0 / T), with the variance
 /// sum((a t0² + c t1²) / T²) / sum(t1 t0 / T)².
-class MARateDifferencePooling
+class MARateDifferencePooling : public MADifferenceSums
 {
 public:
     using Measure = MARateDifference;
@@ -57,13 +51,6 @@ public:
         weights_ += Weight(study);
         weightedVariances_ += study.a * control * control + study.c * treatment * treatment;
     }
-    double Estimate() const { return weightedDifferences_ / weights_; }
-    double Variance() const { return weightedVariances_ / (weights_ * weights_); }
-
-private:
-    double weightedDifferences_ = 0.0;
-    double weights_ = 0.0;
-    double weightedVariances_ = 0.0;
 };
 
 /// How rates are pooled. The null hypothesis is on the scale of the analysis.

@@ -259,7 +259,7 @@ ScoreRows ScoreRowsOf(const MAClusters& clusters, std::size_t j, MAConst::SANDWI
                       const MASquareMatrix& own)
 {
     Rows rows = RowsOf(clusters, j);
-    if (type == MAConst::SANDWICH_CR0 || type == MAConst::SANDWICH_CR1)
+    if (!AdjustsResiduals(type))
         return {std::move(rows), Difference(own, Product(own, own))};
     if (rows.Count() == 1 && Trace(own) <= largeShare)
         return AdjustedRow(std::move(rows), own);

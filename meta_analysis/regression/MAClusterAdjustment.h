@@ -9,6 +9,13 @@
 
 namespace MA_NAMESPACE {
 
+/// Whether the residuals are adjusted, and with them the degrees of freedom: by CR2, and by any type outside
+/// the enumeration.
+inline bool AdjustsResiduals(MAConst::SANDWICHTYPE type)
+{
+    return type != MAConst::SANDWICH_CR0 && type != MAConst::SANDWICH_CR1;
+}
+
 /// What one cluster contributes to a sandwich variance, in the coordinates in which M is the unit matrix.
 /// There a coefficient is d'g, and its variance Σ_j (d's_j)².
 struct MAClusterShare

@@ -31,16 +31,21 @@ struct ColumnFit
     double residualSum = 0.0;
 };
 
-ColumnFit FitColumns(const MAOrthonormalColumns& columns, const Values& weights)
+ColumnFit ColumnFitOf(const MAWeightedFit& fit, const Values& weights)
 {
-    MAWeightedFit fit(columns);
-    fit.Fit(weights, false);
     ColumnFit result{fit.Coordinates(), fit.Factor(), 0.0};
     fit.VisitRows(false, [&](const MAFittedRows& rows) {
         for (std::size_t i = 0; i < rows.count; ++i)
             result.residualSum += weights[rows.first + i] * Square(rows.residuals[i]);
     });
     return result;
+}
+
+ColumnFit FitColumns(const MAOrthonormalColumns& columns, const Values& weights)
+{
+    MAWeightedFit fit(columns);
+    fit.Fit(weights, false);
+    return ColumnFitOf(fit, weights);
 }
 
 Values WeightsAt(const Values& variances, double tau2)
@@ -97,9 +102,9 @@ WholeFit FitAll(const MAOrthonormalColumns& columns, Values weights)
     whole.weights = std::move(weights);
     for (const double weight : whole.weights)
         whole.weightSum += weight;
-    whole.columns = FitColumns(columns, whole.weights);
     MAWeightedFit fit(columns);
     fit.Fit(whole.weights, false);
+    whole.columns = ColumnFitOf(fit, whole.weights);
     fit.VisitRows(false, [&](const MAFittedRows& rows) {
         whole.residuals.insert(whole.residuals.end(), rows.residuals, rows.residuals + rows.count);
     });

@@ -142,16 +142,11 @@ MARobustTests MissingTests(std::size_t parameterCount)
     return tests;
 }
 
-bool HasClusterDf(MAConst::SANDWICHTYPE type)
-{
-    return type == MAConst::SANDWICH_CR0 || type == MAConst::SANDWICH_CR1;
-}
-
 int ErrorOf(const MAClusters& clusters, MAConst::SANDWICHTYPE type)
 {
     if (clusters.Count() < 2)
         return MAStatusCode::ONE_CLUSTER;
-    return HasClusterDf(type) && clusters.Count() <= clusters.rank ? MAStatusCode::TOO_FEW_CLUSTERS : 0;
+    return !AdjustsResiduals(type) && clusters.Count() <= clusters.rank ? MAStatusCode::TOO_FEW_CLUSTERS : 0;
 }
 
 /// The variances of what is estimated, missing where there is none.
@@ -210,7 +205,7 @@ MARobustTests TestRobustly(const MARegFit& fit)
             tests.status = KXStatus(MAStatusCode::CLUSTER_DECIDES, true);
         else
             TestCoefficient(j, fit.Coefficients()[j],
-                            HasClusterDf(type) ? clusterDf : sandwich.degreesOfFreedom[position].Df(),
+                            AdjustsResiduals(type) ? sandwich.degreesOfFreedom[position].Df() : clusterDf,
                             AlphaOf(settings.GetConfidenceLevel()), tests);
     }
     return tests;

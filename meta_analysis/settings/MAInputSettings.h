@@ -4,12 +4,41 @@
 
 namespace MA_NAMESPACE {
 
-/// Variables of what studies report in place of an effect size with its standard error, or of means with
-/// standard deviations. The conversions are those of `effectsize/MAConversions.h`. A variable is given by its
-/// position in the host's variable list; -1, the default of every one, means not given.
+/// Variables of studies of one group and of two groups' rates, and of what studies report in place of an
+/// effect size with its standard error, or of means with standard deviations. The conversions are those of
+/// `effectsize/MAConversions.h`. A variable is given by its position in the host's variable list; -1, the
+/// default of every one, means not given.
 class META_ANALYSIS_EXPORT MAInputSettings
 {
 public:
+    // ---- Outcomes of one group, and rates of two groups ----
+
+    /// Events of one group, with its non-events or its size (a proportion; the non-events are used when both
+    /// are given) or with its person-time (a rate).
+    void SetEventsIndex(int value) { eventsIndex_ = value; }
+    int GetEventsIndex() const { return eventsIndex_; }
+    void SetNonEventsIndex(int value) { nonEventsIndex_ = value; }
+    int GetNonEventsIndex() const { return nonEventsIndex_; }
+    void SetTimeIndex(int value) { timeIndex_ = value; }
+    int GetTimeIndex() const { return timeIndex_; }
+    /// Size of one group, of a proportion, a correlation or a mean.
+    void SetSizeIndex(int value) { sizeIndex_ = value; }
+    int GetSizeIndex() const { return sizeIndex_; }
+    /// Correlation coefficient.
+    void SetCorrelationIndex(int value) { correlationIndex_ = value; }
+    int GetCorrelationIndex() const { return correlationIndex_; }
+    /// Mean and standard deviation of one group.
+    void SetMeanIndex(int value) { meanIndex_ = value; }
+    int GetMeanIndex() const { return meanIndex_; }
+    void SetStdDevIndex(int value) { stdDevIndex_ = value; }
+    int GetStdDevIndex() const { return stdDevIndex_; }
+    /// Person-time of the groups, beside their events (`SetTreatmentSuccessIndex`,
+    /// `SetControlSuccessIndex` of `MAModelSettings`).
+    void SetTreatmentTimeIndex(int value) { treatmentTimeIndex_ = value; }
+    int GetTreatmentTimeIndex() const { return treatmentTimeIndex_; }
+    void SetControlTimeIndex(int value) { controlTimeIndex_ = value; }
+    int GetControlTimeIndex() const { return controlTimeIndex_; }
+
     // ---- Ready-made effect sizes without a standard error ----
 
     /// Confidence limits of the effect size. A study has its standard error from the first of these that is
@@ -68,6 +97,15 @@ public:
     int GetControlMaxIndex() const { return controlMaxIndex_; }
 
 private:
+    int eventsIndex_ = -1;
+    int nonEventsIndex_ = -1;
+    int timeIndex_ = -1;
+    int sizeIndex_ = -1;
+    int correlationIndex_ = -1;
+    int meanIndex_ = -1;
+    int stdDevIndex_ = -1;
+    int treatmentTimeIndex_ = -1;
+    int controlTimeIndex_ = -1;
     int inputCILowerIndex_ = -1;
     int inputCIUpperIndex_ = -1;
     double inputCILevel_ = 0.95;

@@ -118,30 +118,6 @@ public:
     int GetControlSuccessVarIndex() const { return controlSuccessIndex_; }
     void SetControlFailureIndex(int value) { controlFailureIndex_ = value; }
     int GetControlFailureVarIndex() const { return controlFailureIndex_; }
-    /// Events of one group, with its non-events or its size (a proportion; the non-events are used when both
-    /// are given) or with its person-time (a rate).
-    void SetEventsIndex(int value) { eventsIndex_ = value; }
-    int GetEventsIndex() const { return eventsIndex_; }
-    void SetNonEventsIndex(int value) { nonEventsIndex_ = value; }
-    int GetNonEventsIndex() const { return nonEventsIndex_; }
-    void SetTimeIndex(int value) { timeIndex_ = value; }
-    int GetTimeIndex() const { return timeIndex_; }
-    /// Size of one group, of a proportion, a correlation or a mean.
-    void SetSizeIndex(int value) { sizeIndex_ = value; }
-    int GetSizeIndex() const { return sizeIndex_; }
-    /// Correlation coefficient.
-    void SetCorrelationIndex(int value) { correlationIndex_ = value; }
-    int GetCorrelationIndex() const { return correlationIndex_; }
-    /// Mean and standard deviation of one group.
-    void SetMeanIndex(int value) { meanIndex_ = value; }
-    int GetMeanIndex() const { return meanIndex_; }
-    void SetStdDevIndex(int value) { stdDevIndex_ = value; }
-    int GetStdDevIndex() const { return stdDevIndex_; }
-    /// Person-time of the groups, beside their events (`SetTreatmentSuccessIndex`, `SetControlSuccessIndex`).
-    void SetTreatmentTimeIndex(int value) { treatmentTimeIndex_ = value; }
-    int GetTreatmentTimeIndex() const { return treatmentTimeIndex_; }
-    void SetControlTimeIndex(int value) { controlTimeIndex_ = value; }
-    int GetControlTimeIndex() const { return controlTimeIndex_; }
     /// Ready-made effect size, on the analysis scale (the logarithm of a ratio) unless `SetInputIsRatio`.
     void SetInputEffectSizeIndex(int value) { inputEffectSizeIndex_ = value; }
     int GetInputEffectsizeIndex() const { return inputEffectSizeIndex_; }
@@ -364,15 +340,6 @@ private:
     int treatmentFailureIndex_ = -1;
     int controlSuccessIndex_ = -1;
     int controlFailureIndex_ = -1;
-    int eventsIndex_ = -1;
-    int nonEventsIndex_ = -1;
-    int timeIndex_ = -1;
-    int sizeIndex_ = -1;
-    int correlationIndex_ = -1;
-    int meanIndex_ = -1;
-    int stdDevIndex_ = -1;
-    int treatmentTimeIndex_ = -1;
-    int controlTimeIndex_ = -1;
     int inputEffectSizeIndex_ = -1;
     int inputVarianceIndex_ = -1;
     int inputStdErrorIndex_ = -1;

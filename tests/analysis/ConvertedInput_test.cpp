@@ -3,7 +3,6 @@
 #include "support/PooledFigures.h"
 #include "support/Poolings.h"
 
-#include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 using namespace MA_NAMESPACE;
@@ -11,7 +10,6 @@ using namespace MAConst;
 
 namespace {
 
-using ContRun = FinishedRun<MAContModel>;
 using Numbers = std::vector<int>;
 
 /// The tables with the size of a group behind each pair of counts.
@@ -82,43 +80,34 @@ TEST(ConvertedInput, SizesInPlaceOfNonEventsChangeNothing)
     }
 }
 
+/// In record order, whichever pass excludes a record: the first reads counts, the second drops what has no
+/// effect size.
 TEST(ConvertedInput, EachRecordThatIsNoStudyHasAReason)
 {
-    const Rows tables = {{4, 6, 10, 3, 7, 10},
-                         {11, missing, 10, 3, 7, 10},
-                         {-1, 6, 5, 3, 7, 10},
-                         {missing, 6, 10, 3, 7, 10},
-                         {0, 0, 0, 0, 0, 0},
-                         {0, 10, 10, 0, 10, 10},
-                         {infinity, 6, infinity, 3, 7, 10},
-                         {infinity, 6, 1, 3, infinity, 10}};
-    MAModelSettings sized = SizedTables(true, false);
-    sized.SetDropBinZero(true);
-    const BinRun binary(sized, tables);
-    EXPECT_EQ(binary.model.GetExcludedRecord(), (Numbers{1, 2, 3, 4, 5, 6, 7}));
-    EXPECT_EQ(binary.model.GetExclusionReason(),
-              (Numbers{EXCLUSION_EVENTS_ABOVE_SIZE, EXCLUSION_NEGATIVE_COUNT, EXCLUSION_MISSING_VALUE,
-                       EXCLUSION_NO_PERSONS, EXCLUSION_DROPPED, EXCLUSION_EVENTS_ABOVE_SIZE,
+    const BinRun sized(SizedTables(true, false), {{4, 6, 10, 3, 7, 10},
+                                                  {11, missing, 10, 3, 7, 10},
+                                                  {-1, 6, 5, 3, 7, 10},
+                                                  {infinity, 6, infinity, 3, 7, 10},
+                                                  {infinity, 6, 1, 3, infinity, 10}});
+    EXPECT_EQ(sized.model.GetExcludedRecord(), (Numbers{1, 2, 3, 4}));
+    EXPECT_EQ(sized.model.GetExclusionReason(),
+              (Numbers{EXCLUSION_EVENTS_ABOVE_SIZE, EXCLUSION_NEGATIVE_COUNT, EXCLUSION_EVENTS_ABOVE_SIZE,
                        EXCLUSION_EVENTS_ABOVE_SIZE}));
-    sized.SetBinZeroAdjType(ZERO_ADJUST_NONE);
-    sized.SetTreatmentFailureIndex(1);
-    const BinRun uncorrected(sized, {{0, 9, 9, 0, 8, 8}, {0, 9, 9, 3, 7, 10}, {3, 7, 10, 4, 6, 10}});
-    EXPECT_EQ(uncorrected.model.GetExcludedRecord(), (Numbers{0, 1})); // the second has no log odds ratio
-    EXPECT_EQ(uncorrected.model.GetExclusionReason(),
-              (Numbers{EXCLUSION_ZERO_CELLS, EXCLUSION_NOT_POOLABLE}));
+    MAModelSettings uncorrected = SizedTables(false, false);
+    uncorrected.SetBinZeroAdjType(ZERO_ADJUST_NONE);
+    const BinRun passes(uncorrected, {{0, 9, 9, 3, 7, 10}, {0, 9, 9, 0, 8, 8}, {3, 7, 10, 4, 6, 10}});
+    EXPECT_EQ(passes.model.GetExcludedRecord(), (Numbers{0, 1}));
+    EXPECT_EQ(passes.model.GetExclusionReason(), (Numbers{EXCLUSION_NOT_POOLABLE, EXCLUSION_ZERO_CELLS}));
 
-    const ContRun means(MedianSettings(),
-                        {{9, 1, 2, 9, 1, 1, missing, missing, missing, missing, missing, missing},
-                         {9, missing, 2, 9, 1, 1, 5, 6, 7, missing, missing, missing},
-                         {9, missing, 2, 1, 1, 1, missing, missing, missing, missing, missing, missing},
-                         {9, 1, 0, 9, 1, 1, 6, 5, 7, missing, missing, missing},
-                         {1, 1, 2, 9, 1, 1, 6, 5, 7, missing, missing, missing}});
-    EXPECT_EQ(means.model.GetExclusionReason(),
-              (Numbers{EXCLUSION_SUMMARY_NOT_ASCENDING, EXCLUSION_MISSING_VALUE,
-                       EXCLUSION_SPREAD_NOT_POSITIVE, EXCLUSION_GROUP_TOO_SMALL}));
-    MAModelSettings bare = EffectSettings();
-    bare.SetInputVarianceIndex(-1);
-    EXPECT_EQ(ContRun(bare, {{1.0}}).model.GetExclusionReason(), Numbers{EXCLUSION_NO_SPREAD_GIVEN});
+    Rows groups = {{9, 1, 2, 9, 1, 1},
+                   {9, missing, 2, 9, 1, 1, 5, 6, 7},
+                   {9, missing, 2, 1, 1, 1},
+                   {9, 1, 0, 9, 1, 1, 6, 5, 7}};
+    for (Row& group : groups)
+        group.resize(12, missing);
+    EXPECT_EQ(
+        ContRun(MedianSettings(), groups).model.GetExclusionReason(),
+        (Numbers{EXCLUSION_SUMMARY_NOT_ASCENDING, EXCLUSION_MISSING_VALUE, EXCLUSION_SPREAD_NOT_POSITIVE}));
 }
 
 /// The variances of the data set are computed from the published intervals.

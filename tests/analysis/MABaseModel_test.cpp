@@ -52,28 +52,28 @@ struct ReadyMade
     Row record;            ///< effect size, variance, standard error
     int dispersion;        ///< 1 variance, 2 standard error, 3 both are given, 0 neither
     bool isRiskDifference; ///< of a binary outcome
-    char expected;         ///< (v)alid, (m)issing or (i)nvalid
+    EXCLUSION reason;
     double variance = 0.0; ///< of a valid study
 };
 
 const ReadyMade readyMadeCases[] = {
-    {"variance", {0.5, 4, 7}, 1, false, 'v', 4},
-    {"standard error", {0.5, 4, 7}, 2, false, 'v', 49},
-    {"variance wins", {0.5, 4, 7}, 3, false, 'v', 4},
-    {"missing variance wins", {0.5, missing, 7}, 3, false, 'm'},
-    {"neither", {0.5, 4, 7}, 0, false, 'i'},
-    {"missing effect", {missing, 4, 7}, 1, false, 'm'},
-    {"NaN effect", {notANumber, 4, 7}, 1, false, 'm'},
-    {"NaN standard error", {0.5, 4, notANumber}, 2, false, 'm'},
-    {"missing before invalid", {missing, 0, 7}, 1, false, 'm'},
-    {"zero variance", {0.5, 0, 7}, 1, false, 'i'},
-    {"negative variance", {0.5, -4, 7}, 1, false, 'i'},
-    {"zero standard error", {0.5, 4, 0}, 2, false, 'i'},
-    {"large difference of risks", {1.5, 4, 7}, 1, true, 'i'},
-    {"large negative difference of risks", {-1.5, 4, 7}, 1, true, 'i'},
-    {"largest difference of risks", {1, 4, 7}, 1, true, 'v', 4},
-    {"large effect otherwise", {1.5, 4, 7}, 1, false, 'v', 4},
-    {"short record", {0.5}, 1, false, 'm'},
+    {"variance", {0.5, 4, 7}, 1, false, EXCLUSION_NONE, 4},
+    {"standard error", {0.5, 4, 7}, 2, false, EXCLUSION_NONE, 49},
+    {"variance wins", {0.5, 4, 7}, 3, false, EXCLUSION_NONE, 4},
+    {"missing variance wins", {0.5, missing, 7}, 3, false, EXCLUSION_MISSING_VALUE},
+    {"neither", {0.5, 4, 7}, 0, false, EXCLUSION_NO_SPREAD_GIVEN},
+    {"missing effect", {missing, 4, 7}, 1, false, EXCLUSION_MISSING_VALUE},
+    {"NaN effect", {notANumber, 4, 7}, 1, false, EXCLUSION_MISSING_VALUE},
+    {"NaN standard error", {0.5, 4, notANumber}, 2, false, EXCLUSION_MISSING_VALUE},
+    {"missing before invalid", {missing, 0, 7}, 1, false, EXCLUSION_MISSING_VALUE},
+    {"zero variance", {0.5, 0, 7}, 1, false, EXCLUSION_SPREAD_NOT_POSITIVE},
+    {"negative variance", {0.5, -4, 7}, 1, false, EXCLUSION_SPREAD_NOT_POSITIVE},
+    {"zero standard error", {0.5, 4, 0}, 2, false, EXCLUSION_SPREAD_NOT_POSITIVE},
+    {"large difference of risks", {1.5, 4, 7}, 1, true, EXCLUSION_DIFFERENCE_IMPOSSIBLE},
+    {"large negative difference of risks", {-1.5, 4, 7}, 1, true, EXCLUSION_DIFFERENCE_IMPOSSIBLE},
+    {"largest difference of risks", {1, 4, 7}, 1, true, EXCLUSION_NONE, 4},
+    {"large effect otherwise", {1.5, 4, 7}, 1, false, EXCLUSION_NONE, 4},
+    {"short record", {0.5}, 1, false, EXCLUSION_MISSING_VALUE},
 };
 
 /// Of the estimate, its significance and interval, the prediction interval, tau², Q, its degrees of freedom
@@ -140,9 +140,8 @@ TEST(MABaseModel, ReadyMadeEffectsAreClassified)
         settings.SetInputStdErrorIndex(row.dispersion & 2 ? 2 : -1);
         const BinRun run(settings, {row.record});
         EXPECT_TRUE(run.status.IsOK());
-        EXPECT_EQ(run.model.GetNMissing(), row.expected == 'm' ? 1 : 0);
-        EXPECT_EQ(run.model.GetNInvalid(), row.expected == 'i' ? 1 : 0);
-        EXPECT_EQ(run.model.GetVariance(), row.expected == 'v' ? Row{row.variance} : Row{});
+        ExpectExcluded(run.model, 1, row.reason);
+        EXPECT_EQ(run.model.GetVariance(), row.reason == EXCLUSION_NONE ? Row{row.variance} : Row{});
         ExpectStudyTests(run.model);
         EXPECT_TRUE(Same(run.model.GetExpEffectSize(), Exponentials(run.model.GetEffectSize())));
         EXPECT_TRUE(Same(run.model.GetExpVariance(), Exponentials(run.model.GetVariance()))); // as it stands

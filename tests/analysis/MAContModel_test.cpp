@@ -33,27 +33,27 @@ struct Classification
     const char* name;
     Row record;          ///< treatment size, mean, dispersion, control size, mean, dispersion
     bool givesVariances; ///< the dispersions are variances
-    char expected;       ///< (v)alid, (m)issing or (i)nvalid
+    MAConst::EXCLUSION reason;
 };
 
 const Classification classifications[] = {
-    {"valid", {10, 3, 2, 10, 2, 2}, false, 'v'},
-    {"variances", {10, 3, 4, 10, 2, 4}, true, 'v'},
-    {"groups of two", {2, 3, 2, 2, 2, 2}, false, 'v'},
-    {"treatment group of one", {1, 3, 2, 10, 2, 2}, false, 'i'},
-    {"control group below two", {10, 3, 2, 1.5, 2, 2}, false, 'i'},
-    {"negative size", {-10, 3, 2, 10, 2, 2}, false, 'i'},
-    {"no spread", {10, 3, 0, 10, 2, 2}, false, 'i'},
-    {"negative deviation", {10, 3, 2, 10, 2, -2}, false, 'i'},
-    {"negative variance", {10, 3, -4, 10, 2, 4}, true, 'i'},
-    {"zero variance", {10, 3, 4, 10, 2, 0}, true, 'i'},
-    {"missing variance", {10, 3, 4, 10, 2, missing}, true, 'm'},
-    {"NaN variance", {10, 3, notANumber, 10, 2, 4}, true, 'm'},
-    {"missing before invalid", {1, missing, 2, 10, 2, 2}, false, 'm'},
-    {"NaN mean", {10, 3, 2, 10, notANumber, 2}, false, 'm'},
-    {"short record", {10, 3, 2, 10, 2}, false, 'm'},
-    {"infinite sizes", {infinity, 3, 2, infinity, 2, 2}, false, 'i'}, // no effect size
-    {"infinite means", {10, infinity, 2, 10, infinity, 2}, false, 'i'},
+    {"valid", {10, 3, 2, 10, 2, 2}, false, MAConst::EXCLUSION_NONE},
+    {"variances", {10, 3, 4, 10, 2, 4}, true, MAConst::EXCLUSION_NONE},
+    {"groups of two", {2, 3, 2, 2, 2, 2}, false, MAConst::EXCLUSION_NONE},
+    {"treatment group of one", {1, 3, 2, 10, 2, 2}, false, MAConst::EXCLUSION_GROUP_TOO_SMALL},
+    {"control group below two", {10, 3, 2, 1.5, 2, 2}, false, MAConst::EXCLUSION_GROUP_TOO_SMALL},
+    {"negative size", {-10, 3, 2, 10, 2, 2}, false, MAConst::EXCLUSION_GROUP_TOO_SMALL},
+    {"no spread", {10, 3, 0, 10, 2, 2}, false, MAConst::EXCLUSION_SPREAD_NOT_POSITIVE},
+    {"negative deviation", {10, 3, 2, 10, 2, -2}, false, MAConst::EXCLUSION_SPREAD_NOT_POSITIVE},
+    {"negative variance", {10, 3, -4, 10, 2, 4}, true, MAConst::EXCLUSION_SPREAD_NOT_POSITIVE},
+    {"zero variance", {10, 3, 4, 10, 2, 0}, true, MAConst::EXCLUSION_SPREAD_NOT_POSITIVE},
+    {"missing variance", {10, 3, 4, 10, 2, missing}, true, MAConst::EXCLUSION_MISSING_VALUE},
+    {"NaN variance", {10, 3, notANumber, 10, 2, 4}, true, MAConst::EXCLUSION_MISSING_VALUE},
+    {"missing before invalid", {1, missing, 2, 10, 2, 2}, false, MAConst::EXCLUSION_MISSING_VALUE},
+    {"NaN mean", {10, 3, 2, 10, notANumber, 2}, false, MAConst::EXCLUSION_MISSING_VALUE},
+    {"short record", {10, 3, 2, 10, 2}, false, MAConst::EXCLUSION_MISSING_VALUE},
+    {"infinite sizes", {infinity, 3, 2, infinity, 2, 2}, false, MAConst::EXCLUSION_NOT_POOLABLE},
+    {"infinite means", {10, infinity, 2, 10, infinity, 2}, false, MAConst::EXCLUSION_NOT_POOLABLE},
 };
 
 } // namespace
@@ -71,10 +71,10 @@ TEST(MAContModel, RecordsAreClassified)
         }
         const FinishedRun<MAContModel> run(settings, {row.record});
         EXPECT_TRUE(run.status.IsOK());
-        EXPECT_EQ(run.model.GetNMissing(), row.expected == 'm' ? 1 : 0);
-        EXPECT_EQ(run.model.GetNInvalid(), row.expected == 'i' ? 1 : 0);
-        EXPECT_EQ(run.model.GetEffectSize(), row.expected == 'v' ? Row{0.5} : Row{});
-        EXPECT_EQ(run.model.GetSampSize(), row.expected == 'v' ? Row{row.record[0] + row.record[3]} : Row{});
+        ExpectExcluded(run.model, 1, row.reason);
+        const bool isStudy = row.reason == MAConst::EXCLUSION_NONE;
+        EXPECT_EQ(run.model.GetEffectSize(), isStudy ? Row{0.5} : Row{});
+        EXPECT_EQ(run.model.GetSampSize(), isStudy ? Row{row.record[0] + row.record[3]} : Row{});
     }
 }
 

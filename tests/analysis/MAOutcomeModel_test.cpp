@@ -31,33 +31,15 @@ MAModelSettings SettingsOf(OUTCOMEMEASURE measure, MODELTYPE model = MODEL_FIXED
     return settings;
 }
 
-Rows ColumnsOf(const std::string& dataSet, const std::vector<std::string>& columns)
-{
-    const DataSet data(dataSet);
-    Rows rows(data.rows.size());
-    for (const std::string& column : columns)
-        for (std::size_t i = 0; i < rows.size(); ++i)
-            rows[i].push_back(data.rows[i][static_cast<std::size_t>(data.IndexOf(column))]);
-    return rows;
-}
-
-const Rows& Warfarin()
-{
-    static const Rows rows = ColumnsOf(
-        "warfarin_stroke", {"treatment_events", "treatment_time", "control_events", "control_time"});
-    return rows;
-}
-
-const Rows& Therapy()
-{
-    static const Rows rows = ColumnsOf("hyperdynamic_therapy", {"events", "n"});
-    return rows;
-}
+const DataSet warfarin("warfarin_stroke");
+const Rows twoGroups =
+    warfarin.Columns({"treatment_events", "treatment_time", "control_events", "control_time"});
+const Rows controls = warfarin.Columns({"control_events", "control_time"});
+const Rows therapy = DataSet("hyperdynamic_therapy").Columns({"events", "n"});
 
 TEST(MAOutcomeModel, AgreesWithTheReferenceFigures)
 {
-    const Rows correlations = ColumnsOf("conscientiousness", {"r", "n"});
-    const Rows controls = ColumnsOf("warfarin_stroke", {"control_events", "control_time"});
+    const Rows correlations = DataSet("conscientiousness").Columns({"r", "n"});
     const struct
     {
         const char* file;
@@ -65,7 +47,7 @@ TEST(MAOutcomeModel, AgreesWithTheReferenceFigures)
         std::vector<std::pair<const char*, OUTCOMEMEASURE>> measures;
     } cases[] = {
         {"hyperdynamic_therapy_outcomes",
-         Therapy(),
+         therapy,
          {{"PR", PROPORTION_RAW},
           {"PLN", PROPORTION_LOG},
           {"PLO", PROPORTION_LOGIT},
@@ -78,7 +60,7 @@ TEST(MAOutcomeModel, AgreesWithTheReferenceFigures)
          correlations,
          {{"COR", CORRELATION_RAW}, {"ZCOR", CORRELATION_FISHER_Z}}},
         {"warfarin_stroke_outcomes",
-         Warfarin(),
+         twoGroups,
          {{"IRR", RATES_RATIO}, {"IRD", RATES_DIFFERENCE}, {"IRSD", RATES_ROOT_DIFFERENCE}}},
     };
     for (const auto& one : cases) {
@@ -114,15 +96,15 @@ TEST(MAOutcomeModel, PoolsRatesAfterMantelAndHaenszel)
         MAModelSettings settings = SettingsOf(measure);
         settings.SetWeightType(WEIGHT_BINARY_FIXED);
         const nlohmann::json& expected = figures.at(key);
-        const Analysed run(settings, Warfarin());
+        const Analysed run(settings, twoGroups);
         ExpectEstimate(run.model, expected.at("estimate"), expected.at("se"), expected.at("z"),
                        expected.at("p"), expected.at("ci_lower"), expected.at("ci_upper"),
                        closedFormTolerance);
         // The Mantel-Haenszel sums of all studies but the first are those of a run without it.
         settings.SetLeaveOneOut(true);
         settings.SetCommulativeIndex(1);
-        const Analysed steps(settings, Warfarin());
-        const Analysed without(settings, Rows(Warfarin().begin() + 1, Warfarin().end()));
+        const Analysed steps(settings, twoGroups);
+        const Analysed without(settings, Rows(twoGroups.begin() + 1, twoGroups.end()));
         EXPECT_EQ(steps.model.GetLeaveOneOutEffectSize()[0], without.model.GetEstEffectSize().back());
         EXPECT_TRUE(Close(steps.model.GetCumEstES()[0].back(), expected.at("estimate"), closedFormTolerance));
     }
@@ -139,15 +121,14 @@ TEST(MAOutcomeModel, TransformsAsFreemanAndTukeyAndBackAsMiller)
         EXPECT_TRUE(Close(run.model.GetNaturalEffectSize().at(i), rows[i][0] / rows[i][1], 1e-14));
     }
     // The package's inverse at the harmonic mean of n, or of the times.
-    const Analysed therapy(SettingsOf(PROPORTION_FREEMAN_TUKEY), Therapy());
+    const Analysed proportions(SettingsOf(PROPORTION_FREEMAN_TUKEY), therapy);
     const auto natural = [](const Analysed& of) {
         return Row{of.model.GetNaturalEstEffectSize().at(0), of.model.GetNaturalEstCILower().at(0),
                    of.model.GetNaturalEstCIUpper().at(0)};
     };
-    EXPECT_TRUE(Close(natural(therapy), {0.78168916159914859, 0.73106316431674090, 0.82896586754205548},
+    EXPECT_TRUE(Close(natural(proportions), {0.78168916159914859, 0.73106316431674090, 0.82896586754205548},
                       closedFormTolerance));
-    const Analysed rates(SettingsOf(RATE_FREEMAN_TUKEY),
-                         ColumnsOf("warfarin_stroke", {"control_events", "control_time"}));
+    const Analysed rates(SettingsOf(RATE_FREEMAN_TUKEY), controls);
     EXPECT_TRUE(Close(natural(rates), {0.056474612271299733, 0.046870052256761260, 0.066949884812290680},
                       closedFormTolerance));
 }
@@ -185,7 +166,7 @@ TEST(MAOutcomeModel, GoesBackToEveryProportionAndRate)
 TEST(MAOutcomeModel, CorrectsZerosByMeasureAndRule)
 {
     const Rows groups = {{0, 9}, {9, 9}, {4, 9}};
-    const Rows twoGroups = {{0, 9, 3, 8}, {0, 5, 0, 6}, {4, 9, 2, 7}};
+    const Rows pairs = {{0, 9, 3, 8}, {0, 5, 0, 6}, {4, 9, 2, 7}};
     const struct
     {
         OUTCOMEMEASURE measure;
@@ -193,16 +174,11 @@ TEST(MAOutcomeModel, CorrectsZerosByMeasureAndRule)
         int corrected[4]; ///< each, all if any, all, none
         std::size_t leftWithoutCorrection;
     } cases[] = {
-        {PROPORTION_LOGIT, groups, {2, 3, 3, 0}, 1},
-        {PROPORTION_RAW, groups, {2, 3, 3, 0}, 1},
-        {PROPORTION_LOG, groups, {2, 3, 3, 0}, 1},
-        {PROPORTION_ARCSINE, groups, {0, 0, 0, 0}, 3},
-        {RATE_LOG, groups, {1, 3, 3, 0}, 2},
-        {RATE_RAW, groups, {1, 3, 3, 0}, 2},
-        {RATE_SQUARE_ROOT, groups, {0, 0, 0, 0}, 3},
-        {RATES_RATIO, twoGroups, {2, 3, 3, 0}, 1},
-        {RATES_DIFFERENCE, twoGroups, {2, 3, 3, 0}, 2},
-        {RATES_ROOT_DIFFERENCE, twoGroups, {0, 0, 0, 0}, 3},
+        {PROPORTION_LOGIT, groups, {2, 3, 3, 0}, 1}, {PROPORTION_RAW, groups, {2, 3, 3, 0}, 1},
+        {PROPORTION_LOG, groups, {2, 3, 3, 0}, 1},   {PROPORTION_ARCSINE, groups, {0, 0, 0, 0}, 3},
+        {RATE_LOG, groups, {1, 3, 3, 0}, 2},         {RATE_RAW, groups, {1, 3, 3, 0}, 2},
+        {RATE_SQUARE_ROOT, groups, {0, 0, 0, 0}, 3}, {RATES_RATIO, pairs, {2, 3, 3, 0}, 1},
+        {RATES_DIFFERENCE, pairs, {2, 3, 3, 0}, 2},  {RATES_ROOT_DIFFERENCE, pairs, {0, 0, 0, 0}, 3},
     };
     for (const auto& one : cases) {
         for (int rule = ZERO_ADJUST_EACH; rule <= ZERO_ADJUST_NONE; ++rule) {
@@ -216,7 +192,7 @@ TEST(MAOutcomeModel, CorrectsZerosByMeasureAndRule)
             EXPECT_EQ(static_cast<std::size_t>(run.model.GetNInvalid()), 3 - left);
         }
     }
-    const Analysed ratio(SettingsOf(RATES_RATIO), twoGroups);
+    const Analysed ratio(SettingsOf(RATES_RATIO), pairs);
     EXPECT_TRUE(Close(ratio.model.GetEffectSize()[0], std::log((0.5 / 9) / (3.5 / 8)), studyTolerance));
 }
 
@@ -270,16 +246,16 @@ TEST(MAOutcomeModel, StepsGoBackAtTheSizesOfTheirStudies)
         MAModelSettings settings = SettingsOf(PROPORTION_FREEMAN_TUKEY, model);
         settings.SetLeaveOneOut(true);
         const auto alone = [&](std::size_t first, std::size_t last) {
-            const auto begin = Therapy().begin();
+            const auto begin = therapy.begin();
             return Analysed(settings, Rows(begin + static_cast<std::ptrdiff_t>(first),
                                            begin + static_cast<std::ptrdiff_t>(last)))
                 .model.GetNaturalEstCIUpper()
                 .at(0);
         };
-        const Analysed run(settings, Therapy());
+        const Analysed run(settings, therapy);
         EXPECT_TRUE(Close(run.model.GetLeaveOneOutNaturalCIUpper().at(0), alone(1, 14), 1e-13));
 
-        Rows grouped = Therapy();
+        Rows grouped = therapy;
         for (std::size_t i = 0; i < grouped.size(); ++i)
             grouped[i].push_back(i < 5 ? 1 : 2);
         MAModelSettings withGroups = settings;

@@ -7,6 +7,7 @@ using namespace MAConst;
 
 namespace {
 
+constexpr EXCLUSION none = EXCLUSION_NONE;
 constexpr double tolerance = 4 * machineEpsilon; // a quotient of sums, and a quantile
 
 struct IntervalCase
@@ -22,21 +23,21 @@ struct IntervalCase
 };
 
 const IntervalCase intervals[] = {
-    {0.5, 0.25, 1, true, EXCLUSION_NONE, false},
-    {0.5, 0.25, 1, false, EXCLUSION_NONE, true}, // ratios taken for differences
-    {2, 1.05, 3, false, EXCLUSION_NONE, false},  // 2.6 % of the width
-    {2, 1.11, 3, false, EXCLUSION_NONE, true, 2},
-    {2, 1.11, 3, false, EXCLUSION_NONE, false, 1}, // 2.05 between 1.06 and 3.05 is possible
-    {0.1, 0.03, 0.2, true, EXCLUSION_NONE, false, 1},
-    {0.1, 0.03, 0.2, true, EXCLUSION_NONE, true, 3},
-    {0.04, 0.03, 0.2, true, EXCLUSION_NONE, false, 1}, // an estimate that may be 0
-    {3, 1, 3, false, EXCLUSION_NONE, true, 6},
+    {0.5, 0.25, 1, true, none, false},
+    {0.5, 0.25, 1, false, none, true}, // ratios taken for differences
+    {2, 1.05, 3, false, none, false},  // 2.6 % of the width
+    {2, 1.11, 3, false, none, true, 2},
+    {2, 1.11, 3, false, none, false, 1}, // 2.05 between 1.06 and 3.05 is possible
+    {0.1, 0.03, 0.2, true, none, false, 1},
+    {0.1, 0.03, 0.2, true, none, true, 3},
+    {0.04, 0.03, 0.2, true, none, false, 1}, // an estimate that may be 0
+    {3, 1, 3, false, none, true, 6},
     {1, 2, 0, false, EXCLUSION_LIMITS_NOT_ASCENDING, false},
     {1, 1, 1, false, EXCLUSION_LIMITS_NOT_ASCENDING, false},
     {1, 2, 3, false, EXCLUSION_OUTSIDE_LIMITS, false},
     {0.2, 0, 0.8, true, EXCLUSION_RATIO_NOT_POSITIVE, false},
     {-2, -3, -1, true, EXCLUSION_RATIO_NOT_POSITIVE, false},
-    {-2, -3, -1, false, EXCLUSION_NONE, false},
+    {-2, -3, -1, false, none, false},
     {1, 0, infinity, false, EXCLUSION_NOT_POOLABLE, false},
     {1, 0, notANumber, false, EXCLUSION_MISSING_VALUE, false},
     {missing, 0, 2, false, EXCLUSION_MISSING_VALUE, false},
@@ -56,30 +57,18 @@ struct SummaryCase
 
 /// Means and deviations by 50-digit arithmetic; tests of skewness by hand.
 const SummaryCase summaries[] = {
-    {{25, missing, 8.125, 10.5, 12, missing},
-     EXCLUSION_NONE,
-     CONVERSION_QUARTILES,
-     10.186925,
-     3.046207673286877},
-    {{25, 2.25, missing, 10.5, 12, 19},
-     EXCLUSION_NONE,
-     CONVERSION_EXTREMES,
-     10.532937338933481,
-     4.263785861693083},
-    {{25, 2.25, 8.125, 10.5, 12, 19},
-     EXCLUSION_NONE,
-     CONVERSION_FIVE_NUMBERS,
-     10.267936957304747,
-     3.65499676748998},
+    {{25, missing, 8.125, 10.5, 12, missing}, none, CONVERSION_QUARTILES, 10.186925, 3.046207673286877},
+    {{25, 2.25, missing, 10.5, 12, 19}, none, CONVERSION_EXTREMES, 10.532937338933481, 4.263785861693083},
+    {{25, 2.25, 8.125, 10.5, 12, 19}, none, CONVERSION_FIVE_NUMBERS, 10.267936957304747, 3.65499676748998},
     // Critical values for 100: 0.2389, 0.2654 and 0.2970. The weighted statistic of all five is 1.085 s.
-    {{100, 0, missing, 3.8, missing, 10}, EXCLUSION_NONE, CONVERSION_EXTREMES, 3.94, 2.0, true},
-    {{100, 0, missing, 3.9, missing, 10}, EXCLUSION_NONE, CONVERSION_EXTREMES, 4.02, 2.0, false},
-    {{100, missing, 0, 3.6, 10, missing}, EXCLUSION_NONE, CONVERSION_QUARTILES, 4.59, 7.5, true},
-    {{100, missing, 0, 3.7, 10, missing}, EXCLUSION_NONE, CONVERSION_QUARTILES, 4.61, 7.5, false},
-    {{100, -50, 0, 3.6, 10, 60}, EXCLUSION_NONE, CONVERSION_FIVE_NUMBERS, 4.58, 14.8, false},
-    {{100, -50, 0, 3.5, 10, 60}, EXCLUSION_NONE, CONVERSION_FIVE_NUMBERS, 4.58, 14.8, true},
-    {{4, missing, 0, 0, 10, missing}, EXCLUSION_NONE, CONVERSION_QUARTILES, 3.99, 10.92, false}, // too few
-    {{25, 1, 1, 1, 1, 19}, EXCLUSION_NONE, CONVERSION_FIVE_NUMBERS, 2.5, 2.3, true},
+    {{100, 0, missing, 3.8, missing, 10}, none, CONVERSION_EXTREMES, 3.94, 2.0, true},
+    {{100, 0, missing, 3.9, missing, 10}, none, CONVERSION_EXTREMES, 4.02, 2.0, false},
+    {{100, missing, 0, 3.6, 10, missing}, none, CONVERSION_QUARTILES, 4.59, 7.5, true},
+    {{100, missing, 0, 3.7, 10, missing}, none, CONVERSION_QUARTILES, 4.61, 7.5, false},
+    {{100, -50, 0, 3.6, 10, 60}, none, CONVERSION_FIVE_NUMBERS, 4.58, 14.8, false},
+    {{100, -50, 0, 3.5, 10, 60}, none, CONVERSION_FIVE_NUMBERS, 4.58, 14.8, true},
+    {{4, missing, 0, 0, 10, missing}, none, CONVERSION_QUARTILES, 3.99, 10.92, false}, // too few
+    {{25, 1, 1, 1, 1, 19}, none, CONVERSION_FIVE_NUMBERS, 2.5, 2.3, true},
     {{25, missing, 10, 10, 10, missing}, EXCLUSION_SPREAD_NOT_POSITIVE, CONVERSION_QUARTILES},
     {{1, 1, missing, 2, missing, 3}, EXCLUSION_GROUP_TOO_SMALL, CONVERSION_EXTREMES},
     {{25, 9, 8, 10, 12, 19}, EXCLUSION_SUMMARY_NOT_ASCENDING, CONVERSION_FIVE_NUMBERS},

@@ -183,7 +183,6 @@ void SetFurtherAnalyses(Values& values, int first, std::size_t studyCount, MAMod
     settings.SetRegBaseTestType(values.Enumerator<RegBaseTestType>(4));
     settings.SetIsUseIntercept(!values.IsHostile());
     settings.SetMultiDiser(values.Flag());
-    settings.SetInfluence(true);
     settings.SetFunnelNPoints(values.SmallInt(5));
     settings.SetFunnelYType(values.Enumerator<FunnelYType>(4));
     settings.SetFunnelConTourTesType(values.Enumerator<FunnelConTourTesType>(4));

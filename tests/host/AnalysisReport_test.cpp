@@ -62,9 +62,12 @@ TEST(AnalysisReport, OrdersGroupsByTextAndExplainsUnusualData)
     const std::string even =
         folder.Write("e.csv", "effect,variance\n1,1\n1.1,1\n0.9,1\n1,1\n1.1,1\n0.9,1\n1,1\n1,1\n");
     const std::string gaps = folder.Write("t.csv", "effect,variance,g\n1,1,b\n2,1,NA\n3,1,a\n4,1,\n");
+    const std::string proportions = folder.Write("p.csv", "x,n\n3,10\n12,10\nNA,5\n0,8\n-1,4\n4,0\n5,5\n");
     const std::string unusable = folder.Write("u.csv", "effect,variance\nNA,1\n1,0\n");
     ExpectShown({
         {Effects(unusable), "2 read, 0 used, 1 missing, 1 invalid, 0 dropped\nNo record could be used"},
+        {Arguments{"proportion", proportions} + "--events x --n n",
+         "7 read, 3 used, 1 missing, 3 invalid, 0 dropped.*0\\.5 added to all counts of 2 studies\\."},
         {Effects(even) + "--model fixed", "Heterogeneity\n[^\n]*\n[^\n]* 0.00 \\[0.00, 0.00\\] [^\n]*\n"
                                           "An I² of 0 with the interval \\[0, 0\\] is no certainty"},
         {Effects(gaps) + "--subgroup g",

@@ -140,15 +140,15 @@ TEST(Plots, ShadesAContourForEachLevel)
         const SvgFigure figure = Pictures(Binary("magnesium.csv") + options).Figure("funnel");
         for (const char* range : {"p < 0.02, ", "0.02 < p < 0.1, ", "p > 0.1, "})
             EXPECT_THAT(figure.Words(), Contains(range + one.wording));
-        const std::vector<SvgArea> areas = figure.Areas();
+        const std::vector<SvgPoints> areas = figure.Areas();
         ASSERT_EQ(areas.size(), 3U);
-        const SvgPoints& frame = areas[0].outline;
-        for (const SvgPoint& point : areas[2].outline) {
+        const SvgPoints& frame = areas[0];
+        for (const SvgPoint& point : areas[2]) {
             EXPECT_TRUE(point.x >= frame[0].x && point.x <= frame[2].x) << point.x;
             EXPECT_TRUE(point.y >= frame[0].y && point.y <= frame[1].y) << point.y;
         }
         // Sides are at least 150 pixels long; they and the scales are exact to half a hundredth of a pixel.
-        EXPECT_THAT(SlopesFromTheNull(areas[2].outline, figure),
+        EXPECT_THAT(SlopesFromTheNull(areas[2], figure),
                     testing::Pointwise(testing::DoubleNear(4e-4), one.slopes));
     }
 }
@@ -194,18 +194,18 @@ TEST(Plots, EndsIntervalsBeyondTheAxisInAnArrow)
     const json& lower = pictures.Results()["EstCILower"];
     const json& upper = pictures.Results()["EstCIUpper"];
     const PixelScale scale = LevelScale(figure, "0", "8");
-    const std::vector<SvgArea> areas = figure.Areas();
+    const std::vector<SvgPoints> areas = figure.Areas();
     ASSERT_EQ(areas.size(), 5U);
     // Groups in the order of their names: "alone" has no limits.
-    const auto [left, right] = EndsOf(areas[0].outline);
+    const auto [left, right] = EndsOf(areas[0]);
     EXPECT_NEAR(left, scale(lower[1]), 2 * halfPixelDigit);
     EXPECT_NEAR(right, scale(upper[1]), 2 * halfPixelDigit);
     // The intervals of "wide" and of all studies go on at the left.
     for (const auto& [arrow, diamond, model] : {std::tuple(1U, 2U, 2U), std::tuple(3U, 4U, 3U)}) {
-        const auto [tip, base] = EndsOf(areas[arrow].outline);
-        const auto [start, end] = EndsOf(areas[diamond].outline);
-        EXPECT_EQ(areas[arrow].outline.size(), 3U);
-        EXPECT_EQ(tip, EndsOf(areas[1].outline).first);
+        const auto [tip, base] = EndsOf(areas[arrow]);
+        const auto [start, end] = EndsOf(areas[diamond]);
+        EXPECT_EQ(areas[arrow].size(), 3U);
+        EXPECT_EQ(tip, EndsOf(areas[1]).first);
         EXPECT_NEAR(start, base, 2 * halfPixelDigit);
         EXPECT_NEAR(end, scale(upper[model]), 2 * halfPixelDigit);
         EXPECT_LT(scale(lower[model]), tip);

@@ -3,7 +3,7 @@
 #include "host/Pictures.h"
 #include "host/PublishedFigure.h"
 #include "host/draw/Picture.h"
-#include "support/Data.h"
+#include "support/Published.h"
 
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -21,19 +21,11 @@ namespace {
 /// The log risk ratios of BCG vaccination, with the columns that the tests regress them on.
 std::string VaccineData(const TemporaryFolder& folder)
 {
-    const DataSet data("bcg_vaccine");
-    const json ratios = LoadReference("bcg_vaccine")["tables"]["RR_only0"];
     const char* const allocations[] = {"alternate", "random", "systematic"};
     std::string csv = "y,v,se,w,latitude,years,allocation,lat:years,random_lat,alternate_lat,lat2\n";
-    for (std::size_t i = 0; i < data.rows.size(); ++i) {
-        const auto at = [&](const char* column) {
-            return data.rows[i][static_cast<std::size_t>(data.IndexOf(column))];
-        };
-        const double y = ratios["yi"][i];
-        const double v = ratios["vi"][i];
-        const double lat = at("latitude");
-        const double years = at("year") - 1900;
-        const auto group = static_cast<std::size_t>(at("allocation"));
+    for (const Row& study : StudiesWith({"latitude", "year", "allocation"})) {
+        const double y = study[0], v = study[1], lat = study[2], years = study[3] - 1900;
+        const auto group = static_cast<std::size_t>(study[4]);
         csv += fmt::format("{},{},{},{},{},{},{},{},{},{},{}\n", y, v, std::sqrt(v), 1 / v, lat, years,
                            allocations[group], lat * years, group == 1 ? lat : 0, group == 0 ? lat : 0,
                            lat * lat);
@@ -51,7 +43,10 @@ TEST(Regression, ReproducesThePublishedData)
     const TemporaryFolder folder;
     const Arguments latitude = Vaccine(folder) + "--covariate latitude";
     const Arguments allocation = Vaccine(folder) + "--factor allocation";
+    const Arguments hypotheses =
+        latitude + "--variance v --covariate years --hypothesis 1,43.46,66=0 --hypothesis 1,23.46,71";
     const char* const stdError = "/BetaStandErr/1";
+    const char* const more = "bcg_vaccine_regression_more";
     ExpectPublished({
         {"bcg_vaccine", "/risk_ratio/meta_regression_latitude/REML_z/p/1",
          latitude + "--variance v --normal-tests", "/BetaTestPValue/1"},
@@ -61,10 +56,12 @@ TEST(Regression, ReproducesThePublishedData)
          latitude + "--weight w --knapp-hartung adjusted", stdError},
         {"bcg_vaccine", "/risk_ratio/meta_regression_latitude_and_year_minus_1900/DL_z/se/1",
          latitude + "--variance v --covariate years --tau2 dl", stdError},
-        {"bcg_vaccine_regression_more", "/REML/q_profile/upper", latitude + "--variance v --covariate years",
-         "/Tau2CIUpper"},
-        {"bcg_vaccine_regression_more", "/robust_CR1/p/1",
-         latitude + "--variance v --covariate years --cluster w --sandwich cr1", "/RobustSig/1"},
+        {more, "/REML/q_profile/upper", latitude + "--variance v --covariate years", "/Tau2CIUpper"},
+        {more, "/hypotheses/p/1", hypotheses + "--normal-tests", "/HypothesisSig/1"},
+        {more, "/hypotheses/QM_p", hypotheses + "--normal-tests", "/HypothesisJointSig"},
+        {more, "/hypotheses_knapp_hartung/F", hypotheses + "--knapp-hartung adjusted", "/HypothesisJointVal"},
+        {more, "/robust_CR1/p/1", latitude + "--variance v --covariate years --cluster w --sandwich cr1",
+         "/RobustSig/1"},
         {"bcg_vaccine", "/risk_ratio/meta_regression_allocation_factor_reference_2/EB_t/se/1",
          allocation + "--std-error se --tau2 eb", stdError},
     });
@@ -168,19 +165,6 @@ TEST(Regression, WritesTheErrorInPlaceOfTheReport)
 
 const char* const tables = "--treatment-events treatment_events --treatment-nonevents treatment_nonevents "
                            "--control-events control_events --control-nonevents control_nonevents ";
-
-TEST(Regression, AnswersHypothesesOfThePublishedData)
-{
-    const TemporaryFolder folder;
-    const Arguments command = Vaccine(folder) + "--variance v --covariate latitude --covariate years "
-                                                "--hypothesis 1,43.46,66=0 --hypothesis 1,23.46,71";
-    const char* const data = "bcg_vaccine_regression_more";
-    ExpectPublished({
-        {data, "/hypotheses/p/1", command + "--normal-tests", "/HypothesisSig/1"},
-        {data, "/hypotheses/QM_p", command + "--normal-tests", "/HypothesisJointSig"},
-        {data, "/hypotheses_knapp_hartung/F", command + "--knapp-hartung adjusted", "/HypothesisJointVal"},
-    });
-}
 
 /// Ready-made log risk ratios, and the tables that they come from.
 TEST(Regression, TakesRawDataOfOtherCommands)

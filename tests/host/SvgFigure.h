@@ -35,12 +35,6 @@ struct SvgMark
 using SvgPoint = host::Point;
 using SvgPoints = std::vector<SvgPoint>;
 
-struct SvgArea
-{
-    SvgPoints outline;
-    std::string color; ///< "#rrggbb"
-};
-
 /// The numbers in an attribute such as "translate(12.5,3) scale(2)".
 inline std::vector<double> NumbersIn(std::string attribute)
 {
@@ -102,12 +96,12 @@ public:
         return marks;
     }
 
-    std::vector<SvgArea> Areas() const
+    /// The outlines of areas.
+    std::vector<SvgPoints> Areas() const
     {
-        std::vector<SvgArea> areas;
+        std::vector<SvgPoints> areas;
         for (const pugi::xml_node& polygon : Drawn("polygon", "points"))
-            areas.push_back(
-                {PointsIn(polygon.attribute("points").value()), ColorOf(polygon.attribute("fill"))});
+            areas.push_back(PointsIn(polygon.attribute("points").value()));
         return areas;
     }
 

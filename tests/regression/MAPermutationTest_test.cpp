@@ -1,4 +1,4 @@
-#include "support/Reference.h"
+#include "support/Published.h"
 #include "support/Regression.h"
 
 #include "meta_analysis/regression/MAPermutationTest.h"
@@ -10,14 +10,11 @@ namespace {
 /// Every `step`-th log risk ratio of BCG vaccination, its latitude, and whether allocation was random.
 Rows Vaccine(std::size_t step)
 {
-    const nlohmann::json ratios = LoadReference("bcg_vaccine").at("tables").at("RR_only0");
-    const DataSet data("bcg_vaccine");
+    const Rows all = StudiesWith({"latitude", "allocation"});
     Rows rows;
-    for (std::size_t i = 0; i < data.rows.size(); i += step) {
-        const bool isRandom = data.rows[i][static_cast<std::size_t>(data.IndexOf("allocation"))] == 1;
-        rows.push_back({ratios["yi"][i], ratios["vi"][i],
-                        data.rows[i][static_cast<std::size_t>(data.IndexOf("latitude"))],
-                        isRandom ? 1.0 : 0.0});
+    for (std::size_t i = 0; i < all.size(); i += step) {
+        rows.push_back(all[i]);
+        rows.back()[3] = all[i][3] == 1 ? 1.0 : 0.0;
     }
     return rows;
 }

@@ -1,4 +1,4 @@
-#include "support/Reference.h"
+#include "support/Published.h"
 #include "support/Regression.h"
 
 #include "meta_analysis/regression/MARobustVariance.h"
@@ -39,14 +39,9 @@ const Row unequalClusters = {1, 2, 3, 3, 4, 4, 4, 5, 5, 5, 5, 5, 5, 6, 6, 6};
 TEST(MARobustVariance, Cr1AndCr0MeetPublishedData)
 {
     const json figures = LoadReference("bcg_vaccine_regression_more");
-    const json ratios = LoadReference("bcg_vaccine").at("tables").at("RR_only0");
-    const DataSet data("bcg_vaccine");
-    Rows rows;
-    for (const Row& study : data.rows)
-        rows.push_back({ratios["yi"][rows.size()], ratios["vi"][rows.size()],
-                        study[static_cast<std::size_t>(data.IndexOf("latitude"))] - 33.46,
-                        study[static_cast<std::size_t>(data.IndexOf("year"))] - 1966,
-                        static_cast<double>(rows.size())});
+    Rows rows = CentredTrials();
+    for (std::size_t i = 0; i < rows.size(); ++i)
+        rows[i].push_back(static_cast<double>(i));
     for (const auto& [key, type] :
          {std::pair("robust_CR1", MAConst::SANDWICH_CR1), std::pair("robust_CR0", MAConst::SANDWICH_CR0)}) {
         const RERegression regression(Clustered(RegressionOn({2, 3}), 4, type), rows);
@@ -63,12 +58,7 @@ TEST(MARobustVariance, Cr1AndCr0MeetPublishedData)
 /// Figures of clubSandwich 0.5.8: writing to learn on length, clusters of one to seven studies by year.
 TEST(MARobustVariance, Cr2MeetsPublishedData)
 {
-    const DataSet data("writing_to_learn");
-    Rows rows;
-    for (const Row& study : data.rows)
-        for (const char* const column : {"effect", "variance", "length", "year"})
-            (column == std::string("effect") ? rows.emplace_back() : rows.back())
-                .push_back(study[static_cast<std::size_t>(data.IndexOf(column))]);
+    const Rows rows = StudiesWith({"length", "year"}, "writing_to_learn");
     const MARegSettings settings = Clustered(RegressionOn({2}), 3);
     const FERegression fixed(settings, rows);
     EXPECT_TRUE(Close(fixed.output->GetRobustStdError(), {0.0666541172136065, 0.0068511506602939}, 1e-12));

@@ -1,6 +1,6 @@
 // Meta-regressions of published data against figures computed independently.
 
-#include "support/Reference.h"
+#include "support/Published.h"
 #include "support/Regression.h"
 
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -42,24 +42,11 @@ json ReferenceOf(const Model& model)
     return reference.contains("risk_ratio") ? reference.at("risk_ratio") : reference;
 }
 
-/// Effects and variances are columns of the data set, or log risk ratios among the figures.
 Rows RowsOf(const Model& model)
 {
-    const DataSet data(model.dataSet);
-    const bool hasTables = model.dataSet == std::string("bcg_vaccine");
-    const json ratios = hasTables ? LoadReference(model.dataSet).at("tables").at("RR_only0") : json();
-    Rows rows;
-    for (const Row& study : data.rows) {
-        const auto at = [&](const std::string& name) {
-            return study[static_cast<std::size_t>(data.IndexOf(name))];
-        };
-        if (hasTables)
-            rows.push_back({ratios.at("yi").at(rows.size()), ratios.at("vi").at(rows.size())});
-        else
-            rows.push_back({at("effect"), at("variance")});
-        for (const std::string& moderator : model.moderators)
-            rows.back().push_back(at(moderator));
-        double& last = rows.back().back();
+    Rows rows = StudiesWith(model.moderators, model.dataSet);
+    for (Row& row : rows) {
+        double& last = row.back();
         last = KXMV::IsMissing(last) ? last : std::min(last - model.origin, model.cap);
     }
     return rows;

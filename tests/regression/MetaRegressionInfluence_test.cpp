@@ -1,4 +1,4 @@
-#include "support/Reference.h"
+#include "support/Published.h"
 #include "support/Regression.h"
 
 #include "meta_analysis/settings/MAEstimators.h"
@@ -16,21 +16,6 @@ MARegSettings WithInfluence(MARegSettings settings)
     settings.SetInfluence(true);
     settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
     return settings;
-}
-
-/// Log risk ratios of the BCG trials with absolute latitude and year.
-Rows BcgRows()
-{
-    const DataSet data("bcg_vaccine");
-    const nlohmann::json ratios = LoadReference("bcg_vaccine")["tables"]["RR_only0"];
-    const Row effects = ratios["yi"];
-    const Row variances = ratios["vi"];
-    Rows rows;
-    for (std::size_t i = 0; i < effects.size(); ++i)
-        rows.push_back({effects[i], variances[i],
-                        data.rows[i][static_cast<std::size_t>(data.IndexOf("latitude"))],
-                        data.rows[i][static_cast<std::size_t>(data.IndexOf("year"))]});
-    return rows;
 }
 
 /// All diagnostics of a study.
@@ -77,13 +62,11 @@ void ExpectRefits(const MARegSettings& settings, const Rows& rows, bool isRandom
 TEST(MetaRegressionInfluence, MeetsIndependentFigures)
 {
     constexpr double figureTolerance = 1e-8;
-    const RERegression random(WithInfluence([] {
-                                  MARegSettings settings = RegressionOn({2, 3});
-                                  settings.SetEstTauType("REML");
-                                  settings.SetKnapHartAdjust(true); // which scales nothing
-                                  return settings;
-                              }()),
-                              BcgRows());
+    const Rows trials = StudiesWith({"latitude", "year"});
+    MARegSettings settings = WithInfluence(RegressionOn({2, 3}));
+    settings.SetEstTauType("REML");
+    settings.SetKnapHartAdjust(true); // which scales nothing
+    const RERegression random(settings, trials);
     const std::pair<std::size_t, Row> figures[] = {
         {3,
          {-1.403212430778, -2.941495993358, 7.3180494333614, 3.5224317380605, 0.09056412609345,
@@ -98,7 +81,7 @@ TEST(MetaRegressionInfluence, MeetsIndependentFigures)
     EXPECT_THAT(random.output->GetInfluenceRules()[3], MAConst::INFLUENCE_DFFITS + MAConst::INFLUENCE_COOK +
                                                            MAConst::INFLUENCE_HAT +
                                                            MAConst::INFLUENCE_DFBETAS);
-    const FERegression fixed(WithInfluence(RegressionOn({2, 3})), BcgRows());
+    const FERegression fixed(settings, trials);
     EXPECT_TRUE(Close(DiagnosticsOf(*fixed.output, 3)[3], 11.5279668624363, figureTolerance));
     EXPECT_TRUE(Close(fixed.output->GetInfluenceDFBETAS()[3],
                       {5.98932059693794, -6.91461337206189, -5.97384062136423}, figureTolerance));

@@ -67,6 +67,16 @@ struct DataSet
         return static_cast<int>(found - columns.begin());
     }
 
+    /// The rows with these columns alone.
+    Rows Columns(const std::vector<std::string>& names) const
+    {
+        Rows selected(rows.size());
+        for (const std::string& name : names)
+            for (std::size_t i = 0; i < rows.size(); ++i)
+                selected[i].push_back(rows[i][static_cast<std::size_t>(IndexOf(name))]);
+        return selected;
+    }
+
     std::vector<std::string> columns;
     Rows rows;
 };

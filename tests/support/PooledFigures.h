@@ -19,6 +19,21 @@ constexpr double studyTolerance = 1e-12;
 /// The figures and the library stop below a step of 1e-12, slowly converging ones a little before the root.
 constexpr double iterativeTolerance = 1e-9;
 
+/// All records of a run are studies or, for one reason by which they are counted, none is.
+inline void ExpectExcluded(const MA_NAMESPACE::MABaseModel& model, int count, MAConst::EXCLUSION reason)
+{
+    const auto countIf = [&](bool isCounted) { return isCounted ? count : 0; };
+    const bool areStudies = reason == MAConst::EXCLUSION_NONE;
+    const bool areMissing = reason == MAConst::EXCLUSION_MISSING_VALUE;
+    const bool areDropped = reason == MAConst::EXCLUSION_DROPPED;
+    EXPECT_EQ(static_cast<int>(model.GetEffectSize().size()), countIf(areStudies));
+    EXPECT_EQ(model.GetExclusionReason(),
+              std::vector<int>(static_cast<std::size_t>(countIf(!areStudies)), reason));
+    EXPECT_EQ(model.GetNMissing(), countIf(areMissing));
+    EXPECT_EQ(model.GetNDropped(), countIf(areDropped));
+    EXPECT_EQ(model.GetNInvalid(), countIf(!areStudies && !areMissing && !areDropped));
+}
+
 /// The studies' own tests and 95% intervals follow from their effects and variances.
 inline void ExpectStudyTests(const MA_NAMESPACE::MABaseModel& model)
 {

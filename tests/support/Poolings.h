@@ -5,6 +5,7 @@
 #include "support/FinishedRun.h"
 
 #include "meta_analysis/analysis/MABinModel.h"
+#include "meta_analysis/analysis/MAContModel.h"
 
 /// A way to pool 2x2 tables.
 struct Pooling
@@ -40,6 +41,7 @@ inline const Pooling& randomEffects = poolings[1];
 
 using BinModel = MA_NAMESPACE::MABinModel;
 using BinRun = FinishedRun<BinModel>;
+using ContRun = FinishedRun<MA_NAMESPACE::MAContModel>;
 using Column = std::vector<double> (BinModel::*)() const;
 using Columns = std::vector<Column>;
 

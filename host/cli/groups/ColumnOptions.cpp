@@ -67,7 +67,8 @@ OptionDefinitions EffectsColumns(Options& options)
 OptionDefinitions RegressionColumns(Options& options)
 {
     return {
-        Required(Column("effect-size", options.effectSize, "effect sizes (of ratios: their logarithms, or --ratio)")),
+        Required(Column("effect-size", options.effectSize,
+                        "effect sizes (of ratios: their logarithms, or --ratio)")),
         ThisOrNext(Column("variance", options.variance, "their variances, or")),
         ThisOrNext(Column("std-error", options.stdError, "their standard errors, or")),
         Column("weight", options.weight, "their weights, the inverses of the variances"),

@@ -2,8 +2,6 @@
 
 #include <cmath>
 #include <cstddef>
-#include <map>
-#include <utility>
 
 using namespace MA_NAMESPACE;
 

@@ -54,6 +54,7 @@ template <class Value>
 std::vector<Value> Picked(const std::vector<Value>& values, const std::vector<int>& positions)
 {
     std::vector<Value> picked;
+    picked.reserve(positions.size());
     for (const int position : positions)
         picked.push_back(values[static_cast<std::size_t>(position)]);
     return picked;

@@ -9,8 +9,6 @@
 
 #include <fmt/format.h>
 
-#include <cstddef>
-
 using namespace MA_NAMESPACE;
 
 namespace host {

@@ -2,9 +2,7 @@
 
 #include "meta_analysis/analysis/steps/MALeaveOneOut.h"
 #include "meta_analysis/platform/common/Square.h"
-#include "meta_analysis/settings/MAMeasures.h"
 
-#include <cmath>
 #include <limits>
 
 namespace MA_NAMESPACE {

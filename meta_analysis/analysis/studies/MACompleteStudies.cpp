@@ -8,7 +8,6 @@
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <algorithm>
-#include <utility>
 
 namespace MA_NAMESPACE {
 

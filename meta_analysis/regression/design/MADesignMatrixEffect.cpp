@@ -6,7 +6,6 @@
 #include "meta_analysis/platform/regression/FactorLevel.h"
 
 #include <algorithm>
-#include <cmath>
 #include <cstddef>
 #include <limits>
 

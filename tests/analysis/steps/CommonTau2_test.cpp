@@ -5,15 +5,12 @@
 #include "support/Published.h"
 #include "support/Regression.h"
 
-#include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/settings/MAEstimators.h"
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
 
 namespace {
-
-using ContRun = FinishedRun<MAContModel>;
 
 /// Log risk ratios of the trials of BCG by allocation.
 struct ByAllocation : Published

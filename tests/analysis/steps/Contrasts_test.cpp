@@ -1,6 +1,5 @@
 #include "support/Poolings.h"
 
-#include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -8,8 +7,6 @@ using namespace MA_NAMESPACE;
 using namespace MAConst;
 
 namespace {
-
-using ContRun = FinishedRun<MAContModel>;
 
 /// Effect and variance, then contrasts: zeros alone, weights, one with a missing coefficient, one with a NaN,
 /// and missing ones alone.

@@ -109,7 +109,7 @@ TEST(Influence, NamesTheStudiesThatStandOut)
     EXPECT_EQ(run.model.GetInfluenceRules(), rules);
 }
 
-/// Without study i the pooled effect of tables, and what follows, is that of the run without it.
+/// Of the poolings of counts only Peto's has weights that are inverse variances; none has a tau².
 TEST(Influence, OfPooledTablesHasDffitsForPetoAlone)
 {
     const Published bcg("bcg_vaccine");

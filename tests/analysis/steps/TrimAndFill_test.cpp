@@ -42,8 +42,6 @@ Row Sorted(Row values)
     return values;
 }
 
-using ContRun = FinishedRun<MAContModel>;
-
 void ExpectFigures(const MABaseModel& model, const nlohmann::json& figures, double tolerance)
 {
     const nlohmann::json& filled = figures.at("filled"); // one is a number

@@ -1,0 +1,14 @@
+#pragma once
+
+#include "host/plots/ForestRows.h"
+#include "host/plots/PlotAxes.h"
+
+#include <vector>
+
+namespace host {
+
+/// The range of the effects and their intervals, which are cut where they are several times as long as is
+/// typical. It has the place of no effect, if there is one and the range is not many times as long with it.
+Extent EffectExtent(const std::vector<ForestRow>& rows, bool hasNoEffect);
+
+} // namespace host
