@@ -38,8 +38,8 @@ std::string RenderTable(const std::vector<ReportColumn>& table)
             lines[i] += (lines[i].empty() ? "" : "  ") + texts[i];
     }
     std::string text;
-    for (const std::string& line : lines)
-        text += line + '\n';
+    for (const std::string& line : lines) // without the padding of a last column of texts
+        text.append(line, 0, line.find_last_not_of(' ') + 1).append("\n");
     return text;
 }
 
