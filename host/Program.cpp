@@ -15,14 +15,30 @@
 #include "host/run/Analysis.h"
 #include "host/run/AnalysisRequest.h"
 
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <fmt/format.h>
+#include <fmt/ranges.h>
+
 #include <csignal>
 #include <exception>
 #include <new>
 #include <variant>
 
+using namespace MA_NAMESPACE;
+
 namespace host {
 
 namespace {
+
+/// The parameters that the weights of a hypothesis are of, when an error is about these.
+std::string ParametersOfHypotheses(const RegressionData& data)
+{
+    const int code = data.analysis.status.GetCode();
+    if (code != MAStatusCode::HYPOTHESIS_UNUSABLE && code != MAStatusCode::HYPOTHESIS_ON_REDUNDANT)
+        return {};
+    return fmt::format("The parameters are {}.", fmt::join(data.ParameterNames(), ", "));
+}
 
 int AnalyseRegression(const Options& options, const DataTable& table)
 {
@@ -36,7 +52,8 @@ int AnalyseRegression(const Options& options, const DataTable& table)
     const auto makePictures = [&] {
         return MakeRegressionPictures(RegressionData(options, request, analysis));
     };
-    return WriteOutput(options, {analysis.status, makeReport, makeJson, KXStatus(), makePictures});
+    return WriteOutput(options, {analysis.status, makeReport, makeJson, KXStatus(), makePictures,
+                                 ParametersOfHypotheses(RegressionData(options, request, analysis))});
 }
 
 int AnalyseStudies(const Options& options, const DataTable& table)

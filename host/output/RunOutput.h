@@ -19,6 +19,7 @@ struct RunOutput
     std::function<std::string()> json;
     KXStatus furtherStatus = {}; ///< of the steps beyond the main analysis: their error leaves the report
     std::function<std::vector<Picture>()> pictures = {};
+    std::string errorDetail = {}; ///< a sentence beside that of an error
 };
 
 } // namespace host

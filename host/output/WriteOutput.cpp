@@ -14,9 +14,10 @@ namespace host {
 
 namespace {
 
-void WriteLibraryError(int code)
+void WriteLibraryError(int code, const std::string& detail)
 {
-    WriteToStandardError(fmt::format("error {}: {}", code, SentenceOf(code)).c_str());
+    const char* const gap = detail.empty() ? "" : " ";
+    WriteToStandardError(fmt::format("error {}: {}{}{}", code, SentenceOf(code), gap, detail).c_str());
 }
 
 /// Whether `write` succeeded; if not, its sentence joins the failures.
@@ -65,7 +66,7 @@ ExitStatus WriteOutput(const Options& options, const RunOutput& output)
     Write(rendered, options);
     const KXStatus& status = output.status.IsError() ? output.status : output.furtherStatus;
     if (status.IsError())
-        WriteLibraryError(status.GetCode());
+        WriteLibraryError(status.GetCode(), output.errorDetail);
     WriteFailures(rendered.failures);
     if (!rendered.failures.empty())
         return EXIT_UNUSABLE;

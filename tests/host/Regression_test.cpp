@@ -161,6 +161,8 @@ TEST(Regression, WritesTheErrorInPlaceOfTheReport)
     const json report = json::parse(folder.Read("out.json"));
     EXPECT_EQ(report["status"], (json{{"code", MAStatusCode::NO_USABLE_STUDY}, {"kind", "error"}}));
     EXPECT_EQ(report["records"]["used"], 0);
+    EXPECT_THAT(RunProgram(Vaccine(folder) + "--variance v --covariate latitude --hypothesis 1").errors,
+                testing::EndsWith("The parameters are (intercept), latitude.\n"));
 }
 
 const char* const tables = "--treatment-events treatment_events --treatment-nonevents treatment_nonevents "
