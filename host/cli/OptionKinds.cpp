@@ -16,6 +16,7 @@ namespace {
 std::vector<std::string> NamesOfWords(const std::vector<OtherWord>& words)
 {
     std::vector<std::string> names;
+    names.reserve(words.size());
     for (const OtherWord& other : words)
         names.push_back(other.word);
     return names;

@@ -57,6 +57,7 @@ OptionDefinition SmallStudyTestByNumber(Options& options)
 OptionDefinition SmallStudyTestOption(Options& options)
 {
     std::vector<OtherWord> words;
+    words.reserve(SMALL_STUDY_TESTS.size());
     for (const SmallStudyTest& test : SMALL_STUDY_TESTS)
         words.push_back({test.word, std::string(test.name)});
     return AlsoTaking(words, SmallStudyTestByNumber(options));

@@ -49,11 +49,11 @@ MASubgroups PoolTogether(const MAStudies& studies, const std::vector<MASelection
         effects.push_back({columns[columns.size() - 2], columns.back()});
     }
     MASubgroups result;
-    for (MAPooledModel& model : PoolWithCommonTau2(effects, choice.random)) {
+    for (const MAPooledModel& model : PoolWithCommonTau2(effects, choice.random)) {
         result.status = model.status;
         if (result.status.IsError())
             return result;
-        result.groups.push_back({std::move(model), 0, {}});
+        result.groups.push_back({model, 0, {}});
     }
     return result;
 }
