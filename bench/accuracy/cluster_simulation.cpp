@@ -10,6 +10,7 @@
 #include <cmath>
 #include <cstddef>
 #include <cstdio>
+#include <exception>
 #include <random>
 #include <stdexcept>
 #include <vector>
@@ -131,11 +132,14 @@ void Simulate(const Truth& truth, Design design)
 } // namespace
 
 int main()
-{
+try {
     std::printf("\nRejections of a coefficient of 0 at the 5 %% level, %d draws of %zu clusters.\n\n", draws,
                 clusterCount);
     std::printf("| true effects | covariate | CR2, Satterthwaite | CR1 | CR0 |\n|---|---|---|---|---|\n");
     for (const Design design : {Design::Halves, Design::Normal})
         for (const Truth& truth : truths)
             Simulate(truth, design);
+} catch (const std::exception& problem) {
+    std::fprintf(stderr, "%s\n", problem.what());
+    return 1;
 }

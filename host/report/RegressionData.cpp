@@ -20,7 +20,7 @@ Measure MeasureOfRegression(const Options& options)
     if (!HasRawData(options))
         return {"effect size", "Effect", false, MAScale::Natural};
     const Measure own = MeasureOf(options.settings);
-    const Measure measure = options.label ? own.Labelled(LabelText(*options.label)) : own;
+    Measure measure = options.label ? own.Labelled(LabelText(*options.label)) : own;
     if (measure.isRatio)
         return measure;
     return {measure.AnalysisName(), measure.AnalysisSymbol(), false, MAScale::Natural, measure.hasNoEffect};
