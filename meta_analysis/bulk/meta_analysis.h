@@ -43,22 +43,26 @@ enum
     MA_STATUS_OK = 0,
 
     /* Of a call. */
-    MA_STATUS_INPUT_NOT_GIVEN = 460009, /* a null pointer where values are, or offsets that fall */
+    MA_STATUS_INPUT_NOT_GIVEN = 460009, /* a null pointer where there must be values, or offsets that fall */
     MA_STATUS_OUT_OF_MEMORY = 460099,
-    MA_STATUS_CONFIDENCE_LEVEL_OUTSIDE = 460101,  /* not between 0 and 1 */
-    MA_STATUS_NULL_IGNORED = 460104,              /* null_effect under random effects */
-    MA_STATUS_NO_ITERATION_ALLOWED = 460106,      /* a limit below 1 for scoring */
-    MA_STATUS_TAU2_INTERVAL_UNAVAILABLE = 460108, /* profile likelihood for estimators other than ML, REML */
-    MA_STATUS_STRUCT_SIZE_UNKNOWN = 460155,       /* a size below that of the first edition of the struct */
+    MA_STATUS_TAU2_INTERVAL_UNAVAILABLE = 460108, /* profile likelihood for estimators but ML and REML */
+    MA_STATUS_STRUCT_SIZE_UNKNOWN = 460155,       /* no struct has the size in its first field */
     MA_STATUS_STRUCT_FIELD_UNKNOWN = 460156,      /* a field of a newer header than the library's is set */
     MA_STATUS_OPTION_UNKNOWN = 460157,            /* no option has this name */
     MA_STATUS_OPTION_VALUE_UNKNOWN = 460158,      /* an option cannot have this value */
 
-    /* Of a set. */
-    MA_STATUS_TAU2_FAILED = 460060,     /* no estimate of tau²; results other than k are NaN */
-    MA_STATUS_TAU2_DOUBTFUL = 460100,   /* tau² is not proved to be what its estimator defines */
+    /* Errors of a set: its results are NaN, its degrees of freedom 0. */
     MA_STATUS_NO_STUDY_IN_RUN = 460105, /* nothing to pool */
-    MA_STATUS_TOO_FEW_ROWS = 460015     /* no more studies than coefficients */
+    MA_STATUS_TAU2_FAILED = 460060,     /* tau² could not be estimated */
+    MA_STATUS_NO_USABLE_STUDY = 460073, /* nothing to regress */
+    MA_STATUS_TOO_FEW_ROWS = 460015,    /* no more studies than coefficients */
+    MA_STATUS_ONE_USABLE_STUDY = 460029,
+
+    /* Warnings of a set, which has its results. */
+    MA_STATUS_TAU2_DOUBTFUL = 460100, /* tau² is not proved to be what its estimator defines */
+    MA_STATUS_AS_MANY_STUDIES_AS_PARAMETERS = 460047, /* no dispersion: taken as 1 */
+    MA_STATUS_DISPERSION_NEAR_ZERO = 460048,          /* an exact fit: the dispersion is taken as 1 */
+    MA_STATUS_NO_RESIDUAL_DF = 460049                 /* no degrees of freedom for a residual test */
 };
 
 /* The sentence of a status, in English; static, never NULL, also for a number that is none. */
@@ -132,7 +136,8 @@ enum /* .prediction: the distribution of the prediction interval */
     MA_PREDICTION_NORMAL = 2       /* "normal" */
 };
 
-/* How every set is pooled. `ma_pool_options_init` sets the defaults. */
+/* How every set is pooled. `ma_pool_options_init` sets the defaults. The fixed model uses `level` and
+ * `null_effect` alone. */
 typedef struct ma_pool_options
 {
     size_t size;           /* sizeof(ma_pool_options) */
@@ -143,7 +148,8 @@ typedef struct ma_pool_options
     int32_t tau2_interval; /* default MA_TAU2_INTERVAL_Q_PROFILE */
     int32_t prediction;    /* default MA_PREDICTION_T_K_MINUS_2 */
     double level;          /* of intervals, between 0 and 1; default 0.95 */
-    double null_effect; /* under the null hypothesis of the fixed model; default 0, as random effects take */
+    double null_effect; /* under the null hypothesis, on the scale of the effects; default 0, the only value
+                           for random effects */
     double tolerance;   /* scoring ends below a step of this size, in units of tau²; above 0; default 1e-6 */
     int32_t max_iterations;   /* of scoring, from 1 on; default 100 */
     int32_t max_step_halving; /* of a scoring step that makes tau² negative, from 1 on; default 5 */
@@ -181,9 +187,10 @@ typedef struct ma_pool_results
 /* Sets the defaults, and the size. `size` is sizeof(ma_pool_options) as the caller's compiler has it. */
 META_ANALYSIS_EXPORT int32_t ma_pool_options_init(ma_pool_options* options, size_t size);
 
-/* Sets an option by its name, which is that of the field, and a word from the comments above or a number in C
- * notation: ma_pool_option_set(&options, "tau2", "reml"), (..., "level", "0.9"). In names "-" stands for "_".
- * MA_STATUS_OPTION_UNKNOWN, MA_STATUS_OPTION_VALUE_UNKNOWN; nothing is changed then. */
+/* Sets an option by its name, which is that of the field, and one of the words in quotes above, "on" or "off"
+ * for a switch, or a number with a decimal point: ma_pool_option_set(&options, "tau2", "reml"), (...,
+ * "level", "0.9"). In names "-" stands for "_". MA_STATUS_OPTION_UNKNOWN, MA_STATUS_OPTION_VALUE_UNKNOWN;
+ * nothing is changed then. */
 META_ANALYSIS_EXPORT int32_t ma_pool_option_set(ma_pool_options* options, const char* name,
                                                 const char* value);
 
@@ -224,33 +231,47 @@ typedef struct ma_regression_options
     int32_t max_iterations;   /* default 100 */
     int32_t max_step_halving; /* default 5 */
     int32_t threads;          /* default 0: one for each processor */
-    int32_t reserved;         /* 0 */
+    int32_t dispersion; /* switch: the fixed model scales variances by the dispersion, which is estimated from
+                           the residuals; default 0 */
 } ma_regression_options;
 
 /* Results; NULL is one that is not wanted. Those of a coefficient have a row for each column of the design
- * and a column for each set: coefficient j of set s is at [j * set_count + s]. The others have an entry a
- * set. A coefficient whose column depends on those before it, among the studies of the set, is NaN. */
+ * and a column for each set: coefficient j of set s is at [j * set_count + s], so that each coefficient is a
+ * map over the sets. The others have an entry a set. A coefficient whose column the studies of the set leave
+ * redundant (the columns before it, the intercept first, determine it) is NaN. */
 typedef struct ma_regression_results
 {
     size_t size; /* sizeof(ma_regression_results) */
     /* Of each coefficient and set. */
     double* coefficient;
     double* std_error;
-    double* statistic; /* t or z */
+    double* statistic; /* against 0: t, or z */
     double* p;         /* two-sided */
-    double* mlog10p;   /* -log10(p) */
+    double* mlog10p;   /* -log10(p), right also where p underflows */
     double* ci_lower;
     double* ci_upper;
+    double* covariance; /* of coefficients i and j at [(i * coefficient_count + j) * set_count + s] */
     /* Of each set. */
-    int32_t* k;        /* studies in the regression */
+    int32_t* k;        /* studies that were used */
     int32_t* left_out; /* studies that are not NaN but cannot be used */
-    int32_t* df;       /* k - p, p the coefficients that are estimated */
-    double* tau2;      /* that the predictors leave */
+    int32_t* rank;     /* coefficients that are not redundant */
+    double* tau2;      /* residual: what the predictors leave; 0 for the fixed model */
     double* tau2_lower;
     double* tau2_upper;
-    double* q; /* residual: sum((y - x'b)² / v), b the fixed-effect fit */
+    double* q;     /* residual: sum((y - x'b)² / v), b of the fixed model */
+    int32_t* q_df; /* k - rank; the degrees of freedom of t as well */
     double* q_p;
-    double* i2; /* residual, a fraction */
+    double* i2;         /* residual, a fraction */
+    double* r2;         /* part of tau² that the predictors explain, a fraction; NaN for the fixed model */
+    double* dispersion; /* of the fixed model; 1 without it */
+    /* Test of all coefficients but the intercept: Wald's chi-square, or F under Knapp and Hartung. */
+    double* model_statistic;
+    int32_t* model_df1;
+    int32_t* model_df2; /* of F; 0 for a chi-square */
+    double* model_p;
+    double* model_mlog10p;
+    /* 0; MA_STATUS_NO_USABLE_STUDY, _TOO_FEW_ROWS, _ONE_USABLE_STUDY, _TAU2_FAILED; or a warning, the first
+     * of several: _TAU2_DOUBTFUL, _AS_MANY_STUDIES_AS_PARAMETERS, _DISPERSION_NEAR_ZERO, _NO_RESIDUAL_DF. */
     int32_t* status;
 } ma_regression_results;
 
@@ -259,9 +280,10 @@ META_ANALYSIS_EXPORT int32_t ma_regression_option_set(ma_regression_options* opt
                                                       const char* value);
 
 /* Regresses each set on one design: y = X b + u + e, Var(u) = tau², Var(e) = v, by least squares with weights
- * 1 / (v + tau²). `design` is X, studies x `coefficient_count`; it has a column of ones where an intercept is
- * wanted. Effects and variances are as for `ma_pool_block`; with one set, column strides are not read. The
- * values of the design are finite; MA_STATUS_INPUT_NOT_GIVEN otherwise. */
+ * 1 / (v + tau²). `design` is X, studies x `coefficient_count`, as it is: the first column that is 1 in every
+ * study is the intercept, and none is added. A study with a NaN among its predictors is in no set. Effects
+ * and variances are as for `ma_pool_block`; one meta-regression is a call with one set, of which column
+ * strides are not used. The results are those of the classes MAREAlgorithm and MAFEAlgorithm for each set. */
 META_ANALYSIS_EXPORT int32_t ma_regress_block(ma_matrix effects, ma_matrix variances, ma_matrix design,
                                               size_t study_count, size_t set_count, size_t coefficient_count,
                                               const ma_regression_options* options,
@@ -319,9 +341,9 @@ typedef struct ma_table_options
     size_t size;              /* sizeof(ma_table_options) */
     int32_t measure;          /* default MA_MEASURE_ODDS_RATIO */
     int32_t zero_cells;       /* default MA_ZERO_CELLS_EACH */
-    double zero_constant;     /* above 0; default 0.5 */
+    double zero_delta;        /* the constant, not below 0; default 0.5 */
     double level;             /* of intervals, between 0 and 1; default 0.95 */
-    int32_t drop_double_zero; /* 1: drops tables without events, or without non-events, in both groups;
+    int32_t drop_double_zero; /* switch: drops tables without events, or without non-events, in both groups;
                                  default 0 */
     int32_t reserved;         /* 0 */
 } ma_table_options;
@@ -354,12 +376,13 @@ enum /* ma_means_options.glass_group */
 /* The variances that the options choose are in docs/methods.md. */
 typedef struct ma_means_options
 {
-    size_t size;                 /* sizeof(ma_means_options) */
-    int32_t measure;             /* default MA_MEASURE_COHENS_D */
-    int32_t equal_variances;     /* 1: pools the variances of a mean difference; default 0 */
-    int32_t variance_adjustment; /* 1: N - 2 (d), N - 3.94 (g) in place of N in the variance; default 0 */
-    int32_t glass_group;         /* default MA_GROUP_CONTROL */
-    double level;                /* of intervals, between 0 and 1; default 0.95 */
+    size_t size;             /* sizeof(ma_means_options) */
+    int32_t measure;         /* default MA_MEASURE_COHENS_D */
+    int32_t equal_variances; /* switch: pools the variances of a mean difference; default 0 */
+    int32_t
+        variance_adjustment; /* switch: N - 2 (d), N - 3.94 (g) in place of N in the variance; default 0 */
+    int32_t glass_group;     /* default MA_GROUP_CONTROL */
+    double level;            /* of intervals, between 0 and 1; default 0.95 */
 } ma_means_options;
 
 META_ANALYSIS_EXPORT int32_t ma_means_options_init(ma_means_options* options, size_t size);
