@@ -234,6 +234,7 @@ KXStatus MADesignMatrix::CacheRows()
     if (read.IsError())
         return read;
     FinishRows();
+    columns_->ReleaseWorkspace();
     return read;
 }
 
@@ -245,8 +246,9 @@ void MADesignMatrix::SetRows(const MADesignRows& rows)
 
 void MADesignMatrix::FinishRows()
 {
-    columns_ = std::make_unique<const MAOrthonormalColumns>(rows_, hasIntercept_,
-                                                            settings_->GetComputationalTolerance());
+    if (columns_ == nullptr)
+        columns_ = std::make_unique<MAOrthonormalColumns>();
+    columns_->Assign(rows_, hasIntercept_, settings_->GetComputationalTolerance());
     meanVariance_ = 0.0;
     for (const double variance : rows_.variances)
         meanVariance_ += variance / static_cast<double>(rows_.Count());
@@ -262,6 +264,7 @@ std::unique_ptr<MADesignMatrix> MADesignMatrix::Without(std::size_t row) const
     rest->rows_ = rows_;
     rest->rows_.Erase(row);
     rest->FinishRows();
+    rest->columns_->ReleaseWorkspace();
     return rest;
 }
 

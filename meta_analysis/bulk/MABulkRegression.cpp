@@ -1,0 +1,1 @@
+#include "meta_analysis/bulk/MABulkRegression.h"
