@@ -100,9 +100,16 @@ std::vector<double> MARegFit::Direction(std::size_t position) const
     return direction;
 }
 
+double MARegFit::UnscaledStdError(std::size_t position, std::vector<double>& direction) const
+{
+    Direction(position, direction);
+    return NormOf(direction);
+}
+
 double MARegFit::UnscaledStdError(std::size_t position) const
 {
-    return NormOf(Direction(position));
+    std::vector<double> direction;
+    return UnscaledStdError(position, direction);
 }
 
 void MARegFit::Residuals(std::vector<double>& residuals) const

@@ -63,7 +63,8 @@ public:
     /// are those of M.
     void Direction(std::size_t position, std::vector<double>& direction) const;
     std::vector<double> Direction(std::size_t position) const;
-    /// sqrt(M_jj) of the estimated coefficient at a position of `EstimatedColumns`.
+    /// sqrt(M_jj) of the estimated coefficient at a position of `EstimatedColumns`, and its direction.
+    double UnscaledStdError(std::size_t position, std::vector<double>& direction) const;
     double UnscaledStdError(std::size_t position) const;
     /// b₁'M₁⁻¹b₁ of the coefficients other than the intercept, and their number.
     double WaldStatistic() const;

@@ -56,7 +56,8 @@ MADesignMatrix::MADesignMatrix(const MARegSettings& settings)
       factorCounts_(factors_, factorSizes_, settings.GetFreqWeightVar(), settings.GetDependent()),
       statistics_(covariates_, -1, settings.GetRegrWeightVar(), settings.GetFreqWeightVar(),
                   settings.GetDependent()),
-      hasIntercept_(settings.GetInterceptUse())
+      hasIntercept_(settings.GetInterceptUse()),
+      columns_(std::make_unique<MAOrthonormalColumns>())
 {
     for (const KXModelEffect& effect : settings.GetModelEffects())
         effects_.emplace_back(effect, settings);
@@ -246,8 +247,6 @@ void MADesignMatrix::SetRows(const MADesignRows& rows)
 
 void MADesignMatrix::FinishRows()
 {
-    if (columns_ == nullptr)
-        columns_ = std::make_unique<MAOrthonormalColumns>();
     columns_->Assign(rows_, hasIntercept_, settings_->GetComputationalTolerance());
     meanVariance_ = 0.0;
     for (const double variance : rows_.variances)
