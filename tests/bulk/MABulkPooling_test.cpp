@@ -88,8 +88,9 @@ void ExpectSameColumns(const Columns& actual, const Columns& expected, const cha
                 << Differs(actual.values[i][set], value).message();
         }
     for (std::size_t i = 0; i < actual.integers.size(); ++i) {
-        if (actual.results.*Columns::counts[i] != nullptr)
+        if (actual.results.*Columns::counts[i] != nullptr) {
             ASSERT_EQ(actual.integers[i], expected.integers[i]) << what << ", column " << i;
+        }
     }
 }
 
