@@ -163,7 +163,7 @@ KXStatus PoolAll(const Sets& sets, const Choice& choice, const MABulkResults& re
         }
     };
     const std::size_t mostThreads = sets.setCount == 0 ? 1 : sets.setCount;
-    RunOnThreads(std::min(ThreadCountOf(threadCount), mostThreads), work);
+    RunOnThreads(ThreadCountOf(threadCount, mostThreads), work);
     return call.hasMemory ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY);
 }
 
