@@ -59,15 +59,20 @@ grouping_of <- function(groups, effects)
     if (!is.atomic(groups))
         stop("`groups` is neither a vector nor a factor", call. = FALSE)
     check_length(groups, "groups", effects)
-    if (length(groups) > .Machine$integer.max)
-        stop("`groups` has more than ", .Machine$integer.max, " elements", call. = FALSE)
+    if (length(groups) >= .Machine$integer.max)
+        stop("`groups` has ", .Machine$integer.max, " elements or more", call. = FALSE)
     keys <- if (is.factor(groups)) as.integer(groups) else groups
     if (anyNA(keys))
         stop("`groups` has missing values", call. = FALSE)
-    first <- which(!duplicated(keys))
-    position <- match(keys, keys[first])
-    list(offsets = offsets_of(tabulate(position, length(first))),
-         order = if (is.unsorted(position)) order(position), labels = labels_of(groups[first]))
+    count <- length(keys)
+    starts <- which(c(count > 0L, keys[-1L] != keys[-count])) # of runs, which take less time to compare
+    of_runs <- keys[starts]
+    first <- !duplicated(of_runs)
+    labels <- labels_of(groups[starts[first]])
+    if (all(first))
+        return(list(offsets = as.double(c(starts - 1L, count)), labels = labels))
+    position <- rep(match(of_runs, of_runs[first]), diff(c(starts, count + 1L)))
+    list(offsets = offsets_of(tabulate(position, sum(first))), order = order(position), labels = labels)
 }
 
 offsets_of <- function(counts) c(0, cumsum(as.double(counts)))

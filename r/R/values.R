@@ -1,7 +1,9 @@
 # A list of columns, vectors or matrices, as a data frame, without the copies and checks of data.frame().
 data_frame <- function(columns)
 {
-    structure(columns, class = "data.frame", row.names = .set_row_names(NROW(columns[[1L]])))
+    attr(columns, "row.names") <- .set_row_names(NROW(columns[[1L]]))
+    class(columns) <- "data.frame"
+    columns
 }
 
 # Each vector is looked at, for unlist() makes numbers of a factor.
