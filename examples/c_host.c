@@ -1,5 +1,5 @@
-/* A host in C: pools three measures of 13 trials of BCG vaccination against tuberculosis in one call.
- * Data: Colditz et al. (1994), JAMA 271, 698-702. */
+/* A host in C: pools three measures of 13 trials of BCG vaccination against tuberculosis in one call, and
+ * regresses one of them on the latitude. Data: Colditz et al. (1994), JAMA 271, 698-702. */
 
 #include <math.h>
 #include <meta_analysis.h>
@@ -9,7 +9,8 @@ enum
 {
     STUDIES = 13,
     COUNTS = 4, /* cases and healthy, vaccinated; cases and healthy, not vaccinated */
-    MEASURES = 3
+    MEASURES = 3,
+    COEFFICIENTS = 2 /* intercept and latitude */
 };
 
 static const double tables[STUDIES][COUNTS] = {
@@ -17,6 +18,8 @@ static const double tables[STUDIES][COUNTS] = {
     {33, 5036, 47, 5761},  {180, 1361, 372, 1079}, {8, 2537, 10, 619},       {505, 87886, 499, 87892},
     {29, 7470, 45, 7232},  {17, 1699, 65, 1600},   {186, 50448, 141, 27197}, {5, 2493, 3, 2338},
     {27, 16886, 29, 17825}};
+
+static const double latitudes[STUDIES] = {44, 55, 42, 52, 13, 44, 19, 13, 27, 42, 18, 33, 33};
 
 static const char* const measures[MEASURES] = {"odds-ratio", "risk-ratio", "risk-difference"};
 
@@ -47,6 +50,52 @@ static int compute_effects(const char* measure, double* effects, double* varianc
                                                 control_healthy, STUDIES, &options, &results));
 }
 
+static int pool(ma_matrix effects, ma_matrix variances)
+{
+    ma_pool_options options;
+    ma_pool_options_init(&options, sizeof options);
+    if (failed("Options", ma_pool_option_set(&options, "tau2", "reml")))
+        return 1;
+
+    /* Only the columns that are named are computed. */
+    double estimate[MEASURES], lower[MEASURES], upper[MEASURES];
+    int32_t status[MEASURES];
+    const ma_pool_results results = {
+        .size = sizeof results, .estimate = estimate, .ci_lower = lower, .ci_upper = upper, .status = status};
+    if (failed("Pooling", ma_pool_block(effects, variances, STUDIES, MEASURES, &options, &results)))
+        return 1;
+
+    for (int i = 0; i < MEASURES; ++i) {
+        if (failed(measures[i], status[i]))
+            return 1;
+        const int is_ratio = i < 2;
+        printf("%s: %.4f, 95%% interval %.4f to %.4f\n", measures[i],
+               is_ratio ? exp(estimate[i]) : estimate[i], is_ratio ? exp(lower[i]) : lower[i],
+               is_ratio ? exp(upper[i]) : upper[i]);
+    }
+    return 0;
+}
+
+/* One meta-regression is a block of one set. */
+static int regress(ma_matrix effects, ma_matrix variances)
+{
+    double design[STUDIES][COEFFICIENTS];
+    for (int i = 0; i < STUDIES; ++i) {
+        design[i][0] = 1;
+        design[i][1] = latitudes[i];
+    }
+    const ma_matrix x = {&design[0][0], COEFFICIENTS, 1};
+
+    double coefficient[COEFFICIENTS], std_error[COEFFICIENTS];
+    const ma_regression_results results = {
+        .size = sizeof results, .coefficient = coefficient, .std_error = std_error};
+    if (failed("Regression",
+               ma_regress_block(effects, variances, x, STUDIES, 1, COEFFICIENTS, NULL, &results)))
+        return 1;
+    printf("log risk ratio by latitude: %.4f, standard error %.4f\n", coefficient[1], std_error[1]);
+    return 0;
+}
+
 int main(void)
 {
     /* A row for each measure, which is a set of its own. */
@@ -56,33 +105,13 @@ int main(void)
         if (compute_effects(measures[i], effects[i], variances[i]))
             return 1;
 
-    /* Random effects by restricted maximum likelihood, as by default, on all processors. */
-    ma_pool_options options;
-    ma_pool_options_init(&options, sizeof options);
-    if (failed("Options", ma_pool_option_set(&options, "knapp-hartung", "none")))
-        return 1;
-
-    /* Only the columns that are named are computed. */
-    double estimate[MEASURES], lower[MEASURES], upper[MEASURES], tau2[MEASURES];
-    int32_t status[MEASURES];
-    const ma_pool_results results = {.size = sizeof results,
-                                     .estimate = estimate,
-                                     .ci_lower = lower,
-                                     .ci_upper = upper,
-                                     .tau2 = tau2,
-                                     .status = status};
-    const ma_matrix y = {&effects[0][0], 1, STUDIES}; /* studies are rows, sets are columns */
+    /* Studies are the rows of the library, and sets the columns: here they lie the other way. */
+    const ma_matrix y = {&effects[0][0], 1, STUDIES};
     const ma_matrix v = {&variances[0][0], 1, STUDIES};
-    if (failed("Pooling", ma_pool_block(y, v, STUDIES, MEASURES, &options, &results)))
+    if (pool(y, v))
         return 1;
 
-    for (int i = 0; i < MEASURES; ++i) {
-        const int is_ratio = i < 2;
-        if (failed(measures[i], status[i]))
-            continue;
-        printf("%s: %.4f, 95%% interval %.4f to %.4f, tau2 %.4f\n", measures[i],
-               is_ratio ? exp(estimate[i]) : estimate[i], is_ratio ? exp(lower[i]) : lower[i],
-               is_ratio ? exp(upper[i]) : upper[i], tau2[i]);
-    }
-    return 0;
+    const ma_matrix log_risk_ratios = {effects[1], 1, STUDIES};
+    const ma_matrix their_variances = {variances[1], 1, STUDIES};
+    return regress(log_risk_ratios, their_variances);
 }

@@ -18,7 +18,8 @@ fi
 # Without what depends on the place or on the version; the sources other than those of the C interface have
 # nothing to say here.
 describe() {
-    abidw --suppressions "$ignored" --exported-interfaces-only --type-id-style hash --no-architecture \
+    abidw --suppressions "$ignored" --header-file meta_analysis/bulk/meta_analysis.h --drop-private-types \
+        --drop-undefined-syms --exported-interfaces-only --type-id-style hash --no-architecture \
         --no-corpus-path --no-comp-dir-path --no-elf-needed --no-show-locs "$library" |
         awk '/<abi-instr/ { drop = !/CInterface/ } !drop { print } /<\/abi-instr>/ { drop = 0 }' |
         sed -e "s/ soname='[^']*'//" -e "s| path='[^']*/| path='|"
