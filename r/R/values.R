@@ -26,6 +26,7 @@ as_doubles <- function(values, name)
         return(values)
     doubles <- as.double(values)
     dim(doubles) <- dim(values)
+    dimnames(doubles) <- dimnames(values)
     doubles
 }
 

@@ -9,6 +9,7 @@
  * sets to the library in portions, and let the user interrupt between two. All memory is R's, so that nothing
  * is lost when an error or an interrupt leaves by a jump. */
 SEXP pool_sets(SEXP effects, SEXP variances, SEXP offsets, SEXP option_list, SEXP columns);
+SEXP regress_sets(SEXP effects, SEXP variances, SEXP design, SEXP option_list, SEXP columns);
 SEXP status_text(SEXP statuses);
 
 /* Limits of a portion: some tenths of a second of work for one thread, and enough for all. */

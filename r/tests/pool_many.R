@@ -36,7 +36,7 @@ same <- function(results) stopifnot(identical(results[names(results) != "group"]
 same(pool_many(effects, variances, threads = 3))
 if (suppressWarnings(Sys.setlocale("LC_NUMERIC", "de_DE.UTF-8")) != "") # a decimal comma
     same(pool_many(effects, variances))
-suppressWarnings(Sys.setlocale("LC_NUMERIC", "C"))
+invisible(suppressWarnings(Sys.setlocale("LC_NUMERIC", "C")))
 same(pool_many(c(effects), c(variances), groups = set_of_study))
 same(pool_many(effects[long], variances[long], groups = set_of_study[long]))
 same(pool_many(in_lists(effects), in_lists(variances)))
@@ -94,7 +94,7 @@ if (requireNamespace("metafor", quietly = TRUE)) {
         stopifnot(close_to(compared[!is.na(compared)], theirs[!is.na(theirs)], 1e-7))
     }
     fixed <- pool_many(effects, variances, model = "fixed")
-    theirs <- t(sapply(1:sets, figures_of, "FE", "z"))
+    theirs <- suppressWarnings(t(sapply(1:sets, figures_of, "FE", "z")))
     stopifnot(close_to(as.matrix(fixed[c("estimate", "std_error", "p", "q")]),
                        theirs[, c("estimate", "std_error", "p", "q")]), all(is.na(fixed$tau2)))
 }
