@@ -9,10 +9,8 @@ regress_many <- function(effects, variances, design, tau2 = "reml", knapp_hartun
     sets <- sets_of_matrices(effects, variances)
     if (!is.matrix(design) || nrow(design) != nrow(effects))
         stop("`design` is not a matrix with a row for each of the ", nrow(effects), " studies", call. = FALSE)
-    if (!isTRUE(dispersion) && !isFALSE(dispersion))
-        stop("`dispersion` is neither TRUE nor FALSE", call. = FALSE)
     options <- list(model = model, tau2 = tau2, knapp_hartung = knapp_hartung, tau2_interval = tau2_interval,
-                    tests = tests, dispersion = if (dispersion) "on" else "off", level = level,
+                    tests = tests, dispersion = on_or_off(dispersion, "dispersion"), level = level,
                     threads = threads)
     results <- .Call(C_regress_sets, sets$effects, sets$variances, as_doubles(design, "design"), options,
                      unique(columns))

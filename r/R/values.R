@@ -41,3 +41,17 @@ check_same_names <- function(of_effects, of_variances, what)
     if (!is.null(of_effects) && !is.null(of_variances) && !identical(of_effects, of_variances))
         stop("The ", what, " of `effects` and `variances` have different names", call. = FALSE)
 }
+
+as_codes <- function(values, name)
+{
+    if (!is.numeric(values))
+        stop("`", name, "` is not numeric", call. = FALSE)
+    as.integer(values)
+}
+
+on_or_off <- function(value, name)
+{
+    if (!isTRUE(value) && !isFALSE(value))
+        stop("`", name, "` is neither TRUE nor FALSE", call. = FALSE)
+    if (value) "on" else "off"
+}

@@ -10,7 +10,10 @@
  * is lost when an error or an interrupt leaves by a jump. */
 SEXP pool_sets(SEXP effects, SEXP variances, SEXP offsets, SEXP option_list, SEXP columns);
 SEXP regress_sets(SEXP effects, SEXP variances, SEXP design, SEXP option_list, SEXP columns);
+SEXP effects_of_tables(SEXP groups, SEXP study_count, SEXP option_list);
+SEXP effects_of_means(SEXP groups, SEXP study_count, SEXP option_list);
 SEXP status_text(SEXP statuses);
+SEXP exclusion_text(SEXP exclusions);
 
 /* Limits of a portion: some tenths of a second of work for one thread, and enough for all. */
 enum

@@ -40,6 +40,14 @@ static void set_threads(const option_target* target, SEXP value)
     *target->threads = (int32_t)threads;
 }
 
+static void set_zero_delta(const option_target* target, SEXP value)
+{
+    const double delta = single_number(value);
+    if (!(delta >= 0 && R_FINITE(delta)))
+        fail_option(target, "zero_delta", "");
+    *target->zero_delta = delta;
+}
+
 void set_options(const option_target* target, SEXP list)
 {
     SEXP names = Rf_getAttrib(list, R_NamesSymbol);
@@ -50,6 +58,8 @@ void set_options(const option_target* target, SEXP list)
             set_level(target, value);
         else if (strcmp(name, "threads") == 0)
             set_threads(target, value);
+        else if (strcmp(name, "zero_delta") == 0)
+            set_zero_delta(target, value);
         else
             set_word(target, name, value);
     }

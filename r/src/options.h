@@ -12,11 +12,12 @@ typedef struct
     void* options;
     int32_t (*set_word)(void* options, const char* name, const char* word);
     double* level;
-    int32_t* threads;
+    int32_t* threads;   /* NULL without such an option */
+    double* zero_delta; /* NULL without such an option */
 } option_target;
 
-/* Sets the options from a named list of words and of the numbers `level` and `threads`. An error names the
- * option, and says what it can be. */
+/* Sets the options from a named list of words and of the numbers `level`, `threads` and `zero_delta`. An
+ * error names the option, and says what it can be. */
 void set_options(const option_target* target, SEXP list);
 
 /* Ends the call with the sentence of the status, unless it is 0. */

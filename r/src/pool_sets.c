@@ -39,7 +39,8 @@ static ma_pool_options options_of(SEXP list)
 {
     ma_pool_options options;
     check_status(ma_pool_options_init(&options, sizeof options));
-    const option_target target = {MA_OPTIONS_POOL, &options, set_word, &options.level, &options.threads};
+    const option_target target = {MA_OPTIONS_POOL, &options,         set_word,
+                                  &options.level,  &options.threads, NULL};
     set_options(&target, list);
     return options;
 }

@@ -55,8 +55,8 @@ static ma_regression_options options_of(SEXP list)
 {
     ma_regression_options options;
     check_status(ma_regression_options_init(&options, sizeof options));
-    const option_target target = {MA_OPTIONS_REGRESSION, &options, set_word, &options.level,
-                                  &options.threads};
+    const option_target target = {MA_OPTIONS_REGRESSION, &options,         set_word,
+                                  &options.level,        &options.threads, NULL};
     set_options(&target, list);
     return options;
 }
