@@ -3,13 +3,13 @@
 
 markers.py FOLDER [--markers N] [--studies N] [--seed N]   genome/: a file a study in the order of the genome, also
                                                            packed; sorted/: the same rows by key
-markers.py FOLDER --rows N [--seed N]                      grouped.tsv: one file, ten rows a marker; split/: the same
-                                                           rows, a file a study
+markers.py FOLDER --rows N [--seed N]                      grouped.tsv: one file, ten rows a marker, less those that
+                                                           are missing; split/: the same rows, a file a study
 
 A marker has a frequency f of its effect allele between 0.05 and 0.95, a mean effect from N(0, 0.02²) and, half of the
 markers, a standard deviation tau of 0.02 between studies. A study has n people, between 2,000 and 50,000. Its effect is
-from N(mean, tau² + se²) with se² = 1 / (2 f (1 - f) n). Of each file 5 % of the markers are missing, and 2 % have their
-alleles swapped and the sign of their effect with them. One pair of alleles in six is A/T or C/G.
+from N(mean, tau² + se²) with se² = 1 / (2 f (1 - f) n). Of each study 5 % of the markers are missing. Files with alleles
+have them swapped, and the sign of the effect with them, in 2 % of their rows; one pair in six is A/T or C/G.
 """
 
 import argparse
@@ -27,6 +27,8 @@ PAIR_SHARES = numpy.array([5, 5, 5, 5, 2, 2]) / 24
 GROUPED_STUDIES = 10
 CHROMOSOMES = 22
 MARKERS_AT_ONCE = 50_000
+SHARE_MISSING = 0.05
+SHARE_SWAPPED = 0.02
 
 normal_tails = numpy.vectorize(lambda z: math.erfc(abs(z) / math.sqrt(2)))
 
@@ -55,8 +57,8 @@ def rows_of_study(random, markers):
     people = int(math.exp(random.uniform(math.log(2_000), math.log(50_000))))
     effect, error = effects(random, markers, people)
     tails = normal_tails(effect / error)
-    swapped = random.random(count) < 0.02
-    present = random.random(count) >= 0.05
+    swapped = random.random(count) < SHARE_SWAPPED
+    present = random.random(count) >= SHARE_MISSING
     rows = []
     for i in numpy.flatnonzero(present):
         first, second = markers.alleles[i]
@@ -85,11 +87,12 @@ def write_studies(folder, markers, studies, seed):
         (folder / "sorted" / f"study{study:03}.tsv").write_bytes(text_of(sorted(rows)))
 
 
-def write_block(files, columns):
+def write_block(files, columns, present):
     """Writes an array of markers x studies x columns, all to the first file and a study to each of the others."""
     line = "rs%09d\tstudy%d\t%.5f\t%.5f\n"
-    for file, part in zip(files, [columns, *numpy.moveaxis(columns, 1, 0)]):
-        file.write(line * (part.size // 4) % tuple(part.ravel().tolist()))
+    for study, file in enumerate(files, start=-1):
+        part = columns[present] if study < 0 else columns[present[:, study], study]
+        file.write(line * len(part) % tuple(part.ravel().tolist()))
 
 
 def write_grouped(folder, rows, seed):
@@ -109,7 +112,7 @@ def write_grouped(folder, rows, seed):
             columns[..., 1] = numpy.arange(GROUPED_STUDIES)
             columns[..., 2] = effect.T
             columns[..., 3] = error.T
-            write_block(files, columns)
+            write_block(files, columns, random.random((count, GROUPED_STUDIES)) >= SHARE_MISSING)
 
 
 def main():
