@@ -8,6 +8,7 @@ dask_check.py FOLDER       with chromosomes/*.tsv, and expected/*.tsv of one pro
 import contextlib
 import filecmp
 import pathlib
+import signal
 import subprocess
 import sys
 import time
@@ -101,6 +102,7 @@ def check_files(folder, log, file):
 
 def main(folder):
     folder = pathlib.Path(folder)
+    signal.signal(signal.SIGTERM, lambda *_: sys.exit("out of time"))
     with open(folder / "dask.log", "w", encoding="utf-8") as log, cluster(folder, log) as (file, client, worker):
         check_files(folder, log, file)
         check_blocks(folder, log, file, client, worker)
