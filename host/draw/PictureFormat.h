@@ -16,9 +16,9 @@ enum class PictureFormat
 
 /// The names are the extensions of the files as well.
 inline constexpr std::array PICTURE_FORMAT_CHOICES{
-    Choice{"svg", PictureFormat::SVG},
-    Choice{"png", PictureFormat::PNG},
-    Choice{"pdf", PictureFormat::PDF},
+    MAChoice{"svg", PictureFormat::SVG},
+    MAChoice{"png", PictureFormat::PNG},
+    MAChoice{"pdf", PictureFormat::PDF},
 };
 static_assert(HasEachEnumerator<PICTURE_FORMAT_CHOICES>());
 

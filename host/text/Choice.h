@@ -2,6 +2,8 @@
 
 #include "host/text/UnusableInput.h"
 
+#include "meta_analysis/settings/MAChoice.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -12,40 +14,12 @@
 
 namespace host {
 
-/// A value of an enumeration, with its name on the command line and in the JSON.
-template <class Value>
-struct Choice
-{
-    std::string_view name;
-    Value value;
-};
+// A table of choices is an array of rows with a `name` and a `value`: of MAChoice, or of a type that says
+// more about each value.
 
-template <class Value>
-Choice(const char*, Value) -> Choice<Value>;
-
-// A table of choices is an array of rows with a `name` and a `value`: of Choice, or of a type that says more
-// about each value.
-
-/// Whether the enumeration names this value. The compiler writes a value without a name as a cast.
-template <auto VALUE>
-constexpr bool IsEnumerator()
-{
-    return std::string_view(__PRETTY_FUNCTION__).find("= (") == std::string_view::npos;
-}
-
-/// Whether a table has exactly one row for each enumerator, of an enumeration that counts from 0.
-template <const auto& TABLE>
-constexpr bool HasEachEnumerator()
-{
-    constexpr std::size_t count = TABLE.size();
-    using Value = decltype(TABLE[0].value);
-    std::array<bool, count> isFound{};
-    for (const auto& row : TABLE)
-        if (static_cast<std::size_t>(row.value) < count)
-            isFound[static_cast<std::size_t>(row.value)] = true;
-    return std::all_of(isFound.begin(), isFound.end(), [](bool found) { return found; }) &&
-           IsEnumerator<static_cast<Value>(count - 1)>() && !IsEnumerator<static_cast<Value>(count)>();
-}
+// The library has some of the tables, and what checks them.
+using MA_NAMESPACE::HasEachEnumerator;
+using MA_NAMESPACE::MAChoice;
 
 // Parts of a table are vectors of its rows.
 

@@ -2,6 +2,7 @@
 
 #include "host/text/Choice.h"
 
+#include "meta_analysis/settings/MAChoiceNames.h"
 #include "meta_analysis/settings/MAConst.h"
 #include "meta_analysis/settings/MAModelSettings.h"
 #include "meta_analysis/settings/MAOutcomeMeasures.h"
@@ -38,24 +39,25 @@ private:
     std::string OnAnalysisScale(const std::string& text) const;
 };
 
-/// A measure of 2x2 tables, with the word of --effect. The library's table of measures knows the scale.
+/// A measure of 2x2 tables, with the word of --effect, which the library has. The library's table of measures
+/// knows the scale.
 struct BinaryMeasure
 {
-    std::string_view name;
     MAConst::BINESTYPE value;
     const char* title;         ///< "odds ratio"
     const char* symbol;        ///< "OR"
     const char* groupQuantity; ///< what the measure compares between the groups
     const char* tablePooling;  ///< the method that pools the tables themselves
+    std::string_view name = MA_NAMESPACE::NameIn(MA_NAMESPACE::tableMeasureNames, value);
 };
 
 /// A measure of two groups' means, with the word of --effect. None is a ratio.
 struct ContinuousMeasure
 {
-    std::string_view name;
     MAConst::CONTESTYPE value;
     const char* title;
     const char* symbol;
+    std::string_view name = MA_NAMESPACE::NameIn(MA_NAMESPACE::meansMeasureNames, value);
 };
 
 /// A measure of one group, or of two groups' rates, with the word of --effect, which another kind of data may
@@ -72,19 +74,18 @@ struct OutcomeMeasure
 // Options, reports, pictures and JSON read these tables.
 
 inline constexpr std::array BINARY_MEASURES{
-    BinaryMeasure{"odds-ratio", MAConst::BIN_ODDS_RATIO, "odds ratio", "OR", "odds", "Mantel-Haenszel"},
-    BinaryMeasure{"peto", MAConst::BIN_PETO_ODDS_RATIO, "Peto odds ratio", "Peto OR", "risk", "Peto"},
-    BinaryMeasure{"risk-ratio", MAConst::BIN_RISK_RATIO, "risk ratio", "RR", "risk", "Mantel-Haenszel"},
-    BinaryMeasure{"risk-difference", MAConst::BIN_RISK_DIFFERENCE, "risk difference", "RD", "risk",
-                  "Mantel-Haenszel"},
+    BinaryMeasure{MAConst::BIN_ODDS_RATIO, "odds ratio", "OR", "odds", "Mantel-Haenszel"},
+    BinaryMeasure{MAConst::BIN_PETO_ODDS_RATIO, "Peto odds ratio", "Peto OR", "risk", "Peto"},
+    BinaryMeasure{MAConst::BIN_RISK_RATIO, "risk ratio", "RR", "risk", "Mantel-Haenszel"},
+    BinaryMeasure{MAConst::BIN_RISK_DIFFERENCE, "risk difference", "RD", "risk", "Mantel-Haenszel"},
 };
 static_assert(HasEachEnumerator<BINARY_MEASURES>());
 
 inline constexpr std::array CONTINUOUS_MEASURES{
-    ContinuousMeasure{"cohens-d", MAConst::CONT_COHENS_D, "Cohen's d", "d"},
-    ContinuousMeasure{"mean-difference", MAConst::CONT_MEAN_DIFFERENCE, "mean difference", "MD"},
-    ContinuousMeasure{"hedges-g", MAConst::CONT_HEDGES_G, "Hedges' g", "g"},
-    ContinuousMeasure{"glass-delta", MAConst::CONT_GLASS_DELTA, "Glass's delta", "delta"},
+    ContinuousMeasure{MAConst::CONT_COHENS_D, "Cohen's d", "d"},
+    ContinuousMeasure{MAConst::CONT_MEAN_DIFFERENCE, "mean difference", "MD"},
+    ContinuousMeasure{MAConst::CONT_HEDGES_G, "Hedges' g", "g"},
+    ContinuousMeasure{MAConst::CONT_GLASS_DELTA, "Glass's delta", "delta"},
 };
 static_assert(HasEachEnumerator<CONTINUOUS_MEASURES>());
 

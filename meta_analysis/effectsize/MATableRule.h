@@ -56,4 +56,19 @@ private:
     bool dropsDoubleZero_;
 };
 
+/// Why a table that is no study is none, when its counts do not say that a group has more events than
+/// persons.
+inline MAConst::EXCLUSION ReasonOf(MATableVerdict verdict, const MATable& table)
+{
+    if (verdict == MATableVerdict::Study)
+        return MAConst::EXCLUSION_NONE;
+    if (verdict == MATableVerdict::Missing)
+        return MAConst::EXCLUSION_MISSING_VALUE;
+    if (verdict == MATableVerdict::Dropped)
+        return MAConst::EXCLUSION_DROPPED;
+    if (table.HasNegative())
+        return MAConst::EXCLUSION_NEGATIVE_COUNT;
+    return table.Size() == 0 ? MAConst::EXCLUSION_NO_PERSONS : MAConst::EXCLUSION_ZERO_CELLS;
+}
+
 } // namespace MA_NAMESPACE

@@ -2,6 +2,7 @@
 
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/effectsize/MAConversions.h"
+#include "meta_analysis/effectsize/MAMeansRule.h"
 #include "meta_analysis/effectsize/MAStudyEstimate.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -69,15 +70,6 @@ struct Group
     MAConvertedMean mean;
 };
 
-MAConst::EXCLUSION ReasonOf(double size, double mean, double stdDev)
-{
-    if (KXMV::IsMissing(size) || KXMV::IsMissing(mean) || KXMV::IsMissing(stdDev))
-        return MAConst::EXCLUSION_MISSING_VALUE;
-    if (size < 2.0)
-        return MAConst::EXCLUSION_GROUP_TOO_SMALL;
-    return stdDev <= 0.0 ? MAConst::EXCLUSION_SPREAD_NOT_POSITIVE : MAConst::EXCLUSION_NONE;
-}
-
 Group ReadGroup(const Record& record, const GroupVariables& variables)
 {
     const double size = ReadStudyValue(record, variables.size);
@@ -89,22 +81,13 @@ Group ReadGroup(const Record& record, const GroupVariables& variables)
                           {size, ReadStudyValue(record, variables.minimum),
                            ReadStudyValue(record, variables.q1), ReadStudyValue(record, variables.median),
                            ReadStudyValue(record, variables.q3), ReadStudyValue(record, variables.maximum)})};
-    return {size, {ReasonOf(size, mean, stdDev), MAConst::CONVERSION_NONE, mean, stdDev, false}};
-}
-
-/// A missing value of either group comes before what is wrong with the other.
-MAConst::EXCLUSION ReasonOf(const Group& treatment, const Group& control)
-{
-    if (treatment.mean.status == MAConst::EXCLUSION_NONE ||
-        control.mean.status == MAConst::EXCLUSION_MISSING_VALUE)
-        return control.mean.status;
-    return treatment.mean.status;
+    return {size, {ReasonOfGroup(size, mean, stdDev), MAConst::CONVERSION_NONE, mean, stdDev, false}};
 }
 
 void Classify(const Group& treatment, const Group& control, bool hasConversions, int recordNumber,
               MAReading& reading)
 {
-    const MAConst::EXCLUSION reason = ReasonOf(treatment, control);
+    const MAConst::EXCLUSION reason = ReasonOfStudy(treatment.mean.status, control.mean.status);
     if (reason != MAConst::EXCLUSION_NONE) {
         reading.counts.Exclude(recordNumber, reason);
         return;

@@ -21,15 +21,9 @@ bool HasMoreEventsThanPersons(const MATable& table, const MACountVariables& vari
 /// Why a table is no study.
 MAConst::EXCLUSION ReasonOf(MATableVerdict verdict, const MATable& table, const MACountVariables& variables)
 {
-    if (verdict == MATableVerdict::Missing)
-        return MAConst::EXCLUSION_MISSING_VALUE;
-    if (verdict == MATableVerdict::Dropped)
-        return MAConst::EXCLUSION_DROPPED;
-    if (HasMoreEventsThanPersons(table, variables))
+    if (verdict == MATableVerdict::Invalid && HasMoreEventsThanPersons(table, variables))
         return MAConst::EXCLUSION_EVENTS_ABOVE_SIZE;
-    if (table.HasNegative())
-        return MAConst::EXCLUSION_NEGATIVE_COUNT;
-    return table.Size() == 0 ? MAConst::EXCLUSION_NO_PERSONS : MAConst::EXCLUSION_ZERO_CELLS;
+    return ReasonOf(verdict, table);
 }
 
 void Classify(const MATable& table, int recordNumber, const MATableRule& rule,
