@@ -13,14 +13,12 @@ import meta_analysis
 import numpy
 from distributed import Client
 
-FIELDS = ["estimate", "std_error", "p", "tau2", "status"]
-
 
 def pool_block(effects_path, variances_path, first, last):
     effects = numpy.load(effects_path, mmap_mode="r")[:, first:last]
     variances = numpy.load(variances_path, mmap_mode="r")[:, first:last]
     results = meta_analysis.pool(effects, variances, tau2="reml", knapp_hartung="adjusted", threads=1)
-    return {name: numpy.asarray(getattr(results, name)) for name in FIELDS}
+    return {name: getattr(results, name) for name in results.columns}
 
 
 def main(scheduler_file, effects_path, variances_path, results_path, sets_of_a_task="100000"):
@@ -28,11 +26,11 @@ def main(scheduler_file, effects_path, variances_path, results_path, sets_of_a_t
     firsts = range(0, sets, int(sets_of_a_task))
     with Client(scheduler_file=scheduler_file) as client:
         tasks = [
-            client.submit(pool_block, effects_path, variances_path, first, min(first + firsts.step, sets), key=f"sets-{first}")
+            client.submit(pool_block, effects_path, variances_path, first, min(first + firsts.step, sets))
             for first in firsts
         ]
         blocks = client.gather(tasks)
-    numpy.savez(results_path, **{name: numpy.concatenate([block[name] for block in blocks]) for name in FIELDS})
+    numpy.savez(results_path, **{name: numpy.concatenate([block[name] for block in blocks]) for name in blocks[0]})
 
 
 main(*sys.argv[1:])
