@@ -1,204 +1,161 @@
 #include "meta_analysis/bulk/MABulkPooling.h"
 
-#include "meta_analysis/effectsize/MAPoolable.h"
+#include "meta_analysis/bulk/MABulkColumns.h"
+#include "meta_analysis/bulk/MABulkThreads.h"
+#include "meta_analysis/bulk/MAGatheredSet.h"
+#include "meta_analysis/inference/MAQuantiles.h"
 #include "meta_analysis/pooling/MAPooling.h"
 #include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/Memory.h"
 
-#include <algorithm>
 #include <atomic>
 #include <cmath>
 #include <exception>
-#include <limits>
-#include <thread>
+#include <optional>
 #include <vector>
 
 namespace MA_NAMESPACE {
 
 namespace {
 
-/// Sets that a thread takes at a time.
-constexpr std::size_t chunkSize = 1024;
+/// Degrees of freedom whose quantiles are remembered. Those of larger sets cost less than the sets.
+constexpr std::size_t mostRemembered = 1024;
 
-/// The studies of one set that can be pooled, gathered in memory that all sets of a thread share.
-class GatheredSet
+MAPooledModel Pool(const MAEffects& studies, const MARandomEffectsChoice& choice,
+                   const MAWantedResults& wanted, MAQuantiles& quantiles)
 {
-public:
-    explicit GatheredSet(std::size_t largestCount) : effectSizes_(largestCount), variances_(largestCount) {}
+    return PoolRandomEffects(studies, choice, wanted, quantiles);
+}
 
-    void Restart() { count_ = leftOut_ = 0; }
-    void Add(double effectSize, double variance)
-    {
-        if (IsPoolable(effectSize, variance)) {
-            effectSizes_[count_] = effectSize;
-            variances_[count_++] = variance;
-        } else if (!std::isnan(effectSize) && !std::isnan(variance)) {
-            ++leftOut_;
-        }
-    }
-    MAEffects Studies() const { return {{effectSizes_.data(), count_}, {variances_.data(), count_}}; }
-    std::size_t LeftOut() const { return leftOut_; }
+MAPooledModel Pool(const MAEffects& studies, const MAFixedEffectChoice& choice, const MAWantedResults& wanted,
+                   MAQuantiles& quantiles)
+{
+    return PoolFixedEffect(studies, choice, wanted, quantiles);
+}
 
-private:
-    std::vector<double> effectSizes_;
-    std::vector<double> variances_;
-    std::size_t count_ = 0;
-    std::size_t leftOut_ = 0;
+/// One call: what all of its threads share.
+template <class Sets, class Choice>
+struct BulkCall
+{
+    const Sets& sets;
+    const Choice& choice;
+    const MABulkResults& results;
+    MAWantedResults wanted;
+    std::size_t largestCount;
+    std::atomic<std::size_t> next = 0; ///< the first set that no thread has taken
+    std::atomic<bool> hasMemory = true;
 };
 
-void Gather(const MARaggedSets& sets, std::size_t set, GatheredSet& gathered)
+/// What one thread pools with.
+template <class Sets, class Choice>
+class SetPooler
 {
-    gathered.Restart();
-    for (std::size_t i = sets.offsets[set]; i < sets.offsets[set + 1]; ++i)
-        gathered.Add(sets.effectSizes[i], sets.variances[i]);
-}
+public:
+    explicit SetPooler(BulkCall<Sets, Choice>& call)
+        : call_(call),
+          remembered_(std::min(call.largestCount + 1, mostRemembered)),
+          quantiles_(call.choice.alpha, remembered_),
+          gathered_(call.largestCount)
+    {}
 
-void Gather(const MABlockSets& sets, std::size_t set, GatheredSet& gathered)
-{
-    gathered.Restart();
-    for (std::size_t study = 0; study < sets.studyCount; ++study)
-        gathered.Add(sets.effectSizes.At(study, set), sets.variances.At(study, set));
-}
-
-std::size_t LargestCount(const MARaggedSets& sets)
-{
-    std::size_t largest = 0;
-    for (std::size_t set = 0; set < sets.setCount; ++set)
-        largest = std::max(largest, sets.offsets[set + 1] - sets.offsets[set]);
-    return largest;
-}
-
-std::size_t LargestCount(const MABlockSets& sets)
-{
-    return sets.studyCount;
-}
-
-bool AreUsable(const MARaggedSets& sets)
-{
-    if (sets.setCount == 0)
-        return true;
-    if (sets.offsets == nullptr || !std::is_sorted(sets.offsets, sets.offsets + sets.setCount + 1))
-        return false;
-    const bool isEmpty = sets.offsets[sets.setCount] == sets.offsets[0];
-    return isEmpty || (sets.effectSizes != nullptr && sets.variances != nullptr);
-}
-
-bool AreUsable(const MABlockSets& sets)
-{
-    const bool isEmpty = sets.setCount == 0 || sets.studyCount == 0;
-    return isEmpty || (sets.effectSizes.values != nullptr && sets.variances.values != nullptr);
-}
-
-MAPooledModel Pool(const MAEffects& studies, const MARandomEffectsChoice& choice)
-{
-    return PoolRandomEffects(studies, choice);
-}
-
-MAPooledModel Pool(const MAEffects& studies, const MAFixedEffectChoice& choice)
-{
-    return PoolFixedEffect(studies, choice);
-}
-
-int StatusOf(const MAPooledModel& model)
-{
-    if (model.status.IsError())
-        return model.status.GetCode();
-    return model.tau2Results.isDoubtful ? MAStatusCode::TAU2_DOUBTFUL : 0;
-}
-
-double OrNaN(double value)
-{
-    return KXMV::IsMissing(value) ? std::numeric_limits<double>::quiet_NaN() : value;
-}
-
-template <class Number>
-void Put(Number* column, std::size_t set, Number value)
-{
-    if (column != nullptr)
-        column[set] = value;
-}
-
-void PutAll(const MABulkResults& results, std::size_t set, const MAPooledModel& model, int status)
-{
-    Put(results.estimate, set, OrNaN(model.effect.estimate));
-    Put(results.stdError, set, OrNaN(model.effect.stdError));
-    Put(results.statistic, set, OrNaN(model.effect.statistic));
-    Put(results.pValue, set, OrNaN(model.effect.pValue.value));
-    if (results.minusLog10P != nullptr)
-        results.minusLog10P[set] = -OrNaN(model.effect.pValue.Log10());
-    Put(results.ciLower, set, OrNaN(model.effect.ciLower));
-    Put(results.ciUpper, set, OrNaN(model.effect.ciUpper));
-    Put(results.tau2, set, OrNaN(model.tau2));
-    Put(results.tau2Lower, set, OrNaN(model.tau2Results.lower));
-    Put(results.tau2Upper, set, OrNaN(model.tau2Results.upper));
-    Put(results.q, set, OrNaN(model.homogeneity.q));
-    Put(results.qDf, set, model.homogeneity.df);
-    Put(results.qPValue, set, OrNaN(model.homogeneity.pValue.value));
-    Put(results.i2, set, OrNaN(model.heterogeneity.i2));
-    Put(results.predictionLower, set, OrNaN(model.prediction.lower));
-    Put(results.predictionUpper, set, OrNaN(model.prediction.upper));
-    Put(results.status, set, status);
-}
-
-template <class Choice>
-void PoolSet(const GatheredSet& gathered, const Choice& choice, const MABulkResults& results, std::size_t set)
-{
-    const MAEffects studies = gathered.Studies();
-    Put(results.studyCount, set, static_cast<int>(studies.Count()));
-    Put(results.leftOut, set, static_cast<int>(gathered.LeftOut()));
-    if (studies.Count() == 0) {
-        PutAll(results, set, MAPooledModel(), MAStatusCode::NO_STUDY_IN_RUN);
-        return;
+    void PoolAll()
+    {
+        std::size_t first = call_.next;
+        for (;;) {
+            if (first >= call_.sets.setCount)
+                return;
+            const std::size_t end = EndOfChunk(call_.sets, first);
+            if (!call_.next.compare_exchange_weak(first, end))
+                continue;
+            for (std::size_t set = first; set < end; ++set)
+                PoolSet(set);
+            first = call_.next;
+        }
     }
-    const MAPooledModel model = Pool(studies, choice);
-    PutAll(results, set, model.status.IsError() ? MAPooledModel() : model, StatusOf(model));
-}
 
+private:
+    void PoolSet(std::size_t set)
+    {
+        Gather(call_.sets, set, gathered_);
+        PutCounts(call_.results, set, gathered_.Count(), gathered_.LeftOut());
+        if (gathered_.Count() == 0)
+            PutMissing(call_.results, set, MAStatusCode::NO_STUDY_IN_RUN);
+        else
+            PutModel(call_.results, set,
+                     Pool(gathered_.Studies(), call_.choice, call_.wanted, quantiles_));
+    }
+
+    BulkCall<Sets, Choice>& call_;
+    std::vector<MAQuantiles::Remembered> remembered_;
+    MAQuantiles quantiles_;
+    MAGatheredSet gathered_;
+};
+
+/// A thread for which there is no memory leaves its part to the others.
 template <class Sets, class Choice>
 KXStatus PoolAll(const Sets& sets, const Choice& choice, const MABulkResults& results, int threadCount)
 {
-    std::atomic<std::size_t> nextChunk = 0;
-    std::atomic<bool> hasMemory = true;
-    const std::size_t largestCount = LargestCount(sets);
+    using Pooler = SetPooler<Sets, Choice>;
+    BulkCall<Sets, Choice> call{sets, choice, results, WantedBy(results), LargestCount(sets)};
+    Pooler own(call);
+    std::atomic<bool> isOwnTaken = false;
     const auto work = [&]() noexcept {
         try {
-            GatheredSet gathered(largestCount);
-            for (;;) {
-                const std::size_t first = nextChunk++ * chunkSize;
-                if (first >= sets.setCount)
-                    return;
-                for (std::size_t set = first; set < std::min(first + chunkSize, sets.setCount); ++set) {
-                    Gather(sets, set, gathered);
-                    PoolSet(gathered, choice, results, set);
-                }
+            std::optional<Pooler> others;
+            Pooler& pooler = isOwnTaken.exchange(true) ? others.emplace(call) : own;
+            try {
+                pooler.PoolAll();
+            } catch (const std::exception&) {
+                call.hasMemory = false;
             }
         } catch (const std::exception&) {
-            hasMemory = false;
         }
     };
-    const std::size_t chunks = (sets.setCount + chunkSize - 1) / chunkSize;
-    const std::size_t wanted = threadCount > 0 ? static_cast<std::size_t>(threadCount)
-                                               : std::max(1U, std::thread::hardware_concurrency());
-    std::vector<std::thread> others;
-    for (std::size_t i = 1; i < std::min(wanted, chunks); ++i)
-        others.emplace_back(work);
-    work();
-    for (std::thread& other : others)
-        other.join();
-    return hasMemory ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY);
+    const std::size_t mostThreads = sets.setCount == 0 ? 1 : sets.setCount;
+    RunOnThreads(std::min(ThreadCountOf(threadCount), mostThreads), work);
+    return call.hasMemory ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY);
 }
 
-/// The global search needs no check of tau² but where it can prove nothing.
-MARandomEffectsChoice Checked(MARandomEffectsChoice choice)
+/// The check of tau² is wanted with the status; the global search needs none but where it can prove nothing.
+MARandomEffectsChoice ChoiceFor(const MABulkResults& results, MARandomEffectsChoice choice)
 {
-    choice.checksTau2 = true;
+    choice.checksTau2 = results.status != nullptr;
+    choice.threshold = KXMV::Missing();
     return choice;
 }
 
-MAFixedEffectChoice Checked(const MAFixedEffectChoice& choice)
+MAFixedEffectChoice ChoiceFor(const MABulkResults&, const MAFixedEffectChoice& choice)
 {
     return choice;
+}
+
+bool IsBetween(int value, int first, int last)
+{
+    return value >= first && value <= last;
+}
+
+bool IsKnown(const MARandomEffectsChoice& choice)
+{
+    using namespace MAConst;
+    return IsEstimator(choice.estimator) && std::isfinite(choice.limits.tolerance) &&
+           IsBetween(choice.knappHartung, KNAPP_HARTUNG_NONE, KNAPP_HARTUNG_IF_HETEROGENEOUS) &&
+           IsBetween(choice.search, TAU2_SEARCH_SCORING, TAU2_SEARCH_GLOBAL) &&
+           IsBetween(choice.tau2Interval, TAU2_INTERVAL_NONE, TAU2_INTERVAL_PROFILE_LIKELIHOOD) &&
+           IsBetween(choice.prediction, PREDICTION_T_K_MINUS_2, PREDICTION_NORMAL);
+}
+
+bool IsKnown(const MAFixedEffectChoice& choice)
+{
+    return std::isfinite(choice.nullHypothesis);
+}
+
+template <class Choice>
+KXStatus Check(const Choice& choice)
+{
+    if (!(choice.alpha > 0.0 && choice.alpha < 1.0))
+        return KXStatus(MAStatusCode::BULK_ALPHA_OUTSIDE);
+    return IsKnown(choice) ? KXStatus() : KXStatus(MAStatusCode::BULK_CHOICE_UNKNOWN);
 }
 
 template <class Sets>
@@ -210,7 +167,13 @@ KXStatus PoolUsable(const Sets& sets, const MABulkModel& model, const MABulkResu
         if (!AreUsable(sets))
             return KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
         return std::visit(
-            [&](const auto& choice) { return PoolAll(sets, Checked(choice), results, threadCount); }, model);
+            [&](const auto& choice) {
+                const KXStatus checked = Check(choice);
+                return checked.IsError()
+                           ? checked
+                           : PoolAll(sets, ChoiceFor(results, choice), results, threadCount);
+            },
+            model);
     });
 }
 

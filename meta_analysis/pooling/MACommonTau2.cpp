@@ -140,9 +140,9 @@ MATau2Results ResultsOf(Groups groups, const MARandomEffectsChoice& choice, cons
     if (!(ResidualDf(groups) > 0.0))
         return results;
     MAGroupedCurve curve(groups, choice.estimator);
+    MAQuantiles quantiles(choice.alpha);
     InferTau2(curve, estimate.tau2,
-              {choice.estimator, choice.tau2Interval, choice.alpha, static_cast<int>(groups.size())},
-              results);
+              {choice.estimator, choice.tau2Interval, static_cast<int>(groups.size())}, quantiles, results);
     results.isDoubtful =
         choice.checksTau2 && IsTau2Doubtful(curve, choice.estimator, estimate.tau2, estimate.convergence,
                                             [&] { return ResidualDf(groups) / PairSums(groups); });

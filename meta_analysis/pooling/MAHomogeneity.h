@@ -6,10 +6,10 @@
 namespace MA_NAMESPACE {
 
 /// Cochran's test of the statistic Q of k studies, with k - 1 degrees of freedom.
-inline MAHomogeneityTest TestHomogeneity(double q, std::size_t studyCount)
+inline MAHomogeneityTest TestHomogeneity(double q, std::size_t studyCount, bool wantsPValue = true)
 {
     const int df = static_cast<int>(studyCount) - 1;
-    return {q, df, HomogeneityPValue(q, df)};
+    return {q, df, wantsPValue ? HomogeneityPValue(q, df) : MAPValue()};
 }
 
 } // namespace MA_NAMESPACE

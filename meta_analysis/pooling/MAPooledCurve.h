@@ -4,6 +4,7 @@
 #include "meta_analysis/pooling/MALikelihoodCurve.h"
 
 #include <cstddef>
+#include <optional>
 
 namespace MA_NAMESPACE {
 
@@ -12,7 +13,7 @@ namespace MA_NAMESPACE {
 /// Every sum is one of positive terms, or of effects counted from the study of the smallest variance, whose
 /// weight is the largest at every t: no digit is lost where that study dominates. One division a study and
 /// evaluation; nothing is allocated. The vectors are the caller's and must outlive the object.
-class MAPooledCurve : public MALikelihoodCurve
+class MAPooledCurve final : public MALikelihoodCurve
 {
 public:
     MAPooledCurve(const double* effects, const double* variances, std::size_t count, MALikelihoodType type);
@@ -49,5 +50,24 @@ inline MAPooledCurve CurveOf(const MAEffects& studies, MAConst::TAU2ESTIMATOR es
 {
     return {studies.effectSizes.data(), studies.variances.data(), studies.Count(), LikelihoodOf(estimator)};
 }
+
+/// The curve of studies, made when it is first asked for.
+class MACurveOnDemand
+{
+public:
+    MACurveOnDemand(const MAEffects& studies, MAConst::TAU2ESTIMATOR estimator)
+        : studies_(studies), estimator_(estimator)
+    {}
+
+    MAPooledCurve& Get()
+    {
+        return curve_.has_value() ? *curve_ : curve_.emplace(CurveOf(studies_, estimator_));
+    }
+
+private:
+    MAEffects studies_;
+    MAConst::TAU2ESTIMATOR estimator_;
+    std::optional<MAPooledCurve> curve_;
+};
 
 } // namespace MA_NAMESPACE

@@ -42,18 +42,36 @@ MAMeanTest MeanTest(double residualDf, MAConst::KNAPPHADJTYPE adjustment, double
     return test;
 }
 
+/// How a mean is tested, and what of the test is wanted.
+struct Inference
+{
+    const MAMeanTest& test;
+    const MAWantedResults& wanted;
+    MAQuantiles& quantiles;
+};
+
 /// Student's t has k - 1 degrees of freedom under the adjustment of Knapp and Hartung: a single study has no
 /// test and no interval.
-MAEstimate InferMean(double mean, double weightSum, const MAMeanTest& test, double alpha)
+MAEstimate InferMean(double mean, double variance, double nullValue, const Inference& inference)
 {
-    return test.isAdjusted ? InferT(mean, test.factor / weightSum, test.residualDf, alpha)
-                           : InferNormal(mean, 1.0 / weightSum, 0.0, TwoSidedNormalQuantile(alpha));
+    const auto& [test, wanted, quantiles] = inference;
+    MAEstimate effect = EstimateWithStatistic(mean, variance, nullValue);
+    if (test.isAdjusted && !(test.residualDf > 0.0))
+        return effect;
+    if (wanted.pValue)
+        effect.pValue = test.isAdjusted ? TwoSidedTPValue(effect.statistic, test.residualDf)
+                                        : TwoSidedNormalPValue(effect.statistic);
+    if (wanted.interval)
+        SetInterval(effect, test.isAdjusted ? quantiles.T(test.residualDf) : quantiles.Normal());
+    return effect;
 }
 
 /// Effects that are all 0 have no variance under the adjustment, and no test: it would be of 0 / 0.
-void SetEffect(double mean, double weightSum, const MAMeanTest& test, double alpha, MAPooledModel& model)
+void SetEffect(double mean, double weightSum, const Inference& inference, MAPooledModel& model)
 {
-    model.effect = InferMean(mean, weightSum, test, alpha);
+    const MAMeanTest& test = inference.test;
+    model.effect =
+        InferMean(mean, test.isAdjusted ? test.factor / weightSum : 1.0 / weightSum, 0.0, inference);
     if (test.isAdjusted)
         model.testDf = test.residualDf;
     if (model.effect.stdError == 0.0 && model.effect.estimate == 0.0) {
@@ -80,14 +98,15 @@ double PredictionDf(MAConst::PREDICTIONTYPE type, double residualDf)
 /// Under the adjustment of Knapp and Hartung nothing is predicted without degrees of freedom; otherwise the
 /// bounds are NaN then.
 MAPrediction PredictEffect(const MAEstimate& effect, double tau2, const MARandomEffectsChoice& choice,
-                           const MAMeanTest& test)
+                           const Inference& inference)
 {
     MAPrediction predicted;
+    const MAMeanTest& test = inference.test;
     const double df = PredictionDf(choice.prediction, test.residualDf);
     if (test.isAdjusted && (test.residualDf < 1.0 || !(df > 0.0)))
         return predicted;
     const double stdDev = std::sqrt(effect.variance + tau2);
-    const double halfWidth = stdDev * TwoSidedTQuantile(choice.alpha, df);
+    const double halfWidth = stdDev * inference.quantiles.T(df);
     predicted.lower = effect.estimate - halfWidth;
     predicted.upper = effect.estimate + halfWidth;
     if (KXMV::IsMissing(choice.threshold) || !(df > 0.0))
@@ -98,49 +117,98 @@ MAPrediction PredictEffect(const MAEstimate& effect, double tau2, const MARandom
     return predicted;
 }
 
-/// Cochran's test, and H² and I² from the typical within-study variance s² = (k - 1) / (sum(w) - sum(w²) /
-/// sum(w)), w = 1 / v, of Higgins and Thompson (2002), Statistics in Medicine 21, 1539-1558.
-void SetHeterogeneity(const MAEffects& studies, MAPooledModel& model)
+/// The model of the mean alone.
+MAPooledModel ModelOfMean(double mean, double weightSum, double tau2, const MARandomEffectsChoice& choice,
+                          const Inference& inference)
 {
-    const MAWeightedMean fixed = WeightedMean(studies, 0.0);
-    model.homogeneity = TestHomogeneity(ResidualSum(studies, fixed.Mean(), 0.0), studies.Count());
-    model.typicalVariance = model.homogeneity.df / PairSum(studies, fixed.weightSum);
+    MAPooledModel model;
+    model.tau2 = tau2;
+    SetEffect(mean, weightSum, inference, model);
+    if (inference.wanted.prediction)
+        model.prediction = PredictEffect(model.effect, tau2, choice, inference);
+    return model;
+}
+
+/// H² and I² from the typical within-study variance s² = (k - 1) / (sum(w) - sum(w²) / sum(w)), w = 1 / v, of
+/// Higgins and Thompson (2002), Statistics in Medicine 21, 1539-1558.
+void SetHeterogeneity(double fixedTrace, std::size_t studyCount, MAPooledModel& model)
+{
+    model.typicalVariance = static_cast<double>(static_cast<int>(studyCount) - 1) / fixedTrace;
     model.heterogeneity = HeterogeneityFromTau2(model.tau2, model.typicalVariance);
 }
 
-bool IsTau2Doubtful(MAPooledCurve& curve, MAConst::TAU2ESTIMATOR estimator, const MAPooledModel& model)
+/// The results that go by the weights 1 / v.
+void SetFixedEffectResults(const MAEffects& studies, const MAWantedResults& wanted, MAPooledModel& model)
 {
-    return IsTau2Doubtful(curve, estimator, model.tau2, model.tau2Results.convergence,
-                          [&] { return model.typicalVariance; });
+    model.homogeneity.df = static_cast<int>(studies.Count()) - 1;
+    if (!wanted.homogeneity && !wanted.heterogeneity)
+        return;
+    const MAWeightedMean fixed = WeightedMean(studies, 0.0);
+    if (wanted.homogeneity)
+        model.homogeneity =
+            TestHomogeneity(ResidualSum(studies, fixed.Mean(), 0.0), studies.Count(), wanted.homogeneityPValue);
+    if (wanted.heterogeneity)
+        SetHeterogeneity(PairSum(studies, fixed.weightSum), studies.Count(), model);
 }
 
-/// The likelihood at tau², the interval that goes by it or by Q, and the check of tau²: all of one curve,
-/// which is not made where nothing is asked of it.
-void SetTau2Results(const MAEffects& studies, const MARandomEffectsChoice& choice, MAPooledModel& model)
+double TypicalVariance(const MAEffects& studies)
 {
-    const bool checks = choice.checksTau2 && IsIterative(choice.estimator);
-    if (!HasLikelihood(choice.estimator) && !checks && choice.tau2Interval == MAConst::TAU2_INTERVAL_NONE)
-        return;
-    MAPooledCurve curve = CurveOf(studies, choice.estimator);
-    InferTau2(curve, model.tau2, {choice.estimator, choice.tau2Interval, choice.alpha, 1}, model.tau2Results);
-    BoundHeterogeneity(model);
-    model.tau2Results.isDoubtful = checks && IsTau2Doubtful(curve, choice.estimator, model);
+    return (static_cast<double>(studies.Count()) - 1.0) /
+           PairSum(studies, WeightedMean(studies, 0.0).weightSum);
+}
+
+bool IsTau2Doubtful(const MAEffects& studies, MAPooledCurve& curve, MAConst::TAU2ESTIMATOR estimator,
+                    const MAPooledModel& model)
+{
+    return IsTau2Doubtful(curve, estimator, model.tau2, model.tau2Results.convergence,
+                          [&] { return TypicalVariance(studies); });
+}
+
+/// The likelihood at tau², the interval that goes by it or by Q, and the check of tau².
+void SetTau2Results(const MAEffects& studies, const MARandomEffectsChoice& choice,
+                    const MAWantedResults& wanted, MAQuantiles& quantiles, MACurveOnDemand& curve,
+                    MAPooledModel& model)
+{
+    const MAConst::TAU2INTERVAL interval =
+        wanted.tau2Interval ? choice.tau2Interval : MAConst::TAU2_INTERVAL_NONE;
+    const bool hasLikelihood = wanted.likelihood && HasLikelihood(choice.estimator);
+    if (hasLikelihood || interval != MAConst::TAU2_INTERVAL_NONE)
+        InferTau2(curve.Get(), model.tau2, {choice.estimator, interval, 1, hasLikelihood}, quantiles,
+                  model.tau2Results);
+    if (wanted.heterogeneityBounds)
+        BoundHeterogeneity(model);
+    if (choice.checksTau2 && IsIterative(choice.estimator))
+        model.tau2Results.isDoubtful = IsTau2Doubtful(studies, curve.Get(), choice.estimator, model);
 }
 
 } // namespace
 
 MAPooledModel PoolFixedEffect(const MAEffects& studies, const MAFixedEffectChoice& choice)
 {
+    MAQuantiles quantiles(choice.alpha);
+    return PoolFixedEffect(studies, choice, MAWantedResults(), quantiles);
+}
+
+MAPooledModel PoolFixedEffect(const MAEffects& studies, const MAFixedEffectChoice& choice,
+                              const MAWantedResults& wanted, MAQuantiles& quantiles)
+{
     if (!studies.HaveEqualLengths())
         return Failed(KXStatus(MAStatusCode::LENGTH_MISMATCH));
     MAPooledModel model;
-    const double quantile = TwoSidedNormalQuantile(choice.alpha);
     const MAWeightedMean sums = WeightedMean(studies, 0.0);
-    model.effect = InferNormal(sums.Mean(), sums.Variance(), choice.nullHypothesis, quantile);
-    if (studies.Count() >= 2) {
-        model.homogeneity = TestHomogeneity(CochranQ(studies, model.effect.estimate), studies.Count());
-        model.heterogeneity = MeasureHeterogeneity(model.homogeneity.q, studies.Count(), quantile);
-    }
+    model.effect = InferMean(sums.Mean(), sums.Variance(), choice.nullHypothesis, {{}, wanted, quantiles});
+    const std::size_t k = studies.Count();
+    if (k < 2)
+        return model;
+    model.homogeneity.df = static_cast<int>(k) - 1;
+    if (!wanted.homogeneity && !wanted.heterogeneity)
+        return model;
+    const double q = CochranQ(studies, model.effect.estimate);
+    model.homogeneity = TestHomogeneity(q, k, wanted.homogeneityPValue);
+    if (wanted.heterogeneity)
+        model.heterogeneity = wanted.heterogeneityBounds
+                                  ? MeasureHeterogeneity(q, k, quantiles.Normal())
+                                  : HeterogeneityFromQ(q, static_cast<double>(k) - 1.0);
     return model;
 }
 
@@ -160,46 +228,71 @@ MAMeanTest TestOfMeans(std::span<const MAEffects> groups, MAConst::KNAPPHADJTYPE
 MAPooledModel PoolAtTau2(const MAEffects& studies, const MARandomEffectsChoice& choice, double tau2,
                          const MAMeanTest& test)
 {
-    MAPooledModel model;
-    model.tau2 = tau2;
+    MAQuantiles quantiles(choice.alpha);
+    const MAWantedResults wanted;
     const MAWeightedMean sums = WeightedMean(studies, tau2);
-    SetEffect(sums.Mean(), sums.weightSum, test, choice.alpha, model);
-    model.prediction = PredictEffect(model.effect, tau2, choice, test);
+    MAPooledModel model = ModelOfMean(sums.Mean(), sums.weightSum, tau2, choice, {test, wanted, quantiles});
     if (studies.Count() >= 2)
-        SetHeterogeneity(studies, model);
+        SetFixedEffectResults(studies, wanted, model);
     return model;
 }
 
 MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsChoice& choice)
 {
-    const MATau2Estimate estimated = EstimateTau2(studies, {choice.estimator, choice.limits, choice.search});
+    MAQuantiles quantiles(choice.alpha);
+    return PoolRandomEffects(studies, choice, MAWantedResults(), quantiles);
+}
+
+MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsChoice& choice,
+                                const MAWantedResults& wanted, MAQuantiles& quantiles)
+{
+    MACurveOnDemand curve(studies, choice.estimator);
+    const MATau2Estimate estimated =
+        EstimateTau2(studies, {choice.estimator, choice.limits, choice.search}, curve);
     if (estimated.status.IsError()) {
         MAPooledModel failed = Failed(estimated.status);
         failed.tau2 = estimated.tau2;
         return failed;
     }
-    MAPooledModel model = PoolAtTau2(studies, choice, estimated.tau2,
-                                     TestOfMeans({&studies, 1}, choice.knappHartung, estimated.tau2));
+    const double tau2 = estimated.tau2;
+    const MAWeightedMean sums = WeightedMean(studies, tau2);
+    const double mean = sums.Mean();
+    const MAMeanTest test = MeanTest(static_cast<double>(studies.Count()) - 1.0, choice.knappHartung, tau2,
+                                     [&] { return ResidualSum(studies, mean, tau2); });
+    MAPooledModel model = ModelOfMean(mean, sums.weightSum, tau2, choice, {test, wanted, quantiles});
     model.status = estimated.status;
     model.tau2Results.convergence = estimated.convergence;
     model.tau2Results.evaluations = estimated.evaluations;
-    if (studies.Count() >= 2)
-        SetTau2Results(studies, choice, model);
+    if (studies.Count() >= 2) {
+        SetFixedEffectResults(studies, wanted, model);
+        SetTau2Results(studies, choice, wanted, quantiles, curve, model);
+    }
     return model;
 }
 
 MAPooledModel RandomEffectsModel(const MARandomEffectsSums& sums, const MARandomEffectsChoice& choice)
 {
-    MAPooledModel model;
-    model.tau2 = sums.tau2.tau2;
+    MAQuantiles quantiles(choice.alpha);
+    MAWantedResults wanted;
+    wanted.prediction = false;
+    return RandomEffectsModel(sums, choice, wanted, quantiles);
+}
+
+MAPooledModel RandomEffectsModel(const MARandomEffectsSums& sums, const MARandomEffectsChoice& choice,
+                                 const MAWantedResults& wanted, MAQuantiles& quantiles)
+{
+    const double tau2 = sums.tau2.tau2;
+    const MAMeanTest test = MeanTest(static_cast<double>(sums.count) - 1.0, choice.knappHartung, tau2,
+                                     [&] { return sums.residualSum; });
+    MAPooledModel model =
+        ModelOfMean(sums.mean, sums.weightSum, tau2, choice, {test, wanted, quantiles});
     model.tau2Results.convergence = sums.tau2.convergence;
     model.tau2Results.evaluations = sums.tau2.evaluations;
-    const MAMeanTest test = MeanTest(static_cast<double>(sums.count) - 1.0, choice.knappHartung, model.tau2,
-                                     [&] { return sums.residualSum; });
-    SetEffect(sums.mean, sums.weightSum, test, choice.alpha, model);
-    model.homogeneity = TestHomogeneity(sums.q, sums.count);
-    model.typicalVariance = model.homogeneity.df / sums.fixedTrace;
-    model.heterogeneity = HeterogeneityFromTau2(model.tau2, model.typicalVariance);
+    model.homogeneity.df = static_cast<int>(sums.count) - 1;
+    if (wanted.homogeneity)
+        model.homogeneity = TestHomogeneity(sums.q, sums.count, wanted.homogeneityPValue);
+    if (wanted.heterogeneity)
+        SetHeterogeneity(sums.fixedTrace, sums.count, model);
     return model;
 }
 
@@ -223,7 +316,7 @@ bool IsTau2Doubtful(const MAEffects& studies, const MARandomEffectsChoice& choic
     if (studies.Count() < 2 || model.status.IsError())
         return false;
     MAPooledCurve curve = CurveOf(studies, choice.estimator);
-    return IsTau2Doubtful(curve, choice.estimator, model);
+    return IsTau2Doubtful(studies, curve, choice.estimator, model);
 }
 
 } // namespace MA_NAMESPACE

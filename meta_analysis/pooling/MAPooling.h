@@ -1,9 +1,11 @@
 #pragma once
 
 #include "meta_analysis/inference/MAEffects.h"
+#include "meta_analysis/inference/MAQuantiles.h"
 #include "meta_analysis/pooling/MAPooledModel.h"
 #include "meta_analysis/pooling/MAPoolingChoice.h"
 #include "meta_analysis/pooling/MATau2Estimate.h"
+#include "meta_analysis/pooling/MAWantedResults.h"
 
 #include <cstddef>
 #include <span>
@@ -16,6 +18,12 @@ MAPooledModel PoolFixedEffect(const MAEffects& studies, const MAFixedEffectChoic
 /// Pools with w = 1 / (v + tau²). Errors as `PoolFixedEffect`, and TAU2_FAILED for an unknown estimator.
 /// Allocates nothing, but for an interval of tau² by profile likelihood.
 MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsChoice& choice);
+
+/// The same of what is wanted; the quantiles are of the choice's alpha.
+MAPooledModel PoolFixedEffect(const MAEffects& studies, const MAFixedEffectChoice& choice,
+                              const MAWantedResults& wanted, MAQuantiles& quantiles);
+MAPooledModel PoolRandomEffects(const MAEffects& studies, const MARandomEffectsChoice& choice,
+                                const MAWantedResults& wanted, MAQuantiles& quantiles);
 
 /// How the means of groups of studies are tested that share tau². The groups are those of one model, which
 /// has a mean for each; one group is a model without groups.
@@ -47,8 +55,11 @@ struct MARandomEffectsSums
     double fixedTrace;  ///< sum(w) - sum(w²) / sum(w) with w = 1 / v
 };
 
-/// The model of the sums, without a prediction and without what `MATau2Results` has of the likelihood.
+/// The model of the sums, without what `MATau2Results` has of the likelihood; the short form also without a
+/// prediction.
 MAPooledModel RandomEffectsModel(const MARandomEffectsSums& sums, const MARandomEffectsChoice& choice);
+MAPooledModel RandomEffectsModel(const MARandomEffectsSums& sums, const MARandomEffectsChoice& choice,
+                                 const MAWantedResults& wanted, MAQuantiles& quantiles);
 
 /// The check of `MARandomEffectsChoice::checksTau2`, for a model that was pooled without it.
 bool IsTau2Doubtful(const MAEffects& studies, const MARandomEffectsChoice& choice,

@@ -97,9 +97,8 @@ MATau2Estimate Score(const MAEffects& studies, const MATau2Choice& choice)
 }
 
 /// The Hedges estimate where the search has none.
-MATau2Estimate Search(const MAEffects& studies, const MATau2Choice& choice)
+MATau2Estimate Search(const MAEffects& studies, const MATau2Choice& choice, MAPooledCurve& curve)
 {
-    MAPooledCurve curve = CurveOf(studies, choice.estimator);
     MATau2Estimate estimate =
         EstimateOf(SolveTau2(curve, choice.estimator, curve.MomentEstimate()), curve.Unit());
     if (estimate.convergence == MAConst::TAU2_STEP_NOT_FINITE)
@@ -134,6 +133,12 @@ MATau2StepSums StepSumsAt(const MAEffects& studies, double tau2)
 
 MATau2Estimate EstimateTau2(const MAEffects& studies, const MATau2Choice& choice)
 {
+    MACurveOnDemand curve(studies, choice.estimator);
+    return EstimateTau2(studies, choice, curve);
+}
+
+MATau2Estimate EstimateTau2(const MAEffects& studies, const MATau2Choice& choice, MACurveOnDemand& curve)
+{
     if (!studies.HaveEqualLengths())
         return FailedTau2(KXStatus(MAStatusCode::LENGTH_MISMATCH));
     switch (choice.estimator) {
@@ -148,7 +153,7 @@ MATau2Estimate EstimateTau2(const MAEffects& studies, const MATau2Choice& choice
     case MAConst::TAU2_ML:
     case MAConst::TAU2_REML:
     case MAConst::TAU2_EB:
-        return choice.search == MAConst::TAU2_SEARCH_GLOBAL ? Search(studies, choice)
+        return choice.search == MAConst::TAU2_SEARCH_GLOBAL ? Search(studies, choice, curve.Get())
                                                             : Score(studies, choice);
     }
     return FailedTau2(KXStatus(MAStatusCode::TAU2_FAILED));

@@ -4,13 +4,14 @@
 
 namespace MA_NAMESPACE {
 
-void InferTau2(MALikelihoodCurve& curve, double tau2, const MATau2Question& question, MATau2Results& results)
+void InferTau2(MALikelihoodCurve& curve, double tau2, const MATau2Question& question, MAQuantiles& quantiles,
+               MATau2Results& results)
 {
     const double t = tau2 / curve.Unit();
-    if (HasLikelihood(question.estimator))
+    if (question.wantsLikelihood && HasLikelihood(question.estimator))
         results.information =
             InformationCriteria(curve.LogLikelihood(t), question.rank + 1.0, curve.Bounds().traceSize);
-    const MATau2Bounds bounds = Tau2Interval(curve, question.interval, question.estimator, t, question.alpha);
+    const MATau2Bounds bounds = Tau2Interval(curve, question.interval, question.estimator, t, quantiles);
     results.lower = bounds.lower;
     results.upper = bounds.upper;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/inference/MAQuantiles.h"
 #include "meta_analysis/pooling/MALikelihoodCurve.h"
 #include "meta_analysis/pooling/MATau2Results.h"
 #include "meta_analysis/pooling/MATau2Search.h"
@@ -11,13 +12,15 @@ struct MATau2Question
 {
     MAConst::TAU2ESTIMATOR estimator;
     MAConst::TAU2INTERVAL interval;
-    double alpha; ///< 1 - confidence level of the interval
-    int rank;     ///< number of coefficients that are not redundant; 1, the mean, without predictors
+    int rank; ///< number of coefficients that are not redundant; 1, the mean, without predictors
+    bool wantsLikelihood = true;
 };
 
 /// Adds the likelihood of the curve at tau² with its criteria, and the interval, to the results. Each stays
-/// missing where the estimator has none, or none is asked for.
-void InferTau2(MALikelihoodCurve& curve, double tau2, const MATau2Question& question, MATau2Results& results);
+/// missing where the estimator has none, or none is asked for. The interval has the confidence of the
+/// quantiles.
+void InferTau2(MALikelihoodCurve& curve, double tau2, const MATau2Question& question, MAQuantiles& quantiles,
+               MATau2Results& results);
 
 /// Whether an iterative estimate of tau² is off the one that the global search proves by more than a
 /// hundredth of the latter plus the typical within-study variance, or the search proves none. Takes one

@@ -146,13 +146,13 @@ double LevelCrossing::Find()
 
 } // namespace
 
-MATau2Bounds QProfileInterval(MALikelihoodCurve& curve, double alpha)
+MATau2Bounds QProfileInterval(MALikelihoodCurve& curve, MAQuantiles& quantiles)
 {
     if (!HasInterval(curve))
         return noBounds;
     const double df = curve.Bounds().residualDf;
-    const double lower = FindQRoot(curve, KXDistFun::IdfChiUpper(0.5 * alpha, df), 0.0).t;
-    const double upper = FindQRoot(curve, KXDistFun::IdfChi(0.5 * alpha, df), lower).t;
+    const double lower = FindQRoot(curve, quantiles.ChiUpper(df), 0.0).t;
+    const double upper = FindQRoot(curve, quantiles.ChiLower(df), lower).t;
     // At confidence levels near 0 both are one root, and rounding may exchange them.
     return InUnitOfData(curve, lower, upper < lower ? lower : upper);
 }
@@ -175,12 +175,12 @@ MATau2Bounds ProfileLikelihoodInterval(MALikelihoodCurve& curve, double guess, d
 }
 
 MATau2Bounds Tau2Interval(MALikelihoodCurve& curve, MAConst::TAU2INTERVAL type,
-                          MAConst::TAU2ESTIMATOR estimator, double guess, double alpha)
+                          MAConst::TAU2ESTIMATOR estimator, double guess, MAQuantiles& quantiles)
 {
     if (type == MAConst::TAU2_INTERVAL_Q_PROFILE)
-        return QProfileInterval(curve, alpha);
+        return QProfileInterval(curve, quantiles);
     if (type == MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD && HasLikelihood(estimator))
-        return ProfileLikelihoodInterval(curve, guess, alpha);
+        return ProfileLikelihoodInterval(curve, guess, quantiles.Alpha());
     return noBounds;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/inference/MAQuantiles.h"
 #include "meta_analysis/pooling/MALikelihoodCurve.h"
 #include "meta_analysis/settings/MAConst.h"
 
@@ -13,11 +14,11 @@ struct MATau2Bounds
     double upper;
 };
 
-/// The Q-profile interval with confidence 1 - alpha: the tau² at which the generalized Q statistic is the
+/// The Q-profile interval with confidence 1 - alpha, which the quantiles have: the tau² at which the generalized Q statistic is the
 /// quantile of alpha / 2 on either side of the chi-square distribution with k - p degrees of freedom. Where
 /// the set lies below 0 both bounds are 0 by convention; it need not hold any estimate.
 /// Viechtbauer (2007), Statistics in Medicine 26, 37-52.
-MATau2Bounds QProfileInterval(MALikelihoodCurve& curve, double alpha);
+MATau2Bounds QProfileInterval(MALikelihoodCurve& curve, MAQuantiles& quantiles);
 
 /// The profile-likelihood interval with confidence 1 - alpha: the outermost tau² >= 0 at which the likelihood
 /// of the curve, ML or REML, is below its global maximum by half the quantile of the chi-square distribution
@@ -29,6 +30,6 @@ MATau2Bounds ProfileLikelihoodInterval(MALikelihoodCurve& curve, double guess, d
 /// The interval of the given type for an estimator; both bounds missing for none, and for a profile
 /// likelihood of an estimator that maximises none.
 MATau2Bounds Tau2Interval(MALikelihoodCurve& curve, MAConst::TAU2INTERVAL type,
-                          MAConst::TAU2ESTIMATOR estimator, double guess, double alpha);
+                          MAConst::TAU2ESTIMATOR estimator, double guess, MAQuantiles& quantiles);
 
 } // namespace MA_NAMESPACE

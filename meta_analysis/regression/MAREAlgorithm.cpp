@@ -97,11 +97,11 @@ KXStatus Describe(const MARegTask& task, MARegBuild& build)
     if (results.residual.df == 0)
         build.Passed(KXStatus(MAStatusCode::NO_RESIDUAL_DF, true));
     results.rSquare = ExplainedPart(results.tau2, task.design);
-    if (estimator != unknownEstimator && fit.ResidualDf() >= 1)
-        InferTau2(curve, results.tau2,
-                  {estimator, settings.GetTau2Interval(), AlphaOf(settings.GetConfidenceLevel()),
-                   fit.NonRedundantCount()},
-                  results.tau2Results);
+    if (estimator != unknownEstimator && fit.ResidualDf() >= 1) {
+        MAQuantiles quantiles(AlphaOf(settings.GetConfidenceLevel()));
+        InferTau2(curve, results.tau2, {estimator, settings.GetTau2Interval(), fit.NonRedundantCount()},
+                  quantiles, results.tau2Results);
+    }
     return KXStatus();
 }
 

@@ -31,10 +31,12 @@ constexpr int HYPOTHESES_CONTRADICT = 460137;   ///< dependent hypotheses whose 
 constexpr int REFERENCE_LEVEL_ABSENT = 460138;  ///< no usable record has the reference level of a factor
 constexpr int ONE_CLUSTER = 460140;             ///< all usable studies are in one cluster: no robust variance
 constexpr int TOO_FEW_CLUSTERS = 460141;        ///< no more clusters than coefficients, for CR1 and CR0
-constexpr int STRUCT_SIZE_UNKNOWN = 460155;     ///< of the C interface: no struct of its kind has this size
-constexpr int STRUCT_FIELD_UNKNOWN = 460156;    ///< of the C interface: a field of a newer header is set
-constexpr int OPTION_UNKNOWN = 460157;          ///< no option has this name
-constexpr int OPTION_VALUE_UNKNOWN = 460158;    ///< an option cannot have this value
+constexpr int BULK_ALPHA_OUTSIDE = 460146;      ///< the alpha of a call for many sets is not between 0 and 1
+constexpr int BULK_CHOICE_UNKNOWN = 460147; ///< another choice of it is outside its enumeration or not finite
+constexpr int STRUCT_SIZE_UNKNOWN = 460155; ///< of the C interface: no struct of its kind has this size
+constexpr int STRUCT_FIELD_UNKNOWN = 460156; ///< of the C interface: a field of a newer header is set
+constexpr int OPTION_UNKNOWN = 460157;       ///< no option has this name
+constexpr int OPTION_VALUE_UNKNOWN = 460158; ///< an option cannot have this value
 
 // Warnings.
 constexpr int UNUSABLE_RECORD = 460031;         ///< in a meta-regression

@@ -50,6 +50,9 @@ constexpr StatusSentence sentences[] = {
     {MAStatusCode::TOO_FEW_CLUSTERS, "There are no more clusters than coefficients, which leaves CR1 and CR0 "
                                      "no degrees of freedom; CR2 can do "
                                      "with fewer."},
+    {MAStatusCode::BULK_ALPHA_OUTSIDE, "The error probability alpha is not between 0 and 1."},
+    {MAStatusCode::BULK_CHOICE_UNKNOWN,
+     "A choice for the model of all sets is none of its known values, or not a finite number."},
     {MAStatusCode::UNUSABLE_RECORD,
      "Records were left out of a regression: a value that it needs is missing or not usable."},
     {MAStatusCode::CONTRAST_COUNT_MISMATCH,

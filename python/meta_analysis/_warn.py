@@ -28,7 +28,7 @@ def status_text(status: int) -> str:
     --------
     >>> import meta_analysis
     >>> meta_analysis.status_text(460105)
-    'There is no study to pool.'
+    'No study could be used: there is nothing to pool.'
     """
     return _core.status_text(int(status))
 

@@ -58,17 +58,19 @@ def test_errors_say_what_is_wrong(call, error, message):
         call()
 
 
-def results():
-    effects, variances = np.array([[0.1, 0.2], [0.5, 0.1], [0.9, 0.8]]), np.full((3, 2), 0.1)
-    yield ma.pool(effects[:, 0], variances[:, 0])
-    yield ma.pool(effects, variances, columns=["estimate"])
-    yield ma.pool(effects[:, 0], variances[:, 0], groups=["b", "a", "b"])
-    yield ma.effect_sizes_continuous(**{**MEANS, "treatment_mean": [1, 3]})
-    yield ma.regression(effects, variances, np.ones((3, 1)), names=["mean"])
+EFFECTS, VARIANCES = np.array([[0.1, 0.2], [0.5, 0.1], [0.9, 0.8]]), np.full((3, 2), 0.1)
+RESULTS = {
+    "one": lambda: ma.pool(EFFECTS[:, 0], VARIANCES[:, 0]),
+    "many": lambda: ma.pool(EFFECTS, VARIANCES, columns=["estimate"]),
+    "groups": lambda: ma.pool(EFFECTS[:, 0], VARIANCES[:, 0], groups=["b", "a", "b"]),
+    "effect sizes": lambda: ma.effect_sizes_continuous(**{**MEANS, "treatment_mean": [1, 3]}),
+    "regression": lambda: ma.regression(EFFECTS, VARIANCES, np.ones((3, 1)), names=["mean"]),
+}
 
 
-@pytest.mark.parametrize("result", results(), ids=lambda result: type(result).__name__)
-def test_results_pickle_and_do_not_change(result):
+@pytest.mark.parametrize("name", RESULTS)
+def test_results_pickle_and_do_not_change(name):
+    result = RESULTS[name]()
     copy = pickle.loads(pickle.dumps(result))
     assert repr(copy) == repr(result) and copy.columns == result.columns and copy.options == result.options
     for change in (lambda: setattr(copy, "estimate", 1), lambda: delattr(copy, copy.columns[0])):

@@ -34,7 +34,8 @@ MATau2Bounds ProfileLikelihood(const Studies& studies, MALikelihoodType type)
 MATau2Bounds QProfile(const Studies& studies)
 {
     MAPooledCurve curve = studies.Curve(MALikelihoodType::Restricted);
-    return QProfileInterval(curve, alpha);
+    MAQuantiles quantiles(alpha);
+    return QProfileInterval(curve, quantiles);
 }
 
 void ExpectBounds(const MATau2Bounds& actual, double lower, double upper)
