@@ -1,5 +1,6 @@
-# `cpack -G DEB` makes three packages, parted and named as Debian does: who runs the program needs no headers,
-# and shared libraries of two interface versions can be installed side by side.
+# `cpack -G DEB` makes three packages, and one of the module of Python if that is built, parted and named as
+# Debian does: who runs the program needs no headers, and shared libraries of two interface versions can be
+# installed side by side.
 set(CPACK_GENERATOR DEB)
 set(CPACK_PACKAGE_NAME meta-analysis)
 set(CPACK_PACKAGE_CONTACT "Meta-analysis maintainers <maintainers@meta-analysis.invalid>")
@@ -37,5 +38,16 @@ set(CPACK_COMPONENT_META_ANALYSIS_PROGRAM_DEPENDS meta_analysis_library)
 set(CPACK_COMPONENT_META_ANALYSIS_PROGRAM_DESCRIPTION
     "This package has the program meta-analysis, which pools the results of
 studies in a CSV file and reports on them in tables and pictures.")
+
+if(META_ANALYSIS_PYTHON)
+  set(CPACK_DEBIAN_META_ANALYSIS_PYTHON_PACKAGE_NAME python3-meta-analysis)
+  set(CPACK_DEBIAN_META_ANALYSIS_PYTHON_PACKAGE_SECTION python)
+  set(CPACK_DEBIAN_META_ANALYSIS_PYTHON_PACKAGE_DEPENDS "${python_version_range}, python3-numpy")
+  set(CPACK_DEBIAN_META_ANALYSIS_PYTHON_PACKAGE_SUGGESTS python3-pandas)
+  set(CPACK_COMPONENT_META_ANALYSIS_PYTHON_DEPENDS meta_analysis_library)
+  set(CPACK_COMPONENT_META_ANALYSIS_PYTHON_DESCRIPTION
+      "This package has the module meta_analysis of Python, which pools the studies
+of one analysis or of millions in arrays of NumPy.")
+endif()
 
 include(CPack)

@@ -1,5 +1,6 @@
-# What `cmake --install` puts in place beside the public headers, which meta_analysis/ installs itself. The three
-# components are what Debian makes packages of: library, development and program.
+# What `cmake --install` puts in place beside the public headers, which meta_analysis/ installs itself. The
+# components are what Debian makes packages of: library, development, program, and the module of Python, which
+# python/ installs itself.
 include(CMakePackageConfigHelpers)
 
 # The CMake package MetaAnalysis. The library depends on nothing that a host would have to find first, so the

@@ -44,7 +44,7 @@ KXStatus WorkOnSets(const Call& call, std::size_t setCount, std::size_t chunk, i
         }
     };
     const std::size_t chunkCount = setCount / chunk + 1;
-    RunOnThreads(std::min(ThreadCountOf(threadCount), chunkCount), work);
+    RunOnThreads(ThreadCountOf(threadCount, chunkCount), work);
     return hasMemory ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY);
 }
 
