@@ -1,0 +1,36 @@
+#pragma once
+
+#include "meta_analysis/bulk/lanes/MALaneKernels.h"
+
+#include <array>
+#include <cstddef>
+#include <optional>
+#include <span>
+
+namespace MA_NAMESPACE {
+
+/// Runs searches until none waits: `compute(t, found)` evaluates their curves at one t each.
+template <class Search, class Found, class Compute>
+void RunSideBySide(std::span<std::optional<Search>> searches, Compute compute)
+{
+    MALaneValues t{};
+    std::array<Found, mostLanes> found;
+    for (;;) {
+        bool isWaiting = false;
+        for (std::size_t lane = 0; lane < searches.size(); ++lane) {
+            if (searches[lane] && searches[lane]->IsWaiting()) {
+                t[lane] = searches[lane]->Wanted();
+                isWaiting = true;
+            }
+        }
+        if (!isWaiting)
+            return;
+        compute(t, found.data());
+        for (std::size_t lane = 0; lane < searches.size(); ++lane) {
+            if (searches[lane] && searches[lane]->IsWaiting())
+                searches[lane]->Take(found[lane]);
+        }
+    }
+}
+
+} // namespace MA_NAMESPACE
