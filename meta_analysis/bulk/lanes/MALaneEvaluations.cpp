@@ -15,25 +15,6 @@ namespace {
 
 constexpr double infinity = std::numeric_limits<double>::infinity();
 
-/// Goes through all stationary points, as the search of the greatest maximum does.
-class PointSearch
-{
-public:
-    PointSearch(const MACurveBounds& bounds, double guess) : points_(bounds, guess) {}
-
-    bool IsWaiting() const { return points_.IsWaiting(); }
-    double Wanted() const { return points_.Wanted(); }
-    void Take(const MALikelihoodTerms& terms)
-    {
-        points_.Take(terms);
-        while (!points_.IsWaiting() && points_.Found())
-            points_.Proceed();
-    }
-
-private:
-    MAStationaryPoints points_;
-};
-
 /// A search that does not ask twice in a row for the same.
 template <class Search>
 class RememberingSearch
@@ -168,14 +149,15 @@ bool MALaneEvaluations::Tell(std::size_t lane, double t, const Request& request)
 void MALaneEvaluations::SearchMaxima(MALikelihoodType type)
 {
     const Request request{type == MALikelihoodType::Restricted, true};
-    std::array<std::optional<PointSearch>, mostLanes> searches;
+    auto& searches = pointSearches_;
     for (std::size_t lane = 0; lane < regressions_.size(); ++lane) {
         const MACurveBounds& bounds = regressions_[lane]->Curve().Bounds();
+        searches[lane].reset();
         if (isLoaded_[lane] && AreUsable(bounds) && CanRise(bounds))
             searches[lane].emplace(bounds, regressions_[lane]->StartOfSearch());
     }
-    RunSideBySide<PointSearch, MALikelihoodTerms>(
-        searches, [&](const MALaneValues& t, MALikelihoodTerms* terms) {
+    RunSideBySide<MAPointSearch, MALikelihoodTerms>(
+        std::span(searches).first(regressions_.size()), [&](const MALaneValues& t, MALikelihoodTerms* terms) {
             Compute(t, request);
             for (std::size_t lane = 0; lane < regressions_.size(); ++lane) {
                 if (!searches[lane] || !searches[lane]->IsWaiting())

@@ -3,9 +3,11 @@
 #include "meta_analysis/bulk/MASetRegression.h"
 #include "meta_analysis/bulk/lanes/MALaneFits.h"
 #include "meta_analysis/bulk/lanes/MALaneKernels.h"
+#include "meta_analysis/bulk/lanes/MALaneSearches.h"
 
 #include <array>
 #include <cstddef>
+#include <optional>
 #include <span>
 #include <vector>
 
@@ -52,6 +54,8 @@ private:
     MALaneValues unit_{};
     std::array<MAProjectionSums, mostLanes> sums_;
     std::array<bool, mostLanes> isExact_{};
+    /// Kept, because compilers clear the memory of new ones: more of it than there is to compute.
+    std::array<std::optional<MAPointSearch>, mostLanes> pointSearches_;
     std::array<MAGeneralizedQ, mostLanes> qAtZero_{};
 };
 

@@ -83,7 +83,7 @@ private:
     static void Store(const Lanes& lanes, double* values) { __builtin_memcpy(values, &lanes, sizeof lanes); }
     static Lanes Root(const Lanes& squares)
     {
-        Lanes roots;
+        Lanes roots{};
         for (std::size_t lane = 0; lane < laneCount; ++lane)
             roots[lane] = __builtin_sqrt(squares[lane]);
         return roots;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/bulk/lanes/MALaneKernels.h"
+#include "meta_analysis/pooling/MATau2Search.h"
 
 #include <array>
 #include <cstddef>
@@ -32,5 +33,24 @@ void RunSideBySide(std::span<std::optional<Search>> searches, Compute compute)
         }
     }
 }
+
+/// Goes through all stationary points, as the search of the greatest maximum does.
+class MAPointSearch
+{
+public:
+    MAPointSearch(const MACurveBounds& bounds, double guess) : points_(bounds, guess) {}
+
+    bool IsWaiting() const { return points_.IsWaiting(); }
+    double Wanted() const { return points_.Wanted(); }
+    void Take(const MALikelihoodTerms& terms)
+    {
+        points_.Take(terms);
+        while (!points_.IsWaiting() && points_.Found())
+            points_.Proceed();
+    }
+
+private:
+    MAStationaryPoints points_;
+};
 
 } // namespace MA_NAMESPACE
