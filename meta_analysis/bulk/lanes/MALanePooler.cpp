@@ -36,45 +36,6 @@ bool HasInterval(const MARandomEffectsChoice& choice, const MAWantedResults& wan
     return wanted.tau2Interval && choice.tau2Interval != MAConst::TAU2_INTERVAL_NONE;
 }
 
-/// The search of a likelihood that has one maximum, as nearly all have: a second one ends it, for to compare
-/// the two takes the likelihood.
-class SoleMaximumSearch
-{
-public:
-    SoleMaximumSearch(const MACurveBounds& bounds, double guess) : points_(bounds, guess) {}
-
-    bool IsWaiting() const { return points_.IsWaiting() && !hasSecond_; }
-    double Wanted() const { return points_.Wanted(); }
-    void Take(const MALikelihoodTerms& terms)
-    {
-        points_.Take(terms);
-        while (!points_.IsWaiting() && points_.Found() && !hasSecond_) {
-            if (points_.Found()->isMaximum)
-                Consider(points_.Found()->t);
-            points_.Proceed();
-        }
-        if (!points_.IsWaiting() && points_.FallsAtZero())
-            Consider(0.0);
-    }
-    /// NaN where there is none, or more than one.
-    MATau2Solution Solution() const
-    {
-        const bool isSole = points_.IsSound() && !hasSecond_ && maximum_.has_value();
-        return {isSole ? *maximum_ : std::numeric_limits<double>::quiet_NaN(), points_.Evaluations()};
-    }
-
-private:
-    void Consider(double t)
-    {
-        hasSecond_ = maximum_.has_value();
-        maximum_ = t;
-    }
-
-    MAStationaryPoints points_;
-    std::optional<double> maximum_;
-    bool hasSecond_ = false;
-};
-
 } // namespace
 
 bool MALanePooler::Takes(const MAFixedEffectChoice&, const MAWantedResults& wanted)
@@ -242,22 +203,22 @@ MALaneCurves MALanePooler::Curves() const
 
 void MALanePooler::SearchMaxima(MALikelihoodType type)
 {
-    std::array<std::optional<SoleMaximumSearch>, mostLanes> searches;
     for (std::size_t lane = 0; lane < sets_.size(); ++lane) {
+        maxima_[lane].reset();
         if (isLeft_[lane])
             continue;
         const MACurveBounds& bounds = curves_[lane]->Bounds();
         if (AreUsable(bounds) && CanRise(bounds))
-            searches[lane].emplace(bounds, curves_[lane]->MomentEstimate());
+            maxima_[lane].emplace(bounds, curves_[lane]->MomentEstimate());
         else
             estimates_[lane] = EstimateOf(FindLikelihoodMaximum(*curves_[lane], 0.0), unit_[lane]);
     }
-    RunSideBySide<SoleMaximumSearch, MALikelihoodTerms>(
-        searches,
+    RunSideBySide<MASoleMaximumSearch, MALikelihoodTerms>(
+        std::span(maxima_).first(sets_.size()),
         [&](const MALaneValues& t, MALikelihoodTerms* terms) { kernels_.terms(Curves(), t, type, terms); });
     for (std::size_t lane = 0; lane < sets_.size(); ++lane) {
-        if (searches[lane])
-            estimates_[lane] = EstimateOf(searches[lane]->Solution(), unit_[lane]);
+        if (maxima_[lane])
+            estimates_[lane] = EstimateOf(maxima_[lane]->Solution(), unit_[lane]);
     }
 }
 

@@ -2,6 +2,7 @@
 
 #include "meta_analysis/bulk/MAGatheredSet.h"
 #include "meta_analysis/bulk/lanes/MALaneKernels.h"
+#include "meta_analysis/bulk/lanes/MASoleMaximumSearch.h"
 #include "meta_analysis/inference/MAQuantiles.h"
 #include "meta_analysis/pooling/MAPooledCurve.h"
 #include "meta_analysis/pooling/MAPooledCurveSums.h"
@@ -80,6 +81,8 @@ private:
     std::array<MATau2Estimate, mostLanes> estimates_;
     std::array<MATau2Bounds, mostLanes> bounds_{};
     std::array<std::optional<MAPooledCurve>, mostLanes> curves_;
+    /// A member, because each has room for more nodes than a search ever takes: to make them costs a search.
+    std::array<std::optional<MASoleMaximumSearch>, mostLanes> maxima_;
     Models models_;
 };
 
