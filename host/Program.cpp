@@ -1,5 +1,6 @@
 #include "host/Program.h"
 
+#include "host/batch/Batch.h"
 #include "host/cli/CommandLine.h"
 #include "host/data/DataTable.h"
 #include "host/output/OutputPlaces.h"
@@ -72,6 +73,8 @@ int AnalyseStudies(const Options& options, const DataTable& table)
 
 int Analyse(const Options& options)
 {
+    if (options.command == Command::BATCH)
+        return RunBatch(options);
     CheckOutputPlaces(options);
     const DataTable table = DataTable::Read(options.dataPath);
     return options.command == Command::REGRESSION ? AnalyseRegression(options, table)

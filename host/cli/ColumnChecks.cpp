@@ -75,6 +75,16 @@ void CheckEffects(const Options& options)
                             "required.");
 }
 
+void CheckBatch(const BatchOptions& batch)
+{
+    AreBothNamed(batch.effectAllele, "effect-allele", batch.otherAllele, "other-allele");
+    const bool isOneFile = batch.files.size() == 1;
+    if (batch.isSorted && isOneFile)
+        throw UnusableInput("--sorted has no effect on one file, whose rows of a key are together.");
+    if (batch.isUnsorted && !isOneFile)
+        throw UnusableInput("--unsorted has no effect on several files, whose keys may be in any order.");
+}
+
 } // namespace
 
 void CheckColumns(const Options& options)
@@ -88,6 +98,9 @@ void CheckColumns(const Options& options)
         break;
     case Command::EFFECTS:
         CheckEffects(options);
+        break;
+    case Command::BATCH:
+        CheckBatch(options.batch);
         break;
     case Command::BINARY:
     case Command::RATES:

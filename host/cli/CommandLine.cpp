@@ -41,7 +41,8 @@ public:
     std::string make_usage(const CLI::App* app, std::string name) const override
     {
         const bool isProgram = app->get_parent() == nullptr;
-        return fmt::format("\nUsage: {} {}DATA.csv OPTIONS\n", name, isProgram ? "COMMAND " : "");
+        const char* const data = app->get_name() == NameOf(COMMANDS, Command::BATCH) ? "FILE..." : "DATA.csv";
+        return fmt::format("\nUsage: {} {}{} OPTIONS\n", name, isProgram ? "COMMAND " : "", data);
     }
     std::string make_positionals(const CLI::App* /*app*/) const override { return {}; }
 };
@@ -106,7 +107,10 @@ void AddOptions(CommandParser& parser)
 {
     CLI::App& app = *parser.app;
     app.allow_extras();
-    app.add_option("DATA", parser.options.dataPath, "CSV file with the data")->type_name("FILE");
+    if (parser.options.command == Command::BATCH)
+        app.add_option("DATA", parser.options.batch.files, "files with the data")->type_name("FILE");
+    else
+        app.add_option("DATA", parser.options.dataPath, "CSV file with the data")->type_name("FILE");
     for (const OptionDefinition& definition : DefineOptions(parser.options))
         AddOption(app, Noted(definition, parser.options.given));
     for (const OptionDefinition& definition : OutputOptions(parser.options))
@@ -161,7 +165,7 @@ Options TakeOptions(const CLI::App& program, CommandParsers& parsers)
         if (!parser.app->parsed())
             continue;
         RequireNoRest(program, *parser.app);
-        if (parser.options.dataPath.empty())
+        if (parser.options.dataPath.empty() && parser.options.batch.files.empty())
             throw UnusableInput("No data file is given.");
         CompleteOptions(parser.options);
         return std::move(parser.options);

@@ -40,6 +40,7 @@ inline constexpr std::array COMMANDS{
                "Ready-made effect sizes with their variances or standard errors"},
     CommandRow{"regression", Command::REGRESSION,
                "Meta-regression of effect sizes, ready-made or of raw data, on covariates and factors"},
+    CommandRow{"batch", Command::BATCH, "Many analyses in one run, of files of ready-made effect sizes"},
 };
 static_assert(HasEachEnumerator<COMMANDS>());
 

@@ -16,7 +16,7 @@ MAConst::OUTCOMETYPE OutcomeOf(Command command)
 
 bool HasReadyMadeEffects(Command command)
 {
-    return command == Command::EFFECTS || command == Command::REGRESSION;
+    return command == Command::EFFECTS || command == Command::REGRESSION || command == Command::BATCH;
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/cli/BatchColumns.h"
 #include "host/data/ColumnName.h"
 #include "host/draw/PictureFormat.h"
 
@@ -23,8 +24,15 @@ enum class Command
     PROPORTION,
     RATE,
     CORRELATION,
-    MEAN
+    MEAN,
+    BATCH ///< ready-made effect sizes of many analyses
 };
+
+/// Whether the command pools one set of studies, with the steps of an analysis around it.
+constexpr bool HasSteps(Command command)
+{
+    return command != Command::REGRESSION && command != Command::BATCH;
+}
 
 /// The columns of what a group reports in place of mean and standard deviation.
 struct SummaryColumns
@@ -51,6 +59,21 @@ struct RegressionOptions
     std::optional<std::string> rawEffect; ///< the measure of raw data, whose outcome says which it has
     ColumnName cluster;
     MA_NAMESPACE::MARegSettings tests; ///< the sandwich and the permutation test alone
+};
+
+/// What the command `batch` has beyond the other commands.
+struct BatchOptions
+{
+    std::vector<std::string> files; ///< "-" for standard input
+    ColumnName key;
+    ColumnName effectAllele;
+    ColumnName otherAllele;
+    bool isUnsorted = false; ///< one file, whose rows of a key need not be together
+    bool isSorted = false;   ///< several files, sorted by the bytes of the key
+    int threadCount = 1;     ///< 0 for one for each processor
+    std::vector<BatchColumn> columns{BATCH_COLUMNS.begin(), BATCH_COLUMNS.end()};
+    std::optional<std::string> output; ///< "-" for standard output, as none
+    std::optional<std::string> rejects;
 };
 
 /// What the command line asks for, complete with defaults. `settings` holds what the library has settings
@@ -122,6 +145,7 @@ struct Options
     std::optional<std::string> label;
 
     RegressionOptions regression;
+    BatchOptions batch;
 
     MA_NAMESPACE::MAModelSettings settings;
 };

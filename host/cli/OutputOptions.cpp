@@ -1,5 +1,7 @@
 #include "host/cli/OutputOptions.h"
 
+#include "host/cli/OptionKinds.h"
+
 #include <optional>
 #include <string>
 
@@ -31,10 +33,40 @@ OptionDefinition PlotFormatOption(Options& options)
         .value = {}};
 }
 
+OptionDefinitions BatchOutput(BatchOptions& batch)
+{
+    const std::string columns =
+        fmt::format("results to write, separated by commas: {} (default all)", NamesOf(BATCH_COLUMNS));
+    return {
+        OutputOption("output", "FILE", "write the results to this file; - for standard output, as without",
+                     batch.output),
+        {.name = "columns",
+         .argument = "LIST",
+         .help = columns,
+         .heading = "Output",
+         .store = [&batch](const std::string& text) { batch.columns = ParseBatchColumns(text); },
+         .value = {}},
+        OutputOption("rejects", "FILE", "write the rows that are left out, with their reasons",
+                     batch.rejects),
+        {.name = "threads",
+         .argument = "COUNT",
+         .help = fmt::format("threads, which change no result; 0 for one a processor (default {})",
+                             batch.threadCount),
+         .heading = "Output",
+         .store =
+             [&batch](const std::string& text) {
+                 batch.threadCount = RequireInside(NOT_NEGATIVE, ParseWholeNumber(text));
+             },
+         .value = {}},
+    };
+}
+
 } // namespace
 
 OptionDefinitions OutputOptions(Options& options)
 {
+    if (options.command == Command::BATCH)
+        return BatchOutput(options.batch);
     return {
         OutputOption("json", "FILE", "write all results as JSON; - for standard output, without report",
                      options.jsonPath),

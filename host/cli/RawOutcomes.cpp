@@ -27,7 +27,7 @@ std::vector<Command> DataOfRegressions()
 {
     std::vector<Command> data = {Command::REGRESSION, Command::EFFECTS};
     for (const CommandRow& row : COMMANDS)
-        if (row.value != Command::REGRESSION && row.value != Command::EFFECTS)
+        if (HasSteps(row.value) && row.value != Command::EFFECTS)
             data.push_back(row.value);
     return data;
 }

@@ -21,7 +21,18 @@ std::filesystem::path CanonicalPath(const std::string& path)
     return found.has_filename() ? found : found.parent_path(); // "folder/" is "folder"
 }
 
-/// Whether the paths lead to one file, whether it exists or not.
+/// Throws UnusableInput when the file would replace the data or a folder, or has no folder.
+void CheckFile(const char* option, const std::string& path, const Options& options)
+{
+    if (IsSameFile(path, options.dataPath))
+        throw UnusableInput(fmt::format("{}: '{}' is the data file.", option, path));
+    if (options.plotsFolder && IsSameFile(path, *options.plotsFolder))
+        throw UnusableInput(fmt::format("{}: '{}' is the folder of --plots.", option, path));
+    RequireFolderOf(option, path);
+}
+
+} // namespace
+
 bool IsSameFile(const std::string& one, const std::string& other)
 {
     std::error_code noSuchFile;
@@ -36,18 +47,6 @@ void RequireFolderOf(const char* option, const std::string& path)
         throw UnusableInput(fmt::format("{}: '{}' cannot be written: there is no folder '{}'.", option, path,
                                         folder.string()));
 }
-
-/// Throws UnusableInput when the file would replace the data or a folder, or has no folder.
-void CheckFile(const char* option, const std::string& path, const Options& options)
-{
-    if (IsSameFile(path, options.dataPath))
-        throw UnusableInput(fmt::format("{}: '{}' is the data file.", option, path));
-    if (options.plotsFolder && IsSameFile(path, *options.plotsFolder))
-        throw UnusableInput(fmt::format("{}: '{}' is the folder of --plots.", option, path));
-    RequireFolderOf(option, path);
-}
-
-} // namespace
 
 bool WritesJsonToStandardOutput(const Options& options)
 {

@@ -11,6 +11,12 @@ namespace host {
 /// place costs no work.
 void CheckOutputPlaces(const Options& options);
 
+/// Whether the paths lead to one file, whether it exists or not.
+bool IsSameFile(const std::string& one, const std::string& other);
+
+/// Throws UnusableInput, which names the option, when there is no folder for the file.
+void RequireFolderOf(const char* option, const std::string& path);
+
 bool WritesJsonToStandardOutput(const Options& options);
 
 /// What the run uses the path for, apart from its pictures: "the data file"; empty for nothing.

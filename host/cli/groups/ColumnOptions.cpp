@@ -75,6 +75,24 @@ OptionDefinitions RegressionColumns(Options& options)
     };
 }
 
+OptionDefinitions BatchColumns(Options& options)
+{
+    BatchOptions& batch = options.batch;
+    return {
+        Required(Column("key", batch.key, "key of the analysis that a row belongs to")),
+        Required(Column("effect-size", options.effectSize, "effect sizes (of ratios: their logarithms)")),
+        ThisOrNext(Column("variance", options.variance, "their variances, or")),
+        Column("std-error", options.stdError, "their standard errors"),
+        Column("effect-allele", batch.effectAllele, "allele that the effect is of, with"),
+        Column("other-allele", batch.otherAllele,
+               "the other one: effects are of the alleles that a key has first"),
+        Flag("unsorted", batch.isUnsorted,
+             "one file: the rows of a key need not be together (holds the numbers in memory)"),
+        Flag("sorted", batch.isSorted,
+             "several files: sorted by the bytes of the keys (holds no numbers in memory)"),
+    };
+}
+
 } // namespace
 
 OptionDefinitions ColumnsOfData(Options& options, Command data)
@@ -88,6 +106,8 @@ OptionDefinitions ColumnsOfData(Options& options, Command data)
         return EffectsColumns(options);
     case Command::REGRESSION:
         return RegressionColumns(options);
+    case Command::BATCH:
+        return BatchColumns(options);
     case Command::RATES:
     case Command::PROPORTION:
     case Command::RATE:
@@ -103,8 +123,9 @@ OptionGroup ColumnOptions(Options& options)
     OptionGroup group = {.heading = "Columns", .options = ColumnsOf(options), .complete = [&options] {
                              CheckColumns(options);
                          }};
-    group.options.push_back(
-        Column("study", options.study, "labels of the studies (default: record numbers from 1)"));
+    if (options.command != Command::BATCH)
+        group.options.push_back(
+            Column("study", options.study, "labels of the studies (default: record numbers from 1)"));
     return group;
 }
 

@@ -142,6 +142,7 @@ OptionDefinitions EffectsOfData(Options& options, Command data)
     case Command::MEAN:
         return OutcomeEffects(options, data);
     case Command::REGRESSION:
+    case Command::BATCH:
         break;
     }
     return {};

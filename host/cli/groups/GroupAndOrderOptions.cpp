@@ -46,7 +46,7 @@ void CheckCommonTau2(const Options& options)
 
 OptionGroup GroupAndOrderOptions(Options& options)
 {
-    if (options.command == Command::REGRESSION)
+    if (!HasSteps(options.command))
         return {};
     return {
         .heading = "Groups, order and contrasts",

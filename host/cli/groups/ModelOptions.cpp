@@ -43,14 +43,18 @@ OptionDefinitions ModelOf(Settings& settings)
     };
 }
 
-OptionDefinitions PoolingOf(Settings& settings)
+/// Ready-made effect sizes of many analyses have no tables to pool.
+OptionDefinitions PoolingOf(Settings& settings, Command command)
 {
-    return {
+    OptionDefinitions options = {
         OneOf("weights", WEIGHT_CHOICES, settings, &Settings::GetWeightType, &Settings::SetWeightType,
               "study weights"),
         Number("null", ANY_NUMBER, settings, &Settings::GetNullHypothesis, &Settings::SetNullHypothesis,
                "effect under the null hypothesis, for the fixed model"),
     };
+    if (command == Command::BATCH)
+        options.erase(options.begin());
+    return options;
 }
 
 OptionDefinitions RegressionTests(RegressionOptions& options)
@@ -83,9 +87,10 @@ OptionGroup ModelOptions(Options& options)
     OptionGroup group = {.heading = "Model", .options = {PresetOption(options)}, .complete = [&options] {
                              CheckNullHypothesis(options.settings);
                          }};
-    for (OptionDefinitions more : {ModelOf(options.settings), options.command == Command::REGRESSION
-                                                                  ? RegressionTests(options.regression)
-                                                                  : PoolingOf(options.settings)})
+    for (OptionDefinitions more :
+         {ModelOf(options.settings), options.command == Command::REGRESSION
+                                         ? RegressionTests(options.regression)
+                                         : PoolingOf(options.settings, options.command)})
         for (OptionDefinition& option : more)
             group.options.push_back(std::move(option));
     return group;

@@ -87,7 +87,7 @@ void CheckPlots(const Options& options)
 
 OptionGroup PlotOptions(Options& options)
 {
-    if (options.command == Command::REGRESSION)
+    if (!HasSteps(options.command))
         return {};
     return {.heading = "Plots", .options = PlotsOf(options), .complete = [&options] { CheckPlots(options); }};
 }

@@ -44,11 +44,15 @@ OptionDefinitions BetweenStudyVariance(Settings& settings)
 }
 
 /// A regression has no prediction of new studies.
-OptionDefinitions Predictions(Settings& settings)
+OptionDefinition PredictionInterval(Settings& settings)
+{
+    return OneOf("prediction", PREDICTION_CHOICES, settings, &Settings::GetPrediction,
+                 &Settings::SetPrediction, "distribution of the prediction interval");
+}
+
+OptionDefinitions Thresholds(Settings& settings)
 {
     return {
-        OneOf("prediction", PREDICTION_CHOICES, settings, &Settings::GetPrediction, &Settings::SetPrediction,
-              "distribution of the prediction interval"),
         Threshold(ABOVE, settings, &Settings::GetProbabilityAbove, &Settings::SetProbabilityAbove, "above"),
         Threshold(BELOW, settings, &Settings::GetProbabilityBelow, &Settings::SetProbabilityBelow, "below"),
     };
@@ -99,7 +103,9 @@ OptionGroup RandomEffectsOptions(Options& options)
                          .options = BetweenStudyVariance(options.settings),
                          .complete = [&options] { CheckRandomEffects(options); }};
     if (options.command != Command::REGRESSION)
-        for (const OptionDefinition& option : Predictions(options.settings))
+        group.options.push_back(PredictionInterval(options.settings));
+    if (HasSteps(options.command))
+        for (const OptionDefinition& option : Thresholds(options.settings))
             group.options.push_back(option);
     return group;
 }

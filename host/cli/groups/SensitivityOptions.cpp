@@ -11,6 +11,8 @@ OptionGroup SensitivityOptions(Options& options)
     const OptionDefinition influence =
         Flag("influence", options.settings, &Settings::GetInfluence, &Settings::SetInfluence,
              "how much each study decides: residuals, DFFITS, Cook's distances, leverages and more");
+    if (options.command == Command::BATCH)
+        return {};
     if (options.command == Command::REGRESSION)
         return {.heading = "Sensitivity", .options = {influence}};
     return {.heading = "Sensitivity",

@@ -101,7 +101,7 @@ void CheckSmallStudyTest(const Options& options)
 
 OptionGroup SmallStudyOptions(Options& options)
 {
-    if (options.command == Command::REGRESSION)
+    if (!HasSteps(options.command))
         return {};
     return {.heading = "Small-study effects", .options = SmallStudyEffects(options), .complete = [&options] {
                 CheckSmallStudyTest(options);

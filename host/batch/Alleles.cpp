@@ -1,0 +1,62 @@
+#include "host/batch/Alleles.h"
+
+#include <algorithm>
+
+namespace host {
+
+namespace {
+
+constexpr char UpperCase(char c) noexcept
+{
+    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
+}
+
+/// The letter on the other strand, in upper case; 0 for any other text.
+char ComplementOf(std::string_view allele) noexcept
+{
+    if (allele.size() != 1)
+        return '\0';
+    switch (UpperCase(allele.front())) {
+    case 'A':
+        return 'T';
+    case 'C':
+        return 'G';
+    case 'G':
+        return 'C';
+    case 'T':
+        return 'A';
+    default: // no enumeration
+        return '\0';
+    }
+}
+
+AlleleMatch MatchAsWritten(const Alleles& first, const Alleles& row) noexcept
+{
+    if (EqualInAnyCase(first.effect, row.effect) && EqualInAnyCase(first.other, row.other))
+        return AlleleMatch::SAME;
+    if (EqualInAnyCase(first.effect, row.other) && EqualInAnyCase(first.other, row.effect))
+        return AlleleMatch::SWAPPED;
+    return AlleleMatch::NONE;
+}
+
+} // namespace
+
+bool EqualInAnyCase(std::string_view one, std::string_view other) noexcept
+{
+    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
+                      [](char a, char b) { return UpperCase(a) == UpperCase(b); });
+}
+
+AlleleMatch MatchAlleles(const Alleles& first, const Alleles& row) noexcept
+{
+    const AlleleMatch asWritten = MatchAsWritten(first, row);
+    if (asWritten != AlleleMatch::NONE)
+        return asWritten;
+    const char effect = ComplementOf(row.effect);
+    const char other = ComplementOf(row.other);
+    if (effect == '\0' || other == '\0')
+        return AlleleMatch::NONE;
+    return MatchAsWritten(first, {{&effect, 1}, {&other, 1}});
+}
+
+} // namespace host

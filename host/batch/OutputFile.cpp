@@ -1,0 +1,166 @@
+#include "host/batch/OutputFile.h"
+
+#include "host/text/UnusableInput.h"
+
+#include <fcntl.h>
+#include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <array>
+#include <atomic>
+#include <cerrno>
+#include <climits>
+#include <csignal>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <system_error>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+/// What a signal handler can read: it must not meet a text that changes.
+struct TemporaryName
+{
+    std::array<char, PATH_MAX> path;
+    std::atomic<bool> isUsed = false;
+};
+
+std::array<TemporaryName, 2> temporaryNames;
+
+void Remember(const std::string& path)
+{
+    for (TemporaryName& name : temporaryNames)
+        if (!name.isUsed && path.size() < name.path.size()) {
+            std::memcpy(name.path.data(), path.c_str(), path.size() + 1);
+            name.isUsed = true;
+            return;
+        }
+}
+
+void Forget(const std::string& path)
+{
+    for (TemporaryName& name : temporaryNames)
+        if (name.isUsed && path == name.path.data())
+            name.isUsed = false;
+}
+
+extern "C" void RemoveAndEnd(int signal)
+{
+    for (const TemporaryName& name : temporaryNames)
+        if (name.isUsed)
+            unlink(name.path.data());
+    std::signal(signal, SIG_DFL);
+    std::raise(signal);
+}
+
+std::string Resolved(const std::string& path)
+{
+    std::error_code unreadable;
+    const std::filesystem::path resolved = std::filesystem::weakly_canonical(path, unreadable);
+    return unreadable ? path : resolved.string();
+}
+
+/// The permissions that the file has, or that a new one gets.
+mode_t ModeOf(const std::string& path)
+{
+    struct stat status
+    {};
+    if (stat(path.c_str(), &status) == 0)
+        return status.st_mode & 0777U;
+    const mode_t mask = umask(0);
+    umask(mask);
+    return 0666U & ~mask;
+}
+
+/// Whether there is something at the path that a file cannot replace.
+bool IsNoRegularFile(const std::string& path)
+{
+    struct stat status
+    {};
+    return stat(path.c_str(), &status) == 0 && !S_ISREG(status.st_mode);
+}
+
+} // namespace
+
+OutputFile::OutputFile(const std::string& path) : name_(fmt::format("'{}'", path)), path_(Resolved(path))
+{
+    if (path == "-") {
+        name_ = "Standard output";
+        file_ = STDOUT_FILENO;
+        return;
+    }
+    if (IsNoRegularFile(path_))
+        file_ = open(path_.c_str(), O_WRONLY | O_CLOEXEC);
+    else
+        OpenTemporary();
+    if (file_ < 0)
+        Fail();
+}
+
+void OutputFile::OpenTemporary()
+{
+    std::string name = path_ + ".XXXXXX";
+    file_ = mkostemp(name.data(), O_CLOEXEC);
+    if (file_ < 0)
+        return;
+    temporary_ = name;
+    Remember(temporary_);
+    if (fchmod(file_, ModeOf(path_)) != 0)
+        Fail();
+}
+
+OutputFile::~OutputFile()
+{
+    if (file_ >= 0 && file_ != STDOUT_FILENO)
+        close(file_);
+    if (temporary_.empty())
+        return;
+    unlink(temporary_.c_str());
+    Forget(temporary_);
+}
+
+void OutputFile::Fail() const
+{
+    throw UnusableInput(fmt::format("{} cannot be written: {}.", name_, std::strerror(errno)));
+}
+
+void OutputFile::Write(std::string_view bytes)
+{
+    while (!bytes.empty()) {
+        const ssize_t count = write(file_, bytes.data(), bytes.size());
+        if (count >= 0)
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        else if (errno == EPIPE)
+            throw ReaderIsGone();
+        else if (errno != EINTR)
+            Fail();
+    }
+}
+
+void OutputFile::Commit()
+{
+    if (file_ == STDOUT_FILENO)
+        return;
+    const int file = std::exchange(file_, -1);
+    if (close(file) != 0)
+        Fail();
+    if (temporary_.empty())
+        return;
+    if (std::rename(temporary_.c_str(), path_.c_str()) != 0)
+        Fail();
+    Forget(temporary_);
+    temporary_.clear();
+}
+
+void RemoveTemporaryFilesOnSignals()
+{
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+        if (std::signal(signal, RemoveAndEnd) == SIG_IGN)
+            std::signal(signal, SIG_IGN);
+}
+
+} // namespace host

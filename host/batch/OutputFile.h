@@ -1,0 +1,44 @@
+#pragma once
+
+#include <exception>
+#include <optional>
+#include <string>
+#include <string_view>
+
+namespace host {
+
+/// The reader of standard output has had enough, such as `head`.
+class ReaderIsGone : public std::exception
+{};
+
+/// A file that has its name when it is whole: until `Commit` it is a temporary one beside it, which the
+/// destructor and the signals that end the program remove. What is no regular file, such as a pipe, is
+/// written as it is. What cannot be written throws UnusableInput.
+class OutputFile
+{
+public:
+    /// "-" is standard output.
+    explicit OutputFile(const std::string& path);
+    ~OutputFile();
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+
+    /// Throws ReaderIsGone for a closed pipe.
+    void Write(std::string_view bytes);
+
+    void Commit();
+
+private:
+    void OpenTemporary();
+    [[noreturn]] void Fail() const;
+
+    std::string name_;      ///< in messages
+    std::string path_;      ///< with links resolved
+    std::string temporary_; ///< empty for none
+    int file_ = -1;
+};
+
+/// From now on SIGINT, SIGTERM and SIGHUP remove the temporary files before they end the program.
+void RemoveTemporaryFilesOnSignals();
+
+} // namespace host

@@ -1,0 +1,134 @@
+#include "host/batch/RowParser.h"
+
+#include "host/batch/FieldNumber.h"
+#include "host/text/UnusableInput.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <cmath>
+#include <cstring>
+#include <limits>
+
+namespace host {
+
+namespace {
+
+using Kind = FieldNumber::Kind;
+
+/// Sizes of keys and alleles are kept in two bytes.
+constexpr std::size_t LONGEST_TEXT = std::numeric_limits<std::uint16_t>::max();
+
+bool IsBlankLine(std::string_view line)
+{
+    return line.find_first_not_of(" \t") == std::string_view::npos;
+}
+
+RowProblem AlleleProblem(const Alleles& alleles)
+{
+    for (const std::string_view allele : {alleles.effect, alleles.other})
+        if (IsMissingField(allele) || allele.size() > LONGEST_TEXT)
+            return RowProblem::NO_ALLELE;
+    return EqualInAnyCase(alleles.effect, alleles.other) ? RowProblem::SAME_ALLELES : RowProblem::NONE;
+}
+
+RowProblem ProblemOf(Kind kind, RowProblem ifMissing, RowProblem ifNoNumber, RowProblem ifOutside)
+{
+    switch (kind) {
+    case Kind::NUMBER:
+        return RowProblem::NONE;
+    case Kind::MISSING:
+        return ifMissing;
+    case Kind::NO_NUMBER:
+        return ifNoNumber;
+    case Kind::OUTSIDE:
+        return ifOutside;
+    }
+    return RowProblem::NONE;
+}
+
+} // namespace
+
+RowProblem RowParser::ReadKey(std::string_view key, Row& row) const
+{
+    if (IsMissingField(key))
+        return RowProblem::NO_KEY;
+    if (key.size() > LONGEST_TEXT || key.find('\t') != std::string_view::npos)
+        return RowProblem::KEY_UNUSABLE;
+    row.keyStart = key.data();
+    row.keySize = static_cast<std::uint16_t>(key.size());
+    return RowProblem::NONE;
+}
+
+RowProblem RowParser::ReadNumbers(std::string_view effectSize, std::string_view spread, Row& row) const
+{
+    const FieldNumber effect = NumberOf(effectSize);
+    if (effect.kind != Kind::NUMBER)
+        return ProblemOf(effect.kind, RowProblem::NO_EFFECT_SIZE, RowProblem::EFFECT_SIZE_NO_NUMBER,
+                         RowProblem::EFFECT_SIZE_OUTSIDE);
+    const FieldNumber number = NumberOf(spread);
+    if (number.kind != Kind::NUMBER)
+        return ProblemOf(number.kind, RowProblem::NO_SPREAD, RowProblem::SPREAD_NO_NUMBER,
+                         RowProblem::SPREAD_OUTSIDE);
+    if (!(number.value > 0.0))
+        return RowProblem::SPREAD_NOT_POSITIVE;
+    row.effectSize = effect.value;
+    row.variance = layout_.hasStdError ? number.value * number.value : number.value;
+    const bool hasWeight =
+        row.variance > 0.0 && std::isfinite(row.variance) && std::isfinite(1.0 / row.variance);
+    return hasWeight ? RowProblem::NONE : RowProblem::VARIANCE_EXTREME;
+}
+
+void RowParser::ParseLine(FieldCutter& cutter, char* line, std::size_t size, ParsedRows& rows, Row& row) const
+{
+    const std::size_t count = cutter.Cut(line, size);
+    if (count != layout_.fieldCount) {
+        row.problem = count == 0 ? RowProblem::QUOTE : RowProblem::FIELD_COUNT;
+        return;
+    }
+    const auto field = [&](std::size_t position) { return TrimmedField(cutter.Field(line, position)); };
+    row.problem = ReadKey(field(layout_.key), row);
+    if (row.problem == RowProblem::NONE && layout_.hasAlleles) {
+        const Alleles alleles = {field(layout_.effectAllele), field(layout_.otherAllele)};
+        row.problem = AlleleProblem(alleles);
+        if (row.problem == RowProblem::NONE)
+            rows.alleles.back() = alleles;
+    }
+    if (row.problem == RowProblem::NONE)
+        row.problem =
+            ReadNumbers(cutter.Field(line, layout_.effectSize), cutter.Field(line, layout_.spread), row);
+}
+
+void RowParser::Parse(ParsedRows& rows) const
+{
+    rows.rows.clear();
+    rows.alleles.clear();
+    TextBlock& text = rows.text;
+    const auto length = static_cast<std::size_t>(text.end - text.begin);
+    if (const void* const zero = std::memchr(text.begin, '\0', length))
+        throw UnusableInput(fmt::format(
+            "{}, line {}: a byte of value 0, so this is no text in UTF-8.", fileName_,
+            text.firstLine + static_cast<std::size_t>(
+                                 std::count(text.begin, static_cast<char*>(const_cast<void*>(zero)), '\n'))));
+    FieldCutter cutter(layout_.separator, layout_.fieldCount);
+    std::uint32_t number = 0;
+    for (char* line = text.begin; line < text.end; ++number) {
+        auto* const newline =
+            static_cast<char*>(std::memchr(line, '\n', static_cast<std::size_t>(text.end - line)));
+        char* const next = newline == nullptr ? text.end : newline + 1;
+        char* end = newline == nullptr ? text.end : newline;
+        if (end > line && end[-1] == '\r')
+            --end;
+        const auto size = static_cast<std::size_t>(end - line);
+        if (!IsBlankLine({line, size})) {
+            Row& row = rows.rows.emplace_back();
+            row.line = number;
+            if (layout_.hasAlleles)
+                rows.alleles.emplace_back();
+            ParseLine(cutter, line, size, rows, row);
+        }
+        line = next;
+    }
+}
+
+} // namespace host

@@ -1,0 +1,126 @@
+#include "host/batch/RowStream.h"
+
+#include "host/text/UnusableInput.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <string_view>
+#include <utility>
+
+namespace host {
+
+namespace {
+
+constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
+
+bool IsBlank(std::string_view text)
+{
+    return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
+}
+
+std::string_view TextOf(const TextBlock& block)
+{
+    return {block.begin, static_cast<std::size_t>(block.end - block.begin)};
+}
+
+/// Takes the first line off the block, without its ending.
+std::string TakeLine(TextBlock& block)
+{
+    const std::string_view text = TextOf(block);
+    std::string_view line = text.substr(0, text.find('\n'));
+    const std::size_t taken = std::min(line.size() + 1, text.size());
+    if (line.ends_with('\r'))
+        line.remove_suffix(1);
+    std::string copy(line);
+    block.begin += taken;
+    ++block.firstLine;
+    return copy;
+}
+
+} // namespace
+
+RowStream::RowStream(const std::string& path, const Options& options, std::size_t blockSize,
+                     std::size_t depth, TaskPool& pool)
+    : path_(path),
+      lines_(path, blockSize),
+      parser_(ReadHeader(options), lines_.Name()),
+      pool_(pool),
+      depth_(depth)
+{}
+
+RowLayout RowStream::ReadHeader(const Options& options)
+{
+    lines_.Next(first_);
+    if (TextOf(first_).starts_with(BYTE_ORDER_MARK))
+        first_.begin += BYTE_ORDER_MARK.size();
+    std::string header;
+    while (IsBlank(header) && !first_.IsEmpty())
+        header = TakeLine(first_);
+    if (IsBlank(header))
+        throw UnusableInput(fmt::format("{} is empty: a header line and rows are needed.", Name()));
+    if (header.find('\0') != std::string::npos)
+        throw UnusableInput(fmt::format("{}, line {}: a byte of value 0, so this is no text in UTF-8.",
+                                        Name(), first_.firstLine - 1));
+    if (header.find('\r') != std::string::npos)
+        throw UnusableInput(
+            fmt::format("{}: lines end in carriage returns alone; line feeds are needed.", Name()));
+    const RowLayout layout = LayoutOf(header, options, Name());
+    if (first_.IsEmpty())
+        lines_.Next(first_);
+    if (first_.IsEmpty())
+        throw UnusableInput(fmt::format("{} has a header line and no data rows.", Name()));
+    return layout;
+}
+
+/// The next one waits for the lock, so it may be told before the block is there.
+void RowStream::Fetch(std::size_t number, TextBlock& text)
+{
+    std::unique_lock lock(turn_);
+    turnChanged_.wait(lock, [&] { return fetched_ == number; });
+    ++fetched_;
+    turnChanged_.notify_all();
+    if (first_.IsEmpty())
+        lines_.Next(text);
+    else
+        text = std::exchange(first_, TextBlock());
+}
+
+void RowStream::Read(std::size_t number, ParsedRows& rows)
+{
+    Fetch(number, rows.text);
+    parser_.Parse(rows);
+}
+
+void RowStream::StartNext()
+{
+    if (spare_.empty())
+        spare_.push_back(std::make_unique<Block>());
+    std::unique_ptr<Block> block = std::move(spare_.back());
+    spare_.pop_back();
+    block->task = pool_.Start([this, number = started_++, &rows = block->rows] { Read(number, rows); });
+    ahead_.push_back(std::move(block));
+}
+
+void RowStream::Prefetch()
+{
+    while (ahead_.size() < depth_)
+        StartNext();
+}
+
+const ParsedRows* RowStream::Next()
+{
+    do {
+        if (current_)
+            spare_.push_back(std::move(current_));
+        Prefetch();
+        current_ = std::move(ahead_.front());
+        ahead_.pop_front();
+        pool_.Finish(current_->task);
+        if (current_->rows.text.IsEmpty())
+            return nullptr;
+    } while (current_->rows.rows.empty());
+    return &current_->rows;
+}
+
+} // namespace host

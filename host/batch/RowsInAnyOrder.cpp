@@ -1,0 +1,70 @@
+#include "host/batch/Grouping.h"
+#include "host/batch/KeyedRows.h"
+#include "host/batch/RowUse.h"
+
+#include <limits>
+
+namespace host {
+
+namespace {
+
+constexpr double NO_NUMBER = std::numeric_limits<double>::quiet_NaN();
+
+/// Keeps the row with its key. `isOnly` is for files in which a key has one row: there a row that is
+/// rejected stands for its key, as a study that is missing.
+void KeepRow(const RowAt& row, bool isOnly, KeyedRows& kept, Rejects& rejects)
+{
+    if (!row.Values().HasKey()) {
+        Reject(row, row.Values().problem, rejects);
+        return;
+    }
+    const KeyedRows::Position key = kept.Find(row.Values().Key(), row.RowAlleles());
+    if (isOnly && kept.HasRowInFile(key)) {
+        Reject(row, RowProblem::DUPLICATED_KEY, rejects);
+        return;
+    }
+    const bool isUsed = UseRow(
+        row, rejects, [&](const Alleles& alleles) { return kept.MatchFirst(key, alleles); },
+        [&](double effectSize, double variance) { kept.Add(key, effectSize, variance); });
+    if (isOnly && !isUsed)
+        kept.Add(key, NO_NUMBER, NO_NUMBER);
+}
+
+void KeepRows(RowStream& file, bool areOnly, KeyedRows& kept, Rejects& rejects)
+{
+    while (const ParsedRows* const block = file.Next())
+        for (std::size_t i = 0; i < block->rows.size(); ++i)
+            KeepRow({file, *block, i}, areOnly, kept, rejects);
+}
+
+void PoolKept(KeyedRows& kept, SetSink& sets)
+{
+    for (auto key = kept.First(); key != KeyedRows::NO_POSITION; key = kept.After(key)) {
+        sets.Begin(kept.Key(key));
+        kept.ForEachRow(key, [&](double effectSize, double variance) { sets.Add(effectSize, variance); });
+    }
+}
+
+} // namespace
+
+void PoolRowsInAnyOrder(RowStream& file, bool hasAlleles, SetSink& sets, Rejects& rejects)
+{
+    KeyedRows kept(hasAlleles);
+    KeepRows(file, false, kept, rejects);
+    PoolKept(kept, sets);
+}
+
+void PoolFilesInAnyOrder(std::deque<RowStream>& files, bool hasAlleles, SetSink& sets, Rejects& rejects)
+{
+    KeyedRows kept(hasAlleles);
+    for (auto file = files.begin(); file != files.end(); ++file) {
+        file->Prefetch();
+        if (file + 1 != files.end())
+            (file + 1)->Prefetch();
+        kept.BeginFile();
+        KeepRows(*file, true, kept, rejects);
+    }
+    PoolKept(kept, sets);
+}
+
+} // namespace host
