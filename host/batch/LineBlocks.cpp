@@ -13,7 +13,7 @@ namespace host {
 namespace {
 
 /// A longer line is no row of a table, and would fill the memory.
-constexpr std::size_t LONGEST_LINE = std::size_t{64} << 20;
+constexpr std::size_t LONGEST_LINE = std::size_t{16} << 20;
 
 } // namespace
 
@@ -58,7 +58,7 @@ void LineBlocks::Next(TextBlock& block)
         size += count;
         if (cut != nullptr || isAtEnd_)
             break;
-        if (size > LONGEST_LINE)
+        if (size >= LONGEST_LINE)
             RefuseLine();
         block.Reserve(2 * size, size);
     }

@@ -65,12 +65,7 @@ RowLayout RowStream::ReadHeader(const Options& options)
     if (header.find('\r') != std::string::npos)
         throw UnusableInput(
             fmt::format("{}: lines end in carriage returns alone; line feeds are needed.", Name()));
-    const RowLayout layout = LayoutOf(header, options, Name());
-    if (first_.IsEmpty())
-        lines_.Next(first_);
-    if (first_.IsEmpty())
-        throw UnusableInput(fmt::format("{} has a header line and no data rows.", Name()));
-    return layout;
+    return LayoutOf(header, options, Name());
 }
 
 /// The next one waits for the lock, so it may be told before the block is there.
@@ -117,9 +112,12 @@ const ParsedRows* RowStream::Next()
         current_ = std::move(ahead_.front());
         ahead_.pop_front();
         pool_.Finish(current_->task);
+        if (current_->rows.text.IsEmpty() && !hasRows_)
+            throw UnusableInput(fmt::format("{} has a header line and no data rows.", Name()));
         if (current_->rows.text.IsEmpty())
             return nullptr;
     } while (current_->rows.rows.empty());
+    hasRows_ = true;
     return &current_->rows;
 }
 

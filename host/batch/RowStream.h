@@ -54,6 +54,7 @@ private:
     std::unique_ptr<Block> current_;
     std::vector<std::unique_ptr<Block>> spare_;
     std::size_t started_ = 0;
+    bool hasRows_ = false;
 
     std::mutex turn_; ///< of the next fields: blocks are fetched in their order
     std::condition_variable turnChanged_;
