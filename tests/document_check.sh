@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Compares a document with the program that it explains.
 #   tests/document_check.sh DOCUMENT SOURCE PROGRAM
-# Every ```cpp block must stand in the source, and every ```text block in what the program prints. Leading
+# Every ```cpp or ```c block must stand in the source, and every ```text block in what the program prints. Leading
 # blanks do not count: a document shows the body of a function without its indentation.
 set -euo pipefail
 
@@ -33,7 +33,7 @@ while IFS= read -r line; do
     case $kind:$line in
     :'```'?*) kind=${line#\`\`\`} block='' ;;
     :'```') kind=other ;;
-    cpp:'```') require "${block%$'\n'}" "$source" "$2" && kind='' ;;
+    cpp:'```' | c:'```') require "${block%$'\n'}" "$source" "$2" && kind='' ;;
     text:'```') require "${block%$'\n'}" "$output" "the output of $3" && kind='' ;;
     *:'```') kind='' ;;
     *) block+=$line$'\n' ;;

@@ -1,5 +1,6 @@
 #include "meta_analysis/bulk/CInterfaceOptions.h"
 #include "meta_analysis/bulk/CInterfaceStruct.h"
+#include "meta_analysis/bulk/MAPutNumber.h"
 #include "meta_analysis/effectsize/MAMeans.h"
 #include "meta_analysis/effectsize/MAMeansRule.h"
 #include "meta_analysis/effectsize/MAPoolable.h"
@@ -22,13 +23,6 @@ double ValueAt(const ma_vector& vector, std::size_t study)
 {
     const double value = vector.values[static_cast<std::ptrdiff_t>(study) * vector.stride];
     return std::isnan(value) ? KXMV::Missing() : value;
-}
-
-template <class Number>
-void Put(Number* column, std::size_t study, Number value)
-{
-    if (column != nullptr)
-        column[study] = value;
 }
 
 void PutFinite(double* column, std::size_t study, double value)

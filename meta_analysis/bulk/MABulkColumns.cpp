@@ -1,24 +1,11 @@
 #include "meta_analysis/bulk/MABulkColumns.h"
 
+#include "meta_analysis/bulk/MAPutNumber.h"
 #include "meta_analysis/settings/MAStatusCode.h"
-
-#include <limits>
 
 namespace MA_NAMESPACE {
 
 namespace {
-
-double OrNaN(double value)
-{
-    return KXMV::IsMissing(value) ? std::numeric_limits<double>::quiet_NaN() : value;
-}
-
-template <class Number>
-void Put(Number* column, std::size_t set, Number value)
-{
-    if (column != nullptr)
-        column[set] = value;
-}
 
 int StatusOf(const MAPooledModel& model)
 {

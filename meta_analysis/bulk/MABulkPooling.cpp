@@ -82,8 +82,7 @@ private:
         if (gathered_.Count() == 0)
             PutMissing(call_.results, set, MAStatusCode::NO_STUDY_IN_RUN);
         else
-            PutModel(call_.results, set,
-                     Pool(gathered_.Studies(), call_.choice, call_.wanted, quantiles_));
+            PutModel(call_.results, set, Pool(gathered_.Studies(), call_.choice, call_.wanted, quantiles_));
     }
 
     BulkCall<Sets, Choice>& call_;
@@ -113,7 +112,7 @@ KXStatus PoolAll(const Sets& sets, const Choice& choice, const MABulkResults& re
         }
     };
     const std::size_t mostThreads = sets.setCount == 0 ? 1 : sets.setCount;
-    RunOnThreads(std::min(ThreadCountOf(threadCount), mostThreads), work);
+    RunOnThreads(ThreadCountOf(threadCount, mostThreads), work);
     return call.hasMemory ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY);
 }
 
@@ -169,9 +168,8 @@ KXStatus PoolUsable(const Sets& sets, const MABulkModel& model, const MABulkResu
         return std::visit(
             [&](const auto& choice) {
                 const KXStatus checked = Check(choice);
-                return checked.IsError()
-                           ? checked
-                           : PoolAll(sets, ChoiceFor(results, choice), results, threadCount);
+                return checked.IsError() ? checked
+                                         : PoolAll(sets, ChoiceFor(results, choice), results, threadCount);
             },
             model);
     });

@@ -1,5 +1,6 @@
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <exception>
 #include <thread>
@@ -7,11 +8,15 @@
 
 namespace MA_NAMESPACE {
 
-/// The number of threads that a caller asks for; 0 or less is one for each processor.
-inline std::size_t ThreadCountOf(int wanted)
+/// The number of threads that a caller asks for, 0 or less being one for each processor, and not more than
+/// have work. The processors are counted only when they matter: it takes longer than to pool a set.
+inline std::size_t ThreadCountOf(int wanted, std::size_t most)
 {
-    const unsigned int processors = std::thread::hardware_concurrency();
-    return wanted > 0 ? static_cast<std::size_t>(wanted) : processors > 0 ? processors : 1;
+    if (most <= 1)
+        return 1;
+    if (wanted > 0)
+        return std::min(static_cast<std::size_t>(wanted), most);
+    return std::clamp<std::size_t>(std::thread::hardware_concurrency(), 1, most);
 }
 
 /// Runs `work`, which must not throw, on this thread and on up to `count` - 1 others, and waits for all.

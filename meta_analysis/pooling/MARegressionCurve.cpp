@@ -9,12 +9,23 @@ namespace MA_NAMESPACE {
 
 MARegressionCurve::MARegressionCurve(const MAOrthonormalColumns& columns,
                                      const std::vector<double>& variances, MALikelihoodType type)
-    : columns_(&columns), variances_(&variances), type_(type), fit_(columns), weights_(variances.size())
+    : columns_(&columns), variances_(&variances), fit_(columns)
 {
-    const auto count = static_cast<double>(variances.size());
-    bounds_.residualDf = count - static_cast<double>(columns.Rank());
+    Restart(type);
+}
+
+void MARegressionCurve::Restart(MALikelihoodType type)
+{
+    type_ = type;
+    weights_.resize(variances_->size());
+    Forget();
+    leftOut_.clear();
+    unit_ = 1.0;
+    bounds_ = {};
+    const auto count = static_cast<double>(variances_->size());
+    bounds_.residualDf = count - static_cast<double>(columns_->Rank());
     bounds_.traceSize = type == MALikelihoodType::Full ? count : bounds_.residualDf;
-    if (!variances.empty())
+    if (!variances_->empty())
         MeasureBounds();
 }
 
@@ -70,7 +81,7 @@ MAProjectionSums MARegressionCurve::Evaluate(double t, bool withTraces, bool wit
 void MARegressionCurve::LeaveOutUpTo(double variance)
 {
     leftOut_.clear();
-    last_ = atZero_ = Evaluation();
+    Forget();
     for (std::size_t i = 0; i < variances_->size(); ++i) {
         if (!((*variances_)[i] > variance))
             leftOut_.push_back(i);
@@ -81,8 +92,9 @@ void MARegressionCurve::LeaveOutUpTo(double variance)
 /// in which none dominates, are subtracted.
 void MARegressionCurve::LeaveOut(MAProjectionSums& sums, bool withTraces) const
 {
-    const std::vector<double> complements =
-        withTraces ? MAWeightedFit(fit_).LeverageComplements() : std::vector<double>();
+    std::vector<double> complements;
+    if (withTraces)
+        MAWeightedFit(fit_).LeverageComplements(complements);
     std::vector<double> counted = weights_;
     fit_.VisitRows(false, [&](const MAFittedRows& rows) {
         for (const std::size_t row : leftOut_) {

@@ -26,6 +26,9 @@ public:
     MAGeneralizedQ QAt(double t) override;
     double LogLikelihood(double t) override;
 
+    /// The same for what the columns and variances are now, or another likelihood, in the memory that there
+    /// is.
+    void Restart(MALikelihoodType type);
     /// Rows of variances up to this one remain in the fits of `SumsAt`, but their terms not in the sums.
     void LeaveOutUpTo(double variance);
     /// Sums at t, in the curve's units; y'PPPy and, at O(p²) a row, the traces only where asked for. Those of
@@ -43,13 +46,14 @@ private:
 
     MAProjectionSums Evaluate(double t, bool withTraces, bool withCubic);
     void Weigh(double t);
+    void Forget() { last_ = atZero_ = Evaluation(); }
     void MeasureBounds();
     void LeaveOut(MAProjectionSums& sums, bool withTraces) const;
     double LogDeterminant() const;
 
     const MAOrthonormalColumns* columns_;
     const std::vector<double>* variances_;
-    MALikelihoodType type_;
+    MALikelihoodType type_ = MALikelihoodType::Restricted;
     MAWeightedFit fit_; ///< at the last t, as the weights
     std::vector<double> weights_;
     Evaluation last_;

@@ -97,9 +97,9 @@ MATau2StepSums StepSumsAt(MARegressionCurve& curve, double tau2, MAConst::TAU2ES
     return sums;
 }
 
-MATau2Estimate Score(const MATau2Fit& fit, const MATau2Choice& choice, double start)
+MATau2Estimate Score(const MATau2Fit& fit, const MATau2Choice& choice, double start, MARegressionCurve& curve)
 {
-    MARegressionCurve curve(fit.design.Columns(), fit.design.Rows().variances, MALikelihoodType::Restricted);
+    curve.Restart(MALikelihoodType::Restricted);
     curve.LeaveOutUpTo(negligibleVariance * fit.design.MeanVariance());
     const MARegSettings& settings = fit.design.GetSettings();
     MAProgress progress(settings, settings.GetIterProgressListener());
@@ -111,13 +111,13 @@ MATau2Estimate Score(const MATau2Fit& fit, const MATau2Choice& choice, double st
 }
 
 /// The host may cancel before it.
-MATau2Estimate Search(const MATau2Fit& fit, const MATau2Choice& choice, double start)
+MATau2Estimate Search(const MATau2Fit& fit, const MATau2Choice& choice, double start,
+                      MARegressionCurve& curve)
 {
     const MARegSettings& settings = fit.design.GetSettings();
     if (!MAProgress(settings, settings.GetIterProgressListener()).Step())
         return FailedTau2(KXStatus(MAStatusCode::ITERATOR_FAILED));
-    MARegressionCurve curve(fit.design.Columns(), fit.design.Rows().variances,
-                            LikelihoodOf(choice.estimator));
+    curve.Restart(LikelihoodOf(choice.estimator));
     MATau2Estimate estimate =
         EstimateOf(SolveTau2(curve, choice.estimator, start / curve.Unit()), curve.Unit());
     if (estimate.convergence == MAConst::TAU2_STEP_NOT_FINITE)
@@ -125,17 +125,23 @@ MATau2Estimate Search(const MATau2Fit& fit, const MATau2Choice& choice, double s
     return estimate;
 }
 
-/// From the Hedges estimate.
-MATau2Estimate Iterate(const MATau2Fit& fit, const MATau2Choice& choice)
+MATau2Estimate IterateOnItsCurve(const MATau2Fit& fit, const MATau2Choice& choice)
+{
+    MARegressionCurve curve(fit.design.Columns(), fit.design.Rows().variances,
+                            LikelihoodOf(choice.estimator));
+    return IterateTau2(fit, choice, curve);
+}
+
+} // namespace
+
+MATau2Estimate IterateTau2(const MATau2Fit& fit, const MATau2Choice& choice, MARegressionCurve& curve)
 {
     const MATau2Estimate start = Hedges(fit);
     if (start.status.IsError())
         return start;
-    return choice.search == MAConst::TAU2_SEARCH_GLOBAL ? Search(fit, choice, start.tau2)
-                                                        : Score(fit, choice, start.tau2);
+    return choice.search == MAConst::TAU2_SEARCH_GLOBAL ? Search(fit, choice, start.tau2, curve)
+                                                        : Score(fit, choice, start.tau2, curve);
 }
-
-} // namespace
 
 MATau2Estimate EstimateTau2(const MATau2Fit& fit, const MATau2Choice& choice)
 {
@@ -151,7 +157,7 @@ MATau2Estimate EstimateTau2(const MATau2Fit& fit, const MATau2Choice& choice)
     case MAConst::TAU2_ML:
     case MAConst::TAU2_REML:
     case MAConst::TAU2_EB:
-        return Iterate(fit, choice);
+        return IterateOnItsCurve(fit, choice);
     }
     return FailedTau2(KXStatus(MAStatusCode::TAU2_FAILED));
 }

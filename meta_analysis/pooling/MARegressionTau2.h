@@ -8,6 +8,7 @@
 namespace MA_NAMESPACE {
 
 class MADesignMatrix;
+class MARegressionCurve;
 
 /// A fit of a meta-regression, from whose residuals an estimator takes the between-study variance. Every
 /// estimator has its own fit: unweighted for HE, HS and the iterative ones, which start from HE; with weights
@@ -25,5 +26,8 @@ struct MATau2Fit
 /// than the rows, TOO_FEW_ROWS for no more rows than coefficients, ITERATOR_FAILED when the host cancels, and
 /// TAU2_FAILED for an estimator outside the enumeration. O(k p²) an iteration.
 MATau2Estimate EstimateTau2(const MATau2Fit& fit, const MATau2Choice& choice);
+/// The same by an iterative estimator, which starts from the Hedges estimate, on a curve of the design. It
+/// begins afresh; after a search it has the estimator's likelihood.
+MATau2Estimate IterateTau2(const MATau2Fit& fit, const MATau2Choice& choice, MARegressionCurve& curve);
 
 } // namespace MA_NAMESPACE

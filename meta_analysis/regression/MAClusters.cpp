@@ -40,7 +40,8 @@ void AppendRow(const MARegFit& fit, std::size_t row, double residual, MAClusters
 MAClusters ClustersOf(const MARegFit& fit)
 {
     const std::vector<double>& values = fit.Design().Rows().clusters;
-    const std::vector<double> residuals = fit.Residuals();
+    std::vector<double> residuals;
+    fit.Residuals(residuals);
     const std::vector<std::size_t> rows = RowsByCluster(fit);
     MAClusters clusters;
     clusters.rank = fit.Design().Columns().Rank();

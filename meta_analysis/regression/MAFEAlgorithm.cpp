@@ -1,37 +1,12 @@
 #include "meta_analysis/regression/MAFEAlgorithm.h"
 
-#include "meta_analysis/inference/MAHeterogeneity.h"
-#include "meta_analysis/inference/MATestPValues.h"
 #include "meta_analysis/regression/MARegBuild.h"
+#include "meta_analysis/regression/MARegHeterogeneity.h"
 #include "meta_analysis/settings/MAStatusCode.h"
-
-#include <cmath>
 
 namespace MA_NAMESPACE {
 
 namespace {
-
-/// A smaller residual Q counts as none: the fit is exact. Otherwise Q is of the order of its degrees of
-/// freedom.
-constexpr double negligibleQ = 1e-12;
-
-MAResidualHeterogeneity HeterogeneityOf(const MARegFit& fit)
-{
-    MAResidualHeterogeneity residual;
-    residual.q = fit.WeightedResidualSum();
-    residual.df = fit.ResidualDf();
-    residual.h2 = 1.0;
-    residual.i2 = 0.0;
-    if (residual.df == 0)
-        return residual;
-    residual.qPValue = ChiSquarePValue(residual.q, residual.df);
-    if (std::abs(residual.q) >= negligibleQ) {
-        const MAHeterogeneityMeasures measures = HeterogeneityFromQ(residual.q, residual.df);
-        residual.h2 = measures.h2;
-        residual.i2 = measures.i2;
-    }
-    return residual;
-}
 
 /// Estimates, tests and heterogeneity, as far as the use asks for them.
 void Describe(const MARegTask& task, MARegBuild& build)
@@ -50,7 +25,7 @@ void Describe(const MARegTask& task, MARegBuild& build)
     if (task.use == MARegUse::SmallStudyTest)
         return;
     build.results.wald = WaldTest(fit, build.results.dispersion);
-    build.results.residual = HeterogeneityOf(fit);
+    build.results.residual = ResidualHeterogeneity(fit);
     if (fit.ResidualDf() == 0)
         build.Passed(KXStatus(MAStatusCode::NO_RESIDUAL_DF, true));
 }

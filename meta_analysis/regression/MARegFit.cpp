@@ -21,11 +21,23 @@ double WeightOf(MAWeightMode mode, double tau2, double omegaWeight, double varia
     return (mode == MAWeightMode::ScaledRandom ? tau2 : 1.0) / (variance + tau2);
 }
 
+double NormOf(const std::vector<double>& values)
+{
+    return std::sqrt(std::inner_product(values.begin(), values.end(), values.begin(), 0.0));
+}
+
 } // namespace
 
 MARegFit::MARegFit(const MADesignMatrix& design, MAWeightMode mode, double tau2)
     : design_(&design), columns_(&design.Columns()), mode_(mode), tau2_(tau2), fit_(*columns_)
 {}
+
+KXStatus MARegFit::Fit(MAWeightMode mode, double tau2)
+{
+    mode_ = mode;
+    tau2_ = tau2;
+    return Fit();
+}
 
 KXStatus MARegFit::Fit()
 {
@@ -62,56 +74,57 @@ void MARegFit::WeighRows()
 
 void MARegFit::ComputeCoefficients()
 {
-    coordinates_ = fit_.Coordinates();
-    factor_ = fit_.Factor();
+    fit_.Coordinates(coordinates_);
+    fit_.Factor(factor_);
     for (std::size_t j = 0; j < coordinates_.size(); ++j)
         coordinates_[j] += columns_->UnweightedCoordinates()[j];
     coefficients_.assign(columns_->NonRedundant().Size(), KXMV::Missing());
     for (std::size_t j = 0; j < columns_->Rank(); ++j) {
-        const std::vector<double> direction = columns_->DirectionOfCoefficient(j);
+        columns_->DirectionOfCoefficient(j, direction_);
         const double start = j == 0 && design_->HasIntercept() ? columns_->DependentCentre() : 0.0;
         coefficients_[columns_->Kept()[j]] =
-            std::inner_product(direction.begin(), direction.end(), coordinates_.begin(), start);
+            std::inner_product(direction_.begin(), direction_.end(), coordinates_.begin(), start);
     }
 }
 
-/// R'⁻¹c.
-std::vector<double> MARegFit::Whitened(std::vector<double> direction) const
+void MARegFit::Direction(std::size_t position, std::vector<double>& direction) const
 {
+    columns_->DirectionOfCoefficient(position, direction);
     SolveTransposed(factor_, direction.data());
-    return direction;
 }
 
 std::vector<double> MARegFit::Direction(std::size_t position) const
 {
-    return Whitened(columns_->DirectionOfCoefficient(position));
+    std::vector<double> direction;
+    Direction(position, direction);
+    return direction;
 }
 
-/// The standard error of c'g before scaling: |R'⁻¹c|.
-double MARegFit::StdErrorOf(std::vector<double> direction) const
+double MARegFit::UnscaledStdError(std::size_t position, std::vector<double>& direction) const
 {
-    const std::vector<double> d = Whitened(std::move(direction));
-    return std::sqrt(std::inner_product(d.begin(), d.end(), d.begin(), 0.0));
+    Direction(position, direction);
+    return NormOf(direction);
 }
 
 double MARegFit::UnscaledStdError(std::size_t position) const
 {
-    return StdErrorOf(columns_->DirectionOfCoefficient(position));
+    std::vector<double> direction;
+    return UnscaledStdError(position, direction);
 }
 
-std::vector<double> MARegFit::Residuals() const
+void MARegFit::Residuals(std::vector<double>& residuals) const
 {
-    std::vector<double> residuals;
+    residuals.clear();
     residuals.reserve(weights_.size());
     fit_.VisitRows(false, [&](const MAFittedRows& rows) {
         residuals.insert(residuals.end(), rows.residuals, rows.residuals + rows.count);
     });
-    return residuals;
 }
 
-std::vector<double> MARegFit::LeverageComplements() const
+void MARegFit::LeverageComplements(MAWeightedFit& workspace, std::vector<double>& complements) const
 {
-    return MAWeightedFit(fit_).LeverageComplements();
+    workspace = fit_;
+    workspace.LeverageComplements(complements);
 }
 
 double MARegFit::WeightedResidualSum() const
@@ -158,7 +171,8 @@ MARegFit::Point MARegFit::At(const MADesignRow& row) const
     std::vector<double> z = columns_->Coordinates(row.predictors.data());
     const double value =
         std::inner_product(z.begin(), z.end(), coordinates_.begin(), columns_->DependentCentre());
-    return {value, StdErrorOf(std::move(z)), WeightOf(mode_, tau2_, row.omegaWeight, 1.0 / row.omegaWeight)};
+    SolveTransposed(factor_, z.data());
+    return {value, NormOf(z), WeightOf(mode_, tau2_, row.omegaWeight, 1.0 / row.omegaWeight)};
 }
 
 } // namespace MA_NAMESPACE

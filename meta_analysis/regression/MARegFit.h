@@ -35,6 +35,8 @@ public:
 
     /// Error `ITERATOR_FAILED` when the host cancels. O(k p²), without allocation by row.
     KXStatus Fit();
+    /// The same by other weights, for what the design's rows are now, in the memory that there is.
+    KXStatus Fit(MAWeightMode mode, double tau2);
 
     const MADesignMatrix& Design() const { return *design_; }
     /// One entry per row; a weight that is not positive and finite is 0, which leaves the row out of the fit.
@@ -50,16 +52,19 @@ public:
     int ResidualDf() const { return goodRecords_ - NonRedundantCount(); }
 
     /// y - x'b of every row.
-    std::vector<double> Residuals() const;
-    /// 1 - h of every row, with all its digits also where h is all but 1. O(k p²).
-    std::vector<double> LeverageComplements() const;
+    void Residuals(std::vector<double>& residuals) const;
+    /// 1 - h of every row, with all its digits also where h is all but 1. O(k p²). `workspace` is any fit.
+    void LeverageComplements(MAWeightedFit& workspace, std::vector<double>& complements) const;
     /// sum(w_i r_i²).
     double WeightedResidualSum() const;
     /// R with R'R = Z'WZ.
     const MASquareMatrix& Factor() const { return factor_; }
-    /// d = R'⁻¹c of the estimated coefficient c'g at a position of `EstimatedColumns`; d'd = M_jj.
+    /// d = R'⁻¹c of the estimated coefficient c'g at a position of `EstimatedColumns`. The products d_i'd_j
+    /// are those of M.
+    void Direction(std::size_t position, std::vector<double>& direction) const;
     std::vector<double> Direction(std::size_t position) const;
-    /// sqrt(M_jj) of the estimated coefficient at a position of `EstimatedColumns`.
+    /// sqrt(M_jj) of the estimated coefficient at a position of `EstimatedColumns`, and its direction.
+    double UnscaledStdError(std::size_t position, std::vector<double>& direction) const;
     double UnscaledStdError(std::size_t position) const;
     /// b₁'M₁⁻¹b₁ of the coefficients other than the intercept, and their number.
     double WaldStatistic() const;
@@ -86,8 +91,6 @@ public:
 private:
     void WeighRows();
     void ComputeCoefficients();
-    std::vector<double> Whitened(std::vector<double> direction) const;
-    double StdErrorOf(std::vector<double> direction) const;
     std::size_t FirstTested() const { return design_->HasIntercept() && columns_->Rank() > 0 ? 1 : 0; }
 
     const MADesignMatrix* design_;
@@ -99,6 +102,7 @@ private:
     std::vector<double> coordinates_; ///< g with x'b = z'g, beside the dependent's centre
     MASquareMatrix factor_;           ///< upper triangle R with R'R = Z'WZ
     std::vector<double> coefficients_;
+    std::vector<double> direction_; ///< memory for those of the coefficients
     int goodRecords_ = 0;
 };
 

@@ -33,7 +33,9 @@ struct ColumnFit
 
 ColumnFit ColumnFitOf(const MAWeightedFit& fit, const Values& weights)
 {
-    ColumnFit result{fit.Coordinates(), fit.Factor(), 0.0};
+    ColumnFit result;
+    fit.Coordinates(result.coordinates);
+    fit.Factor(result.factor);
     fit.VisitRows(false, [&](const MAFittedRows& rows) {
         for (std::size_t i = 0; i < rows.count; ++i)
             result.residualSum += weights[rows.first + i] * Square(rows.residuals[i]);
@@ -108,7 +110,7 @@ WholeFit FitAll(const MAOrthonormalColumns& columns, Values weights)
     fit.VisitRows(false, [&](const MAFittedRows& rows) {
         whole.residuals.insert(whole.residuals.end(), rows.residuals, rows.residuals + rows.count);
     });
-    whole.complements = fit.LeverageComplements();
+    fit.LeverageComplements(whole.complements);
     return whole;
 }
 
@@ -260,8 +262,9 @@ Values Deletions::Dfbetas(const Values& change, double tau2)
 {
     const MASquareMatrix factor = FactorOfAll(tau2);
     Values dfbetas(columns_.NonRedundant().Size(), KXMV::Missing());
+    Values direction;
     for (std::size_t j = 0; j < columns_.Rank(); ++j) {
-        const Values direction = columns_.DirectionOfCoefficient(j);
+        columns_.DirectionOfCoefficient(j, direction);
         const double moved = -Dot(direction.data(), change.data(), change.size());
         const double ratio = moved / std::sqrt(VarianceOf(direction, factor));
         if (std::isfinite(ratio))

@@ -26,14 +26,6 @@ double ResidualStdError(double scale, double leverage, double weight)
     return std::sqrt(scale * std::max(0.0, 1.0 - leverage) / weight);
 }
 
-/// Missing for Student's t without degrees of freedom.
-MAPValue CoefficientPValue(double statistic, int df, bool useStudentT)
-{
-    if (!useStudentT)
-        return TwoSidedNormalPValue(statistic);
-    return df != 0 ? TwoSidedTPValue(statistic, df) : MAPValue();
-}
-
 MACoefficientTests MissingTests(std::size_t count)
 {
     const std::vector<double> missing(count, KXMV::Missing());
@@ -62,10 +54,33 @@ MADispersion DispersionOf(const MARegFit& fit)
 
 double CriticalValue(const MARegFit& fit, bool useStudentT)
 {
-    const double alpha = AlphaOf(fit.Design().GetSettings().GetConfidenceLevel());
+    MAQuantiles quantiles(AlphaOf(fit.Design().GetSettings().GetConfidenceLevel()));
+    return CriticalValue(fit.ResidualDf(), useStudentT, quantiles);
+}
+
+double CriticalValue(int residualDf, bool useStudentT, MAQuantiles& quantiles)
+{
     if (!useStudentT)
-        return TwoSidedNormalQuantile(alpha);
-    return fit.ResidualDf() == 0 ? 0.0 : TwoSidedTQuantile(alpha, fit.ResidualDf());
+        return quantiles.Normal();
+    return residualDf == 0 ? 0.0 : quantiles.T(residualDf);
+}
+
+MAPValue CoefficientPValue(double statistic, int df, bool useStudentT)
+{
+    if (!useStudentT)
+        return TwoSidedNormalPValue(statistic);
+    return df != 0 ? TwoSidedTPValue(statistic, df) : MAPValue();
+}
+
+MACoefficientTest TestCoefficient(double coefficient, double stdError, double criticalValue)
+{
+    MACoefficientTest test;
+    test.stdError = stdError;
+    test.lowerLimit = coefficient - criticalValue * stdError;
+    test.upperLimit = coefficient + criticalValue * stdError;
+    if (stdError > 0.0)
+        test.statistic = coefficient / stdError;
+    return test;
 }
 
 MACoefficientTests TestCoefficients(const MARegFit& fit, double scale, bool useStudentT)
@@ -75,16 +90,17 @@ MACoefficientTests TestCoefficients(const MARegFit& fit, double scale, bool useS
     if (KXMV::IsMissing(scale))
         return tests;
     const double critical = CriticalValue(fit, useStudentT);
+    std::vector<double> direction;
     for (std::size_t position = 0; position < fit.EstimatedColumns().size(); ++position) {
         const std::size_t j = fit.EstimatedColumns()[position];
-        const double stdError = std::sqrt(scale) * fit.UnscaledStdError(position);
-        tests.stdErrors[j] = stdError;
-        tests.lowerLimits[j] = coefficients[j] - critical * stdError;
-        tests.upperLimits[j] = coefficients[j] + critical * stdError;
-        if (!(stdError > 0.0)) // an exact fit under Knapp and Hartung
-            continue;
-        tests.statistics[j] = coefficients[j] / stdError;
-        tests.pValues[j] = CoefficientPValue(tests.statistics[j], fit.ResidualDf(), useStudentT);
+        const double stdError = std::sqrt(scale) * fit.UnscaledStdError(position, direction);
+        const MACoefficientTest test = TestCoefficient(coefficients[j], stdError, critical);
+        tests.stdErrors[j] = test.stdError;
+        tests.lowerLimits[j] = test.lowerLimit;
+        tests.upperLimits[j] = test.upperLimit;
+        tests.statistics[j] = test.statistic;
+        if (!KXMV::IsMissing(test.statistic))
+            tests.pValues[j] = CoefficientPValue(test.statistic, fit.ResidualDf(), useStudentT);
     }
     return tests;
 }

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/inference/MAQuantiles.h"
 #include "meta_analysis/platform/common/KXMV.h"
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/regression/MARegResults.h"
@@ -32,9 +33,23 @@ struct MADispersion
 /// degrees of freedom, and with warning `DISPERSION_NEAR_ZERO` for an exact fit.
 MADispersion DispersionOf(const MARegFit& fit);
 
+/// A test of one coefficient against 0, and its interval.
+struct MACoefficientTest
+{
+    double stdError = KXMV::Missing();
+    double statistic = KXMV::Missing(); ///< missing, as its p-value, for an exact fit under Knapp and Hartung
+    double lowerLimit = KXMV::Missing();
+    double upperLimit = KXMV::Missing();
+};
+
+MACoefficientTest TestCoefficient(double coefficient, double stdError, double criticalValue);
+/// Two-sided; missing for Student's t without degrees of freedom.
+MAPValue CoefficientPValue(double statistic, int df, bool useStudentT);
+
 /// Half the width of an interval, in standard errors; 0 without residual degrees of freedom for Student's t,
 /// so that intervals shrink to a point.
 double CriticalValue(const MARegFit& fit, bool useStudentT);
+double CriticalValue(int residualDf, bool useStudentT, MAQuantiles& quantiles);
 
 /// Tests against 0, by Student's t or the standard normal distribution.
 MACoefficientTests TestCoefficients(const MARegFit& fit, double scale, bool useStudentT);

@@ -3,7 +3,6 @@
 #include "meta_analysis/pooling/MARegressionTau2.h"
 #include "meta_analysis/pooling/MATau2Estimators.h"
 #include "meta_analysis/pooling/MATau2Outcome.h"
-#include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -24,33 +23,6 @@ MATau2Choice ChoiceOf(const MARegSettings& settings)
         settings.GetTau2Search()};
 }
 
-std::vector<double> EffectSizes(const MADesignRows& rows)
-{
-    std::vector<double> effectSizes;
-    effectSizes.reserve(rows.Count());
-    for (std::size_t i = 0; i < rows.Count(); ++i)
-        effectSizes.push_back(rows.Dependent(i));
-    return effectSizes;
-}
-
-MATau2Estimate EstimateFrom(const MARegFit& fit)
-{
-    const std::vector<double> residuals = fit.Residuals();
-    const std::vector<double> complements = fit.LeverageComplements();
-    return EstimateTau2(
-        MATau2Fit{fit.Design(), residuals, complements, fit.Weights(), fit.NonRedundantCount()},
-        ChoiceOf(fit.Design().GetSettings()));
-}
-
-MATau2Estimate EstimateByFit(const MADesignMatrix& design, MAWeightMode mode)
-{
-    MARegFit fit(design, mode);
-    const KXStatus fitted = fit.Fit();
-    if (fitted.IsError())
-        return FailedTau2(fitted);
-    return EstimateFrom(fit);
-}
-
 /// Variance of the effect sizes with divisor k; 0 without any.
 double CrudeVariance(const MADesignRows& rows)
 {
@@ -67,32 +39,46 @@ double CrudeVariance(const MADesignRows& rows)
     return rows.Count() == 0 ? 0.0 : squares / count;
 }
 
-/// Sidik and Jonkman's one step from the crude variance of the effects, tau²_0: its weights are those of the
-/// fit, tau²_0 / (v + tau²_0).
-MATau2Estimate EstimateBySidikJonkman(const MADesignMatrix& design)
-{
-    if (design.Rows().Count() == 1)
-        return FailedTau2(KXStatus(MAStatusCode::ONE_USABLE_STUDY));
-    const double crude = CrudeVariance(design.Rows());
-    if (crude == 0.0)
-        return noVariance;
-    MARegFit fit(design, MAWeightMode::ScaledRandom, crude);
-    const KXStatus fitted = fit.Fit();
-    if (fitted.IsError())
-        return FailedTau2(fitted);
-    return EstimateFrom(fit);
-}
-
 } // namespace
 
-MATau2Estimate EstimateResidualTau2(const MADesignMatrix& design)
+MARegressionCurve& MAResidualTau2::Curve()
 {
-    const MAConst::TAU2ESTIMATOR estimator = ChoiceOf(design.GetSettings()).estimator;
+    if (!curve_.has_value())
+        curve_.emplace(design_->Columns(), design_->Rows().variances,
+                       LikelihoodOf(EstimatorOf(design_->GetSettings())));
+    return *curve_;
+}
+
+MATau2Estimate MAResidualTau2::EstimateByFit(MAWeightMode mode, double tau2)
+{
+    const KXStatus fitted = fit_.Fit(mode, tau2);
+    if (fitted.IsError())
+        return FailedTau2(fitted);
+    fit_.Residuals(residuals_);
+    fit_.LeverageComplements(fitOfLeverages_, leverageComplements_);
+    const MATau2Fit fit{*design_, residuals_, leverageComplements_, fit_.Weights(), fit_.NonRedundantCount()};
+    const MATau2Choice choice = ChoiceOf(design_->GetSettings());
+    return IsIterative(choice.estimator) ? IterateTau2(fit, choice, Curve()) : EstimateTau2(fit, choice);
+}
+
+/// Sidik and Jonkman's one step from the crude variance of the effects, tau²_0: its weights are those of the
+/// fit, tau²_0 / (v + tau²_0).
+MATau2Estimate MAResidualTau2::EstimateBySidikJonkman()
+{
+    if (design_->Rows().Count() == 1)
+        return FailedTau2(KXStatus(MAStatusCode::ONE_USABLE_STUDY));
+    const double crude = CrudeVariance(design_->Rows());
+    return crude == 0.0 ? noVariance : EstimateByFit(MAWeightMode::ScaledRandom, crude);
+}
+
+MATau2Estimate MAResidualTau2::Estimate()
+{
+    const MAConst::TAU2ESTIMATOR estimator = EstimatorOf(design_->GetSettings());
     switch (estimator) {
     case MAConst::TAU2_DL:
-        return EstimateByFit(design, MAWeightMode::FixedEffect);
+        return EstimateByFit(MAWeightMode::FixedEffect);
     case MAConst::TAU2_SJ:
-        return EstimateBySidikJonkman(design);
+        return EstimateBySidikJonkman();
     // Hunter and Schmidt's published estimator has fixed-effect weights; the unweighted fit makes tau²
     // larger, and with it R² smaller.
     case MAConst::TAU2_HS:
@@ -101,15 +87,28 @@ MATau2Estimate EstimateResidualTau2(const MADesignMatrix& design)
     case MAConst::TAU2_ML:
     case MAConst::TAU2_REML:
     case MAConst::TAU2_EB:
-        return EstimateByFit(design, MAWeightMode::Unweighted);
+        return EstimateByFit(MAWeightMode::Unweighted);
     }
     return noVariance;
 }
 
+MATau2Estimate MAResidualTau2::EstimateWithoutPredictors()
+{
+    const MADesignRows& rows = design_->Rows();
+    effectSizes_.resize(rows.Count());
+    for (std::size_t i = 0; i < rows.Count(); ++i)
+        effectSizes_[i] = rows.Dependent(i);
+    return EstimateTau2(MAEffects{effectSizes_, rows.variances}, ChoiceOf(design_->GetSettings()));
+}
+
+MATau2Estimate EstimateResidualTau2(const MADesignMatrix& design)
+{
+    return MAResidualTau2(design).Estimate();
+}
+
 MATau2Estimate EstimateTau2WithoutPredictors(const MADesignMatrix& design)
 {
-    const std::vector<double> effectSizes = EffectSizes(design.Rows());
-    return EstimateTau2(MAEffects{effectSizes, design.Rows().variances}, ChoiceOf(design.GetSettings()));
+    return MAResidualTau2(design).EstimateWithoutPredictors();
 }
 
 } // namespace MA_NAMESPACE

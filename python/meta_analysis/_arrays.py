@@ -28,6 +28,8 @@ def as_floats(name: str, values: npt.ArrayLike) -> FloatArray:
 
 def _readable_in_place(array: FloatArray) -> FloatArray:
     """Copy what a pointer with strides in whole numbers cannot walk: fields of records."""
+    if array.flags.c_contiguous and array.flags.aligned:
+        return array
     if array.flags.aligned and all(stride % _ITEM == 0 for stride in array.strides):
         return array
     return array.copy()

@@ -20,7 +20,7 @@ def wanted_columns(columns: Iterable[str] | None, known: tuple[str, ...]) -> fro
 
 def columns_of_one(columns: dict[str, Any], wanted: frozenset[str] | None) -> dict[str, Any]:
     """Return the only entry of each column, after warning of what the analysis says of itself."""
-    one = {name: column[..., 0][()] for name, column in columns.items()}
+    one = {name: column[0] if column.ndim == 1 else column[..., 0] for name, column in columns.items()}
     warn_of_one(one)
     return one if wanted is None else {name: column for name, column in one.items() if name in wanted}
 

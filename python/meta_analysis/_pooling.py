@@ -76,25 +76,25 @@ class PoolResult(Columns):
         level = f"{100 * self.options['level']:.10g}%"
         has = set(self.columns).issuperset
         if has({"groups"}):
-            yield f"  group        {self.groups}"
+            yield f"  group          {self.groups}"
         if has({"estimate", "ci_lower", "ci_upper"}):
-            yield f"  estimate     {self.estimate:.4f}, {level} CI [{self.ci_lower:.4f}, {self.ci_upper:.4f}]"
+            yield f"  estimate       {self.estimate:.4f}, {level} CI [{self.ci_lower:.4f}, {self.ci_upper:.4f}]"
         if has({"std_error", "statistic", "p"}):
             is_t = self.options["model"] == "random" and self.options["knapp_hartung"] != "none"
-            yield (f"  test         standard error {self.std_error:.4f}, {'t' if is_t else 'z'} = "
+            yield (f"  test           standard error {self.std_error:.4f}, {'t' if is_t else 'z'} = "
                    f"{self.statistic:.4f}, p {p_text(self.p)}")
         if has({"pi_lower", "pi_upper"}) and not np.isnan(self.pi_lower):
-            yield f"  new study    {level} PI [{self.pi_lower:.4f}, {self.pi_upper:.4f}]"
+            yield f"  new study      {level} PI [{self.pi_lower:.4f}, {self.pi_upper:.4f}]"
         if has({"tau2"}) and not np.isnan(self.tau2):
             interval = ""
             if has({"tau2_lower", "tau2_upper"}) and not np.isnan(self.tau2_lower):
                 interval = f", {level} CI [{self.tau2_lower:.4f}, {self.tau2_upper:.4f}]"
-            yield f"  tau²         {self.tau2:.4f}{interval}"
+            yield f"  tau²           {self.tau2:.4f}{interval}"
         if has({"q", "q_df", "q_p", "i2"}):
             yield (f"  heterogeneity  Q = {self.q:.4f}, df = {self.q_df}, p {p_text(self.q_p)}, "
                    f"I² = {100 * self.i2:.2f}%")
         if self.status != 0:
-            yield f"  status       {self.status}: {_core.status_text(int(self.status))}"
+            yield f"  status         {self.status}: {_core.status_text(int(self.status))}"
 
     def _shown(self) -> tuple[str, ...]:
         return "groups", "k", "estimate", "std_error", "ci_lower", "ci_upper", "p", "tau2", "i2", "status"
@@ -182,7 +182,7 @@ def pool(
     >>> variances = np.array([0.33, 0.19, 0.41, 0.02, 0.05, 0.01])
     >>> result = pool(effects, variances, knapp_hartung="adjusted")
     >>> round(float(result.estimate), 4)
-    -0.9738
+    -0.991
     """
     options = {
         "model": model,

@@ -32,8 +32,8 @@ def many_sets(count=300, studies=9):
 @pytest.mark.parametrize("tau2, theirs", [("dl", "dl"), ("pm", "pm")])
 def test_statsmodels_has_the_same_figures(data_set, tau2, theirs):
     effects, variances = effects_of(data_set)
-    # Their iteration ends when the weighted sum of squares is within `atol` of its degrees of freedom.
-    settings = {"atol": 1e-9, "maxiter": 500} if theirs == "pm" else {}
+    # Their iteration ends when Q is within `atol` of its degrees of freedom; rounding takes it past a smaller one.
+    settings = {"atol": 1e-6, "maxiter": 500} if theirs == "pm" else {}
     expected = combine_effects(effects, variances, method_re=theirs, use_t=False, **settings)
     found = ma.pool(effects, variances, tau2=tau2)
     adjusted = ma.pool(effects, variances, tau2=tau2, knapp_hartung="adjusted")

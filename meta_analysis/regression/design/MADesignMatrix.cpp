@@ -56,7 +56,8 @@ MADesignMatrix::MADesignMatrix(const MARegSettings& settings)
       factorCounts_(factors_, factorSizes_, settings.GetFreqWeightVar(), settings.GetDependent()),
       statistics_(covariates_, -1, settings.GetRegrWeightVar(), settings.GetFreqWeightVar(),
                   settings.GetDependent()),
-      hasIntercept_(settings.GetInterceptUse())
+      hasIntercept_(settings.GetInterceptUse()),
+      columns_(std::make_unique<MAOrthonormalColumns>())
 {
     for (const KXModelEffect& effect : settings.GetModelEffects())
         effects_.emplace_back(effect, settings);
@@ -234,6 +235,7 @@ KXStatus MADesignMatrix::CacheRows()
     if (read.IsError())
         return read;
     FinishRows();
+    columns_->ReleaseWorkspace();
     return read;
 }
 
@@ -245,8 +247,7 @@ void MADesignMatrix::SetRows(const MADesignRows& rows)
 
 void MADesignMatrix::FinishRows()
 {
-    columns_ = std::make_unique<const MAOrthonormalColumns>(rows_, hasIntercept_,
-                                                            settings_->GetComputationalTolerance());
+    columns_->Assign(rows_, hasIntercept_, settings_->GetComputationalTolerance());
     meanVariance_ = 0.0;
     for (const double variance : rows_.variances)
         meanVariance_ += variance / static_cast<double>(rows_.Count());
@@ -262,6 +263,7 @@ std::unique_ptr<MADesignMatrix> MADesignMatrix::Without(std::size_t row) const
     rest->rows_ = rows_;
     rest->rows_.Erase(row);
     rest->FinishRows();
+    rest->columns_->ReleaseWorkspace();
     return rest;
 }
 

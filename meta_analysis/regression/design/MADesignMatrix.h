@@ -69,7 +69,8 @@ public:
     /// first pass.
     KXStatus CacheRows();
 
-    /// Takes these rows in place of the cached ones, with columns as many as the settings make.
+    /// Takes these rows in place of the cached ones, with columns as many as the settings make, and in the
+    /// memory of the rows before where that suffices.
     void SetRows(const MADesignRows& rows);
 
     /// Whether the rows are cached, so that a regression can be fitted.
@@ -126,7 +127,7 @@ private:
     bool columnsFixed_ = false;
     MultiPassRecordIter* records_ = nullptr; ///< attached, not owned
     MADesignRows rows_;
-    std::unique_ptr<const MAOrthonormalColumns> columns_;
+    std::unique_ptr<MAOrthonormalColumns> columns_;
     double meanVariance_ = 0.0;
     bool rowsCached_ = false;
 };

@@ -77,124 +77,140 @@ double WeightedMeanOf(const Values& values, const Values& weights)
 
 } // namespace
 
-/// A column, counted from its centre when an intercept stands before it.
-struct MAOrthonormalColumns::Column
+double MAOrthonormalColumns::Column::Squares() const
 {
-    Values values;
-    double scale = 1.0;
-    double centre = 0.0;
-    double origin = 0.0; ///< unweighted mean, from which the sums of squares are taken
+    return DotAbout(values, origin, values, origin);
+}
 
-    double Squares() const { return DotAbout(values, origin, values, origin); }
-};
-
-MAOrthonormalColumns::MAOrthonormalColumns(const MADesignRows& rows, bool hasIntercept, double tolerance)
-    : rowCount_(rows.Count()),
-      hasIntercept_(hasIntercept),
-      nonRedundant_(rows.columnCount),
-      margin_(8.0 * std::sqrt(tolerance) + 1e-9)
+void MAOrthonormalColumns::Assign(const MADesignRows& rows, bool hasIntercept, double tolerance)
 {
-    for (std::size_t j = 0; j < rows.columnCount; ++j)
-        AddColumn(ColumnOf(rows, j), rows.weights, j, tolerance);
-    upper_ = MASquareMatrix(Rank());
+    Restart(rows, hasIntercept, tolerance);
+    for (std::size_t j = 0; j < rows.columnCount; ++j) {
+        ReadColumn(rows, j);
+        AddColumn(rows.weights, j, tolerance);
+    }
+    upper_.Resize(Rank());
     for (std::size_t j = 0; j < Rank(); ++j) {
         for (std::size_t i = 0; i <= j; ++i)
             upper_(i, j) = r_[j][i];
     }
-    AddDependent(ColumnOf(rows, rows.columnCount), rows.weights);
-    work_ = {};
-    r_ = {};
+    ReadColumn(rows, rows.columnCount);
+    AddDependent(rows.weights);
+}
+
+void MAOrthonormalColumns::Restart(const MADesignRows& rows, bool hasIntercept, double tolerance)
+{
+    rowCount_ = rows.Count();
+    hasIntercept_ = hasIntercept;
+    nonRedundant_.Resize(0);
+    nonRedundant_.Resize(rows.columnCount);
+    margin_ = 8.0 * std::sqrt(tolerance) + 1e-9;
+    kept_.clear();
+    redundant_.clear();
+    scales_.clear();
+    centres_.clear();
+    origins_.clear();
+    if (work_.size() < rows.columnCount) {
+        work_.resize(rows.columnCount);
+        r_.resize(rows.columnCount);
+    }
+}
+
+void MAOrthonormalColumns::ReleaseWorkspace()
+{
+    work_ = r_ = {};
+    column_ = {};
 }
 
 /// The scale is the power of two below the largest magnitude; 0 for a column of zeros.
-MAOrthonormalColumns::Column MAOrthonormalColumns::ColumnOf(const MADesignRows& rows,
-                                                            std::size_t position) const
+void MAOrthonormalColumns::ReadColumn(const MADesignRows& rows, std::size_t position)
 {
-    Column column;
-    column.values.resize(rowCount_);
+    column_.values.resize(rowCount_);
+    column_.centre = column_.origin = 0.0;
     double largest = 0.0;
     for (std::size_t i = 0; i < rowCount_; ++i) {
         const double value = rows.Row(i)[position];
-        column.values[i] = value;
+        column_.values[i] = value;
         if (std::abs(value) > largest) // seldom true, so that no value waits for the one before
             largest = std::abs(value);
     }
-    column.scale = largest == 0.0 ? 0.0 : std::ldexp(1.0, std::ilogb(largest));
-    return column;
+    column_.scale = largest == 0.0 ? 0.0 : std::ldexp(1.0, std::ilogb(largest));
 }
 
 /// Divides the column by its scale and, beside an intercept, counts it from its centre.
-void MAOrthonormalColumns::Centre(Column& column, const Values& weights) const
+void MAOrthonormalColumns::Centre(const Values& weights)
 {
-    const double factor = 1.0 / column.scale;
+    const double factor = 1.0 / column_.scale;
     if (!HasIntercept())
-        return Multiply(column.values, factor);
-    const double centre = WeightedMeanOf(column.values, weights) * factor;
-    column.origin = MeanAfter(column.values, [=](double x, std::size_t) { return x * factor - centre; });
-    column.centre = centre;
+        return Multiply(column_.values, factor);
+    const double centre = WeightedMeanOf(column_.values, weights) * factor;
+    column_.origin = MeanAfter(column_.values, [=](double x, std::size_t) { return x * factor - centre; });
+    column_.centre = centre;
 }
 
-void MAOrthonormalColumns::AddColumn(Column column, const Values& weights, std::size_t position,
-                                     double tolerance)
+void MAOrthonormalColumns::AddColumn(const Values& weights, std::size_t position, double tolerance)
 {
-    if (column.scale == 0.0) {
+    if (column_.scale == 0.0) {
         redundant_.push_back({position, 1.0, 0.0, 0.0, {}});
         return;
     }
-    Centre(column, weights);
-    const double mean = column.centre + column.origin;
-    const double squares = column.Squares();
+    Centre(weights);
+    const double mean = column_.centre + column_.origin;
+    const double squares = column_.Squares();
     const double rawSquares = squares + static_cast<double>(rowCount_) * mean * mean;
-    Values shares(Rank() + 1);
-    const double left = Orthogonalize(column, squares, shares.data());
-    if (!(left > tolerance * squares && left > roundingShare * roundingShare * rawSquares)) {
-        shares.pop_back();
-        redundant_.push_back({position, column.scale, column.centre + column.origin,
-                              std::sqrt(squares / static_cast<double>(rowCount_)), std::move(shares)});
-        return;
-    }
-    shares.back() = std::sqrt(left);
-    Multiply(column.values, 1.0 / shares.back());
-    origins_.push_back(column.origin / shares.back());
+    shares_.assign(Rank() + 1, 0.0);
+    const double left = Orthogonalize(squares, shares_.data());
+    if (left > tolerance * squares && left > roundingShare * roundingShare * rawSquares)
+        return KeepColumn(position, left);
+    shares_.pop_back();
+    redundant_.push_back({position, column_.scale, column_.centre + column_.origin,
+                          std::sqrt(squares / static_cast<double>(rowCount_)), shares_});
+}
+
+void MAOrthonormalColumns::KeepColumn(std::size_t position, double left)
+{
+    shares_.back() = std::sqrt(left);
+    Multiply(column_.values, 1.0 / shares_.back());
+    std::swap(r_[Rank()], shares_);
+    std::swap(work_[Rank()], column_.values);
+    origins_.push_back(column_.origin / r_[Rank()].back());
     nonRedundant_.Set(position);
+    scales_.push_back(column_.scale);
+    centres_.push_back(column_.centre);
     kept_.push_back(position);
-    scales_.push_back(column.scale);
-    centres_.push_back(column.centre);
-    r_.push_back(std::move(shares));
-    work_.push_back(std::move(column.values));
 }
 
 /// Returns the residual sum of squares. Repeats the step only where the first left less than half of the sum:
 /// otherwise the rounding error of the first is as small relative to the residuals as to the column.
-double MAOrthonormalColumns::Orthogonalize(Column& column, double squares, double* shares) const
+double MAOrthonormalColumns::Orthogonalize(double squares, double* shares)
 {
     double left = squares;
     for (int pass = 0; pass < 2 && (pass == 0 || left < 0.5 * squares); ++pass) {
         const std::size_t start = hasIntercept_ ? 1 : 0;
-        if (work_.size() <= start)
+        if (Rank() <= start)
             return left;
-        for (std::size_t j = start; j < work_.size(); ++j) {
-            const double share = DotAbout(work_[j], origins_[j], column.values, column.origin);
+        for (std::size_t j = start; j < Rank(); ++j) {
+            const double share = DotAbout(work_[j], origins_[j], column_.values, column_.origin);
             shares[j] += share;
             const auto subtract = [share, z = work_[j].data()](double x, std::size_t i) {
                 return x - share * z[i];
             };
-            const double mean = MeanAfter(column.values, subtract);
-            column.origin = HasIntercept() ? mean : 0.0;
+            const double mean = MeanAfter(column_.values, subtract);
+            column_.origin = HasIntercept() ? mean : 0.0;
         }
-        left = column.Squares();
+        left = column_.Squares();
     }
     return left;
 }
 
-void MAOrthonormalColumns::AddDependent(Column dependent, const Values& weights)
+void MAOrthonormalColumns::AddDependent(const Values& weights)
 {
-    dependent.scale = 1.0;
-    Centre(dependent, weights);
-    dependentCentre_ = dependent.centre;
+    column_.scale = 1.0;
+    Centre(weights);
+    dependentCentre_ = column_.centre;
     unweighted_.assign(Rank(), 0.0);
-    residualSum_ = Orthogonalize(dependent, dependent.Squares(), unweighted_.data());
-    StoreRows(dependent.values);
+    residualSum_ = Orthogonalize(column_.Squares(), unweighted_.data());
+    StoreRows(column_.values);
 }
 
 void MAOrthonormalColumns::StoreRows(const Values& residuals)
@@ -202,8 +218,8 @@ void MAOrthonormalColumns::StoreRows(const Values& residuals)
     cells_.resize(rowCount_ * (Rank() + 1));
     double* cell = cells_.data();
     for (std::size_t i = 0; i < rowCount_; ++i) {
-        for (const Values& column : work_)
-            *cell++ = column[i];
+        for (std::size_t j = 0; j < Rank(); ++j)
+            *cell++ = work_[j][i];
         *cell++ = residuals[i];
     }
 }
@@ -219,23 +235,30 @@ Values MAOrthonormalColumns::Coordinates(const double* predictors) const
 }
 
 /// A row of R⁻¹.
-Values MAOrthonormalColumns::DirectionOfCoefficient(std::size_t index) const
+void MAOrthonormalColumns::DirectionOfCoefficient(std::size_t index, Values& direction) const
 {
-    Values weights(nonRedundant_.Size());
-    weights[kept_[index]] = 1.0;
-    return DirectionOf(weights);
+    direction.assign(Rank(), 0.0);
+    direction[index] = 1.0;
+    Solve(direction);
+}
+
+Values MAOrthonormalColumns::DirectionOf(const Values& weights) const
+{
+    Values direction(Rank());
+    for (std::size_t j = 0; j < Rank(); ++j)
+        direction[j] = weights[kept_[j]];
+    Solve(direction);
+    return direction;
 }
 
 /// Solves R'd = l. The columns are counted from their centres; the weight of the intercept is moved from
 /// these centres to 0.
-Values MAOrthonormalColumns::DirectionOf(const Values& weights) const
+void MAOrthonormalColumns::Solve(Values& direction) const
 {
-    const double ofIntercept = hasIntercept_ && Rank() > 0 ? weights[kept_.front()] : 0.0;
-    Values direction(Rank());
+    const double ofIntercept = hasIntercept_ && Rank() > 0 ? direction.front() : 0.0;
     for (std::size_t j = 0; j < Rank(); ++j)
-        direction[j] = weights[kept_[j]] / scales_[j] - ofIntercept * centres_[j];
+        direction[j] = direction[j] / scales_[j] - ofIntercept * centres_[j];
     SolveTransposed(upper_, direction.data());
-    return direction;
 }
 
 bool MAOrthonormalColumns::Determines(const double* predictors) const

@@ -27,8 +27,10 @@ struct MADesignRows;
 class MAOrthonormalColumns
 {
 public:
-    /// Cost: O(k p²), with one copy of the rows as workspace.
-    MAOrthonormalColumns(const MADesignRows& rows, bool hasIntercept, double tolerance);
+    /// Computes the columns of other rows, in the memory of those before where that suffices. Cost: O(k p²),
+    /// with one copy of the rows as workspace, which is kept.
+    void Assign(const MADesignRows& rows, bool hasIntercept, double tolerance);
+    void ReleaseWorkspace();
 
     std::size_t RowCount() const { return rowCount_; }
     /// Number of columns that are not redundant.
@@ -49,7 +51,7 @@ public:
     double ResidualSum() const { return residualSum_; }
 
     /// d with b_j = d'g (plus the dependent's centre for an intercept) for the kept column `index`.
-    std::vector<double> DirectionOfCoefficient(std::size_t index) const;
+    void DirectionOfCoefficient(std::size_t index, std::vector<double>& direction) const;
     /// d with l'b = d'g for weights l of all columns, of which those of redundant columns do not count; with
     /// an intercept plus its weight times the dependent's centre.
     std::vector<double> DirectionOf(const std::vector<double>& weights) const;
@@ -59,7 +61,16 @@ public:
     bool Determines(const double* predictors) const;
 
 private:
-    struct Column;
+    /// A column, counted from its centre when an intercept stands before it.
+    struct Column
+    {
+        std::vector<double> values;
+        double scale = 1.0;
+        double centre = 0.0;
+        double origin = 0.0; ///< unweighted mean, from which the sums of squares are taken
+
+        double Squares() const;
+    };
 
     /// A redundant column as a combination of Z, after division by its scale.
     struct RedundantColumn
@@ -72,25 +83,30 @@ private:
     };
 
     /// Whether the next column has an intercept before it.
-    bool HasIntercept() const { return hasIntercept_ && !work_.empty(); }
-    Column ColumnOf(const MADesignRows& rows, std::size_t position) const;
-    void Centre(Column& column, const std::vector<double>& weights) const;
-    void AddColumn(Column column, const std::vector<double>& weights, std::size_t position, double tolerance);
-    double Orthogonalize(Column& column, double squares, double* shares) const;
-    void AddDependent(Column dependent, const std::vector<double>& weights);
+    bool HasIntercept() const { return hasIntercept_ && Rank() > 0; }
+    void Restart(const MADesignRows& rows, bool hasIntercept, double tolerance);
+    void ReadColumn(const MADesignRows& rows, std::size_t position);
+    void Centre(const std::vector<double>& weights);
+    void AddColumn(const std::vector<double>& weights, std::size_t position, double tolerance);
+    void KeepColumn(std::size_t position, double left);
+    double Orthogonalize(double squares, double* shares);
+    void AddDependent(const std::vector<double>& weights);
     void StoreRows(const std::vector<double>& residuals);
+    void Solve(std::vector<double>& direction) const;
 
-    std::size_t rowCount_;
-    bool hasIntercept_;
+    std::size_t rowCount_ = 0;
+    bool hasIntercept_ = false;
     KXBitSet nonRedundant_;
     std::vector<std::size_t> kept_;
     std::vector<RedundantColumn> redundant_;
-    double margin_; ///< for the value of a redundant column, relative to its distance from the centre
+    double margin_ = 0.0; ///< for the value of a redundant column, relative to its distance from the centre
     std::vector<double> scales_;            ///< of the kept columns: powers of two
     std::vector<double> centres_;           ///< of the kept columns after scaling
-    std::vector<std::vector<double>> r_;    ///< column by column, the diagonal element last
     std::vector<double> origins_;           ///< unweighted means of Z, about which it is orthonormal
+    Column column_;                         ///< the one that is added, or the dependent
+    std::vector<double> shares_;            ///< of the columns before it in that one
     std::vector<std::vector<double>> work_; ///< Z column by column, while it is built
+    std::vector<std::vector<double>> r_;    ///< R column by column, the diagonal element last
     MASquareMatrix upper_;                  ///< R
     std::vector<double> cells_;
     std::vector<double> unweighted_;

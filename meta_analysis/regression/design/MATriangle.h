@@ -13,6 +13,13 @@ class MASquareMatrix
 public:
     explicit MASquareMatrix(std::size_t size = 0) : size_(size), elements_(size * size) {}
 
+    /// Makes this a matrix of zeros of another size, in its memory where that suffices.
+    void Resize(std::size_t size)
+    {
+        size_ = size;
+        elements_.assign(size * size, 0.0);
+    }
+
     std::size_t Size() const { return size_; }
     double& operator()(std::size_t row, std::size_t col) { return elements_[row * size_ + col]; }
     double operator()(std::size_t row, std::size_t col) const { return elements_[row * size_ + col]; }

@@ -89,7 +89,7 @@ void MAWeightedFit::FormCrossProducts(bool withSquares)
 void MAWeightedFit::Factorize()
 {
     if (factor_.Size() != Rank())
-        factor_ = MASquareMatrix(Rank());
+        factor_.Resize(Rank());
     smallestPivot_ = 1.0;
     for (std::size_t j = 0; j < Rank(); ++j) {
         for (std::size_t i = 0; i <= j; ++i) {
@@ -111,14 +111,13 @@ void MAWeightedFit::Factorize()
 void MAWeightedFit::Invert()
 {
     inverse_.Resize(Rank());
-    Values column(Rank());
     for (std::size_t j = 0; j < Rank(); ++j) {
-        std::fill(column.begin(), column.end(), 0.0);
-        column[j] = 1.0;
-        SolveTransposed(factor_, column.data());
-        SolveUpper(factor_, column.data());
+        column_.assign(Rank(), 0.0);
+        column_[j] = 1.0;
+        SolveTransposed(factor_, column_.data());
+        SolveUpper(factor_, column_.data());
         for (std::size_t i = j; i < Rank(); ++i)
-            inverse_.Set(i, j, column[i]);
+            inverse_.Set(i, j, column_[i]);
     }
 }
 
@@ -158,9 +157,9 @@ double MAWeightedFit::BasicComplement(std::size_t j, std::size_t l) const
     return sum;
 }
 
-std::vector<double> MAWeightedFit::LeverageComplements()
+void MAWeightedFit::LeverageComplements(Values& complements)
 {
-    Values complements(given_->size());
+    complements.resize(given_->size());
     const auto collect = [&] {
         for (std::size_t first = 0; first < complements.size(); first += stretch)
             ComputeComplements(first, std::min(stretch, complements.size() - first),
@@ -172,13 +171,12 @@ std::vector<double> MAWeightedFit::LeverageComplements()
         FitAboutBasicRows(*given_, false);
         collect();
     }
-    return complements;
 }
 
 /// MJ with J = U'W²U.
 void MAWeightedFit::FormHat()
 {
-    hat_ = MASquareMatrix(Rank());
+    hat_.Resize(Rank());
     for (std::size_t i = 0; i < Rank(); ++i) {
         for (std::size_t j = 0; j < Rank(); ++j) {
             for (std::size_t l = 0; l < Rank(); ++l)
@@ -221,29 +219,30 @@ double MAWeightedFit::SquaredProjection(std::size_t row) const
 }
 
 /// With basic rows g follows from the fitted values there, y_B + a = Z_B g = L E g.
-std::vector<double> MAWeightedFit::Coordinates() const
+void MAWeightedFit::Coordinates(Values& coordinates) const
 {
-    if (!HasBasicRows())
-        return fitted_;
+    if (!HasBasicRows()) {
+        coordinates = fitted_;
+        return;
+    }
     const std::size_t p = Rank();
     Values shares(p);
     for (std::size_t b = 0; b < p; ++b)
         shares[b] = columns_->Row(basic_.rows[b])[p] + fitted_[b];
     SolveTransposed(basic_.basis, shares.data());
-    Values coordinates(p);
+    coordinates.assign(p, 0.0);
     for (std::size_t s = 0; s < p; ++s) {
         for (std::size_t j = 0; j < p; ++j)
             coordinates[j] += shares[s] * basic_.directions(s, j);
     }
-    return coordinates;
 }
 
 /// With basic rows it is the triangular factor of (R_S L) E, not of its cross products.
-MASquareMatrix MAWeightedFit::Factor() const
+void MAWeightedFit::Factor(MASquareMatrix& factor) const
 {
-    if (!HasBasicRows())
-        return factor_;
-    return TriangularFactor(Product(Product(factor_, Transposed(basic_.basis)), basic_.directions));
+    factor = !HasBasicRows()
+                 ? factor_
+                 : TriangularFactor(Product(Product(factor_, Transposed(basic_.basis)), basic_.directions));
 }
 
 double MAWeightedFit::LogDeterminant() const

@@ -64,7 +64,7 @@ public:
     MAProjectionSums FitAndSum(const std::vector<double>& weights, bool withTraces, bool withCubic);
 
     /// 1 - h of every row, with all its digits; fits again by basic rows where a complement is small.
-    std::vector<double> LeverageComplements();
+    void LeverageComplements(std::vector<double>& complements);
     /// (PP)_ii of a row, after a fit with squares.
     double SquaredProjection(std::size_t row) const;
 
@@ -73,8 +73,8 @@ public:
     void VisitRows(bool withLeverages, Visit visit) const;
 
     /// The coefficients g of Z, and the upper triangle R with R'R = Z'WZ.
-    std::vector<double> Coordinates() const;
-    MASquareMatrix Factor() const;
+    void Coordinates(std::vector<double>& coordinates) const;
+    void Factor(MASquareMatrix& factor) const;
     double LogDeterminant() const; ///< of Z'WZ
 
 private:
@@ -92,7 +92,7 @@ private:
     void Invert();
     void FormHat();
     double HatSquare(std::size_t j) const;
-    MAProjectionSums Sums(bool withTraces, bool withCubic) const;
+    MAProjectionSums Sums(bool withTraces, bool withCubic);
     void AddResiduals(const MAFittedRows& rows, MAProjectionSums& total) const;
     void AddProducts(const MAFittedRows& rows, RowSums& total) const;
     void AddLeverages(const MAFittedRows& rows, MAProjectionSums& total) const;
@@ -124,6 +124,11 @@ private:
     MASquareMatrix factor_;       ///< upper triangle of S
     double smallestPivot_ = 1.0;  ///< as a share of its diagonal element
     std::vector<double> fitted_;  ///< a, coefficients of the coordinates
+
+    // Memory that fits share.
+    std::vector<double> column_;   ///< of M
+    std::vector<double> shift_;    ///< of `RowSums`
+    std::vector<double> products_; ///< of `RowSums`
 };
 
 template <class Visit>

@@ -49,16 +49,16 @@ Values ZeroRow(std::size_t size)
 struct MAWeightedFit::RowSums
 {
     MAProjectionSums sums;
-    Values shift;         ///< -v_B
-    Values products;      ///< U'Ws
+    Values& shift;        ///< -v_B
+    Values& products;     ///< U'Ws
     double squares = 0.0; ///< s'Ws
 };
 
-MAProjectionSums MAWeightedFit::Sums(bool withTraces, bool withCubic) const
+MAProjectionSums MAWeightedFit::Sums(bool withTraces, bool withCubic)
 {
-    RowSums rowSums;
-    rowSums.shift.resize(withCubic ? Rank() : 0);
-    rowSums.products.resize(withCubic ? Rank() : 0);
+    shift_.assign(withCubic ? Rank() : 0, 0.0);
+    products_.assign(withCubic ? Rank() : 0, 0.0);
+    RowSums rowSums{{}, shift_, products_};
     for (std::size_t b = 0; withCubic && b < basic_.rows.size(); ++b)
         rowSums.shift[b] = basic_.weights[b] * fitted_[b];
     VisitRows(withTraces, [&](const MAFittedRows& rows) {

@@ -1,0 +1,24 @@
+#pragma once
+
+#include "meta_analysis/platform/common/KXMV.h"
+
+#include <cstddef>
+#include <limits>
+
+namespace MA_NAMESPACE {
+
+/// What a column of the caller has for a result.
+inline double OrNaN(double value)
+{
+    return KXMV::IsMissing(value) ? std::numeric_limits<double>::quiet_NaN() : value;
+}
+
+/// Stores a number in a column of the caller, unless it is not wanted.
+template <class Number>
+void Put(Number* column, std::size_t position, Number value)
+{
+    if (column != nullptr)
+        column[position] = value;
+}
+
+} // namespace MA_NAMESPACE

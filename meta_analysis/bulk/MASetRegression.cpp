@@ -1,0 +1,165 @@
+#include "meta_analysis/bulk/MASetRegression.h"
+
+#include "meta_analysis/pooling/MATau2Inference.h"
+#include "meta_analysis/regression/MARegBuild.h"
+#include "meta_analysis/regression/MARegHeterogeneity.h"
+#include "meta_analysis/settings/MAEstimators.h"
+#include "meta_analysis/settings/MAStatusCode.h"
+
+#include <algorithm>
+#include <cmath>
+
+namespace MA_NAMESPACE {
+
+namespace {
+
+/// Degrees of freedom whose quantiles are remembered. Those of larger sets cost less than the sets.
+constexpr std::size_t mostRemembered = 1024;
+
+} // namespace
+
+MARegSettings SettingsOf(const MABulkRegression& model, bool hasIntercept)
+{
+    MARegSettings settings;
+    settings.SetInterceptUse(hasIntercept);
+    settings.SetComputationalTolerance(model.redundancyTolerance);
+    settings.SetEstTauType(allEstimators[model.tau2.estimator].code);
+    settings.SetTau2Search(model.tau2.search);
+    settings.SetMaxIterations(model.tau2.limits.maxIter);
+    settings.SetMaxStepHalvingValue(model.tau2.limits.maxStepHalving);
+    settings.SetParameterTolerance(model.tau2.limits.tolerance);
+    settings.SetKnapHartAdjust(model.knappHartung != MAConst::KNAPP_HARTUNG_NONE);
+    settings.SetTruncAjustValue(model.knappHartung == MAConst::KNAPP_HARTUNG_TRUNCATED);
+    settings.SetKnapHartIfHeterogeneous(model.knappHartung == MAConst::KNAPP_HARTUNG_IF_HETEROGENEOUS);
+    settings.SetTestDistType(model.tests);
+    settings.SetMultiDiser(model.hasDispersion);
+    return settings;
+}
+
+MASetRegression::MASetRegression(const MARegSettings& settings, const MABulkRegression& model,
+                                 const MAWantedRegression& wanted, std::size_t columnCount,
+                                 std::size_t mostRows)
+    : choice_(model),
+      wanted_(wanted),
+      remembered_(std::min(mostRows + 1, mostRemembered)),
+      quantiles_(model.alpha, remembered_),
+      design_(settings),
+      tau2_(design_),
+      fit_(design_),
+      tests_(columnCount),
+      pValues_(columnCount),
+      directions_(columnCount)
+{}
+
+void MASetRegression::Warn(int code)
+{
+    if (model_.status == 0)
+        model_.status = code;
+}
+
+const MASetRegression::Model& MASetRegression::Regress(const MADesignRows& rows)
+{
+    model_ = Model();
+    design_.SetRows(rows);
+    if (choice_.isRandom)
+        RegressRandomEffects();
+    else
+        RegressFixedEffects();
+    return model_;
+}
+
+void MASetRegression::RegressRandomEffects()
+{
+    const MATau2Estimate estimate = tau2_.Estimate();
+    if (estimate.status.IsError()) {
+        model_.status = estimate.status.GetCode();
+        return;
+    }
+    const MARegSettings& settings = design_.GetSettings();
+    model_.tau2 = estimate.tau2;
+    fit_.Fit(MAWeightMode::RandomEffects, estimate.tau2);
+    model_.isFitted = true;
+    model_.isAdjusted = IsAdjusted(settings, fit_.ResidualDf(), estimate.tau2);
+    if (model_.isAdjusted)
+        model_.scale = KnappHartungScale(fit_, settings.IsTruncAjustValue());
+    TestCoefficients(UsesStudentT(settings, model_.isAdjusted));
+    TestModel();
+    DescribeHeterogeneity(estimate.convergence);
+    if (fit_.ResidualDf() == 0)
+        Warn(MAStatusCode::NO_RESIDUAL_DF);
+    if (wanted_.rSquare)
+        model_.rSquare =
+            ExplainedPart(estimate.tau2, tau2_.EstimateWithoutPredictors(), design_.MeanVariance());
+}
+
+void MASetRegression::RegressFixedEffects()
+{
+    const MARegSettings& settings = design_.GetSettings();
+    fit_.Fit(MAWeightMode::FixedEffect, 0.0);
+    model_.isFitted = true;
+    if (settings.HasMultiDisper()) {
+        const MADispersion dispersion = DispersionOf(fit_);
+        model_.dispersion = model_.scale = dispersion.value;
+        Warn(dispersion.warning.GetCode());
+    }
+    TestCoefficients(UsesStudentT(settings, IsAdjusted(settings, fit_.ResidualDf(), 0.0)));
+    TestModel();
+    if (wanted_.heterogeneity)
+        model_.residual = ResidualHeterogeneity(fit_);
+    if (fit_.ResidualDf() == 0)
+        Warn(MAStatusCode::NO_RESIDUAL_DF);
+}
+
+void MASetRegression::TestCoefficients(bool useStudentT)
+{
+    const std::vector<std::size_t>& estimated = fit_.EstimatedColumns();
+    const bool hasTests = wanted_.tests && !KXMV::IsMissing(model_.scale);
+    const double critical = hasTests ? CriticalValue(fit_.ResidualDf(), useStudentT, quantiles_) : 0.0;
+    for (std::size_t position = 0; position < estimated.size(); ++position) {
+        tests_[position] = {};
+        pValues_[position] = {};
+        if (!hasTests)
+            continue;
+        const double stdError =
+            std::sqrt(model_.scale) * fit_.UnscaledStdError(position, directions_[position]);
+        MACoefficientTest& test = tests_[position];
+        test = TestCoefficient(fit_.Coefficients()[estimated[position]], stdError, critical);
+        if (wanted_.pValues && !KXMV::IsMissing(test.statistic))
+            pValues_[position] = CoefficientPValue(test.statistic, fit_.ResidualDf(), useStudentT);
+    }
+}
+
+void MASetRegression::TestModel()
+{
+    if (wanted_.modelTest)
+        model_.modelTest = model_.isAdjusted ? FTest(fit_, model_.scale) : WaldTest(fit_, model_.dispersion);
+}
+
+/// The curve of a search that ended with a proof has what the search evaluated last. It serves again, but not
+/// for the profile likelihood, which would take up evaluations that differ in their rounding.
+void MASetRegression::DescribeHeterogeneity(MAConst::TAU2CONVERGENCE convergence)
+{
+    const bool isProfile = choice_.tau2Interval == MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD;
+    MARegressionCurve& curve = tau2_.Curve();
+    if (isProfile || convergence != MAConst::TAU2_GLOBAL_OPTIMUM)
+        curve.Restart(LikelihoodOf(choice_.tau2.estimator));
+    const double meanVariance = design_.MeanVariance();
+    if (wanted_.status && IsTau2Doubtful(curve, choice_.tau2.estimator, model_.tau2, convergence,
+                                         [&] { return TypicalVariance(curve, meanVariance); }))
+        Warn(MAStatusCode::TAU2_DOUBTFUL);
+    const bool hasInterval = wanted_.tau2Interval && choice_.tau2Interval != MAConst::TAU2_INTERVAL_NONE;
+    if (wanted_.heterogeneity || hasInterval) // the interval starts from what the former evaluates
+        model_.residual = ResidualHeterogeneity(model_.tau2, curve, meanVariance);
+    if (hasInterval && fit_.ResidualDf() >= 1)
+        InferTau2(curve, model_.tau2,
+                  {choice_.tau2.estimator, choice_.tau2Interval, fit_.NonRedundantCount(), isProfile},
+                  quantiles_, model_.tau2Results);
+}
+
+double MASetRegression::UnscaledCovariance(std::size_t first, std::size_t second) const
+{
+    const std::vector<double>& direction = directions_[first];
+    return Dot(direction.data(), directions_[second].data(), direction.size());
+}
+
+} // namespace MA_NAMESPACE
