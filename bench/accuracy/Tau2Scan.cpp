@@ -223,7 +223,8 @@ MATau2Solution Search(const Tau2Analysis& analysis)
         return InUnitOfData(curve, analysis.estimator, curve.MomentEstimate());
     }
     constexpr double tolerance = 1e-12;
-    const MAOrthonormalColumns columns(RowsOf(analysis), true, tolerance);
+    MAOrthonormalColumns columns;
+    columns.Assign(RowsOf(analysis), true, tolerance);
     MARegressionCurve curve(columns, analysis.variances, type);
     const MACurveBounds& bounds = curve.Bounds();
     return InUnitOfData(curve, analysis.estimator,
