@@ -240,7 +240,8 @@ TEST(MABulkPooling, AgreesWithTheModelsOfOneSetToTheBit)
             ExpectSameColumns(block, expected, "block");
         }
         for (int i = 0; i < 6; ++i) {
-            BulkColumns some(sets.size(), random() & random());
+            const std::size_t half = random();
+            BulkColumns some(sets.size(), half & random());
             ASSERT_TRUE(PoolSets(forms.Ragged(), model, some.results).IsOK());
             ExpectSameColumns(some, expected, "some columns");
         }
