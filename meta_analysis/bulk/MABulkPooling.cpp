@@ -4,7 +4,8 @@
 #include "meta_analysis/bulk/MABulkColumns.h"
 #include "meta_analysis/bulk/MABulkWork.h"
 #include "meta_analysis/bulk/MAGatheredSet.h"
-#include "meta_analysis/bulk/lanes/MALanePooler.h"
+#include "meta_analysis/bulk/MALanePooler.h"
+#include "meta_analysis/bulk/lanes/MALaneCode.h"
 #include "meta_analysis/inference/MAQuantiles.h"
 #include "meta_analysis/pooling/MAPooling.h"
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -56,7 +57,7 @@ public:
     {
         if (!MALanePooler::Takes(call.choice, call.wanted))
             return;
-        const MALaneKernels& kernels = WidestLaneKernels();
+        const MALaneKernels& kernels = WidestLaneCode().kernels;
         lanes_.emplace(kernels);
         inLanes_.assign(kernels.laneCount,
                         MAGatheredSet(std::min(call.largestCount, MALanePooler::mostStudies)));

@@ -4,8 +4,9 @@
 #include "meta_analysis/bulk/MABulkRegressionColumns.h"
 #include "meta_analysis/bulk/MABulkWork.h"
 #include "meta_analysis/bulk/MAGatheredSet.h"
-#include "meta_analysis/bulk/lanes/MALaneEvaluations.h"
+#include "meta_analysis/bulk/MALaneEvaluations.h"
 #include "meta_analysis/bulk/MASetRegression.h"
+#include "meta_analysis/bulk/lanes/MALaneCode.h"
 #include "meta_analysis/regression/design/MADesignRow.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/Memory.h"
@@ -128,7 +129,7 @@ private:
 };
 
 SetWorker::SetWorker(const BulkCall& call)
-    : call_(call), evaluations_(WidestLaneFitKernels()), gathered_(WidestLaneFitKernels().laneCount)
+    : call_(call), evaluations_(WidestLaneCode().fits), gathered_(WidestLaneCode().fits.laneCount)
 {
     const std::size_t p = call.design.Positions().size();
     for (GatheredRows& gathered : gathered_) {
