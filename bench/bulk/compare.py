@@ -52,10 +52,11 @@ def contests(program, folder, results):
 def table(entries, markers):
     """The lines of the table, and the names of those that miss their target."""
     seconds = {entry.name: entry.seconds for entry in entries}
-    lines = [f"{'command':<26}{'seconds':>9}{'markers/s':>12}{'MB':>7}{'x plink':>9}{'target':>8}{'met':>5}"]
+    lines = [f"{'command':<26}{'seconds':>9}{'of CPU':>8}{'markers/s':>12}{'MB':>6}{'x plink':>9}{'target':>8}{'met':>5}"]
     missed = []
     for entry in entries:
-        line = f"{entry.name:<26}{entry.seconds:9.3f}{markers / entry.seconds:12,.0f}{entry.megabytes:7.0f}"
+        line = f"{entry.name:<26}{entry.seconds:9.3f}{entry.processor_seconds:8.2f}"
+        line += f"{markers / entry.seconds:12,.0f}{entry.megabytes:6.0f}"
         if entry.beside:
             ratio = seconds[entry.beside] / entry.seconds
             line += f"{ratio:9.2f}"

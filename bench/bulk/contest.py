@@ -17,17 +17,20 @@ class Contest:
     beside: str = ""
     target: float = 0.0
     seconds: float = float("inf")
+    processor_seconds: float = float("inf")
     megabytes: float = 0.0
 
     def run(self, folder):
         """Memory comes from the program time: a child of Python starts with the peak of Python itself."""
-        memory = folder / "memory"
+        usage = folder / "usage"
         start = time.perf_counter()
-        command = ["/usr/bin/time", "-f", "%M", "-o", memory, *self.command]
+        command = ["/usr/bin/time", "-f", "%M %U %S", "-o", usage, *self.command]
         with open(folder / "log", "w", encoding="utf-8") as log:
             finished = subprocess.run(command, stdout=log, stderr=log, check=False)
         seconds = time.perf_counter() - start
         if finished.returncode != 0:
             sys.exit(f"{self.name} failed:\n" + (folder / "log").read_text())
         self.seconds = min(self.seconds, seconds)
-        self.megabytes = max(self.megabytes, int(memory.read_text()) / KILOBYTES_OF_MEGABYTE)
+        kilobytes, user, system = map(float, usage.read_text().split())
+        self.processor_seconds = min(self.processor_seconds, user + system)
+        self.megabytes = max(self.megabytes, kilobytes / KILOBYTES_OF_MEGABYTE)

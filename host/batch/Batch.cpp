@@ -51,9 +51,8 @@ public:
     void Run()
     {
         OpenFiles();
-        SetSink sets(batch_.columns, BatchModelOf(options_.settings), output_, pool_);
+        SetSink sets(*batch_.key, batch_.columns, BatchModelOf(options_.settings), output_, pool_);
         const ThreadsEnd end(pool_);
-        output_.Write(HeaderOf(*batch_.key, batch_.columns));
         PoolRows(sets);
         sets.Finish();
         rejects_.Commit();

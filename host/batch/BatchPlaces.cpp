@@ -21,19 +21,18 @@ bool IsFile(const std::optional<std::string>& place)
     return place && *place != STANDARD_STREAM;
 }
 
-/// Pipes and devices may be given twice.
-bool IsSameData(const std::string& one, const std::string& other)
+/// Devices such as /dev/null may have several uses.
+bool AreOneFile(const std::string& one, const std::string& other)
 {
     std::error_code noSuchFile;
-    const bool isRegular = std::filesystem::is_regular_file(one, noSuchFile);
-    return one == other || (isRegular && IsSameFile(one, other));
+    return IsSameFile(one, other) && !std::filesystem::is_character_file(one, noSuchFile);
 }
 
 void RequireDifferentData(const std::vector<std::string>& files)
 {
     for (auto file = files.begin(); file != files.end(); ++file)
         for (auto other = files.begin(); other != file; ++other)
-            if (IsSameData(*file, *other))
+            if (AreOneFile(*file, *other))
                 throw UnusableInput(
                     fmt::format("'{}' is given twice: its studies would count twice.", *file));
 }
@@ -43,7 +42,7 @@ void CheckPlace(const char* option, const std::optional<std::string>& place, con
     if (!IsFile(place))
         return;
     for (const std::string& file : batch.files)
-        if (IsSameData(file, *place))
+        if (AreOneFile(file, *place))
             throw UnusableInput(fmt::format("{}: '{}' is a data file.", option, *place));
     RequireFolderOf(option, *place);
     std::error_code noSuchFile;
@@ -61,7 +60,7 @@ void CheckBatchPlaces(const BatchOptions& batch)
     if (!batch.rejects)
         return;
     if (*batch.rejects == STANDARD_STREAM ? !IsFile(batch.output)
-                                          : IsFile(batch.output) && IsSameData(*batch.rejects, *batch.output))
+                                          : IsFile(batch.output) && AreOneFile(*batch.rejects, *batch.output))
         throw UnusableInput("--rejects and --output cannot be the same place.");
 }
 

@@ -123,7 +123,8 @@ bool ByteSource::StartsMember()
     while (aheadBegin_ < aheadEnd_ || Refill()) {
         if (ahead_[aheadBegin_] != '\0') {
             if (ahead_[aheadBegin_] != GZIP_START[0])
-                throw UnusableInput(fmt::format("{} has bytes behind its gzip data that are none.", name_));
+                throw UnusableInput(
+                    fmt::format("{} has bytes behind its gzip data that are no gzip data.", name_));
             isal_inflate_reset(gzip_.get());
             return true;
         }

@@ -19,14 +19,26 @@ constexpr std::size_t EFFECT_SIZE_AT = 6;
 constexpr std::size_t OTHER_SIZE_AT = 8;
 constexpr std::size_t MOST_PAGES = (std::size_t{1} << 32) / UNITS_OF_PAGE - 1;
 
-std::size_t HashOf(std::string_view key)
+std::uint64_t HashOf(std::string_view key)
 {
     return std::hash<std::string_view>()(key);
 }
 
-std::uint8_t TagOf(std::size_t hash)
+std::uint8_t TagOf(std::uint64_t hash)
 {
-    return static_cast<std::uint8_t>((hash >> 56) | 1U);
+    return static_cast<std::uint8_t>(hash | 1U);
+}
+
+/// The upper half of the hash as a fraction of the table, whose size need not be a power of two (Lemire
+/// 2019).
+std::size_t SlotOf(std::uint64_t hash, std::size_t tableSize)
+{
+    return static_cast<std::size_t>(((hash >> 32) * tableSize) >> 32);
+}
+
+std::size_t SlotAfter(std::size_t slot, std::size_t tableSize)
+{
+    return slot + 1 == tableSize ? 0 : slot + 1;
 }
 
 std::size_t InUnits(std::size_t size)
@@ -145,12 +157,11 @@ AlleleMatch KeyedRows::MatchFirst(Position key, const Alleles& alleles)
     return MatchAlleles({later->second.first, later->second.second}, alleles);
 }
 
-void KeyedRows::Enter(Position key, std::size_t hash)
+void KeyedRows::Enter(Position key, std::uint64_t hash)
 {
-    const std::size_t mask = table_.size() - 1;
-    std::size_t slot = hash & mask;
+    std::size_t slot = SlotOf(hash, table_.size());
     while (tags_[slot] != 0)
-        slot = (slot + 1) & mask;
+        slot = SlotAfter(slot, table_.size());
     table_[slot] = key;
     tags_[slot] = TagOf(hash);
 }
@@ -158,7 +169,7 @@ void KeyedRows::Enter(Position key, std::size_t hash)
 /// The keys are read once more, so that the old table need not be kept for it.
 void KeyedRows::GrowTable()
 {
-    const std::size_t size = 2 * table_.size();
+    const std::size_t size = table_.size() + table_.size() / 2;
     table_ = {};
     tags_ = {};
     table_.assign(size, 0);
@@ -169,10 +180,10 @@ void KeyedRows::GrowTable()
 
 KeyedRows::Position KeyedRows::Lookup(std::string_view key, const Alleles& alleles)
 {
-    const std::size_t hash = HashOf(key);
+    const std::uint64_t hash = HashOf(key);
     const std::uint8_t tag = TagOf(hash);
-    const std::size_t mask = table_.size() - 1;
-    for (std::size_t slot = hash & mask; tags_[slot] != 0; slot = (slot + 1) & mask)
+    const std::size_t size = table_.size();
+    for (std::size_t slot = SlotOf(hash, size); tags_[slot] != 0; slot = SlotAfter(slot, size))
         if (tags_[slot] == tag && Key(table_[slot]) == key)
             return table_[slot];
     const Position position = Append(key, alleles);

@@ -34,6 +34,7 @@ public:
     /// Whether the key has a row since `BeginFile`.
     bool HasRowInFile(Position key) const;
     void BeginFile() { firstOfFile_ = rowCount_; }
+    std::size_t RowCount() const { return rowCount_; }
 
     /// Compares with the alleles that the key has first, which are these if it has none yet.
     AlleleMatch MatchFirst(Position key, const Alleles& alleles);
@@ -77,13 +78,13 @@ private:
     std::size_t EntrySize(Position key) const;
     Position Append(std::string_view key, const Alleles& alleles);
     Position Lookup(std::string_view key, const Alleles& alleles);
-    void Enter(Position key, std::size_t hash);
+    void Enter(Position key, std::uint64_t hash);
     void GrowTable();
 
     bool hasAlleles_;
     std::vector<KeyPage> keyPages_;
     std::size_t keyCount_ = 0;
-    std::vector<Position> table_;     ///< positions of keys; a power of two
+    std::vector<Position> table_;     ///< positions of keys
     std::vector<std::uint8_t> tags_;  ///< a part of the hash beside each position, 0 for none
     Position expected_ = NO_POSITION; ///< key behind the last one found: files often have one order
     std::vector<std::unique_ptr<RowPage>> rowPages_;

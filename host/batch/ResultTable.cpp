@@ -19,7 +19,7 @@ char* Put(char* to, double value)
         std::memcpy(to, "NA", 2);
         return to + 2;
     }
-    return std::to_chars(to, to + LONGEST_NUMBER, value).ptr;
+    return std::to_chars(to, to + LONGEST_NUMBER, value + 0.0).ptr; // 0 has no sign
 }
 
 char* Put(char* to, int value)

@@ -6,9 +6,14 @@ using namespace MA_NAMESPACE;
 
 namespace host {
 
-SetSink::SetSink(const std::vector<BatchColumn>& columns, const MABulkModel& model, OutputFile& output,
-                 TaskPool& pool)
-    : columns_(columns), model_(model), output_(output), pool_(pool), current_(SpareChunk())
+SetSink::SetSink(const std::string& key, const std::vector<BatchColumn>& columns, const MABulkModel& model,
+                 OutputFile& output, TaskPool& pool)
+    : columns_(columns),
+      model_(model),
+      output_(output),
+      pool_(pool),
+      header_(HeaderOf(key, columns)),
+      current_(SpareChunk())
 {}
 
 std::unique_ptr<SetSink::Chunk> SetSink::SpareChunk()
@@ -46,6 +51,7 @@ void SetSink::WriteFirst()
     std::unique_ptr<Chunk> chunk = std::move(underWay_.front());
     underWay_.pop_front();
     pool_.Finish(chunk->task);
+    output_.Write(std::exchange(header_, {}));
     output_.Write(chunk->text);
     written_ += static_cast<long>(chunk->sets.SetCount());
     progress_.Show("Pooled analysis", written_, 0);

@@ -30,8 +30,10 @@ private:
 class SetSink
 {
 public:
-    SetSink(const std::vector<BatchColumn>& columns, const MA_NAMESPACE::MABulkModel& model,
-            OutputFile& output, TaskPool& pool);
+    /// The header line, which names the key as here, is written before the first results: what fails until
+    /// then leaves nothing.
+    SetSink(const std::string& key, const std::vector<BatchColumn>& columns,
+            const MA_NAMESPACE::MABulkModel& model, OutputFile& output, TaskPool& pool);
 
     /// Begins the next set.
     void Begin(std::string_view key)
@@ -69,6 +71,7 @@ private:
     TaskPool& pool_;
     Progress progress_;
     long written_ = 0;
+    std::string header_; ///< empty when it is written
     std::deque<std::unique_ptr<Chunk>> underWay_;
     std::vector<std::unique_ptr<Chunk>> spare_;
     std::unique_ptr<Chunk> current_;

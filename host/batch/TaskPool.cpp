@@ -1,6 +1,7 @@
 #include "host/batch/TaskPool.h"
 
 #include <algorithm>
+#include <system_error>
 #include <utility>
 
 namespace host {
@@ -9,8 +10,12 @@ TaskPool::TaskPool(int threadCount)
 {
     const unsigned int wanted = threadCount > 0 ? static_cast<unsigned int>(threadCount)
                                                 : std::max(1U, std::thread::hardware_concurrency());
-    for (unsigned int i = 1; i < wanted; ++i)
-        others_.emplace_back([this] { DoAll(); });
+    try {
+        for (unsigned int i = 1; i < wanted; ++i)
+            others_.emplace_back([this] { DoAll(); });
+    } catch (const std::system_error&) {
+        // the threads that the system allows will do
+    }
 }
 
 TaskPool::~TaskPool()

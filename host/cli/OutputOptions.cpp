@@ -33,6 +33,8 @@ OptionDefinition PlotFormatOption(Options& options)
         .value = {}};
 }
 
+constexpr Domain FEW_THREADS = {[](double x) { return x >= 0 && x <= 1024; }, "from 0 to 1024"};
+
 OptionDefinitions BatchOutput(BatchOptions& batch)
 {
     const std::string columns =
@@ -55,7 +57,7 @@ OptionDefinitions BatchOutput(BatchOptions& batch)
          .heading = "Output",
          .store =
              [&batch](const std::string& text) {
-                 batch.threadCount = RequireInside(NOT_NEGATIVE, ParseWholeNumber(text));
+                 batch.threadCount = RequireInside(FEW_THREADS, ParseWholeNumber(text));
              },
          .value = {}},
     };

@@ -162,8 +162,7 @@ KXStatus PoolAll(const Sets& sets, const Choice& choice, const MABulkResults& re
         } catch (const std::exception&) {
         }
     };
-    const std::size_t mostThreads = sets.setCount == 0 ? 1 : sets.setCount;
-    RunOnThreads(ThreadCountOf(threadCount, mostThreads), work);
+    RunOnThreads(ThreadCountOf(threadCount, ChunkCount(sets)), work);
     return call.hasMemory ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY);
 }
 

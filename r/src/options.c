@@ -1,9 +1,8 @@
 #include "options.h"
 
-#include <meta_analysis/bulk/meta_analysis.h>
-
 #include <limits.h>
 #include <math.h>
+#include <meta_analysis.h>
 #include <string.h>
 
 static void NORET fail_option(const option_target* target, const char* name, const char* one_of)

@@ -1,7 +1,7 @@
 #include "columns.h"
 #include "options.h"
 
-#include <meta_analysis/bulk/meta_analysis.h>
+#include <meta_analysis.h>
 
 #define INTEGERS(name)                                                                                       \
     {                                                                                                        \

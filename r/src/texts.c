@@ -1,6 +1,6 @@
 #include "metaanalysis.h"
 
-#include <meta_analysis/bulk/meta_analysis.h>
+#include <meta_analysis.h>
 
 static SEXP texts_of(SEXP codes, const char* (*text_of)(int32_t code))
 {

@@ -78,17 +78,18 @@ if (requireNamespace("metafor", quietly = TRUE)) {
     figures_of <- function(set, method, test) {
         fit <- metafor::rma(effects[, set], variances[, set], method = method, test = test, tau2 = NULL,
                             control = list(maxiter = 10000, threshold = 1e-13, tol = 1e-13))
-        interval <- if (method == "FE") rep(NA, 2) else confint(fit, control = list(tol = 1e-12, tau2.max = 1e6))$random[1, 2:3]
         reach <- suppressWarnings(qt(0.975, fit$k - 2)) * sqrt(fit$se^2 + fit$tau2) * c(-1, 1)
+        interval <- if (method != "FE" && test == "z") # the same with any test
+            confint(fit, control = list(tol = 1e-12, tau2.max = 1e6))$random[1, 2:3]
         c(k = fit$k, estimate = fit$b, std_error = fit$se, statistic = fit$zval, p = fit$pval,
-          ci_lower = fit$ci.lb, ci_upper = fit$ci.ub, tau2 = fit$tau2, tau2_lower = interval[[1]],
-          tau2_upper = interval[[2]], q = fit$QE, q_p = fit$QEp, i2 = fit$I2 / 100,
-          pi_lower = fit$b + reach[1], pi_upper = fit$b + reach[2])
+          ci_lower = fit$ci.lb, ci_upper = fit$ci.ub, tau2 = fit$tau2, tau2 = interval, q = fit$QE, q_p = fit$QEp,
+          i2 = fit$I2 / 100, pi_lower = fit$b + reach[1], pi_upper = fit$b + reach[2])
     }
     tests <- c(none = "z", adjusted = "knha", truncated = "adhoc")
     for (method in c("REML", "ML", "DL", "PM", "HE", "HS", "SJ")) for (adjustment in names(tests)) {
         ours <- pool_many(effects, variances, tau2 = tolower(method), knapp_hartung = adjustment)
         theirs <- suppressWarnings(t(sapply(1:sets, figures_of, method, tests[[adjustment]])))
+        colnames(theirs) <- sub("tau2.ci.lb", "tau2_lower", sub("tau2.ci.ub", "tau2_upper", colnames(theirs)))
         compared <- as.matrix(ours[colnames(theirs)])
         stopifnot(identical(unname(is.na(compared)), unname(is.na(theirs))))
         stopifnot(close_to(compared[!is.na(compared)], theirs[!is.na(theirs)], 1e-7))

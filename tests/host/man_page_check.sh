@@ -13,7 +13,7 @@ page=$2
 
 # Both sides come down to lines "option ARGUMENT" and "option: choice or (default ...)", each once.
 words_of_help() {
-    for command in '' binary continuous rates proportion rate correlation mean effects regression; do
+    for command in '' binary continuous rates proportion rate correlation mean effects regression batch; do
         "$program" ${command:+"$command"} --help
     done | awk '
         function tell(   rest, list, n, i, words) {

@@ -1,5 +1,6 @@
 #include "meta_analysis/bulk/lanes/MALanePooler.h"
 
+#include "meta_analysis/bulk/lanes/MALaneSearches.h"
 #include "meta_analysis/pooling/MAPooling.h"
 #include "meta_analysis/pooling/MATau2Outcome.h"
 #include "meta_analysis/settings/MAEstimators.h"
@@ -33,30 +34,6 @@ bool IsSearched(const MARandomEffectsChoice& choice)
 bool HasInterval(const MARandomEffectsChoice& choice, const MAWantedResults& wanted)
 {
     return wanted.tau2Interval && choice.tau2Interval != MAConst::TAU2_INTERVAL_NONE;
-}
-
-/// Runs searches until none waits: `compute(t, found)` evaluates their curves at one t each.
-template <class Search, class Found, class Compute>
-void RunSideBySide(std::span<std::optional<Search>> searches, Compute compute)
-{
-    MALaneValues t{};
-    std::array<Found, mostLanes> found;
-    for (;;) {
-        bool isWaiting = false;
-        for (std::size_t lane = 0; lane < searches.size(); ++lane) {
-            if (searches[lane] && searches[lane]->IsWaiting()) {
-                t[lane] = searches[lane]->Wanted();
-                isWaiting = true;
-            }
-        }
-        if (!isWaiting)
-            return;
-        compute(t, found.data());
-        for (std::size_t lane = 0; lane < searches.size(); ++lane) {
-            if (searches[lane] && searches[lane]->IsWaiting())
-                searches[lane]->Take(found[lane]);
-        }
-    }
 }
 
 } // namespace
