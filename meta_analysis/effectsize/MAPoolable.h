@@ -13,8 +13,8 @@ constexpr double greatestWithoutInverse = 0x1p-1024;
 /// and finite as well. Any other study would make every pooled number NaN.
 inline bool IsPoolable(double effectSize, double variance) noexcept
 {
-    return std::isfinite(effectSize) && !KXMV::IsMissing(effectSize) &&
-           variance > greatestWithoutInverse && std::isfinite(variance);
+    return std::isfinite(effectSize) && !KXMV::IsMissing(effectSize) && variance > greatestWithoutInverse &&
+           std::isfinite(variance);
 }
 
 } // namespace MA_NAMESPACE
