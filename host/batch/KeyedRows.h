@@ -2,10 +2,10 @@
 
 #include "host/batch/Alleles.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
-#include <ranges>
 #include <string>
 #include <string_view>
 #include <unordered_map>
@@ -52,7 +52,8 @@ public:
         chain_.clear();
         for (std::uint32_t row = LastRow(key); row != NO_ROW; row = Previous(row))
             chain_.push_back(row);
-        for (const std::uint32_t row : chain_ | std::views::reverse)
+        std::reverse(chain_.begin(), chain_.end());
+        for (const std::uint32_t row : chain_)
             use(PageOf(row).effectSizes[row % ROWS_OF_PAGE], PageOf(row).variances[row % ROWS_OF_PAGE]);
     }
 
