@@ -41,7 +41,7 @@ KXStatus WorkOnSets(const Call& call, std::size_t setCount, std::size_t chunk, i
             hasMemory = false;
         }
     };
-    const std::size_t chunkCount = setCount / chunk + 1;
+    const std::size_t chunkCount = (setCount + chunk - 1) / chunk;
     RunOnThreads(ThreadCountOf(threadCount, chunkCount), work);
     return hasMemory ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY);
 }

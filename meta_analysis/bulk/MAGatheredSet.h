@@ -108,7 +108,7 @@ inline std::size_t EndOfChunk(const MARaggedSets& sets, std::size_t first)
 inline std::size_t ChunkCount(const MARaggedSets& sets)
 {
     const std::size_t studies = sets.setCount == 0 ? 0 : sets.offsets[sets.setCount] - sets.offsets[0];
-    return std::max(studies / chunkStudies, sets.setCount / chunkSets) + 1;
+    return std::min(std::max(studies / chunkStudies, sets.setCount / chunkSets) + 1, sets.setCount);
 }
 
 inline std::size_t EndOfChunk(const MABlockSets& sets, std::size_t first)
@@ -119,7 +119,8 @@ inline std::size_t EndOfChunk(const MABlockSets& sets, std::size_t first)
 
 inline std::size_t ChunkCount(const MABlockSets& sets)
 {
-    return sets.setCount / std::max<std::size_t>(EndOfChunk(sets, 0), 1) + 1;
+    const std::size_t chunk = std::max<std::size_t>(EndOfChunk(sets, 0), 1);
+    return (sets.setCount + chunk - 1) / chunk;
 }
 
 } // namespace MA_NAMESPACE

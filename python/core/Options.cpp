@@ -62,7 +62,7 @@ void ThrowUnknown(int kind, const char* name, py::handle value, int32_t status)
     if (status != MA_STATUS_OPTION_VALUE_UNKNOWN || values == nullptr)
         throw py::value_error(std::string(name) + ": " + ma_status_text(status));
     throw py::value_error(std::string(name) + " is " + py::cast<std::string>(py::repr(value)) +
-                          ", which is none of: " + values);
+                          "; it can be: " + values);
 }
 
 } // namespace python_module

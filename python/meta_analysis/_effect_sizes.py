@@ -201,7 +201,7 @@ def effect_sizes_continuous(
 def _counts_of(
     group: str, events: npt.ArrayLike, nonevents: npt.ArrayLike | None, persons: npt.ArrayLike | None
 ) -> dict[str, FloatArray]:
-    """Return events and non-events, of one shape so far as they are given together."""
+    """Return events and non-events, named as what was given for them."""
     names = f"{group}_events", f"{group}_nonevents", f"{group}_n"
     if (nonevents is None) == (persons is None):
         raise TypeError(f"{'neither' if persons is None else 'both'} {names[1]} and {names[2]} are given; "
@@ -211,7 +211,7 @@ def _counts_of(
         return {names[0]: with_event, names[1]: as_floats(names[1], nonevents)}  # type: ignore[arg-type]
     all_persons = as_floats(names[2], persons)
     _common_shape({names[0]: with_event, names[2]: all_persons})
-    return {names[0]: with_event, names[1]: all_persons - with_event}
+    return {names[0]: with_event, names[2]: all_persons - with_event}
 
 
 def _common_shape(arrays: Mapping[str, FloatArray]) -> tuple[int, ...]:

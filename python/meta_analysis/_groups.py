@@ -36,12 +36,7 @@ def group_rows(groups: Any, count: int) -> Grouping:
 
 
 def _as_labels(groups: Any) -> npt.NDArray[Any]:
-    if hasattr(groups, "cat") or hasattr(groups, "categories"):  # a categorical column or array of pandas
-        return np.asarray(groups)
-    if hasattr(groups, "__array__"):
-        labels = np.asarray(groups)
-    else:
-        labels = _labels_of_list(list(groups))
+    labels = np.asarray(groups) if hasattr(groups, "__array__") else _labels_of_list(list(groups))
     if labels.ndim != 1:
         raise ValueError(f"groups has {labels.ndim} dimensions; it needs 1, a label for each study")
     return labels

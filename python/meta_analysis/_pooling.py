@@ -170,9 +170,10 @@ def pool(
 
     Notes
     -----
-    Arrays of float64 are read where they stand, whatever their strides; all else is converted once. To save
-    memory, variances that all sets share can be ``numpy.broadcast_to(v[:, None], effects.shape)``. Other
-    threads of Python run meanwhile, and Ctrl-C ends a long run.
+    Arrays of float64 are read where they stand, whatever their strides; all else is converted once. Objects of
+    pandas are taken by position, whatever their indexes. To save memory, variances that all sets share can be
+    ``numpy.broadcast_to(v[:, None], effects.shape)``. Other threads of Python run meanwhile, and Ctrl-C ends a
+    long run.
 
     Examples
     --------
@@ -198,6 +199,8 @@ def pool(
         "max_step_halving": max_step_halving,
         "threads": threads,
     }
+    if model == "random" and null_effect != 0:
+        raise ValueError(f"null_effect is {null_effect}, but model is 'random', which tests against 0 alone")
     wanted = wanted_columns(columns, _core.pool_columns)
     y = as_floats("effects", effects)
     v = as_floats("variances", variances)

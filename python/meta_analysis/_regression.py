@@ -231,6 +231,8 @@ def _design(
         raise ValueError(f"design has {x.ndim} dimensions; it needs 2, studies x coefficients")
     if len(x) != studies:
         raise ValueError(f"effects has {studies} studies, design {len(x)}")
+    if x.shape[1] == 0 and not intercept:
+        raise ValueError("design has no columns")
     infinite = np.flatnonzero(np.isinf(x).any(axis=1))
     if len(infinite) > 0:
         raise ValueError(f"design has infinite values, the first in row {infinite[0]}")
@@ -244,6 +246,7 @@ def _names(design: Any, names: Sequence[str] | None, count: int) -> list[str]:
     if names is None:
         of_frame = getattr(design, "columns", None)
         return [f"x{column}" for column in range(count)] if of_frame is None else list(map(str, of_frame))
-    if isinstance(names, str) or len(names) != count:
-        raise ValueError(f"names has {1 if isinstance(names, str) else len(names)} names, design {count} columns")
-    return list(map(str, names))
+    labels = [names] if isinstance(names, str) else list(map(str, names))
+    if len(labels) != count:
+        raise ValueError(f"names has {len(labels)} names, design {count} columns")
+    return labels

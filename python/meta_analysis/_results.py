@@ -131,6 +131,8 @@ def aligned(rows: list[list[str]]) -> list[str]:
 def table_of_sets(results: Columns, shown: Iterable[str], most: int = 6) -> list[str]:
     """Return the first and last sets as lines of text."""
     names = [name for name in shown if name in results.columns]
+    if not names:
+        return []
     count = len(results)
     half = most // 2
     listed = range(count) if count <= most else [*range(half), *range(count - half, count)]
