@@ -290,6 +290,50 @@ Fit FitReml(const double* y, const double* v, std::size_t n)
     return {tau2, Pool(y, v, n, tau2).mean, HomogeneityQ(y, v, n)};
 }
 
+/// Adds up `fit(first effect, first variance)` of each set.
+template <class FitSet>
+Fit SumOverSets(const std::vector<double>& y, const std::vector<double>& v, std::size_t n, FitSet fit)
+{
+    Fit sum{};
+    for (std::size_t first = 0; first < y.size(); first += n) {
+        const Fit ofSet = fit(&y[first], &v[first]);
+        sum = {sum.tau2 + ofSet.tau2, sum.mean + ofSet.mean, sum.q + ofSet.q};
+    }
+    return sum;
+}
+
+Fit PoolSetsFixed(const std::vector<double>& y, const std::vector<double>& v, std::size_t n)
+{
+    return SumOverSets(y, v, n, [=](const double* effects, const double* variances) {
+        return Fit{0.0, Pool(effects, variances, n, 0.0).mean, 0.0};
+    });
+}
+
+/// DerSimonian and Laird (1986), Controlled Clinical Trials 7, 177-188.
+Fit PoolSetsMoment(const std::vector<double>& y, const std::vector<double>& v, std::size_t n)
+{
+    return SumOverSets(y, v, n, [=](const double* effects, const double* variances) {
+        double weightSum = 0.0;
+        double squareSum = 0.0;
+        for (std::size_t i = 0; i < n; ++i) {
+            const double weight = 1.0 / variances[i];
+            weightSum += weight;
+            squareSum += weight * weight;
+        }
+        const double q = HomogeneityQ(effects, variances, n);
+        const double trace = weightSum - squareSum / weightSum;
+        const double tau2 = std::max(0.0, (q - (static_cast<double>(n) - 1.0)) / trace);
+        return Fit{tau2, Pool(effects, variances, n, tau2).mean, 0.0};
+    });
+}
+
+Fit PoolSetsReml(const std::vector<double>& y, const std::vector<double>& v, std::size_t n)
+{
+    return SumOverSets(y, v, n, [=](const double* effects, const double* variances) {
+        return FitReml(effects, variances, n);
+    });
+}
+
 std::vector<StudyRow> DescribeStudies(const double* y, const double* v, std::size_t n, double tau2)
 {
     std::vector<StudyRow> rows(n);

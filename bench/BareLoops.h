@@ -19,6 +19,12 @@ struct Fit
 /// Of n studies with effects y and variances v.
 Fit FitReml(const double* y, const double* v, std::size_t n);
 
+/// Sets of n studies, one behind the other: the sum of each figure over all sets, by the fixed-effect model
+/// (without Q), that of DerSimonian and Laird, and REML.
+Fit PoolSetsFixed(const std::vector<double>& y, const std::vector<double>& v, std::size_t n);
+Fit PoolSetsMoment(const std::vector<double>& y, const std::vector<double>& v, std::size_t n);
+Fit PoolSetsReml(const std::vector<double>& y, const std::vector<double>& v, std::size_t n);
+
 /// What a run keeps for each study: test and interval, all of it on the ratio scale too, weight in the model,
 /// and place in the plots.
 struct StudyRow

@@ -9,6 +9,7 @@
 
 #include <cmath>
 #include <limits>
+#include <numeric>
 #include <utility>
 
 using namespace MA_NAMESPACE;
@@ -205,6 +206,76 @@ bare::Fit RegressionRun::Bare() const
 {
     const bare::RegressionFit fit = bare::FitRemlRegression(rows_, variances_);
     return {fit.tau2, fit.coefficients[0], fit.residualQ};
+}
+
+ManySets::ManySets(std::size_t count)
+    : count_(count),
+      studies_(SimulateStudies(count * setCount)),
+      numbers_(15 * setCount),
+      counts_(4 * setCount)
+{
+    for (std::size_t set = 0; set <= setCount; ++set)
+        offsets_.push_back(set * count);
+    double* number = numbers_.data();
+    for (double** const column :
+         {&all_.estimate, &all_.stdError, &all_.statistic, &all_.pValue, &all_.minusLog10P, &all_.ciLower,
+          &all_.ciUpper, &all_.tau2, &all_.tau2Lower, &all_.tau2Upper, &all_.q, &all_.qPValue, &all_.i2,
+          &all_.predictionLower, &all_.predictionUpper}) {
+        *column = number;
+        number += setCount;
+    }
+    int* integer = counts_.data();
+    for (int** const column : {&all_.studyCount, &all_.leftOut, &all_.qDf, &all_.status}) {
+        *column = integer;
+        integer += setCount;
+    }
+}
+
+MABulkResults ManySets::PointColumns() const
+{
+    MABulkResults point;
+    point.estimate = all_.estimate;
+    point.stdError = all_.stdError;
+    point.tau2 = all_.tau2;
+    point.status = all_.status;
+    return point;
+}
+
+double ManySets::SumOf(const double* column) const
+{
+    return std::accumulate(column, column + setCount, 0.0);
+}
+
+bool ManySets::Pool(const MABulkModel& model, const MABulkResults& results) const
+{
+    return PoolSets(MARaggedSets{studies_.effectSizes.data(), studies_.variances.data(), offsets_.data(),
+                                 setCount},
+                    model, results)
+        .IsOK();
+}
+
+bare::Fit ManySetsFixed::Run()
+{
+    const MABulkResults results = PointColumns();
+    return Pool(MAFixedEffectChoice(), results) ? bare::Fit{0.0, SumOf(results.estimate), 0.0} : failedFit;
+}
+
+bare::Fit ManySetsMoment::Run()
+{
+    MARandomEffectsChoice choice;
+    choice.estimator = MAConst::TAU2_DL;
+    const MABulkResults results = PointColumns();
+    return Pool(choice, results) ? bare::Fit{SumOf(results.tau2), SumOf(results.estimate), 0.0} : failedFit;
+}
+
+bare::Fit ManySetsReml::Run()
+{
+    MARandomEffectsChoice choice;
+    choice.search = MAConst::TAU2_SEARCH_GLOBAL;
+    choice.knappHartung = MAConst::KNAPP_HARTUNG_ADJUSTED;
+    choice.tau2Interval = MAConst::TAU2_INTERVAL_Q_PROFILE;
+    const MABulkResults& results = AllColumns();
+    return Pool(choice, results) ? bare::Fit{0.0, 0.0, SumOf(results.q)} : failedFit;
 }
 
 bool Agree(const bare::Fit& left, const bare::Fit& right)

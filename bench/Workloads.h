@@ -3,6 +3,7 @@
 #include "BareLoops.h"
 #include "SimulatedStudies.h"
 
+#include "meta_analysis/bulk/MABulkPooling.h"
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 #include "meta_analysis/settings/MAConst.h"
@@ -107,6 +108,62 @@ private:
     std::vector<double> variances_;
     MA_NAMESPACE::MARegSettings settings_;
     VectorRecordIter records_;
+};
+
+/// One call for a thousand sets of `count` studies each, on one thread. The figures are sums over the sets.
+class ManySets
+{
+public:
+    static constexpr std::size_t setCount = 1000;
+
+    explicit ManySets(std::size_t count);
+
+protected:
+    /// Every column, or the estimate with its standard error, tau² and the status.
+    const MA_NAMESPACE::MABulkResults& AllColumns() const { return all_; }
+    MA_NAMESPACE::MABulkResults PointColumns() const;
+    double SumOf(const double* column) const;
+    bool Pool(const MA_NAMESPACE::MABulkModel& model, const MA_NAMESPACE::MABulkResults& results) const;
+
+    std::size_t count_;
+    SimulatedStudies studies_;
+
+private:
+    std::vector<std::size_t> offsets_;
+    std::vector<double> numbers_;
+    std::vector<int> counts_;
+    MA_NAMESPACE::MABulkResults all_;
+};
+
+/// Estimates alone, by the fixed-effect model.
+class ManySetsFixed : public ManySets
+{
+public:
+    using ManySets::ManySets;
+    bare::Fit Run();
+    bare::Fit Bare() const { return bare::PoolSetsFixed(studies_.effectSizes, studies_.variances, count_); }
+};
+
+/// ... and by that of DerSimonian and Laird.
+class ManySetsMoment : public ManySets
+{
+public:
+    using ManySets::ManySets;
+    bare::Fit Run();
+    bare::Fit Bare() const { return bare::PoolSetsMoment(studies_.effectSizes, studies_.variances, count_); }
+};
+
+/// All columns of REML by the global search, with the adjustment of Knapp and Hartung and the Q-profile
+/// interval of tau². Its yardstick is scoring to tau², the estimate and Q alone; they agree on Q to rounding.
+class ManySetsReml : public ManySets
+{
+public:
+    using ManySets::ManySets;
+    bare::Fit Run();
+    bare::Fit Bare() const
+    {
+        return {0.0, 0.0, bare::PoolSetsReml(studies_.effectSizes, studies_.variances, count_).q};
+    }
 };
 
 /// Within 1e-9: both sides sum the same terms, in orders of their own, and rounding differs far less.

@@ -46,4 +46,7 @@ int main()
     Count<RemlFit, 1000>();
     Count<RegressionRun, 1000>();
     Count<CumulativeRun, 1000>();
+    Count<ManySetsFixed, 10>();
+    Count<ManySetsMoment, 10>();
+    Count<ManySetsReml, 10>();
 }

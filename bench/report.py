@@ -12,7 +12,7 @@ import json
 import sys
 
 NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
-COLUMNS = ["name", "time", "bare loop", "ratio", "target", "met", "evaluations"]
+COLUMNS = ["name", "time", "bare loop", "ratio", "target", "met", "evaluations", "sets/s"]
 
 
 def measured_rows(path):
@@ -34,6 +34,8 @@ def measured_rows(path):
         for counter in ("bytes_per_study", "evaluations"):
             if counter in entry:
                 row[counter] = entry[counter]
+        if "sets" in entry:
+            row["sets_per_second"] = entry["sets"] / row["seconds"]
     return rows.values()
 
 
@@ -70,6 +72,7 @@ def cells(row):
         target_text(row["target"]) if "target" in row else "",
         ("yes" if row["met"] else "NO") if "met" in row else "",
         f"{row['evaluations']:.0f}" if "evaluations" in row else "",
+        f"{row['sets_per_second'] / 1e6:.2f} M" if "sets_per_second" in row else "",
     ]
 
 

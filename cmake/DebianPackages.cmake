@@ -27,7 +27,7 @@ set(CPACK_DEBIAN_META_ANALYSIS_DEVELOPMENT_PACKAGE_NAME libmeta-analysis-dev)
 set(CPACK_DEBIAN_META_ANALYSIS_DEVELOPMENT_PACKAGE_SECTION libdevel)
 set(CPACK_COMPONENT_META_ANALYSIS_DEVELOPMENT_DEPENDS meta_analysis_library)
 set(CPACK_COMPONENT_META_ANALYSIS_DEVELOPMENT_DESCRIPTION
-    "This package has what it takes to build with the library: its C++
+    "This package has what it takes to build with the library: its C and C++
 headers, a static library, and files for CMake and pkg-config.")
 
 # Pictures are drawn by gnuplot; all else works without.

@@ -1,15 +1,10 @@
 #include "host/batch/Alleles.h"
 
-#include <algorithm>
+#include "host/batch/AsciiCase.h"
 
 namespace host {
 
 namespace {
-
-constexpr char UpperCase(char c) noexcept
-{
-    return c >= 'a' && c <= 'z' ? static_cast<char>(c - 'a' + 'A') : c;
-}
 
 /// The letter on the other strand, in upper case; 0 for any other text.
 char ComplementOf(std::string_view allele) noexcept
@@ -40,12 +35,6 @@ AlleleMatch MatchAsWritten(const Alleles& first, const Alleles& row) noexcept
 }
 
 } // namespace
-
-bool EqualInAnyCase(std::string_view one, std::string_view other) noexcept
-{
-    return std::equal(one.begin(), one.end(), other.begin(), other.end(),
-                      [](char a, char b) { return UpperCase(a) == UpperCase(b); });
-}
 
 AlleleMatch MatchAlleles(const Alleles& first, const Alleles& row) noexcept
 {

@@ -19,9 +19,6 @@ enum class AlleleMatch
     NONE
 };
 
-/// Whether two texts are equal but for the case of ASCII letters.
-bool EqualInAnyCase(std::string_view one, std::string_view other) noexcept;
-
 /// Compares in any case. Where the row has neither the same nor swapped alleles, it may be from the other
 /// strand, with the complements of single letters A, C, G and T. So A/T and C/G are taken as written, and
 /// longer alleles have no complement.

@@ -1,6 +1,6 @@
 #include "host/batch/FieldNumber.h"
 
-#include "host/batch/Alleles.h"
+#include "host/batch/AsciiCase.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
 

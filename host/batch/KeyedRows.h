@@ -34,6 +34,7 @@ public:
     /// Whether the key has a row since `BeginFile`.
     bool HasRowInFile(Position key) const;
     void BeginFile() { firstOfFile_ = rowCount_; }
+    std::size_t RowCount() const { return rowCount_; }
 
     /// Compares with the alleles that the key has first, which are these if it has none yet.
     AlleleMatch MatchFirst(Position key, const Alleles& alleles);

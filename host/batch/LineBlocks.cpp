@@ -1,21 +1,9 @@
 #include "host/batch/LineBlocks.h"
 
-#include "host/text/UnusableInput.h"
-
-#include <fmt/format.h>
-
-#include <algorithm>
 #include <cstring>
 #include <utility>
 
 namespace host {
-
-namespace {
-
-/// A longer line is no row of a table, and would fill the memory.
-constexpr std::size_t LONGEST_LINE = std::size_t{16} << 20;
-
-} // namespace
 
 void TextBlock::Reserve(std::size_t size, std::size_t kept)
 {
@@ -40,12 +28,6 @@ std::size_t LineBlocks::Fill(char* to, std::size_t size)
     return filled;
 }
 
-void LineBlocks::RefuseLine() const
-{
-    throw UnusableInput(fmt::format("{}, line {}: the line is longer than {} megabytes, so this is no table.",
-                                    Name(), nextLine_, LONGEST_LINE >> 20));
-}
-
 void LineBlocks::Next(TextBlock& block)
 {
     block.Reserve(blockSize_ + rest_.size(), 0);
@@ -56,19 +38,17 @@ void LineBlocks::Next(TextBlock& block)
         const std::size_t count = Fill(block.Memory() + size, block.Capacity() - size);
         cut = static_cast<const char*>(memrchr(block.Memory() + size, '\n', count));
         size += count;
-        if (cut != nullptr || isAtEnd_)
+        block.isLineTooLong = cut == nullptr && size >= TextBlock::LONGEST_LINE;
+        if (cut != nullptr || isAtEnd_ || block.isLineTooLong)
             break;
-        if (size >= LONGEST_LINE)
-            RefuseLine();
         block.Reserve(2 * size, size);
     }
-    const std::size_t used = isAtEnd_ ? size : static_cast<std::size_t>(cut + 1 - block.Memory());
+    const std::size_t used =
+        cut == nullptr || isAtEnd_ ? size : static_cast<std::size_t>(cut + 1 - block.Memory());
     rest_.assign(block.Memory() + used, size - used);
     block.begin = block.Memory();
     block.end = block.begin + used;
     std::memset(block.end, 0, TextBlock::PADDING);
-    block.firstLine = nextLine_;
-    nextLine_ += static_cast<std::size_t>(std::count(block.begin, block.end, '\n'));
 }
 
 } // namespace host

@@ -14,10 +14,12 @@ class TextBlock
 {
 public:
     static constexpr std::size_t PADDING = 64;
+    /// A longer line is no row of a table, and would fill the memory.
+    static constexpr std::size_t LONGEST_LINE = std::size_t{16} << 20;
 
     char* begin = nullptr;
     char* end = nullptr;
-    std::size_t firstLine = 1; ///< number of its first line in the file
+    bool isLineTooLong = false; ///< whether it is the start of a line that no table has
 
     /// Makes room for `size` bytes and keeps the first `kept`.
     void Reserve(std::size_t size, std::size_t kept);
@@ -37,19 +39,17 @@ public:
     LineBlocks(const std::string& path, std::size_t blockSize) : source_(path), blockSize_(blockSize) {}
 
     /// Fills the block with the next lines; with none at the end of the file. Throws UnusableInput for a
-    /// file that cannot be read, and for a line that is no line of a table.
+    /// file that cannot be read.
     void Next(TextBlock& block);
 
     const std::string& Name() const { return source_.Name(); }
 
 private:
     std::size_t Fill(char* to, std::size_t size);
-    [[noreturn]] void RefuseLine() const;
 
     ByteSource source_;
     std::size_t blockSize_;
     std::string rest_; ///< start of the line that the last block cut
-    std::size_t nextLine_ = 1;
     bool isAtEnd_ = false;
 };
 

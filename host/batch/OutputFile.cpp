@@ -95,7 +95,7 @@ OutputFile::OutputFile(const std::string& path) : name_(fmt::format("'{}'", path
     }
     if (IsNoRegularFile(path_))
         file_ = open(path_.c_str(), O_WRONLY | O_CLOEXEC);
-    else
+    else if (access(path_.c_str(), W_OK) == 0 || errno == ENOENT)
         OpenTemporary();
     if (file_ < 0)
         Fail();

@@ -1,9 +1,7 @@
 #include "host/batch/RowParser.h"
 
+#include "host/batch/AsciiCase.h"
 #include "host/batch/FieldNumber.h"
-#include "host/text/UnusableInput.h"
-
-#include <fmt/format.h>
 
 #include <algorithm>
 #include <cmath>
@@ -22,6 +20,15 @@ constexpr std::size_t LONGEST_TEXT = std::numeric_limits<std::uint16_t>::max();
 bool IsBlankLine(std::string_view line)
 {
     return line.find_first_not_of(" \t") == std::string_view::npos;
+}
+
+std::optional<std::size_t> LineOfZero(const TextBlock& text)
+{
+    const void* const zero = std::memchr(text.begin, '\0', static_cast<std::size_t>(text.end - text.begin));
+    if (zero == nullptr)
+        return {};
+    return static_cast<std::size_t>(
+        std::count(static_cast<const char*>(text.begin), static_cast<const char*>(zero), '\n'));
 }
 
 RowProblem AlleleProblem(const Alleles& alleles)
@@ -103,13 +110,10 @@ void RowParser::Parse(ParsedRows& rows) const
 {
     rows.rows.clear();
     rows.alleles.clear();
+    rows.lineOfZero = LineOfZero(rows.text);
+    if (rows.lineOfZero)
+        return;
     TextBlock& text = rows.text;
-    const auto length = static_cast<std::size_t>(text.end - text.begin);
-    if (const void* const zero = std::memchr(text.begin, '\0', length))
-        throw UnusableInput(fmt::format(
-            "{}, line {}: a byte of value 0, so this is no text in UTF-8.", fileName_,
-            text.firstLine + static_cast<std::size_t>(
-                                 std::count(text.begin, static_cast<char*>(const_cast<void*>(zero)), '\n'))));
     FieldCutter cutter(layout_.separator, layout_.fieldCount);
     std::uint32_t number = 0;
     for (char* line = text.begin; line < text.end; ++number) {
@@ -129,6 +133,7 @@ void RowParser::Parse(ParsedRows& rows) const
         }
         line = next;
     }
+    rows.lineCount = number;
 }
 
 } // namespace host

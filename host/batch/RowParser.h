@@ -7,7 +7,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <string>
+#include <optional>
 #include <string_view>
 #include <vector>
 
@@ -34,18 +34,21 @@ struct ParsedRows
     std::vector<Row> rows;
     std::vector<Alleles> alleles; ///< one a row where the layout has them, empty ones where they are unusable
 
-    std::size_t LineOf(const Row& row) const { return text.firstLine + row.line; }
+    std::size_t firstLine = 0; ///< number of its first line in the file
+    std::size_t lineCount = 0;
+    std::optional<std::size_t> lineOfZero; ///< first line, from 0, with a byte of value 0, which no text has
+
+    std::size_t LineOf(const Row& row) const { return firstLine + row.line; }
 };
 
 /// Turns lines into rows.
 class RowParser
 {
 public:
-    RowParser(const RowLayout& layout, std::string fileName) : layout_(layout), fileName_(std::move(fileName))
-    {}
+    explicit RowParser(const RowLayout& layout) : layout_(layout) {}
 
-    /// Parses `rows.text` into the rows. Blank lines are none. Throws UnusableInput for a byte of value 0,
-    /// which no text has.
+    /// Parses `rows.text` into the rows and what else is known of them but their first line. Blank lines are
+    /// no rows, and none are read where a byte is 0.
     void Parse(ParsedRows& rows) const;
 
 private:
@@ -54,7 +57,6 @@ private:
     RowProblem ReadNumbers(std::string_view effectSize, std::string_view spread, Row& row) const;
 
     RowLayout layout_;
-    std::string fileName_;
 };
 
 } // namespace host

@@ -14,6 +14,10 @@ namespace {
 
 constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
+constexpr const char* ZERO = "a byte of value 0, so this is no text in UTF-8";
+constexpr const char* LONG_LINE = "the line is longer than 16 megabytes, so this is no table";
+static_assert(TextBlock::LONGEST_LINE == std::size_t{16} << 20);
+
 bool IsBlank(std::string_view text)
 {
     return text.find_first_not_of(" \t\r\n") == std::string_view::npos;
@@ -34,7 +38,6 @@ std::string TakeLine(TextBlock& block)
         line.remove_suffix(1);
     std::string copy(line);
     block.begin += taken;
-    ++block.firstLine;
     return copy;
 }
 
@@ -42,11 +45,7 @@ std::string TakeLine(TextBlock& block)
 
 RowStream::RowStream(const std::string& path, const Options& options, std::size_t blockSize,
                      std::size_t depth, TaskPool& pool)
-    : path_(path),
-      lines_(path, blockSize),
-      parser_(ReadHeader(options), lines_.Name()),
-      pool_(pool),
-      depth_(depth)
+    : path_(path), lines_(path, blockSize), parser_(ReadHeader(options)), pool_(pool), depth_(depth)
 {}
 
 RowLayout RowStream::ReadHeader(const Options& options)
@@ -55,13 +54,14 @@ RowLayout RowStream::ReadHeader(const Options& options)
     if (TextOf(first_).starts_with(BYTE_ORDER_MARK))
         first_.begin += BYTE_ORDER_MARK.size();
     std::string header;
-    while (IsBlank(header) && !first_.IsEmpty())
+    for (; IsBlank(header) && !first_.IsEmpty(); ++nextLine_)
         header = TakeLine(first_);
     if (IsBlank(header))
         throw UnusableInput(fmt::format("{} is empty: a header line and rows are needed.", Name()));
+    if (first_.isLineTooLong)
+        Refuse(1, LONG_LINE);
     if (header.find('\0') != std::string::npos)
-        throw UnusableInput(fmt::format("{}, line {}: a byte of value 0, so this is no text in UTF-8.",
-                                        Name(), first_.firstLine - 1));
+        Refuse(nextLine_ - 1, ZERO);
     if (header.find('\r') != std::string::npos)
         throw UnusableInput(
             fmt::format("{}: lines end in carriage returns alone; line feeds are needed.", Name()));
@@ -103,6 +103,22 @@ void RowStream::Prefetch()
         StartNext();
 }
 
+void RowStream::Refuse(std::size_t line, const char* problem) const
+{
+    throw UnusableInput(fmt::format("{}, line {}: {}.", Name(), line, problem));
+}
+
+void RowStream::CheckCurrent() const
+{
+    const ParsedRows& rows = current_->rows;
+    if (rows.text.IsEmpty() && !hasRows_)
+        throw UnusableInput(fmt::format("{} has a header line and no data rows.", Name()));
+    if (rows.text.isLineTooLong)
+        Refuse(nextLine_, LONG_LINE);
+    if (rows.lineOfZero)
+        Refuse(nextLine_ + *rows.lineOfZero, ZERO);
+}
+
 const ParsedRows* RowStream::Next()
 {
     do {
@@ -112,10 +128,11 @@ const ParsedRows* RowStream::Next()
         current_ = std::move(ahead_.front());
         ahead_.pop_front();
         pool_.Finish(current_->task);
-        if (current_->rows.text.IsEmpty() && !hasRows_)
-            throw UnusableInput(fmt::format("{} has a header line and no data rows.", Name()));
+        CheckCurrent();
         if (current_->rows.text.IsEmpty())
             return nullptr;
+        current_->rows.firstLine = nextLine_;
+        nextLine_ += current_->rows.lineCount;
     } while (current_->rows.rows.empty());
     hasRows_ = true;
     return &current_->rows;

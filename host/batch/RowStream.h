@@ -40,13 +40,16 @@ private:
     };
 
     RowLayout ReadHeader(const Options& options);
+    void CheckCurrent() const;
+    [[noreturn]] void Refuse(std::size_t line, const char* problem) const;
     void StartNext();
     void Read(std::size_t number, ParsedRows& rows);
     void Fetch(std::size_t number, TextBlock& text);
 
     std::string path_;
     LineBlocks lines_;
-    TextBlock first_; ///< the block of the header, behind it
+    std::size_t nextLine_ = 1; ///< number of the first line behind the current block
+    TextBlock first_;          ///< the block of the header, behind it
     RowParser parser_;
     TaskPool& pool_;
     std::size_t depth_;

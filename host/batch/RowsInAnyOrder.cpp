@@ -1,6 +1,7 @@
 #include "host/batch/Grouping.h"
 #include "host/batch/KeyedRows.h"
 #include "host/batch/RowUse.h"
+#include "host/text/Progress.h"
 
 #include <limits>
 
@@ -30,11 +31,32 @@ void KeepRow(const RowAt& row, bool isOnly, KeyedRows& kept, Rejects& rejects)
         kept.Add(key, NO_NUMBER, NO_NUMBER);
 }
 
-void KeepRows(RowStream& file, bool areOnly, KeyedRows& kept, Rejects& rejects)
+void KeepRows(RowStream& file, bool areOnly, KeyedRows& kept, Rejects& rejects, Progress& progress)
 {
-    while (const ParsedRows* const block = file.Next())
+    while (const ParsedRows* const block = file.Next()) {
         for (std::size_t i = 0; i < block->rows.size(); ++i)
             KeepRow({file, *block, i}, areOnly, kept, rejects);
+        progress.Show("Read row", static_cast<long>(kept.RowCount()), 0);
+    }
+}
+
+/// The next file is read ahead while one comes to its end.
+void KeepFiles(std::deque<RowStream>& files, KeyedRows& kept, Rejects& rejects)
+{
+    Progress progress;
+    for (auto file = files.begin(); file != files.end(); ++file) {
+        file->Prefetch();
+        if (file + 1 != files.end())
+            (file + 1)->Prefetch();
+        kept.BeginFile();
+        KeepRows(*file, true, kept, rejects, progress);
+    }
+}
+
+void KeepOneFile(RowStream& file, KeyedRows& kept, Rejects& rejects)
+{
+    Progress progress;
+    KeepRows(file, false, kept, rejects, progress);
 }
 
 void PoolKept(KeyedRows& kept, SetSink& sets)
@@ -50,20 +72,14 @@ void PoolKept(KeyedRows& kept, SetSink& sets)
 void PoolRowsInAnyOrder(RowStream& file, bool hasAlleles, SetSink& sets, Rejects& rejects)
 {
     KeyedRows kept(hasAlleles);
-    KeepRows(file, false, kept, rejects);
+    KeepOneFile(file, kept, rejects);
     PoolKept(kept, sets);
 }
 
 void PoolFilesInAnyOrder(std::deque<RowStream>& files, bool hasAlleles, SetSink& sets, Rejects& rejects)
 {
     KeyedRows kept(hasAlleles);
-    for (auto file = files.begin(); file != files.end(); ++file) {
-        file->Prefetch();
-        if (file + 1 != files.end())
-            (file + 1)->Prefetch();
-        kept.BeginFile();
-        KeepRows(*file, true, kept, rejects);
-    }
+    KeepFiles(files, kept, rejects);
     PoolKept(kept, sets);
 }
 

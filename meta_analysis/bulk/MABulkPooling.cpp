@@ -3,12 +3,14 @@
 #include "meta_analysis/bulk/MABulkColumns.h"
 #include "meta_analysis/bulk/MABulkThreads.h"
 #include "meta_analysis/bulk/MAGatheredSet.h"
+#include "meta_analysis/bulk/lanes/MALanePooler.h"
 #include "meta_analysis/inference/MAQuantiles.h"
 #include "meta_analysis/pooling/MAPooling.h"
 #include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/Memory.h"
 
+#include <array>
 #include <atomic>
 #include <cmath>
 #include <exception>
@@ -47,7 +49,7 @@ struct BulkCall
     std::atomic<bool> hasMemory = true;
 };
 
-/// What one thread pools with.
+/// What one thread pools with: small sets side by side where the model allows, others alone.
 template <class Sets, class Choice>
 class SetPooler
 {
@@ -56,39 +58,88 @@ public:
         : call_(call),
           remembered_(std::min(call.largestCount + 1, mostRemembered)),
           quantiles_(call.choice.alpha, remembered_),
-          gathered_(call.largestCount)
-    {}
+          alone_(call.largestCount)
+    {
+        if (!MALanePooler::Takes(call.choice, call.wanted))
+            return;
+        const MALaneKernels& kernels = WidestLaneKernels();
+        lanes_.emplace(kernels);
+        inLanes_.assign(kernels.laneCount,
+                        MAGatheredSet(std::min(call.largestCount, MALanePooler::mostStudies)));
+    }
 
     void PoolAll()
     {
         std::size_t first = call_.next;
-        for (;;) {
-            if (first >= call_.sets.setCount)
-                return;
+        while (first < call_.sets.setCount) {
             const std::size_t end = EndOfChunk(call_.sets, first);
             if (!call_.next.compare_exchange_weak(first, end))
                 continue;
-            for (std::size_t set = first; set < end; ++set)
-                PoolSet(set);
+            PoolChunk(first, end);
             first = call_.next;
         }
     }
 
 private:
-    void PoolSet(std::size_t set)
+    void PoolChunk(std::size_t first, std::size_t end)
     {
-        Gather(call_.sets, set, gathered_);
-        PutCounts(call_.results, set, gathered_.Count(), gathered_.LeftOut());
-        if (gathered_.Count() == 0)
+        for (std::size_t set = first; set < end; ++set) {
+            if (AddToLanes(set))
+                continue;
+            Take(set, alone_);
+            PutAlone(set, alone_);
+        }
+        PoolLanes();
+    }
+
+    void Take(std::size_t set, MAGatheredSet& gathered)
+    {
+        Gather(call_.sets, set, gathered);
+        PutCounts(call_.results, set, gathered.Count(), gathered.LeftOut());
+    }
+
+    void PutAlone(std::size_t set, const MAGatheredSet& gathered)
+    {
+        if (gathered.Count() == 0)
             PutMissing(call_.results, set, MAStatusCode::NO_STUDY_IN_RUN);
         else
-            PutModel(call_.results, set, Pool(gathered_.Studies(), call_.choice, call_.wanted, quantiles_));
+            PutModel(call_.results, set, Pool(gathered.Studies(), call_.choice, call_.wanted, quantiles_));
+    }
+
+    bool AddToLanes(std::size_t set)
+    {
+        if (!lanes_.has_value() || StudyCount(call_.sets, set) > MALanePooler::mostStudies)
+            return false;
+        Take(set, inLanes_[filled_]);
+        setOfLane_[filled_++] = set;
+        if (filled_ == inLanes_.size())
+            PoolLanes();
+        return true;
+    }
+
+    void PoolLanes()
+    {
+        if (filled_ == 0)
+            return;
+        lanes_->Load({inLanes_.data(), filled_});
+        const MALanePooler::Models& models = lanes_->Pool(call_.choice, call_.wanted, quantiles_);
+        for (std::size_t lane = 0; lane < filled_; ++lane) {
+            if (models[lane].has_value())
+                PutModel(call_.results, setOfLane_[lane], *models[lane]);
+            else
+                PutAlone(setOfLane_[lane], inLanes_[lane]);
+        }
+        filled_ = 0;
     }
 
     BulkCall<Sets, Choice>& call_;
     std::vector<MAQuantiles::Remembered> remembered_;
     MAQuantiles quantiles_;
-    MAGatheredSet gathered_;
+    MAGatheredSet alone_;
+    std::optional<MALanePooler> lanes_;
+    std::vector<MAGatheredSet> inLanes_;
+    std::array<std::size_t, mostLanes> setOfLane_{};
+    std::size_t filled_ = 0;
 };
 
 /// A thread for which there is no memory leaves its part to the others.
@@ -111,8 +162,7 @@ KXStatus PoolAll(const Sets& sets, const Choice& choice, const MABulkResults& re
         } catch (const std::exception&) {
         }
     };
-    const std::size_t mostThreads = sets.setCount == 0 ? 1 : sets.setCount;
-    RunOnThreads(ThreadCountOf(threadCount, mostThreads), work);
+    RunOnThreads(ThreadCountOf(threadCount, ChunkCount(sets)), work);
     return call.hasMemory ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY);
 }
 

@@ -4,6 +4,7 @@
 #include "meta_analysis/bulk/MABulkWork.h"
 #include "meta_analysis/bulk/MAGatheredSet.h"
 #include "meta_analysis/bulk/MASetRegression.h"
+#include "meta_analysis/bulk/lanes/MALaneEvaluations.h"
 #include "meta_analysis/regression/design/MADesignRow.h"
 #include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -11,6 +12,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <deque>
 #include <numeric>
 #include <utility>
 #include <vector>
@@ -92,65 +94,104 @@ struct BulkCall
     MAWantedRegression wanted;
 };
 
-/// What one thread regresses with.
+/// The rows of one set.
+struct GatheredRows
+{
+    MADesignRows rows;
+    std::size_t leftOut = 0;
+};
+
+/// What one thread regresses with: as many sets at a time as are evaluated side by side.
 class SetWorker
 {
 public:
-    explicit SetWorker(const BulkCall& call)
-        : call_(call),
-          regression_(call.settings, call.model, call.wanted, call.design.Positions().size(),
-                      call.sets.studyCount)
-    {
-        rows_.columnCount = call.design.Positions().size();
-        rows_.cells.reserve(call.sets.studyCount * (rows_.columnCount + 1));
-        rows_.weights.reserve(call.sets.studyCount);
-        rows_.variances.reserve(call.sets.studyCount);
-    }
+    explicit SetWorker(const BulkCall& call);
 
-    void operator()(std::size_t set)
+    void operator()(std::size_t first, std::size_t end)
     {
-        Gather(set);
-        const MARegressionPlace place{call_.results, set, call_.sets.setCount, call_.design.Positions()};
-        if (rows_.Count() == 0) {
-            PutCounts(place, 0, leftOut_);
-            PutMissing(place, MAStatusCode::NO_USABLE_STUDY);
-            return;
-        }
-        const MASetRegression::Model& model = regression_.Regress(rows_);
-        PutCounts(place, rows_.Count(), leftOut_);
-        if (model.isFitted)
-            PutModel(place, regression_, model);
-        else
-            PutMissing(place, model.status);
+        for (std::size_t set = first; set < end; set += gathered_.size())
+            RegressGroup(set, std::min(gathered_.size(), end - set));
     }
 
 private:
-    void Gather(std::size_t set);
-    bool AddRow(std::size_t study, double effectSize, double variance);
+    void RegressGroup(std::size_t first, std::size_t count);
+    void Finish(std::size_t set, const GatheredRows& gathered, MASetRegression& regression);
+    void Gather(std::size_t set, GatheredRows& gathered) const;
+    bool AddRow(std::size_t study, double effectSize, double variance, MADesignRows& rows) const;
 
     const BulkCall& call_;
-    MASetRegression regression_;
-    MADesignRows rows_;
-    std::size_t leftOut_ = 0;
+    MALaneEvaluations evaluations_;
+    std::deque<MASetRegression> memory_; ///< they cannot be moved
+    std::vector<MASetRegression*> regressions_;
+    std::vector<MASetRegression*> begun_;
+    std::vector<GatheredRows> gathered_;
 };
 
-void SetWorker::Gather(std::size_t set)
+SetWorker::SetWorker(const BulkCall& call)
+    : call_(call), evaluations_(WidestLaneFitKernels()), gathered_(WidestLaneFitKernels().laneCount)
 {
-    rows_.cells.clear();
-    rows_.weights.clear();
-    rows_.variances.clear();
-    leftOut_ = 0;
+    const std::size_t p = call.design.Positions().size();
+    for (GatheredRows& gathered : gathered_) {
+        gathered.rows.columnCount = p;
+        gathered.rows.cells.reserve(call.sets.studyCount * (p + 1));
+        gathered.rows.weights.reserve(call.sets.studyCount);
+        gathered.rows.variances.reserve(call.sets.studyCount);
+        regressions_.push_back(
+            &memory_.emplace_back(call.settings, call.model, call.wanted, p, call.sets.studyCount));
+    }
+    begun_.reserve(regressions_.size());
+}
+
+void SetWorker::RegressGroup(std::size_t first, std::size_t count)
+{
+    begun_.clear();
+    for (std::size_t i = 0; i < count; ++i) {
+        Gather(first + i, gathered_[i]);
+        if (gathered_[i].rows.Count() == 0)
+            continue;
+        regressions_[i]->Begin(gathered_[i].rows);
+        if (regressions_[i]->HasBegun())
+            begun_.push_back(regressions_[i]);
+    }
+    if (!begun_.empty())
+        evaluations_.Evaluate(begun_);
+    for (std::size_t i = 0; i < count; ++i)
+        Finish(first + i, gathered_[i], *regressions_[i]);
+}
+
+void SetWorker::Finish(std::size_t set, const GatheredRows& gathered, MASetRegression& regression)
+{
+    const MARegressionPlace place{call_.results, set, call_.sets.setCount, call_.design.Positions()};
+    PutCounts(place, gathered.rows.Count(), gathered.leftOut);
+    if (gathered.rows.Count() == 0) {
+        PutMissing(place, MAStatusCode::NO_USABLE_STUDY);
+        return;
+    }
+    const MASetRegression::Model& model = regression.Finish();
+    if (model.isFitted)
+        PutModel(place, regression, model);
+    else
+        PutMissing(place, model.status);
+}
+
+void SetWorker::Gather(std::size_t set, GatheredRows& gathered) const
+{
+    MADesignRows& rows = gathered.rows;
+    rows.cells.clear();
+    rows.weights.clear();
+    rows.variances.clear();
+    gathered.leftOut = 0;
     for (std::size_t study = 0; study < call_.sets.studyCount; ++study) {
         const double effectSize = call_.sets.effectSizes.At(study, set);
         const double variance = call_.sets.variances.At(study, set);
         if (std::isnan(effectSize) || std::isnan(variance))
             continue;
-        leftOut_ += AddRow(study, effectSize, variance) ? 0 : 1;
+        gathered.leftOut += AddRow(study, effectSize, variance, rows) ? 0 : 1;
     }
 }
 
 /// By the rules of `MADesignMatrix`. False, and nothing added, for a study that a fit cannot use.
-bool SetWorker::AddRow(std::size_t study, double effectSize, double variance)
+bool SetWorker::AddRow(std::size_t study, double effectSize, double variance, MADesignRows& rows) const
 {
     MADesignRow values;
     values.dependent = effectSize;
@@ -158,10 +199,10 @@ bool SetWorker::AddRow(std::size_t study, double effectSize, double variance)
     if (!(variance > 0.0) || !values.HasStudy() || !call_.design.HasFiniteSquares(study, values.omegaWeight))
         return false;
     const double* const row = call_.design.Row(study);
-    rows_.cells.insert(rows_.cells.end(), row, row + rows_.columnCount);
-    rows_.cells.push_back(effectSize);
-    rows_.weights.push_back(values.omegaWeight);
-    rows_.variances.push_back(1.0 / values.omegaWeight);
+    rows.cells.insert(rows.cells.end(), row, row + rows.columnCount);
+    rows.cells.push_back(effectSize);
+    rows.weights.push_back(values.omegaWeight);
+    rows.variances.push_back(1.0 / values.omegaWeight);
     return true;
 }
 

@@ -73,16 +73,17 @@ struct MABulkRegressionResults
     double* i2 = nullptr;         ///< residual; a fraction
     double* rSquare = nullptr;    ///< part of tau² that the predictors explain; NaN for fixed effects
     double* dispersion = nullptr; ///< fixed effects; 1 without it
-    /// Test of all coefficients but the intercept: Wald's chi-square Q_M, or F under the adjustment after
-    /// Knapp and Hartung of random effects.
+    /// Test of all coefficients but the intercept, NaN without another: Wald's chi-square Q_M, or F under the
+    /// adjustment after Knapp and Hartung of random effects.
     double* modelStatistic = nullptr;
     int* modelDf1 = nullptr;
     int* modelDf2 = nullptr; ///< 0 for a chi-square
     double* modelPValue = nullptr;
     double* modelMinusLog10P = nullptr;
-    /// 0, or an error or warning of the set alone. Errors, after which all but the first three counts are NaN
-    /// or 0: NO_USABLE_STUDY, TOO_FEW_ROWS, ONE_USABLE_STUDY, TAU2_FAILED. Warnings: TAU2_DOUBTFUL,
-    /// AS_MANY_STUDIES_AS_PARAMETERS, DISPERSION_NEAR_ZERO, NO_RESIDUAL_DF; the first of several.
+    /// 0, or an error or warning of the set alone. Errors, after which counts beside `studyCount` and
+    /// `leftOut` are 0 and numbers NaN: NO_USABLE_STUDY; TOO_FEW_ROWS no more studies than coefficients, for
+    /// HE, SJ and the iterative estimators; ONE_USABLE_STUDY for SJ. Warnings, of which the first counts:
+    /// TAU2_DOUBTFUL, AS_MANY_STUDIES_AS_PARAMETERS, DISPERSION_NEAR_ZERO, NO_RESIDUAL_DF.
     int* status = nullptr;
 };
 
@@ -91,9 +92,11 @@ struct MABulkRegressionResults
 /// redundant there alone: a column is, when those before it (the intercept first) determine it. Sets do not
 /// depend on each other, and results not on `threadCount`; 0 is a thread for each processor.
 ///
-/// Errors of the whole call: INPUT_NOT_GIVEN for values that are a null pointer though there are studies, an
-/// estimator outside the enumeration, a step-halving limit below 1 and a tolerance of steps that is not
-/// positive; OUT_OF_MEMORY. Memory is taken once a call, none a set.
+/// Errors of the whole call: INPUT_NOT_GIVEN for values that are a null pointer though there are studies;
+/// BULK_ALPHA_OUTSIDE; BULK_CHOICE_UNKNOWN for a choice outside its enumeration, a step-halving limit below
+/// 1, a tolerance of steps that is not positive and finite, and one of redundancy outside 0 ... 1;
+/// OUT_OF_MEMORY. Each thread takes its memory once; a set takes some more where a column is redundant,
+/// variances span many powers of ten, or a study decides alone.
 META_ANALYSIS_EXPORT KXStatus RegressSets(const MABlockSets& sets, const MABulkDesign& design,
                                           const MABulkRegression& model,
                                           const MABulkRegressionResults& results,

@@ -52,16 +52,21 @@ void PutTest(const MABulkRegressionResults& results, std::size_t position, doubl
     Put(results.ciUppers, position, OrNaN(test.upperLimit));
 }
 
-/// Redundant coefficients keep these.
-void PutNoTests(const MARegressionPlace& place)
+void PutNoCovariance(const MARegressionPlace& place)
 {
     const std::size_t p = place.positions.size();
-    for (std::size_t j = 0; j < p; ++j)
-        PutTest(place.results, place.CoefficientAt(j), KXMV::Missing(), {}, {});
     for (std::size_t i = 0; i < p && place.results.covariance != nullptr; ++i) {
         for (std::size_t j = 0; j < p; ++j)
             place.results.covariance[place.CovarianceAt(i, j)] = OrNaN(KXMV::Missing());
     }
+}
+
+/// Redundant coefficients keep these.
+void PutNoTests(const MARegressionPlace& place)
+{
+    for (std::size_t j = 0; j < place.positions.size(); ++j)
+        PutTest(place.results, place.CoefficientAt(j), KXMV::Missing(), {}, {});
+    PutNoCovariance(place);
 }
 
 void PutCovariance(const MARegressionPlace& place, const MASetRegression& regression, double scale)
@@ -119,7 +124,7 @@ void PutModel(const MARegressionPlace& place, const MASetRegression& regression,
     if (place.results.covariance == nullptr)
         return;
     if (KXMV::IsMissing(model.scale))
-        PutNoTests(place);
+        PutNoCovariance(place);
     else
         PutCovariance(place, regression, model.scale);
 }

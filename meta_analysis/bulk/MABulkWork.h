@@ -12,10 +12,10 @@
 
 namespace MA_NAMESPACE {
 
-/// Does `worker(set)` for the sets 0 ... `setCount` - 1, on up to `threadCount` threads, each with a worker
-/// that `Worker(call)` makes: its memory. Threads take chunks of `chunk` sets. A thread for which there is no
-/// memory leaves its part to the others. Error OUT_OF_MEMORY when a worker throws; throws std::bad_alloc when
-/// there is no worker at all.
+/// Does `worker(first, end)` for stretches of the sets 0 ... `setCount` - 1, on up to `threadCount` threads,
+/// each with a worker that `Worker(call)` makes: its memory. Threads take chunks of `chunk` sets. A thread
+/// for which there is no memory leaves its part to the others. Error OUT_OF_MEMORY when a worker throws;
+/// throws std::bad_alloc when there is no worker at all.
 template <class Worker, class Call>
 KXStatus WorkOnSets(const Call& call, std::size_t setCount, std::size_t chunk, int threadCount)
 {
@@ -24,10 +24,8 @@ KXStatus WorkOnSets(const Call& call, std::size_t setCount, std::size_t chunk, i
     std::atomic<bool> isOwnTaken = false;
     Worker own(call);
     const auto workBy = [&](Worker& worker) {
-        for (std::size_t first = next.fetch_add(chunk); first < setCount; first = next.fetch_add(chunk)) {
-            for (std::size_t set = first; set < std::min(first + chunk, setCount); ++set)
-                worker(set);
-        }
+        for (std::size_t first = next.fetch_add(chunk); first < setCount; first = next.fetch_add(chunk))
+            worker(first, std::min(first + chunk, setCount));
     };
     const auto work = [&]() noexcept {
         std::optional<Worker> other;

@@ -104,10 +104,22 @@ inline std::size_t EndOfChunk(const MARaggedSets& sets, std::size_t first)
                                     sets.offsets);
 }
 
+/// About as many threads have something to do.
+inline std::size_t ChunkCount(const MARaggedSets& sets)
+{
+    const std::size_t studies = sets.setCount == 0 ? 0 : sets.offsets[sets.setCount] - sets.offsets[0];
+    return std::max(studies / chunkStudies, sets.setCount / chunkSets) + 1;
+}
+
 inline std::size_t EndOfChunk(const MABlockSets& sets, std::size_t first)
 {
     const std::size_t count = chunkStudies / std::max<std::size_t>(sets.studyCount, 1);
     return std::min(first + std::clamp<std::size_t>(count, 1, chunkSets), sets.setCount);
+}
+
+inline std::size_t ChunkCount(const MABlockSets& sets)
+{
+    return sets.setCount / std::max<std::size_t>(EndOfChunk(sets, 0), 1) + 1;
 }
 
 } // namespace MA_NAMESPACE

@@ -57,10 +57,40 @@ void MASetRegression::Warn(int code)
         model_.status = code;
 }
 
-const MASetRegression::Model& MASetRegression::Regress(const MADesignRows& rows)
+bool MASetRegression::IsSearched() const
+{
+    return choice_.isRandom && IsIterative(choice_.tau2.estimator) &&
+           choice_.tau2.search == MAConst::TAU2_SEARCH_GLOBAL;
+}
+
+bool MASetRegression::KeepsCurve() const
+{
+    return choice_.tau2Interval != MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD &&
+           (IsSearched() || !IsIterative(choice_.tau2.estimator));
+}
+
+bool MASetRegression::TakesProfileOfQ() const
+{
+    return KeepsCurve() && wanted_.tau2Interval && choice_.tau2Interval == MAConst::TAU2_INTERVAL_Q_PROFILE;
+}
+
+bool MASetRegression::TakesSumsAtZero() const
+{
+    return KeepsCurve() && (wanted_.heterogeneity || TakesProfileOfQ());
+}
+
+void MASetRegression::Begin(const MADesignRows& rows)
 {
     model_ = Model();
     design_.SetRows(rows);
+    if (IsSearched())
+        start_ = tau2_.StartOfSearch();
+    else if (choice_.isRandom)
+        tau2_.Curve().Restart(LikelihoodOf(choice_.tau2.estimator));
+}
+
+const MASetRegression::Model& MASetRegression::Finish()
+{
     if (choice_.isRandom)
         RegressRandomEffects();
     else
@@ -68,9 +98,16 @@ const MASetRegression::Model& MASetRegression::Regress(const MADesignRows& rows)
     return model_;
 }
 
+MATau2Estimate MASetRegression::EstimateTau2()
+{
+    if (!IsSearched())
+        return tau2_.Estimate();
+    return start_.status.IsError() ? start_ : tau2_.Search(start_.tau2);
+}
+
 void MASetRegression::RegressRandomEffects()
 {
-    const MATau2Estimate estimate = tau2_.Estimate();
+    const MATau2Estimate estimate = EstimateTau2();
     if (estimate.status.IsError()) {
         model_.status = estimate.status.GetCode();
         return;
@@ -135,13 +172,14 @@ void MASetRegression::TestModel()
         model_.modelTest = model_.isAdjusted ? FTest(fit_, model_.scale) : WaldTest(fit_, model_.dispersion);
 }
 
-/// The curve of a search that ended with a proof has what the search evaluated last. It serves again, but not
-/// for the profile likelihood, which would take up evaluations that differ in their rounding.
+/// A curve that is fresh, or of a search that ended with a proof, serves again, with what it has evaluated;
+/// but not for the profile likelihood, which would take up evaluations that differ in their rounding.
 void MASetRegression::DescribeHeterogeneity(MAConst::TAU2CONVERGENCE convergence)
 {
     const bool isProfile = choice_.tau2Interval == MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD;
     MARegressionCurve& curve = tau2_.Curve();
-    if (isProfile || convergence != MAConst::TAU2_GLOBAL_OPTIMUM)
+    const bool isProved = !IsIterative(choice_.tau2.estimator) || convergence == MAConst::TAU2_GLOBAL_OPTIMUM;
+    if (!KeepsCurve() || !isProved)
         curve.Restart(LikelihoodOf(choice_.tau2.estimator));
     const double meanVariance = design_.MeanVariance();
     if (wanted_.status && IsTau2Doubtful(curve, choice_.tau2.estimator, model_.tau2, convergence,

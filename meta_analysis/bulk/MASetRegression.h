@@ -54,8 +54,21 @@ public:
         double rSquare = KXMV::Missing();
     };
 
-    /// Of at least one row.
-    const Model& Regress(const MADesignRows& rows);
+    /// Begins with at least one row, up to where the curve is evaluated for the first time.
+    void Begin(const MADesignRows& rows);
+    const Model& Finish();
+
+    /// After `Begin`, of random effects: the curve that `Finish` evaluates, where its search starts, in its
+    /// units, and which evaluations it takes.
+    MARegressionCurve& Curve() { return tau2_.Curve(); }
+    MAConst::TAU2ESTIMATOR Estimator() const { return choice_.tau2.estimator; }
+    /// Whether there is a curve to be evaluated; not after an error of the start.
+    bool HasBegun() const { return choice_.isRandom && !(IsSearched() && start_.status.IsError()); }
+    bool IsSearched() const;
+    double StartOfSearch() { return start_.tau2 / tau2_.Curve().Unit(); }
+    bool TakesProfileOfQ() const;
+    bool TakesSumsAtZero() const;
+    MAQuantiles& Quantiles() { return quantiles_; }
 
     const MARegFit& Fit() const { return fit_; }
     /// By the positions of `MARegFit::EstimatedColumns`; of the tests only as far as they are wanted.
@@ -65,10 +78,12 @@ public:
     double UnscaledCovariance(std::size_t first, std::size_t second) const;
 
 private:
+    MATau2Estimate EstimateTau2();
     void RegressRandomEffects();
     void RegressFixedEffects();
     void TestCoefficients(bool useStudentT);
     void TestModel();
+    bool KeepsCurve() const; ///< for what follows the estimate of tau²
     void DescribeHeterogeneity(MAConst::TAU2CONVERGENCE convergence);
     void Warn(int code);
 
@@ -78,6 +93,7 @@ private:
     MAQuantiles quantiles_;
     MADesignMatrix design_;
     MAResidualTau2 tau2_;
+    MATau2Estimate start_; ///< of the search, or why there is none
     MARegFit fit_;
     Model model_;
     std::vector<MACoefficientTest> tests_;

@@ -158,8 +158,9 @@ typedef struct ma_pool_options
 } ma_pool_options;
 
 /* Columns of results, an entry a set. NULL is a column that is not wanted; what only unwanted columns need is
- * not computed. What a model does not define is NaN: tau² and its limits, the prediction interval under the
- * fixed model; limits that need more studies. Without pooled studies everything but the counts is. */
+ * not computed. What a model does not define is NaN: of the fixed model tau², its limits and the prediction
+ * interval; of few studies limits that need more. Without pooled studies, and with MA_STATUS_TAU2_FAILED, all
+ * numbers but the counts are NaN. */
 typedef struct ma_pool_results
 {
     size_t size;       /* sizeof(ma_pool_results) */

@@ -34,16 +34,4 @@ inline MAEstimate InferNormal(double estimate, double variance, double nullValue
     return result;
 }
 
-/// Two-sided t test of an estimate against 0, and its confidence interval of confidence 1 - alpha; both
-/// missing unless df > 0.
-inline MAEstimate InferT(double estimate, double variance, double df, double alpha) noexcept
-{
-    MAEstimate result = EstimateWithStatistic(estimate, variance, 0.0);
-    if (df > 0.0) {
-        result.pValue = TwoSidedTPValue(result.statistic, df);
-        SetInterval(result, TwoSidedTQuantile(alpha, df));
-    }
-    return result;
-}
-
 } // namespace MA_NAMESPACE

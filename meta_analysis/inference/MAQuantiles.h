@@ -12,9 +12,9 @@ namespace MA_NAMESPACE {
 
 /// The quantiles of one error probability alpha, which depend on nothing else but degrees of freedom.
 ///
-/// They cost more than the rest of a small analysis. Many analyses share an object with memory, which computes
-/// those of df = 0, 1, ... up to its length once; without memory, and beyond it, each is computed when it is
-/// asked for. The values are the same. Not for several threads at once.
+/// They cost more than the rest of a small analysis. Many analyses share an object with memory, which
+/// computes those of df = 0, 1, ... up to its length once; without memory, and beyond it, each is computed
+/// when it is asked for. The values are the same. Not for several threads at once.
 class MAQuantiles
 {
 public:

@@ -141,8 +141,8 @@ MATau2Results ResultsOf(Groups groups, const MARandomEffectsChoice& choice, cons
         return results;
     MAGroupedCurve curve(groups, choice.estimator);
     MAQuantiles quantiles(choice.alpha);
-    InferTau2(curve, estimate.tau2,
-              {choice.estimator, choice.tau2Interval, static_cast<int>(groups.size())}, quantiles, results);
+    InferTau2(curve, estimate.tau2, {choice.estimator, choice.tau2Interval, static_cast<int>(groups.size())},
+              quantiles, results);
     results.isDoubtful =
         choice.checksTau2 && IsTau2Doubtful(curve, choice.estimator, estimate.tau2, estimate.convergence,
                                             [&] { return ResidualDf(groups) / PairSums(groups); });

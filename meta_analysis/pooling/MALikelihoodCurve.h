@@ -32,20 +32,24 @@ inline MALikelihoodType LikelihoodOf(MAConst::TAU2ESTIMATOR estimator)
 ///
 /// With W = diag(1 / (v + t)) and P = W - WX(X'WX)⁻X'W, twice the slope of the profile log-likelihood is
 /// A - B. Both sides are positive, decreasing and convex.
-struct MALikelihoodTerms
+template <class Number>
+struct MALikelihoodTermsOf
 {
-    double fit;        ///< A = y'PPy
-    double fitSlope;   ///< A' = -2 y'PPPy
-    double trace;      ///< B = tr P (REML) or tr W (ML)
-    double traceSlope; ///< B' = -tr PP or -tr WW
+    Number fit;        ///< A = y'PPy
+    Number fitSlope;   ///< A' = -2 y'PPPy
+    Number trace;      ///< B = tr P (REML) or tr W (ML)
+    Number traceSlope; ///< B' = -tr PP or -tr WW
 };
+using MALikelihoodTerms = MALikelihoodTermsOf<double>;
 
 /// The generalized Q statistic Q(t) = y'Py, which falls with t, and its slope -y'PPy.
-struct MAGeneralizedQ
+template <class Number>
+struct MAGeneralizedQOf
 {
-    double value;
-    double slope;
+    Number value;
+    Number slope;
 };
+using MAGeneralizedQ = MAGeneralizedQOf<double>;
 
 /// What bounds the two sides wherever they are not evaluated.
 struct MACurveBounds

@@ -25,10 +25,14 @@ public:
     /// Hedges' moment estimate in the curve's units, not truncated: where a search looks first.
     double MomentEstimate() const { return momentEstimate_; }
 
-private:
-    struct SlopeSums;
-    struct QSums;
+    /// The study of the smallest variance; the effect of a study, counted from it in the curve's units.
+    std::size_t Reference() const { return reference_; }
+    double EffectFromReference(std::size_t i) const
+    {
+        return (effects_[i] - referenceEffect_) * effectScale_;
+    }
 
+private:
     void FindReference();
     void MeasureSpread();
     template <class Sums>

@@ -145,8 +145,8 @@ void SetFixedEffectResults(const MAEffects& studies, const MAWantedResults& want
         return;
     const MAWeightedMean fixed = WeightedMean(studies, 0.0);
     if (wanted.homogeneity)
-        model.homogeneity =
-            TestHomogeneity(ResidualSum(studies, fixed.Mean(), 0.0), studies.Count(), wanted.homogeneityPValue);
+        model.homogeneity = TestHomogeneity(ResidualSum(studies, fixed.Mean(), 0.0), studies.Count(),
+                                            wanted.homogeneityPValue);
     if (wanted.heterogeneity)
         SetHeterogeneity(PairSum(studies, fixed.weightSum), studies.Count(), model);
 }
@@ -194,17 +194,24 @@ MAPooledModel PoolFixedEffect(const MAEffects& studies, const MAFixedEffectChoic
 {
     if (!studies.HaveEqualLengths())
         return Failed(KXStatus(MAStatusCode::LENGTH_MISMATCH));
+    const MAWeightedMean fixed = WeightedMean(studies, 0.0);
+    MAFixedEffectSums sums{studies.Count(), fixed.Mean(), fixed.weightSum, 0.0};
+    if (wanted.homogeneity || wanted.heterogeneity)
+        sums.q = CochranQ(studies, sums.mean);
+    return FixedEffectModel(sums, choice, wanted, quantiles);
+}
+
+MAPooledModel FixedEffectModel(const MAFixedEffectSums& sums, const MAFixedEffectChoice& choice,
+                               const MAWantedResults& wanted, MAQuantiles& quantiles)
+{
     MAPooledModel model;
-    const MAWeightedMean sums = WeightedMean(studies, 0.0);
-    model.effect = InferMean(sums.Mean(), sums.Variance(), choice.nullHypothesis, {{}, wanted, quantiles});
-    const std::size_t k = studies.Count();
+    const auto [k, mean, weightSum, q] = sums;
+    model.effect = InferMean(mean, 1.0 / weightSum, choice.nullHypothesis, {{}, wanted, quantiles});
     if (k < 2)
         return model;
     model.homogeneity.df = static_cast<int>(k) - 1;
-    if (!wanted.homogeneity && !wanted.heterogeneity)
-        return model;
-    const double q = CochranQ(studies, model.effect.estimate);
-    model.homogeneity = TestHomogeneity(q, k, wanted.homogeneityPValue);
+    if (wanted.homogeneity)
+        model.homogeneity = TestHomogeneity(q, k, wanted.homogeneityPValue);
     if (wanted.heterogeneity)
         model.heterogeneity = wanted.heterogeneityBounds
                                   ? MeasureHeterogeneity(q, k, quantiles.Normal())
@@ -284,8 +291,7 @@ MAPooledModel RandomEffectsModel(const MARandomEffectsSums& sums, const MARandom
     const double tau2 = sums.tau2.tau2;
     const MAMeanTest test = MeanTest(static_cast<double>(sums.count) - 1.0, choice.knappHartung, tau2,
                                      [&] { return sums.residualSum; });
-    MAPooledModel model =
-        ModelOfMean(sums.mean, sums.weightSum, tau2, choice, {test, wanted, quantiles});
+    MAPooledModel model = ModelOfMean(sums.mean, sums.weightSum, tau2, choice, {test, wanted, quantiles});
     model.tau2Results.convergence = sums.tau2.convergence;
     model.tau2Results.evaluations = sums.tau2.evaluations;
     model.homogeneity.df = static_cast<int>(sums.count) - 1;

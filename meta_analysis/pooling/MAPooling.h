@@ -43,6 +43,17 @@ MAPooledModel PoolAtTau2(const MAEffects& studies, const MARandomEffectsChoice& 
 /// typical within-study variance.
 void BoundHeterogeneity(MAPooledModel& model);
 
+/// Sums over studies, of which their fixed-effect model is made.
+struct MAFixedEffectSums
+{
+    std::size_t count;
+    double mean;
+    double weightSum;
+    double q; ///< Cochran's, where a wanted result takes it
+};
+MAPooledModel FixedEffectModel(const MAFixedEffectSums& sums, const MAFixedEffectChoice& choice,
+                               const MAWantedResults& wanted, MAQuantiles& quantiles);
+
 /// Sums over two studies or more, of which their random-effects model is made.
 struct MARandomEffectsSums
 {

@@ -60,10 +60,19 @@ MAProjectionSums MARegressionCurve::SumsAt(double t, bool withTraces, bool withC
         if (known.t == t && known.withTraces >= withTraces && known.withCubic >= withCubic)
             return known.sums;
     }
-    last_ = {t, withTraces, withCubic, Evaluate(t, withTraces, withCubic)};
+    last_ = EvaluationAt(t, withTraces, withCubic);
     if (t == 0.0)
         atZero_ = last_;
     return last_.sums;
+}
+
+MARegressionCurve::Evaluation MARegressionCurve::EvaluationAt(double t, bool withTraces, bool withCubic)
+{
+    for (const Evaluation& known : known_) {
+        if (known.t == t && known.withTraces == withTraces && known.withCubic == withCubic)
+            return known;
+    }
+    return {t, withTraces, withCubic, true, Evaluate(t, withTraces, withCubic)};
 }
 
 MAProjectionSums MARegressionCurve::Evaluate(double t, bool withTraces, bool withCubic)
@@ -122,7 +131,12 @@ void MARegressionCurve::LeaveOut(MAProjectionSums& sums, bool withTraces) const
 MALikelihoodTerms MARegressionCurve::At(double t)
 {
     const bool isRestricted = type_ == MALikelihoodType::Restricted;
-    const MAProjectionSums sums = SumsAt(t, isRestricted, true);
+    return TermsOf(SumsAt(t, isRestricted, true), type_);
+}
+
+MALikelihoodTerms TermsOf(const MAProjectionSums& sums, MALikelihoodType type)
+{
+    const bool isRestricted = type == MALikelihoodType::Restricted;
     return {sums.yPPy, -2.0 * sums.yPPPy, isRestricted ? sums.traceP : sums.weights,
             isRestricted ? -sums.tracePP : -sums.squaredWeights};
 }
@@ -138,7 +152,9 @@ MAGeneralizedQ MARegressionCurve::QAt(double t)
 double MARegressionCurve::LogLikelihood(double t)
 {
     if (last_.t != t)
-        last_ = {t, false, false, Evaluate(t, false, false)};
+        last_ = {t, false, false, true, Evaluate(t, false, false)};
+    if (!last_.isFitted)
+        last_ = {t, last_.withTraces, last_.withCubic, true, Evaluate(t, last_.withTraces, last_.withCubic)};
     const double q = last_.sums.yPy;
     double twice = LogDeterminant() + bounds_.traceSize * (logTwoPi + std::log(unit_)) + q;
     if (type_ == MALikelihoodType::Restricted)

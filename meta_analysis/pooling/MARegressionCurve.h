@@ -9,6 +9,10 @@
 
 namespace MA_NAMESPACE {
 
+/// The two sides of the likelihood equation, from sums with y'PPPy, and with the traces where it is
+/// restricted.
+MALikelihoodTerms TermsOf(const MAProjectionSums& sums, MALikelihoodType type);
+
 /// The likelihood of the residual between-study variance of a meta-regression.
 ///
 /// Each evaluation fits the orthonormal columns anew, with weights 1 / (v + t), in two passes over the rows.
@@ -34,6 +38,13 @@ public:
     /// Sums at t, in the curve's units; y'PPPy and, at O(p²) a row, the traces only where asked for. Those of
     /// the last t and of t = 0 are kept, at which several results are often asked for.
     MAProjectionSums SumsAt(double t, bool withTraces, bool withCubic = false);
+    /// Keeps the sums that someone else has computed with these arguments, to the bit, until `Restart`.
+    void Know(double t, bool withTraces, bool withCubic, const MAProjectionSums& sums)
+    {
+        known_.push_back({t, withTraces, withCubic, false, sums});
+    }
+    const std::vector<double>& Variances() const { return *variances_; }
+    const MAOrthonormalColumns& Columns() const { return *columns_; }
 
 private:
     struct Evaluation
@@ -41,12 +52,18 @@ private:
         double t = std::numeric_limits<double>::quiet_NaN();
         bool withTraces = false;
         bool withCubic = false;
+        bool isFitted = false; ///< by this object's fit, when it is the last
         MAProjectionSums sums;
     };
 
+    Evaluation EvaluationAt(double t, bool withTraces, bool withCubic);
     MAProjectionSums Evaluate(double t, bool withTraces, bool withCubic);
     void Weigh(double t);
-    void Forget() { last_ = atZero_ = Evaluation(); }
+    void Forget()
+    {
+        last_ = atZero_ = Evaluation();
+        known_.clear();
+    }
     void MeasureBounds();
     void LeaveOut(MAProjectionSums& sums, bool withTraces) const;
     double LogDeterminant() const;
@@ -58,6 +75,7 @@ private:
     std::vector<double> weights_;
     Evaluation last_;
     Evaluation atZero_;
+    std::vector<Evaluation> known_;
     std::vector<std::size_t> leftOut_;
 };
 

@@ -110,20 +110,22 @@ MATau2Estimate Score(const MATau2Fit& fit, const MATau2Choice& choice, double st
     });
 }
 
-/// The host may cancel before it.
-MATau2Estimate Search(const MATau2Fit& fit, const MATau2Choice& choice, double start,
-                      MARegressionCurve& curve)
+} // namespace
+
+MATau2Estimate SearchTau2(const MATau2Fit& fit, const MATau2Choice& choice, double start,
+                          MARegressionCurve& curve)
 {
     const MARegSettings& settings = fit.design.GetSettings();
     if (!MAProgress(settings, settings.GetIterProgressListener()).Step())
         return FailedTau2(KXStatus(MAStatusCode::ITERATOR_FAILED));
-    curve.Restart(LikelihoodOf(choice.estimator));
     MATau2Estimate estimate =
         EstimateOf(SolveTau2(curve, choice.estimator, start / curve.Unit()), curve.Unit());
     if (estimate.convergence == MAConst::TAU2_STEP_NOT_FINITE)
         estimate.tau2 = start;
     return estimate;
 }
+
+namespace {
 
 MATau2Estimate IterateOnItsCurve(const MATau2Fit& fit, const MATau2Choice& choice)
 {
@@ -139,8 +141,10 @@ MATau2Estimate IterateTau2(const MATau2Fit& fit, const MATau2Choice& choice, MAR
     const MATau2Estimate start = Hedges(fit);
     if (start.status.IsError())
         return start;
-    return choice.search == MAConst::TAU2_SEARCH_GLOBAL ? Search(fit, choice, start.tau2, curve)
-                                                        : Score(fit, choice, start.tau2, curve);
+    if (choice.search != MAConst::TAU2_SEARCH_GLOBAL)
+        return Score(fit, choice, start.tau2, curve);
+    curve.Restart(LikelihoodOf(choice.estimator));
+    return SearchTau2(fit, choice, start.tau2, curve);
 }
 
 MATau2Estimate EstimateTau2(const MATau2Fit& fit, const MATau2Choice& choice)

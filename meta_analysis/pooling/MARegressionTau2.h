@@ -29,5 +29,9 @@ MATau2Estimate EstimateTau2(const MATau2Fit& fit, const MATau2Choice& choice);
 /// The same by an iterative estimator, which starts from the Hedges estimate, on a curve of the design. It
 /// begins afresh; after a search it has the estimator's likelihood.
 MATau2Estimate IterateTau2(const MATau2Fit& fit, const MATau2Choice& choice, MARegressionCurve& curve);
+/// The global search of it from a start, on a curve with the estimator's likelihood. The host may cancel
+/// before it.
+MATau2Estimate SearchTau2(const MATau2Fit& fit, const MATau2Choice& choice, double start,
+                          MARegressionCurve& curve);
 
 } // namespace MA_NAMESPACE

@@ -4,6 +4,7 @@
 
 #include "meta_analysis/inference/MAWeightedMean.h"
 #include "meta_analysis/platform/common/Square.h"
+#include "meta_analysis/pooling/MAMomentTau2.h"
 #include "meta_analysis/pooling/MAPooledCurve.h"
 #include "meta_analysis/pooling/MATau2Outcome.h"
 #include "meta_analysis/pooling/MATau2Search.h"
@@ -51,24 +52,6 @@ double HedgesTau2(const MAEffects& studies)
         varianceSum += studies.variances[i];
     }
     return TruncateAtZero(residualSum / (k - 1.0) - varianceSum / k);
-}
-
-/// (Q - k) / sum(1 / v) with the fixed-effect Q (Hunter and Schmidt 1990, Methods of Meta-Analysis).
-double HunterSchmidtTau2(const MAEffects& studies)
-{
-    const MAWeightedMean fixed = WeightedMean(studies, 0.0);
-    const double q = ResidualSum(studies, fixed.Mean(), 0.0);
-    return (q - static_cast<double>(studies.Count())) / fixed.weightSum;
-}
-
-/// (Q - (k - 1)) / c with c = sum(w) - sum(w²) / sum(w), w = 1 / v, and 0 when c is 0.
-/// DerSimonian and Laird (1986), Controlled Clinical Trials 7, 177-188.
-double DerSimonianLairdTau2(const MAEffects& studies)
-{
-    const MAWeightedMean fixed = WeightedMean(studies, 0.0);
-    const double q = CochranQ(studies, fixed.Mean());
-    const double c = PairSum(studies, fixed.weightSum);
-    return c == 0.0 ? 0.0 : (q - (static_cast<double>(studies.Count()) - 1.0)) / c;
 }
 
 /// One step from the crude variance of the effects (Sidik and Jonkman 2005, Applied Statistics 54, 367-384).
@@ -145,9 +128,9 @@ MATau2Estimate EstimateTau2(const MAEffects& studies, const MATau2Choice& choice
     case MAConst::TAU2_HE:
         return ClosedFormTau2(HedgesTau2(studies));
     case MAConst::TAU2_HS:
-        return ClosedFormTau2(HunterSchmidtTau2(studies));
+        return ClosedFormTau2(HunterSchmidtTau2(studies, static_cast<double>(studies.Count())));
     case MAConst::TAU2_DL:
-        return ClosedFormTau2(DerSimonianLairdTau2(studies));
+        return ClosedFormTau2(DerSimonianLairdTau2(studies, static_cast<double>(studies.Count())));
     case MAConst::TAU2_SJ:
         return ClosedFormTau2(SidikJonkmanTau2(studies));
     case MAConst::TAU2_ML:

@@ -17,16 +17,16 @@ namespace {
 constexpr double infinity = std::numeric_limits<double>::infinity();
 constexpr MATau2Bounds noBounds{KXMV::Missing(), KXMV::Missing()};
 
-bool HasInterval(const MALikelihoodCurve& curve)
+bool HasInterval(const MACurveBounds& bounds)
 {
-    return AreUsable(curve.Bounds()) && curve.Bounds().residualDf >= 1.0;
+    return AreUsable(bounds) && bounds.residualDf >= 1.0;
 }
 
-MATau2Bounds InUnitOfData(const MALikelihoodCurve& curve, double lower, double upper)
+MATau2Bounds InUnitOfData(double unit, double lower, double upper)
 {
     if (std::isnan(lower) || std::isnan(upper))
         return noBounds;
-    return {lower * curve.Unit(), upper * curve.Unit()};
+    return {lower * unit, upper * unit};
 }
 
 /// The log-likelihood at a t.
@@ -43,8 +43,8 @@ std::vector<Landmark> FindLandmarks(MALikelihoodCurve& curve, double guess)
     std::vector<Landmark> landmarks{{0.0, curve.LogLikelihood(0.0)}};
     if (!CanRise(curve.Bounds()))
         return landmarks;
-    MAStationaryPoints points(curve, guess);
-    while (const std::optional<MAStationaryPoint> point = points.Next())
+    MAStationaryPoints points(curve.Bounds(), guess);
+    while (const std::optional<MAStationaryPoint> point = points.Next(curve))
         landmarks.push_back({point->t, curve.LogLikelihood(point->t)});
     if (!points.IsSound())
         landmarks.clear();
@@ -146,20 +146,56 @@ double LevelCrossing::Find()
 
 } // namespace
 
+MAQProfileSearch::MAQProfileSearch(const MACurveBounds& bounds, MAQuantiles& quantiles)
+    : bounds_(bounds), hasInterval_(HasInterval(bounds))
+{
+    if (!hasInterval_)
+        return;
+    upperTarget_ = quantiles.ChiLower(bounds.residualDf);
+    search_.emplace(bounds, quantiles.ChiUpper(bounds.residualDf), 0.0);
+    if (!search_->IsWaiting())
+        SearchUpper();
+}
+
+void MAQProfileSearch::SearchUpper()
+{
+    lower_ = search_->Solution().t;
+    isUpper_ = true;
+    search_.emplace(bounds_, upperTarget_, lower_);
+}
+
+/// The search of the upper bound starts where that of the lower one has ended, with the same Q.
+void MAQProfileSearch::Take(const MAGeneralizedQ& q)
+{
+    const double t = search_->Wanted();
+    search_->Take(q);
+    if (isUpper_ || search_->IsWaiting())
+        return;
+    SearchUpper();
+    if (search_->IsWaiting() && search_->Wanted() == t)
+        search_->Take(q);
+}
+
+/// At confidence levels near 0 both bounds are one root, and rounding may exchange them.
+MATau2Bounds MAQProfileSearch::Found(double unit) const
+{
+    if (!hasInterval_)
+        return noBounds;
+    const double upper = search_->Solution().t;
+    return InUnitOfData(unit, lower_, upper < lower_ ? lower_ : upper);
+}
+
 MATau2Bounds QProfileInterval(MALikelihoodCurve& curve, MAQuantiles& quantiles)
 {
-    if (!HasInterval(curve))
-        return noBounds;
-    const double df = curve.Bounds().residualDf;
-    const double lower = FindQRoot(curve, quantiles.ChiUpper(df), 0.0).t;
-    const double upper = FindQRoot(curve, quantiles.ChiLower(df), lower).t;
-    // At confidence levels near 0 both are one root, and rounding may exchange them.
-    return InUnitOfData(curve, lower, upper < lower ? lower : upper);
+    MAQProfileSearch search(curve.Bounds(), quantiles);
+    while (search.IsWaiting())
+        search.Take(curve.QAt(search.Wanted()));
+    return search.Found(curve.Unit());
 }
 
 MATau2Bounds ProfileLikelihoodInterval(MALikelihoodCurve& curve, double guess, double alpha)
 {
-    if (!HasInterval(curve))
+    if (!HasInterval(curve.Bounds()))
         return noBounds;
     const std::vector<Landmark> landmarks = FindLandmarks(curve, guess);
     const double level = GreatestLikelihood(landmarks) - 0.5 * KXDistFun::IdfChiUpper(alpha, 1.0);
@@ -170,7 +206,8 @@ MATau2Bounds ProfileLikelihoodInterval(MALikelihoodCurve& curve, double guess, d
         return noBounds;
     const bool isAtZero = first == landmarks.begin();
     const double beyond = last == landmarks.rbegin() ? infinity : (last - 1)->t;
-    return InUnitOfData(curve, isAtZero ? 0.0 : LevelCrossing(curve, level, first->t, (first - 1)->t).Find(),
+    return InUnitOfData(curve.Unit(),
+                        isAtZero ? 0.0 : LevelCrossing(curve, level, first->t, (first - 1)->t).Find(),
                         LevelCrossing(curve, level, last->t, beyond).Find());
 }
 

@@ -2,7 +2,10 @@
 
 #include "meta_analysis/inference/MAQuantiles.h"
 #include "meta_analysis/pooling/MALikelihoodCurve.h"
+#include "meta_analysis/pooling/MATau2Search.h"
 #include "meta_analysis/settings/MAConst.h"
+
+#include <optional>
 
 namespace MA_NAMESPACE {
 
@@ -14,11 +17,36 @@ struct MATau2Bounds
     double upper;
 };
 
-/// The Q-profile interval with confidence 1 - alpha, which the quantiles have: the tau² at which the generalized Q statistic is the
-/// quantile of alpha / 2 on either side of the chi-square distribution with k - p degrees of freedom. Where
-/// the set lies below 0 both bounds are 0 by convention; it need not hold any estimate.
-/// Viechtbauer (2007), Statistics in Medicine 26, 37-52.
+/// The Q-profile interval with confidence 1 - alpha, which the quantiles have: the tau² at which the
+/// generalized Q statistic is the quantile of alpha / 2 on either side of the chi-square distribution with k
+/// - p degrees of freedom. Where the set lies below 0 both bounds are 0 by convention; it need not hold any
+/// estimate. Viechtbauer (2007), Statistics in Medicine 26, 37-52.
 MATau2Bounds QProfileInterval(MALikelihoodCurve& curve, MAQuantiles& quantiles);
+
+/// The search of `QProfileInterval`, by values of Q that someone else computes.
+class MAQProfileSearch
+{
+public:
+    /// The bounds must outlive the object.
+    MAQProfileSearch(const MACurveBounds& bounds, MAQuantiles& quantiles);
+
+    /// Whether Q is wanted, and where.
+    bool IsWaiting() const { return search_.has_value() && search_->IsWaiting(); }
+    double Wanted() const { return search_->Wanted(); }
+    void Take(const MAGeneralizedQ& q);
+    /// Once nothing is wanted; `unit` is that of the curve.
+    MATau2Bounds Found(double unit) const;
+
+private:
+    void SearchUpper();
+
+    const MACurveBounds& bounds_;
+    bool hasInterval_;
+    bool isUpper_ = false;
+    double upperTarget_ = 0.0;
+    double lower_ = 0.0;
+    std::optional<MAQRootSearch> search_;
+};
 
 /// The profile-likelihood interval with confidence 1 - alpha: the outermost tau² >= 0 at which the likelihood
 /// of the curve, ML or REML, is below its global maximum by half the quantile of the chi-square distribution

@@ -80,55 +80,99 @@ double MAStationaryPoints::Node::Imbalance() const
     return std::abs(Excess());
 }
 
-MAStationaryPoints::MAStationaryPoints(MALikelihoodCurve& curve, double guess, double precision)
-    : curve_(curve),
+MAStationaryPoints::MAStationaryPoints(const MACurveBounds& bounds, double guess, double precision)
+    : bounds_(bounds),
+      guess_(guess),
       precision_(std::max(precision, roundingUnit)),
-      upperBound_(UpperBoundOf(curve.Bounds())),
-      leastASlope_((1.0 - boundSlack) / std::sqrt(curve.Bounds().residualSum)),
-      left_(Evaluate(0.0)),
-      fallsAtZero_(!left_.IsRising())
+      upperBound_(UpperBoundOf(bounds)),
+      leastASlope_((1.0 - boundSlack) / std::sqrt(bounds.residualSum))
+{}
+
+void MAStationaryPoints::Want(double t, Use use)
 {
-    PushFirstNodes(guess);
+    isWaiting_ = true;
+    wanted_ = t;
+    use_ = use;
 }
 
-/// The guess is worth an evaluation unless the first one has settled everything.
-void MAStationaryPoints::PushFirstNodes(double guess)
+void MAStationaryPoints::Find(double t, bool isMaximum)
 {
-    const Node atInfinity{infinity, infinity, leastASlope_, infinity, 0.0, infinity};
-    right_[rightCount_++] = atInfinity;
-    if (isSound_ && Judge(left_, atInfinity) != Verdict::NoPoint && guess > 0.0 && guess < upperBound_)
-        right_[rightCount_++] = Evaluate(guess);
+    found_ = MAStationaryPoint{t, isMaximum};
 }
 
-MAStationaryPoints::Node MAStationaryPoints::Evaluate(double t)
+MAStationaryPoints::Node MAStationaryPoints::NodeOf(const MALikelihoodTerms& terms)
 {
-    const MALikelihoodTerms terms = curve_.At(t);
     ++evaluations_;
     const double a = 1.0 / std::sqrt(terms.fit);
     const double b = 1.0 / terms.trace;
-    const Node node{t, a, -0.5 * terms.fitSlope * a * a * a, b, -terms.traceSlope * b * b, std::sqrt(b)};
+    const Node node{wanted_,     a, -0.5 * terms.fitSlope * a * a * a, b, -terms.traceSlope * b * b,
+                    std::sqrt(b)};
     isSound_ = isSound_ && node.IsFinite();
     return node;
 }
 
-std::optional<MAStationaryPoint> MAStationaryPoints::Next()
+void MAStationaryPoints::Take(const MALikelihoodTerms& terms)
+{
+    isWaiting_ = false;
+    const Node node = NodeOf(terms);
+    switch (use_) {
+    case Use::LeftEnd:
+        StartFrom(node);
+        break;
+    case Use::RightEnd:
+        right_[rightCount_++] = node;
+        Settle();
+        break;
+    case Use::Root:
+        NarrowRoot(node);
+        break;
+    }
+}
+
+/// The guess is worth an evaluation unless the first one has settled everything.
+void MAStationaryPoints::StartFrom(const Node& atZero)
+{
+    left_ = atZero;
+    fallsAtZero_ = !atZero.IsRising();
+    const Node atInfinity{infinity, infinity, leastASlope_, infinity, 0.0, infinity};
+    right_[rightCount_++] = atInfinity;
+    if (isSound_ && Judge(left_, atInfinity) != Verdict::NoPoint && guess_ > 0.0 && guess_ < upperBound_)
+        Want(guess_, Use::RightEnd);
+    else
+        Settle();
+}
+
+/// Goes on until the curve is wanted or a point is found.
+void MAStationaryPoints::Settle()
 {
     while (isSound_ && rightCount_ > 0) {
         const Node right = right_[rightCount_ - 1];
         const Verdict verdict = Judge(left_, right);
-        if (verdict == Verdict::Open && !IsTooShort(left_, right)) {
-            right_[rightCount_++] = Evaluate(SplitPoint(left_, right));
-            continue;
-        }
+        if (verdict == Verdict::Open && !IsTooShort(left_, right))
+            return Want(SplitPoint(left_, right), Use::RightEnd);
         const Node left = left_;
         left_ = right;
         --rightCount_;
         if (verdict == Verdict::Open)
-            return MAStationaryPoint{right.t, left.IsRising() || !right.IsRising()};
+            return Find(right.t, left.IsRising() || !right.IsRising());
         if (verdict != Verdict::NoPoint)
-            return MAStationaryPoint{RefineRoot(left, right), verdict == Verdict::OneMaximum};
+            return StartRoot(left, right, verdict == Verdict::OneMaximum);
     }
-    return std::nullopt;
+}
+
+void MAStationaryPoints::Proceed()
+{
+    found_.reset();
+    Settle();
+}
+
+std::optional<MAStationaryPoint> MAStationaryPoints::Next(MALikelihoodCurve& curve)
+{
+    if (!isWaiting_)
+        Proceed();
+    while (isWaiting_)
+        Take(curve.At(wanted_));
+    return found_;
 }
 
 /// The slopes of concave functions fall, so that those at the ends bound them in between.
@@ -179,14 +223,13 @@ double MAStationaryPoints::SplitPoint(const Node& left, const Node& right) const
 {
     if (!std::isfinite(right.t))
         return upperBound_;
-    const double v = curve_.Bounds().minVariance;
+    const double v = bounds_.minVariance;
     return right.t < v ? 0.5 * (left.t + right.t) : std::sqrt((left.t + v) * (right.t + v)) - v;
 }
 
 bool MAStationaryPoints::IsTooShort(const Node& left, const Node& right) const
 {
-    return rightCount_ == maxNodes ||
-           right.t - left.t <= 8.0 * roundingUnit * (left.t + curve_.Bounds().minVariance);
+    return rightCount_ == maxNodes || right.t - left.t <= 8.0 * roundingUnit * (left.t + bounds_.minVariance);
 }
 
 /// a² / b - 1, whose slope changes little; for equal variances it is a line.
@@ -208,7 +251,7 @@ MAStationaryPoints::RootPoint MAStationaryPoints::RootPointAt(const Node& node)
 MAStationaryPoints::RootStep MAStationaryPoints::StepToRoot(const RootPoint& before, const RootPoint& at,
                                                             double previous) const
 {
-    const double v = curve_.Bounds().minVariance;
+    const double v = bounds_.minVariance;
     const double scale = 1.0 / (at.t + v);
     const double newton = -at.excess * at.inverseSlope;
     const double x = std::abs(newton) * scale;
@@ -229,35 +272,45 @@ MAStationaryPoints::RootStep MAStationaryPoints::StepToRoot(const RootPoint& bef
             squareError * std::min(1.0, bentShare * bentShare)};
 }
 
+void MAStationaryPoints::StartRoot(const Node& left, const Node& right, bool isMaximum)
+{
+    const bool isRightNearer = std::isfinite(right.t) && right.Imbalance() < left.Imbalance();
+    root_ = {isMaximum,
+             left.t,
+             std::min(right.t, upperBound_),
+             RootPointAt(isRightNearer ? left : right),
+             RootPointAt(isRightNearer ? right : left),
+             infinity};
+    StepOnRoot();
+}
+
+/// The slope falls through 0 at a maximum: where it rises, the maximum lies ahead.
+void MAStationaryPoints::NarrowRoot(const Node& node)
+{
+    root_.at = RootPointAt(node);
+    (node.IsRising() == root_.isMaximum ? root_.low : root_.high) = node.t;
+    if (isSound_)
+        StepOnRoot();
+}
+
 /// Between the ends, which close in on the root. A step that does not halve the one before it halves the
 /// interval instead, unless both are down to the rounding of A and B. The last step is taken without a look
 /// at where it leads, once its error is small enough.
-double MAStationaryPoints::RefineRoot(const Node& left, const Node& right)
+void MAStationaryPoints::StepOnRoot()
 {
-    const double v = curve_.Bounds().minVariance;
-    double low = left.t;
-    double high = std::min(right.t, upperBound_);
-    const bool isRightNearer = std::isfinite(right.t) && right.Imbalance() < left.Imbalance();
-    RootPoint at = RootPointAt(isRightNearer ? right : left);
-    RootPoint before = RootPointAt(isRightNearer ? left : right);
-    double previous = infinity; // relative to v + t, as the steps are
-    while (isSound_) {
-        const RootStep step = StepToRoot(before, at, previous);
-        const bool shrinks = step.size <= 0.5 * previous;
-        double next = at.t + step.length;
-        if (step.error <= precision_ || (!shrinks && step.size <= roundingSteps))
-            return std::clamp(next, low, high);
-        if (!(shrinks && next > low && next < high))
-            next = std::sqrt((low + v) * (high + v)) - v;
-        if (!(next > low && next < high))
-            return at.t;
-        previous = std::abs(next - at.t) / (next + v);
-        before = at;
-        const Node node = Evaluate(next);
-        at = RootPointAt(node);
-        (node.IsRising() == left.IsRising() ? low : high) = next;
-    }
-    return std::numeric_limits<double>::quiet_NaN();
+    const double v = bounds_.minVariance;
+    const RootStep step = StepToRoot(root_.before, root_.at, root_.previous);
+    const bool shrinks = step.size <= 0.5 * root_.previous;
+    double next = root_.at.t + step.length;
+    if (step.error <= precision_ || (!shrinks && step.size <= roundingSteps))
+        return Find(std::clamp(next, root_.low, root_.high), root_.isMaximum);
+    if (!(shrinks && next > root_.low && next < root_.high))
+        next = std::sqrt((root_.low + v) * (root_.high + v)) - v;
+    if (!(next > root_.low && next < root_.high))
+        return Find(root_.at.t, root_.isMaximum);
+    root_.previous = std::abs(next - root_.at.t) / (next + v);
+    root_.before = root_.at;
+    Want(next, Use::Root);
 }
 
 MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess, double precision)
@@ -266,7 +319,7 @@ MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess, dou
         return {std::numeric_limits<double>::quiet_NaN(), 0};
     if (!CanRise(curve.Bounds()))
         return {0.0, 0};
-    MAStationaryPoints points(curve, guess, precision);
+    MAStationaryPoints points(curve.Bounds(), guess, precision);
     std::optional<double> best;
     std::optional<double> bestLikelihood;
     const auto consider = [&](double t) {
@@ -282,9 +335,10 @@ MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess, dou
             bestLikelihood = likelihood;
         }
     };
+    std::optional<MAStationaryPoint> point = points.Next(curve);
     if (points.FallsAtZero())
         consider(0.0);
-    while (const std::optional<MAStationaryPoint> point = points.Next()) {
+    for (; point; point = points.Next(curve)) {
         if (point->isMaximum)
             consider(point->t);
     }
@@ -293,28 +347,48 @@ MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess, dou
     return {*best, points.Evaluations()};
 }
 
+MAQRootSearch::MAQRootSearch(const MACurveBounds& bounds, double target, double guess, double precision)
+    : minVariance_(bounds.minVariance),
+      target_(target),
+      smallestStep_(std::max(4.0 * roundingUnit, precision))
+{
+    if (!AreUsable(bounds))
+        EndAt(std::numeric_limits<double>::quiet_NaN());
+    else if (bounds.residualSum == 0.0 || target <= 0.0)
+        EndAt(0.0);
+    else
+        solution_.t = std::max(guess, 0.0);
+}
+
+void MAQRootSearch::EndAt(double t)
+{
+    isWaiting_ = false;
+    solution_.t = t;
+}
+
 /// Newton's method on 1 / Q, which is concave: from the left it never passes the root, and from the right its
 /// first step lands left of it. There a step back is the rounding error of Q.
+void MAQRootSearch::Take(const MAGeneralizedQ& q)
+{
+    const double t = solution_.t;
+    ++solution_.evaluations;
+    const double step = (q.value - target_) * q.value / (target_ * -q.slope);
+    const bool isSmall = std::abs(step) <= smallestStep_ * (t + minVariance_);
+    const bool cannotStepBack = t == 0.0 || solution_.evaluations > 1;
+    if (!std::isfinite(step) || q.slope == 0.0)
+        EndAt(std::numeric_limits<double>::quiet_NaN());
+    else if (isSmall || (step <= 0.0 && cannotStepBack))
+        EndAt(t);
+    else
+        solution_.t = std::max(t + step, 0.0);
+}
+
 MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess, double precision)
 {
-    const MACurveBounds& bounds = curve.Bounds();
-    if (!AreUsable(bounds))
-        return {std::numeric_limits<double>::quiet_NaN(), 0};
-    if (bounds.residualSum == 0.0 || target <= 0.0)
-        return {0.0, 0};
-    double t = std::max(guess, 0.0);
-    for (int evaluations = 1;; ++evaluations) {
-        const MAGeneralizedQ q = curve.QAt(t);
-        const double step = (q.value - target) * q.value / (target * -q.slope);
-        const bool isSmall =
-            std::abs(step) <= std::max(4.0 * roundingUnit, precision) * (t + bounds.minVariance);
-        const bool cannotStepBack = t == 0.0 || evaluations > 1;
-        if (!std::isfinite(step) || q.slope == 0.0)
-            return {std::numeric_limits<double>::quiet_NaN(), evaluations};
-        if (isSmall || (step <= 0.0 && cannotStepBack))
-            return {t, evaluations};
-        t = std::max(t + step, 0.0);
-    }
+    MAQRootSearch search(curve.Bounds(), target, guess, precision);
+    while (search.IsWaiting())
+        search.Take(curve.QAt(search.Wanted()));
+    return search.Solution();
 }
 
 /// EB: Paule and Mandel (1982), Journal of Research of the National Bureau of Standards 87, 377-385.

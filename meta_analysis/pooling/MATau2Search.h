@@ -30,6 +30,29 @@ bool CanRise(const MACurveBounds& bounds);
 /// maximum, relative to the smallest v + t; 0 for all digits, without which a search is as sure but shorter.
 MATau2Solution FindLikelihoodMaximum(MALikelihoodCurve& curve, double guess, double precision = 0.0);
 
+/// The search of `FindQRoot`, by values of Q that someone else computes.
+class MAQRootSearch
+{
+public:
+    MAQRootSearch(const MACurveBounds& bounds, double target, double guess, double precision = 0.0);
+
+    /// Whether Q is wanted, and where.
+    bool IsWaiting() const { return isWaiting_; }
+    double Wanted() const { return solution_.t; }
+    void Take(const MAGeneralizedQ& q);
+    /// Once nothing is wanted.
+    const MATau2Solution& Solution() const { return solution_; }
+
+private:
+    void EndAt(double t);
+
+    double minVariance_;
+    double target_;
+    double smallestStep_; ///< relative to v + t
+    bool isWaiting_ = true;
+    MATau2Solution solution_{0.0, 0};
+};
+
 /// The t >= 0 with Q(t) = `target`; 0 where Q(0) is not above it, and where the
 /// target is 0 for want of degrees of freedom.
 MATau2Solution FindQRoot(MALikelihoodCurve& curve, double target, double guess, double precision = 0.0);
@@ -59,7 +82,8 @@ struct MAStationaryPoint
 };
 
 /// Finds the stationary points of a likelihood on t >= 0 from left to right, and proves up to rounding that
-/// there are no others.
+/// there are no others. It says at which t the curve is wanted, and takes the terms from whoever computes
+/// them, so that many searches can go on side by side.
 ///
 /// a = A^(-1/2) and b = 1 / B are concave and increasing: both are power means of v + t in the eigenvalues of
 /// the model's variance. So each lies above its chord and below its tangents, and A - B has the sign of
@@ -73,12 +97,23 @@ struct MAStationaryPoint
 class MAStationaryPoints
 {
 public:
-    MAStationaryPoints(MALikelihoodCurve& curve, double guess, double precision = 0.0);
+    /// The bounds must outlive the object.
+    MAStationaryPoints(const MACurveBounds& bounds, double guess, double precision = 0.0);
 
-    /// Whether the likelihood falls at once from t = 0.
+    /// Whether the curve is wanted, and where. It always is at first.
+    bool IsWaiting() const { return isWaiting_; }
+    double Wanted() const { return wanted_; }
+    void Take(const MALikelihoodTerms& terms);
+
+    /// While nothing is wanted: the point that was found last; none at the end, and where a term is not a
+    /// number. `Proceed` goes on to the next.
+    const std::optional<MAStationaryPoint>& Found() const { return found_; }
+    void Proceed();
+    /// The next point of the curve that has these bounds.
+    std::optional<MAStationaryPoint> Next(MALikelihoodCurve& curve);
+
+    /// Whether the likelihood falls at once from t = 0; once the first point was found, or none.
     bool FallsAtZero() const { return fallsAtZero_; }
-    /// The next point; none at the end, and where a term is not a number.
-    std::optional<MAStationaryPoint> Next();
 
     int Evaluations() const { return evaluations_; }
     /// Whether every term was a number.
@@ -117,6 +152,25 @@ private:
         double error;
     };
 
+    /// A root between two nodes, which close in on it.
+    struct RootBracket
+    {
+        bool isMaximum;
+        double low;
+        double high;
+        RootPoint before;
+        RootPoint at;
+        double previous; ///< step, relative to v + t
+    };
+
+    /// What the terms are wanted for.
+    enum class Use
+    {
+        LeftEnd,
+        RightEnd,
+        Root
+    };
+
     /// What is known of the slope of the likelihood on an interval.
     enum class Verdict
     {
@@ -126,8 +180,11 @@ private:
         Open
     };
 
-    Node Evaluate(double t);
-    void PushFirstNodes(double guess);
+    Node NodeOf(const MALikelihoodTerms& terms);
+    void Want(double t, Use use);
+    void Find(double t, bool isMaximum);
+    void StartFrom(const Node& atZero);
+    void Settle();
     Verdict Judge(const Node& left, const Node& right) const;
     bool StaysPositive(const Node& left, const Node& right) const;
     bool StaysNegative(const Node& left, const Node& right) const;
@@ -135,22 +192,30 @@ private:
     bool IsTooShort(const Node& left, const Node& right) const;
     static RootPoint RootPointAt(const Node& node);
     RootStep StepToRoot(const RootPoint& before, const RootPoint& at, double previous) const;
-    double RefineRoot(const Node& left, const Node& right);
+    void StartRoot(const Node& left, const Node& right, bool isMaximum);
+    void NarrowRoot(const Node& node);
+    void StepOnRoot();
 
     /// Splits at the geometric mean exhaust a double after 64 levels, those next to 0 after 53 more; each
     /// level leaves one node.
     static constexpr std::size_t maxNodes = 160;
 
-    MALikelihoodCurve& curve_;
+    const MACurveBounds& bounds_;
+    double guess_;
     double precision_;
     double upperBound_;  ///< beyond it A < B
     double leastASlope_; ///< slope of a at infinity
     bool isSound_ = true;
+    bool isWaiting_ = true;
+    Use use_ = Use::LeftEnd;
+    double wanted_ = 0.0;
+    std::optional<MAStationaryPoint> found_;
     int evaluations_ = 0;
     std::size_t rightCount_ = 0;
     std::array<Node, maxNodes> right_;
     Node left_; ///< up to it all is settled
-    bool fallsAtZero_;
+    RootBracket root_;
+    bool fallsAtZero_ = false;
 };
 
 } // namespace MA_NAMESPACE

@@ -49,16 +49,45 @@ MARegressionCurve& MAResidualTau2::Curve()
     return *curve_;
 }
 
-MATau2Estimate MAResidualTau2::EstimateByFit(MAWeightMode mode, double tau2)
+KXStatus MAResidualTau2::Fit(MAWeightMode mode, double tau2)
 {
     const KXStatus fitted = fit_.Fit(mode, tau2);
     if (fitted.IsError())
-        return FailedTau2(fitted);
+        return fitted;
     fit_.Residuals(residuals_);
     fit_.LeverageComplements(fitOfLeverages_, leverageComplements_);
-    const MATau2Fit fit{*design_, residuals_, leverageComplements_, fit_.Weights(), fit_.NonRedundantCount()};
+    return fitted;
+}
+
+MATau2Fit MAResidualTau2::FitOf() const
+{
+    return {*design_, residuals_, leverageComplements_, fit_.Weights(), fit_.NonRedundantCount()};
+}
+
+MATau2Estimate MAResidualTau2::EstimateByFit(MAWeightMode mode, double tau2)
+{
+    const KXStatus fitted = Fit(mode, tau2);
+    if (fitted.IsError())
+        return FailedTau2(fitted);
     const MATau2Choice choice = ChoiceOf(design_->GetSettings());
-    return IsIterative(choice.estimator) ? IterateTau2(fit, choice, Curve()) : EstimateTau2(fit, choice);
+    return IsIterative(choice.estimator) ? IterateTau2(FitOf(), choice, Curve())
+                                         : EstimateTau2(FitOf(), choice);
+}
+
+MATau2Estimate MAResidualTau2::StartOfSearch()
+{
+    const KXStatus fitted = Fit(MAWeightMode::Unweighted, 0.0);
+    if (fitted.IsError())
+        return FailedTau2(fitted);
+    MATau2Choice choice = ChoiceOf(design_->GetSettings());
+    Curve().Restart(LikelihoodOf(choice.estimator));
+    choice.estimator = MAConst::TAU2_HE;
+    return EstimateTau2(FitOf(), choice);
+}
+
+MATau2Estimate MAResidualTau2::Search(double start)
+{
+    return SearchTau2(FitOf(), ChoiceOf(design_->GetSettings()), start, Curve());
 }
 
 /// Sidik and Jonkman's one step from the crude variance of the effects, tau²_0: its weights are those of the

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "meta_analysis/pooling/MARegressionCurve.h"
+#include "meta_analysis/pooling/MARegressionTau2.h"
 #include "meta_analysis/pooling/MATau2Estimate.h"
 #include "meta_analysis/regression/MARegFit.h"
 #include "meta_analysis/regression/design/MADesignMatrix.h"
@@ -20,6 +21,10 @@ public:
     /// tau² that the predictors leave; 0 for a code that is no estimator.
     /// Errors: `ONE_USABLE_STUDY` (Sidik-Jonkman), `TOO_FEW_ROWS`, `ITERATOR_FAILED`.
     MATau2Estimate Estimate();
+    /// The two parts of `Estimate` for an iterative estimator that is searched: where the search starts, on a
+    /// curve that begins afresh, and the search.
+    MATau2Estimate StartOfSearch();
+    MATau2Estimate Search(double start);
     /// tau² of the same studies without predictors.
     MATau2Estimate EstimateWithoutPredictors();
     /// The curve of the rows. After an estimate by the global search it is that of the search, with what the
@@ -27,6 +32,8 @@ public:
     MARegressionCurve& Curve();
 
 private:
+    MATau2Fit FitOf() const;
+    KXStatus Fit(MAWeightMode mode, double tau2);
     MATau2Estimate EstimateByFit(MAWeightMode mode, double tau2 = 0.0);
     MATau2Estimate EstimateBySidikJonkman();
 

@@ -10,12 +10,15 @@ namespace py = pybind11;
 
 namespace {
 
-using Results = ma_effect_results;
+using EffectResults = ma_effect_results;
 
-constexpr std::array columns{
-    Column<Results>{"effect", &Results::effect},       Column<Results>{"variance", &Results::variance},
-    Column<Results>{"std_error", &Results::std_error}, Column<Results>{"ci_lower", &Results::ci_lower},
-    Column<Results>{"ci_upper", &Results::ci_upper},   Column<Results>{"exclusion", &Results::exclusion},
+constexpr std::array effectColumns{
+    Column<EffectResults>{"effect", &EffectResults::effect},
+    Column<EffectResults>{"variance", &EffectResults::variance},
+    Column<EffectResults>{"std_error", &EffectResults::std_error},
+    Column<EffectResults>{"ci_lower", &EffectResults::ci_lower},
+    Column<EffectResults>{"ci_upper", &EffectResults::ci_upper},
+    Column<EffectResults>{"exclusion", &EffectResults::exclusion},
 };
 
 /// Arrays for all columns, filled by `compute(results)` without the lock of the interpreter.
@@ -23,7 +26,8 @@ template <class Compute>
 py::dict Computed(std::size_t studyCount, const Compute& compute)
 {
     py::dict arrays;
-    const Results results = SetColumns<Results>(columns, py::none(), studyCount, arrays).From(0);
+    const EffectResults results =
+        SetColumns<EffectResults>(effectColumns, py::none(), studyCount, arrays).From(0);
     int32_t status = MA_STATUS_OK;
     {
         const py::gil_scoped_release unlocked;
@@ -40,7 +44,7 @@ py::dict EffectsOfTables(const Floats& treatmentEvents, const Floats& treatmentN
 {
     const ma_table_options choice = OptionsFrom(tableOptions, options);
     const std::size_t studyCount = Length(treatmentEvents, 0);
-    return Computed(studyCount, [&](const Results& results) {
+    return Computed(studyCount, [&](const EffectResults& results) {
         return ma_effects_of_tables(AsVector(treatmentEvents), AsVector(treatmentNonEvents),
                                     AsVector(controlEvents), AsVector(controlNonEvents), studyCount, &choice,
                                     &results);
@@ -57,7 +61,7 @@ py::dict EffectsOfMeans(const Floats& treatmentSizes, const Floats& treatmentMea
                                        AsVector(treatmentStdDevs)};
     const ma_group_summaries control{AsVector(controlSizes), AsVector(controlMeans),
                                      AsVector(controlStdDevs)};
-    return Computed(studyCount, [&](const Results& results) {
+    return Computed(studyCount, [&](const EffectResults& results) {
         return ma_effects_of_means(treatment, control, studyCount, &choice, &results);
     });
 }

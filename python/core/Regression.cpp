@@ -12,46 +12,46 @@ namespace py = pybind11;
 
 namespace {
 
-using Results = ma_regression_results;
+using RegressionResults = ma_regression_results;
 
-constexpr std::array setColumns{
-    Column<Results>{"k", &Results::k},
-    Column<Results>{"rank", &Results::rank},
-    Column<Results>{"tau2", &Results::tau2},
-    Column<Results>{"tau2_lower", &Results::tau2_lower},
-    Column<Results>{"tau2_upper", &Results::tau2_upper},
-    Column<Results>{"q", &Results::q},
-    Column<Results>{"q_df", &Results::q_df},
-    Column<Results>{"q_p", &Results::q_p},
-    Column<Results>{"i2", &Results::i2},
-    Column<Results>{"r2", &Results::r2},
-    Column<Results>{"dispersion", &Results::dispersion},
-    Column<Results>{"model_statistic", &Results::model_statistic},
-    Column<Results>{"model_df1", &Results::model_df1},
-    Column<Results>{"model_df2", &Results::model_df2},
-    Column<Results>{"model_p", &Results::model_p},
-    Column<Results>{"model_mlog10p", &Results::model_mlog10p},
-    Column<Results>{"status", &Results::status},
-    Column<Results>{"left_out", &Results::left_out},
+constexpr std::array regressionColumns{
+    Column<RegressionResults>{"k", &RegressionResults::k},
+    Column<RegressionResults>{"rank", &RegressionResults::rank},
+    Column<RegressionResults>{"tau2", &RegressionResults::tau2},
+    Column<RegressionResults>{"tau2_lower", &RegressionResults::tau2_lower},
+    Column<RegressionResults>{"tau2_upper", &RegressionResults::tau2_upper},
+    Column<RegressionResults>{"q", &RegressionResults::q},
+    Column<RegressionResults>{"q_df", &RegressionResults::q_df},
+    Column<RegressionResults>{"q_p", &RegressionResults::q_p},
+    Column<RegressionResults>{"i2", &RegressionResults::i2},
+    Column<RegressionResults>{"r2", &RegressionResults::r2},
+    Column<RegressionResults>{"dispersion", &RegressionResults::dispersion},
+    Column<RegressionResults>{"model_statistic", &RegressionResults::model_statistic},
+    Column<RegressionResults>{"model_df1", &RegressionResults::model_df1},
+    Column<RegressionResults>{"model_df2", &RegressionResults::model_df2},
+    Column<RegressionResults>{"model_p", &RegressionResults::model_p},
+    Column<RegressionResults>{"model_mlog10p", &RegressionResults::model_mlog10p},
+    Column<RegressionResults>{"status", &RegressionResults::status},
+    Column<RegressionResults>{"left_out", &RegressionResults::left_out},
 };
 
 /// A result of each coefficient, or of each pair of coefficients, in each set.
 struct CoefficientColumn
 {
     const char* name;
-    double* Results::*member;
+    double* RegressionResults::*member;
     bool isOfPairs = false;
 };
 
 constexpr std::array coefficientColumns{
-    CoefficientColumn{"coefficient", &Results::coefficient},
-    CoefficientColumn{"std_error", &Results::std_error},
-    CoefficientColumn{"statistic", &Results::statistic},
-    CoefficientColumn{"p", &Results::p},
-    CoefficientColumn{"mlog10p", &Results::mlog10p},
-    CoefficientColumn{"ci_lower", &Results::ci_lower},
-    CoefficientColumn{"ci_upper", &Results::ci_upper},
-    CoefficientColumn{"covariance", &Results::covariance, true},
+    CoefficientColumn{"coefficient", &RegressionResults::coefficient},
+    CoefficientColumn{"std_error", &RegressionResults::std_error},
+    CoefficientColumn{"statistic", &RegressionResults::statistic},
+    CoefficientColumn{"p", &RegressionResults::p},
+    CoefficientColumn{"mlog10p", &RegressionResults::mlog10p},
+    CoefficientColumn{"ci_lower", &RegressionResults::ci_lower},
+    CoefficientColumn{"ci_upper", &RegressionResults::ci_upper},
+    CoefficientColumn{"covariance", &RegressionResults::covariance, true},
 };
 
 /// New arrays for the wanted columns, sets last. A call on some of the sets has rows as long as these are
@@ -75,7 +75,7 @@ public:
             }
     }
 
-    void PointAt(Results& results, std::size_t count)
+    void PointAt(RegressionResults& results, std::size_t count)
     {
         for (Target& target : targets_) {
             target.piece.resize(target.rowCount * count);
@@ -94,7 +94,7 @@ public:
 private:
     struct Target
     {
-        double* Results::*member;
+        double* RegressionResults::*member;
         double* values;
         std::size_t rowCount;
         std::vector<double> piece;
@@ -115,12 +115,12 @@ py::dict RegressBlock(const Floats& effects, const Floats& variances, const Floa
     const std::size_t coefficientCount = Length(design, 1);
     py::dict arrays;
     CoefficientArrays coefficients(wanted, coefficientCount, setCount, arrays);
-    const SetColumns<Results> results(setColumns, wanted, setCount, arrays);
+    const SetColumns<RegressionResults> results(regressionColumns, wanted, setCount, arrays);
     const ma_matrix y = AsMatrix(effects);
     const ma_matrix v = AsMatrix(variances);
     const ma_matrix x = AsMatrix(design);
     InChunks(setCount, FirstCount(studyCount * coefficientCount), [&](std::size_t first, std::size_t count) {
-        Results rows = results.From(first);
+        RegressionResults rows = results.From(first);
         coefficients.PointAt(rows, count);
         const int32_t status = ma_regress_block(From(y, first), From(v, first), x, studyCount, count,
                                                 coefficientCount, &choice, &rows);
@@ -133,7 +133,7 @@ py::dict RegressBlock(const Floats& effects, const Floats& variances, const Floa
 py::tuple RegressionColumns()
 {
     const py::tuple ofCoefficients = NamesOf<CoefficientColumn>(coefficientColumns);
-    return ofCoefficients + NamesOf<Column<Results>>(setColumns);
+    return ofCoefficients + NamesOf<Column<RegressionResults>>(regressionColumns);
 }
 
 } // namespace python_module

@@ -1,16 +1,17 @@
 // Many sets in one call: each column beside the models of one set, bit for bit.
 
+#include "support/BulkColumns.h"
 #include "support/Compare.h"
 
 #include "meta_analysis/bulk/MABulkPooling.h"
+#include "meta_analysis/bulk/lanes/MALanePooler.h"
 #include "meta_analysis/pooling/MAContinousFixEffectModel.h"
+#include "meta_analysis/pooling/MAPooling.h"
 #include "meta_analysis/pooling/MARandomEffectModel.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
-#include <array>
 #include <bit>
 #include <cstdint>
-#include <cstring>
 #include <functional>
 #include <random>
 
@@ -25,47 +26,6 @@ struct Set
     std::vector<double> variances;
 };
 
-/// The results of a call, or of one model after another.
-struct Columns
-{
-    static constexpr double* MABulkResults::*numbers[] = {&MABulkResults::estimate,
-                                                          &MABulkResults::stdError,
-                                                          &MABulkResults::statistic,
-                                                          &MABulkResults::pValue,
-                                                          &MABulkResults::minusLog10P,
-                                                          &MABulkResults::ciLower,
-                                                          &MABulkResults::ciUpper,
-                                                          &MABulkResults::tau2,
-                                                          &MABulkResults::tau2Lower,
-                                                          &MABulkResults::tau2Upper,
-                                                          &MABulkResults::q,
-                                                          &MABulkResults::qPValue,
-                                                          &MABulkResults::i2,
-                                                          &MABulkResults::predictionLower,
-                                                          &MABulkResults::predictionUpper};
-    static constexpr int* MABulkResults::*counts[] = {&MABulkResults::studyCount, &MABulkResults::leftOut,
-                                                      &MABulkResults::qDf, &MABulkResults::status};
-    static constexpr std::size_t numberCount = std::size(numbers);
-    static constexpr std::size_t all = ~std::size_t{0};
-
-    explicit Columns(std::size_t setCount, std::size_t wanted = all)
-    {
-        for (std::size_t i = 0; i < numberCount; ++i) {
-            values[i].assign(setCount, -7.0);
-            results.*numbers[i] = wanted >> i & 1 ? values[i].data() : nullptr;
-        }
-        for (std::size_t i = 0; i < std::size(counts); ++i) {
-            integers[i].assign(setCount, -7);
-            results.*counts[i] = wanted >> (numberCount + i) & 1 ? integers[i].data() : nullptr;
-        }
-    }
-    Columns(const Columns&) = delete;
-
-    MABulkResults results;
-    std::array<std::vector<double>, numberCount> values;
-    std::array<std::vector<int>, std::size(counts)> integers;
-};
-
 double OrNaN(double value)
 {
     return KXMV::IsMissing(value) ? notANumber : value;
@@ -77,19 +37,20 @@ std::uint64_t BitsOf(double value)
 }
 
 /// Every wanted column and set with the same bits; a column that is not wanted is left alone.
-void ExpectSameColumns(const Columns& actual, const Columns& expected, const char* what)
+void ExpectSameColumns(const BulkColumns& actual, const BulkColumns& expected, const char* what)
 {
     for (std::size_t i = 0; i < actual.values.size(); ++i)
         for (std::size_t set = 0; set < expected.values[i].size(); ++set) {
-            const bool isWanted = actual.results.*Columns::numbers[i] != nullptr;
+            const bool isWanted = actual.results.*BulkColumns::numbers[i] != nullptr;
             const double value = isWanted ? expected.values[i][set] : -7.0;
             ASSERT_EQ(BitsOf(actual.values[i][set]), BitsOf(value))
                 << what << ", column " << i << ", set " << set << ": "
                 << Differs(actual.values[i][set], value).message();
         }
     for (std::size_t i = 0; i < actual.integers.size(); ++i) {
-        if (actual.results.*Columns::counts[i] != nullptr)
+        if (actual.results.*BulkColumns::counts[i] != nullptr) {
             ASSERT_EQ(actual.integers[i], expected.integers[i]) << what << ", column " << i;
+        }
     }
 }
 
@@ -114,7 +75,7 @@ const MAPooledModel& PooledBy(MARandomEffectModel& model, const Set& set, const 
 }
 
 /// The single-analysis class on the studies that can be pooled.
-void PutExpected(Columns& columns, std::size_t at, const Set& all, const MABulkModel& choice)
+void PutExpected(BulkColumns& columns, std::size_t at, const Set& all, const MABulkModel& choice)
 {
     Set set;
     int leftOut = 0;
@@ -263,7 +224,7 @@ TEST(MABulkPooling, AgreesWithTheModelsOfOneSetToTheBit)
     const Forms forms(sets);
     std::mt19937_64 random(1);
     for (const MABulkModel& model : Models()) {
-        Columns expected(sets.size());
+        BulkColumns expected(sets.size());
         for (std::size_t set = 0; set < sets.size(); ++set)
             PutExpected(expected, set, sets[set], model);
         const auto* choice = std::get_if<MARandomEffectsChoice>(&model);
@@ -271,17 +232,61 @@ TEST(MABulkPooling, AgreesWithTheModelsOfOneSetToTheBit)
                                         << (choice ? choice->search : -1) << " interval "
                                         << (choice ? choice->tau2Interval : -1));
         for (const int threads : {1, 3}) {
-            Columns ragged(sets.size());
+            BulkColumns ragged(sets.size());
             ASSERT_TRUE(PoolSets(forms.Ragged(), model, ragged.results, threads).IsOK());
             ExpectSameColumns(ragged, expected, "ragged");
-            Columns block(sets.size());
+            BulkColumns block(sets.size());
             ASSERT_TRUE(PoolSets(forms.Block(), model, block.results, threads).IsOK());
             ExpectSameColumns(block, expected, "block");
         }
         for (int i = 0; i < 6; ++i) {
-            Columns some(sets.size(), random() & random());
+            BulkColumns some(sets.size(), random() & random());
             ASSERT_TRUE(PoolSets(forms.Ragged(), model, some.results).IsOK());
             ExpectSameColumns(some, expected, "some columns");
+        }
+    }
+}
+
+/// Registers of each width that this processor has, a few sets at a time.
+TEST(MALanePooler, HasTheSameBitsInEveryRegister)
+{
+    std::vector<const MALaneKernels*> widths = {&laneKernels128, &WidestLaneKernels()};
+#if defined(__x86_64__)
+    if (__builtin_cpu_supports("avx2"))
+        widths.push_back(&laneKernels256);
+#endif
+    std::vector<MAGatheredSet> sets;
+    for (const Set& set : HostileSets()) {
+        if (set.effects.size() > MALanePooler::mostStudies)
+            continue;
+        MAGatheredSet& gathered = sets.emplace_back(set.effects.size());
+        for (std::size_t i = 0; i < set.effects.size(); ++i)
+            gathered.Add(set.effects[i], set.variances[i]);
+    }
+    MAWantedResults wanted;
+    wanted.heterogeneityBounds = wanted.likelihood = false;
+    for (const MABulkModel& model : Models()) {
+        const auto* const choice = std::get_if<MARandomEffectsChoice>(&model);
+        if (choice == nullptr || !MALanePooler::Takes(*choice, wanted))
+            continue;
+        MAQuantiles quantiles(choice->alpha);
+        for (const MALaneKernels* const kernels : widths) {
+            MALanePooler pooler(*kernels);
+            std::size_t inLanes = 0;
+            for (std::size_t set = 0; set + kernels->laneCount <= sets.size(); ++set) {
+                pooler.Load({sets.data() + set, kernels->laneCount});
+                const std::optional<MAPooledModel>& actual = pooler.Pool(*choice, wanted, quantiles)[0];
+                if (!actual.has_value())
+                    continue;
+                ++inLanes;
+                const MAPooledModel expected = PoolRandomEffects(sets[set].Studies(), *choice);
+                EXPECT_EQ(actual->effect.estimate, expected.effect.estimate);
+                EXPECT_EQ(actual->tau2, expected.tau2);
+                EXPECT_EQ(actual->tau2Results.lower, expected.tau2Results.lower);
+                EXPECT_EQ(actual->homogeneity.q, expected.homogeneity.q);
+                EXPECT_EQ(actual->heterogeneity.i2, expected.heterogeneity.i2);
+            }
+            EXPECT_GT(inLanes, sets.size() * 4 / 5) << "most sets must not be left";
         }
     }
 }
@@ -304,7 +309,7 @@ TEST(MABulkPooling, HasThePublishedFigures)
     choice.search = TAU2_SEARCH_GLOBAL;
     choice.tau2Interval = TAU2_INTERVAL_Q_PROFILE;
     const Forms forms(std::vector<Set>(9, bcg));
-    Columns columns(9);
+    BulkColumns columns(9);
     ASSERT_TRUE(PoolSets(forms.Ragged(), choice, columns.results).IsOK());
     for (std::size_t set = 0; set < 9; ++set) {
         EXPECT_NEAR(columns.results.tau2[set], 0.3132, 5e-5);
@@ -322,7 +327,7 @@ TEST(MABulkPooling, RefusesWhatItCannotUse)
     const std::size_t falling[] = {0, 3, 2};
     MARaggedSets sets = forms.Ragged();
     const auto statusOf = [](const auto& some, const MABulkModel& model) {
-        Columns columns(2);
+        BulkColumns columns(2);
         const int code = PoolSets(some, model, columns.results).GetCode();
         EXPECT_EQ(columns.values[0][0] == -7.0, code != 0) << "writes nothing where it refuses";
         return code;
@@ -351,9 +356,9 @@ TEST(MABulkPooling, RefusesWhatItCannotUse)
     EXPECT_EQ(statusOf(MARaggedSets{nullptr, nullptr, nullptr, 2}, MAFixedEffectChoice{}),
               MAStatusCode::INPUT_NOT_GIVEN);
     EXPECT_EQ(statusOf(MABlockSets{{}, {}, 3, 2}, MAFixedEffectChoice{}), MAStatusCode::INPUT_NOT_GIVEN);
-    Columns none(0);
+    BulkColumns none(0);
     EXPECT_TRUE(PoolSets(MARaggedSets{}, MAFixedEffectChoice{}, none.results, 4).IsOK());
-    Columns empty(2);
+    BulkColumns empty(2);
     EXPECT_TRUE(PoolSets(MABlockSets{{}, {}, 0, 2}, MAFixedEffectChoice{}, empty.results).IsOK());
     EXPECT_EQ(empty.results.status[1], MAStatusCode::NO_STUDY_IN_RUN);
 }

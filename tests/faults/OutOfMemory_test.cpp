@@ -5,8 +5,10 @@
 #include "faults/FullRecords.h"
 #include "faults/Getters.h"
 #include "faults/Results.h"
+#include "support/BulkColumns.h"
 #include "support/Regression.h"
 
+#include "meta_analysis/bulk/MABulkPooling.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
 #include <functional>
@@ -293,4 +295,61 @@ TEST(OutOfMemory, RegressionSettings)
                               settings.AddModelEffect(effect);
         return Outcome{isFilled ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY), {}};
     });
+}
+
+/// Sets of ten studies each, and what one call on them returns.
+struct ManySets
+{
+    explicit ManySets(std::size_t count) : setCount(count), columns(count)
+    {
+        for (const Row& row : RandomStudies(3, count * 10, 0)) {
+            effects.push_back(row[0]);
+            variances.push_back(row[1]);
+        }
+        for (std::size_t set = 0; set <= count; ++set)
+            offsets.push_back(set * 10);
+    }
+    KXStatus Pool(const MABulkModel& model)
+    {
+        const MARaggedSets sets{effects.data(), variances.data(), offsets.data(), setCount};
+        return PoolSets(sets, model, columns.results);
+    }
+
+    std::size_t setCount;
+    BulkColumns columns;
+    std::vector<double> effects, variances;
+    std::vector<std::size_t> offsets;
+};
+
+TEST(OutOfMemory, IsReportedByManySets)
+{
+    MARandomEffectsChoice scored;
+    scored.tau2Interval = TAU2_INTERVAL_Q_PROFILE;
+    MARandomEffectsChoice searched = scored;
+    searched.search = TAU2_SEARCH_GLOBAL;
+    MARandomEffectsChoice byLikelihood = searched;
+    byLikelihood.tau2Interval = TAU2_INTERVAL_PROFILE_LIKELIHOOD;
+    ManySets few(20);
+    for (const MABulkModel& model : {MABulkModel(MAFixedEffectChoice()), MABulkModel(scored),
+                                     MABulkModel(searched), MABulkModel(byLikelihood)})
+        ExpectSurvivesShortage("many sets", [&] {
+            const KXStatus status = few.Pool(model);
+            FailingMemory::Relent();
+            return Outcome{status, {{"columns", {few.columns.values.begin(), few.columns.values.end()}}}};
+        });
+
+    // No allocation for a set: as many sets as will do with what a few take.
+    ManySets many(5000);
+    for (const MABulkModel& model :
+         {MABulkModel(MAFixedEffectChoice()), MABulkModel(scored), MABulkModel(searched)}) {
+        long allocations = 0;
+        do {
+            FailingMemory::FailAt(++allocations, true);
+            few.Pool(model);
+        } while (FailingMemory::HasFailed());
+        FailingMemory::FailAt(allocations, true);
+        EXPECT_TRUE(many.Pool(model).IsOK());
+        EXPECT_FALSE(FailingMemory::HasFailed());
+        FailingMemory::Relent();
+    }
 }

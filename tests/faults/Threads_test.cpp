@@ -2,7 +2,10 @@
 
 #include "faults/FullRecords.h"
 #include "faults/Results.h"
+#include "support/BulkColumns.h"
 #include "support/Regression.h"
+
+#include "meta_analysis/bulk/MABulkPooling.h"
 
 #include <functional>
 #include <thread>
@@ -45,7 +48,31 @@ Results Analysed(const Shared& shared, const MAModelSettings& settings)
     return ResultsOf(model);
 }
 
+/// Many sets over the shared studies, by threads of its own.
+Results PooledMany(const Shared& shared)
+{
+    constexpr std::size_t setCount = 3000;
+    const std::size_t most = shared.rows.size();
+    std::vector<double> effects, variances;
+    std::vector<std::size_t> offsets = {0};
+    for (std::size_t set = 0; set < setCount; ++set) {
+        for (std::size_t i = 0; i < set % most; ++i) {
+            effects.push_back(shared.rows[i][0]);
+            variances.push_back(shared.rows[i][1]);
+        }
+        offsets.push_back(effects.size());
+    }
+    MARandomEffectsChoice choice;
+    choice.search = TAU2_SEARCH_GLOBAL;
+    choice.tau2Interval = TAU2_INTERVAL_Q_PROFILE;
+    BulkColumns columns(setCount);
+    const MARaggedSets sets{effects.data(), variances.data(), offsets.data(), setCount};
+    EXPECT_TRUE(PoolSets(sets, choice, columns.results, 3).IsOK());
+    return {{"columns", {columns.values.begin(), columns.values.end()}}};
+}
+
 const std::function<Results(const Shared&)> tasks[] = {
+    PooledMany,
     [](const Shared& shared) { return Analysed<MABinModel>(shared, shared.random); },
     [](const Shared& shared) { return Analysed<MABinModel>(shared, shared.fixed); },
     [](const Shared& shared) { return Analysed<MAContModel>(shared, shared.ofEffects); },

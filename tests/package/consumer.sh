@@ -1,7 +1,7 @@
 #!/usr/bin/env bash
 # Builds the smallest host the way that other projects do, with the compiler $CXX, and runs it.
 #   tests/package/consumer.sh cmake PREFIX FOLDER         find_package, the shared and the static library
-#   tests/package/consumer.sh pkg-config PREFIX FOLDER    pkg-config and the compiler alone
+#   tests/package/consumer.sh pkg-config PREFIX FOLDER    pkg-config and the compiler alone; also a host in C
 #   tests/package/consumer.sh folder SOURCE FOLDER        add_subdirectory; compiled only, which is quick
 source "$(dirname "${BASH_SOURCE[0]}")/../../scripts/common.sh"
 
@@ -45,6 +45,10 @@ pkg-config)
     "$CXX" -std=c++17 examples/minimal_host.cpp "${flags[@]}" \
         -Wl,-rpath,"$(pkg-config --variable=libdir meta_analysis)" -o "$folder/host"
     run "$folder/host"
+    # The host in C; the figures are those of tests/reference/bcg_vaccine.json.
+    "${CC:-cc}" -std=c11 -Wall -Wextra -pedantic -Werror examples/c_host.c "${flags[@]}" -lm \
+        -Wl,-rpath,"$(pkg-config --variable=libdir meta_analysis)" -o "$folder/c_host"
+    "$folder/c_host" | grep -F 'odds-ratio: 0.4746, 95% interval 0.3296 to 0.6835'
     ;;
 folder)
     configure -D META_ANALYSIS_FOLDER="$place"

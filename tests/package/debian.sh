@@ -25,4 +25,8 @@ libraries=$(dirname "$(find "$root" -name libmeta_analysis.so)")
 loader=$(readelf --string-dump=.interp "$program" | grep -o '/.*')
 "$loader" --library-path "$libraries" "$program" "${bcg_vaccine[@]}" | grep -F '0.4746 [0.3296, 0.6835]'
 
+if [[ -e $root/usr/lib/python3 ]]; then
+    LD_LIBRARY_PATH=$libraries tests/package/python.sh "$root/usr"
+fi
+
 tests/package/consumer.sh pkg-config "$root" "$root/consumer"

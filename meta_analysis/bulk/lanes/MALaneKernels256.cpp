@@ -1,0 +1,12 @@
+// For processors with AVX2.
+
+#include "meta_analysis/bulk/lanes/MALaneKernelsOf.h"
+
+#if defined(__x86_64__)
+namespace MA_NAMESPACE {
+
+using Lanes256 = double __attribute__((vector_size(32)));
+const MALaneKernels laneKernels256 = MALaneKernelsOf<Lanes256>::kernels;
+
+} // namespace MA_NAMESPACE
+#endif
