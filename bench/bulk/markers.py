@@ -8,9 +8,9 @@ markers.py FOLDER --rows N [--seed N]                      grouped.tsv: one file
                                                            studies
 
 A marker has a frequency f of its effect allele between 0.05 and 0.95, a mean effect from N(0, 0.02²) and, half of the
-markers, a standard deviation tau of 0.02 between studies. A study has n people, between 2,000 and 50,000. Its effect is
-from N(mean, tau² + se²) with se² = 1 / (2 f (1 - f) n). Of each study 5 % of the markers are missing. Files with alleles
-have them swapped, and the sign of the effect with them, in 2 % of their rows; one pair in six is A/T or C/G.
+markers, a standard deviation tau of 0.02 between studies. A study has n people, between 2,000 and 50,000. Its effect
+is from N(mean, tau² + se²) with se² = 1 / (2 f (1 - f) n). Of each study 5 % of the markers are missing. Files with
+alleles have them swapped, and the sign of the effect with them, in 2 % of their rows; one pair in six is A/T or C/G.
 """
 
 import argparse
