@@ -18,17 +18,17 @@ import sys
 import agreement
 from contest import Contest
 
-INFERENCE = ["--tau2", "reml", "--knapp-hartung", "adjusted"]
-COLUMNS = ["--key", "SNP", "--effect-size", "BETA", "--std-error", "SE", "--effect-allele", "A1", "--other-allele", "A2"]
+INFERENCE = "--tau2 reml --knapp-hartung adjusted".split()
+COLUMNS = "--key SNP --effect-size BETA --std-error SE --effect-allele A1 --other-allele A2".split()
 
 
 def contests(program, folder, results):
-    plain, packed, ordered = (sorted(map(str, folder.glob(files))) for files in ("genome/*.tsv", "genome/*.gz", "sorted/*.tsv"))
+    plain, packed, ordered = (sorted(folder.glob(files)) for files in ("genome/*.tsv", "genome/*.gz", "sorted/*.tsv"))
     listed = results / "studies"
-    listed.write_text("\n".join(plain) + "\n")
+    listed.write_text("".join(f"{path}\n" for path in plain))
 
     def plink(files, name):
-        return ["plink1.9", "--meta-analysis", *files, "+", "qt", "report-all", "--threads", "1", "--out", results / name]
+        return ["plink1.9", "--threads", "1", "--out", results / name, "--meta-analysis", *files, "+", "qt", "report-all"]
 
     def pool(files, threads, *options):
         output = results / "pooled.tsv"
@@ -52,7 +52,8 @@ def contests(program, folder, results):
 def table(entries, markers):
     """The lines of the table, and the names of those that miss their target."""
     seconds = {entry.name: entry.seconds for entry in entries}
-    lines = [f"{'command':<26}{'seconds':>9}{'of CPU':>8}{'markers/s':>12}{'MB':>6}{'x plink':>9}{'target':>8}{'met':>5}"]
+    heads = f"{'command':<26}{'seconds':>9}{'of CPU':>8}{'markers/s':>12}{'MB':>6}{'x plink':>9}{'target':>8}{'met':>5}"
+    lines = [heads]
     missed = []
     for entry in entries:
         line = f"{entry.name:<26}{entry.seconds:9.3f}{entry.processor_seconds:8.2f}"
@@ -70,7 +71,7 @@ def table(entries, markers):
 
 def compare_figures(program, folder, results):
     """Pools by the peers' own models. Returns the sentences of the comparison and whether all figures agree."""
-    files = sorted(map(str, (folder / "genome").glob("*.tsv")))
+    files = sorted(folder.glob("genome/*.tsv"))
     ours = {}
     for model, options in {"fixed": ["--model", "fixed"], "moments": ["--tau2", "dl"]}.items():
         output = results / f"{model}.tsv"

@@ -3,13 +3,14 @@
 
 markers.py FOLDER [--markers N] [--studies N] [--seed N]   genome/: a file a study in the order of the genome, also
                                                            packed; sorted/: the same rows by key
-markers.py FOLDER --rows N [--seed N]                      grouped.tsv: one file, ten rows a marker, less those that
-                                                           are missing; split/: the same rows, a file a study
+markers.py FOLDER --rows N [--seed N]                      grouped.tsv: one file of about N rows, those of a marker
+                                                           together; split/: the same rows, a file for each of ten
+                                                           studies
 
 A marker has a frequency f of its effect allele between 0.05 and 0.95, a mean effect from N(0, 0.02²) and, half of the
-markers, a standard deviation tau of 0.02 between studies. A study has n people, between 2,000 and 50,000. Its effect is
-from N(mean, tau² + se²) with se² = 1 / (2 f (1 - f) n). Of each study 5 % of the markers are missing. Files with alleles
-have them swapped, and the sign of the effect with them, in 2 % of their rows; one pair in six is A/T or C/G.
+markers, a standard deviation tau of 0.02 between studies. A study has n people, between 2,000 and 50,000. Its effect
+is from N(mean, tau² + se²) with se² = 1 / (2 f (1 - f) n). Of each study 5 % of the markers are missing. Files with
+alleles have them swapped, and the sign of the effect with them, in 2 % of their rows; one pair in six is A/T or C/G.
 """
 
 import argparse
@@ -104,8 +105,9 @@ def write_grouped(folder, rows, seed):
         files = [stack.enter_context(open(path, "w", encoding="ascii")) for path in paths]
         for file in files:
             file.write("SNP\tSTUDY\tBETA\tSE\n")
-        for first in range(0, rows // GROUPED_STUDIES, MARKERS_AT_ONCE):
-            count = min(MARKERS_AT_ONCE, rows // GROUPED_STUDIES - first)
+        markers = round(rows / (GROUPED_STUDIES * (1 - SHARE_MISSING)))
+        for first in range(0, markers, MARKERS_AT_ONCE):
+            count = min(MARKERS_AT_ONCE, markers - first)
             effect, error = effects(random, Markers(random, count), people)
             columns = numpy.empty((count, GROUPED_STUDIES, 4))
             columns[..., 0] = numpy.arange(first, first + count)[:, numpy.newaxis]

@@ -14,7 +14,9 @@ import sys
 from contest import Contest
 
 MEGABYTES_ALLOWED = 100
-OPTIONS = "--key SNP --effect-size BETA --std-error SE --tau2 reml --knapp-hartung adjusted --threads 2 --output".split()
+COLUMNS = "--key SNP --effect-size BETA --std-error SE".split()
+MODEL = "--tau2 reml --knapp-hartung adjusted".split()
+OPTIONS = [*COLUMNS, *MODEL, "--threads", "2", "--output"]
 
 
 def main():

@@ -7,6 +7,7 @@
 #include "host/text/StatusText.h"
 
 #include <fmt/format.h>
+#include <sys/resource.h>
 
 #include <algorithm>
 #include <cstddef>
@@ -22,6 +23,16 @@ std::size_t BlockSizeFor(std::size_t openFiles)
     constexpr std::size_t SMALLEST = std::size_t{1} << 14;
     constexpr std::size_t OF_ALL = std::size_t{1} << 23;
     return std::clamp(OF_ALL / openFiles, SMALLEST, LARGEST);
+}
+
+/// Raises the limit of open files as far as the user may: a study is a file.
+void AllowManyFiles()
+{
+    rlimit limit{};
+    if (getrlimit(RLIMIT_NOFILE, &limit) != 0)
+        return;
+    limit.rlim_cur = limit.rlim_max;
+    setrlimit(RLIMIT_NOFILE, &limit); // without it, a file that cannot be opened says so
 }
 
 /// Ends the threads before what they work on.
@@ -98,6 +109,7 @@ ExitStatus RunBatch(const Options& options)
 {
     CheckBatchPlaces(options.batch);
     RemoveTemporaryFilesOnSignals();
+    AllowManyFiles();
     try {
         BatchRun run(options);
         run.Run();

@@ -2,6 +2,7 @@
 
 #include "host/text/UnusableInput.h"
 
+#include <algorithm>
 #include <cstring>
 #include <functional>
 
@@ -169,7 +170,7 @@ void KeyedRows::Enter(Position key, std::uint64_t hash)
 /// The keys are read once more, so that the old table need not be kept for it.
 void KeyedRows::GrowTable()
 {
-    const std::size_t size = table_.size() + table_.size() / 2;
+    const std::size_t size = table_.size() + table_.size() / 4;
     table_ = {};
     tags_ = {};
     table_.assign(size, 0);
@@ -201,6 +202,17 @@ KeyedRows::Position KeyedRows::Find(std::string_view key, const Alleles& alleles
     return position;
 }
 
+void KeyedRows::SetPrevious(RowPage& page, std::size_t place, std::uint32_t previous)
+{
+    if (!page.previous && previous == NO_ROW)
+        return;
+    if (!page.previous) {
+        page.previous = std::make_unique_for_overwrite<std::uint32_t[]>(ROWS_OF_PAGE);
+        std::fill_n(page.previous.get(), ROWS_OF_PAGE, NO_ROW);
+    }
+    page.previous[place] = previous;
+}
+
 void KeyedRows::Add(Position key, double effectSize, double variance)
 {
     if (rowCount_ == NO_ROW)
@@ -211,7 +223,7 @@ void KeyedRows::Add(Position key, double effectSize, double variance)
     RowPage& page = *rowPages_.back();
     page.effectSizes[place] = effectSize;
     page.variances[place] = variance;
-    page.previous[place] = LastRow(key);
+    SetPrevious(page, place, LastRow(key));
     std::memcpy(Entry(key), &rowCount_, sizeof rowCount_);
     ++rowCount_;
 }

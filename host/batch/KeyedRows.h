@@ -2,6 +2,7 @@
 
 #include "host/batch/Alleles.h"
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -13,9 +14,10 @@
 
 namespace host {
 
-/// The numbers of rows by their keys, in memory. Beside the two numbers a row takes four bytes, and a key
-/// takes about 14 beside its text: the keys stand one behind the other in the order in which they came, found
-/// by a table of positions, and the rows of a key are a list from the last one back to the first.
+/// The numbers of rows by their keys, in memory. Beside the two numbers a row takes four bytes unless it is
+/// the first of its key, and a key takes about 14 beside its text: the keys stand one behind the other in the
+/// order in which they came, found by a table of positions, and the rows of a key are a list from the last
+/// one back to the first.
 class KeyedRows
 {
 public:
@@ -48,10 +50,11 @@ public:
     void ForEachRow(Position key, const Use& use)
     {
         chain_.clear();
-        for (std::uint32_t row = LastRow(key); row != NO_ROW; row = PageOf(row).previous[row % ROWS_OF_PAGE])
+        for (std::uint32_t row = LastRow(key); row != NO_ROW; row = Previous(row))
             chain_.push_back(row);
-        for (auto row = chain_.rbegin(); row != chain_.rend(); ++row)
-            use(PageOf(*row).effectSizes[*row % ROWS_OF_PAGE], PageOf(*row).variances[*row % ROWS_OF_PAGE]);
+        std::reverse(chain_.begin(), chain_.end());
+        for (const std::uint32_t row : chain_)
+            use(PageOf(row).effectSizes[row % ROWS_OF_PAGE], PageOf(row).variances[row % ROWS_OF_PAGE]);
     }
 
 private:
@@ -61,7 +64,7 @@ private:
     {
         double effectSizes[ROWS_OF_PAGE];
         double variances[ROWS_OF_PAGE];
-        std::uint32_t previous[ROWS_OF_PAGE]; ///< row of the same key
+        std::unique_ptr<std::uint32_t[]> previous; ///< rows of the same keys; none where all are first
     };
     struct KeyPage
     {
@@ -70,6 +73,12 @@ private:
     };
 
     const RowPage& PageOf(std::uint32_t row) const { return *rowPages_[row / ROWS_OF_PAGE]; }
+    std::uint32_t Previous(std::uint32_t row) const
+    {
+        const RowPage& page = PageOf(row);
+        return page.previous ? page.previous[row % ROWS_OF_PAGE] : NO_ROW;
+    }
+    static void SetPrevious(RowPage& page, std::size_t place, std::uint32_t previous);
     char* Entry(Position key) const;
     std::size_t SizeAt(Position key, std::size_t place) const;
     std::size_t KeyStart() const { return hasAlleles_ ? 10 : 6; }

@@ -158,9 +158,10 @@ void OutputFile::Commit()
 
 void RemoveTemporaryFilesOnSignals()
 {
-    for (const int signal : {SIGINT, SIGTERM, SIGHUP})
+    for (const int signal : {SIGINT, SIGTERM, SIGHUP, SIGQUIT})
         if (std::signal(signal, RemoveAndEnd) == SIG_IGN)
             std::signal(signal, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN); // a file that is too large fails to be written
 }
 
 } // namespace host

@@ -38,7 +38,8 @@ private:
     int file_ = -1;
 };
 
-/// From now on SIGINT, SIGTERM and SIGHUP remove the temporary files before they end the program.
+/// From now on SIGINT, SIGTERM, SIGHUP and SIGQUIT remove the temporary files before they end the program,
+/// unless they were ignored.
 void RemoveTemporaryFilesOnSignals();
 
 } // namespace host

@@ -16,8 +16,9 @@ constexpr std::size_t LONGEST_NUMBER = 32;
 char* Put(char* to, double value)
 {
     if (std::isnan(value)) {
-        std::memcpy(to, "NA", 2);
-        return to + 2;
+        *to++ = 'N';
+        *to++ = 'A';
+        return to;
     }
     return std::to_chars(to, to + LONGEST_NUMBER, value + 0.0).ptr; // 0 has no sign
 }

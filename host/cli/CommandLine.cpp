@@ -34,6 +34,11 @@ constexpr const char* EXIT_STATUSES =
     "sentence are on standard error; --json holds what was computed before); 2 unusable arguments or data\n"
     "(nothing is written), or a file or a picture could not be written (everything else is).";
 
+constexpr const char* BATCH_EXIT_STATUSES =
+    "Exit status: 0 the run came to its end, rows left out or not; 1 the library returned an error (its code "
+    "and a\n"
+    "sentence are on standard error); 2 unusable arguments or data, or a file could not be written.";
+
 /// Help with a usage line that names the data file like any other argument.
 class HelpFormatter : public CLI::Formatter
 {
@@ -115,7 +120,7 @@ void AddOptions(CommandParser& parser)
         AddOption(app, Noted(definition, parser.options.given));
     for (const OptionDefinition& definition : OutputOptions(parser.options))
         AddOption(app, definition);
-    app.footer(EXIT_STATUSES);
+    app.footer(parser.options.command == Command::BATCH ? BATCH_EXIT_STATUSES : EXIT_STATUSES);
 }
 
 void AddCommands(CLI::App& program, CommandParsers& parsers)

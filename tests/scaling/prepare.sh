@@ -7,15 +7,15 @@ rm -rf "$1"
 mkdir -p "$1"
 cd "$1"
 
-rows=100000
-/usr/bin/python3 "$source_folder/bench/bulk/markers.py" . --rows $rows
+/usr/bin/python3 "$source_folder/bench/bulk/markers.py" . --rows 100000
+last_key=$(tail -n 1 grouped.tsv | cut -f 1)
 
 # by_chromosome FOLDER FILE: parts of a file by the numbers of its keys.
 by_chromosome() {
     mkdir -p "$1"
-    awk -F'\t' -v folder="$1" -v markers=$((rows / 10)) '
+    awk -F'\t' -v folder="$1" -v last="${last_key#rs}" '
         NR == 1 { for (i = 1; i <= 22; ++i) print >(folder "/chr" i ".tsv"); next }
-        { print >(folder "/chr" 1 + int(substr($1, 3) * 22 / markers) ".tsv") }' "$2"
+        { print >(folder "/chr" 1 + int(substr($1, 3) * 22 / (last + 1)) ".tsv") }' "$2"
 }
 by_chromosome chromosomes grouped.tsv
 for study in split/*.tsv; do

@@ -84,7 +84,7 @@ within 10 node_is_idle
 mkdir -p pooled_by_slurm
 rm -f pooled_by_slurm/*
 sbatch --cpus-per-task=1 "$example"
-within 35 queue_is_empty
+within 60 queue_is_empty
 
 for file in expected/*.tsv; do
     cmp "$file" "pooled_by_slurm/${file##*/}"
