@@ -44,9 +44,14 @@ struct Bulk
         r.rSquare = ofSets("R2"), r.dispersion = ofSets("dispersion"), r.modelStatistic = ofSets("QM");
         r.modelDf1 = counts("QM_df"), r.modelDf2 = counts("QM_df2"), r.modelPValue = ofSets("QM_p");
         r.modelMinusLog10P = ofSets("QM_log"), r.status = counts("status");
+        return Run(model, r, threads);
+    }
+
+    KXStatus Run(const MABulkRegression& model, const MABulkRegressionResults& results, int threads) const
+    {
         const auto sets = static_cast<std::ptrdiff_t>(setCount);
         return RegressSets({{effects.data(), sets, 1}, {variances.data(), sets, 1}, studies, setCount},
-                           {design.data(), static_cast<std::ptrdiff_t>(columns), 1, columns}, model, r,
+                           {design.data(), static_cast<std::ptrdiff_t>(columns), 1, columns}, model, results,
                            threads);
     }
 
@@ -258,6 +263,32 @@ TEST(MABulkRegression, DependsNeitherOnThreadsNorOnTheOrderOfResults)
             EXPECT_TRUE(Same(others.numbers["cov"][set * 16 + j * 4 + 3],
                              one.numbers["cov"][(j * 4 + 3) * one.setCount + set]));
         }
+}
+
+/// The interval starts from what the check of tau² evaluates, wanted or not.
+TEST(MABulkRegression, HasTheSameIntervalWithoutOtherColumns)
+{
+    constexpr std::size_t k = 12;
+    Bulk bulk(k, 4, 1000);
+    std::mt19937 generator(1);
+    std::normal_distribution<double> normal;
+    std::uniform_real_distribution<double> stdError(0.03, 0.7);
+    for (std::size_t i = 0; i < bulk.design.size(); ++i)
+        bulk.design[i] = i % bulk.columns == 0 ? 1.0 : normal(generator);
+    for (std::size_t i = 0; i < bulk.effects.size(); ++i) {
+        const double error = stdError(generator);
+        bulk.effects[i] = std::hypot(error, 0.2) * normal(generator);
+        bulk.variances[i] = error * error;
+    }
+    MABulkRegression model;
+    model.tau2Interval = MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD;
+    model.alpha = 0.5;
+    ASSERT_TRUE(bulk.Run(model).IsOK());
+    std::vector<double> uppers(bulk.setCount);
+    MABulkRegressionResults alone;
+    alone.tau2Upper = uppers.data();
+    ASSERT_TRUE(bulk.Run(model, alone, 1).IsOK());
+    EXPECT_TRUE(Same(uppers, bulk.numbers["tau2_upper"]));
 }
 
 /// Log risk ratios on an intercept and the absolute latitude. The figures' own solver stops below a step of
