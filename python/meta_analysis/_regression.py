@@ -224,7 +224,8 @@ def regression(
     if len(shape) == 2:
         return RegressionResult(_core.regress_block(y, v, x, options, wanted), options, labels)
     one = _core.regress_block(y, v, x, options, also_left_out(wanted))
-    return RegressionResult(columns_of_one(one, wanted, LEFT_OUT + ", or the design has a missing value"), options, labels)
+    reasons = LEFT_OUT + ", or the design has a missing value"
+    return RegressionResult(columns_of_one(one, wanted, reasons), options, labels)
 
 
 def _design(
