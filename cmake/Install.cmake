@@ -3,17 +3,16 @@
 # python/ installs itself.
 include(CMakePackageConfigHelpers)
 
-# The CMake package MetaAnalysis. The library depends on nothing that a host would have to find first, so the
-# exported targets are the whole configuration.
+# The CMake package MetaAnalysis. It finds what the exported targets link.
 set(cmake_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/MetaAnalysis)
 install(TARGETS meta_analysis meta_analysis_static EXPORT MetaAnalysis
         LIBRARY COMPONENT meta_analysis_library NAMELINK_COMPONENT meta_analysis_development
         ARCHIVE COMPONENT meta_analysis_development)
-install(EXPORT MetaAnalysis NAMESPACE MetaAnalysis:: FILE MetaAnalysisConfig.cmake
+install(EXPORT MetaAnalysis NAMESPACE MetaAnalysis:: FILE MetaAnalysisTargets.cmake
         DESTINATION ${cmake_package_dir} COMPONENT meta_analysis_development)
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/MetaAnalysisConfigVersion.cmake
                                  COMPATIBILITY SameMinorVersion)
-install(FILES ${PROJECT_BINARY_DIR}/MetaAnalysisConfigVersion.cmake
+install(FILES cmake/MetaAnalysisConfig.cmake ${PROJECT_BINARY_DIR}/MetaAnalysisConfigVersion.cmake
         DESTINATION ${cmake_package_dir} COMPONENT meta_analysis_development)
 
 # The pkg-config file and the program know their surroundings from their own place, so that an installed tree

@@ -14,14 +14,10 @@
 
 namespace host {
 
-// A table of choices is an array of rows with a `name` and a `value`: of MAChoice, or of a type that says
-// more about each value.
-
-// The library has some of the tables, and what checks them.
+// The library has some of the tables, what they are, and what checks them. Parts of a table are vectors of its
+// rows.
 using MA_NAMESPACE::HasEachEnumerator;
 using MA_NAMESPACE::MAChoice;
-
-// Parts of a table are vectors of its rows.
 
 /// The names, in the order of the table.
 template <class Table>

@@ -1,28 +1,25 @@
 #include "meta_analysis/bulk/MABulkPooling.h"
 
+#include "meta_analysis/bulk/MABulkChecks.h"
 #include "meta_analysis/bulk/MABulkColumns.h"
-#include "meta_analysis/bulk/MABulkThreads.h"
+#include "meta_analysis/bulk/MABulkWork.h"
 #include "meta_analysis/bulk/MAGatheredSet.h"
-#include "meta_analysis/bulk/lanes/MALanePooler.h"
+#include "meta_analysis/bulk/MALanePooler.h"
+#include "meta_analysis/bulk/lanes/MALaneCode.h"
 #include "meta_analysis/inference/MAQuantiles.h"
 #include "meta_analysis/pooling/MAPooling.h"
-#include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/Memory.h"
 
+#include <algorithm>
 #include <array>
-#include <atomic>
 #include <cmath>
-#include <exception>
 #include <optional>
 #include <vector>
 
 namespace MA_NAMESPACE {
 
 namespace {
-
-/// Degrees of freedom whose quantiles are remembered. Those of larger sets cost less than the sets.
-constexpr std::size_t mostRemembered = 1024;
 
 MAPooledModel Pool(const MAEffects& studies, const MARandomEffectsChoice& choice,
                    const MAWantedResults& wanted, MAQuantiles& quantiles)
@@ -45,8 +42,6 @@ struct BulkCall
     const MABulkResults& results;
     MAWantedResults wanted;
     std::size_t largestCount;
-    std::atomic<std::size_t> next = 0; ///< the first set that no thread has taken
-    std::atomic<bool> hasMemory = true;
 };
 
 /// What one thread pools with: small sets side by side where the model allows, others alone.
@@ -54,34 +49,21 @@ template <class Sets, class Choice>
 class SetPooler
 {
 public:
-    explicit SetPooler(BulkCall<Sets, Choice>& call)
+    explicit SetPooler(const BulkCall<Sets, Choice>& call)
         : call_(call),
-          remembered_(std::min(call.largestCount + 1, mostRemembered)),
+          remembered_(MAQuantiles::MemoryFor(call.largestCount)),
           quantiles_(call.choice.alpha, remembered_),
           alone_(call.largestCount)
     {
         if (!MALanePooler::Takes(call.choice, call.wanted))
             return;
-        const MALaneKernels& kernels = WidestLaneKernels();
+        const MALaneKernels& kernels = WidestLaneCode().kernels;
         lanes_.emplace(kernels);
         inLanes_.assign(kernels.laneCount,
                         MAGatheredSet(std::min(call.largestCount, MALanePooler::mostStudies)));
     }
 
-    void PoolAll()
-    {
-        std::size_t first = call_.next;
-        while (first < call_.sets.setCount) {
-            const std::size_t end = EndOfChunk(call_.sets, first);
-            if (!call_.next.compare_exchange_weak(first, end))
-                continue;
-            PoolChunk(first, end);
-            first = call_.next;
-        }
-    }
-
-private:
-    void PoolChunk(std::size_t first, std::size_t end)
+    void operator()(std::size_t first, std::size_t end)
     {
         for (std::size_t set = first; set < end; ++set) {
             if (AddToLanes(set))
@@ -92,6 +74,7 @@ private:
         PoolLanes();
     }
 
+private:
     void Take(std::size_t set, MAGatheredSet& gathered)
     {
         Gather(call_.sets, set, gathered);
@@ -132,7 +115,7 @@ private:
         filled_ = 0;
     }
 
-    BulkCall<Sets, Choice>& call_;
+    const BulkCall<Sets, Choice>& call_;
     std::vector<MAQuantiles::Remembered> remembered_;
     MAQuantiles quantiles_;
     MAGatheredSet alone_;
@@ -141,30 +124,6 @@ private:
     std::array<std::size_t, mostLanes> setOfLane_{};
     std::size_t filled_ = 0;
 };
-
-/// A thread for which there is no memory leaves its part to the others.
-template <class Sets, class Choice>
-KXStatus PoolAll(const Sets& sets, const Choice& choice, const MABulkResults& results, int threadCount)
-{
-    using Pooler = SetPooler<Sets, Choice>;
-    BulkCall<Sets, Choice> call{sets, choice, results, WantedBy(results), LargestCount(sets)};
-    Pooler own(call);
-    std::atomic<bool> isOwnTaken = false;
-    const auto work = [&]() noexcept {
-        try {
-            std::optional<Pooler> others;
-            Pooler& pooler = isOwnTaken.exchange(true) ? others.emplace(call) : own;
-            try {
-                pooler.PoolAll();
-            } catch (const std::exception&) {
-                call.hasMemory = false;
-            }
-        } catch (const std::exception&) {
-        }
-    };
-    RunOnThreads(ThreadCountOf(threadCount, ChunkCount(sets)), work);
-    return call.hasMemory ? KXStatus() : KXStatus(MAStatusCode::OUT_OF_MEMORY);
-}
 
 /// The check of tau² is wanted with the status; the global search needs none but where it can prove nothing.
 MARandomEffectsChoice ChoiceFor(const MABulkResults& results, MARandomEffectsChoice choice)
@@ -179,32 +138,28 @@ MAFixedEffectChoice ChoiceFor(const MABulkResults&, const MAFixedEffectChoice& c
     return choice;
 }
 
-bool IsBetween(int value, int first, int last)
+bool AreKnown(const MARandomEffectsChoice& choice)
 {
-    return value >= first && value <= last;
+    return IsKnown(choice.estimator) && IsKnown(choice.search) && IsKnown(choice.knappHartung) &&
+           IsKnown(choice.tau2Interval) &&
+           IsBetween(choice.prediction, MAConst::PREDICTION_T_K_MINUS_2, MAConst::PREDICTION_NORMAL) &&
+           std::isfinite(choice.limits.tolerance);
 }
 
-bool IsKnown(const MARandomEffectsChoice& choice)
-{
-    using namespace MAConst;
-    return IsEstimator(choice.estimator) && std::isfinite(choice.limits.tolerance) &&
-           IsBetween(choice.knappHartung, KNAPP_HARTUNG_NONE, KNAPP_HARTUNG_IF_HETEROGENEOUS) &&
-           IsBetween(choice.search, TAU2_SEARCH_SCORING, TAU2_SEARCH_GLOBAL) &&
-           IsBetween(choice.tau2Interval, TAU2_INTERVAL_NONE, TAU2_INTERVAL_PROFILE_LIKELIHOOD) &&
-           IsBetween(choice.prediction, PREDICTION_T_K_MINUS_2, PREDICTION_NORMAL);
-}
-
-bool IsKnown(const MAFixedEffectChoice& choice)
+bool AreKnown(const MAFixedEffectChoice& choice)
 {
     return std::isfinite(choice.nullHypothesis);
 }
 
-template <class Choice>
-KXStatus Check(const Choice& choice)
+template <class Sets, class Choice>
+KXStatus PoolBy(const Choice& given, const Sets& sets, const MABulkResults& results, int threadCount)
 {
-    if (!(choice.alpha > 0.0 && choice.alpha < 1.0))
-        return KXStatus(MAStatusCode::BULK_ALPHA_OUTSIDE);
-    return IsKnown(choice) ? KXStatus() : KXStatus(MAStatusCode::BULK_CHOICE_UNKNOWN);
+    const KXStatus checked = CheckChoices(given.alpha, AreKnown(given));
+    if (checked.IsError())
+        return checked;
+    const Choice choice = ChoiceFor(results, given);
+    const BulkCall<Sets, Choice> call{sets, choice, results, WantedBy(results), LargestCount(sets)};
+    return WorkOnSets<SetPooler<Sets, Choice>>(call, threadCount);
 }
 
 template <class Sets>
@@ -215,13 +170,8 @@ KXStatus PoolUsable(const Sets& sets, const MABulkModel& model, const MABulkResu
     return Guarded(status, [&]() -> KXStatus {
         if (!AreUsable(sets))
             return KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
-        return std::visit(
-            [&](const auto& choice) {
-                const KXStatus checked = Check(choice);
-                return checked.IsError() ? checked
-                                         : PoolAll(sets, ChoiceFor(results, choice), results, threadCount);
-            },
-            model);
+        return std::visit([&](const auto& choice) { return PoolBy(choice, sets, results, threadCount); },
+                          model);
     });
 }
 

@@ -1,12 +1,13 @@
 #include "meta_analysis/bulk/MABulkRegression.h"
 
+#include "meta_analysis/bulk/MABulkChecks.h"
 #include "meta_analysis/bulk/MABulkRegressionColumns.h"
 #include "meta_analysis/bulk/MABulkWork.h"
 #include "meta_analysis/bulk/MAGatheredSet.h"
+#include "meta_analysis/bulk/MALaneEvaluations.h"
 #include "meta_analysis/bulk/MASetRegression.h"
-#include "meta_analysis/bulk/lanes/MALaneEvaluations.h"
+#include "meta_analysis/bulk/lanes/MALaneCode.h"
 #include "meta_analysis/regression/design/MADesignRow.h"
-#include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/Memory.h"
 
@@ -128,7 +129,7 @@ private:
 };
 
 SetWorker::SetWorker(const BulkCall& call)
-    : call_(call), evaluations_(WidestLaneFitKernels()), gathered_(WidestLaneFitKernels().laneCount)
+    : call_(call), evaluations_(WidestLaneCode().fits), gathered_(WidestLaneCode().fits.laneCount)
 {
     const std::size_t p = call.design.Positions().size();
     for (GatheredRows& gathered : gathered_) {
@@ -206,21 +207,15 @@ bool SetWorker::AddRow(std::size_t study, double effectSize, double variance, MA
     return true;
 }
 
-bool IsBetween(int value, int first, int last)
+/// Of tolerances and limits `MARegSettings` takes no others.
+bool AreKnown(const MABulkRegression& model)
 {
-    return value >= first && value <= last;
-}
-
-bool IsKnown(const MABulkRegression& model)
-{
-    using namespace MAConst;
-    const bool hasTolerances = model.redundancyTolerance >= 0.0 && model.redundancyTolerance < 1.0 &&
-                               model.tau2.limits.tolerance > 0.0 && model.tau2.limits.maxStepHalving > 0;
-    return hasTolerances && IsEstimator(model.tau2.estimator) && std::isfinite(model.tau2.limits.tolerance) &&
-           IsBetween(model.knappHartung, KNAPP_HARTUNG_NONE, KNAPP_HARTUNG_IF_HETEROGENEOUS) &&
-           IsBetween(model.tau2.search, TAU2_SEARCH_SCORING, TAU2_SEARCH_GLOBAL) &&
-           IsBetween(model.tau2Interval, TAU2_INTERVAL_NONE, TAU2_INTERVAL_PROFILE_LIKELIHOOD) &&
-           IsBetween(model.tests, TEST_STUDENT_T, TEST_STANDARD_NORMAL);
+    const MAIterationLimits& limits = model.tau2.limits;
+    return IsKnown(model.tau2.estimator) && IsKnown(model.tau2.search) && IsKnown(model.knappHartung) &&
+           IsKnown(model.tau2Interval) &&
+           IsBetween(model.tests, MAConst::TEST_STUDENT_T, MAConst::TEST_STANDARD_NORMAL) &&
+           std::isfinite(limits.tolerance) && limits.tolerance > 0.0 && limits.maxStepHalving > 0 &&
+           model.redundancyTolerance >= 0.0 && model.redundancyTolerance < 1.0;
 }
 
 KXStatus Check(const MABlockSets& sets, const MABulkDesign& design, const MABulkRegression& model)
@@ -228,9 +223,7 @@ KXStatus Check(const MABlockSets& sets, const MABulkDesign& design, const MABulk
     const bool needsDesign = sets.setCount > 0 && sets.studyCount > 0 && design.columnCount > 0;
     if (!AreUsable(sets) || (needsDesign && design.values == nullptr))
         return KXStatus(MAStatusCode::INPUT_NOT_GIVEN);
-    if (!(model.alpha > 0.0 && model.alpha < 1.0))
-        return KXStatus(MAStatusCode::BULK_ALPHA_OUTSIDE);
-    return IsKnown(model) ? KXStatus() : KXStatus(MAStatusCode::BULK_CHOICE_UNKNOWN);
+    return CheckChoices(model.alpha, AreKnown(model));
 }
 
 } // namespace
@@ -246,7 +239,7 @@ KXStatus RegressSets(const MABlockSets& sets, const MABulkDesign& design, const 
         const SharedDesign shared(design, sets.studyCount);
         const MARegSettings settings = SettingsOf(model, shared.HasIntercept());
         const BulkCall call{sets, model, results, shared, settings, WantedBy(results)};
-        return WorkOnSets<SetWorker>(call, sets.setCount, EndOfChunk(sets, 0), threadCount);
+        return WorkOnSets<SetWorker>(call, threadCount);
     });
 }
 

@@ -13,7 +13,8 @@ namespace MA_NAMESPACE {
 /// The predictors that all sets share: studies x columns anywhere in memory; strides count values, and may be
 /// negative. Columns are taken as they are, without an intercept beside them. The first column that is 1 in
 /// every study is the intercept, wherever it stands: the model test leaves it out, and the other columns are
-/// counted from their means. A study with a NaN among its predictors is left out of every set.
+/// counted from their means. A study with a NaN among its predictors is left out of every set, as is one with
+/// an infinite value.
 struct MABulkDesign
 {
     const double* values = nullptr; ///< of the first column of the first study
@@ -95,8 +96,8 @@ struct MABulkRegressionResults
 /// Errors of the whole call: INPUT_NOT_GIVEN for values that are a null pointer though there are studies;
 /// BULK_ALPHA_OUTSIDE; BULK_CHOICE_UNKNOWN for a choice outside its enumeration, a step-halving limit below
 /// 1, a tolerance of steps that is not positive and finite, and one of redundancy outside 0 ... 1;
-/// OUT_OF_MEMORY. Each thread takes its memory once; a set takes some more where a column is redundant,
-/// variances span many powers of ten, or a study decides alone.
+/// OUT_OF_MEMORY. Each thread takes its memory once; a set takes some more where there are more than 4
+/// columns, one is redundant, variances span many powers of ten, or a study decides alone.
 META_ANALYSIS_EXPORT KXStatus RegressSets(const MABlockSets& sets, const MABulkDesign& design,
                                           const MABulkRegression& model,
                                           const MABulkRegressionResults& results,

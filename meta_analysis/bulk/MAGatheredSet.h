@@ -91,36 +91,4 @@ inline bool AreUsable(const MABlockSets& sets)
     return isEmpty || (sets.effectSizes.values != nullptr && sets.variances.values != nullptr);
 }
 
-/// Studies and sets that a thread takes at a time.
-constexpr std::size_t chunkStudies = 8192;
-constexpr std::size_t chunkSets = 1024;
-
-/// The end of a chunk of at least one set: about `chunkStudies`, whatever the lengths of the sets.
-inline std::size_t EndOfChunk(const MARaggedSets& sets, std::size_t first)
-{
-    const std::size_t* const begin = sets.offsets + first + 1;
-    const std::size_t* const end = sets.offsets + std::min(first + chunkSets, sets.setCount);
-    return static_cast<std::size_t>(std::lower_bound(begin, end, sets.offsets[first] + chunkStudies) -
-                                    sets.offsets);
-}
-
-/// About as many threads have something to do.
-inline std::size_t ChunkCount(const MARaggedSets& sets)
-{
-    const std::size_t studies = sets.setCount == 0 ? 0 : sets.offsets[sets.setCount] - sets.offsets[0];
-    return std::min(std::max(studies / chunkStudies, sets.setCount / chunkSets) + 1, sets.setCount);
-}
-
-inline std::size_t EndOfChunk(const MABlockSets& sets, std::size_t first)
-{
-    const std::size_t count = chunkStudies / std::max<std::size_t>(sets.studyCount, 1);
-    return std::min(first + std::clamp<std::size_t>(count, 1, chunkSets), sets.setCount);
-}
-
-inline std::size_t ChunkCount(const MABlockSets& sets)
-{
-    const std::size_t chunk = std::max<std::size_t>(EndOfChunk(sets, 0), 1);
-    return (sets.setCount + chunk - 1) / chunk;
-}
-
 } // namespace MA_NAMESPACE

@@ -6,17 +6,9 @@
 #include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
-#include <algorithm>
 #include <cmath>
 
 namespace MA_NAMESPACE {
-
-namespace {
-
-/// Degrees of freedom whose quantiles are remembered. Those of larger sets cost less than the sets.
-constexpr std::size_t mostRemembered = 1024;
-
-} // namespace
 
 MARegSettings SettingsOf(const MABulkRegression& model, bool hasIntercept)
 {
@@ -41,7 +33,7 @@ MASetRegression::MASetRegression(const MARegSettings& settings, const MABulkRegr
                                  std::size_t mostRows)
     : choice_(model),
       wanted_(wanted),
-      remembered_(std::min(mostRows + 1, mostRemembered)),
+      remembered_(MAQuantiles::MemoryFor(mostRows)),
       quantiles_(model.alpha, remembered_),
       design_(settings),
       tau2_(design_),

@@ -377,13 +377,12 @@ enum /* ma_means_options.glass_group */
 /* The variances that the options choose are in docs/methods.md. */
 typedef struct ma_means_options
 {
-    size_t size;             /* sizeof(ma_means_options) */
-    int32_t measure;         /* default MA_MEASURE_COHENS_D */
-    int32_t equal_variances; /* switch: pools the variances of a mean difference; default 0 */
-    int32_t
-        variance_adjustment; /* switch: N - 2 (d), N - 3.94 (g) in place of N in the variance; default 0 */
-    int32_t glass_group;     /* default MA_GROUP_CONTROL */
-    double level;            /* of intervals, between 0 and 1; default 0.95 */
+    size_t size;                 /* sizeof(ma_means_options) */
+    int32_t measure;             /* default MA_MEASURE_COHENS_D */
+    int32_t equal_variances;     /* switch: pools the variances of a mean difference; default 0 */
+    int32_t variance_adjustment; /* switch: N - 2 (d), N - 3.94 (g) for N in the variance; default 0 */
+    int32_t glass_group;         /* default MA_GROUP_CONTROL */
+    double level;                /* of intervals, between 0 and 1; default 0.95 */
 } ma_means_options;
 
 META_ANALYSIS_EXPORT int32_t ma_means_options_init(ma_means_options* options, size_t size);

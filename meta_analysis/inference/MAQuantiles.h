@@ -4,9 +4,11 @@
 #include "meta_analysis/platform/common/KXDistFun.h"
 #include "meta_analysis/platform/common/KXMV.h"
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <span>
+#include <vector>
 
 namespace MA_NAMESPACE {
 
@@ -25,6 +27,13 @@ public:
         double chiLower = KXMV::Missing();
         double chiUpper = KXMV::Missing();
     };
+
+    /// For analyses of up to so many studies. The quantiles of more than 1024 degrees of freedom cost less
+    /// than the analyses.
+    static std::vector<Remembered> MemoryFor(std::size_t mostStudies)
+    {
+        return std::vector<Remembered>(std::min<std::size_t>(mostStudies + 1, 1024));
+    }
 
     /// The memory is the caller's, and holds quantiles of this alpha alone.
     explicit MAQuantiles(double alpha, std::span<Remembered> memory = {}) : alpha_(alpha), memory_(memory) {}

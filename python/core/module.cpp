@@ -28,5 +28,8 @@ PYBIND11_MODULE(_core, module)
     module.attr("version") = ma_version();
     module.attr("pool_columns") = PoolColumns();
     module.attr("regression_columns") = RegressionColumns();
+    module.attr("EXCLUSION_NONE") = static_cast<int>(MA_EXCLUSION_NONE);
+    module.attr("EXCLUSION_MISSING_VALUE") = static_cast<int>(MA_EXCLUSION_MISSING_VALUE);
+    module.attr("EXCLUSION_DROPPED") = static_cast<int>(MA_EXCLUSION_DROPPED);
     module.attr("TAU2_DOUBTFUL") = static_cast<int>(MA_STATUS_TAU2_DOUBTFUL);
 }

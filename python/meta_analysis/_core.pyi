@@ -10,6 +10,9 @@ _Columns = dict[str, npt.NDArray[Any]]
 version: str
 pool_columns: tuple[str, ...]
 regression_columns: tuple[str, ...]
+EXCLUSION_NONE: int
+EXCLUSION_MISSING_VALUE: int
+EXCLUSION_DROPPED: int
 
 def pool_block(
     effects: _Floats, variances: _Floats, options: _Options, wanted: Collection[str] | None

@@ -8,7 +8,7 @@ import numpy as np
 import numpy.typing as npt
 
 from . import _core
-from ._arrays import FloatArray, as_floats
+from ._arrays import FloatArray, as_floats, describe_shape
 from ._options import refuse_text_for_numbers
 from ._results import Columns, Field, counted, number
 from ._warn import exclusion_text, warn
@@ -205,8 +205,8 @@ def _counts_of(
     """Return events and non-events, named as what was given for them."""
     names = f"{group}_events", f"{group}_nonevents", f"{group}_n"
     if (nonevents is None) == (persons is None):
-        raise TypeError(f"{'neither' if persons is None else 'both'} {names[1]} and {names[2]} are given; "
-                        "one of them is needed")
+        given = f"neither {names[1]} nor" if persons is None else f"both {names[1]} and"
+        raise TypeError(f"{given} {names[2]} {'is' if persons is None else 'are'} given; one of them is needed")
     with_event = as_floats(names[0], events)
     if persons is None:
         return {names[0]: with_event, names[1]: as_floats(names[1], nonevents)}  # type: ignore[arg-type]
@@ -220,12 +220,8 @@ def _common_shape(arrays: Mapping[str, FloatArray]) -> tuple[int, ...]:
     shaped = [(name, array.shape) for name, array in arrays.items() if array.ndim > 0]
     for name, shape in shaped:
         if shape != shaped[0][1]:
-            raise ValueError(f"{shaped[0][0]} has {_studies(shaped[0][1])}, {name} {_studies(shape)}")
+            raise ValueError(f"{shaped[0][0]} has {describe_shape(shaped[0][1])}, {name} {describe_shape(shape)}")
     return shaped[0][1] if shaped else ()
-
-
-def _studies(shape: tuple[int, ...]) -> str:
-    return counted(shape[0], "study") if len(shape) == 1 else f"shape {shape}"
 
 
 def _computed(compute: Any, groups: Mapping[str, FloatArray], options: dict[str, Any]) -> EffectSizes:
@@ -245,7 +241,7 @@ def _computed(compute: Any, groups: Mapping[str, FloatArray], options: dict[str,
 
 
 #: No value, and left out by the caller's own wish.
-_QUIET = (0, 1, 7)
+_QUIET = (_core.EXCLUSION_NONE, _core.EXCLUSION_MISSING_VALUE, _core.EXCLUSION_DROPPED)
 
 
 def _warn_of_excluded(exclusions: npt.NDArray[Any]) -> None:

@@ -42,7 +42,7 @@ MEANS = {f"{group}_{name}": 2 for group in ("treatment", "control") for name in 
     (lambda: ma.pool(np.ones((3, 2)), np.ones((3, 2)), groups=[1, 2, 3]), ValueError, "effects has 2 dimensions"),
     (lambda: ma.pool(THREE, THREE, groups=[[1], [2], [3]]), TypeError, "groups has a label"),
     (lambda: ma.pool(THREE, THREE, groups=np.ones((3, 1))), ValueError, "groups has 2 dimensions"),
-    (lambda: ma.effect_sizes_binary(**TABLE), TypeError, "neither treatment_nonevents and treatment_n"),
+    (lambda: ma.effect_sizes_binary(**TABLE), TypeError, "neither treatment_nonevents nor treatment_n"),
     (lambda: ma.effect_sizes_binary(**TABLE, treatment_n=5, control_nonevents=2), TypeError, "both control_nonevents"),
     (lambda: ma.effect_sizes_binary(**TABLE, treatment_n=[5], measure="odds"), ValueError, "measure is 'odds'"),
     (lambda: ma.pool(THREE, THREE, null_effect=0.1), ValueError, "null_effect is 0.1, but model is 'random'"),

@@ -4,7 +4,8 @@
 #include "support/Compare.h"
 
 #include "meta_analysis/bulk/MABulkPooling.h"
-#include "meta_analysis/bulk/lanes/MALanePooler.h"
+#include "meta_analysis/bulk/MALanePooler.h"
+#include "meta_analysis/bulk/lanes/MALaneCode.h"
 #include "meta_analysis/pooling/MAContinousFixEffectModel.h"
 #include "meta_analysis/pooling/MAPooling.h"
 #include "meta_analysis/pooling/MARandomEffectModel.h"
@@ -251,10 +252,10 @@ TEST(MABulkPooling, AgreesWithTheModelsOfOneSetToTheBit)
 /// Registers of each width that this processor has, a few sets at a time.
 TEST(MALanePooler, HasTheSameBitsInEveryRegister)
 {
-    std::vector<const MALaneKernels*> widths = {&laneKernels128, &WidestLaneKernels()};
+    std::vector<const MALaneKernels*> widths = {&laneCode128.kernels, &WidestLaneCode().kernels};
 #if defined(__x86_64__)
     if (__builtin_cpu_supports("avx2"))
-        widths.push_back(&laneKernels256);
+        widths.push_back(&laneCode256.kernels);
 #endif
     std::vector<MAGatheredSet> sets;
     for (const Set& set : HostileSets()) {

@@ -46,14 +46,13 @@ OptionDefinitions ModelOf(Settings& settings)
 /// Ready-made effect sizes of many analyses have no tables to pool.
 OptionDefinitions PoolingOf(Settings& settings, Command command)
 {
-    OptionDefinitions options = {
-        OneOf("weights", WEIGHT_CHOICES, settings, &Settings::GetWeightType, &Settings::SetWeightType,
-              "study weights"),
-        Number("null", ANY_NUMBER, settings, &Settings::GetNullHypothesis, &Settings::SetNullHypothesis,
-               "effect under the null hypothesis, for the fixed model"),
-    };
-    if (command == Command::BATCH)
-        options.erase(options.begin());
+    OptionDefinitions options;
+    if (command != Command::BATCH)
+        options.push_back(OneOf("weights", WEIGHT_CHOICES, settings, &Settings::GetWeightType,
+                                &Settings::SetWeightType, "study weights"));
+    options.push_back(Number("null", ANY_NUMBER, settings, &Settings::GetNullHypothesis,
+                             &Settings::SetNullHypothesis,
+                             "effect under the null hypothesis, for the fixed model"));
     return options;
 }
 

@@ -1,20 +1,16 @@
 #pragma once
 
 #include "meta_analysis/bulk/lanes/MALaneFits.h"
+#include "meta_analysis/bulk/lanes/MALaneRegister.h"
 
 namespace MA_NAMESPACE {
 
-// As in MALaneKernelsOf.h nothing is called here that is no template of the vector type.
-
-/// Weighted least squares of a set in each lane of `Lanes`, a vector of doubles (an extension of GCC and
-/// Clang), on `p` orthonormal columns. Every step is the one of `MAWeightedFit` of that name, with its
-/// operations in its order.
+/// Weighted least squares of a set in each lane of registers `Lanes`, on `p` orthonormal columns. Every step
+/// is the one of `MAWeightedFit` of that name, with its operations in its order.
 template <class Lanes, std::size_t p>
-class MALaneFit
+class MALaneFit : MALaneRegister<Lanes>
 {
 public:
-    static constexpr std::size_t laneCount = sizeof(Lanes) / sizeof(double);
-
     static void PutSums(const MALaneFits& fits, const MALaneSums& wanted)
     {
         MALaneFit fit(fits, wanted);
@@ -27,8 +23,11 @@ public:
     }
 
 private:
+    using MALaneRegister<Lanes>::laneCount;
+    using MALaneRegister<Lanes>::Load;
+    using MALaneRegister<Lanes>::Store;
     static constexpr std::size_t triangleSize = (p + 1) * (p + 2) / 2;
-    static constexpr double smallestShare = 1.0 / 64.0; // that of MAWeightedFit
+    static constexpr double smallestShare = MAWeightedFit::smallestShare;
 
     /// The lower triangle of a symmetric matrix, row after row.
     struct Triangle
@@ -74,13 +73,6 @@ private:
 
     MALaneFit(const MALaneFits& fits, const MALaneSums& wanted) : fits_(fits), wanted_(wanted) {}
 
-    static Lanes Load(const double* values)
-    {
-        Lanes lanes;
-        __builtin_memcpy(&lanes, values, sizeof lanes);
-        return lanes;
-    }
-    static void Store(const Lanes& lanes, double* values) { __builtin_memcpy(values, &lanes, sizeof lanes); }
     static Lanes Root(const Lanes& squares)
     {
         Lanes roots{};
@@ -270,7 +262,7 @@ private:
 };
 
 template <class Lanes>
-constexpr MALaneFitKernels laneFitKernelsOf = {sizeof(Lanes) / sizeof(double),
+constexpr MALaneFitKernels laneFitKernelsOf = {MALaneRegister<Lanes>::laneCount,
                                                {MALaneFit<Lanes, 1>::PutSums, MALaneFit<Lanes, 2>::PutSums,
                                                 MALaneFit<Lanes, 3>::PutSums, MALaneFit<Lanes, 4>::PutSums,
                                                 MALaneFit<Lanes, 5>::PutSums, MALaneFit<Lanes, 6>::PutSums}};

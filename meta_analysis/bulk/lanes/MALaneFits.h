@@ -34,21 +34,12 @@ struct MALaneSums
 /// The most columns that are fitted side by side: as many as fit into registers and the fastest cache.
 constexpr std::size_t mostLaneColumns = 6;
 /// The most rows: `MAWeightedFit` sums up more of them in stretches.
-constexpr std::size_t mostLaneRows = 256;
+constexpr std::size_t mostLaneRows = MAWeightedFit::stretch;
 
 struct MALaneFitKernels
 {
     std::size_t laneCount;
     void (*sums[mostLaneColumns])(const MALaneFits& fits, const MALaneSums& sums); ///< by the rank, from 1
 };
-
-/// Those of the widest registers that this processor has.
-const MALaneFitKernels& WidestLaneFitKernels();
-
-extern const MALaneFitKernels laneFitKernels128;
-#if defined(__x86_64__)
-extern const MALaneFitKernels laneFitKernels256; ///< AVX2
-extern const MALaneFitKernels laneFitKernels512; ///< AVX-512
-#endif
 
 } // namespace MA_NAMESPACE

@@ -48,13 +48,4 @@ struct MALaneKernels
     void (*generalizedQ)(const MALaneCurves& curves, const double* t, MAGeneralizedQ* q);
 };
 
-/// Those of the widest registers that this processor has.
-const MALaneKernels& WidestLaneKernels();
-
-extern const MALaneKernels laneKernels128;
-#if defined(__x86_64__)
-extern const MALaneKernels laneKernels256; ///< AVX2
-extern const MALaneKernels laneKernels512; ///< AVX-512
-#endif
-
 } // namespace MA_NAMESPACE

@@ -1,29 +1,20 @@
 #pragma once
 
 #include "meta_analysis/bulk/lanes/MALaneKernels.h"
+#include "meta_analysis/bulk/lanes/MALaneRegister.h"
 #include "meta_analysis/inference/MAWeightedMean.h"
 #include "meta_analysis/pooling/MAMomentTau2.h"
 #include "meta_analysis/pooling/MAPooledCurveSums.h"
 
 namespace MA_NAMESPACE {
 
-// Each source that includes this is compiled for other registers, and instantiates the templates for a vector
-// type that no other source has. It must call nothing that is no template of that type: the linker keeps one
-// copy of a function that several sources have, and that must not be one for registers that are not there.
-
-/// The kernels of `Lanes`, a vector of doubles (an extension of GCC and Clang).
+/// The kernels of registers `Lanes`.
 template <class Lanes>
-struct MALaneKernelsOf
+struct MALaneKernelsOf : MALaneRegister<Lanes>
 {
-    static constexpr std::size_t laneCount = sizeof(Lanes) / sizeof(double);
-
-    static Lanes Load(const double* values)
-    {
-        Lanes lanes;
-        __builtin_memcpy(&lanes, values, sizeof lanes);
-        return lanes;
-    }
-    static void Store(const Lanes& lanes, double* values) { __builtin_memcpy(values, &lanes, sizeof lanes); }
+    using MALaneRegister<Lanes>::laneCount;
+    using MALaneRegister<Lanes>::Load;
+    using MALaneRegister<Lanes>::Store;
 
     struct Column
     {

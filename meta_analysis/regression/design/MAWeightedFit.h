@@ -51,6 +51,11 @@ struct MAFittedRows
 class MAWeightedFit
 {
 public:
+    /// Rows whose sums are formed before they are added to those of the rows before.
+    static constexpr std::size_t stretch = 256;
+    /// A pivot or a difference may lose six of 53 bits before the rows take other coordinates.
+    static constexpr double smallestShare = 1.0 / 64.0;
+
     explicit MAWeightedFit(const MAOrthonormalColumns& columns) : columns_(&columns) {}
 
     /// Fits with a weight >= 0 for each row, by basic rows where Z'WZ loses digits. The weights must outlive
@@ -79,10 +84,6 @@ public:
 
 private:
     struct RowSums;
-
-    static constexpr std::size_t stretch = 256;
-    /// A pivot or a difference may lose six of 53 bits before the rows take other coordinates.
-    static constexpr double smallestShare = 1.0 / 64.0;
 
     bool HasBasicRows() const { return !basic_.rows.empty(); }
     bool IsExact(const MAProjectionSums& sums, bool withTraces) const;

@@ -1,6 +1,5 @@
-#include "meta_analysis/bulk/lanes/MALaneEvaluations.h"
+#include "meta_analysis/bulk/MALaneEvaluations.h"
 
-#include "meta_analysis/bulk/lanes/MALaneSearches.h"
 #include "meta_analysis/pooling/MATau2Interval.h"
 #include "meta_analysis/pooling/MATau2Search.h"
 

@@ -1,6 +1,5 @@
-#include "meta_analysis/bulk/lanes/MALanePooler.h"
+#include "meta_analysis/bulk/MALanePooler.h"
 
-#include "meta_analysis/bulk/lanes/MALaneSearches.h"
 #include "meta_analysis/pooling/MAPooling.h"
 #include "meta_analysis/pooling/MATau2Outcome.h"
 #include "meta_analysis/settings/MAEstimators.h"

@@ -2,7 +2,7 @@
 
 #include "meta_analysis/bulk/MAGatheredSet.h"
 #include "meta_analysis/bulk/lanes/MALaneKernels.h"
-#include "meta_analysis/bulk/lanes/MASoleMaximumSearch.h"
+#include "meta_analysis/bulk/lanes/MALaneSearches.h"
 #include "meta_analysis/inference/MAQuantiles.h"
 #include "meta_analysis/pooling/MAPooledCurve.h"
 #include "meta_analysis/pooling/MAPooledCurveSums.h"
