@@ -85,8 +85,8 @@ class RegressionResult(Columns):
     def to_frame(self) -> Any:
         """Return a pandas DataFrame with a row a coefficient; of many sets, one a set and coefficient.
 
-        Columns of sets are repeated for each of their coefficients; covariances are not among them. The index has
-        the names of the coefficients, and before them the number of the set where there are many.
+        Columns of sets are repeated for each of their coefficients; covariances are not among them. The index
+        has the names of the coefficients, and before them the number of the set where there are many.
 
         Raises
         ------
