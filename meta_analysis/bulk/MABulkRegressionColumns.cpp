@@ -14,12 +14,6 @@ bool IsAnyWanted(std::initializer_list<const void*> columns)
     return std::any_of(columns.begin(), columns.end(), [](const void* column) { return column != nullptr; });
 }
 
-void PutLog10(double* column, std::size_t position, const MAPValue& pValue)
-{
-    if (column != nullptr)
-        column[position] = -OrNaN(pValue.Log10());
-}
-
 /// Tests of the model by chi-square have no second degrees of freedom.
 void PutModelResults(const MARegressionPlace& place, const MASetRegression::Model& model)
 {
@@ -36,7 +30,7 @@ void PutModelResults(const MARegressionPlace& place, const MASetRegression::Mode
     Put(results.modelDf1, set, model.modelTest.df1);
     Put(results.modelDf2, set, model.isAdjusted ? model.modelTest.df2 : 0);
     Put(results.modelPValue, set, OrNaN(model.modelTest.pValue.value));
-    PutLog10(results.modelMinusLog10P, set, model.modelTest.pValue);
+    PutMinusLog10(results.modelMinusLog10P, set, model.modelTest.pValue);
     Put(results.status, set, model.status);
 }
 
@@ -47,7 +41,7 @@ void PutTest(const MABulkRegressionResults& results, std::size_t position, doubl
     Put(results.stdErrors, position, OrNaN(test.stdError));
     Put(results.statistics, position, OrNaN(test.statistic));
     Put(results.pValues, position, OrNaN(pValue.value));
-    PutLog10(results.minusLog10Ps, position, pValue);
+    PutMinusLog10(results.minusLog10Ps, position, pValue);
     Put(results.ciLowers, position, OrNaN(test.lowerLimit));
     Put(results.ciUppers, position, OrNaN(test.upperLimit));
 }
