@@ -4,11 +4,15 @@
 #include "host/text/UnusableInput.h"
 
 #include <fmt/format.h>
+#include <sys/stat.h>
+#include <unistd.h>
 
 #include <filesystem>
 #include <optional>
+#include <set>
 #include <string>
 #include <system_error>
+#include <utility>
 
 namespace host {
 
@@ -28,13 +32,19 @@ bool AreOneFile(const std::string& one, const std::string& other)
     return IsSameFile(one, other) && !std::filesystem::is_character_file(one, noSuchFile);
 }
 
+/// By device and inode, which links share: names of thousands of files would be too many to compare in pairs.
 void RequireDifferentData(const std::vector<std::string>& files)
 {
-    for (auto file = files.begin(); file != files.end(); ++file)
-        for (auto other = files.begin(); other != file; ++other)
-            if (AreOneFile(*file, *other))
-                throw UnusableInput(
-                    fmt::format("'{}' is given twice: its studies would count twice.", *file));
+    std::set<std::pair<dev_t, ino_t>> known;
+    for (const std::string& file : files) {
+        struct stat status
+        {};
+        const bool isStream = file == STANDARD_STREAM;
+        const bool isThere = (isStream ? fstat(STDIN_FILENO, &status) : stat(file.c_str(), &status)) == 0;
+        const bool isUsedUp = isStream || !S_ISCHR(status.st_mode); // devices such as /dev/null are not
+        if (isThere && isUsedUp && !known.emplace(status.st_dev, status.st_ino).second)
+            throw UnusableInput(fmt::format("'{}' is given twice: its studies would count twice.", file));
+    }
 }
 
 void CheckPlace(const char* option, const std::optional<std::string>& place, const BatchOptions& batch)

@@ -7,6 +7,8 @@ from typing import Any
 import numpy as np
 import numpy.typing as npt
 
+from ._results import counted
+
 FloatArray = npt.NDArray[np.float64]
 
 _FLOAT64 = np.dtype(np.float64)
@@ -87,7 +89,7 @@ def check_same_shape(**arrays: FloatArray) -> tuple[int, ...]:
 def describe_shape(shape: tuple[int, ...]) -> str:
     """Return "3 studies" or "3 studies x 10 sets"; other shapes as NumPy writes them."""
     if len(shape) == 1:
-        return f"{shape[0]} studies"
+        return counted(shape[0], "study")
     if len(shape) == 2:
-        return f"{shape[0]} studies x {shape[1]} sets"
+        return f"{counted(shape[0], 'study')} x {counted(shape[1], 'set')}"
     return f"shape {shape}"

@@ -4,7 +4,7 @@ from __future__ import annotations
 
 from typing import Any, Iterable
 
-from ._warn import warn_of_one
+from ._warn import LEFT_OUT, warn_of_one
 
 
 def wanted_columns(columns: Iterable[str] | None, known: tuple[str, ...]) -> frozenset[str] | None:
@@ -18,10 +18,12 @@ def wanted_columns(columns: Iterable[str] | None, known: tuple[str, ...]) -> fro
     return wanted
 
 
-def columns_of_one(columns: dict[str, Any], wanted: frozenset[str] | None) -> dict[str, Any]:
+def columns_of_one(
+    columns: dict[str, Any], wanted: frozenset[str] | None, left_out: str = LEFT_OUT
+) -> dict[str, Any]:
     """Return the only entry of each column, after warning of what the analysis says of itself."""
     one = {name: column[0] if column.ndim == 1 else column[..., 0] for name, column in columns.items()}
-    warn_of_one(one)
+    warn_of_one(one, left_out)
     return one if wanted is None else {name: column for name, column in one.items() if name in wanted}
 
 

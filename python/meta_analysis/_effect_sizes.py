@@ -9,7 +9,8 @@ import numpy.typing as npt
 
 from . import _core
 from ._arrays import FloatArray, as_floats, describe_shape
-from ._results import Columns, Field, number
+from ._options import refuse_text_for_numbers
+from ._results import Columns, Field, counted, number
 from ._warn import exclusion_text, warn
 
 
@@ -224,6 +225,7 @@ def _common_shape(arrays: Mapping[str, FloatArray]) -> tuple[int, ...]:
 
 
 def _computed(compute: Any, groups: Mapping[str, FloatArray], options: dict[str, Any]) -> EffectSizes:
+    refuse_text_for_numbers(options)
     shape = _common_shape(groups)
     if len(shape) > 1 and options.get("zero_cells") == "all-if-any":
         raise ValueError(f"zero_cells is 'all-if-any', which is about the studies of one analysis; the data have "
@@ -248,5 +250,5 @@ def _warn_of_excluded(exclusions: npt.NDArray[Any]) -> None:
         return
     reasons = [f"study {study}: {exclusion_text(exclusions[study])}" for study in excluded[:5]]
     more = [] if len(excluded) <= 5 else ["..."]
-    warn(f"{len(excluded)} of {len(exclusions)} studies have no effect size that can be pooled "
-         f"({'; '.join(reasons + more)}); the first is study 0")
+    warn(f"{len(excluded)} of {counted(len(exclusions), 'study')} without an effect size that can be pooled; "
+         f"counted from 0, {'; '.join(reasons + more)}")

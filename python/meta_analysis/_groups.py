@@ -7,6 +7,8 @@ from typing import Any, NamedTuple
 import numpy as np
 import numpy.typing as npt
 
+from ._results import counted
+
 
 class Grouping(NamedTuple):
     """Sets of rows, in the order in which their labels first appear."""
@@ -23,8 +25,8 @@ def group_rows(groups: Any, count: int) -> Grouping:
     """Find the rows of each label among `count` rows; equal labels are one set wherever they stand."""
     labels = _as_labels(groups)
     if len(labels) != count:
-        raise ValueError(f"effects has {count} studies, groups {len(labels)} labels")
-    codes, uniques = _codes(labels)
+        raise ValueError(f"effects has {counted(count, 'study')}, groups {counted(len(labels), 'label')}")
+    codes, uniques = _codes_of_shown(labels, groups) if _has_mask(groups) else _codes(labels)
     missing = int(np.count_nonzero(codes < 0))
     counts = np.bincount(codes[codes >= 0] if missing else codes, minlength=len(uniques))
     offsets = np.zeros(len(uniques) + 1, dtype=np.uintp)
@@ -36,6 +38,8 @@ def group_rows(groups: Any, count: int) -> Grouping:
 
 
 def _as_labels(groups: Any) -> npt.NDArray[Any]:
+    if not hasattr(groups, "__array__") and not hasattr(groups, "__iter__"):
+        raise TypeError(f"groups is of type {type(groups).__name__}; a label for each study is needed")
     labels = np.asarray(groups) if hasattr(groups, "__array__") else _labels_of_list(list(groups))
     if labels.ndim != 1:
         raise ValueError(f"groups has {labels.ndim} dimensions; it needs 1, a label for each study")
@@ -50,6 +54,20 @@ def _labels_of_list(groups: list[Any]) -> npt.NDArray[Any]:
         if labels.ndim == 1:
             return labels
     return np.fromiter(groups, dtype=object, count=len(groups))
+
+
+def _has_mask(groups: Any) -> bool:
+    return isinstance(groups, np.ma.MaskedArray) and bool(np.any(groups.mask))
+
+
+def _codes_of_shown(
+    labels: npt.NDArray[Any], masked: np.ma.MaskedArray[Any, Any]
+) -> tuple[npt.NDArray[np.intp], npt.NDArray[Any]]:
+    """Number the labels that the mask does not hide; a hidden one is missing."""
+    shown = np.flatnonzero(~np.ma.getmaskarray(masked))  # type: ignore[no-untyped-call]
+    codes = np.full(len(labels), -1, dtype=np.intp)
+    codes[shown], uniques = _codes(labels[shown])
+    return codes, uniques
 
 
 def _codes(labels: npt.NDArray[Any]) -> tuple[npt.NDArray[np.intp], npt.NDArray[Any]]:

@@ -11,7 +11,8 @@ from . import _core
 from ._arrays import FloatArray, as_floats, check_same_shape
 from ._columns import also_left_out, columns_of_one, wanted_columns
 from ._groups import group_rows
-from ._results import Columns, Field, p_text
+from ._options import refuse_text_for_numbers
+from ._results import Columns, Field, counted, interval, number, p_text
 from ._warn import warn
 
 
@@ -69,8 +70,8 @@ class PoolResult(Columns):
             model = f"random-effects model ({self.options['tau2']})"
             if self.options["knapp_hartung"] != "none":
                 model += f", Knapp-Hartung {self.options['knapp_hartung']}"
-        count = f"{self.k} studies" if self._is_one() and "k" in self.columns else None
-        return f"{count or ('one set' if self._is_one() else f'{len(self)} sets')}, {model}"
+        count = counted(self.k, "study") if self._is_one() and "k" in self.columns else None
+        return f"{count or ('one set' if self._is_one() else counted(len(self), 'set'))}, {model}"
 
     def _lines(self) -> Iterable[str]:
         level = f"{100 * self.options['level']:.10g}%"
@@ -78,20 +79,20 @@ class PoolResult(Columns):
         if has({"groups"}):
             yield f"  group          {self.groups}"
         if has({"estimate", "ci_lower", "ci_upper"}):
-            yield f"  estimate       {self.estimate:.4f}, {level} CI [{self.ci_lower:.4f}, {self.ci_upper:.4f}]"
+            yield f"  estimate       {number(self.estimate)}, {level} CI {interval(self.ci_lower, self.ci_upper)}"
         if has({"std_error", "statistic", "p"}):
             is_t = self.options["model"] == "random" and self.options["knapp_hartung"] != "none"
-            yield (f"  test           standard error {self.std_error:.4f}, {'t' if is_t else 'z'} = "
-                   f"{self.statistic:.4f}, p {p_text(self.p)}")
+            yield (f"  test           standard error {number(self.std_error)}, {'t' if is_t else 'z'} = "
+                   f"{number(self.statistic)}, p {p_text(self.p)}")
         if has({"pi_lower", "pi_upper"}) and not np.isnan(self.pi_lower):
-            yield f"  new study      {level} PI [{self.pi_lower:.4f}, {self.pi_upper:.4f}]"
+            yield f"  new study      {level} PI {interval(self.pi_lower, self.pi_upper)}"
         if has({"tau2"}) and not np.isnan(self.tau2):
-            interval = ""
+            its_interval = ""
             if has({"tau2_lower", "tau2_upper"}) and not np.isnan(self.tau2_lower):
-                interval = f", {level} CI [{self.tau2_lower:.4f}, {self.tau2_upper:.4f}]"
-            yield f"  tau²           {self.tau2:.4f}{interval}"
+                its_interval = f", {level} CI {interval(self.tau2_lower, self.tau2_upper)}"
+            yield f"  tau²           {number(self.tau2)}{its_interval}"
         if has({"q", "q_df", "q_p", "i2"}):
-            yield (f"  heterogeneity  Q = {self.q:.4f}, df = {self.q_df}, p {p_text(self.q_p)}, "
+            yield (f"  heterogeneity  Q = {number(self.q)}, df = {self.q_df}, p {p_text(self.q_p)}, "
                    f"I² = {100 * self.i2:.2f}%")
         if self.status != 0:
             yield f"  status         {self.status}: {_core.status_text(int(self.status))}"
@@ -144,7 +145,7 @@ def pool(
     groups : array_like, optional
         A label for each study, of any type that can be a key: the studies with one label are a set, wherever
         they stand. The sets come in the order in which their labels first appear. Studies whose label is
-        missing (NaN, None, NaT, NA) are in no set, which is warned of.
+        missing (NaN, None, NaT, NA, or masked) are in no set, which is warned of.
     threads : int
         Threads that share the sets; 0 is one for each processor. Results do not depend on it.
     tau2_search : {"global", "scoring"}
@@ -199,6 +200,7 @@ def pool(
         "max_step_halving": max_step_halving,
         "threads": threads,
     }
+    refuse_text_for_numbers(options)
     if model == "random" and null_effect != 0:
         raise ValueError(f"null_effect is {null_effect}, but model is 'random', which tests against 0 alone")
     wanted = wanted_columns(columns, _core.pool_columns)

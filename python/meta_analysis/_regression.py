@@ -10,7 +10,9 @@ import numpy.typing as npt
 from . import _core
 from ._arrays import FloatArray, as_floats, check_same_shape
 from ._columns import also_left_out, columns_of_one, wanted_columns
-from ._results import Columns, Field, aligned, import_pandas, number, p_text
+from ._options import refuse_text_for_numbers
+from ._results import Columns, Field, aligned, counted, import_pandas, number, p_text
+from ._warn import LEFT_OUT
 
 _OF_COEFFICIENTS = ("coefficient", "std_error", "statistic", "p", "mlog10p", "ci_lower", "ci_upper")
 
@@ -43,7 +45,7 @@ class RegressionResult(Columns):
     model_statistic, model_df1, model_df2, model_p, model_mlog10p : test of all coefficients but the intercept,
         Wald's chi-square (`model_df2` is 0), or F under Knapp and Hartung
     status : 0, or a code that :func:`status_text` puts into words
-    left_out : studies that are not missing but cannot be used
+    left_out : studies that are not missing but cannot be used, also for a missing value in the design
     options : the options by name, defaults included
     columns : names of the columns that were computed
     """
@@ -105,8 +107,9 @@ class RegressionResult(Columns):
 
     def _title(self) -> str:
         model = f"mixed-effects model ({self.options['tau2']})"
-        count = f"{self.k} studies" if self._is_one() and "k" in self.columns else None
-        return (f"{count or ('one set' if self._is_one() else f'{len(self)} sets')}, {len(self.names)} coefficients, "
+        count = counted(self.k, "study") if self._is_one() and "k" in self.columns else None
+        return (f"{count or ('one set' if self._is_one() else counted(len(self), 'set'))}, "
+                f"{counted(len(self.names), 'coefficient')}, "
                 f"{model if self.options['model'] == 'random' else 'fixed-effects model'}")
 
     def _lines(self) -> Iterable[str]:
@@ -117,9 +120,9 @@ class RegressionResult(Columns):
         yield from aligned(rows)
         has = set(self.columns).issuperset
         if has({"tau2"}) and not np.isnan(self.tau2):
-            yield f"  tau² {self.tau2:.4f}"
+            yield f"  tau² {number(self.tau2)}"
         if has({"q", "q_df", "q_p", "i2"}):
-            yield (f"  residual Q = {self.q:.4f}, df = {self.q_df}, p {p_text(self.q_p)}, "
+            yield (f"  residual Q = {number(self.q)}, df = {self.q_df}, p {p_text(self.q_p)}, "
                    f"I² = {100 * self.i2:.2f}%")
         if self.status != 0:
             yield f"  status {self.status}: {_core.status_text(int(self.status))}"
@@ -210,6 +213,7 @@ def regression(
         "max_step_halving": max_step_halving,
         "threads": threads,
     }
+    refuse_text_for_numbers(options)
     wanted = wanted_columns(columns, _core.regression_columns)
     y = as_floats("effects", effects)
     v = as_floats("variances", variances)
@@ -220,7 +224,8 @@ def regression(
     if len(shape) == 2:
         return RegressionResult(_core.regress_block(y, v, x, options, wanted), options, labels)
     one = _core.regress_block(y, v, x, options, also_left_out(wanted))
-    return RegressionResult(columns_of_one(one, wanted), options, labels)
+    reasons = LEFT_OUT + ", or the design has a missing value"
+    return RegressionResult(columns_of_one(one, wanted, reasons), options, labels)
 
 
 def _design(
@@ -228,9 +233,9 @@ def _design(
 ) -> tuple[FloatArray, list[str]]:
     x = as_floats("design", design)
     if x.ndim != 2:
-        raise ValueError(f"design has {x.ndim} dimensions; it needs 2, studies x coefficients")
+        raise ValueError(f"design has {counted(x.ndim, 'dimension')}; it needs 2, studies x coefficients")
     if len(x) != studies:
-        raise ValueError(f"effects has {studies} studies, design {len(x)}")
+        raise ValueError(f"effects has {counted(studies, 'study')}, design {counted(len(x), 'row')}")
     if x.shape[1] == 0 and not intercept:
         raise ValueError("design has no columns")
     infinite = np.flatnonzero(np.isinf(x).any(axis=1))
@@ -248,5 +253,5 @@ def _names(design: Any, names: Sequence[str] | None, count: int) -> list[str]:
         return [f"x{column}" for column in range(count)] if of_frame is None else list(map(str, of_frame))
     labels = [names] if isinstance(names, str) else list(map(str, names))
     if len(labels) != count:
-        raise ValueError(f"names has {len(labels)} names, design {count} columns")
+        raise ValueError(f"names has {counted(len(labels), 'name')}, design {counted(count, 'column')}")
     return labels

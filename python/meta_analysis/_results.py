@@ -117,6 +117,18 @@ def number(value: Any) -> str:
     return f"{value:.4f}" if value == 0 or 1e-3 <= abs(value) < 1e6 else f"{value:.4g}"
 
 
+def interval(lower: Any, upper: Any) -> str:
+    """Return "[lower, upper]"."""
+    return f"[{number(lower)}, {number(upper)}]"
+
+
+def counted(count: int, noun: str) -> str:
+    """Return "1 study", "2 studies"."""
+    if count == 1:
+        return f"1 {noun}"
+    return f"{count} {noun[:-1] + 'ies' if noun.endswith('y') else noun + 's'}"
+
+
 def p_text(value: float) -> str:
     """Return "= 0.0123" or "< 0.0001"."""
     return "< 0.0001" if value < 1e-4 else f"= {value:.4f}"

@@ -54,11 +54,14 @@ def warn(message: str) -> None:
     warnings.warn(message, MetaAnalysisWarning, stacklevel=level)
 
 
-def warn_of_one(columns: dict[str, Any]) -> None:
-    """Warn of the status of one analysis, and of studies that are not in it."""
+#: Why a study that is there cannot be pooled.
+LEFT_OUT = "the effect is infinite, or the variance not positive, or not finite"
+
+
+def warn_of_one(columns: dict[str, Any], left_out: str) -> None:
+    """Warn of the status of one analysis, and of studies that are not in it, which `left_out` has the reasons of."""
     if columns["status"] != 0:
         warn(status_text(columns["status"]))
     if columns["left_out"] != 0:
         count = columns["left_out"]
-        warn(f"{count} {'study is' if count == 1 else 'studies are'} left out: the effect is infinite, or the "
-             "variance not positive, or not finite")
+        warn(f"{count} {'study is' if count == 1 else 'studies are'} left out: {left_out}")

@@ -33,6 +33,8 @@ MEANS = {f"{group}_{name}": 2 for group in ("treatment", "control") for name in 
     (lambda: ma.pool(THREE, THREE, tau2=None), TypeError, "tau2 is of type NoneType"),
     (lambda: ma.pool(THREE, THREE, level=95), ValueError, "level is 95; it can be: a number between"),
     (lambda: ma.pool(THREE, THREE, level=np.nan), ValueError, "level is nan"),
+    (lambda: ma.pool(THREE, THREE, level="0.9"), TypeError, "level is the text '0.9'"),
+    (lambda: ma.pool(THREE, THREE, groups=3), TypeError, "groups is of type int"),
     (lambda: ma.pool(THREE, THREE, threads=10**30), ValueError, "threads is out of range"),
     (lambda: ma.pool(THREE, THREE, tau2="dl", tau2_interval="profile-likelihood"), ValueError, "(?i)likelihood"),
     (lambda: ma.pool(THREE, THREE, columns=["tau"]), ValueError, "columns has 'tau', which is none of: k, estimate"),
@@ -48,10 +50,10 @@ MEANS = {f"{group}_{name}": 2 for group in ("treatment", "control") for name in 
      "treatment_n has 3 studies, control_n 4 studies"),
     (lambda: ma.effect_sizes_continuous(**{**MEANS, "control_n": THREE, "control_sd": FOUR}), ValueError,
      "control_n has 3 studies, control_sd 4 studies"),
-    (lambda: ma.regression(THREE, THREE, THREE), ValueError, "design has 1 dimensions"),
+    (lambda: ma.regression(THREE, THREE, THREE), ValueError, "design has 1 dimension;"),
     (lambda: ma.regression(THREE, THREE, np.ones((4, 1))), ValueError, "effects has 3 studies, design 4"),
     (lambda: ma.regression(THREE, THREE, [[1], [np.inf], [2]]), ValueError, "infinite values, the first in row 1"),
-    (lambda: ma.regression(THREE, THREE, np.ones((3, 1)), names=["a", "b"]), ValueError, "2 names, design 1 columns"),
+    (lambda: ma.regression(THREE, THREE, np.ones((3, 1)), names=["a", "b"]), ValueError, "2 names, design 1 column"),
 ])
 def test_errors_say_what_is_wrong(call, error, message):
     with pytest.raises(error, match=message):

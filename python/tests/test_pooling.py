@@ -131,6 +131,7 @@ def test_masked_studies_and_shared_variances():
     (np.array(["2020", "NaT", "2020", "1999", "NaT"], "M8[Y]"), np.array(["2020", "1999"], "M8[Y]")),
     (pd.Series(["z", None, "z", "a", None], dtype="category"), ["z", "a"]),
     (pd.Series(["z", pd.NA, "z", "a", pd.NA], dtype="string"), ["z", "a"]),
+    (np.ma.array([7, 9, 7, 5, 9], mask=[0, 1, 0, 0, 1]), [7, 5]),
 ], ids=str)
 def test_groups_come_in_the_order_in_which_they_first_appear(labels, expected):
     effects, variances = np.array([0.1, 0.5, 0.3, 0.7, 0.4]), np.array([0.02, 0.01, 0.03, 0.05, 0.04])
