@@ -14,12 +14,6 @@ bool IsAnyWanted(std::initializer_list<const void*> columns)
     return std::any_of(columns.begin(), columns.end(), [](const void* column) { return column != nullptr; });
 }
 
-void PutLog10(double* column, std::size_t position, const MAPValue& pValue)
-{
-    if (column != nullptr)
-        column[position] = -OrNaN(pValue.Log10());
-}
-
 /// Tests of the model by chi-square have no second degrees of freedom.
 void PutModelResults(const MARegressionPlace& place, const MASetRegression::Model& model)
 {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "meta_analysis/inference/MAPValue.h"
 #include "meta_analysis/platform/common/KXMV.h"
 
 #include <cstddef>
@@ -19,6 +20,13 @@ void Put(Number* column, std::size_t position, Number value)
 {
     if (column != nullptr)
         column[position] = value;
+}
+
+/// Stores -log10 of a p-value; neither 0 nor NaN has a sign.
+inline void PutLog10(double* column, std::size_t position, const MAPValue& pValue)
+{
+    if (column != nullptr)
+        column[position] = 0.0 - OrNaN(pValue.Log10());
 }
 
 } // namespace MA_NAMESPACE
