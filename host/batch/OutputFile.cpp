@@ -141,6 +141,11 @@ void OutputFile::Write(std::string_view bytes)
     }
 }
 
+bool OutputFile::IsTerminal() const
+{
+    return isatty(file_) == 1;
+}
+
 void OutputFile::Commit()
 {
     if (file_ == STDOUT_FILENO)

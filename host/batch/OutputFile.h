@@ -25,6 +25,7 @@ public:
 
     /// Throws ReaderIsGone for a closed pipe.
     void Write(std::string_view bytes);
+    bool IsTerminal() const;
 
     void Commit();
 

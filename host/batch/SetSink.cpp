@@ -54,7 +54,8 @@ void SetSink::WriteFirst()
     output_.Write(std::exchange(header_, {}));
     output_.Write(chunk->text);
     written_ += static_cast<long>(chunk->sets.SetCount());
-    progress_.Show("Pooled analysis", written_, 0);
+    if (!output_.IsTerminal()) // there the results themselves show the progress
+        progress_.Show("Pooled analysis", written_, 0);
     spare_.push_back(std::move(chunk));
 }
 

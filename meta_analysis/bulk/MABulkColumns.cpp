@@ -18,7 +18,7 @@ void PutAll(const MABulkResults& results, std::size_t set, const MAPooledModel& 
     Put(results.stdError, set, OrNaN(model.effect.stdError));
     Put(results.statistic, set, OrNaN(model.effect.statistic));
     Put(results.pValue, set, OrNaN(model.effect.pValue.value));
-    PutMinusLog10(results.minusLog10P, set, model.effect.pValue);
+    PutLog10(results.minusLog10P, set, model.effect.pValue);
     Put(results.ciLower, set, OrNaN(model.effect.ciLower));
     Put(results.ciUpper, set, OrNaN(model.effect.ciUpper));
     Put(results.tau2, set, OrNaN(model.tau2));

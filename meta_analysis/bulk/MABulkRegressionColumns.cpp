@@ -30,7 +30,7 @@ void PutModelResults(const MARegressionPlace& place, const MASetRegression::Mode
     Put(results.modelDf1, set, model.modelTest.df1);
     Put(results.modelDf2, set, model.isAdjusted ? model.modelTest.df2 : 0);
     Put(results.modelPValue, set, OrNaN(model.modelTest.pValue.value));
-    PutMinusLog10(results.modelMinusLog10P, set, model.modelTest.pValue);
+    PutLog10(results.modelMinusLog10P, set, model.modelTest.pValue);
     Put(results.status, set, model.status);
 }
 
@@ -41,7 +41,7 @@ void PutTest(const MABulkRegressionResults& results, std::size_t position, doubl
     Put(results.stdErrors, position, OrNaN(test.stdError));
     Put(results.statistics, position, OrNaN(test.statistic));
     Put(results.pValues, position, OrNaN(pValue.value));
-    PutMinusLog10(results.minusLog10Ps, position, pValue);
+    PutLog10(results.minusLog10Ps, position, pValue);
     Put(results.ciLowers, position, OrNaN(test.lowerLimit));
     Put(results.ciUppers, position, OrNaN(test.upperLimit));
 }

@@ -22,11 +22,11 @@ void Put(Number* column, std::size_t position, Number value)
         column[position] = value;
 }
 
-/// Takes the logarithm only where the column is wanted.
-inline void PutMinusLog10(double* column, std::size_t position, const MAPValue& pValue)
+/// Stores -log10 of a p-value; neither 0 nor NaN has a sign.
+inline void PutLog10(double* column, std::size_t position, const MAPValue& pValue)
 {
     if (column != nullptr)
-        column[position] = -OrNaN(pValue.Log10());
+        column[position] = 0.0 - OrNaN(pValue.Log10());
 }
 
 } // namespace MA_NAMESPACE

@@ -135,7 +135,7 @@ def pool(
     knapp_hartung : {"none", "adjusted", "truncated", "if-heterogeneous"}
         Adjustment of variance and test after Knapp and Hartung.
     model : {"random", "fixed"}
-        Whether true effects vary between studies.
+        Whether true effects vary between studies. The fixed model uses `level` and `null_effect` alone.
     level : float
         Level of the intervals, between 0 and 1.
     prediction : {"t-k-2", "t-k-1", "normal"}

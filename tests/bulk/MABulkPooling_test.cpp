@@ -103,13 +103,20 @@ void PutExpected(BulkColumns& columns, std::size_t at, const Set& all, const MAB
         model = single.GetPooledModel();
     }
     const MAEstimate& effect = model.effect;
-    const double values[] = {effect.estimate,         effect.stdError,
-                             effect.statistic,        effect.pValue.value,
-                             -effect.pValue.Log10(),  effect.ciLower,
-                             effect.ciUpper,          model.tau2,
-                             model.tau2Results.lower, model.tau2Results.upper,
-                             model.homogeneity.q,     model.homogeneity.pValue.value,
-                             model.heterogeneity.i2,  model.prediction.lower,
+    const double values[] = {effect.estimate,
+                             effect.stdError,
+                             effect.statistic,
+                             effect.pValue.value,
+                             0.0 - effect.pValue.Log10(),
+                             effect.ciLower,
+                             effect.ciUpper,
+                             model.tau2,
+                             model.tau2Results.lower,
+                             model.tau2Results.upper,
+                             model.homogeneity.q,
+                             model.homogeneity.pValue.value,
+                             model.heterogeneity.i2,
+                             model.prediction.lower,
                              model.prediction.upper};
     for (std::size_t i = 0; i < std::size(values); ++i)
         columns.values[i][at] = values[i] == -missing ? notANumber : OrNaN(values[i]);

@@ -132,7 +132,7 @@ void ExpectEngineBits(const Bulk& bulk, std::size_t set, const MABulkRegression&
         equals("se", position, out.GetBetaStandErr()[j]);
         equals("stat", position, out.GetBetaTest()[j]);
         equals("p", position, out.GetBetaTestPValue()[j]);
-        equals("log", position, -OrNaN(out.GetBetaTestLog10PValue()[j]));
+        equals("log", position, 0.0 - OrNaN(out.GetBetaTestLog10PValue()[j]));
         equals("lower", position, out.GetBetaConfInterValLower()[j]);
         equals("upper", position, out.GetBetaConfInterValUpper()[j]);
         const double stdError = OrNaN(out.GetBetaStandErr()[j]);
@@ -152,7 +152,7 @@ void ExpectEngineBits(const Bulk& bulk, std::size_t set, const MABulkRegression&
     equals("dispersion", set, out.GetMultiDisper());
     equals("QM", set, isF ? out.GetFTestVal() : out.GetWaldChiSquareTest());
     equals("QM_p", set, isF ? out.GetFPValue() : out.GetWaldPValue());
-    equals("QM_log", set, -OrNaN(out.GetModelTestLog10PValue()));
+    equals("QM_log", set, 0.0 - OrNaN(out.GetModelTestLog10PValue()));
     if (isError)
         return;
     EXPECT_EQ(bulk.integers.at("QM_df")[set], isF ? out.GetFDf1() : out.GetWaldDf());
