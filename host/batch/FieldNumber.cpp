@@ -47,7 +47,7 @@ FieldNumber NumberOf(std::string_view field) noexcept
     const bool isWhole = end == digits.data() + digits.size();
     if (error == std::errc() && isWhole && std::isfinite(number.value) && !KXMV::IsMissing(number.value))
         number.kind = Kind::NUMBER;
-    else if (IsMissingField(digits))
+    else if (IsMissingField(digits) || (isWhole && std::isnan(number.value))) // "-nan", as C prints it
         number.kind = Kind::MISSING;
     else
         number.kind = isWhole && error != std::errc::invalid_argument ? Kind::OUTSIDE : Kind::NO_NUMBER;

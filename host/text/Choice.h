@@ -14,8 +14,8 @@
 
 namespace host {
 
-// The library has some of the tables, what they are, and what checks them. Parts of a table are vectors of its
-// rows.
+// The library has some of the tables, what they are, and what checks them. Parts of a table are vectors of
+// its rows.
 using MA_NAMESPACE::HasEachEnumerator;
 using MA_NAMESPACE::MAChoice;
 

@@ -166,6 +166,8 @@ void MASetRegression::TestModel()
 
 /// A curve that is fresh, or of a search that ended with a proof, serves again, with what it has evaluated;
 /// but not for the profile likelihood, which would take up evaluations that differ in their rounding.
+/// After scoring the interval takes up what the check of tau² and the likelihood have evaluated, as it does
+/// in one regression: they are computed for it, wanted or not.
 void MASetRegression::DescribeHeterogeneity(MAConst::TAU2CONVERGENCE convergence)
 {
     const bool isProfile = choice_.tau2Interval == MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD;
@@ -174,16 +176,18 @@ void MASetRegression::DescribeHeterogeneity(MAConst::TAU2CONVERGENCE convergence
     if (!KeepsCurve() || !isProved)
         curve.Restart(LikelihoodOf(choice_.tau2.estimator));
     const double meanVariance = design_.MeanVariance();
-    if (wanted_.status && IsTau2Doubtful(curve, choice_.tau2.estimator, model_.tau2, convergence,
-                                         [&] { return TypicalVariance(curve, meanVariance); }))
-        Warn(MAStatusCode::TAU2_DOUBTFUL);
     const bool hasInterval = wanted_.tau2Interval && choice_.tau2Interval != MAConst::TAU2_INTERVAL_NONE;
+    const bool checksTau2 = wanted_.status || (hasInterval && !isProved);
+    if (checksTau2 && IsTau2Doubtful(curve, choice_.tau2.estimator, model_.tau2, convergence,
+                                     [&] { return TypicalVariance(curve, meanVariance); }))
+        Warn(MAStatusCode::TAU2_DOUBTFUL);
     if (wanted_.heterogeneity || hasInterval) // the interval starts from what the former evaluates
         model_.residual = ResidualHeterogeneity(model_.tau2, curve, meanVariance);
     if (hasInterval && fit_.ResidualDf() >= 1)
-        InferTau2(curve, model_.tau2,
-                  {choice_.tau2.estimator, choice_.tau2Interval, fit_.NonRedundantCount(), isProfile},
-                  quantiles_, model_.tau2Results);
+        InferTau2(
+            curve, model_.tau2,
+            {choice_.tau2.estimator, choice_.tau2Interval, fit_.NonRedundantCount(), isProfile || !isProved},
+            quantiles_, model_.tau2Results);
 }
 
 double MASetRegression::UnscaledCovariance(std::size_t first, std::size_t second) const

@@ -15,6 +15,12 @@ typedef struct
     size_t offset;
 } column_type;
 
+/* The row of a table for a field of a struct of results. */
+#define COLUMN_OF(results, field, type, is_of_coefficients)                                                  \
+    {                                                                                                        \
+#field, type, is_of_coefficients, offsetof(results, field)                                           \
+    }
+
 typedef struct
 {
     const column_type* types;

@@ -3,14 +3,11 @@
 
 #include <meta_analysis.h>
 
-#define DOUBLES(name)                                                                                        \
-    {                                                                                                        \
-#name, REALSXP, 0, offsetof(ma_effect_results, name)                                                 \
-    }
+#define DOUBLES(name) COLUMN_OF(ma_effect_results, name, REALSXP, 0)
 
-static const column_type types[] = {
-    DOUBLES(effect),   DOUBLES(variance), DOUBLES(std_error),
-    DOUBLES(ci_lower), DOUBLES(ci_upper), {"exclusion", INTSXP, 0, offsetof(ma_effect_results, exclusion)}};
+static const column_type types[] = {DOUBLES(effect),    DOUBLES(variance),
+                                    DOUBLES(std_error), DOUBLES(ci_lower),
+                                    DOUBLES(ci_upper),  COLUMN_OF(ma_effect_results, exclusion, INTSXP, 0)};
 
 static const column_table table = {types, sizeof types / sizeof types[0]};
 

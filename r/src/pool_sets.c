@@ -3,14 +3,8 @@
 
 #include <meta_analysis.h>
 
-#define INTEGERS(name)                                                                                       \
-    {                                                                                                        \
-#name, INTSXP, 0, offsetof(ma_pool_results, name)                                                    \
-    }
-#define DOUBLES(name)                                                                                        \
-    {                                                                                                        \
-#name, REALSXP, 0, offsetof(ma_pool_results, name)                                                   \
-    }
+#define INTEGERS(name) COLUMN_OF(ma_pool_results, name, INTSXP, 0)
+#define DOUBLES(name) COLUMN_OF(ma_pool_results, name, REALSXP, 0)
 
 static const column_type types[] = {
     INTEGERS(k),         INTEGERS(left_out),  DOUBLES(estimate), DOUBLES(std_error), DOUBLES(statistic),

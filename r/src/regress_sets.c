@@ -4,18 +4,9 @@
 #include <meta_analysis.h>
 #include <string.h>
 
-#define COEFFICIENTS(name)                                                                                   \
-    {                                                                                                        \
-#name, REALSXP, 1, offsetof(ma_regression_results, name)                                             \
-    }
-#define INTEGERS(name)                                                                                       \
-    {                                                                                                        \
-#name, INTSXP, 0, offsetof(ma_regression_results, name)                                              \
-    }
-#define DOUBLES(name)                                                                                        \
-    {                                                                                                        \
-#name, REALSXP, 0, offsetof(ma_regression_results, name)                                             \
-    }
+#define COEFFICIENTS(name) COLUMN_OF(ma_regression_results, name, REALSXP, 1)
+#define INTEGERS(name) COLUMN_OF(ma_regression_results, name, INTSXP, 0)
+#define DOUBLES(name) COLUMN_OF(ma_regression_results, name, REALSXP, 0)
 
 static const column_type types[] = {INTEGERS(k),
                                     INTEGERS(left_out),

@@ -2,10 +2,10 @@
 
 #include "support/BulkColumns.h"
 #include "support/Compare.h"
+#include "support/LaneCodes.h"
 
 #include "meta_analysis/bulk/MABulkPooling.h"
 #include "meta_analysis/bulk/MALanePooler.h"
-#include "meta_analysis/bulk/lanes/MALaneCode.h"
 #include "meta_analysis/pooling/MAContinousFixEffectModel.h"
 #include "meta_analysis/pooling/MAPooling.h"
 #include "meta_analysis/pooling/MARandomEffectModel.h"
@@ -259,11 +259,6 @@ TEST(MABulkPooling, AgreesWithTheModelsOfOneSetToTheBit)
 /// Registers of each width that this processor has, a few sets at a time.
 TEST(MALanePooler, HasTheSameBitsInEveryRegister)
 {
-    std::vector<const MALaneKernels*> widths = {&laneCode128.kernels, &WidestLaneCode().kernels};
-#if defined(__x86_64__)
-    if (__builtin_cpu_supports("avx2"))
-        widths.push_back(&laneCode256.kernels);
-#endif
     std::vector<MAGatheredSet> sets;
     for (const Set& set : HostileSets()) {
         if (set.effects.size() > MALanePooler::mostStudies)
@@ -279,11 +274,12 @@ TEST(MALanePooler, HasTheSameBitsInEveryRegister)
         if (choice == nullptr || !MALanePooler::Takes(*choice, wanted))
             continue;
         MAQuantiles quantiles(choice->alpha);
-        for (const MALaneKernels* const kernels : widths) {
-            MALanePooler pooler(*kernels);
+        for (const MALaneCode* const code : LaneCodes()) {
+            const std::size_t laneCount = code->kernels.laneCount;
+            MALanePooler pooler(code->kernels);
             std::size_t inLanes = 0;
-            for (std::size_t set = 0; set + kernels->laneCount <= sets.size(); ++set) {
-                pooler.Load({sets.data() + set, kernels->laneCount});
+            for (std::size_t set = 0; set + laneCount <= sets.size(); ++set) {
+                pooler.Load({sets.data() + set, laneCount});
                 const std::optional<MAPooledModel>& actual = pooler.Pool(*choice, wanted, quantiles)[0];
                 if (!actual.has_value())
                     continue;

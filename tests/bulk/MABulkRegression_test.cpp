@@ -1,7 +1,9 @@
+#include "support/LaneCodes.h"
 #include "support/Published.h"
 #include "support/Regression.h"
 
 #include "meta_analysis/bulk/MABulkRegression.h"
+#include "meta_analysis/bulk/MALaneEvaluations.h"
 #include "meta_analysis/settings/MAEstimators.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -9,6 +11,7 @@
 
 #include <cmath>
 #include <cstring>
+#include <deque>
 #include <limits>
 #include <map>
 #include <string>
@@ -44,9 +47,14 @@ struct Bulk
         r.rSquare = ofSets("R2"), r.dispersion = ofSets("dispersion"), r.modelStatistic = ofSets("QM");
         r.modelDf1 = counts("QM_df"), r.modelDf2 = counts("QM_df2"), r.modelPValue = ofSets("QM_p");
         r.modelMinusLog10P = ofSets("QM_log"), r.status = counts("status");
+        return Run(model, r, threads);
+    }
+
+    KXStatus Run(const MABulkRegression& model, const MABulkRegressionResults& results, int threads) const
+    {
         const auto sets = static_cast<std::ptrdiff_t>(setCount);
         return RegressSets({{effects.data(), sets, 1}, {variances.data(), sets, 1}, studies, setCount},
-                           {design.data(), static_cast<std::ptrdiff_t>(columns), 1, columns}, model, r,
+                           {design.data(), static_cast<std::ptrdiff_t>(columns), 1, columns}, model, results,
                            threads);
     }
 
@@ -258,6 +266,77 @@ TEST(MABulkRegression, DependsNeitherOnThreadsNorOnTheOrderOfResults)
             EXPECT_TRUE(Same(others.numbers["cov"][set * 16 + j * 4 + 3],
                              one.numbers["cov"][(j * 4 + 3) * one.setCount + set]));
         }
+}
+
+/// The interval starts from what the check of tau² evaluates, wanted or not.
+TEST(MABulkRegression, HasTheSameIntervalWithoutOtherColumns)
+{
+    constexpr std::size_t k = 12;
+    Bulk bulk(k, 4, 1000);
+    std::mt19937 generator(1);
+    std::normal_distribution<double> normal;
+    std::uniform_real_distribution<double> stdError(0.03, 0.7);
+    for (std::size_t i = 0; i < bulk.design.size(); ++i)
+        bulk.design[i] = i % bulk.columns == 0 ? 1.0 : normal(generator);
+    for (std::size_t i = 0; i < bulk.effects.size(); ++i) {
+        const double error = stdError(generator);
+        bulk.effects[i] = std::hypot(error, 0.2) * normal(generator);
+        bulk.variances[i] = error * error;
+    }
+    MABulkRegression model;
+    model.tau2Interval = MAConst::TAU2_INTERVAL_PROFILE_LIKELIHOOD;
+    model.alpha = 0.5;
+    ASSERT_TRUE(bulk.Run(model).IsOK());
+    std::vector<double> uppers(bulk.setCount);
+    MABulkRegressionResults alone;
+    alone.tau2Upper = uppers.data();
+    ASSERT_TRUE(bulk.Run(model, alone, 1).IsOK());
+    EXPECT_TRUE(Same(uppers, bulk.numbers["tau2_upper"]));
+}
+
+/// Rows of an intercept and predictors, a few more or less in each set.
+MADesignRows DesignRows(std::size_t columns, unsigned set)
+{
+    MADesignRows rows;
+    rows.columnCount = columns;
+    for (const Row& study : RandomStudies(set, 12 + set % 3, columns - 1)) {
+        rows.cells.push_back(1.0);
+        rows.cells.insert(rows.cells.end(), study.begin() + 2, study.end());
+        rows.cells.push_back(study[0]);
+        rows.weights.push_back(1.0 / study[1]);
+        rows.variances.push_back(1.0 / rows.weights.back());
+    }
+    return rows;
+}
+
+TEST(MALaneEvaluations, HaveTheBitsOfOneRegressionInEveryRegister)
+{
+    for (const MAConst::TAU2ESTIMATOR estimator : {MAConst::TAU2_REML, MAConst::TAU2_ML, MAConst::TAU2_EB})
+        for (std::size_t columns = 1; columns <= mostLaneColumns; ++columns)
+            for (const MALaneCode* const code : LaneCodes()) {
+                MABulkRegression model;
+                model.tau2 = {estimator, {}, MAConst::TAU2_SEARCH_GLOBAL};
+                model.tau2Interval = MAConst::TAU2_INTERVAL_Q_PROFILE;
+                const MARegSettings settings = MA_NAMESPACE::SettingsOf(model, true);
+                std::deque<MASetRegression> sets;
+                std::vector<MASetRegression*> begun;
+                for (unsigned set = 0; set < code->fits.laneCount; ++set) {
+                    begun.push_back(&sets.emplace_back(settings, model, MAWantedRegression(), columns, 14));
+                    begun.back()->Begin(DesignRows(columns, set));
+                }
+                MALaneEvaluations(code->fits).Evaluate(begun);
+                for (unsigned set = 0; set < code->fits.laneCount; ++set) {
+                    MASetRegression alone(settings, model, MAWantedRegression(), columns, 14);
+                    alone.Begin(DesignRows(columns, set));
+                    const MASetRegression::Model& expected = alone.Finish();
+                    const MASetRegression::Model& actual = sets[set].Finish();
+                    EXPECT_EQ(actual.tau2, expected.tau2);
+                    EXPECT_EQ(actual.tau2Results.lower, expected.tau2Results.lower);
+                    EXPECT_EQ(actual.tau2Results.upper, expected.tau2Results.upper);
+                    EXPECT_EQ(actual.residual.q, expected.residual.q);
+                    EXPECT_EQ(actual.residual.i2, expected.residual.i2);
+                }
+            }
 }
 
 /// Log risk ratios on an intercept and the absolute latitude. The figures' own solver stops below a step of

@@ -171,6 +171,7 @@ TEST(Batch, RejectsRowsWithTheirReasons)
                                                         {"\t1\t1", "key is missing"},
                                                         {".\t1\t1", "key is missing"},
                                                         {"a\tNA\t1", "effect size is missing"},
+                                                        {"a\t-nan\t1", "effect size is missing"},
                                                         {"a\tx\t1", "effect size is not a number"},
                                                         {"a\tinf\t1", "effect size is infinite"},
                                                         {"a\t1e999\t1", "effect size is infinite"},
