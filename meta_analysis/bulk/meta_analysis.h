@@ -254,7 +254,7 @@ typedef struct ma_regression_results
     double* covariance; /* of coefficients i and j at [(i * coefficient_count + j) * set_count + s] */
     /* Of each set. */
     int32_t* k;        /* studies that were used */
-    int32_t* left_out; /* studies that are not NaN but cannot be used */
+    int32_t* left_out; /* studies that are not NaN but cannot be used, for a NaN predictor too */
     int32_t* rank;     /* coefficients that are not redundant */
     double* tau2;      /* residual: what the predictors leave; 0 for the fixed model */
     double* tau2_lower;

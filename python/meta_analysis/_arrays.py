@@ -54,9 +54,20 @@ def _converted(name: str, values: Any) -> FloatArray:
     if kind not in "iufO":
         raise TypeError(f"{name} has values of type {array.dtype}; real numbers are needed")
     try:
-        return np.asarray(array, dtype=_FLOAT64)
+        return np.asarray(_with_nan(array) if kind == "O" else array, dtype=_FLOAT64)
     except (TypeError, ValueError) as error:
         raise TypeError(f"{name} has values that are not numbers: {error}") from None
+
+
+def is_missing(value: Any) -> bool:
+    """None, NaN, NaT and pd.NA, the last of which answers no comparison."""
+    return value is None or type(value).__name__ == "NAType" or bool(value != value)
+
+
+def _with_nan(objects: npt.NDArray[Any]) -> npt.NDArray[Any]:
+    """Return the objects with NaN for those that are missing, which float() may refuse."""
+    numbers = np.fromiter((np.nan if is_missing(value) else value for value in objects.flat), object, objects.size)
+    return numbers.reshape(objects.shape)
 
 
 def _as_array(name: str, values: Any) -> npt.NDArray[Any]:

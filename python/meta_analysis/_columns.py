@@ -11,6 +11,8 @@ def wanted_columns(columns: Iterable[str] | None, known: tuple[str, ...]) -> fro
     """Return the names, with `status`, which no result goes without; None for all."""
     if columns is None:
         return None
+    if not hasattr(columns, "__iter__"):
+        raise TypeError(f"columns is {columns!r}; names of columns are needed")
     wanted = frozenset([columns] if isinstance(columns, str) else columns) | {"status"}
     unknown = sorted(map(repr, wanted.difference(known)))
     if unknown:

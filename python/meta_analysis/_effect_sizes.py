@@ -9,7 +9,7 @@ import numpy.typing as npt
 
 from . import _core
 from ._arrays import FloatArray, as_floats, describe_shape
-from ._options import refuse_text_for_numbers
+from ._options import checked
 from ._results import Columns, Field, counted, number
 from ._warn import exclusion_text, warn
 
@@ -110,13 +110,13 @@ def effect_sizes_binary(
     >>> effects.effect.round(4).tolist()
     [-0.9387, -1.6662]
     """
-    options = {
+    options = checked({
         "measure": measure,
         "zero_cells": zero_cells,
         "zero_delta": zero_delta,
         "drop_double_zero": drop_double_zero,
         "level": level,
-    }
+    })
     groups = {
         **_counts_of("treatment", treatment_events, treatment_nonevents, treatment_n),
         **_counts_of("control", control_events, control_nonevents, control_n),
@@ -178,13 +178,13 @@ def effect_sizes_continuous(
     >>> float(effects.effect)
     -20.0
     """
-    options = {
+    options = checked({
         "measure": measure,
         "equal_variances": equal_variances,
         "variance_adjustment": variance_adjustment,
         "glass_group": glass_group,
         "level": level,
-    }
+    })
     groups = {
         name: as_floats(name, values)
         for name, values in {
@@ -225,7 +225,6 @@ def _common_shape(arrays: Mapping[str, FloatArray]) -> tuple[int, ...]:
 
 
 def _computed(compute: Any, groups: Mapping[str, FloatArray], options: dict[str, Any]) -> EffectSizes:
-    refuse_text_for_numbers(options)
     shape = _common_shape(groups)
     if len(shape) > 1 and options.get("zero_cells") == "all-if-any":
         raise ValueError(f"zero_cells is 'all-if-any', which is about the studies of one analysis; the data have "

@@ -7,6 +7,7 @@ from typing import Any, NamedTuple
 import numpy as np
 import numpy.typing as npt
 
+from ._arrays import is_missing
 from ._results import counted
 
 
@@ -95,13 +96,8 @@ def _codes_of_objects(labels: npt.NDArray[Any]) -> tuple[npt.NDArray[np.intp], n
     numbers: dict[Any, int] = {}
     try:
         codes = np.fromiter(
-            (-1 if _is_missing(label) else numbers.setdefault(label, len(numbers)) for label in labels),
+            (-1 if is_missing(label) else numbers.setdefault(label, len(numbers)) for label in labels),
             dtype=np.intp, count=len(labels))
     except TypeError as error:
         raise TypeError(f"groups has a label that cannot name a set: {error}") from None
     return codes, np.fromiter(numbers, dtype=object, count=len(numbers))
-
-
-def _is_missing(label: Any) -> bool:
-    """None, NaN, NaT and pd.NA, the last of which answers no comparison."""
-    return label is None or type(label).__name__ == "NAType" or bool(label != label)

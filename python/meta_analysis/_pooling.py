@@ -11,7 +11,7 @@ from . import _core
 from ._arrays import FloatArray, as_floats, check_same_shape
 from ._columns import also_left_out, columns_of_one, wanted_columns
 from ._groups import group_rows
-from ._options import refuse_text_for_numbers
+from ._options import checked
 from ._results import Columns, Field, counted, interval, number, p_text
 from ._warn import warn
 
@@ -186,7 +186,7 @@ def pool(
     >>> round(float(result.estimate), 4)
     -0.991
     """
-    options = {
+    options = checked({
         "model": model,
         "tau2": tau2,
         "knapp_hartung": knapp_hartung,
@@ -199,8 +199,7 @@ def pool(
         "max_iterations": max_iterations,
         "max_step_halving": max_step_halving,
         "threads": threads,
-    }
-    refuse_text_for_numbers(options)
+    })
     if model == "random" and null_effect != 0:
         raise ValueError(f"null_effect is {null_effect}, but model is 'random', which tests against 0 alone")
     wanted = wanted_columns(columns, _core.pool_columns)

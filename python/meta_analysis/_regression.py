@@ -10,7 +10,7 @@ import numpy.typing as npt
 from . import _core
 from ._arrays import FloatArray, as_floats, check_same_shape
 from ._columns import also_left_out, columns_of_one, wanted_columns
-from ._options import refuse_text_for_numbers
+from ._options import checked
 from ._results import Columns, Field, aligned, counted, import_pandas, number, p_text
 from ._warn import LEFT_OUT
 
@@ -199,7 +199,7 @@ def regression(
     >>> result.coefficient.round(4).tolist()
     [-0.1, 0.2]
     """
-    options = {
+    options = checked({
         "model": model,
         "tau2": tau2,
         "knapp_hartung": knapp_hartung,
@@ -212,8 +212,8 @@ def regression(
         "max_iterations": max_iterations,
         "max_step_halving": max_step_halving,
         "threads": threads,
-    }
-    refuse_text_for_numbers(options)
+    })
+    checked({"intercept": intercept})
     wanted = wanted_columns(columns, _core.regression_columns)
     y = as_floats("effects", effects)
     v = as_floats("variances", variances)

@@ -35,6 +35,8 @@ MEANS = {f"{group}_{name}": 2 for group in ("treatment", "control") for name in 
     (lambda: ma.pool(THREE, THREE, level=np.nan), ValueError, "level is nan"),
     (lambda: ma.pool(THREE, THREE, level="0.9"), TypeError, "level is the text '0.9'"),
     (lambda: ma.pool(THREE, THREE, groups=3), TypeError, "groups is of type int"),
+    (lambda: ma.pool(THREE, THREE, columns=5), TypeError, "columns is 5"),
+    (lambda: ma.regression(THREE, THREE, THREE[:, None], intercept="no"), TypeError, "intercept is 'no'; True or"),
     (lambda: ma.pool(THREE, THREE, threads=10**30), ValueError, "threads is out of range"),
     (lambda: ma.pool(THREE, THREE, tau2="dl", tau2_interval="profile-likelihood"), ValueError, "(?i)likelihood"),
     (lambda: ma.pool(THREE, THREE, columns=["tau"]), ValueError, "columns has 'tau', which is none of: k, estimate"),

@@ -106,8 +106,10 @@ def as_field(array):
 @pytest.mark.parametrize("arranged", [
     np.asfortranarray, lambda a: np.repeat(np.repeat(a, 2, 0), 3, 1)[::2, ::3],
     lambda a: a[::-1, ::-1].copy()[::-1, ::-1], np.ma.masked_invalid, pd.DataFrame, lambda a: a.astype(">f8"),
-    lambda a: a.astype(object), lambda a: pd.DataFrame(a).astype("Float64"), lambda a: a.tolist(), as_field,
-], ids=["Fortran", "slices", "negative", "masked", "frame", "order of bytes", "objects", "nullable", "lists", "field"])
+    lambda a: a.astype(object), lambda a: pd.DataFrame(a, dtype=object).fillna(pd.NA),
+    lambda a: pd.DataFrame(a).astype("Float64"), lambda a: a.tolist(), as_field,
+], ids=["Fortran", "slices", "negative", "masked", "frame", "order of bytes", "objects", "NA", "nullable",
+        "lists", "field"])
 def test_any_arrangement_in_memory_has_the_same_results(arranged):
     effects, variances = many_sets()
     found = ma.pool(arranged(effects), arranged(variances))
