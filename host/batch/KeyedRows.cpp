@@ -56,8 +56,7 @@ char* PutSize(char* to, std::string_view text)
 
 char* PutText(char* to, std::string_view text)
 {
-    std::memcpy(to, text.data(), text.size());
-    return to + text.size();
+    return to + text.copy(to, text.size()); // of no memory where alleles are unusable
 }
 
 [[noreturn]] void RefuseMore(const char* what)
