@@ -3,13 +3,16 @@
 #include "meta_analysis/bulk/MAPutNumber.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
+#include <cmath>
+
 namespace MA_NAMESPACE {
 
 namespace {
 
+/// Effects from some 1e150 on, whose squares overflow, give closed formulas an infinite tau².
 int StatusOf(const MAPooledModel& model)
 {
-    return model.tau2Results.isDoubtful ? MAStatusCode::TAU2_DOUBTFUL : 0;
+    return model.tau2Results.isDoubtful || std::isinf(model.tau2) ? MAStatusCode::TAU2_DOUBTFUL : 0;
 }
 
 void PutAll(const MABulkResults& results, std::size_t set, const MAPooledModel& model, int status)

@@ -95,7 +95,8 @@ void PutExpected(BulkColumns& columns, std::size_t at, const Set& all, const MAB
     if (const auto* random = std::get_if<MARandomEffectsChoice>(&choice); random && status == 0) {
         MARandomEffectModel single;
         model = PooledBy(single, set, *random);
-        status = single.HasDoubtfulTau2() ? MAStatusCode::TAU2_DOUBTFUL : 0;
+        const bool isDoubtful = single.HasDoubtfulTau2() || std::isinf(model.tau2);
+        status = isDoubtful ? MAStatusCode::TAU2_DOUBTFUL : 0;
     } else if (status == 0) {
         MAContinousFixEffectModel single;
         single.SetNullHypothesis(std::get<MAFixedEffectChoice>(choice).nullHypothesis);
