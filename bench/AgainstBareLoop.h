@@ -1,8 +1,11 @@
 #pragma once
 
+#include "Workloads.h"
+
 #include <benchmark/benchmark.h>
 
 #include <algorithm>
+#include <cstddef>
 #include <ctime>
 #include <limits>
 
@@ -45,4 +48,17 @@ void TimeAgainstBareLoop(benchmark::State& state, Library library, Yardstick yar
     }
     state.counters["seconds"] = librarySeconds;
     state.counters["bare_seconds"] = yardstickSeconds;
+}
+
+/// Times a workload of Workloads.h, of the size that the benchmark's argument is, against its bare loop.
+template <class Work>
+void Compare(benchmark::State& state)
+{
+    Work work(static_cast<std::size_t>(state.range(0)));
+    if (!AgreesWithBareLoop(work)) {
+        state.SkipWithError("library and yardstick disagree");
+        return;
+    }
+    TimeAgainstBareLoop(
+        state, [&] { return work.Run(); }, [&] { return work.Bare(); });
 }

@@ -5,20 +5,12 @@
 
 #include <benchmark/benchmark.h>
 
-#include <cstddef>
-
 namespace {
 
 template <class Work>
 void CompareSets(benchmark::State& state)
 {
-    Work work(static_cast<std::size_t>(state.range(0)));
-    if (!AgreesWithBareLoop(work)) {
-        state.SkipWithError("library and yardstick disagree");
-        return;
-    }
-    TimeAgainstBareLoop(
-        state, [&] { return work.Run(); }, [&] { return work.Bare(); });
+    Compare<Work>(state);
     state.counters["sets"] = static_cast<double>(ManySets::setCount);
 }
 

@@ -11,18 +11,6 @@
 
 namespace {
 
-template <class Work>
-void Compare(benchmark::State& state)
-{
-    Work work(static_cast<std::size_t>(state.range(0)));
-    if (!AgreesWithBareLoop(work)) {
-        state.SkipWithError("library and yardstick disagree");
-        return;
-    }
-    TimeAgainstBareLoop(
-        state, [&] { return work.Run(); }, [&] { return work.Bare(); });
-}
-
 /// As `Compare`, with what a run holds at most beyond the host's records.
 void CompareEffectsRun(benchmark::State& state)
 {
