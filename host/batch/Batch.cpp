@@ -97,7 +97,7 @@ private:
 
     const Options& options_;
     const BatchOptions& batch_;
-    OutputFile output_;
+    AtomicFile output_;
     Rejects rejects_;
     TaskPool pool_;
     std::deque<RowStream> files_;

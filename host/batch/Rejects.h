@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/batch/OutputFile.h"
+#include "host/batch/AtomicFile.h"
 #include "host/batch/RowProblem.h"
 
 #include <array>
@@ -27,7 +27,7 @@ public:
     std::string Summary() const;
 
 private:
-    std::optional<OutputFile> list_;
+    std::optional<AtomicFile> list_;
     std::string unwritten_;
     std::array<std::size_t, ROW_PROBLEMS.size()> counts_{};
 };

@@ -7,7 +7,7 @@ using namespace MA_NAMESPACE;
 namespace host {
 
 SetSink::SetSink(const std::string& key, const std::vector<BatchColumn>& columns, const MABulkModel& model,
-                 OutputFile& output, TaskPool& pool)
+                 AtomicFile& output, TaskPool& pool)
     : columns_(columns),
       model_(model),
       output_(output),

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/batch/OutputFile.h"
+#include "host/batch/AtomicFile.h"
 #include "host/batch/ResultTable.h"
 #include "host/batch/SetChunk.h"
 #include "host/batch/TaskPool.h"
@@ -33,7 +33,7 @@ public:
     /// The header line, which names the key as here, is written before the first results: what fails until
     /// then leaves nothing.
     SetSink(const std::string& key, const std::vector<BatchColumn>& columns,
-            const MA_NAMESPACE::MABulkModel& model, OutputFile& output, TaskPool& pool);
+            const MA_NAMESPACE::MABulkModel& model, AtomicFile& output, TaskPool& pool);
 
     /// Begins the next set.
     void Begin(std::string_view key)
@@ -67,7 +67,7 @@ private:
 
     std::vector<BatchColumn> columns_;
     MA_NAMESPACE::MABulkModel model_;
-    OutputFile& output_;
+    AtomicFile& output_;
     TaskPool& pool_;
     Progress progress_;
     long written_ = 0;

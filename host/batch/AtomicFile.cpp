@@ -1,4 +1,4 @@
-#include "host/batch/OutputFile.h"
+#include "host/batch/AtomicFile.h"
 
 #include "host/text/UnusableInput.h"
 
@@ -86,7 +86,7 @@ bool IsNoRegularFile(const std::string& path)
 
 } // namespace
 
-OutputFile::OutputFile(const std::string& path) : name_(fmt::format("'{}'", path)), path_(Resolved(path))
+AtomicFile::AtomicFile(const std::string& path) : name_(fmt::format("'{}'", path)), path_(Resolved(path))
 {
     if (path == "-") {
         name_ = "Standard output";
@@ -101,7 +101,7 @@ OutputFile::OutputFile(const std::string& path) : name_(fmt::format("'{}'", path
         Fail();
 }
 
-void OutputFile::OpenTemporary()
+void AtomicFile::OpenTemporary()
 {
     std::string name = path_ + ".XXXXXX";
     file_ = mkostemp(name.data(), O_CLOEXEC);
@@ -113,7 +113,7 @@ void OutputFile::OpenTemporary()
         Fail();
 }
 
-OutputFile::~OutputFile()
+AtomicFile::~AtomicFile()
 {
     if (file_ >= 0 && file_ != STDOUT_FILENO)
         close(file_);
@@ -123,12 +123,12 @@ OutputFile::~OutputFile()
     Forget(temporary_);
 }
 
-void OutputFile::Fail() const
+void AtomicFile::Fail() const
 {
     throw UnusableInput(fmt::format("{} cannot be written: {}.", name_, std::strerror(errno)));
 }
 
-void OutputFile::Write(std::string_view bytes)
+void AtomicFile::Write(std::string_view bytes)
 {
     while (!bytes.empty()) {
         const ssize_t count = write(file_, bytes.data(), bytes.size());
@@ -141,12 +141,12 @@ void OutputFile::Write(std::string_view bytes)
     }
 }
 
-bool OutputFile::IsTerminal() const
+bool AtomicFile::IsTerminal() const
 {
     return isatty(file_) == 1;
 }
 
-void OutputFile::Commit()
+void AtomicFile::Commit()
 {
     if (file_ == STDOUT_FILENO)
         return;

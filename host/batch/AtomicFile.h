@@ -14,14 +14,14 @@ class ReaderIsGone : public std::exception
 /// A file that has its name when it is whole: until `Commit` it is a temporary one beside it, which the
 /// destructor and the signals that end the program remove. What is no regular file, such as a pipe, is
 /// written as it is. What cannot be written throws UnusableInput.
-class OutputFile
+class AtomicFile
 {
 public:
     /// "-" is standard output.
-    explicit OutputFile(const std::string& path);
-    ~OutputFile();
-    OutputFile(const OutputFile&) = delete;
-    OutputFile& operator=(const OutputFile&) = delete;
+    explicit AtomicFile(const std::string& path);
+    ~AtomicFile();
+    AtomicFile(const AtomicFile&) = delete;
+    AtomicFile& operator=(const AtomicFile&) = delete;
 
     /// Throws ReaderIsGone for a closed pipe.
     void Write(std::string_view bytes);
