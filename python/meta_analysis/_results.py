@@ -2,6 +2,7 @@
 
 from __future__ import annotations
 
+from abc import ABC, abstractmethod
 from typing import Any, Iterable, Iterator, Mapping, TypeVar
 
 import numpy as np
@@ -12,7 +13,7 @@ Self = TypeVar("Self", bound="Columns")
 Field = Any
 
 
-class Columns:
+class Columns(ABC):
     """Named columns, which are attributes, with the options that they were computed by.
 
     Nothing can be assigned. An index takes sets out of the results of many: `results[3]` is one analysis,
@@ -89,16 +90,17 @@ class Columns:
         lines = self._lines() if self._is_one() else table_of_sets(self, self._shown())
         return "\n".join([f"{type(self).__name__}: {self._title()}", *lines])
 
+    @abstractmethod
     def _title(self) -> str:
-        raise NotImplementedError
+        """First line of the text."""
 
+    @abstractmethod
     def _lines(self) -> Iterable[str]:
         """Text of one analysis, below the title."""
-        raise NotImplementedError
 
+    @abstractmethod
     def _shown(self) -> tuple[str, ...]:
         """Columns that a table of many analyses shows, those of them that were computed."""
-        raise NotImplementedError
 
 
 def import_pandas() -> Any:
