@@ -10,6 +10,7 @@
 #include <optional>
 #include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -74,6 +75,38 @@ struct BatchOptions
     std::vector<BatchColumn> columns{BATCH_COLUMNS.begin(), BATCH_COLUMNS.end()};
     std::optional<std::string> output; ///< "-" for standard output, as none
     std::optional<std::string> rejects;
+};
+
+/// How the data file is written.
+struct FileFormat
+{
+    std::optional<char> separator;   ///< comma, semicolon or tab; by the header line without
+    std::optional<char> decimalMark; ///< point or comma; by the fields without
+    std::vector<std::string> missing = {"", "NA", "N/A", "NaN",
+                                        "."}; ///< texts of missing values, in any case
+};
+
+/// How the text report and the table of studies are written, and where.
+struct ReportOptions
+{
+    std::optional<std::string> output;    ///< "-" for standard output, as none
+    std::optional<std::string> tablePath; ///< "-" for standard output
+    std::optional<int> digits;            ///< behind the point, of reports, tables and pictures
+    bool isQuiet = false;                 ///< no report
+    bool hasCitation = false;             ///< the methods sentence and its references behind the report
+};
+
+/// What the forest plot shows, and how all pictures are made.
+struct PictureOptions
+{
+    std::vector<std::string> forestColumns; ///< columns of the file, or of what the studies report
+    std::string forestSort = "file";        ///< "file", "effect", "weight" or a column
+    std::optional<std::pair<double, double>> axisLimits; ///< on the natural scale
+    std::string title;
+    std::optional<std::pair<std::string, std::string>> favours; ///< what stands left and right of no effect
+    std::string layout = "plain";
+    std::optional<std::pair<double, double>> size; ///< width and height, in pixels of 1/96 inch
+    std::optional<int> resolution;                 ///< of PNG, in pixels an inch
 };
 
 /// What the command line asks for, complete with defaults. `settings` holds what the library has settings
@@ -144,6 +177,10 @@ struct Options
     /// What reports and pictures call the measure of ready-made effect sizes; by --effect without it.
     std::optional<std::string> label;
 
+    FileFormat file;
+    ReportOptions report;
+    PictureOptions picture;
+    bool keepsMissingGroups = false; ///< a subgroup of the studies without a value
     RegressionOptions regression;
     BatchOptions batch;
 
