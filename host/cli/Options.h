@@ -107,6 +107,8 @@ struct PictureOptions
     std::string layout = "plain";
     std::optional<std::pair<double, double>> size; ///< width and height, in pixels of 1/96 inch
     std::optional<int> resolution;                 ///< of PNG, in pixels an inch
+    bool hasDrapery = false;                       ///< p-value functions of the studies and the pooled effect
+    bool hasPredictionBand = false;                ///< about the lines of bubble plots
 };
 
 /// What the command line asks for, complete with defaults. `settings` holds what the library has settings

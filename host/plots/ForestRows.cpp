@@ -109,12 +109,6 @@ Rows GroupedRows(const AnalysisData& data, const std::vector<Rows>& blocks)
     return rows;
 }
 
-/// The last model of a run with groups is that of all studies.
-ForestRow OverallRow(const AnalysisData& data)
-{
-    return PooledRow(data, data.groupLabels.size(), OVERALL);
-}
-
 std::vector<std::string> CumulativeValues(const AnalysisData& data, std::size_t block)
 {
     return TextsOf(data.base.GetEstCumulative()[block],
@@ -139,6 +133,18 @@ Rows CumulativeSteps(const AnalysisData& data, std::size_t block)
 bool IsDrawable(const ForestInterval& place)
 {
     return IsNumber(place.estimate) && IsNumber(place.lower) && IsNumber(place.upper);
+}
+
+ForestRow EffectRow(const AnalysisData& data, std::string label, const EffectRows& effects, std::size_t entry)
+{
+    ForestRow row = {Kind::STUDY, std::move(label)};
+    SetEffect(row, data, effects, entry);
+    return row;
+}
+
+ForestRow OverallRow(const AnalysisData& data)
+{
+    return PooledRow(data, data.groupLabels.size(), OVERALL);
 }
 
 std::vector<ForestRow> ForestRows(const AnalysisData& data)

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/report/AnalysisData.h"
+#include "host/report/EffectRows.h"
 #include "host/text/NumberText.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
@@ -50,6 +51,13 @@ struct ForestRow
 /// The studies with their effects and the model of all studies. Where there are groups, the studies are in
 /// blocks that end with the group's pooled model.
 std::vector<ForestRow> ForestRows(const AnalysisData& data);
+
+/// An entry of the effects as the row of a study.
+ForestRow EffectRow(const AnalysisData& data, std::string label, const EffectRows& effects,
+                    std::size_t entry);
+
+/// The model of all studies, which is the last of a run with groups.
+ForestRow OverallRow(const AnalysisData& data);
 
 /// Where the pooled effect of all studies is drawn.
 double OverallPlace(const AnalysisData& data);

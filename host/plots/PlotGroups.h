@@ -20,10 +20,13 @@ struct PlotOfGroup
 /// Whether there is something to see: a single study has nothing to be compared with.
 bool IsWorthAPicture(const AnalysisData& data, const PlotOfGroup& plot);
 
-/// All studies, then each group of more than one; empty without coordinates.
+/// All studies, then each group, of more than one; empty without coordinates.
 std::vector<PlotOfGroup> AllAndGroups(const AnalysisData& data, std::size_t rowCount);
 /// Each group, or all studies where there are no groups.
 std::vector<PlotOfGroup> GroupsOrAll(const AnalysisData& data);
+
+/// The positions of the plot's studies among all studies.
+std::vector<std::size_t> StudiesOf(const AnalysisData& data, const PlotOfGroup& plot);
 
 /// The group with the name of its column: "country: Japan".
 std::string GroupName(const AnalysisData& data, std::size_t group);

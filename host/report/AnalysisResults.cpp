@@ -209,6 +209,13 @@ void AddPlots(Json& results, const MABaseModel& model)
     ADD_RESULT(BubbleCICurveX);
     ADD_RESULT(BubbleCICurveLower);
     ADD_RESULT(BubbleCICurveUpper);
+    ADD_RESULT(BubblePICurveLower);
+    ADD_RESULT(BubblePICurveUpper);
+    ADD_RESULT(BubbleSlopeStdError);
+    ADD_RESULT(BubbleSlopeVal);
+    ADD_RESULT(BubbleSlopeSig);
+    ADD_RESULT(BubbleSlopeCILower);
+    ADD_RESULT(BubbleSlopeCIUpper);
 }
 
 void AddOwnResults(Json& results, const MABinModel& model)

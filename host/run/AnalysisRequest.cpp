@@ -130,7 +130,9 @@ AnalysisRequest MakeAnalysisRequest(const Options& options, const DataTable& tab
             .cumulative = std::move(cumulative),
             .label = options.label,
             .bubbleCovariates = std::move(bubbleCovariates),
-            .runsSmallStudyTest = options.runsSmallStudyTest};
+            .runsSmallStudyTest = options.runsSmallStudyTest,
+            .hasDrapery = options.picture.hasDrapery,
+            .hasPredictionBand = options.picture.hasPredictionBand};
 }
 
 } // namespace host

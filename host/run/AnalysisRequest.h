@@ -26,6 +26,8 @@ struct AnalysisRequest
     std::optional<std::string> label;  ///< of the measure, in place of its own name
     std::vector<int> bubbleCovariates; ///< variables
     bool runsSmallStudyTest = false;
+    bool hasDrapery = false;
+    bool hasPredictionBand = false;
 };
 
 /// Picks the columns that the options name. Throws UnusableInput.

@@ -278,6 +278,15 @@ public:
     std::vector<std::vector<double>> GetBubbleCICurveX() const;
     std::vector<std::vector<double>> GetBubbleCICurveLower() const;
     std::vector<std::vector<double>> GetBubbleCICurveUpper() const;
+    /// Prediction limits of a new study's true effect at the points of the curve; and the test of each slope,
+    /// by the normal distribution or by t as the regression settings say, with its interval.
+    std::vector<std::vector<double>> GetBubblePICurveLower() const;
+    std::vector<std::vector<double>> GetBubblePICurveUpper() const;
+    std::vector<double> GetBubbleSlopeStdError() const;
+    std::vector<double> GetBubbleSlopeVal() const;
+    std::vector<double> GetBubbleSlopeSig() const;
+    std::vector<double> GetBubbleSlopeCILower() const;
+    std::vector<double> GetBubbleSlopeCIUpper() const;
 
 protected:
     MAAnalysisResults(const MAModelSettings& settings, MAConst::OUTCOMETYPE outcome);

@@ -61,7 +61,8 @@ const Names companions[] = {
     {"GetGalbPlotX", "GetGalbPlotY"},
     {"GetGalbRegrIntercept", "GetGalbRegrSlope"},
     {"GetBubbleXs", "GetBubblePredVals", "GetBubbleW", "GetBubbleCILower", "GetBubbleCIUpper"},
-    {"GetBubbleCICurveX", "GetBubbleCICurveLower", "GetBubbleCICurveUpper"},
+    {"GetBubbleCICurveX", "GetBubbleCICurveLower", "GetBubbleCICurveUpper", "GetBubblePICurveUpper"},
+    {"GetBubbleFlags", "GetBubbleSlopeSig", "GetBubbleSlopeCIUpper"},
     {"GetRegrTestCoefficient", "GetRegrTestBetaStandErr", "GetRegrBetaTestVal", "GetRegrBetaTestPValue"},
 };
 

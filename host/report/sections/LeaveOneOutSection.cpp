@@ -1,27 +1,10 @@
-#include "host/report/EffectRows.h"
+#include "host/report/LeaveOneOutRows.h"
 #include "host/report/Sections.h"
 #include "host/text/NumberText.h"
 
 using namespace MA_NAMESPACE;
 
 namespace host {
-
-namespace {
-
-EffectRows LeaveOneOutRows(const AnalysisData& data)
-{
-    const MABaseModel& base = data.base;
-    EffectRows rows = {.effects = {base.GetLeaveOneOutEffectSize(), base.GetLeaveOneOutCILower(),
-                                   base.GetLeaveOneOutCIUpper()},
-                       .stdErrors = base.GetLeaveOneOutStdError(),
-                       .statistics = base.GetLeaveOneOutZVal(),
-                       .significances = base.GetLeaveOneOutSig()};
-    if (data.natural)
-        rows.naturals = data.natural->leaveOneOut;
-    return rows;
-}
-
-} // namespace
 
 ReportSections LeaveOneOutSection(const AnalysisData& data)
 {

@@ -4,6 +4,7 @@
 #include "meta_analysis/effectsize/MAPoolable.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 #include "meta_analysis/regression/MAFEAlgorithm.h"
+#include "meta_analysis/regression/MAPredictedEffect.h"
 #include "meta_analysis/regression/MAREAlgorithm.h"
 #include "meta_analysis/regression/MARegOutputStats.h"
 #include "meta_analysis/settings/MAEstimators.h"
@@ -34,16 +35,35 @@ struct Band
     double upper = KXMV::Missing();
 };
 
+/// A record of the regression without a study.
+Record CovariateAt(double x)
+{
+    return Record({KXMV::Missing(), KXMV::Missing(), x});
+}
+
 template <class Engine>
 Band BandAt(const Engine& engine, double x)
 {
     Band band;
     double unused = 0.0;
-    const Record record({KXMV::Missing(), KXMV::Missing(), x});
     const KXStatus scored =
-        engine.Score(record, band.fit, unused, band.lower, band.upper, unused, unused, unused);
+        engine.Score(CovariateAt(x), band.fit, unused, band.lower, band.upper, unused, unused, unused);
     RequireMemory(scored);
     return band;
+}
+
+/// The covariate is the last parameter.
+void DescribeSlope(const MARegOutputStats& output, MABubbleRows& rows)
+{
+    const auto last = [](const std::vector<double>& column) {
+        RequireMemory(!column.empty());
+        return column.back();
+    };
+    rows.slopeStdError = last(output.GetBetaStandErr());
+    rows.slopeStatistic = last(output.GetBetaTest());
+    rows.slopeSig = last(output.GetBetaTestPValue());
+    rows.slopeCILower = last(output.GetBetaConfInterValLower());
+    rows.slopeCIUpper = last(output.GetBetaConfInterValUpper());
 }
 
 } // namespace
@@ -165,6 +185,7 @@ KXStatus MABubblePlot::Fit(const std::vector<Study>& studies)
         return KXStatus();
     rows_.fitted = 1;
     rows_.coefficients = coefficients;
+    DescribeSlope(output, rows_);
     DescribeStudies(engine, studies, output.GetTau());
     DrawCurve(engine);
     return KXStatus();
@@ -204,6 +225,10 @@ void MABubblePlot::DrawCurve(const Engine& engine)
         rows_.curveX.push_back(point);
         rows_.curveLower.push_back(band.lower);
         rows_.curveUpper.push_back(band.upper);
+        MAPredictedEffect predicted;
+        RequireMemory(engine.PredictEffect(CovariateAt(point), predicted));
+        rows_.curvePILower.push_back(predicted.piLower);
+        rows_.curvePIUpper.push_back(predicted.piUpper);
     }
 }
 

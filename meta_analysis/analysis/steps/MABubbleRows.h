@@ -1,5 +1,7 @@
 #pragma once
 
+#include "meta_analysis/platform/common/KXMV.h"
+
 #include <vector>
 
 namespace MA_NAMESPACE {
@@ -21,6 +23,14 @@ struct MABubbleRows
     std::vector<double> curveX; ///< equidistant points from the smallest to the largest x
     std::vector<double> curveLower;
     std::vector<double> curveUpper;
+    std::vector<double> curvePILower; ///< prediction limits at those points, missing for fixed effects
+    std::vector<double> curvePIUpper;
+    /// Of the slope, by the distribution of the regression settings; missing without degrees of freedom.
+    double slopeStdError = KXMV::Missing();
+    double slopeStatistic = KXMV::Missing();
+    double slopeSig = KXMV::Missing();
+    double slopeCILower = KXMV::Missing();
+    double slopeCIUpper = KXMV::Missing();
 };
 
 } // namespace MA_NAMESPACE
