@@ -2,6 +2,8 @@
 
 #include "host/draw/GnuplotProcess.h"
 #include "host/draw/GnuplotScript.h"
+#include "host/draw/LettersWithoutFont.h"
+#include "host/draw/PngResolution.h"
 #include "host/draw/SvgDocument.h"
 #include "host/text/Progress.h"
 
@@ -28,15 +30,17 @@ void RequireWholeFile(std::string_view bytes, const Signature& signature, Pictur
             fmt::format("gnuplot wrote no whole {} file", NameOf(PICTURE_FORMAT_CHOICES, format)));
 }
 
-DrawnPicture DrawOne(const Picture& picture, PictureFormat format)
+DrawnPicture DrawOne(const Picture& picture, const DrawingMedium& medium)
 {
-    std::string bytes = RunGnuplot(GnuplotScript(picture, format));
+    const PictureFormat format = medium.format;
+    std::string bytes = RunGnuplot(GnuplotScript(picture, medium));
     switch (format) {
     case PictureFormat::SVG:
-        bytes = SvgElement(bytes, picture);
+        bytes = SvgElement(bytes, picture, medium.size);
         break;
     case PictureFormat::PNG:
         RequireWholeFile(bytes, {"\x89PNG\r\n\x1A\n", "IEND\xAE\x42\x60\x82"}, format);
+        bytes = WithResolution(bytes, ResolutionOf(picture, medium));
         break;
     case PictureFormat::PDF:
         RequireWholeFile(bytes, {"%PDF-", "%%EOF\n"}, format);
@@ -47,7 +51,7 @@ DrawnPicture DrawOne(const Picture& picture, PictureFormat format)
 
 } // namespace
 
-Drawing Draw(const std::vector<Picture>& pictures, PictureFormat format)
+Drawing Draw(const std::vector<Picture>& pictures, const DrawingMedium& medium)
 {
     Drawing drawing;
     Progress progress;
@@ -55,15 +59,17 @@ Drawing Draw(const std::vector<Picture>& pictures, PictureFormat format)
     for (const Picture& picture : pictures) {
         progress.Show("Drawing picture", ++number, static_cast<long>(pictures.size()));
         try {
-            drawing.pictures.push_back(DrawOne(picture, format));
+            drawing.pictures.push_back(DrawOne(picture, medium));
         } catch (const NoGnuplot& failure) {
             drawing.failures.push_back(fmt::format("Pictures could not be drawn: {}.", failure.what()));
             break;
         } catch (const DrawingFailure& failure) {
             drawing.failures.push_back(fmt::format("The picture {} could not be drawn: {}.",
-                                                   FileName(picture, format), failure.what()));
+                                                   FileName(picture, medium.format), failure.what()));
         }
     }
+    if (medium.format != PictureFormat::SVG) // whoever shows an SVG draws its letters
+        drawing.notes = NotesOnFonts(pictures);
     return drawing;
 }
 

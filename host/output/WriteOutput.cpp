@@ -67,6 +67,8 @@ ExitStatus WriteOutput(const Options& options, const RunOutput& output)
     const KXStatus& status = output.status.IsError() ? output.status : output.furtherStatus;
     if (status.IsError())
         WriteLibraryError(status.GetCode(), output.errorDetail);
+    for (const std::string& note : rendered.notes)
+        WriteToStandardError(note.c_str());
     WriteFailures(rendered.failures);
     if (!rendered.failures.empty())
         return EXIT_UNUSABLE;

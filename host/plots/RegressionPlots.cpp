@@ -42,6 +42,7 @@ std::vector<ForestRow> StudyRows(const RegressionData& data)
         row.place = {study.effect, study.ciLower, study.ciUpper};
         row.shown = ShownInterval(row.place, data.measure);
         row.weight = study.weight / weights;
+        row.records = {study.record};
         row.fitted = {study.fit, study.fitLower, study.fitUpper};
         rows.push_back(std::move(row));
     }
@@ -58,16 +59,22 @@ Picture ForestPicture(const RegressionData& data)
         .hasWeights = true,
         .rows = StudyRows(data),
         .notes = {Capitalised(WordingOfModel(data.options.settings)),
-                  fmt::format("Pale diamonds: fitted values with their {} intervals", data.level)}};
+                  fmt::format("Pale diamonds: fitted values with their {} intervals", data.level)},
+        .hasColumns = true};
     forest.description = fmt::format(
         "{}: the {} of {} with {} intervals, squares by weight, and the values that the meta-regression fits "
         "as pale diamonds.",
         forest.title, data.measure.name, CountOfStudies(forest.rows.size()), data.level);
+    const ForestRequest& request = data.request.forest;
     return DrawForest({.measure = data.measure,
-                       .effectHeader = IntervalHeader(data.measure.symbol, data.level),
+                       .names = {data.measure.name, data.measure.symbol, data.level, "IV",
+                                 data.isRandom ? "Random" : "Fixed"},
                        .decimals = data.decimals,
                        .showsRatios = data.measure.isRatio,
-                       .overall = KXMV::Missing()},
+                       .overall = KXMV::Missing(),
+                       .request = request,
+                       .style = &StyleOf(request.options.layout),
+                       .groupNames = GroupNamesOf(request)},
                       forest);
 }
 
