@@ -2,6 +2,7 @@
 
 #include "host/draw/CutToRectangle.h"
 #include "host/plots/ForestExtent.h"
+#include "host/plots/ForestLimit.h"
 #include "host/plots/PlotAxes.h"
 #include "host/text/PlainText.h"
 
@@ -354,7 +355,8 @@ Picture ForestDrawing::Draw()
 
 Picture DrawForest(const ForestScale& scale, const Forest& forest)
 {
-    return ForestDrawing(scale, forest).Draw();
+    const Forest readable = WithReadableRows(forest);
+    return ForestDrawing(scale, readable).Draw();
 }
 
 Picture DrawForest(const AnalysisData& data, const Forest& forest)

@@ -83,10 +83,10 @@ Rows PredictionRow(const AnalysisData& data, const ForestRow& overall)
     return {row};
 }
 
-ForestRow PooledRow(const AnalysisData& data, std::size_t model, const char* label)
+ForestRow PooledRow(const AnalysisData& data, const EffectRows& pooled, std::size_t model, const char* label)
 {
     ForestRow row = {Kind::POOLED, label};
-    SetEffect(row, data, PooledRows(data), model);
+    SetEffect(row, data, pooled, model);
     return row;
 }
 
@@ -99,11 +99,12 @@ void Append(Rows& rows, Rows more)
 /// A heading, the rows and the pooled model of each group.
 Rows GroupedRows(const AnalysisData& data, const std::vector<Rows>& blocks)
 {
+    const EffectRows pooled = PooledRows(data);
     Rows rows;
     for (std::size_t group = 0; group < blocks.size(); ++group) {
         rows.push_back({Kind::HEADING, GroupName(data, group)});
         Append(rows, blocks[group]);
-        rows.push_back(PooledRow(data, group, "Pooled"));
+        rows.push_back(PooledRow(data, pooled, group, "Pooled"));
         rows.push_back({Kind::GAP});
     }
     return rows;
@@ -112,24 +113,17 @@ Rows GroupedRows(const AnalysisData& data, const std::vector<Rows>& blocks)
 /// The last model of a run with groups is that of all studies.
 ForestRow OverallRow(const AnalysisData& data)
 {
-    return PooledRow(data, data.groupLabels.size(), OVERALL);
+    return PooledRow(data, PooledRows(data), data.groupLabels.size(), OVERALL);
 }
 
-std::vector<std::string> CumulativeValues(const AnalysisData& data, std::size_t block)
+Rows CumulativeSteps(const AnalysisData& data, const CumulativeGroup& group)
 {
-    return TextsOf(data.base.GetEstCumulative()[block],
-                   [&](double value) { return LabelText(data.request.cumulative.LabelOf(value)); });
-}
-
-Rows CumulativeSteps(const AnalysisData& data, std::size_t block)
-{
-    const EffectRows effects = CumulativeRows(data, block);
-    const std::vector<std::string> values = CumulativeValues(data, block);
+    const std::vector<std::string> labels = data.StudyLabelsOf(group.records);
     Rows rows;
-    for (const std::string& label : data.StudyLabelsOf(data.base.GetSubGroupStudyID()[block])) {
-        const std::size_t step = rows.size();
-        rows.push_back({Kind::STUDY, "+ " + label, values[step]});
-        SetEffect(rows.back(), data, effects, step);
+    for (std::size_t step = 0; step < labels.size(); ++step) {
+        rows.push_back({Kind::STUDY, "+ " + labels[step],
+                        LabelText(data.request.cumulative.LabelOf(group.values[step]))});
+        SetEffect(rows.back(), data, group.effects, step);
     }
     return rows;
 }
@@ -158,12 +152,13 @@ double OverallPlace(const AnalysisData& data)
 
 std::vector<ForestRow> CumulativeForestRows(const AnalysisData& data)
 {
-    if (data.base.GetCumEstES().empty())
+    const std::vector<CumulativeGroup> groups = CumulativeGroups(data);
+    if (groups.empty())
         return {};
     if (data.groupLabels.empty())
-        return CumulativeSteps(data, 0);
+        return CumulativeSteps(data, groups.front());
     std::vector<Rows> blocks;
-    for (std::size_t group = 0; group < data.groupLabels.size(); ++group)
+    for (const CumulativeGroup& group : groups)
         blocks.push_back(CumulativeSteps(data, group));
     Rows rows = GroupedRows(data, blocks);
     rows.push_back(OverallRow(data));
