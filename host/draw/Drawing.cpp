@@ -5,10 +5,14 @@
 #include "host/draw/LettersWithoutFont.h"
 #include "host/draw/PngResolution.h"
 #include "host/draw/SvgDocument.h"
-#include "host/text/Progress.h"
+#include "host/system/Progress.h"
+#include "host/system/TaskPool.h"
 
 #include <fmt/format.h>
 
+#include <atomic>
+#include <cstddef>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -54,18 +58,26 @@ DrawnPicture DrawOne(const Picture& picture, const DrawingMedium& medium)
 Drawing Draw(const std::vector<Picture>& pictures, const DrawingMedium& medium)
 {
     Drawing drawing;
-    Progress progress;
-    long number = 0;
-    for (const Picture& picture : pictures) {
-        progress.Show("Drawing picture", ++number, static_cast<long>(pictures.size()));
+    Progress progress("Drawing");
+    std::vector<DrawnPicture> drawn(pictures.size());
+    std::atomic<long> started = 0;
+    TaskPool pool(0); // behind all that its threads write to
+    std::vector<std::shared_ptr<Task>> tasks;
+    for (std::size_t i = 0; i < pictures.size(); ++i)
+        tasks.push_back(pool.Start([&, i] {
+            progress.Show("Drawing picture", ++started, static_cast<long>(pictures.size()));
+            drawn[i] = DrawOne(pictures[i], medium);
+        }));
+    for (std::size_t i = 0; i < pictures.size(); ++i) {
         try {
-            drawing.pictures.push_back(DrawOne(picture, medium));
+            pool.Finish(tasks[i]);
+            drawing.pictures.push_back(std::move(drawn[i]));
         } catch (const NoGnuplot& failure) {
             drawing.failures.push_back(fmt::format("Pictures could not be drawn: {}.", failure.what()));
             break;
         } catch (const DrawingFailure& failure) {
             drawing.failures.push_back(fmt::format("The picture {} could not be drawn: {}.",
-                                                   FileName(picture, medium.format), failure.what()));
+                                                   FileName(pictures[i], medium.format), failure.what()));
         }
     }
     if (medium.format != PictureFormat::SVG) // whoever shows an SVG draws its letters

@@ -22,7 +22,8 @@ struct Drawing
     std::vector<std::string> notes = {};    ///< sentences about what the drawn ones lack
 };
 
-/// Draws with the program gnuplot. One picture that fails leaves the others.
+/// Draws with the program gnuplot, as many pictures at once as there are processors. One that fails, or takes
+/// too long, leaves the others.
 Drawing Draw(const std::vector<Picture>& pictures, const DrawingMedium& medium);
 
 /// The content and the name of the file of a drawn picture.

@@ -2,6 +2,7 @@
 
 #include "host/output/OutputWriting.h"
 #include "host/output/RenderedOutput.h"
+#include "host/system/Progress.h"
 #include "host/text/StatusText.h"
 #include "host/text/UnusableInput.h"
 
@@ -62,7 +63,7 @@ void WriteFailures(const std::vector<std::string>& failures)
 
 ExitStatus WriteOutput(const Options& options, const RunOutput& output)
 {
-    RenderedOutput rendered = Render(options, output);
+    RenderedOutput rendered = WithProgress("Making the report", [&] { return Render(options, output); });
     Write(rendered, options);
     const KXStatus& status = output.status.IsError() ? output.status : output.furtherStatus;
     if (status.IsError())

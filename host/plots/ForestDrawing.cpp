@@ -1,6 +1,7 @@
 #include "host/plots/ForestDrawing.h"
 
 #include "host/plots/ForestExtent.h"
+#include "host/plots/ForestLimit.h"
 #include "host/plots/ForestMarks.h"
 #include "host/plots/ForestPlaces.h"
 #include "host/plots/PlotAxes.h"
@@ -382,7 +383,8 @@ std::array<std::string, 2> GroupNamesOf(const ForestRequest& request)
 
 Picture DrawForest(const ForestScale& scale, const Forest& forest)
 {
-    return ForestDrawing(scale, forest).Draw();
+    const Forest readable = WithReadableRows(forest);
+    return ForestDrawing(scale, readable).Draw();
 }
 
 Picture DrawForest(const AnalysisData& data, const Forest& forest)

@@ -190,6 +190,7 @@ Rows PredictionRow(const AnalysisData& data)
 template <class MakeEnd>
 Rows GroupedRows(const AnalysisData& data, const std::vector<Rows>& blocks, const MakeEnd& makeEnd)
 {
+    const EffectRows pooled = PooledRows(data);
     Rows rows;
     for (std::size_t group = 0; group < data.groupLabels.size(); ++group) {
         rows.push_back({Kind::HEADING, GroupName(data, group)});
@@ -222,7 +223,7 @@ Rows RowsWithoutGroup(const AnalysisData& data, const Rows& studies)
     return rows;
 }
 
-std::vector<std::string> CumulativeValues(const AnalysisData& data, std::size_t block)
+Rows CumulativeSteps(const AnalysisData& data, const CumulativeGroup& group)
 {
     return TextsOf(data.base.GetEstCumulative()[block],
                    [&](double value) { return LabelText(data.request.cumulative.LabelOf(value)); });
@@ -281,12 +282,13 @@ double OverallPlace(const AnalysisData& data)
 
 std::vector<ForestRow> CumulativeForestRows(const AnalysisData& data)
 {
-    if (data.base.GetCumEstES().empty())
+    const std::vector<CumulativeGroup> groups = CumulativeGroups(data);
+    if (groups.empty())
         return {};
     if (data.groupLabels.empty())
-        return CumulativeSteps(data, 0);
+        return CumulativeSteps(data, groups.front());
     std::vector<Rows> blocks;
-    for (std::size_t group = 0; group < data.groupLabels.size(); ++group)
+    for (const CumulativeGroup& group : groups)
         blocks.push_back(CumulativeSteps(data, group));
     Rows rows = GroupedRows(data, blocks, [&](std::size_t group) {
         return Rows{PooledRow(data, group, WithNames(StyleOf(data).pooled, NamesOfEffect(data)))};

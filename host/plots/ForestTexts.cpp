@@ -74,6 +74,27 @@ std::string Tau2Text(const AnalysisData& data, double tau2)
     return isSmall ? fmt::format("{:.2g}", tau2) : StatisticText(data, tau2);
 }
 
+struct Heterogeneity
+{
+    double q;
+    double df;
+    double p;
+    double i2;
+    double tau2; ///< missing for the fixed effect
+};
+
+std::string HeterogeneityText(const AnalysisData& data, const Heterogeneity& found)
+{
+    const ForestStyle& style = StyleOf(data);
+    const bool hasTau2 = HasValue(found.tau2);
+    const int df = static_cast<int>(found.df);
+    return fmt::format(fmt::runtime(hasTau2 ? style.heterogeneity : style.heterogeneityOfFixed),
+                       fmt::arg("q", StatisticText(data, found.q)), fmt::arg("df", df),
+                       fmt::arg("sub", Subscript(df)), fmt::arg("p", PValueInStyle(found.p, style.p)),
+                       fmt::arg("i2", FixedText(100 * found.i2, style.i2Decimals)),
+                       fmt::arg("tau2", hasTau2 ? Tau2Text(data, found.tau2) : ""));
+}
+
 std::string EffectTestText(const AnalysisData& data)
 {
     const ForestStyle& style = StyleOf(data);
@@ -131,22 +152,21 @@ std::string PValueInStyle(double p, const PValueStyle& style)
     return HasValue(p) ? style.symbol + SignAndP(p, style) : std::string(NO_VALUE);
 }
 
-std::string HeterogeneityText(const AnalysisData& data, std::size_t model)
+std::vector<std::string> HeterogeneityTexts(const AnalysisData& data)
 {
     const MABaseModel& base = data.base;
     const std::vector<double> q = base.GetHomoTestChisquareQ();
-    if (model >= q.size() || !HasValue(base.GetHomoTestSig()[model]) || base.GetHomoTestdf()[model] < 1)
-        return {};
-    const ForestStyle& style = StyleOf(data);
-    const std::vector<double> tau2 = base.GetTau2Var();
-    const bool hasTau2 = model < tau2.size() && HasValue(tau2[model]);
-    const int df = static_cast<int>(base.GetHomoTestdf()[model]);
-    return fmt::format(fmt::runtime(hasTau2 ? style.heterogeneity : style.heterogeneityOfFixed),
-                       fmt::arg("q", StatisticText(data, q[model])), fmt::arg("df", df),
-                       fmt::arg("sub", Subscript(df)),
-                       fmt::arg("p", PValueInStyle(base.GetHomoTestSig()[model], style.p)),
-                       fmt::arg("i2", FixedText(100 * base.GetI2Index()[model], style.i2Decimals)),
-                       fmt::arg("tau2", hasTau2 ? Tau2Text(data, tau2[model]) : ""));
+    const std::vector<double> dfs = base.GetHomoTestdf();
+    const std::vector<double> p = base.GetHomoTestSig();
+    const std::vector<double> i2 = base.GetI2Index();
+    std::vector<double> tau2 = base.GetTau2Var();
+    tau2.resize(q.size(), KXMV::Missing());
+    std::vector<std::string> texts;
+    for (std::size_t model = 0; model < q.size(); ++model)
+        texts.push_back(HasValue(p[model]) && dfs[model] >= 1
+                            ? HeterogeneityText(data, {q[model], dfs[model], p[model], i2[model], tau2[model]})
+                            : "");
+    return texts;
 }
 
 std::optional<AnalysisData> OtherModelOf(const AnalysisData& data)
@@ -166,9 +186,9 @@ std::vector<std::string> OverallNotes(const AnalysisData& data)
     if (StyleOf(data).namesModel && other)
         notes.push_back(Capitalised(WordingOfModel(other->settings)));
     const AnalysisData& random = other && !IsRandom(data.settings) ? *other : data; // has tau²
-    const std::size_t overall = random.base.GetHomoTestChisquareQ().size();
-    if (overall > 0)
-        notes.push_back(HeterogeneityText(random, overall - 1));
+    const std::vector<std::string> heterogeneity = HeterogeneityTexts(random);
+    if (!heterogeneity.empty())
+        notes.push_back(heterogeneity.back());
     notes.push_back(EffectTestText(data));
     notes.push_back(GroupTestText(data));
     std::erase(notes, std::string());

@@ -13,8 +13,8 @@ namespace host {
 /// "p = 0.03", "P < .001": two decimals, or more where fewer would show no digit or move p across 0.05.
 std::string PValueInStyle(double p, const PValueStyle& style);
 
-/// The heterogeneity of a model, without the test of its effect; empty where there is none to be tested.
-std::string HeterogeneityText(const AnalysisData& data, std::size_t model);
+/// The heterogeneity of each model, of which one of a single study has none: then empty.
+std::vector<std::string> HeterogeneityTexts(const AnalysisData& data);
 
 /// The notes on the models of all studies: model, heterogeneity, test of the effect, test between groups.
 std::vector<std::string> OverallNotes(const AnalysisData& data);

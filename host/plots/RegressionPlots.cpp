@@ -4,6 +4,7 @@
 #include "host/plots/InfluencePictures.h"
 #include "host/plots/PlotAxes.h"
 #include "host/plots/ScatterPlot.h"
+#include "host/plots/VisibleMarks.h"
 #include "host/report/ReportColumns.h"
 #include "host/text/PlainText.h"
 #include "host/text/Wording.h"
@@ -139,9 +140,9 @@ std::vector<Picture> MakeRegressionPictures(const RegressionData& data)
     std::vector<Picture> pictures = {ForestPicture(data)};
     std::size_t number = 0;
     for (const int covariate : data.request.settings.GetCovariates())
-        pictures.push_back(BubblePicture(data, ++number, covariate));
+        pictures.push_back(WithVisibleMarks(BubblePicture(data, ++number, covariate)));
     for (Picture& picture : InfluencePicturesOf(InfluenceTableOf(data)))
-        pictures.push_back(std::move(picture));
+        pictures.push_back(WithVisibleMarks(std::move(picture)));
     return pictures;
 }
 
