@@ -60,10 +60,23 @@ Layer CutToAxes(Layer layer, const Picture& picture)
     return layer;
 }
 
-/// "#rrggbb" as gnuplot reads it in data.
-std::string DataColor(const std::string& color)
+/// "#rrggbb" as gnuplot has it with the share of light that passes: "aarrggbb".
+std::string SeenThrough(const std::string& color, double opacity)
 {
-    return "0x" + color.substr(1);
+    constexpr double MOST = 255;
+    return fmt::format("{:02x}{}", std::lround(MOST * (1 - opacity)), color.substr(1));
+}
+
+/// As gnuplot reads it in data.
+std::string DataColor(const std::string& color, double opacity)
+{
+    return "0x" + (opacity < 1 ? SeenThrough(color, opacity) : color.substr(1));
+}
+
+/// As gnuplot reads it in commands.
+std::string ColorOf(const Layer& layer)
+{
+    return layer.opacity < 1 ? '#' + SeenThrough(layer.color, layer.opacity) : layer.color;
 }
 
 /// The terminals of cairo measure fonts in points of 1/72 inch and count 3 pixels to a point size, that of
@@ -230,7 +243,7 @@ void ScriptWriter::AddMark(const Layer& layer, const Point& point, double radius
 {
     const auto add = [&](double size, const std::string& color) {
         commands_ += fmt::format("{:.15g} {:.15g} {:.4f} {}\n", point.x, point.y,
-                                 size / terminal_.pixelsPerPointSize, DataColor(color));
+                                 size / terminal_.pixelsPerPointSize, DataColor(color, layer.opacity));
     };
     const MarkColors colors = ColorsOf(layer);
     add(radius, colors.outside);
@@ -258,13 +271,13 @@ std::string ScriptWriter::Style(const Layer& layer)
 {
     switch (layer.kind) {
     case Kind::AREA:
-        return fmt::format("filledcurves closed fs solid noborder fc rgb '{}'", layer.color);
+        return fmt::format("filledcurves closed fs solid noborder fc rgb '{}'", ColorOf(layer));
     case Kind::LINE:
-        return fmt::format("lines lc rgb '{}' lw {}", layer.color, layer.width);
+        return fmt::format("lines lc rgb '{}' lw {}", ColorOf(layer), layer.width);
     case Kind::DASHED_LINE:
-        return fmt::format("lines lc rgb '{}' lw {} dt (8,5)", layer.color, layer.width);
+        return fmt::format("lines lc rgb '{}' lw {} dt (8,5)", ColorOf(layer), layer.width);
     case Kind::DOTTED_LINE:
-        return fmt::format("lines lc rgb '{}' lw {} dt (2,3)", layer.color, layer.width);
+        return fmt::format("lines lc rgb '{}' lw {} dt (2,3)", ColorOf(layer), layer.width);
     case Kind::SQUARES:
         return "points pt 5 ps variable lc rgb variable";
     case Kind::DISCS:
@@ -279,12 +292,13 @@ std::string ScriptWriter::Style(const Layer& layer)
 std::string ScriptWriter::LegendStyle(const Layer& layer) const
 {
     if (layer.kind == Kind::AREA)
-        return fmt::format("filledcurves fs solid border lc rgb '{}' fc rgb '{}'", color::FAINT, layer.color);
+        return fmt::format("filledcurves fs solid border lc rgb '{}' fc rgb '{}'", color::FAINT,
+                           ColorOf(layer));
     if (!IsMarks(layer.kind))
         return Style(layer);
     const int pointType = layer.kind == Kind::SQUARES ? 5 : layer.kind == Kind::RINGS ? 6 : 7;
     return fmt::format("points pt {} ps {:.4f} lc rgb '{}'", pointType,
-                       MARK_IN_LEGEND / terminal_.pixelsPerPointSize, layer.color);
+                       MARK_IN_LEGEND / terminal_.pixelsPerPointSize, ColorOf(layer));
 }
 
 std::vector<std::string> ScriptWriter::PlotsOf(const Layer& layer, std::size_t number)

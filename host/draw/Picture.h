@@ -46,6 +46,7 @@ struct Layer
     std::vector<double> radii = {}; ///< of marks, in pixels: half the side of a square
     double width = 1;               ///< of lines, in pixels
     std::string legend = {};        ///< empty for none
+    double opacity = 1;             ///< below 1, what lies beneath shows through
 };
 
 /// A number at an axis, or a label. A number is shown with the minus sign of print.
