@@ -100,15 +100,15 @@ void Sort(Rows& studies, const ForestRequest& request)
 /// The rows of each group's studies, then those of studies that are in no group.
 std::vector<Rows> InBlocks(const AnalysisData& data, Rows studies)
 {
-    std::map<int, std::size_t> blockOfRecord;
     const std::vector<std::vector<int>> groups = data.base.GetSubGroupStudyID();
+    std::vector<std::size_t> blockOfRecord(data.request.studyLabels.size(), groups.size());
     for (std::size_t group = 0; group < groups.size(); ++group)
         for (const int record : groups[group])
-            blockOfRecord[record] = group;
+            blockOfRecord[static_cast<std::size_t>(record)] = group;
     std::vector<Rows> blocks(groups.size() + 1);
     for (ForestRow& study : studies) {
-        const auto found = blockOfRecord.find(study.records.front());
-        blocks[found == blockOfRecord.end() ? groups.size() : found->second].push_back(std::move(study));
+        const std::size_t block = blockOfRecord[RecordOf(study)];
+        blocks[block].push_back(std::move(study));
     }
     return blocks;
 }
@@ -120,10 +120,11 @@ void Append(Rows& rows, Rows more)
 }
 
 /// A row of what a model pools.
-ForestRow PooledRow(const AnalysisData& data, std::size_t model, const std::string& label)
+ForestRow PooledRow(const AnalysisData& data, const EffectRows& pooled, std::size_t model,
+                    const std::string& label)
 {
     ForestRow row = {Kind::POOLED, label};
-    SetEffect(row, data, PooledRows(data), model);
+    SetEffect(row, data, pooled, model);
     row.weight = KXMV::Missing();
     return row;
 }
@@ -145,25 +146,60 @@ const ForestStyle& StyleOf(const AnalysisData& data)
     return host::StyleOf(data.request.forest.options.layout);
 }
 
-std::string ModelLabel(const AnalysisData& data)
+/// The models of the forest plot. What the library lists for each of them is read once, because there may be
+/// thousands of groups.
+class Models
 {
-    return IsRandom(data.settings) ? "Random-effects model" : "Fixed-effect model";
-}
+public:
+    explicit Models(const AnalysisData& data)
+        : data_(data), pooled_(PooledRows(data)), other_(OtherModelOf(data))
+    {
+        if (other_)
+            otherPooled_ = PooledRows(*other_);
+        heterogeneity_ = HeterogeneityTexts(Random());
+    }
 
-/// The estimates of one model, or of both kinds of it, the fixed effect first.
-Rows PooledRowsOf(const AnalysisData& data, std::size_t model, const char* label, const Rows& studies)
+    /// The estimates of a group, or of all studies, by one model or by both kinds, the fixed effect first.
+    Rows PooledOf(std::size_t model, const char* label, const Rows& studies) const;
+    /// Those of a group, and their heterogeneity.
+    Rows EndOfGroup(std::size_t group, const Rows& studies) const;
+
+    /// The analysis that has tau², if there is one.
+    const AnalysisData& Random() const { return other_ && IsRandom(other_->settings) ? *other_ : data_; }
+
+private:
+    static std::string NameOf(const AnalysisData& data)
+    {
+        return IsRandom(data.settings) ? "Random-effects model" : "Fixed-effect model";
+    }
+
+    const AnalysisData& data_;
+    EffectRows pooled_;
+    std::optional<AnalysisData> other_;
+    EffectRows otherPooled_;
+    std::vector<std::string> heterogeneity_; ///< of each model
+};
+
+Rows Models::PooledOf(std::size_t model, const char* label, const Rows& studies) const
 {
-    Rows rows = {PooledRow(data, model, WithNames(label, NamesOfEffect(data)))};
+    Rows rows = {PooledRow(data_, pooled_, model, WithNames(label, NamesOfEffect(data_)))};
     SetPooled(rows.front(), studies);
-    const std::optional<AnalysisData> other = OtherModelOf(data);
-    if (!other || model >= PooledRows(*other).effects.values.size())
+    if (!other_ || model >= otherPooled_.effects.values.size())
         return rows;
-    rows.front().label = ModelLabel(data);
-    rows.push_back(PooledRow(*other, model, ModelLabel(*other)));
+    rows.front().label = NameOf(data_);
+    rows.push_back(PooledRow(*other_, otherPooled_, model, NameOf(*other_)));
     rows.back().records = rows.front().records;
     std::swap(rows.front().otherWeight, rows.back().otherWeight);
-    if (IsRandom(data.settings))
+    if (IsRandom(data_.settings))
         std::swap(rows.front(), rows.back());
+    return rows;
+}
+
+Rows Models::EndOfGroup(std::size_t group, const Rows& studies) const
+{
+    Rows rows = PooledOf(group, StyleOf(data_).pooled, studies);
+    if (group < heterogeneity_.size() && !heterogeneity_[group].empty())
+        rows.push_back({Kind::NOTE, heterogeneity_[group]});
     return rows;
 }
 
@@ -201,18 +237,6 @@ Rows GroupedRows(const AnalysisData& data, const std::vector<Rows>& blocks, cons
     return rows;
 }
 
-/// The pooled models of a group and their heterogeneity.
-Rows EndOfGroup(const AnalysisData& data, std::size_t group, const Rows& studies)
-{
-    Rows rows = PooledRowsOf(data, group, StyleOf(data).pooled, studies);
-    const std::optional<AnalysisData> other = OtherModelOf(data);
-    const bool isOtherRandom = other && IsRandom(other->settings); // which has tau²
-    const std::string note = HeterogeneityText(isOtherRandom ? *other : data, group);
-    if (!note.empty())
-        rows.push_back({Kind::NOTE, note});
-    return rows;
-}
-
 Rows RowsWithoutGroup(const AnalysisData& data, const Rows& studies)
 {
     if (studies.empty())
@@ -225,21 +249,12 @@ Rows RowsWithoutGroup(const AnalysisData& data, const Rows& studies)
 
 Rows CumulativeSteps(const AnalysisData& data, const CumulativeGroup& group)
 {
-    return TextsOf(data.base.GetEstCumulative()[block],
-                   [&](double value) { return LabelText(data.request.cumulative.LabelOf(value)); });
-}
-
-Rows CumulativeSteps(const AnalysisData& data, std::size_t block)
-{
-    const EffectRows effects = CumulativeRows(data, block);
-    const std::vector<std::string> values = CumulativeValues(data, block);
-    const std::vector<int> records = data.base.GetSubGroupStudyID()[block];
+    const std::vector<std::string> labels = data.StudyLabelsOf(group.records);
     Rows rows;
-    for (const std::string& label : data.StudyLabelsOf(records)) {
-        const std::size_t step = rows.size();
-        rows.push_back({Kind::STUDY, "+ " + label, values[step]});
-        rows.back().records = {records[step]};
-        SetEffect(rows.back(), data, effects, step);
+    for (std::size_t step = 0; step < labels.size(); ++step) {
+        rows.push_back(EffectRow(data, "+ " + labels[step], group.effects, step));
+        rows.back().remark = LabelText(data.request.cumulative.LabelOf(group.values[step]));
+        rows.back().records = {group.records[step]};
     }
     return rows;
 }
@@ -251,27 +266,36 @@ bool IsDrawable(const ForestInterval& place)
     return IsNumber(place.estimate) && IsNumber(place.lower) && IsNumber(place.upper);
 }
 
-/// The last model of a run with groups is that of all studies.
+ForestRow EffectRow(const AnalysisData& data, std::string label, const EffectRows& effects, std::size_t entry)
+{
+    ForestRow row = {Kind::STUDY, std::move(label)};
+    SetEffect(row, data, effects, entry);
+    return row;
+}
+
 ForestRow OverallRow(const AnalysisData& data)
 {
-    return PooledRow(data, data.groupLabels.size(), WithNames(StyleOf(data).overall, NamesOfEffect(data)));
+    return PooledRow(data, PooledRows(data), data.groupLabels.size(),
+                     WithNames(StyleOf(data).overall, NamesOfEffect(data)));
 }
 
 std::vector<ForestRow> ForestRows(const AnalysisData& data)
 {
+    const Models models(data);
     Rows studies = RowsOfStudies(data);
-    const Rows end = PooledRowsOf(data, data.groupLabels.size(), StyleOf(data).overall, studies);
+    const Rows end = models.PooledOf(data.groupLabels.size(), StyleOf(data).overall, studies);
     Sort(studies, data.request.forest);
-    Rows rows = studies;
-    if (!data.groupLabels.empty()) {
-        const std::vector<Rows> blocks = InBlocks(data, studies);
+    Rows rows;
+    if (data.groupLabels.empty()) {
+        rows = std::move(studies);
+    } else {
+        const std::vector<Rows> blocks = InBlocks(data, std::move(studies));
         rows = GroupedRows(data, blocks,
-                           [&](std::size_t group) { return EndOfGroup(data, group, blocks[group]); });
+                           [&](std::size_t group) { return models.EndOfGroup(group, blocks[group]); });
         Append(rows, RowsWithoutGroup(data, blocks.back()));
     }
     Append(rows, end);
-    const std::optional<AnalysisData> other = OtherModelOf(data);
-    Append(rows, PredictionRow(other && IsRandom(other->settings) ? *other : data));
+    Append(rows, PredictionRow(models.Random()));
     return rows;
 }
 
@@ -290,9 +314,10 @@ std::vector<ForestRow> CumulativeForestRows(const AnalysisData& data)
     std::vector<Rows> blocks;
     for (const CumulativeGroup& group : groups)
         blocks.push_back(CumulativeSteps(data, group));
-    Rows rows = GroupedRows(data, blocks, [&](std::size_t group) {
-        return Rows{PooledRow(data, group, WithNames(StyleOf(data).pooled, NamesOfEffect(data)))};
-    });
+    const EffectRows pooled = PooledRows(data);
+    const std::string label = WithNames(StyleOf(data).pooled, NamesOfEffect(data));
+    Rows rows = GroupedRows(data, blocks,
+                            [&](std::size_t group) { return Rows{PooledRow(data, pooled, group, label)}; });
     rows.push_back(OverallRow(data));
     return rows;
 }

@@ -163,9 +163,10 @@ std::vector<std::string> HeterogeneityTexts(const AnalysisData& data)
     tau2.resize(q.size(), KXMV::Missing());
     std::vector<std::string> texts;
     for (std::size_t model = 0; model < q.size(); ++model)
-        texts.push_back(HasValue(p[model]) && dfs[model] >= 1
-                            ? HeterogeneityText(data, {q[model], dfs[model], p[model], i2[model], tau2[model]})
-                            : "");
+        texts.push_back(
+            HasValue(p[model]) && dfs[model] >= 1
+                ? HeterogeneityText(data, {q[model], dfs[model], p[model], i2[model], tau2[model]})
+                : "");
     return texts;
 }
 
