@@ -15,6 +15,9 @@
 #include "host/report/RegressionResults.h"
 #include "host/run/Analysis.h"
 #include "host/run/AnalysisRequest.h"
+#include "host/system/AtomicFile.h"
+#include "host/system/Progress.h"
+#include "host/text/PlainText.h"
 
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -44,7 +47,8 @@ std::string ParametersOfHypotheses(const RegressionData& data)
 int AnalyseRegression(const Options& options, const DataTable& table)
 {
     const RegressionRequest request = MakeRegressionRequest(options, table);
-    const RegressionAnalysis analysis = RunRegression(request, options.settings.GetModelType());
+    const RegressionAnalysis analysis = WithProgress(
+        "Fitting the model", [&] { return RunRegression(request, options.settings.GetModelType()); });
     const auto makeReport = [&] { return MakeRegressionReport(options, request, analysis); };
     const auto makeJson = [&] {
         return RenderJson(options, {analysis.records, analysis.status, WarningsOf(request, analysis),
@@ -60,7 +64,7 @@ int AnalyseRegression(const Options& options, const DataTable& table)
 int AnalyseStudies(const Options& options, const DataTable& table)
 {
     AnalysisRequest request = MakeAnalysisRequest(options, table);
-    const Analysis analysis = RunAnalysis(request);
+    const Analysis analysis = WithProgress("Analysing the studies", [&] { return RunAnalysis(request); });
     const auto makeReport = [&] { return MakeAnalysisReport(options, request, analysis); };
     const auto makeJson = [&] {
         return RenderJson(options, {analysis.Records(table.RowCount()), analysis.FinalStatus(),
@@ -76,7 +80,8 @@ int Analyse(const Options& options)
     if (options.command == Command::BATCH)
         return RunBatch(options);
     CheckOutputPlaces(options);
-    const DataTable table = DataTable::Read(options.dataPath);
+    const DataTable table = WithProgress("Reading " + LabelText(options.dataPath),
+                                         [&] { return DataTable::Read(options.dataPath); });
     return options.command == Command::REGRESSION ? AnalyseRegression(options, table)
                                                   : AnalyseStudies(options, table);
 }
@@ -101,6 +106,7 @@ int Complain(const char* problem) noexcept
 
 int RunProgram(int argc, const char* const* argv) noexcept
 {
+    RemoveTemporaryFilesOnSignals();
     std::signal(SIGPIPE, SIG_IGN); // the files are written even when nobody reads the whole report
     try {
         return Run(argc, argv);

@@ -108,7 +108,6 @@ private:
 ExitStatus RunBatch(const Options& options)
 {
     CheckBatchPlaces(options.batch);
-    RemoveTemporaryFilesOnSignals();
     AllowManyFiles();
     try {
         BatchRun run(options);

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/batch/AtomicFile.h"
+#include "host/system/AtomicFile.h"
 #include "host/batch/RowProblem.h"
 
 #include <array>

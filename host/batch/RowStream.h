@@ -2,7 +2,7 @@
 
 #include "host/batch/LineBlocks.h"
 #include "host/batch/RowParser.h"
-#include "host/batch/TaskPool.h"
+#include "host/system/TaskPool.h"
 
 #include <condition_variable>
 #include <cstddef>

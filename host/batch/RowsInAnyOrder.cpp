@@ -1,7 +1,7 @@
 #include "host/batch/Grouping.h"
 #include "host/batch/KeyedRows.h"
 #include "host/batch/RowUse.h"
-#include "host/text/Progress.h"
+#include "host/system/Progress.h"
 
 #include <limits>
 

@@ -25,13 +25,13 @@ using OptionGroupMaker = OptionGroup(Options& options);
 
 OptionGroupMaker ColumnOptions, EffectSizeOptions, PredictorOptions, HypothesisOptions, RobustTestOptions,
     ModelOptions, RandomEffectsOptions, IterationOptions, GroupAndOrderOptions, SensitivityOptions,
-    SmallStudyOptions, PlotOptions, CurveOptions;
+    SmallStudyOptions, PlotOptions, FigureOptions, CurveOptions;
 
 /// The groups in the order of the help.
 inline constexpr OptionGroupMaker* OPTION_GROUPS[] = {
     ColumnOptions,     EffectSizeOptions,    PredictorOptions, HypothesisOptions,    RobustTestOptions,
     ModelOptions,      RandomEffectsOptions, IterationOptions, GroupAndOrderOptions, SensitivityOptions,
-    SmallStudyOptions, PlotOptions,          CurveOptions};
+    SmallStudyOptions, PlotOptions,          FigureOptions,    CurveOptions};
 
 /// The options that the command of `options` has, in the order of the help. They refer to `options`, which
 /// must outlive them.

@@ -1,7 +1,9 @@
 #pragma once
 
 #include "host/cli/BatchColumns.h"
+#include "host/cli/ForestChoices.h"
 #include "host/data/ColumnName.h"
+#include "host/draw/DrawingMedium.h"
 #include "host/draw/PictureFormat.h"
 
 #include "meta_analysis/settings/MAModelSettings.h"
@@ -99,16 +101,19 @@ struct ReportOptions
 /// What the forest plot shows, and how all pictures are made.
 struct PictureOptions
 {
-    std::vector<std::string> forestColumns; ///< columns of the file, or of what the studies report
+    std::vector<std::string> forestColumns; ///< as given: names, or lists of them separated by commas
     std::string forestSort = "file";        ///< "file", "effect", "weight" or a column
+    ForestModels models = ForestModels::ANALYSED;
+    PredictionLook prediction = PredictionLook::BAR;
     std::optional<std::pair<double, double>> axisLimits; ///< on the natural scale
     std::string title;
-    std::optional<std::pair<std::string, std::string>> favours; ///< what stands left and right of no effect
-    std::string layout = "plain";
-    std::optional<std::pair<double, double>> size; ///< width and height, in pixels of 1/96 inch
-    std::optional<int> resolution;                 ///< of PNG, in pixels an inch
-    bool hasDrapery = false;                       ///< p-value functions of the studies and the pooled effect
-    bool hasPredictionBand = false;                ///< about the lines of bubble plots
+    std::optional<std::pair<std::string, std::string>> favours;    ///< left and right of no effect
+    std::optional<std::pair<std::string, std::string>> groupNames; ///< of treatment and control
+    ForestLayout layout = ForestLayout::PLAIN;
+    std::optional<PictureSize> size;
+    std::optional<int> resolution;  ///< of PNG, in pixels an inch
+    bool hasDrapery = false;        ///< p-value functions of the studies and the pooled effect
+    bool hasPredictionBand = false; ///< about the lines of bubble plots
 };
 
 /// What the command line asks for, complete with defaults. `settings` holds what the library has settings

@@ -2,11 +2,17 @@
 
 #include "host/draw/GnuplotProcess.h"
 #include "host/draw/GnuplotScript.h"
+#include "host/draw/LettersWithoutFont.h"
+#include "host/draw/PngResolution.h"
 #include "host/draw/SvgDocument.h"
-#include "host/text/Progress.h"
+#include "host/system/Progress.h"
+#include "host/system/TaskPool.h"
 
 #include <fmt/format.h>
 
+#include <atomic>
+#include <cstddef>
+#include <memory>
 #include <string_view>
 #include <utility>
 
@@ -28,15 +34,17 @@ void RequireWholeFile(std::string_view bytes, const Signature& signature, Pictur
             fmt::format("gnuplot wrote no whole {} file", NameOf(PICTURE_FORMAT_CHOICES, format)));
 }
 
-DrawnPicture DrawOne(const Picture& picture, PictureFormat format)
+DrawnPicture DrawOne(const Picture& picture, const DrawingMedium& medium)
 {
-    std::string bytes = RunGnuplot(GnuplotScript(picture, format));
+    const PictureFormat format = medium.format;
+    std::string bytes = RunGnuplot(GnuplotScript(picture, medium));
     switch (format) {
     case PictureFormat::SVG:
-        bytes = SvgElement(bytes, picture);
+        bytes = SvgElement(bytes, picture, medium.size);
         break;
     case PictureFormat::PNG:
         RequireWholeFile(bytes, {"\x89PNG\r\n\x1A\n", "IEND\xAE\x42\x60\x82"}, format);
+        bytes = WithResolution(bytes, ResolutionOf(picture, medium));
         break;
     case PictureFormat::PDF:
         RequireWholeFile(bytes, {"%PDF-", "%%EOF\n"}, format);
@@ -47,23 +55,33 @@ DrawnPicture DrawOne(const Picture& picture, PictureFormat format)
 
 } // namespace
 
-Drawing Draw(const std::vector<Picture>& pictures, PictureFormat format)
+Drawing Draw(const std::vector<Picture>& pictures, const DrawingMedium& medium)
 {
     Drawing drawing;
-    Progress progress;
-    long number = 0;
-    for (const Picture& picture : pictures) {
-        progress.Show("Drawing picture", ++number, static_cast<long>(pictures.size()));
+    Progress progress("Drawing");
+    std::vector<DrawnPicture> drawn(pictures.size());
+    std::atomic<long> started = 0;
+    TaskPool pool(0); // behind all that its threads write to
+    std::vector<std::shared_ptr<Task>> tasks;
+    for (std::size_t i = 0; i < pictures.size(); ++i)
+        tasks.push_back(pool.Start([&, i] {
+            progress.Show("Drawing picture", ++started, static_cast<long>(pictures.size()));
+            drawn[i] = DrawOne(pictures[i], medium);
+        }));
+    for (std::size_t i = 0; i < pictures.size(); ++i) {
         try {
-            drawing.pictures.push_back(DrawOne(picture, format));
+            pool.Finish(tasks[i]);
+            drawing.pictures.push_back(std::move(drawn[i]));
         } catch (const NoGnuplot& failure) {
             drawing.failures.push_back(fmt::format("Pictures could not be drawn: {}.", failure.what()));
             break;
         } catch (const DrawingFailure& failure) {
             drawing.failures.push_back(fmt::format("The picture {} could not be drawn: {}.",
-                                                   FileName(picture, format), failure.what()));
+                                                   FileName(pictures[i], medium.format), failure.what()));
         }
     }
+    if (medium.format != PictureFormat::SVG) // whoever shows an SVG draws its letters
+        drawing.notes = NotesOnFonts(pictures);
     return drawing;
 }
 

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "host/draw/DrawingMedium.h"
 #include "host/draw/Picture.h"
-#include "host/draw/PictureFormat.h"
 
 #include <string>
 #include <vector>
@@ -19,10 +19,12 @@ struct Drawing
 {
     std::vector<DrawnPicture> pictures = {};
     std::vector<std::string> failures = {}; ///< a sentence for each other one, or one for all
+    std::vector<std::string> notes = {};    ///< sentences about what the drawn ones lack
 };
 
-/// Draws with the program gnuplot. One picture that fails leaves the others.
-Drawing Draw(const std::vector<Picture>& pictures, PictureFormat format);
+/// Draws with the program gnuplot, as many pictures at once as there are processors. One that fails, or takes
+/// too long, leaves the others.
+Drawing Draw(const std::vector<Picture>& pictures, const DrawingMedium& medium);
 
 /// The content and the name of the file of a drawn picture.
 std::string FileContent(const DrawnPicture& drawn, PictureFormat format);

@@ -48,14 +48,29 @@ CharSet CharactersOfAllFonts()
     return all;
 }
 
+/// Whether an installed font has it; true of all when the fonts cannot be listed.
+bool HasFont(char32_t character)
+{
+    static const CharSet characters = CharactersOfAllFonts();
+    return !characters || FcCharSetHasChar(characters.get(), character) != FcFalse;
+}
+
 } // namespace
 
 std::string DrawableText(std::string_view text)
 {
-    static const CharSet characters = CharactersOfAllFonts();
-    return WithoutCharacters(text, '?', [](char32_t character) {
-        return characters && FcCharSetHasChar(characters.get(), character) == FcFalse;
+    return WithoutCharacters(text, '?', [](char32_t character) { return !HasFont(character); });
+}
+
+std::u32string CharactersWithoutFont(std::string_view text)
+{
+    std::u32string missing;
+    WithoutCharacters(text, '?', [&missing](char32_t character) {
+        if (!HasFont(character) && missing.find(character) == std::u32string::npos)
+            missing += character;
+        return false;
     });
+    return missing;
 }
 
 } // namespace host

@@ -1,7 +1,8 @@
 #include "host/draw/GnuplotProcess.h"
 
+#include <fcntl.h>
 #include <fmt/format.h>
-#include <spawn.h>
+#include <sys/prctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -12,18 +13,28 @@
 #include <csignal>
 #include <cstddef>
 #include <cstdio>
+#include <cstdlib>
 #include <cstring>
 #include <memory>
 #include <string_view>
 #include <thread>
+#include <tuple>
+#include <utility>
 #include <vector>
 
 namespace host {
 
 namespace {
 
-constexpr std::chrono::seconds TIME_LIMIT(120); // pictures of thousands of studies take a few
 constexpr std::chrono::milliseconds BETWEEN_LOOKS(2);
+
+/// A picture of usual size takes a tenth of a second, and a megabyte of script ten.
+std::chrono::seconds TimeLimit(const std::string& script)
+{
+    constexpr std::chrono::seconds LEAST(120);
+    constexpr std::chrono::seconds MEGABYTE(120);
+    return LEAST + MEGABYTE * static_cast<long>(script.size() >> 20U);
+}
 
 struct CloseFile
 {
@@ -68,27 +79,6 @@ private:
     std::unique_ptr<std::FILE, CloseFile> file_;
 };
 
-/// Which descriptors a new process has as its standard streams.
-class StreamRedirection
-{
-public:
-    StreamRedirection(const StreamFile& input, const StreamFile& output, const StreamFile& errors)
-    {
-        posix_spawn_file_actions_init(&actions_);
-        posix_spawn_file_actions_adddup2(&actions_, input.Descriptor(), STDIN_FILENO);
-        posix_spawn_file_actions_adddup2(&actions_, output.Descriptor(), STDOUT_FILENO);
-        posix_spawn_file_actions_adddup2(&actions_, errors.Descriptor(), STDERR_FILENO);
-    }
-    ~StreamRedirection() { posix_spawn_file_actions_destroy(&actions_); }
-    StreamRedirection(const StreamRedirection&) = delete;
-    StreamRedirection& operator=(const StreamRedirection&) = delete;
-
-    const posix_spawn_file_actions_t* Actions() const { return &actions_; }
-
-private:
-    posix_spawn_file_actions_t actions_{};
-};
-
 /// The environment of this process without the variable that chooses gnuplot's terminal. That terminal may
 /// be missing, or may write to a window.
 std::vector<char*> EnvironmentOfGnuplot()
@@ -101,14 +91,87 @@ std::vector<char*> EnvironmentOfGnuplot()
     return variables;
 }
 
-pid_t Start(const StreamRedirection& streams)
+/// The descriptors that a new process has as its standard streams.
+struct Streams
+{
+    int input;
+    int output;
+    int errors;
+};
+
+/// A pipe that says why a new process does not start: it is closed without a word when one does.
+class StartReport
+{
+public:
+    StartReport()
+    {
+        if (pipe2(ends_.data(), O_CLOEXEC) != 0)
+            throw NoGnuplot(fmt::format("no pipe ({})", std::strerror(errno)));
+    }
+    ~StartReport()
+    {
+        close(ends_[0]);
+        CloseWriting();
+    }
+    StartReport(const StartReport&) = delete;
+    StartReport& operator=(const StartReport&) = delete;
+
+    /// Called in the new process.
+    void Send(int error) const { std::ignore = write(ends_[1], &error, sizeof error); }
+
+    /// 0 for a process that has started.
+    int Receive()
+    {
+        CloseWriting();
+        int error = 0;
+        ssize_t count = 0;
+        do
+            count = read(ends_[0], &error, sizeof error);
+        while (count < 0 && errno == EINTR);
+        return count == sizeof error ? error : 0;
+    }
+
+private:
+    void CloseWriting()
+    {
+        if (ends_[1] >= 0)
+            close(std::exchange(ends_[1], -1));
+    }
+
+    std::array<int, 2> ends_{};
+};
+
+/// Becomes gnuplot, in the process that `fork` has made; returns when it cannot. The system ends gnuplot when
+/// this program ends for whatever reason, a signal that nobody can handle included: gnuplot itself takes an
+/// interrupt for the end of a command alone. `fork` and `exec` it is, because no action of `posix_spawn` asks
+/// for that. Another thread may have held a lock at the fork, so that only system calls are made here.
+void BecomeGnuplot(const Streams& streams, pid_t parent, char* const* arguments, char* const* environment)
+{
+    prctl(PR_SET_PDEATHSIG, SIGKILL);
+    if (getppid() != parent) // it ended before the call
+        _exit(EXIT_FAILURE);
+    if (dup2(streams.input, STDIN_FILENO) >= 0 && dup2(streams.output, STDOUT_FILENO) >= 0 &&
+        dup2(streams.errors, STDERR_FILENO) >= 0)
+        execvpe(arguments[0], arguments, environment);
+}
+
+pid_t Start(const Streams& streams)
 {
     std::string program = "gnuplot";
     std::string withoutInitFiles = "-d";
     const std::array<char*, 3> arguments = {program.data(), withoutInitFiles.data(), nullptr};
-    pid_t process = 0;
-    const int error = posix_spawnp(&process, program.c_str(), streams.Actions(), nullptr, arguments.data(),
-                                   EnvironmentOfGnuplot().data());
+    const std::vector<char*> environment = EnvironmentOfGnuplot();
+    StartReport report;
+    const pid_t parent = getpid();
+    const pid_t process = fork();
+    if (process == 0) {
+        BecomeGnuplot(streams, parent, arguments.data(), environment.data());
+        report.Send(errno);
+        _exit(EXIT_FAILURE);
+    }
+    const int error = process < 0 ? errno : report.Receive();
+    if (process > 0 && error != 0)
+        waitpid(process, nullptr, 0);
     if (error == ENOENT)
         throw NoGnuplot("the program gnuplot is not installed (on Debian, the package gnuplot-nox)");
     if (error != 0)
@@ -124,17 +187,17 @@ void Kill(pid_t process)
 
 /// Waits for the process to end, and returns its status. It polls, because no system call waits with a time
 /// limit.
-int StatusOf(pid_t process)
+int StatusOf(pid_t process, std::chrono::seconds timeLimit)
 {
     using Clock = std::chrono::steady_clock;
-    const Clock::time_point deadline = Clock::now() + TIME_LIMIT;
+    const Clock::time_point deadline = Clock::now() + timeLimit;
     int status = 0;
     pid_t ended = 0;
     while ((ended = waitpid(process, &status, WNOHANG)) == 0 && Clock::now() < deadline)
         std::this_thread::sleep_for(BETWEEN_LOOKS);
     if (ended == 0) {
         Kill(process);
-        throw NoGnuplot(fmt::format("gnuplot did not end within {} seconds", TIME_LIMIT.count()));
+        throw DrawingFailure(fmt::format("gnuplot did not end within {} seconds", timeLimit.count()));
     }
     if (ended < 0)
         throw NoGnuplot(fmt::format("gnuplot cannot be waited for ({})", std::strerror(errno)));
@@ -169,7 +232,8 @@ std::string RunGnuplot(const std::string& script)
     StreamFile errors;
     input.Write(script);
     std::signal(SIGCHLD, SIG_DFL); // when it is inherited as ignored, the system keeps no status
-    const int status = StatusOf(Start(StreamRedirection(input, output, errors)));
+    const int status =
+        StatusOf(Start({input.Descriptor(), output.Descriptor(), errors.Descriptor()}), TimeLimit(script));
     if (status != 0)
         throw DrawingFailure(ReasonOfFailure(status, LastLine(errors.Read())));
     return output.Read();

@@ -20,7 +20,9 @@ public:
 };
 
 /// Runs the program gnuplot, without a shell, on the script and returns what it writes to its standard
-/// output. Throws DrawingFailure when it fails, NoGnuplot when it is not installed or exceeds the time limit.
+/// output. Throws DrawingFailure when it fails or exceeds a time limit that grows with the script, NoGnuplot
+/// when it is not installed. May run in several threads at once. gnuplot ends when this program does, however
+/// that ends.
 std::string RunGnuplot(const std::string& script);
 
 } // namespace host

@@ -3,6 +3,8 @@
 #include "host/draw/CutToRectangle.h"
 #include "host/draw/FontCoverage.h"
 #include "host/draw/GnuplotProcess.h"
+#include "host/draw/PictureFit.h"
+#include "host/text/NumberText.h"
 #include "host/text/PlainText.h"
 
 #include <fmt/format.h>
@@ -86,41 +88,34 @@ struct Terminal
     bool drawsLetters; ///< with the installed fonts; in an SVG, whoever shows it does
 };
 
-/// Pixels of a PNG for each pixel of the picture: two, or as many as the format allows. With less than one
-/// the letters could not be read.
-double SharpnessOf(const Picture& picture)
-{
-    constexpr double BEST = 2;
-    constexpr double MOST_PIXELS = 32767; // in a row or a column, for Cairo
-    const double sharpness = std::min(BEST, MOST_PIXELS / std::max(picture.width, picture.height));
-    if (sharpness < 1)
-        throw DrawingFailure("it is too large for a PNG file; SVG and PDF files may be of any size");
-    return std::floor(sharpness * 100) / 100;
-}
+constexpr double PIXELS_AN_INCH = 96; // of a picture
 
-Terminal TerminalOf(const Picture& picture, PictureFormat format)
+/// The terminal for a picture of `scale` times its size.
+Terminal TerminalOf(const Picture& picture, const DrawingMedium& medium, double scale)
 {
     constexpr double POINTS = 0.75; // in a pixel
-    const double width = picture.width;
-    const double height = picture.height;
-    switch (format) {
+    const double width = scale * picture.width;
+    const double height = scale * picture.height;
+    switch (medium.format) {
     case PictureFormat::SVG:
         return {fmt::format("svg size {:.0f},{:.0f} noenhanced font 'sans-serif,{}' background '#ffffff'",
-                            width, height, FONT_SIZE),
+                            picture.width, picture.height, FONT_SIZE),
                 4.5, false};
     case PictureFormat::PNG: {
-        const double sharpness = SharpnessOf(picture);
+        const double sharpness = ResolutionOf(picture, medium) / PIXELS_AN_INCH;
         return {fmt::format("pngcairo size {0:.0f},{1:.0f} noenhanced font 'sans-serif,{2}' fontscale {3} "
                             "pointscale {3} linewidth {3}",
-                            sharpness * width, sharpness * height, POINTS * FONT_SIZE, sharpness),
+                            sharpness * width, sharpness * height, POINTS * FONT_SIZE, sharpness * scale),
                 3, true};
     }
-    case PictureFormat::PDF:
+    case PictureFormat::PDF: {
+        const double points = POINTS * scale;
         return {fmt::format("pdfcairo size {:.4f},{:.4f} noenhanced font 'sans-serif,{}' fontscale {} "
                             "pointscale {} linewidth {}",
-                            width * POINTS / 72, height * POINTS / 72, POINTS * FONT_SIZE, POINTS, POINTS,
-                            2 * POINTS),
+                            width * POINTS / 72, height * POINTS / 72, POINTS * FONT_SIZE, points, points,
+                            2 * points),
                 3, true};
+    }
     }
     return {};
 }
@@ -130,8 +125,8 @@ Terminal TerminalOf(const Picture& picture, PictureFormat format)
 class ScriptWriter
 {
 public:
-    ScriptWriter(const Picture& picture, PictureFormat format)
-        : whole_(picture), picture_(&picture), terminal_(TerminalOf(picture, format))
+    ScriptWriter(const Picture& picture, Terminal terminal)
+        : whole_(picture), picture_(&picture), terminal_(std::move(terminal))
     {}
 
     std::string Write();
@@ -141,12 +136,14 @@ private:
     void SetAxis(char letter, const Axis& axis);
     void SetFrame();
     void SetTexts();
+    void SetRules();
     void SetKey();
     void AddMark(const Layer& layer, const Point& point, double radius);
     void AddData(const Layer& layer, std::size_t number);
     void AddPlots();
     void AddFrame();
     void AddPanels();
+    void AddPages();
     std::vector<std::string> PlotsOf(const Layer& layer, std::size_t number);
     static std::string Style(const Layer& layer);
     std::string LegendStyle(const Layer& layer) const;
@@ -166,6 +163,12 @@ std::string ScriptWriter::TextReference(const std::string& text)
     return fmt::format("$texts[{}][2:*]", ++textCount_);
 }
 
+std::string ShownTick(const std::string& text)
+{
+    const bool isNumber = text.find_first_not_of("0123456789.e+-") == std::string::npos;
+    return isNumber ? WithMinusSign(text) : text;
+}
+
 void ScriptWriter::SetAxis(char letter, const Axis& axis)
 {
     commands_ += fmt::format("set {}range [{:.15g}:{:.15g}]\n", letter, axis.first, axis.last);
@@ -178,7 +181,7 @@ void ScriptWriter::SetAxis(char letter, const Axis& axis)
     std::string separator;
     commands_ += fmt::format("set {}tics (", letter);
     for (const Tick& tick : axis.ticks) {
-        commands_ += fmt::format("{}{} {:.15g}", separator, TextReference(tick.text), tick.at);
+        commands_ += fmt::format("{}{} {:.15g}", separator, TextReference(ShownTick(tick.text)), tick.at);
         separator = ", ";
     }
     commands_ += ")\n";
@@ -209,6 +212,15 @@ void ScriptWriter::SetTexts()
                                  TextReference(text.text), text.x / whole_.width, 1 - text.y / whole_.height,
                                  align, text.isBold ? "sans-serif:Bold" : "", color::INK);
     }
+}
+
+void ScriptWriter::SetRules()
+{
+    for (const Rule& rule : picture_->rules)
+        commands_ += fmt::format(
+            "set arrow from screen {0:.6f},{2:.6f} to screen {1:.6f},{2:.6f} nohead lw 0.8 "
+            "lc rgb '{3}'\n",
+            rule.left / whole_.width, rule.right / whole_.width, 1 - rule.y / whole_.height, color::INK);
 }
 
 /// The legend is to the right of the frame and starts at its top.
@@ -321,6 +333,7 @@ void ScriptWriter::AddFrame()
 {
     SetFrame();
     SetTexts();
+    SetRules();
     SetKey();
     AddPlots();
 }
@@ -336,21 +349,62 @@ void ScriptWriter::AddPanels()
     commands_ += "unset multiplot\n";
 }
 
+/// Each is a plot of its own, for which the terminal begins a page.
+void ScriptWriter::AddPages()
+{
+    for (const Picture& page : whole_.pages) {
+        picture_ = &page;
+        commands_ += "unset label\nunset arrow\n";
+        AddFrame();
+    }
+}
+
 std::string ScriptWriter::Write()
 {
-    if (whole_.panels.empty())
-        AddFrame();
-    else
+    if (!whole_.pages.empty())
+        AddPages();
+    else if (!whole_.panels.empty())
         AddPanels();
+    else
+        AddFrame();
     return fmt::format("set encoding utf8\nset terminal {}\n$texts << END_OF_TEXTS\n{}END_OF_TEXTS\n{}",
                        terminal_.command, texts_, commands_);
 }
 
+/// The picture as the format has it: in pages where it has these, else as a whole.
+Picture InFormat(Picture picture, PictureFormat format)
+{
+    if (format != PictureFormat::PDF)
+        picture.pages.clear();
+    if (!picture.pages.empty())
+        picture.height = picture.pages.front().height;
+    return picture;
+}
+
+FittedPicture Fitted(const Picture& picture, const DrawingMedium& medium)
+{
+    return FittedTo(medium.size, InFormat(picture, medium.format));
+}
+
 } // namespace
 
-std::string GnuplotScript(const Picture& picture, PictureFormat format)
+double ResolutionOf(const Picture& picture, const DrawingMedium& medium)
 {
-    return ScriptWriter(picture, format).Write();
+    constexpr double DEFAULT = 2 * PIXELS_AN_INCH;
+    constexpr double MOST_PIXELS = 32767; // in a row or a column, for Cairo
+    const auto [fitted, scale] = Fitted(picture, medium);
+    const double most = MOST_PIXELS * PIXELS_AN_INCH / (scale * std::max(fitted.width, fitted.height));
+    // With less the letters could not be read.
+    const double least = medium.resolution ? *medium.resolution : PIXELS_AN_INCH;
+    if (most < least)
+        throw DrawingFailure("it is too large for a PNG file; SVG and PDF files may be of any size");
+    return medium.resolution ? least : std::floor(std::min(DEFAULT, most));
+}
+
+std::string GnuplotScript(const Picture& picture, const DrawingMedium& medium)
+{
+    const auto [fitted, scale] = Fitted(picture, medium);
+    return ScriptWriter(fitted, TerminalOf(fitted, medium, scale)).Write();
 }
 
 } // namespace host

@@ -1,7 +1,7 @@
 #pragma once
 
+#include "host/draw/DrawingMedium.h"
 #include "host/draw/Picture.h"
-#include "host/draw/PictureFormat.h"
 
 #include <string>
 
@@ -9,6 +9,10 @@ namespace host {
 
 /// The picture as a script for gnuplot that writes the file to standard output. Texts are data in it, never
 /// commands and never markup. Throws DrawingFailure when no file of the format can hold it.
-std::string GnuplotScript(const Picture& picture, PictureFormat format);
+std::string GnuplotScript(const Picture& picture, const DrawingMedium& medium);
+
+/// The resolution of the picture's PNG file: that which is asked for, else 192, or as much as the format
+/// allows. Throws DrawingFailure when no file of the format can hold it.
+double ResolutionOf(const Picture& picture, const DrawingMedium& medium);
 
 } // namespace host

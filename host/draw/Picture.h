@@ -21,6 +21,7 @@ inline constexpr const char* POOLED = "#173a5e";
 inline constexpr const char* BAND = "#dde7f0";
 inline constexpr const char* PREDICTION = "#f0f4f8"; // lies about BAND
 inline constexpr const char* FITTED = "#f6c9b4";
+inline constexpr const char* PREDICTED = "#9db3ca";
 inline constexpr const char* ACCENT = "#c2410c";
 inline constexpr const char* WHITE = "#ffffff";
 } // namespace color
@@ -49,7 +50,7 @@ struct Layer
     double opacity = 1;             ///< below 1, what lies beneath shows through
 };
 
-/// A number at an axis.
+/// A number at an axis, or a label. A number is shown with the minus sign of print.
 struct Tick
 {
     double at;
@@ -92,6 +93,14 @@ struct Frame
     double height;
 };
 
+/// A level line anywhere in a picture, in pixels from its top left corner.
+struct Rule
+{
+    double left;
+    double right;
+    double y;
+};
+
 /// A picture, independent of the program that draws it. Sizes are in pixels of 1/96 inch. Texts may hold any
 /// characters.
 struct Picture
@@ -106,7 +115,14 @@ struct Picture
     Axis y;
     std::vector<Layer> layers; ///< later ones lie on earlier ones
     std::vector<PictureText> texts = {};
-    double rowHeight = 0; ///< where the frame holds rows, between which the picture may be cut; else 0
+    std::vector<Rule> rules = {};
+    double rowHeight = 0; ///< of a line, where the frame holds rows; else 0
+    /// Where the frame holds rows: pixels from the top at which the picture may be cut, from the top of the
+    /// frame to its end. What is above the frame and below it is repeated with each part.
+    std::vector<double> cuts = {};
+    /// The picture in parts, each with the header and the axis, for paper; empty where it fits one page. All
+    /// have the size of the first.
+    std::vector<Picture> pages = {};
     /// Where there are several frames, a picture for each. Of these count frame, axes, layers and texts, and
     /// of the whole its names and its size.
     std::vector<Picture> panels = {};

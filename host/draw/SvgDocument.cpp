@@ -3,6 +3,7 @@
 #include "host/draw/GnuplotProcess.h"
 #include "host/text/PlainText.h"
 
+#include <fmt/format.h>
 #include <pugixml.hpp>
 
 #include <sstream>
@@ -83,9 +84,18 @@ void AddText(pugi::xml_node svg, const char* element, const std::string& id, con
     node.text().set(PlainText(text).c_str());
 }
 
+/// The drawing keeps its coordinates, which the attribute viewBox has.
+void SetSize(pugi::xml_node svg, const Picture& picture, const PictureSize& size)
+{
+    const double height = size.height.value_or(size.width * picture.height / picture.width);
+    SetAttribute(svg, "width", fmt::format("{:.6g}", size.width));
+    SetAttribute(svg, "height", fmt::format("{:.6g}", height));
+}
+
 } // namespace
 
-std::string SvgElement(const std::string& drawing, const Picture& picture)
+std::string SvgElement(const std::string& drawing, const Picture& picture,
+                       const std::optional<PictureSize>& size)
 {
     pugi::xml_document document;
     const pugi::xml_parse_result result = document.load_buffer(drawing.data(), drawing.size());
@@ -97,6 +107,8 @@ std::string SvgElement(const std::string& drawing, const Picture& picture)
     RemoveTexts(svg);
     AddText(svg, "desc", picture.name + "-description", picture.description);
     AddText(svg, "title", picture.name + "-title", picture.title);
+    if (size)
+        SetSize(svg, picture, *size);
     SetAttribute(svg, "role", "img");
     SetAttribute(svg, "aria-labelledby", picture.name + "-title " + picture.name + "-description");
     std::ostringstream text;

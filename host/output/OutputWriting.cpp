@@ -1,5 +1,6 @@
 #include "host/output/OutputWriting.h"
 
+#include "host/system/AtomicFile.h"
 #include "host/text/ProgramInfo.h"
 #include "host/text/UnusableInput.h"
 
@@ -24,13 +25,13 @@ namespace {
 
 void WriteFile(const std::string& path, const std::string& bytes)
 {
-    const std::string place = fmt::format("'{}'", path);
-    std::FILE* const file = std::fopen(path.c_str(), "wb");
-    if (file == nullptr)
-        FailToWrite(place);
-    const bool isTaken = std::fwrite(bytes.data(), 1, bytes.size(), file) == bytes.size();
-    if (std::fclose(file) != 0 || !isTaken)
-        FailToWrite(place);
+    AtomicFile file(path);
+    try {
+        file.Write(bytes);
+    } catch (const ReaderIsGone&) {
+        FailToWrite(fmt::format("'{}'", path));
+    }
+    file.Commit();
 }
 
 void MakeFolder(const std::string& folder)

@@ -6,6 +6,7 @@ namespace host {
 
 // Write bytes to one place. They throw UnusableInput when that fails.
 
+/// The file has its name when it is whole; what was there before stays until then.
 void WriteFile(const std::string& path, const std::string& bytes);
 
 /// Makes the folder, with those above it, unless it is there.

@@ -9,7 +9,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <map>
 
 namespace host {
 
@@ -23,6 +22,14 @@ void AddPictures(RenderedOutput& rendered, const Options& options, const Drawing
                                      FileContent(drawn, options.plotFormat)});
 }
 
+void AddSentences(RenderedOutput& rendered, const Drawing& drawing)
+{
+    for (const std::string& failure : drawing.failures)
+        AddFailure(rendered.failures, failure);
+    for (const std::string& note : drawing.notes)
+        rendered.notes.push_back(note);
+}
+
 /// Renders the page and the files of the pictures.
 void RenderPictures(RenderedOutput& rendered, const Options& options, const RunOutput& output,
                     const Report& report)
@@ -30,19 +37,18 @@ void RenderPictures(RenderedOutput& rendered, const Options& options, const RunO
     if (!options.htmlPath && !options.plotsFolder)
         return;
     const std::vector<Picture> pictures = output.pictures ? output.pictures() : std::vector<Picture>();
-    std::map<PictureFormat, Drawing> drawings;
+    const DrawingMedium page = {.format = PictureFormat::SVG};
+    const DrawingMedium files = {options.plotFormat, options.picture.size, options.picture.resolution};
+    const Drawing ofPage = options.htmlPath ? Draw(pictures, page) : Drawing();
+    AddSentences(rendered, ofPage);
     if (options.htmlPath)
-        drawings[PictureFormat::SVG] = Draw(pictures, PictureFormat::SVG);
-    if (options.plotsFolder && drawings.count(options.plotFormat) == 0)
-        drawings[options.plotFormat] = Draw(pictures, options.plotFormat);
-    for (const auto& [format, drawing] : drawings)
-        for (const std::string& failure : drawing.failures)
-            AddFailure(rendered.failures, failure);
-    if (options.htmlPath)
-        rendered.files.push_back(
-            {*options.htmlPath, RenderHtml(options, report, drawings[PictureFormat::SVG])});
-    if (options.plotsFolder)
-        AddPictures(rendered, options, drawings[options.plotFormat]);
+        rendered.files.push_back({*options.htmlPath, RenderHtml(options, report, ofPage)});
+    if (!options.plotsFolder)
+        return;
+    const bool isDrawn = options.htmlPath && files.format == page.format && !files.size;
+    const Drawing ofFiles = isDrawn ? ofPage : Draw(pictures, files);
+    AddSentences(rendered, ofFiles);
+    AddPictures(rendered, options, ofFiles);
 }
 
 /// The names of pictures follow from the analysis, so that they cannot be checked before it.

@@ -20,6 +20,7 @@ struct RenderedOutput
     std::string text = {}; ///< of standard output
     std::vector<OutputFile> files = {};
     std::vector<OutputFile> pictures = {};
+    std::vector<std::string> notes = {};    ///< sentences about what is written
     std::vector<std::string> failures = {}; ///< a sentence for each thing that is missing, each once
 };
 

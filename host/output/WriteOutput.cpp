@@ -2,6 +2,7 @@
 
 #include "host/output/OutputWriting.h"
 #include "host/output/RenderedOutput.h"
+#include "host/system/Progress.h"
 #include "host/text/StatusText.h"
 #include "host/text/UnusableInput.h"
 
@@ -62,11 +63,13 @@ void WriteFailures(const std::vector<std::string>& failures)
 
 ExitStatus WriteOutput(const Options& options, const RunOutput& output)
 {
-    RenderedOutput rendered = Render(options, output);
+    RenderedOutput rendered = WithProgress("Making the report", [&] { return Render(options, output); });
     Write(rendered, options);
     const KXStatus& status = output.status.IsError() ? output.status : output.furtherStatus;
     if (status.IsError())
         WriteLibraryError(status.GetCode(), output.errorDetail);
+    for (const std::string& note : rendered.notes)
+        WriteToStandardError(note.c_str());
     WriteFailures(rendered.failures);
     if (!rendered.failures.empty())
         return EXIT_UNUSABLE;

@@ -1,7 +1,9 @@
 #include "host/plots/ForestDrawing.h"
 
-#include "host/draw/CutToRectangle.h"
 #include "host/plots/ForestExtent.h"
+#include "host/plots/ForestLimit.h"
+#include "host/plots/ForestMarks.h"
+#include "host/plots/ForestPlaces.h"
 #include "host/plots/PlotAxes.h"
 #include "host/text/PlainText.h"
 
@@ -18,69 +20,340 @@ namespace {
 
 using Kind = ForestRow::Kind;
 using Align = PictureText::Align;
+using Lines = std::vector<std::string>;
 
 // In pixels.
-constexpr double COLUMN_GAP = 20;
-constexpr double ROW_HEIGHT = 19;
-constexpr double FRAME_WIDTH = 320;
-constexpr double AXIS_HEIGHT = 58;
-constexpr double LARGEST_SQUARE = 7; // half its side, as of the next ones
-constexpr double SMALLEST_SQUARE = 1.2;
-constexpr double STEP_SQUARE = 3.5;
-constexpr double DIAMOND = 6.5;
-constexpr double ARROW = 4;
+constexpr double TICKS_HEIGHT = 30;
+constexpr double AXIS_TITLE_HEIGHT = 22;
+constexpr double NULL_GAP = 8; // of labels on its sides
+constexpr double LEAST_FAVOURS_WIDTH = 70;
+constexpr double PAGE_SHAPE = 1.36; // height of a page over its width, less than that of paper
 
-constexpr double LONGEST_LABEL = 34;  // in units of the font's size
-constexpr double LONGEST_REMARK = 14; // likewise
+/// Rows that are drawn together.
+struct RowRange
+{
+    std::size_t first;
+    std::size_t end;
+};
 
 class ForestDrawing
 {
 public:
     ForestDrawing(const ForestScale& scale, const Forest& forest);
 
-    Picture Draw();
+    /// Of all rows, with pages where they do not fit one.
+    Picture Draw() const;
 
 private:
-    struct Column
-    {
-        std::vector<std::string> texts; ///< one a row
-        std::string header;
-        Align align;
-        double at = 0; ///< of the edge that its texts stand at
-    };
+    Picture DrawRows(const RowRange& rows) const;
+    Picture NewPicture(const RowRange& rows) const;
+    Axis EffectAxisOf() const;
+    ForestAxes AxesOf(const RowRange& rows) const;
+    double HeightOf(const RowRange& rows) const;
+    std::vector<ForestMark> MarksOf(const RowRange& rows) const;
+    std::vector<double> CutsOf(const Picture& picture) const;
 
-    Column LabelColumn() const;
-    Column RemarkColumn() const;
-    Column EffectColumn() const;
-    Column WeightColumn() const;
-    std::string EffectText(const ForestRow& row) const;
-    std::string PlainNumber(double value) const;
-    void PlaceColumns();
-    void AddTexts(const Column& column);
-    double WidthOf(const Column& column) const;
-    double TextHeight(double row) const { return picture_.frame.top + (row + 0.5) * ROW_HEIGHT; }
+    void AddTitle(Picture& picture) const;
+    void AddHeader(Picture& picture, const PlacedColumn& column) const;
+    void AddGroupHeaders(Picture& picture) const;
+    void AddHeaders(Picture& picture) const;
+    void AddTexts(Picture& picture, const PlacedColumn& column, const RowRange& rows) const;
+    void AddNoteRows(Picture& picture, const RowRange& rows) const;
+    double AddFavours(Picture& picture, double top) const;
+    double AddBelow(Picture& picture, bool hasNotes) const;
+    double NullInFrame(const Picture& picture) const;
+    Lines NoteLines() const;
 
-    void SetAxes();
-    void AddGuides();
-    void AddIntervals();
-    void AddSquares();
-    void AddFittedDiamonds();
-    void AddDiamonds();
-    void AddNotes();
-    std::vector<Point> ArrowHead(double at, double y, double direction, double size) const;
-    void AddDiamond(std::vector<std::vector<Point>>& areas, const ForestInterval& place, double y) const;
-    bool HasNullLine() const
-    {
-        return scale_.measure.hasNoEffect && picture_.x.first <= 0 && picture_.x.last >= 0;
-    }
-    static double MiddleOf(std::size_t row) { return static_cast<double>(row) + 0.5; }
-    double XPerPixel() const { return (picture_.x.last - picture_.x.first) / FRAME_WIDTH; }
+    std::vector<RowRange> Pages(double mostHeight) const;
+    std::vector<Picture> DrawPages(const Picture& whole) const;
 
     const ForestScale& scale_;
     const Forest& forest_;
-    int decimals_;
-    Picture picture_ = {};
+    ForestPlaces places_;
+    Axis axis_;
 };
+
+/// Lines about a middle.
+void AddLines(Picture& picture, const Lines& lines, const PictureText& place)
+{
+    double y = place.y - FOREST_LINE * (static_cast<double>(lines.size()) - 1) / 2;
+    for (const std::string& line : lines) {
+        if (!line.empty())
+            picture.texts.push_back({line, place.x, y, place.align, place.isBold});
+        y += FOREST_LINE;
+    }
+}
+
+/// Every other tick, of ratios and differences that of no effect among them, until the texts have room.
+std::vector<Tick> WithRoom(std::vector<Tick> ticks, double width)
+{
+    const auto needed = [&] {
+        double sum = 0;
+        for (const Tick& tick : ticks)
+            sum += FONT_SIZE * (TextWidth(tick.text) + 0.8);
+        return sum;
+    };
+    while (ticks.size() > 2 && needed() > width) {
+        const auto null =
+            std::find_if(ticks.begin(), ticks.end(), [](const Tick& tick) { return tick.at == 0; });
+        const std::ptrdiff_t kept = null == ticks.end() ? 0 : (null - ticks.begin()) % 2;
+        std::vector<Tick> fewer;
+        for (auto i = static_cast<std::size_t>(kept); i < ticks.size(); i += 2)
+            fewer.push_back(ticks[i]);
+        ticks = std::move(fewer);
+    }
+    return ticks;
+}
+
+ForestDrawing::ForestDrawing(const ForestScale& scale, const Forest& forest)
+    : scale_(scale), forest_(forest), places_(PlacesOf(scale, forest)), axis_(EffectAxisOf())
+{}
+
+Axis ForestDrawing::EffectAxisOf() const
+{
+    const auto& limits = scale_.request.options.axisLimits;
+    const Extent extent = limits ? ExtentBetween(*limits, scale_.measure.isRatio)
+                                 : EffectExtent(forest_.rows, scale_.measure.hasNoEffect);
+    Axis axis = EffectAxis(scale_.measure, scale_.measure.name, extent);
+    if (scale_.style->axisTitle)
+        axis.title = WithNames(scale_.style->axisTitle, scale_.names);
+    axis.ticks = WithRoom(std::move(axis.ticks), places_.Frame().width);
+    return axis;
+}
+
+double ForestDrawing::HeightOf(const RowRange& rows) const
+{
+    double height = 0;
+    for (std::size_t row = rows.first; row < rows.end; ++row)
+        height += places_.rows[row].height;
+    return height;
+}
+
+ForestAxes ForestDrawing::AxesOf(const RowRange& rows) const
+{
+    return {axis_, {"", HeightOf(rows), 0, {}, false}, places_.Frame().width};
+}
+
+std::vector<ForestMark> ForestDrawing::MarksOf(const RowRange& rows) const
+{
+    std::vector<ForestMark> marks;
+    double top = 0;
+    for (std::size_t row = rows.first; row < rows.end; ++row) {
+        marks.push_back({&forest_.rows[row], top + places_.rows[row].height / 2});
+        top += places_.rows[row].height;
+    }
+    return marks;
+}
+
+/// Between rows, but not behind a heading.
+std::vector<double> ForestDrawing::CutsOf(const Picture& picture) const
+{
+    std::vector<double> cuts = {picture.frame.top};
+    double top = picture.frame.top;
+    for (std::size_t row = 0; row < forest_.rows.size(); ++row) {
+        top += places_.rows[row].height;
+        if (forest_.rows[row].kind != Kind::HEADING)
+            cuts.push_back(top);
+    }
+    return cuts;
+}
+
+void ForestDrawing::AddTitle(Picture& picture) const
+{
+    const auto lines = static_cast<double>(places_.title.size());
+    AddLines(picture, places_.title,
+             {"", PICTURE_MARGIN, PICTURE_MARGIN + FOREST_LINE * lines / 2, Align::LEFT, true});
+}
+
+/// The last line of each header stands at one height.
+void ForestDrawing::AddHeader(Picture& picture, const PlacedColumn& column) const
+{
+    const auto lines = static_cast<double>(column.header.size());
+    const double y = places_.frameTop - 13 - FOREST_LINE * (lines - 1) / 2;
+    AddLines(picture, column.header, {"", column.TextsAt(), y, column.column.align, true});
+}
+
+/// Over the middle of their columns, with a rule below.
+void ForestDrawing::AddGroupHeaders(Picture& picture) const
+{
+    std::size_t lines = 1;
+    for (const PlacedColumn& column : places_.columns)
+        lines = std::max(lines, column.header.size());
+    const double bottom = places_.frameTop - 8 - FOREST_LINE * static_cast<double>(lines);
+    for (std::size_t first = 0; first < places_.columns.size();) {
+        const std::string& header = places_.columns[first].column.groupHeader;
+        std::size_t last = first;
+        while (last + 1 < places_.columns.size() && places_.columns[last + 1].column.groupHeader == header)
+            ++last;
+        const double left = places_.columns[first].left;
+        const double right = places_.columns[last].Right();
+        if (!header.empty()) {
+            picture.texts.push_back({header, (left + right) / 2, bottom - 11, Align::CENTER, true});
+            picture.rules.push_back({left, right, bottom - 1});
+        }
+        first = last + 1;
+    }
+}
+
+void ForestDrawing::AddHeaders(Picture& picture) const
+{
+    for (const PlacedColumn& column : places_.columns)
+        AddHeader(picture, column);
+    AddGroupHeaders(picture);
+    if (scale_.style->favoursStandAbove)
+        AddFavours(picture,
+                   places_.frameTop - 5 - FOREST_LINE * static_cast<double>(places_.Frame().header.size()));
+    if (scale_.style->hasHeaderRule)
+        picture.rules.push_back({PICTURE_MARGIN, places_.width - PICTURE_MARGIN, places_.frameTop - 3});
+}
+
+void ForestDrawing::AddTexts(Picture& picture, const PlacedColumn& column, const RowRange& rows) const
+{
+    if (column.lines.empty())
+        return;
+    double top = picture.frame.top;
+    for (std::size_t row = rows.first; row < rows.end; ++row) {
+        const Kind kind = forest_.rows[row].kind;
+        const double height = places_.rows[row].height;
+        AddLines(picture, column.lines[row],
+                 {"", column.TextsAt(), top + height / 2, column.column.align,
+                  kind == Kind::HEADING || kind == Kind::POOLED});
+        top += height;
+    }
+}
+
+void ForestDrawing::AddNoteRows(Picture& picture, const RowRange& rows) const
+{
+    double top = picture.frame.top;
+    for (std::size_t row = rows.first; row < rows.end; ++row) {
+        AddLines(picture, places_.rows[row].note,
+                 {"", PICTURE_MARGIN, top + places_.rows[row].height / 2, Align::LEFT, false});
+        top += places_.rows[row].height;
+    }
+}
+
+double ForestDrawing::NullInFrame(const Picture& picture) const
+{
+    const double share = std::clamp(-axis_.first / (axis_.last - axis_.first), 0.0, 1.0);
+    return picture.frame.left + share * picture.frame.width;
+}
+
+/// On both sides of no effect. Returns the height of the labels.
+double ForestDrawing::AddFavours(Picture& picture, double top) const
+{
+    const auto& favours = scale_.request.options.favours;
+    if (!favours)
+        return 0;
+    const double null = NullInFrame(picture);
+    const double toLeft = null - picture.frame.left - NULL_GAP;
+    const double toRight = picture.frame.left + picture.frame.width - null - NULL_GAP;
+    const Lines left = FavoursLines(scale_, favours->first, std::max(toLeft, LEAST_FAVOURS_WIDTH));
+    const Lines right = FavoursLines(scale_, favours->second, std::max(toRight, LEAST_FAVOURS_WIDTH));
+    const auto middle = [&](const Lines& lines) {
+        return top + FOREST_LINE * static_cast<double>(lines.size()) / 2;
+    };
+    AddLines(picture, left, {"", null - NULL_GAP, middle(left), Align::RIGHT, false});
+    AddLines(picture, right, {"", null + NULL_GAP, middle(right), Align::LEFT, false});
+    return FOREST_LINE * static_cast<double>(std::max(left.size(), right.size()));
+}
+
+/// The notes in lines as wide as their place.
+Lines ForestDrawing::NoteLines() const
+{
+    Lines notes = forest_.notes;
+    const bool hasNull = axis_.first <= 0 && axis_.last >= 0;
+    if (scale_.measure.hasNoEffect && !hasNull)
+        notes.push_back(fmt::format("The axis does not reach to no effect, which is at {}.",
+                                    scale_.measure.isRatio ? 1 : 0));
+    const double width =
+        scale_.style->notesStandBeside ? places_.NoteWidth() : places_.width - 2 * PICTURE_MARGIN;
+    Lines lines;
+    for (const std::string& note : notes)
+        for (std::string& line : WrappedText(note, width / FONT_SIZE))
+            lines.push_back(std::move(line));
+    return lines;
+}
+
+/// What stands below the frame. Returns its end.
+double ForestDrawing::AddBelow(Picture& picture, bool hasNotes) const
+{
+    const double bottom = picture.frame.top + picture.frame.height;
+    double end = bottom + TICKS_HEIGHT + (axis_.title.empty() ? 0 : AXIS_TITLE_HEIGHT);
+    if (!scale_.style->favoursStandAbove)
+        end += AddFavours(picture, end - 4);
+    const Lines notes = hasNotes ? NoteLines() : Lines();
+    const double height = FOREST_LINE * static_cast<double>(notes.size());
+    const double top = scale_.style->notesStandBeside ? bottom + 4 : end + 6;
+    AddLines(picture, notes, {"", PICTURE_MARGIN, top + height / 2, Align::LEFT, false});
+    return std::max(end, top + height);
+}
+
+Picture ForestDrawing::NewPicture(const RowRange& rows) const
+{
+    Picture picture = {};
+    picture.name = forest_.name;
+    picture.title = forest_.title;
+    picture.description = forest_.description;
+    picture.rowHeight = FOREST_ROW;
+    picture.width = places_.width;
+    picture.frame = {places_.Frame().left, places_.frameTop, places_.Frame().width, HeightOf(rows)};
+    return picture;
+}
+
+Picture ForestDrawing::DrawRows(const RowRange& rows) const
+{
+    Picture picture = NewPicture(rows);
+    const ForestAxes axes = AxesOf(rows);
+    picture.x = axes.x;
+    picture.y = axes.y;
+    picture.layers = ForestLayers(scale_, forest_, axes, MarksOf(rows));
+    AddTitle(picture);
+    AddHeaders(picture);
+    for (const PlacedColumn& column : places_.columns)
+        AddTexts(picture, column, rows);
+    AddNoteRows(picture, rows);
+    const bool isEnd = rows.end == forest_.rows.size();
+    picture.height = AddBelow(picture, isEnd) + PICTURE_MARGIN / 2;
+    return picture;
+}
+
+/// As many rows as fit, but no heading at the end. The last page has the notes as well.
+std::vector<RowRange> ForestDrawing::Pages(double mostHeight) const
+{
+    const std::size_t count = forest_.rows.size();
+    std::vector<RowRange> pages;
+    for (std::size_t first = 0; first < count;) {
+        std::size_t end = first + 1;
+        while (end < count && DrawRows({first, end + 1}).height <= mostHeight)
+            ++end;
+        while (end < count && end > first + 1 && forest_.rows[end - 1].kind == Kind::HEADING)
+            --end;
+        pages.push_back({first, end});
+        first = end;
+    }
+    return pages;
+}
+
+std::vector<Picture> ForestDrawing::DrawPages(const Picture& whole) const
+{
+    const double mostHeight = PAGE_SHAPE * whole.width;
+    if (whole.height <= mostHeight)
+        return {};
+    std::vector<Picture> pages;
+    for (const RowRange& rows : Pages(mostHeight)) {
+        pages.push_back(DrawRows(rows));
+        pages.back().height = mostHeight;
+    }
+    return pages;
+}
+
+Picture ForestDrawing::Draw() const
+{
+    Picture picture = DrawRows({0, forest_.rows.size()});
+    picture.cuts = CutsOf(picture);
+    picture.pages = DrawPages(picture);
+    return picture;
+}
 
 /// Of effects that are shown on another scale than that of the analysis, but for ratios, by the typical
 /// standard errors that their intervals have on it.
@@ -97,273 +370,34 @@ int DecimalsOf(const AnalysisData& data)
     return DecimalsFor(stdErrors);
 }
 
-ForestDrawing::ForestDrawing(const ForestScale& scale, const Forest& forest)
-    : scale_(scale), forest_(forest), decimals_(scale.decimals - 2)
-{}
-
-/// A ratio below 0.005 has more decimals than the others, and one of 1000 or more has fewer.
-std::string ForestDrawing::PlainNumber(double value) const
-{
-    const double size = std::abs(value);
-    if (!scale_.showsRatios || !IsNumber(value) || (size >= 0.005 && size < 1000))
-        return FixedText(value, decimals_);
-    return size >= 1000 && size < 1e5 ? FixedText(value, 0) : fmt::format("{:.2g}", value);
-}
-
-std::string ForestDrawing::EffectText(const ForestRow& row) const
-{
-    if (!row.HasInterval())
-        return {};
-    const std::string interval =
-        fmt::format("[{}, {}]", PlainNumber(row.shown.lower), PlainNumber(row.shown.upper));
-    return row.kind == Kind::PREDICTION ? interval : PlainNumber(row.shown.estimate) + ' ' + interval;
-}
-
-ForestDrawing::Column ForestDrawing::LabelColumn() const
-{
-    Column column = {{}, "Study", Align::LEFT};
-    for (const ForestRow& row : forest_.rows)
-        column.texts.push_back(ShortenedText(row.label, LONGEST_LABEL));
-    return column;
-}
-
-ForestDrawing::Column ForestDrawing::RemarkColumn() const
-{
-    Column column = {{}, ShortenedText(forest_.remarkHeader, LONGEST_REMARK), Align::LEFT};
-    for (const ForestRow& row : forest_.rows)
-        column.texts.push_back(ShortenedText(row.remark, LONGEST_REMARK));
-    return column;
-}
-
-ForestDrawing::Column ForestDrawing::EffectColumn() const
-{
-    Column column = {{}, scale_.effectHeader, Align::RIGHT};
-    for (const ForestRow& row : forest_.rows)
-        column.texts.push_back(EffectText(row));
-    return column;
-}
-
-ForestDrawing::Column ForestDrawing::WeightColumn() const
-{
-    Column column = {{}, "Weight", Align::RIGHT};
-    for (const ForestRow& row : forest_.rows)
-        column.texts.push_back(row.kind == Kind::STUDY ? PercentText(row.weight, 1) : "");
-    return column;
-}
-
-double ForestDrawing::WidthOf(const Column& column) const
-{
-    double width = TextWidth(column.header, true);
-    for (std::size_t i = 0; i < column.texts.size(); ++i)
-        width = std::max(width, TextWidth(column.texts[i], forest_.rows[i].kind != Kind::STUDY));
-    return width * FONT_SIZE;
-}
-
-void ForestDrawing::AddTexts(const Column& column)
-{
-    picture_.texts.push_back({column.header, column.at, TextHeight(-1.2), column.align, true});
-    for (std::size_t i = 0; i < column.texts.size(); ++i) {
-        const Kind kind = forest_.rows[i].kind;
-        if (!column.texts[i].empty())
-            picture_.texts.push_back({column.texts[i], column.at, TextHeight(static_cast<double>(i)),
-                                      column.align, kind == Kind::HEADING || kind == Kind::POOLED});
-    }
-}
-
-/// Labels, remarks, the frame, effects, weights.
-void ForestDrawing::PlaceColumns()
-{
-    picture_.frame = {0, PICTURE_MARGIN + 1.7 * ROW_HEIGHT, FRAME_WIDTH,
-                      ROW_HEIGHT * static_cast<double>(forest_.rows.size())};
-    double right = PICTURE_MARGIN;
-    std::vector<Column> columns = {LabelColumn()};
-    if (!forest_.remarkHeader.empty())
-        columns.push_back(RemarkColumn());
-    for (Column& column : columns) {
-        column.at = right;
-        right += WidthOf(column) + COLUMN_GAP;
-        AddTexts(column);
-    }
-    picture_.frame.left = right;
-    right += FRAME_WIDTH;
-    columns = {EffectColumn()};
-    if (forest_.hasWeights)
-        columns.push_back(WeightColumn());
-    for (Column& column : columns) {
-        right += COLUMN_GAP + WidthOf(column);
-        column.at = right;
-        AddTexts(column);
-    }
-    picture_.width = right + PICTURE_MARGIN;
-}
-
-void ForestDrawing::SetAxes()
-{
-    picture_.x = EffectAxis(scale_.measure, scale_.measure.name,
-                            EffectExtent(forest_.rows, scale_.measure.hasNoEffect));
-    picture_.y = {"", static_cast<double>(forest_.rows.size()), 0, {}, false};
-}
-
-/// The lines of no effect and of the overall effect.
-void ForestDrawing::AddGuides()
-{
-    const double bottom = picture_.y.first;
-    if (HasNullLine())
-        picture_.layers.push_back({Layer::Kind::LINE, color::FAINT, {{{0, bottom}, {0, 0}}}});
-    if (const double overall = scale_.overall; IsNumber(overall))
-        picture_.layers.push_back(
-            {Layer::Kind::DASHED_LINE, color::ACCENT, {{{overall, bottom}, {overall, 0}}}, {}, 1.2});
-}
-
-/// An arrow head at the end of the frame, for an interval that goes on. `size` is its length and half its
-/// height, in pixels.
-std::vector<Point> ForestDrawing::ArrowHead(double at, double y, double direction, double size) const
-{
-    const double back = at - direction * size * XPerPixel();
-    const double half = size / ROW_HEIGHT;
-    return {{back, y - half}, {at, y}, {back, y + half}};
-}
-
-void ForestDrawing::AddIntervals()
-{
-    Layer studies = {Layer::Kind::LINE, color::INK, {}, {}, 1.2};
-    Layer predictions = {Layer::Kind::LINE, color::POOLED, {}, {}, 2.4};
-    const auto [first, last] = std::pair(picture_.x.first, picture_.x.last);
-    for (std::size_t i = 0; i < forest_.rows.size(); ++i) {
-        const ForestRow& row = forest_.rows[i];
-        const auto& [estimate, lower, upper] = row.place;
-        const bool isLine = row.kind == Kind::STUDY || row.kind == Kind::PREDICTION;
-        if (!isLine || !row.place.HasLimits() || lower > last || upper < first)
-            continue;
-        const double y = MiddleOf(i);
-        auto& lines = (row.kind == Kind::STUDY ? studies : predictions).pieces;
-        lines.push_back({{std::max(lower, first), y}, {std::min(upper, last), y}});
-        if (lower < first)
-            lines.push_back(ArrowHead(first, y, -1, ARROW));
-        if (upper > last)
-            lines.push_back(ArrowHead(last, y, 1, ARROW));
-    }
-    picture_.layers.push_back(std::move(studies));
-    picture_.layers.push_back(std::move(predictions));
-}
-
-double LargestWeight(const std::vector<ForestRow>& rows)
-{
-    double largest = 0;
-    for (const ForestRow& row : rows)
-        if (row.kind == Kind::STUDY && IsNumber(row.weight))
-            largest = std::max(largest, row.weight);
-    return largest;
-}
-
-/// Half the side of a square whose area is proportional to the weight.
-double SizeOfSquare(double weight, double largest)
-{
-    if (!IsNumber(weight) || largest == 0)
-        return SMALLEST_SQUARE;
-    return std::max(SMALLEST_SQUARE, LARGEST_SQUARE * std::sqrt(weight / largest));
-}
-
-void ForestDrawing::AddSquares()
-{
-    const double largest = LargestWeight(forest_.rows);
-    Layer squares = {Layer::Kind::SQUARES, color::STUDY, {{}}};
-    for (std::size_t i = 0; i < forest_.rows.size(); ++i) {
-        const ForestRow& row = forest_.rows[i];
-        if (row.kind != Kind::STUDY || !IsNumber(row.place.estimate))
-            continue;
-        squares.pieces.front().push_back({row.place.estimate, MiddleOf(i)});
-        squares.radii.push_back(forest_.hasWeights ? SizeOfSquare(row.weight, largest) : STEP_SQUARE);
-    }
-    picture_.layers.push_back(std::move(squares));
-}
-
-/// The line from limit to limit. At a limit beyond the frame it ends in an arrow head.
-void ForestDrawing::AddDiamond(std::vector<std::vector<Point>>& areas, const ForestInterval& place,
-                               double y) const
-{
-    const double half = DIAMOND / ROW_HEIGHT;
-    const double head = DIAMOND * XPerPixel();
-    Rectangle shown = RectangleOf(picture_.x, picture_.y);
-    if (place.lower < picture_.x.first) {
-        shown.least.x += head;
-        areas.push_back(ArrowHead(picture_.x.first, y, -1, DIAMOND));
-    }
-    if (place.upper > picture_.x.last) {
-        shown.most.x -= head;
-        areas.push_back(ArrowHead(picture_.x.last, y, 1, DIAMOND));
-    }
-    areas.push_back(CutToRectangle(
-        {{place.lower, y}, {place.estimate, y - half}, {place.upper, y}, {place.estimate, y + half}}, shown));
-}
-
-void ForestDrawing::AddFittedDiamonds()
-{
-    Layer diamonds = {Layer::Kind::AREA, color::FITTED, {}};
-    for (std::size_t i = 0; i < forest_.rows.size(); ++i)
-        if (IsDrawable(forest_.rows[i].fitted))
-            AddDiamond(diamonds.pieces, forest_.rows[i].fitted, MiddleOf(i));
-    if (!diamonds.pieces.empty())
-        picture_.layers.push_back(std::move(diamonds));
-}
-
-void ForestDrawing::AddDiamonds()
-{
-    Layer diamonds = {Layer::Kind::AREA, color::POOLED, {}};
-    for (std::size_t i = 0; i < forest_.rows.size(); ++i)
-        if (forest_.rows[i].kind == Kind::POOLED && IsDrawable(forest_.rows[i].place))
-            AddDiamond(diamonds.pieces, forest_.rows[i].place, MiddleOf(i));
-    picture_.layers.push_back(std::move(diamonds));
-}
-
-void ForestDrawing::AddNotes()
-{
-    double y = picture_.frame.top + picture_.frame.height + AXIS_HEIGHT;
-    double width = 0;
-    std::vector<std::string> notes = forest_.notes;
-    if (scale_.measure.hasNoEffect && !HasNullLine())
-        notes.push_back(fmt::format("The axis does not reach to no effect, which is at {}.",
-                                    scale_.measure.isRatio ? 1 : 0));
-    for (const std::string& note : notes) {
-        picture_.texts.push_back({note, PICTURE_MARGIN, y + ROW_HEIGHT / 2});
-        width = std::max(width, TextWidth(note) * FONT_SIZE);
-        y += ROW_HEIGHT;
-    }
-    picture_.width = std::max(picture_.width, width + 2 * PICTURE_MARGIN);
-    picture_.height = y + PICTURE_MARGIN / 2;
-}
-
-Picture ForestDrawing::Draw()
-{
-    picture_.name = forest_.name;
-    picture_.title = forest_.title;
-    picture_.description = forest_.description;
-    picture_.rowHeight = ROW_HEIGHT;
-    PlaceColumns();
-    SetAxes();
-    AddFittedDiamonds();
-    AddGuides();
-    AddSquares();
-    AddIntervals();
-    AddDiamonds();
-    AddNotes();
-    return std::move(picture_);
-}
-
 } // namespace
+
+std::array<std::string, 2> GroupNamesOf(const ForestRequest& request)
+{
+    const ForestStyle& style = StyleOf(request.options.layout);
+    const auto& names = request.options.groupNames;
+    if (names)
+        return {LabelText(names->first), LabelText(names->second)};
+    return {style.treatment, style.control};
+}
 
 Picture DrawForest(const ForestScale& scale, const Forest& forest)
 {
-    return ForestDrawing(scale, forest).Draw();
+    const Forest readable = WithReadableRows(forest);
+    return ForestDrawing(scale, readable).Draw();
 }
 
 Picture DrawForest(const AnalysisData& data, const Forest& forest)
 {
     return DrawForest({.measure = data.measure,
-                       .effectHeader = data.IntervalHeader(data.measure.symbol),
+                       .names = NamesOfEffect(data),
                        .decimals = DecimalsOf(data),
                        .showsRatios = data.measure.isRatio && data.natural.has_value(),
-                       .overall = OverallPlace(data)},
+                       .overall = OverallPlace(data),
+                       .request = data.request.forest,
+                       .style = &StyleOf(data.request.forest.options.layout),
+                       .groupNames = GroupNamesOf(data.request.forest),
+                       .hasBothModels = data.analysis.other != nullptr},
                       forest);
 }
 

@@ -2,8 +2,12 @@
 
 #include "host/draw/Picture.h"
 #include "host/plots/ForestRows.h"
+#include "host/plots/ForestStyle.h"
+#include "host/plots/ForestTexts.h"
 #include "host/report/AnalysisData.h"
+#include "host/run/ForestRequest.h"
 
+#include <array>
 #include <string>
 #include <vector>
 
@@ -18,20 +22,28 @@ struct Forest
     std::string remarkHeader; ///< empty when the rows have no remarks
     bool hasWeights;
     std::vector<ForestRow> rows;
-    std::vector<std::string> notes; ///< lines below the axis
+    std::vector<std::string> notes; ///< on all studies
+    bool hasColumns = false;        ///< those that --forest-columns or the layout has
 };
 
-/// What a forest plot needs to know of the analysis.
+/// What a forest plot needs to know of the analysis. It refers to the request, which must outlive it.
 struct ForestScale
 {
     Measure measure;
-    std::string effectHeader; ///< "OR [95% CI]"
-    int decimals;             ///< of effects
-    bool showsRatios;         ///< whose sizes may differ by orders of magnitude
-    double overall;           ///< where a line stands; missing for none
+    EffectNames names;
+    int decimals;     ///< of standard errors
+    bool showsRatios; ///< whose sizes may differ by orders of magnitude
+    double overall;   ///< where a line stands; missing for none
+    const ForestRequest& request;
+    const ForestStyle* style;
+    std::array<std::string, 2> groupNames; ///< of treatment and control
+    bool hasBothModels = false;            ///< of fixed effect and random effects
 };
 
-/// Draws the texts in columns left and right of a frame. A row is one unit of the vertical axis high.
+/// The names that are asked for, or those of the layout.
+std::array<std::string, 2> GroupNamesOf(const ForestRequest& request);
+
+/// Draws the columns about a frame, in pages too where it is tall.
 Picture DrawForest(const ForestScale& scale, const Forest& forest);
 /// With a line at the overall effect.
 Picture DrawForest(const AnalysisData& data, const Forest& forest);

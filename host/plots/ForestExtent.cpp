@@ -1,8 +1,12 @@
 #include "host/plots/ForestExtent.h"
 
 #include "host/text/NumberText.h"
+#include "host/text/UnusableInput.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
+#include <cmath>
 #include <cstddef>
 
 namespace host {
@@ -46,6 +50,16 @@ Extent EffectExtent(const std::vector<ForestRow>& rows, bool hasNoEffect)
     if (hasNoEffect && !(withNull.Length() > 2 * extent.Length()))
         extent = withNull;
     extent.Pad(0.03);
+    return extent;
+}
+
+Extent ExtentBetween(const std::pair<double, double>& limits, bool areRatios)
+{
+    if (areRatios && limits.first <= 0)
+        throw UnusableInput(fmt::format("--axis-limits: {} is no ratio, which is above 0.", limits.first));
+    Extent extent;
+    extent.Cover(areRatios ? std::log(limits.first) : limits.first);
+    extent.Cover(areRatios ? std::log(limits.second) : limits.second);
     return extent;
 }
 

@@ -17,23 +17,6 @@ namespace {
 
 using Kind = ForestRow::Kind;
 
-/// The model and its heterogeneity.
-std::vector<std::string> Notes(const AnalysisData& data)
-{
-    const MABaseModel& base = data.base;
-    std::vector<std::string> notes = {Capitalised(WordingOfModel(data.settings))};
-    if (!HasAnyValue(base.GetHomoTestChisquareQ()))
-        return notes;
-    std::string note = fmt::format(
-        "Heterogeneity: Q {}, df {}, p {}, I² {}", FixedText(base.GetHomoTestChisquareQ().back(), 2),
-        FixedText(base.GetHomoTestdf().back(), 0), PValueText(base.GetHomoTestSig().back()),
-        PercentText(base.GetI2Index().back(), 1));
-    if (const std::vector<double> tau2 = base.GetTau2Var(); HasAnyValue(tau2))
-        note += fmt::format(", tau² {}", NumberText(tau2.back()));
-    notes.push_back(std::move(note));
-    return notes;
-}
-
 std::string CountOfStudyRows(const std::vector<ForestRow>& rows)
 {
     const auto count =
@@ -41,25 +24,45 @@ std::string CountOfStudyRows(const std::vector<ForestRow>& rows)
     return CountOfStudies(static_cast<std::size_t>(count));
 }
 
+/// "The pooled odds ratio is 0.47 (95% CI 0.33 to 0.68)."
+std::string PooledSentence(const AnalysisData& data)
+{
+    const ForestInterval pooled = OverallRow(data).shown;
+    if (!pooled.HasLimits())
+        return {};
+    const int decimals = data.request.forest.digits.value_or(data.decimals - 2);
+    const auto text = [&](double value) { return WithMinusSign(FixedText(value, decimals)); };
+    return fmt::format(" The {} is {} ({} CI {} to {}).", "pooled " + data.measure.name,
+                       text(pooled.estimate), data.level, text(pooled.lower), text(pooled.upper));
+}
+
+/// The title that is asked for stands behind what the picture is.
+std::string TitleOf(const char* kind, const AnalysisData& data)
+{
+    const std::string& title = data.request.forest.options.title;
+    return title.empty() ? kind : fmt::format("{}: {}", kind, title);
+}
+
 Forest WeightedForest(const AnalysisData& data)
 {
     Forest forest = {.name = "forest",
-                     .title = "Forest plot",
+                     .title = TitleOf("Forest plot", data),
                      .description = {},
                      .remarkHeader = {},
                      .hasWeights = true,
                      .rows = ForestRows(data),
-                     .notes = Notes(data)};
-    forest.description =
-        fmt::format("{}: {} of {} with {} intervals, squares by weight, and the pooled effects as diamonds.",
-                    forest.title, data.measure.name, CountOfStudyRows(forest.rows), data.level);
+                     .notes = OverallNotes(data),
+                     .hasColumns = true};
+    forest.description = fmt::format(
+        "{}: {} of {} with {} intervals, squares by weight, and the pooled effects as diamonds.{}",
+        forest.title, data.measure.name, CountOfStudyRows(forest.rows), data.level, PooledSentence(data));
     return forest;
 }
 
 Forest CumulativeForest(const AnalysisData& data)
 {
     Forest forest = {.name = "cumulative-forest",
-                     .title = "Cumulative forest plot",
+                     .title = TitleOf("Cumulative forest plot", data),
                      .description = {},
                      .remarkHeader = LabelText(data.request.cumulative.column),
                      .hasWeights = false,

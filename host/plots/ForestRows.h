@@ -6,6 +6,7 @@
 
 #include "meta_analysis/platform/common/KXMV.h"
 
+#include <cstddef>
 #include <string>
 #include <vector>
 
@@ -34,6 +35,7 @@ struct ForestRow
         STUDY,
         POOLED,
         PREDICTION, ///< the estimate is the centre and is not shown
+        NOTE,       ///< a text over the columns left of the frame
         GAP         ///< an empty line
     };
 
@@ -42,14 +44,20 @@ struct ForestRow
     std::string remark = {};   ///< beside the label
     ForestInterval place = {}; ///< where it is drawn: of ratios the logarithms, of others what is shown
     ForestInterval shown = {}; ///< on the natural scale
-    double weight = 1;         ///< of a study, as a fraction of all
-    ForestInterval fitted = NO_INTERVAL; ///< by a regression, drawn as `place`
+    double weight = 1;         ///< of a study, or of a model's studies, as a fraction of all
+    ForestInterval fitted = NO_INTERVAL;  ///< by a regression, drawn as `place`
+    std::vector<int> records = {};        ///< of the study, or of the studies that are pooled
+    double otherWeight = KXMV::Missing(); ///< in the model of the other kind
 
-    bool HasInterval() const { return kind != Kind::HEADING && kind != Kind::GAP; }
+    bool HasInterval() const
+    {
+        return kind == Kind::STUDY || kind == Kind::POOLED || kind == Kind::PREDICTION;
+    }
 };
 
-/// The studies with their effects and the model of all studies. Where there are groups, the studies are in
-/// blocks that end with the group's pooled model.
+/// The studies with their effects and the models of all studies. Where there are groups, the studies are in
+/// blocks that end with the group's pooled models and their heterogeneity. Studies of no group come behind
+/// these blocks.
 std::vector<ForestRow> ForestRows(const AnalysisData& data);
 
 /// An entry of the effects as the row of a study.

@@ -7,10 +7,28 @@
 
 #include <algorithm>
 #include <numeric>
+#include <utility>
 
 namespace host {
 
 namespace {
+
+constexpr std::size_t MOST_GROUPS = 100; // with plots of their own, more than which nobody looks at
+
+/// The groups with the most studies, in their order; all of them unless there are very many.
+std::vector<PlotOfGroup> LargestOf(std::vector<PlotOfGroup> plots, const AnalysisData& data)
+{
+    if (plots.size() <= MOST_GROUPS)
+        return plots;
+    const std::vector<int> counts = data.base.GetGroupN();
+    const auto countOf = [&](const PlotOfGroup& plot) { return counts[plot.number - 1]; };
+    std::stable_sort(plots.begin(), plots.end(),
+                     [&](const PlotOfGroup& a, const PlotOfGroup& b) { return countOf(a) > countOf(b); });
+    plots.resize(MOST_GROUPS, plots.front());
+    std::sort(plots.begin(), plots.end(),
+              [](const PlotOfGroup& a, const PlotOfGroup& b) { return a.number < b.number; });
+    return plots;
+}
 
 std::vector<PlotOfGroup> Groups(const AnalysisData& data, std::size_t firstRow)
 {
@@ -18,7 +36,7 @@ std::vector<PlotOfGroup> Groups(const AnalysisData& data, std::size_t firstRow)
     std::vector<PlotOfGroup> plots;
     for (std::size_t group = 0; group < data.groupLabels.size(); ++group)
         plots.push_back({firstRow + group, GroupName(data, group), estimates[group], group + 1});
-    return plots;
+    return LargestOf(std::move(plots), data);
 }
 
 PlotOfGroup AllStudies(const AnalysisData& data)
@@ -64,6 +82,15 @@ std::vector<std::size_t> StudiesOf(const AnalysisData& data, const PlotOfGroup& 
         return !std::binary_search(members.begin(), members.end(), records[study]);
     });
     return studies;
+}
+
+std::string SentenceOfGroupsWithoutPlots(const AnalysisData& data)
+{
+    const std::size_t count = data.groupLabels.size();
+    return count <= MOST_GROUPS
+               ? ""
+               : fmt::format(" Of {} groups, the {} with the most studies have plots of their own.", count,
+                             MOST_GROUPS);
 }
 
 std::string GroupName(const AnalysisData& data, std::size_t group)

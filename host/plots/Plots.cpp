@@ -1,6 +1,8 @@
 #include "host/plots/Plots.h"
 
 #include "host/plots/PictureMakers.h"
+#include "host/plots/PlotGroups.h"
+#include "host/plots/VisibleMarks.h"
 #include "host/report/AnalysisData.h"
 
 #include <utility>
@@ -15,7 +17,8 @@ std::vector<Picture> MakePictures(const AnalysisRequest& request, const Analysis
     const AnalysisData data(request, analysis);
     for (PictureMaker* const make : PICTURE_MAKERS)
         for (Picture& picture : make(data))
-            pictures.push_back(std::move(picture));
+            pictures.push_back(WithVisibleMarks(std::move(picture)));
+    pictures.front().description += SentenceOfGroupsWithoutPlots(data);
     return pictures;
 }
 

@@ -4,6 +4,7 @@
 #include "host/plots/ForestDrawing.h"
 #include "host/plots/InfluencePictures.h"
 #include "host/plots/ResidualPlots.h"
+#include "host/plots/VisibleMarks.h"
 #include "host/report/ReportColumns.h"
 #include "host/text/PlainText.h"
 #include "host/text/Wording.h"
@@ -41,6 +42,7 @@ std::vector<ForestRow> StudyRows(const RegressionData& data)
         row.place = {study.effect, study.ciLower, study.ciUpper};
         row.shown = ShownInterval(row.place, data.measure);
         row.weight = study.weight / weights;
+        row.records = {study.record};
         row.fitted = {study.fit, study.fitLower, study.fitUpper};
         rows.push_back(std::move(row));
     }
@@ -57,16 +59,22 @@ Picture ForestPicture(const RegressionData& data)
         .hasWeights = true,
         .rows = StudyRows(data),
         .notes = {Capitalised(WordingOfModel(data.options.settings)),
-                  fmt::format("Pale diamonds: fitted values with their {} intervals", data.level)}};
+                  fmt::format("Pale diamonds: fitted values with their {} intervals", data.level)},
+        .hasColumns = true};
     forest.description = fmt::format(
         "{}: the {} of {} with {} intervals, squares by weight, and the values that the meta-regression fits "
         "as pale diamonds.",
         forest.title, data.measure.name, CountOfStudies(forest.rows.size()), data.level);
+    const ForestRequest& request = data.request.forest;
     return DrawForest({.measure = data.measure,
-                       .effectHeader = IntervalHeader(data.measure.symbol, data.level),
+                       .names = {data.measure.name, data.measure.symbol, data.level, "IV",
+                                 data.isRandom ? "Random" : "Fixed"},
                        .decimals = data.decimals,
                        .showsRatios = data.measure.isRatio,
-                       .overall = KXMV::Missing()},
+                       .overall = KXMV::Missing(),
+                       .request = request,
+                       .style = &StyleOf(request.options.layout),
+                       .groupNames = GroupNamesOf(request)},
                       forest);
 }
 
@@ -147,11 +155,11 @@ std::vector<Picture> MakeRegressionPictures(const RegressionData& data)
     std::vector<Picture> pictures = {ForestPicture(data)};
     std::size_t number = 0;
     for (const int covariate : data.request.settings.GetCovariates())
-        pictures.push_back(BubblePicture(data, ++number, covariate));
+        pictures.push_back(WithVisibleMarks(BubblePicture(data, ++number, covariate)));
     for (Picture& picture : ResidualPictures(data))
-        pictures.push_back(std::move(picture));
+        pictures.push_back(WithVisibleMarks(std::move(picture)));
     for (Picture& picture : InfluencePicturesOf(InfluenceTableOf(data)))
-        pictures.push_back(std::move(picture));
+        pictures.push_back(WithVisibleMarks(std::move(picture)));
     return pictures;
 }
 

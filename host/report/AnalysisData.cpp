@@ -33,9 +33,14 @@ std::vector<std::string> GroupLabels(const ValueLabels& subgroup, std::vector<do
 } // namespace
 
 AnalysisData::AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofAnalysis)
+    : AnalysisData(ofRequest, ofAnalysis, ofRequest.settings)
+{}
+
+AnalysisData::AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofAnalysis,
+                           const MAModelSettings& ofSettings)
     : request(ofRequest),
       analysis(ofAnalysis),
-      settings(request.settings),
+      settings(ofSettings),
       base(analysis.Base()),
       measure(MeasureOf(request)),
       natural(NaturalResultsOf(analysis, measure)),

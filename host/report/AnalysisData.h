@@ -24,6 +24,9 @@ inline constexpr double OVERALL_GROUP = -1;
 struct AnalysisData
 {
     AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofAnalysis);
+    /// Of an analysis by other settings than the request's.
+    AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofAnalysis,
+                 const MA_NAMESPACE::MAModelSettings& ofSettings);
 
     const AnalysisRequest& request;
     const Analysis& analysis;

@@ -10,6 +10,41 @@ namespace {
 
 using Rows = std::vector<std::vector<double>>;
 
+/// The cumulative results, a row for each group.
+struct CumulativeRows
+{
+    explicit CumulativeRows(const AnalysisData& data);
+
+    /// The entries that `pick` takes of each part; one that is not there stays empty.
+    template <class Pick>
+    EffectRows Picked(const Pick& pick) const
+    {
+        return {.naturals = {pick(natural.values), pick(natural.lower), pick(natural.upper)},
+                .effects = {pick(estimates), pick(lower), pick(upper)},
+                .stdErrors = pick(stdErrors),
+                .statistics = pick(statistics),
+                .significances = pick(significances)};
+    }
+
+    Rows estimates;
+    Rows lower;
+    Rows upper;
+    Rows stdErrors;
+    Rows statistics;
+    Rows significances;
+    NaturalResults::Steps natural;
+};
+
+CumulativeRows::CumulativeRows(const AnalysisData& data)
+    : estimates(data.base.GetCumEstES()),
+      lower(data.base.GetCumEstCiLower()),
+      upper(data.base.GetCumEstCiUpper()),
+      stdErrors(data.base.GetCumEstStdErr()),
+      statistics(data.base.GetCumEstZval()),
+      significances(data.base.GetCumEstSig()),
+      natural(data.natural ? data.natural->cumulative : NaturalResults::Steps())
+{}
+
 /// The last step of each row, which pools all studies of the row.
 std::vector<double> LastSteps(const Rows& rows)
 {
@@ -22,23 +57,6 @@ std::vector<double> LastSteps(const Rows& rows)
 std::vector<double> RowAt(const Rows& rows, std::size_t row)
 {
     return row < rows.size() ? rows[row] : std::vector<double>();
-}
-
-/// The cumulative results, of which `pick` selects entries.
-template <class Pick>
-EffectRows PickedCumulativeRows(const AnalysisData& data, const Pick& pick)
-{
-    const MABaseModel& base = data.base;
-    EffectRows rows = {
-        .effects = {pick(base.GetCumEstES()), pick(base.GetCumEstCiLower()), pick(base.GetCumEstCiUpper())},
-        .stdErrors = pick(base.GetCumEstStdErr()),
-        .statistics = pick(base.GetCumEstZval()),
-        .significances = pick(base.GetCumEstSig())};
-    if (data.natural) {
-        const NaturalResults::Steps& steps = data.natural->cumulative;
-        rows.naturals = {pick(steps.values), pick(steps.lower), pick(steps.upper)};
-    }
-    return rows;
 }
 
 EffectRows ModelRows(const AnalysisData& data)
@@ -66,12 +84,21 @@ EffectRows StudyRows(const AnalysisData& data)
 
 EffectRows PooledRows(const AnalysisData& data)
 {
-    return data.base.GetCumEstES().empty() ? ModelRows(data) : PickedCumulativeRows(data, LastSteps);
+    return data.base.GetCumEstES().empty() ? ModelRows(data) : CumulativeRows(data).Picked(LastSteps);
 }
 
-EffectRows CumulativeRows(const AnalysisData& data, std::size_t group)
+/// The getters copy the steps of all groups, so that each is called once.
+std::vector<CumulativeGroup> CumulativeGroups(const AnalysisData& data)
 {
-    return PickedCumulativeRows(data, [group](const Rows& rows) { return RowAt(rows, group); });
+    const CumulativeRows rows(data);
+    const std::vector<std::vector<int>> records = data.base.GetSubGroupStudyID();
+    const Rows values = data.base.GetEstCumulative();
+    std::vector<CumulativeGroup> groups;
+    // With groups, the last row of the results is that of all studies, which has no steps.
+    for (std::size_t group = 0; group < records.size() && !rows.estimates.empty(); ++group)
+        groups.push_back({records[group], values[group],
+                          rows.Picked([group](const Rows& part) { return RowAt(part, group); })});
+    return groups;
 }
 
 EffectHeaders HeadersOf(const Measure& measure)

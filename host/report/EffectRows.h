@@ -27,8 +27,16 @@ EffectRows StudyRows(const AnalysisData& data);
 /// the last steps.
 EffectRows PooledRows(const AnalysisData& data);
 
-/// The steps of the cumulative analysis of a group, or of all studies where there are no groups.
-EffectRows CumulativeRows(const AnalysisData& data, std::size_t group);
+/// The cumulative analysis of a group, with an entry for each step.
+struct CumulativeGroup
+{
+    std::vector<int> records;   ///< of the study added
+    std::vector<double> values; ///< of the column that gives the order
+    EffectRows effects;
+};
+
+/// The cumulative analysis of each group, or of all studies where there are no groups; empty without one.
+std::vector<CumulativeGroup> CumulativeGroups(const AnalysisData& data);
 
 /// The headers of a table's effects.
 struct EffectHeaders

@@ -3,6 +3,7 @@
 #include "host/cli/OptionGroups.h"
 #include "host/report/HtmlFigure.h"
 #include "host/report/HtmlStyle.h"
+#include "host/report/ShownRows.h"
 #include "host/text/ProgramInfo.h"
 
 #include <fmt/format.h>
@@ -43,7 +44,7 @@ std::string Cell(const ReportColumn& column, std::size_t row, bool isFirst)
 std::string TableBody(const std::vector<ReportColumn>& table)
 {
     std::string body;
-    for (std::size_t row = 0; row < table.front().cells.size(); ++row) {
+    for (std::size_t row = 0; row < ShownRowsOf(table); ++row) {
         body += "<tr>";
         for (const ReportColumn& column : table)
             body += Cell(column, row, &column == &table.front());
@@ -90,6 +91,8 @@ void Page::AddTable(const std::string& title, const std::vector<ReportColumn>& t
                          "<caption>{0}</caption>\n<thead><tr>{1}</tr></thead>\n<tbody>\n{2}</tbody>\n"
                          "</table>\n</div>\n",
                          HtmlEscaped(caption), headers, TableBody(table));
+    if (const std::string sentence = SentenceOfRowsNotShown(table); !sentence.empty())
+        html_ += Element("p", sentence);
 }
 
 void Page::AddSection(const ReportSection& section)

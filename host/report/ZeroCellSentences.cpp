@@ -111,19 +111,20 @@ std::string WordingOfPooledCorrection(const AnalysisData& data)
                        WordingOfCountsAsRead(*corrections, data.base.GetEstEffectSize()));
 }
 
-void AppendCorrectionOfSteps(std::vector<ReportColumn>& table, const AnalysisData& data, std::size_t group)
+std::vector<ReportColumn> CorrectionsOfSteps(const AnalysisData& data)
 {
     const std::optional<Corrections> corrections = CorrectionsOf(data.analysis);
+    std::vector<ReportColumn> columns;
     if (!corrections)
-        return;
-    const std::vector<int>& corrected = corrections->bySteps[group];
-    std::vector<std::string> texts;
-    texts.reserve(corrected.size());
-    for (const int count : corrected)
-        texts.push_back(std::to_string(count));
-    if (std::any_of(corrected.begin(), corrected.end(), [](int count) { return count > 0; }))
-        table.push_back(
-            {fmt::format("{} corrected", Capitalised(CountOf(0, *corrections).substr(2))), texts});
+        return columns;
+    const std::string header = fmt::format("{} corrected", Capitalised(CountOf(0, *corrections).substr(2)));
+    for (const std::vector<int>& corrected : corrections->bySteps) {
+        columns.push_back({header, {}});
+        if (std::any_of(corrected.begin(), corrected.end(), [](int count) { return count > 0; }))
+            for (const int count : corrected)
+                columns.back().cells.push_back(std::to_string(count));
+    }
+    return columns;
 }
 
 } // namespace host

@@ -17,8 +17,8 @@ std::string WordingOfStudyCorrection(const AnalysisData& data);
 /// cell.
 std::string WordingOfPooledCorrection(const AnalysisData& data);
 
-/// Appends a column with the number of corrected tables in each step of a group, or of all studies, unless
-/// no step has one.
-void AppendCorrectionOfSteps(std::vector<ReportColumn>& table, const AnalysisData& data, std::size_t group);
+/// For each group of a cumulative analysis, or for all studies, a column with the number of corrected tables
+/// in each step. It has no cells when no step has one. Empty unless counts can be corrected.
+std::vector<ReportColumn> CorrectionsOfSteps(const AnalysisData& data);
 
 } // namespace host

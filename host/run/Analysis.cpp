@@ -16,7 +16,12 @@ namespace {
 template <class Model>
 Analysis NewAnalysisBy(const MAModelSettings& settings)
 {
-    return {.model = Model(settings), .status = {}, .testStatus = {}, .bubbleStatus = {}, .globalTau2 = {}};
+    return {.model = Model(settings),
+            .status = {},
+            .testStatus = {},
+            .bubbleStatus = {},
+            .globalTau2 = {},
+            .other = {}};
 }
 
 Analysis NewAnalysis(const MAModelSettings& settings)
@@ -52,17 +57,48 @@ KXStatus RunSmallStudyTest(Model& model, AnalysisRequest& request)
     return model.RegBasedTest(request.records, request.variables, SmallStudyTestSettingsOf(request.settings));
 }
 
+/// The settings of the models alone.
+MAModelSettings WithoutSteps(MAModelSettings settings)
+{
+    settings.SetIsTRIMFILL(false);
+    settings.SetCommulativeIndex(-1);
+    settings.SetContrastCoefIndex({});
+    settings.SetLeaveOneOut(false);
+    settings.SetInfluence(false);
+    settings.SetRankTest(false);
+    return settings;
+}
+
+/// Random effects weigh by inverse variance, whatever the fixed effect does.
+MAModelSettings SettingsOfOtherModel(const MAModelSettings& analysed)
+{
+    MAModelSettings settings = WithoutSteps(analysed);
+    const bool isFixed = settings.GetModelType() == MAConst::MODEL_FIXED;
+    settings.SetModelType(isFixed ? MAConst::MODEL_RANDOM : MAConst::MODEL_FIXED);
+    settings.SetWeightType(MAConst::WEIGHT_INVERSE_VARIANCE);
+    settings.SetCommonTau2(false);
+    return settings;
+}
+
 /// Runs the same models by the global search, without the steps beyond them.
 template <class Model>
 std::vector<double> Tau2ByGlobalSearch(AnalysisRequest& request)
 {
-    MAModelSettings settings = request.settings;
+    MAModelSettings settings = WithoutSteps(request.settings);
     settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
-    settings.SetIsTRIMFILL(false);
-    settings.SetCommulativeIndex(-1);
     Model model(settings);
     model.RUN(request.records, request.variables);
     return model.GetTau2Var();
+}
+
+template <class Model>
+std::shared_ptr<const OtherModel> RunOtherModel(AnalysisRequest& request)
+{
+    const MAModelSettings settings = SettingsOfOtherModel(request.settings);
+    auto other = std::make_shared<OtherModel>(OtherModel{settings, NewAnalysisBy<Model>(settings)});
+    Model& model = std::get<Model>(other->analysis.model);
+    other->analysis.status = model.RUN(request.records, request.variables);
+    return other->analysis.status.IsError() ? nullptr : other;
 }
 
 KXStatus PlotBubbles(MABaseModel& model, AnalysisRequest& request)
@@ -120,6 +156,7 @@ Analysis RunAnalysis(AnalysisRequest& request)
     Analysis analysis = NewAnalysis(request.settings);
     std::visit(
         [&](auto& model) {
+            using Model = std::remove_reference_t<decltype(model)>;
             analysis.status = model.RUN(request.records, request.variables);
             if (analysis.status.IsError())
                 return;
@@ -129,7 +166,9 @@ Analysis RunAnalysis(AnalysisRequest& request)
             if (!request.bubbleCovariates.empty())
                 analysis.bubbleStatus = PlotBubbles(model, request);
             if (HasTau2Doubt(model.GetWarnings()))
-                analysis.globalTau2 = Tau2ByGlobalSearch<std::remove_reference_t<decltype(model)>>(request);
+                analysis.globalTau2 = Tau2ByGlobalSearch<Model>(request);
+            if (request.forest.options.models == ForestModels::BOTH)
+                analysis.other = RunOtherModel<Model>(request);
         },
         analysis.model);
     return analysis;

@@ -9,11 +9,14 @@
 #include "meta_analysis/platform/common/KXStatus.h"
 
 #include <cstddef>
+#include <memory>
 #include <optional>
 #include <variant>
 #include <vector>
 
 namespace host {
+
+struct OtherModel;
 
 /// The results of a run and of the steps after it. They refer to the request, which must outlive them.
 struct Analysis
@@ -30,6 +33,9 @@ struct Analysis
     /// tau² of each model by the global search; empty unless the run has MAStatusCode::TAU2_DOUBTFUL.
     std::vector<double> globalTau2;
 
+    /// Null unless the forest plot is to have fixed and random effects.
+    std::shared_ptr<const OtherModel> other = nullptr;
+
     const MA_NAMESPACE::MABaseModel& Base() const;
     RecordSummary Records(std::size_t read) const;
     /// Null for other outcomes than 2x2 tables and ready-made effects of them.
@@ -38,6 +44,13 @@ struct Analysis
     bool HasFailedTest() const { return testStatus && testStatus->IsError(); }
     /// The first error, or the status of the run.
     KXStatus FinalStatus() const;
+};
+
+/// The models of the other kind, of fixed effect or random effects, without the steps beyond them.
+struct OtherModel
+{
+    MA_NAMESPACE::MAModelSettings settings;
+    Analysis analysis;
 };
 
 /// Computes the effect sizes of the request's outcome, and nothing else.

@@ -132,7 +132,8 @@ AnalysisRequest MakeAnalysisRequest(const Options& options, const DataTable& tab
             .bubbleCovariates = std::move(bubbleCovariates),
             .runsSmallStudyTest = options.runsSmallStudyTest,
             .hasDrapery = options.picture.hasDrapery,
-            .hasPredictionBand = options.picture.hasPredictionBand};
+            .hasPredictionBand = options.picture.hasPredictionBand,
+            .forest = MakeForestRequest(options, table)};
 }
 
 } // namespace host

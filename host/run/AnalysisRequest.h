@@ -3,6 +3,7 @@
 #include "host/cli/Options.h"
 #include "host/data/DataTable.h"
 #include "host/data/ValueLabels.h"
+#include "host/run/ForestRequest.h"
 
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
@@ -28,6 +29,7 @@ struct AnalysisRequest
     bool runsSmallStudyTest = false;
     bool hasDrapery = false;
     bool hasPredictionBand = false;
+    ForestRequest forest = {};
 };
 
 /// Picks the columns that the options name. Throws UnusableInput.

@@ -1,6 +1,6 @@
 #include "host/run/RegressionAnalysis.h"
 
-#include "host/text/Progress.h"
+#include "host/system/Progress.h"
 #include "host/text/StatusText.h"
 
 #include "meta_analysis/analysis/MABaseModel.h"
@@ -104,7 +104,7 @@ double Tau2ByGlobalSearch(const RegressionRequest& request)
 template <class Engine>
 RegressionAnalysis Run(const RegressionRequest& request)
 {
-    Progress progress;
+    Progress progress("Fitting the model");
     ShownProgress reading(progress, "Reading record");
     ShownProgress iterations(progress, "Fitting the model, iteration");
     MARegSettings settings = request.settings;

@@ -87,7 +87,8 @@ public:
                 .studyLabels = StudyLabels(options_.study, table_),
                 .rawEffects = std::move(rawEffects_),
                 .hasPictures = options_.htmlPath || options_.plotsFolder,
-                .bubblePoints = options_.settings.GetBubbleCurveNPoints()};
+                .bubblePoints = options_.settings.GetBubbleCurveNPoints(),
+                .forest = MakeForestRequest(options_, table_)};
     }
 
 private:

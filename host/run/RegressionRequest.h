@@ -2,6 +2,7 @@
 
 #include "host/cli/Options.h"
 #include "host/data/DataTable.h"
+#include "host/run/ForestRequest.h"
 #include "host/run/RawEffects.h"
 
 #include "meta_analysis/platform/common/KXVarList.h"
@@ -27,6 +28,7 @@ struct RegressionRequest
     std::optional<RawEffects> rawEffects; ///< none for ready-made effect sizes
     bool hasPictures = false;             ///< whether the coordinates of plots are asked for
     int bubblePoints = 0;                 ///< of a line
+    ForestRequest forest = {};
 };
 
 /// Picks and codes the columns that the options name. Throws UnusableInput.

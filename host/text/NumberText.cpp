@@ -83,6 +83,14 @@ std::string NumberText(double value)
     return isSmall ? fmt::format("{:.3g}", value) : FixedText(value, LEAST_DECIMALS);
 }
 
+std::string WithMinusSign(std::string_view number)
+{
+    std::string text;
+    for (const char c : number)
+        text += c == '-' ? std::string("\u2212") : std::string(1, c);
+    return text;
+}
+
 std::string PValueText(double p)
 {
     return p >= 0 && p < 1e-4 ? "< 0.0001" : FixedText(p, LEAST_DECIMALS);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace host {
@@ -21,6 +22,9 @@ std::string FixedText(double value, int decimals);
 /// A number of any size with four decimals, or with three significant digits where four decimals would show
 /// fewer than two.
 std::string NumberText(double value);
+
+/// The number's text with the minus sign, U+2212, in place of hyphens, as pictures show it.
+std::string WithMinusSign(std::string_view number);
 
 /// A probability with four decimals, or "< 0.0001". A p-value that underflowed is not shown as 0.
 std::string PValueText(double p);

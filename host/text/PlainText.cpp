@@ -85,12 +85,48 @@ double WidthOf(CodePoints::const_iterator first, CodePoints::const_iterator last
     return width;
 }
 
+/// Whether a line may end between two neighbours.
+bool MayEndBetween(utf8proc_int32_t before, utf8proc_int32_t after)
+{
+    const bool isBehindWide = utf8proc_charwidth(before) == 2 && utf8proc_charwidth(after) > 0;
+    return before == ' ' || before == '-' || before == '/' || isBehindWide;
+}
+
+/// Where the line that starts at `first` ends: at the last place that fits and where a line may end, else at
+/// the last that fits.
+CodePoints::const_iterator EndOfLine(CodePoints::const_iterator first, CodePoints::const_iterator last,
+                                     double limit)
+{
+    auto end = last;
+    double width = WidthOf(*first); // one character is always taken
+    for (auto next = first + 1; next != last; ++next) {
+        if (MayEndBetween(*(next - 1), *next))
+            end = next;
+        width += WidthOf(*next);
+        if (width > limit && *next != ' ')
+            return end == last ? next : end;
+    }
+    return last;
+}
+
+std::string WithoutEndingBlanks(std::string line)
+{
+    line.erase(line.find_last_not_of(' ') + 1);
+    return line;
+}
+
 } // namespace
 
 std::string PlainText(std::string_view text)
 {
     const CodePoints codePoints = CodePointsOf(text);
     return TextOf(codePoints.begin(), codePoints.end());
+}
+
+std::string TextOf(char32_t character)
+{
+    const CodePoints one = {static_cast<utf8proc_int32_t>(character)};
+    return TextOf(one.begin(), one.end());
 }
 
 std::string WithoutCharacters(std::string_view text, char replacement,
@@ -124,6 +160,18 @@ std::string ShortenedText(std::string_view text, double limit)
     while (width + WidthOf(*(tail - 1)) <= limit)
         width += WidthOf(*--tail);
     return TextOf(codePoints.begin(), headEnd) + ELLIPSIS + TextOf(tail, codePoints.end());
+}
+
+std::vector<std::string> WrappedText(std::string_view text, double limit)
+{
+    const CodePoints codePoints = CodePointsOf(text);
+    std::vector<std::string> lines;
+    for (auto first = codePoints.begin(); first != codePoints.end();) {
+        const auto end = EndOfLine(first, codePoints.end(), limit);
+        lines.push_back(WithoutEndingBlanks(TextOf(first, end)));
+        first = std::find_if(end, codePoints.end(), [](utf8proc_int32_t c) { return c != ' '; });
+    }
+    return lines.empty() ? std::vector<std::string>{""} : lines;
 }
 
 std::string FileNamePart(std::string_view text)

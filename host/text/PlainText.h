@@ -11,6 +11,9 @@ namespace host {
 /// bytes that are no UTF-8 and code points that are no characters become the replacement character.
 std::string PlainText(std::string_view text);
 
+/// A character in UTF-8.
+std::string TextOf(char32_t character);
+
 /// A label as one line of text, whatever the field held; an empty one as a missing value.
 std::string LabelText(std::string label);
 /// Those at these positions.
@@ -26,6 +29,10 @@ double TextWidth(std::string_view text, bool isBold = false);
 
 /// The text, or its start and its end about an ellipsis where it is wider than `limit`.
 std::string ShortenedText(std::string_view text, double limit);
+
+/// The text in lines that are no wider than `limit`. Lines end at blanks, behind hyphens and between wide
+/// characters, such as those of Chinese; a longer word is cut. There is at least one line.
+std::vector<std::string> WrappedText(std::string_view text, double limit);
 
 /// A part of a file name that resembles the text: lower-case ASCII letters, digits and single dashes. Empty
 /// when the text has no such characters.

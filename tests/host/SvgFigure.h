@@ -119,7 +119,7 @@ public:
         return lines;
     }
 
-    // The pixel of a number at the level axis and at the upright axis.
+    // The pixel of a number, with a hyphen for the minus sign, at the level axis and at the upright axis.
 
     double TickX(const std::string& number) const { return Tick(number, "middle").x; }
     double TickY(const std::string& number) const { return Tick(number, "end").y; }
@@ -127,8 +127,10 @@ public:
 private:
     SvgText Tick(const std::string& number, const char* anchor) const
     {
+        const std::string minus = "\u2212";
+        const std::string shown = number.front() == '-' ? minus + number.substr(1) : number;
         for (const SvgText& text : Texts())
-            if (text.text == number && text.anchor == anchor && !text.isBold)
+            if (text.text == shown && text.anchor == anchor && !text.isBold)
                 return text;
         ADD_FAILURE() << "no " << number << " at the axis";
         return {};

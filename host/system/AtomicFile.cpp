@@ -1,4 +1,4 @@
-#include "host/batch/AtomicFile.h"
+#include "host/system/AtomicFile.h"
 
 #include "host/text/UnusableInput.h"
 
@@ -97,6 +97,8 @@ AtomicFile::AtomicFile(const std::string& path) : name_(fmt::format("'{}'", path
         file_ = open(path_.c_str(), O_WRONLY | O_CLOEXEC);
     else if (access(path_.c_str(), W_OK) == 0 || errno == ENOENT)
         OpenTemporary();
+    if (file_ < 0 && errno == EACCES) // a folder without room for another name may have one for this
+        file_ = open(path_.c_str(), O_WRONLY | O_TRUNC | O_CLOEXEC);
     if (file_ < 0)
         Fail();
 }

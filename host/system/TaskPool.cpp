@@ -1,4 +1,4 @@
-#include "host/batch/TaskPool.h"
+#include "host/system/TaskPool.h"
 
 #include <algorithm>
 #include <system_error>
