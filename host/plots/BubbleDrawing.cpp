@@ -88,14 +88,14 @@ CovariateLine WholeLine(const CovariatePlot& plot)
     return line;
 }
 
-/// "effect = 0.25 - 0.029 covariate".
+/// "effect = 0.251468 - 0.0291017 covariate": with the digits that a covariate such as a year needs.
 std::string Equation(const CovariatePlot& plot)
 {
     const CovariateSlope& slope = plot.slope;
-    if (!IsNumber(slope.intercept))
+    if (!IsNumber(slope.intercept) || !IsNumber(slope.slope))
         return {};
-    return fmt::format("{} = {} {} {} × {}", plot.effectName, NumberText(slope.intercept),
-                       slope.slope < 0 ? "-" : "+", NumberText(std::abs(slope.slope)), plot.covariateTitle);
+    return fmt::format("{} = {:.6g} {} {:.6g} × {}", plot.effectName, slope.intercept,
+                       slope.slope < 0 ? "-" : "+", std::abs(slope.slope), plot.covariateTitle);
 }
 
 std::string SlopeText(const CovariatePlot& plot)

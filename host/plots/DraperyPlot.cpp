@@ -34,7 +34,7 @@ class Drapery
 public:
     Drapery(const AnalysisData& data, const PlotOfGroup& plot);
 
-    bool HasCurves() const { return pooled_.HasTest() && studies_.size() > 1; }
+    bool HasCurves() const { return studies_.size() > 1; }
     Picture Draw() const;
 
 private:
@@ -44,6 +44,8 @@ private:
     Extent Effects() const;
     Layer Studies(const Extent& effects) const;
     Layer Region(const Extent& effects) const;
+    Layer Curve(const TestedEstimate& tested, const Extent& effects, const char* color, double width,
+                std::string legend) const;
     std::vector<std::string> Notes(const Extent& effects) const;
 
     const AnalysisData& data_;
@@ -122,6 +124,8 @@ Extent Drapery::Effects() const
         rows.back().place = {study.estimate, study.estimate - critical * study.stdError,
                              study.estimate + critical * study.stdError};
     }
+    if (!pooled_.HasTest())
+        return EffectExtent(rows, data_.measure.hasNoEffect);
     rows.push_back({ForestRow::Kind::POOLED});
     rows.back().place = {pooled_.estimate, pooled_.estimate - reach * pooled_.stdError,
                          pooled_.estimate + reach * pooled_.stdError};
@@ -149,12 +153,21 @@ Layer Drapery::Region(const Extent& effects) const
     return {Layer::Kind::AREA, color::BAND, {std::move(outline)}, {}, 0, "Prediction region"};
 }
 
+Layer Drapery::Curve(const TestedEstimate& tested, const Extent& effects, const char* color, double width,
+                     std::string legend) const
+{
+    return {Layer::Kind::LINE, color, {PValueCurve(tested, effects, alpha_, FINE)}, {}, width,
+            std::move(legend)};
+}
+
 std::vector<std::string> Drapery::Notes(const Extent& effects) const
 {
     std::vector<std::string> notes = {
         fmt::format("A curve is 1 at the estimate, and crosses p = {:g} at the limits of its {} interval.",
                     alpha_, data_.level)};
-    if (data_.measure.hasNoEffect && effects.Contains(0))
+    if (!pooled_.HasTest())
+        notes.push_back("The pooled effect has no test, and so no curve.");
+    else if (data_.measure.hasNoEffect && effects.Contains(0))
         notes.push_back("Pooled effect: p of no effect " + EqualsText(PValueOf(pooled_, 0)) + '.');
     if (studies_.size() < studyCount_)
         notes.push_back(fmt::format("Of {} the {} with the smallest standard errors are drawn.",
@@ -178,12 +191,10 @@ Picture Drapery::Draw() const
     picture.layers.push_back(LineBetween({effects.First(), alpha_}, {effects.Last(), alpha_},
                                          Layer::Kind::DASHED_LINE, color::INK,
                                          fmt::format("p = {:g}, {} limits", alpha_, data_.level)));
-    picture.layers.push_back({Layer::Kind::LINE,
-                              color::ACCENT,
-                              {PValueCurve(pooled_, effects, alpha_, FINE)},
-                              {},
-                              2.2,
-                              "Pooled effect"});
+    if (prediction_.HasTest()) // the studies may hide the region
+        picture.layers.push_back(Curve(prediction_, effects, color::POOLED, 1.2, ""));
+    if (pooled_.HasTest())
+        picture.layers.push_back(Curve(pooled_, effects, color::ACCENT, 2.2, "Pooled effect"));
     picture.description = fmt::format(
         "{}: p-values over hypothetical values of the {}, a curve for each of {}, and one for the pooled "
         "effect{}. "

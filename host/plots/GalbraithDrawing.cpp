@@ -20,6 +20,13 @@ Layer Limits(const GalbraithPlot& plot, double end)
             plot.limits};
 }
 
+Layer Band(const Layer& limits)
+{
+    std::vector<Point> outline = limits.pieces.front();
+    outline.insert(outline.end(), limits.pieces.back().rbegin(), limits.pieces.back().rend());
+    return {Layer::Kind::AREA, color::BAND, {std::move(outline)}};
+}
+
 Extent HorizontalExtent(const GalbraithPlot& plot)
 {
     Extent x;
@@ -30,6 +37,7 @@ Extent HorizontalExtent(const GalbraithPlot& plot)
     return x;
 }
 
+/// Another line than the first may leave the frame.
 Extent VerticalExtent(const GalbraithPlot& plot, double end)
 {
     Extent y;
@@ -37,8 +45,6 @@ Extent VerticalExtent(const GalbraithPlot& plot, double end)
     y.Cover({-plot.criticalValue, plot.criticalValue});
     const double height = plot.lines.front().slope * end;
     y.Cover({height - plot.criticalValue, height + plot.criticalValue});
-    for (const LineThroughOrigin& line : plot.lines)
-        y.Cover(line.slope * end);
     y.Pad(0.04);
     return y;
 }
@@ -52,9 +58,11 @@ Picture DrawGalbraith(GalbraithPlot plot)
     Picture picture = NewScatterPlot(plot.name);
     picture.x = NumberAxis(plot.xTitle, x);
     picture.y = NumberAxis(plot.yTitle, VerticalExtent(plot, end));
+    Layer limits = Limits(plot, end);
+    picture.layers.push_back(Band(limits));
     if (plot.hasNullLine)
         picture.layers.push_back(NullLine({0, 0}, {end, 0}));
-    picture.layers.push_back(Limits(plot, end));
+    picture.layers.push_back(std::move(limits));
     for (const LineThroughOrigin& line : plot.lines)
         picture.layers.push_back(
             LineBetween({0, 0}, {end, line.slope * end}, line.kind, line.color, line.legend));
