@@ -37,6 +37,9 @@ Picture WithNotes(Picture picture, const std::vector<std::string>& notes);
 std::vector<Point> Between(const std::vector<double>& x, const std::vector<double>& lower,
                            const std::vector<double>& upper);
 
+/// The width beside the frame that the legends of the layers need.
+double LegendWidth(const std::vector<Layer>& layers);
+
 /// A straight line.
 Layer LineBetween(Point first, Point last, Layer::Kind kind, const char* color, std::string legend);
 
