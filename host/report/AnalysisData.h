@@ -41,6 +41,9 @@ struct AnalysisData
     std::vector<std::string> VariableLabelsOf(const std::vector<int>& positions) const;
     std::string IntervalHeader(const std::string& symbol) const;
     std::string EffectText(double value) const { return FixedText(value, decimals); }
+    /// A pooled value as the sentences and tables have it: on the natural scale where the analysis has
+    /// another.
+    std::string PooledText(double value) const { return natural ? NumberText(value) : EffectText(value); }
 };
 
 } // namespace host
