@@ -1,10 +1,12 @@
 #include "host/report/AnalysisReport.h"
 
 #include "host/report/AnalysisData.h"
+#include "host/report/Cautions.h"
 #include "host/report/PresetSection.h"
 #include "host/report/RecordsSection.h"
 #include "host/report/Sections.h"
 #include "host/report/Warnings.h"
+#include "host/report/citation/Methods.h"
 #include "host/text/Wording.h"
 
 #include <fmt/format.h>
@@ -33,11 +35,14 @@ Report MakeAnalysisReport(const Options& options, const AnalysisRequest& request
                      {}};
     if (!records.used.empty())
         AppendSections(report, RESULT_SECTIONS, data);
+    Append(report.sections, CautionsSection(CautionsOf(data)));
     Append(report.sections, WarningsSection(WarningsOf(data)));
     if (!records.used.empty())
         AppendSections(report, FURTHER_SECTIONS, data);
     Append(report.sections, PresetSection(options));
     Append(report.sections, RecordsSection(options.dataPath, records, request.studyLabels));
+    if (options.report.hasCitation && !records.used.empty())
+        Append(report.sections, MethodsSections(data));
     return report;
 }
 

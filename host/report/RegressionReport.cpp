@@ -1,10 +1,12 @@
 #include "host/report/RegressionReport.h"
 
 #include "host/cli/RawOutcomes.h"
+#include "host/report/Cautions.h"
 #include "host/report/PresetSection.h"
 #include "host/report/RecordsSection.h"
 #include "host/report/RegressionSections.h"
 #include "host/report/Warnings.h"
+#include "host/report/citation/Methods.h"
 #include "host/text/Wording.h"
 
 #include <fmt/format.h>
@@ -33,10 +35,13 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
                                  WordingOfModel(options.settings), data.level),
                      {}};
     AppendSections(report, COEFFICIENT_SECTIONS, data);
+    Append(report.sections, CautionsSection(CautionsOf(data)));
     Append(report.sections, WarningsSection(WarningsOf(request, analysis)));
     AppendSections(report, FURTHER_REGRESSION_SECTIONS, data);
     Append(report.sections, PresetSection(options));
     Append(report.sections, RecordsSection(options.dataPath, analysis.records, request.studyLabels));
+    if (options.report.hasCitation)
+        Append(report.sections, MethodsSections(data));
     return report;
 }
 

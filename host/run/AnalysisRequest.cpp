@@ -130,7 +130,8 @@ AnalysisRequest MakeAnalysisRequest(const Options& options, const DataTable& tab
             .cumulative = std::move(cumulative),
             .label = options.label,
             .bubbleCovariates = std::move(bubbleCovariates),
-            .runsSmallStudyTest = options.runsSmallStudyTest};
+            .runsSmallStudyTest = options.runsSmallStudyTest,
+            .numbers = {options.report.digits}};
 }
 
 } // namespace host

@@ -3,6 +3,7 @@
 #include "host/cli/Options.h"
 #include "host/data/DataTable.h"
 #include "host/data/ValueLabels.h"
+#include "host/text/NumberFormat.h"
 
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
@@ -26,6 +27,7 @@ struct AnalysisRequest
     std::optional<std::string> label;  ///< of the measure, in place of its own name
     std::vector<int> bubbleCovariates; ///< variables
     bool runsSmallStudyTest = false;
+    NumberFormat numbers = {}; ///< of everything that shows the results
 };
 
 /// Picks the columns that the options name. Throws UnusableInput.
