@@ -10,6 +10,7 @@
 #include "host/plots/RegressionPlots.h"
 #include "host/report/AnalysisReport.h"
 #include "host/report/AnalysisResults.h"
+#include "host/report/Cautions.h"
 #include "host/report/JsonReport.h"
 #include "host/report/RegressionReport.h"
 #include "host/report/RegressionResults.h"
@@ -18,6 +19,7 @@
 #include "host/system/AtomicFile.h"
 #include "host/system/Progress.h"
 #include "host/text/PlainText.h"
+#include "host/table/RenderTable.h"
 
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -52,13 +54,18 @@ int AnalyseRegression(const Options& options, const DataTable& table)
     const auto makeReport = [&] { return MakeRegressionReport(options, request, analysis); };
     const auto makeJson = [&] {
         return RenderJson(options, {analysis.records, analysis.status, WarningsOf(request, analysis),
-                                    ResultsOf(request, analysis)});
+                                    ResultsOf(request, analysis),
+                                    CautionsOf(RegressionData(options, request, analysis))});
     };
     const auto makePictures = [&] {
         return MakeRegressionPictures(RegressionData(options, request, analysis));
     };
-    return WriteOutput(options, {analysis.status, makeReport, makeJson, KXStatus(), makePictures,
-                                 ParametersOfHypotheses(RegressionData(options, request, analysis))});
+    const auto makeTable = [&](TableKind kind) {
+        return RenderTable(StudyTableOf(RegressionData(options, request, analysis)), kind);
+    };
+    return WriteOutput(options,
+                       {analysis.status, makeReport, makeJson, KXStatus(), makePictures,
+                        ParametersOfHypotheses(RegressionData(options, request, analysis)), makeTable});
 }
 
 int AnalyseStudies(const Options& options, const DataTable& table)
@@ -68,11 +75,16 @@ int AnalyseStudies(const Options& options, const DataTable& table)
     const auto makeReport = [&] { return MakeAnalysisReport(options, request, analysis); };
     const auto makeJson = [&] {
         return RenderJson(options, {analysis.Records(table.RowCount()), analysis.FinalStatus(),
-                                    WarningsOf(AnalysisData(request, analysis)), ResultsOf(analysis)});
+                                    WarningsOf(AnalysisData(request, analysis)), ResultsOf(analysis),
+                                    CautionsOf(AnalysisData(request, analysis))});
     };
     const auto makePictures = [&] { return MakePictures(request, analysis); };
-    return WriteOutput(options,
-                       {analysis.status, makeReport, makeJson, analysis.FinalStatus(), makePictures});
+    const auto makeTable = [&](TableKind kind) {
+        return RenderTable(StudyTableOf(options, table, AnalysisData(request, analysis)), kind);
+    };
+    return WriteOutput(
+        options,
+        {analysis.status, makeReport, makeJson, analysis.FinalStatus(), makePictures, {}, makeTable});
 }
 
 int Analyse(const Options& options)

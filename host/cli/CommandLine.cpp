@@ -77,9 +77,15 @@ void StoreArguments(const OptionDefinition& definition, const CLI::results_t& ar
     }
 }
 
+/// Both names, as the parser takes and the help shows them.
+std::string NamesOf(const OptionDefinition& definition)
+{
+    return (definition.shortName.empty() ? "" : "-" + definition.shortName + ",") + "--" + definition.name;
+}
+
 void AddOption(CLI::App& app, const OptionDefinition& definition)
 {
-    const std::string name = "--" + definition.name;
+    const std::string name = NamesOf(definition);
     if (definition.argument.empty()) {
         app.add_flag_function(
                name, [definition](std::int64_t) { definition.store({}); }, definition.help)
@@ -119,7 +125,7 @@ void AddOptions(CommandParser& parser)
     for (const OptionDefinition& definition : DefineOptions(parser.options))
         AddOption(app, Noted(definition, parser.options.given));
     for (const OptionDefinition& definition : OutputOptions(parser.options))
-        AddOption(app, definition);
+        AddOption(app, Noted(definition, parser.options.given));
     app.footer(parser.options.command == Command::BATCH ? BATCH_EXIT_STATUSES : EXIT_STATUSES);
 }
 

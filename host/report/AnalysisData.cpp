@@ -45,7 +45,9 @@ AnalysisData::AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofA
       measure(MeasureOf(request)),
       natural(NaturalResultsOf(analysis, measure)),
       level(WordingOfLevel(settings)),
-      decimals(std::max(DecimalsFor(base.GetStdError()), DecimalsFor(base.GetEstStdError()))),
+      numbers(request.numbers),
+      decimals(std::max(numbers.EffectDecimals(base.GetStdError()),
+                        numbers.EffectDecimals(base.GetEstStdError()))),
       groupLabels(GroupLabels(request.subgroup, base.GetUniGroup()))
 {}
 

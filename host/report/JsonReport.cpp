@@ -67,6 +67,7 @@ std::string RenderJson(const Options& options, const JsonParts& parts)
                          {"status", StatusOf(parts.status)},
                          {"warnings", codes},
                          {"messages", sentences},
+                         {"cautions", parts.cautions},
                          {"results", parts.results}};
     std::string text;
     Append(text, report);

@@ -20,6 +20,7 @@ struct JsonParts
     KXStatus status;
     std::vector<ShownWarning> warnings;
     nlohmann::ordered_json results;
+    std::vector<std::string> cautions = {}; ///< sentences where a number misleads
 };
 
 /// The run as one JSON object, also after an error. Record numbers count from 0. Doubles have as many digits

@@ -133,7 +133,8 @@ AnalysisRequest MakeAnalysisRequest(const Options& options, const DataTable& tab
             .runsSmallStudyTest = options.runsSmallStudyTest,
             .hasDrapery = options.picture.hasDrapery,
             .hasPredictionBand = options.picture.hasPredictionBand,
-            .forest = MakeForestRequest(options, table)};
+            .forest = MakeForestRequest(options, table),
+            .numbers = {options.report.digits}};
 }
 
 } // namespace host

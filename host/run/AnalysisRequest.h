@@ -4,6 +4,7 @@
 #include "host/data/DataTable.h"
 #include "host/data/ValueLabels.h"
 #include "host/run/ForestRequest.h"
+#include "host/text/NumberFormat.h"
 
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
@@ -30,6 +31,7 @@ struct AnalysisRequest
     bool hasDrapery = false;
     bool hasPredictionBand = false;
     ForestRequest forest = {};
+    NumberFormat numbers = {}; ///< of everything that shows the results
 };
 
 /// Picks the columns that the options name. Throws UnusableInput.

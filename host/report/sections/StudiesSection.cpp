@@ -35,8 +35,10 @@ ReportSections StudiesSection(const AnalysisData& data)
     if (!data.groupLabels.empty())
         section.table.push_back({LabelText(data.request.subgroup.column), GroupsOf(records, data), true});
     AppendEffects(section.table, StudyRows(data), HeadersOf(data.measure), data);
-    section.table.push_back({"Weight %", TextsOf(InPercent(data.base.GetNormalizedWeight()),
-                                                 [](double weight) { return FixedText(weight, 2); })});
+    section.table.push_back(
+        {"Weight %", TextsOf(InPercent(data.base.GetNormalizedWeight()), [&](double weight) {
+             return FixedText(weight, data.numbers.PercentDecimals(2));
+         })});
     if (const std::string correction = WordingOfStudyCorrection(data); !correction.empty())
         section.sentences.push_back(correction);
     return {section};
