@@ -47,8 +47,8 @@ int AnalyseRegression(const Options& options, const DataTable& table)
     const RegressionAnalysis analysis = RunRegression(request, options.settings.GetModelType());
     const auto makeReport = [&] { return MakeRegressionReport(options, request, analysis); };
     const auto makeJson = [&] {
-        return RenderJson(options, {analysis.records, analysis.status, WarningsOf(request, analysis),
-                                    ResultsOf(request, analysis)});
+        return RenderJson(options, {request.studyLabels, request.lines, analysis.records, analysis.status,
+                                    WarningsOf(request, analysis), ResultsOf(request, analysis)});
     };
     const auto makePictures = [&] {
         return MakeRegressionPictures(RegressionData(options, request, analysis));
@@ -63,8 +63,9 @@ int AnalyseStudies(const Options& options, const DataTable& table)
     const Analysis analysis = RunAnalysis(request);
     const auto makeReport = [&] { return MakeAnalysisReport(options, request, analysis); };
     const auto makeJson = [&] {
-        return RenderJson(options, {analysis.Records(table.RowCount()), analysis.FinalStatus(),
-                                    WarningsOf(AnalysisData(request, analysis)), ResultsOf(analysis)});
+        return RenderJson(options, {request.studyLabels, request.lines, analysis.Records(table.RowCount()),
+                                    analysis.FinalStatus(), WarningsOf(AnalysisData(request, analysis)),
+                                    ResultsOf(analysis)});
     };
     const auto makePictures = [&] { return MakePictures(request, analysis); };
     return WriteOutput(options,

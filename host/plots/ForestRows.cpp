@@ -7,6 +7,7 @@
 
 #include <cstddef>
 #include <map>
+#include <set>
 #include <utility>
 
 using namespace MA_NAMESPACE;
@@ -109,10 +110,28 @@ Rows GroupedRows(const AnalysisData& data, const std::vector<Rows>& blocks)
     return rows;
 }
 
-/// The last model of a run with groups is that of all studies.
+/// The last model is that of all studies.
 ForestRow OverallRow(const AnalysisData& data)
 {
-    return PooledRow(data, data.groupLabels.size(), OVERALL);
+    return PooledRow(data, PooledRows(data).effects.values.size() - 1, OVERALL);
+}
+
+/// The studies that are in no group, as a block of their own without a pooled row.
+Rows UngroupedRows(const AnalysisData& data, const Rows& studies)
+{
+    std::set<int> grouped;
+    for (const std::vector<int>& members : data.base.GetSubGroupStudyID())
+        grouped.insert(members.begin(), members.end());
+    const std::vector<int> records = data.base.GetNonMissingStudyID();
+    Rows rows;
+    for (std::size_t study = 0; study < records.size(); ++study)
+        if (!grouped.contains(records[study]))
+            rows.push_back(studies[study]);
+    if (!rows.empty()) {
+        rows.insert(rows.begin(), {Kind::HEADING, "In no group"});
+        rows.push_back({Kind::GAP});
+    }
+    return rows;
 }
 
 std::vector<std::string> CumulativeValues(const AnalysisData& data, std::size_t block)
@@ -144,8 +163,11 @@ bool IsDrawable(const ForestInterval& place)
 std::vector<ForestRow> ForestRows(const AnalysisData& data)
 {
     Rows rows = RowsOfStudies(data);
-    if (!data.groupLabels.empty())
+    if (!data.groupLabels.empty()) {
+        const Rows ungrouped = UngroupedRows(data, rows);
         rows = GroupedRows(data, InBlocks(data, rows));
+        Append(rows, ungrouped);
+    }
     rows.push_back(OverallRow(data));
     Append(rows, PredictionRow(data, rows.back()));
     return rows;
@@ -159,6 +181,8 @@ double OverallPlace(const AnalysisData& data)
 std::vector<ForestRow> CumulativeForestRows(const AnalysisData& data)
 {
     if (data.base.GetCumEstES().empty())
+        return {};
+    if (data.base.GetSubGroupStudyID().empty()) // no study has a value of the order
         return {};
     if (data.groupLabels.empty())
         return CumulativeSteps(data, 0);

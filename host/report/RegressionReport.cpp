@@ -1,10 +1,10 @@
 #include "host/report/RegressionReport.h"
 
 #include "host/cli/RawOutcomes.h"
+#include "host/report/ConcerningWarnings.h"
 #include "host/report/PresetSection.h"
 #include "host/report/RecordsSection.h"
 #include "host/report/RegressionSections.h"
-#include "host/report/Warnings.h"
 #include "host/text/Wording.h"
 
 #include <fmt/format.h>
@@ -19,11 +19,12 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
                                  HasRawData(options) ? " of the " + data.measure.AnalysisName() : "",
                                  WordingOfModel(options.settings), data.level),
                      {}};
-    Append(report.sections, RecordsSection(options.dataPath, analysis.records, request.studyLabels));
+    Append(report.sections,
+           RecordsSection(options.dataPath, analysis.records, request.studyLabels, request.lines));
     Append(report.sections, PresetSection(options));
     for (RegressionSectionMaker* const make : REGRESSION_SECTIONS)
         Append(report.sections, make(data));
-    Append(report.sections, WarningsSection(WarningsOf(request, analysis)));
+    Append(report.sections, WarningsSection(Concerning(WarningsOf(request, analysis), 0)));
     return report;
 }
 

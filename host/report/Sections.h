@@ -12,13 +12,14 @@ using SectionMaker = ReportSections(const AnalysisData& data);
 SectionMaker StudiesSection, ConvertedStudiesSection, PooledEffectSection, PredictionIntervalSection,
     HeterogeneitySection, BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections,
     ContrastsSection, LeaveOneOutSection, InfluenceSection, TrimAndFillSections, RankTestSection,
-    SmallStudyTestSection, FunnelPlotSection, BubblePlotsSection;
+    SmallStudyTestSection, FunnelPlotSection, BubblePlotsSection, PartlyUsedStudiesSection;
 
 /// The sections in the order of the report.
 inline constexpr SectionMaker* ANALYSIS_SECTIONS[] = {
-    StudiesSection,       ConvertedStudiesSection,     PooledEffectSection,  PredictionIntervalSection,
-    HeterogeneitySection, BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections,
-    ContrastsSection,     LeaveOneOutSection,          InfluenceSection,     TrimAndFillSections,
-    RankTestSection,      SmallStudyTestSection,       FunnelPlotSection,    BubblePlotsSection};
+    StudiesSection,          ConvertedStudiesSection,     PooledEffectSection,  PredictionIntervalSection,
+    HeterogeneitySection,    BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections,
+    ContrastsSection,        LeaveOneOutSection,          InfluenceSection,     TrimAndFillSections,
+    RankTestSection,         SmallStudyTestSection,       FunnelPlotSection,    BubblePlotsSection,
+    PartlyUsedStudiesSection};
 
 } // namespace host
