@@ -31,4 +31,6 @@ if(META_ANALYSIS_PROGRAM)
   endif()
   install(TARGETS meta-analysis RUNTIME COMPONENT meta_analysis_program)
   install(FILES docs/meta-analysis.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT meta_analysis_program)
+  install(FILES docs/json-schema/meta-analysis-2.json DESTINATION ${CMAKE_INSTALL_DATADIR}/meta-analysis/json-schema
+          COMPONENT meta_analysis_program)
 endif()

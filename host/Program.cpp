@@ -18,8 +18,8 @@
 #include "host/run/AnalysisRequest.h"
 #include "host/system/AtomicFile.h"
 #include "host/system/Progress.h"
-#include "host/text/PlainText.h"
 #include "host/table/RenderTable.h"
+#include "host/text/PlainText.h"
 
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -53,8 +53,8 @@ int AnalyseRegression(const Options& options, const DataTable& table)
         "Fitting the model", [&] { return RunRegression(request, options.settings.GetModelType()); });
     const auto makeReport = [&] { return MakeRegressionReport(options, request, analysis); };
     const auto makeJson = [&] {
-        return RenderJson(options, {analysis.records, analysis.status, WarningsOf(request, analysis),
-                                    ResultsOf(request, analysis),
+        return RenderJson(options, {request.studyLabels, request.lines, analysis.records, analysis.status,
+                                    WarningsOf(request, analysis), ResultsOf(request, analysis),
                                     CautionsOf(RegressionData(options, request, analysis))});
     };
     const auto makePictures = [&] {
@@ -74,9 +74,9 @@ int AnalyseStudies(const Options& options, const DataTable& table)
     const Analysis analysis = WithProgress("Analysing the studies", [&] { return RunAnalysis(request); });
     const auto makeReport = [&] { return MakeAnalysisReport(options, request, analysis); };
     const auto makeJson = [&] {
-        return RenderJson(options, {analysis.Records(table.RowCount()), analysis.FinalStatus(),
-                                    WarningsOf(AnalysisData(request, analysis)), ResultsOf(analysis),
-                                    CautionsOf(AnalysisData(request, analysis))});
+        return RenderJson(options, {request.studyLabels, request.lines, analysis.Records(table.RowCount()),
+                                    analysis.FinalStatus(), WarningsOf(AnalysisData(request, analysis)),
+                                    ResultsOf(analysis), CautionsOf(AnalysisData(request, analysis))});
     };
     const auto makePictures = [&] { return MakePictures(request, analysis); };
     const auto makeTable = [&](TableKind kind) {

@@ -26,6 +26,9 @@ public:
     /// Position of the column named `column`; throws when there is none, or more than one.
     std::size_t PositionOf(std::string_view column) const;
 
+    /// Line of the file on which a record starts, from 1; `row` counts the records, from 0.
+    std::size_t LineOf(std::size_t row) const { return content_.rowLines[row + 1]; }
+
     /// A field's text; `row` counts the records, from 0.
     std::string_view Text(std::size_t row, std::size_t column) const
     {

@@ -39,7 +39,8 @@ struct AnalysisData
     int decimals;                         ///< of effects and standard errors
     std::vector<std::string> groupLabels; ///< empty unless there are two groups or more
 
-    /// Labels of the rows of each group and of all studies, or of all studies alone.
+    /// Labels of the rows of each group and of all studies, or of all studies alone. Without groups, a first
+    /// of two rows is that of the studies in a cumulative analysis which lacks some.
     std::vector<std::string> RowLabels(std::size_t rowCount) const;
     std::vector<std::string> StudyLabelsOf(const std::vector<int>& records) const;
     std::vector<std::string> VariableLabelsOf(const std::vector<int>& positions) const;

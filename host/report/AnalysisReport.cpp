@@ -2,10 +2,10 @@
 
 #include "host/report/AnalysisData.h"
 #include "host/report/Cautions.h"
+#include "host/report/ConcerningWarnings.h"
 #include "host/report/PresetSection.h"
 #include "host/report/RecordsSection.h"
 #include "host/report/Sections.h"
-#include "host/report/Warnings.h"
 #include "host/report/citation/Methods.h"
 #include "host/text/Wording.h"
 
@@ -16,6 +16,11 @@
 namespace host {
 
 namespace {
+
+int CorrectedTables(const Analysis& analysis)
+{
+    return analysis.Binary() == nullptr ? 0 : analysis.Binary()->GetNZeroCorrected();
+}
 
 template <std::size_t N>
 void AppendSections(Report& report, SectionMaker* const (&makers)[N], const AnalysisData& data)
@@ -36,11 +41,11 @@ Report MakeAnalysisReport(const Options& options, const AnalysisRequest& request
     if (!records.used.empty())
         AppendSections(report, RESULT_SECTIONS, data);
     Append(report.sections, CautionsSection(CautionsOf(data)));
-    Append(report.sections, WarningsSection(WarningsOf(data)));
+    Append(report.sections, WarningsSection(Concerning(WarningsOf(data), CorrectedTables(analysis))));
     if (!records.used.empty())
         AppendSections(report, FURTHER_SECTIONS, data);
     Append(report.sections, PresetSection(options));
-    Append(report.sections, RecordsSection(options.dataPath, records, request.studyLabels));
+    Append(report.sections, RecordsSection(options.dataPath, records, request.studyLabels, request.lines));
     if (options.report.hasCitation && !records.used.empty())
         Append(report.sections, MethodsSections(data));
     return report;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/cli/Options.h"
+#include "host/data/RecordLines.h"
 #include "host/report/Warnings.h"
 #include "host/run/RecordSummary.h"
 
@@ -16,6 +17,8 @@ namespace host {
 /// The parts of the JSON that every command has.
 struct JsonParts
 {
+    const std::vector<std::string>& studyLabels; ///< one a record
+    const RecordLines& lines;
     RecordSummary records;
     KXStatus status;
     std::vector<ShownWarning> warnings;

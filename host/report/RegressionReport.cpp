@@ -2,10 +2,10 @@
 
 #include "host/cli/RawOutcomes.h"
 #include "host/report/Cautions.h"
+#include "host/report/ConcerningWarnings.h"
 #include "host/report/PresetSection.h"
 #include "host/report/RecordsSection.h"
 #include "host/report/RegressionSections.h"
-#include "host/report/Warnings.h"
 #include "host/report/citation/Methods.h"
 #include "host/text/Wording.h"
 
@@ -36,10 +36,11 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
                      {}};
     AppendSections(report, COEFFICIENT_SECTIONS, data);
     Append(report.sections, CautionsSection(CautionsOf(data)));
-    Append(report.sections, WarningsSection(WarningsOf(request, analysis)));
+    Append(report.sections, WarningsSection(Concerning(WarningsOf(request, analysis), 0)));
     AppendSections(report, FURTHER_REGRESSION_SECTIONS, data);
     Append(report.sections, PresetSection(options));
-    Append(report.sections, RecordsSection(options.dataPath, analysis.records, request.studyLabels));
+    Append(report.sections,
+           RecordsSection(options.dataPath, analysis.records, request.studyLabels, request.lines));
     if (options.report.hasCitation)
         Append(report.sections, MethodsSections(data));
     return report;

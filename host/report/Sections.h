@@ -12,7 +12,7 @@ using SectionMaker = ReportSections(const AnalysisData& data);
 SectionMaker ResultSection, PooledEffectSection, PredictionIntervalSection, HeterogeneitySection,
     BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections, ContrastsSection,
     LeaveOneOutSection, InfluenceSection, TrimAndFillSections, RankTestSection, SmallStudyTestSection,
-    FunnelPlotSection, BubblePlotsSection, StudiesSection, ConvertedStudiesSection;
+    FunnelPlotSection, BubblePlotsSection, StudiesSection, ConvertedStudiesSection, PartlyUsedStudiesSection;
 
 // The sections in the order of the report: what the analysis answers, warnings of it, what it rests on.
 
@@ -20,9 +20,9 @@ inline constexpr SectionMaker* RESULT_SECTIONS[] = {ResultSection, PooledEffectS
                                                     PredictionIntervalSection};
 
 inline constexpr SectionMaker* FURTHER_SECTIONS[] = {
-    HeterogeneitySection, BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections,
-    ContrastsSection,     LeaveOneOutSection,          InfluenceSection,     TrimAndFillSections,
-    RankTestSection,      SmallStudyTestSection,       FunnelPlotSection,    BubblePlotsSection,
-    StudiesSection,       ConvertedStudiesSection};
+    HeterogeneitySection, BetweenStudyVarianceSection, BetweenGroupsSection,    CumulativeSections,
+    ContrastsSection,     LeaveOneOutSection,          InfluenceSection,        TrimAndFillSections,
+    RankTestSection,      SmallStudyTestSection,       FunnelPlotSection,       BubblePlotsSection,
+    StudiesSection,       ConvertedStudiesSection,     PartlyUsedStudiesSection};
 
 } // namespace host

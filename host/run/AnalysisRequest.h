@@ -2,6 +2,7 @@
 
 #include "host/cli/Options.h"
 #include "host/data/DataTable.h"
+#include "host/data/RecordLines.h"
 #include "host/data/ValueLabels.h"
 #include "host/run/ForestRequest.h"
 #include "host/text/NumberFormat.h"
@@ -23,7 +24,8 @@ struct AnalysisRequest
     KXVarList variables;
     VectorRecordIter records;
     std::vector<std::string> studyLabels; ///< one a record
-    ValueLabels subgroup;                 ///< of the columns that part and order the studies, if given
+    RecordLines lines;
+    ValueLabels subgroup; ///< of the columns that part and order the studies, if given
     ValueLabels cumulative;
     std::optional<std::string> label;  ///< of the measure, in place of its own name
     std::vector<int> bubbleCovariates; ///< variables

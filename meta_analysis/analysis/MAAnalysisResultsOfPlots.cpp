@@ -61,6 +61,11 @@ std::vector<int> MAAnalysisResults::GetBubbleFlags() const
     return FieldOf(Results().bubbles, &MABubbleRows::fitted);
 }
 
+std::vector<std::vector<int>> MAAnalysisResults::GetBubbleMissing() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::leftOut);
+}
+
 std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCoefs() const
 {
     return FieldOf(Results().bubbles, &MABubbleRows::coefficients);

@@ -70,8 +70,16 @@ TEST(AnalysisReport, OrdersGroupsByTextAndExplainsUnusualData)
          "0\\.5 added to all counts of 2 studies\\..*7 read, 3 used, 1 missing, 3 invalid, 0 dropped"},
         {Effects(even) + "--model fixed", "Heterogeneity\n[^\n]*\n[^\n]* 0.00 \\[0.00, 0.00\\] [^\n]*\n"
                                           "An I² of 0 with the interval \\[0, 0\\] is no certainty"},
+        {Effects(gaps) + "--subgroup g --keep-missing-groups",
+         "\n2 +\\(missing\\) +2.0000.*\n\\(missing\\) +3.0000 .*\na +3.0000 .*\nb +1.0000 .*\nOverall "},
         {Effects(gaps) + "--subgroup g",
-         "\n\\(missing\\) +3.0000 .*\na +3.0000 .*\nb +1.0000 .*\nOverall .*\n2 +\\(missing\\) +2.0000"},
+         "\n2 +- +2.0000.*\na +3.0000 .*\nb +1.0000 .*\nOverall +2.5000.*"
+         "Subgroups: studies without a value of g\nStudy +Line\n2 +3\n4 +5\nLeft out are 2 of the 4 studies.*"
+         "460148: [^\n]*Studies: 2, 4\\."},
+        {Effects(gaps) + "--cumulative g", "With g +2.0000.*\nOverall +2.5000 .*460149: "},
+        {Effects(unusable),
+         "Excluded records\nStudy +Line +Reason\n1 +2 +missing value\n2 +3 +variance, [^\n]*\n2 read, 2 "
+         "excluded \\(1 missing value, 1 variance, "},
     });
 }
 

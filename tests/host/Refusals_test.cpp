@@ -72,6 +72,7 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
         {effects + "--probability-above 0 --probability-below 1", "cannot be asked for together"},
         {effects + "--tau2 dl --tau2-interval profile-likelihood", "is for --tau2 reml and --tau2 ml"},
         {binary + "--common-tau2", "--common-tau2 needs --subgroup"},
+        {binary + "--keep-missing-groups", "--keep-missing-groups needs --subgroup"},
         {binary + "--common-tau2 --subgroup year --model fixed",
          "--common-tau2 is for the random-effects model"},
         {binary + "--common-tau2 --subgroup year --cumulative year", "cannot be asked for together"},

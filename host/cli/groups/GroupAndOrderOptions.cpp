@@ -29,6 +29,12 @@ void CheckContrasts(const Options& options)
             "--contrast needs --model fixed: contrasts are of studies that share one effect.");
 }
 
+void CheckMissingGroups(const Options& options)
+{
+    if (options.keepsMissingGroups && !options.subgroup)
+        throw UnusableInput("--keep-missing-groups needs --subgroup, whose missing values it is about.");
+}
+
 /// The groups of a cumulative analysis are models of their own at each step.
 void CheckCommonTau2(const Options& options)
 {
@@ -53,6 +59,8 @@ OptionGroup GroupAndOrderOptions(Options& options)
         .options =
             {
                 Column("subgroup", options.subgroup, "a model for each group of studies with equal values"),
+                Flag("keep-missing-groups", options.keepsMissingGroups,
+                     "studies without a value of --subgroup as a group of their own, in place of in none"),
                 Flag("common-tau2", options.settings, &Settings::GetCommonTau2, &Settings::SetCommonTau2,
                      "one between-study variance for all groups"),
                 Column("cumulative", options.cumulative,
@@ -63,6 +71,7 @@ OptionGroup GroupAndOrderOptions(Options& options)
             },
         .complete = [&options] {
             CheckContrasts(options);
+            CheckMissingGroups(options);
             CheckCommonTau2(options);
         }};
 }

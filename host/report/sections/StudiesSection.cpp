@@ -11,7 +11,7 @@ namespace host {
 
 namespace {
 
-/// The group of each record.
+/// The group of each record; none of a study that is in no group.
 std::vector<std::string> GroupsOf(const std::vector<int>& records, const AnalysisData& data)
 {
     const std::vector<std::vector<int>> members = data.base.GetSubGroupStudyID();
@@ -22,7 +22,7 @@ std::vector<std::string> GroupsOf(const std::vector<int>& records, const Analysi
     std::vector<std::string> labels;
     labels.reserve(records.size());
     for (const int record : records)
-        labels.push_back(data.groupLabels[groups.at(record)]);
+        labels.push_back(groups.contains(record) ? data.groupLabels[groups[record]] : NO_VALUE);
     return labels;
 }
 

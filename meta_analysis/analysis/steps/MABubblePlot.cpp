@@ -75,10 +75,9 @@ struct MABubblePlot::Study
     double variance;
     double x;
 
-    bool IsUsable() const
-    {
-        return IsPoolable(effectSize, variance) && std::isfinite(x) && !KXMV::IsMissing(x);
-    }
+    bool HasEffect() const { return IsPoolable(effectSize, variance); }
+    bool HasCovariate() const { return std::isfinite(x) && !KXMV::IsMissing(x); }
+    bool IsUsable() const { return HasEffect() && HasCovariate(); }
 };
 
 MABubblePlot::MABubblePlot(const MARegSettings& settings, const KXVarList& variables)
@@ -108,9 +107,12 @@ KXStatus MABubblePlot::ComputeRows(MultiPassRecordIter& records, int covariate)
         return started;
     std::vector<Study> studies;
     int recordCount = 0;
-    const KXStatus read = ReadPass(records, recordCount, [&](const Record& record, int) {
-        studies.push_back({ReadStudyValue(record, effectSizeIndex_), ReadStudyValue(record, varianceIndex_),
-                           ReadStudyValue(record, covariate)});
+    const KXStatus read = ReadPass(records, recordCount, [&](const Record& record, int recordNumber) {
+        const Study study = {ReadStudyValue(record, effectSizeIndex_), ReadStudyValue(record, varianceIndex_),
+                             ReadStudyValue(record, covariate)};
+        if (study.HasEffect() && !study.HasCovariate())
+            rows_.leftOut.push_back(recordNumber);
+        studies.push_back(study);
     });
     if (read.IsError())
         return read;

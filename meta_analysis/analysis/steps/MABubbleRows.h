@@ -10,9 +10,11 @@ namespace MA_NAMESPACE {
 /// of the meta-regression on that covariate alone with its confidence band.
 ///
 /// Per-study vectors have one entry per record, missing for a record that is not usable: its effect size, a
-/// positive variance and the covariate must be there. All are empty unless the regression could be fitted.
+/// positive variance and the covariate must be there. All but `leftOut` are empty unless the regression could
+/// be fitted.
 struct MABubbleRows
 {
+    std::vector<int> leftOut;         ///< records with an effect size and without the covariate
     int fitted = 0;                   ///< 1 when the regression could be fitted, else 0
     std::vector<double> coefficients; ///< intercept and slope, or the slope alone
     std::vector<double> x;            ///< covariate, less its mean when centred
