@@ -20,6 +20,7 @@ Report MakeAnalysisReport(const Options& options, const AnalysisRequest& request
                      {}};
     Append(report.sections, RecordsSection(options.dataPath, records, request.studyLabels));
     Append(report.sections, PresetSection(options));
+    Append(report.sections, OptionNotesSection(options));
     if (!records.used.empty())
         for (SectionMaker* const make : ANALYSIS_SECTIONS)
             Append(report.sections, make(data));

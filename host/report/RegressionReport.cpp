@@ -21,6 +21,7 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
                      {}};
     Append(report.sections, RecordsSection(options.dataPath, analysis.records, request.studyLabels));
     Append(report.sections, PresetSection(options));
+    Append(report.sections, OptionNotesSection(options));
     for (RegressionSectionMaker* const make : REGRESSION_SECTIONS)
         Append(report.sections, make(data));
     Append(report.sections, WarningsSection(WarningsOf(request, analysis)));
