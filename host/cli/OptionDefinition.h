@@ -23,7 +23,8 @@ struct OptionDefinition
     std::string shortName = {}; ///< a letter, without the dash; empty for most
     std::string argument = {};  ///< what its argument is, in upper case; empty for a flag
     std::string help;
-    std::string heading = {}; ///< of its group in the help
+    std::string heading = {};              ///< of its group in the help
+    std::vector<std::string> choices = {}; ///< the words that it takes, for completion; empty for any text
     Need need = Need::NONE;
     bool isRepeatable = false;
 

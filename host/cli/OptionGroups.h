@@ -14,8 +14,9 @@ struct OptionGroup
     const char* heading = "";
     OptionDefinitions options = {};
 
-    /// Completes the stored values, and refuses those that have no effect or no meaning together with other
-    /// options. Throws UnusableInput. Called when all options are stored and the preset is applied.
+    /// Completes the stored values, and refuses those that have no meaning together with other options.
+    /// Throws UnusableInput. Called when all options are stored and the preset is applied. Options without
+    /// effect are refused by the table in host/cli/OptionRules.cpp.
     std::function<void()> complete = {};
 };
 

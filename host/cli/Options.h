@@ -132,6 +132,7 @@ struct Options
     std::optional<Command> outcome;
     std::vector<std::string> arguments; ///< as given
     std::set<std::string> given;        ///< names of the options that the command line has
+    std::vector<std::string> notes;     ///< sentences on how options are read, for the report
     std::optional<std::string> preset;
     std::string dataPath;
     std::optional<std::string> jsonPath; ///< "-" for standard output

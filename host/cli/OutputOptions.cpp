@@ -31,6 +31,7 @@ OptionDefinition PlotFormatOption(Options& options)
         .help =
             fmt::format("kind of the files of --plots: {} (default svg)", NamesOf(PICTURE_FORMAT_CHOICES)),
         .heading = "Output",
+        .choices = ListOfNames(PICTURE_FORMAT_CHOICES),
         .store = [&options](
                      const std::string& text) { options.plotFormat = ValueOf(PICTURE_FORMAT_CHOICES, text); },
         .value = {}};

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -51,7 +52,7 @@ private:
     DataTable(CsvContent content, std::string name);
 
     std::string_view NameOf(std::size_t column) const { return content_.Field(0, column); }
-    std::string ColumnNames() const;
+    std::vector<std::string> ColumnNames() const;
 
     CsvContent content_;
     std::string name_;

@@ -39,6 +39,7 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
     Append(report.sections, WarningsSection(Concerning(WarningsOf(request, analysis), 0)));
     AppendSections(report, FURTHER_REGRESSION_SECTIONS, data);
     Append(report.sections, PresetSection(options));
+    Append(report.sections, OptionNotesSection(options));
     Append(report.sections,
            RecordsSection(options.dataPath, analysis.records, request.studyLabels, request.lines));
     if (options.report.hasCitation)

@@ -104,7 +104,8 @@ TEST(AnalysisReport, ShowsContrastsPlotsIntervalsAndPredictions)
         {Bcg() + "--effect risk-ratio --prediction normal --probability-above 1.5",
          "95% prediction interval, normal distribution\n[^\n]*P\\(RR > 1.5\\)\nOverall "},
         {contrasts + "--model fixed", "Contrasts\n +exp\\(contrast\\) [^\n]*\nallocation [^\n]*\nyear "},
-        {Bcg() + "--funnel-y inverse-variance --contours lower", "\nIts picture has no contours: "},
+        {Bcg() + "--funnel-y inverse-variance --contours lower --json /dev/null",
+         "\nIts picture has no contours: "},
         {Bcg() + "--effect risk-ratio --bubble year --bubble latitude",
          "Bubble plots\n.*\nyear +13 .*\nlatitude +13 +0.2515 +-0.0291\n"},
     });

@@ -10,3 +10,5 @@ ldd "$prefix/bin/meta-analysis" | tee /dev/stderr | grep -F "libmeta_analysis.so
 "$prefix/bin/meta-analysis" --version | tee /dev/stderr | grep -F "$version"
 [[ -s $prefix/share/man/man1/meta-analysis.1 ]]
 [[ -s $prefix/share/meta-analysis/json-schema/meta-analysis-2.json ]]
+grep -q 'complete -F' "$prefix/share/bash-completion/completions/meta-analysis"
+[[ $(head -n 1 "$prefix"/share/zsh/*/_meta-analysis) == '#compdef meta-analysis' ]]

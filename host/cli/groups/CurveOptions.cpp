@@ -16,38 +16,13 @@ OptionDefinitions CurvesOf(Options& options)
     return definitions;
 }
 
-bool HasBubbles(const Options& options)
-{
-    return !options.bubbles.empty() || !options.regression.covariates.empty();
-}
-
-/// Both are seen in pictures alone.
-void CheckCurves(const Options& options)
-{
-    const bool hasPictures = options.htmlPath || options.plotsFolder;
-    if (options.picture.hasDrapery && !hasPictures)
-        throw UnusableInput("--drapery needs --plots or --html, which draw it.");
-    if (!options.picture.hasPredictionBand)
-        return;
-    if (!hasPictures)
-        throw UnusableInput("--prediction-band needs --plots or --html, which draw it.");
-    if (!HasBubbles(options))
-        throw UnusableInput(options.command == Command::REGRESSION
-                                ? "--prediction-band needs --covariate, over which its plots are."
-                                : "--prediction-band needs --bubble, in whose plots it is.");
-    if (options.settings.GetModelType() == MAConst::MODEL_FIXED)
-        throw UnusableInput(
-            "--prediction-band needs the random-effects model: a fixed effect does not vary.");
-}
-
 } // namespace
 
 OptionGroup CurveOptions(Options& options)
 {
     if (options.command == Command::BATCH)
         return {};
-    return {
-        .heading = "Curves", .options = CurvesOf(options), .complete = [&options] { CheckCurves(options); }};
+    return {.heading = "Curves", .options = CurvesOf(options)};
 }
 
 } // namespace host

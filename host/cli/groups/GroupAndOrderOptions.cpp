@@ -1,7 +1,6 @@
 #include "host/cli/Choices.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
-#include "host/text/Wording.h"
 
 using namespace MA_NAMESPACE;
 
@@ -22,29 +21,10 @@ OptionDefinition Descending(Settings& settings)
                 }};
 }
 
-void CheckContrasts(const Options& options)
-{
-    if (IsRandom(options.settings) && !options.contrasts.empty())
-        throw UnusableInput(
-            "--contrast needs --model fixed: contrasts are of studies that share one effect.");
-}
-
-void CheckMissingGroups(const Options& options)
-{
-    if (options.keepsMissingGroups && !options.subgroup)
-        throw UnusableInput("--keep-missing-groups needs --subgroup, whose missing values it is about.");
-}
-
 /// The groups of a cumulative analysis are models of their own at each step.
 void CheckCommonTau2(const Options& options)
 {
-    if (!options.settings.GetCommonTau2())
-        return;
-    if (!options.subgroup)
-        throw UnusableInput("--common-tau2 needs --subgroup: it is the tau² of all groups.");
-    if (!IsRandom(options.settings))
-        throw UnusableInput("--common-tau2 is for the random-effects model.");
-    if (options.cumulative)
+    if (options.settings.GetCommonTau2() && options.cumulative)
         throw UnusableInput("--common-tau2 and --cumulative cannot be asked for together.");
 }
 
@@ -69,11 +49,7 @@ OptionGroup GroupAndOrderOptions(Options& options)
                 TextList("contrast", "COLUMN", options.contrasts,
                          "contrast coefficients of the studies, repeatable; for the fixed model"),
             },
-        .complete = [&options] {
-            CheckContrasts(options);
-            CheckMissingGroups(options);
-            CheckCommonTau2(options);
-        }};
+        .complete = [&options] { CheckCommonTau2(options); }};
 }
 
 } // namespace host
