@@ -16,6 +16,7 @@ OptionDefinition Choice(const char* name, const std::array<MA_NAMESPACE::MAChoic
     return {.name = name,
             .argument = "NAME",
             .help = fmt::format("{}: {} (default {})", help, NamesOf(choices), NameOf(choices, target)),
+            .choices = ListOfNames(choices),
             .store = [&target, &choices](const std::string& text) { target = ValueOf(choices, text); },
             .value = [&target, &choices] { return Json(NameOf(choices, target)); }};
 }
