@@ -10,6 +10,7 @@
 #include <sstream>
 
 using nlohmann::json;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::StartsWith;
 
