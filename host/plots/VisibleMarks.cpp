@@ -127,7 +127,8 @@ struct Density
     const char* legend; ///< null for that of the marks
 };
 
-constexpr std::array DENSITIES = {Density{1, 0.5, nullptr}, Density{10, 0.2, "10 or more at a place"},
+constexpr std::array DENSITIES = {Density{1, 0.6, nullptr}, Density{3, 0.4, "3 or more at a place"},
+                                  Density{10, 0.2, "10 or more at a place"},
                                   Density{100, 0, "100 or more at a place"}};
 
 /// The marks of the heaps with `least` to less than `end` marks.

@@ -11,7 +11,8 @@ namespace MA_NAMESPACE {
 
 namespace {
 
-constexpr std::size_t fewestStudies = 3;
+/// A plain fit of fewer is as fast, and keeps all its bits.
+constexpr std::size_t fewestStudies = 256;
 
 /// The mean and its test alone.
 MAWantedResults MeanAlone()

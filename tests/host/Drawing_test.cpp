@@ -10,6 +10,7 @@
 #include <sstream>
 
 using nlohmann::json;
+using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::StartsWith;
 
@@ -159,7 +160,7 @@ int StatusAfter(int signal, const std::string& command, const TemporaryFolder& f
     const pid_t program = fork();
     if (program == 0)
         execl("/bin/sh", "sh", "-c", command.c_str(), nullptr);
-    while (folder.Read("started").find('\n') == std::string::npos)
+    for (int i = 0; i < 3000 && folder.Read("started").find('\n') == std::string::npos; ++i)
         usleep(20000);
     kill(program, signal);
     int status = 0;
