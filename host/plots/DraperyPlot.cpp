@@ -63,7 +63,7 @@ Drapery::Drapery(const AnalysisData& data, const PlotOfGroup& plot)
     : data_(data),
       base_(data.base),
       plot_(plot),
-      model_(plot.number == 0 ? data.groupLabels.size() : plot.number - 1),
+      model_(plot.number == 0 ? PooledRows(data).effects.values.size() - 1 : plot.number - 1),
       alpha_(AlphaOf(data.settings)),
       pooled_({plot.estimate, PooledRows(data).stdErrors[model_], PooledDf()}),
       prediction_(Prediction())

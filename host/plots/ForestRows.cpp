@@ -222,6 +222,13 @@ Rows PredictionRow(const AnalysisData& data)
     return {row};
 }
 
+/// The last model is that of all studies. A single group has one too, where a cumulative analysis lacks
+/// studies.
+std::size_t OverallModel(const AnalysisData& data)
+{
+    return PooledRows(data).effects.values.size() - 1;
+}
+
 /// A heading, the rows, and what `makeEnd` makes of the group.
 template <class MakeEnd>
 Rows GroupedRows(const AnalysisData& data, const std::vector<Rows>& blocks, const MakeEnd& makeEnd)
@@ -275,7 +282,7 @@ ForestRow EffectRow(const AnalysisData& data, std::string label, const EffectRow
 
 ForestRow OverallRow(const AnalysisData& data)
 {
-    return PooledRow(data, PooledRows(data), data.groupLabels.size(),
+    return PooledRow(data, PooledRows(data), OverallModel(data),
                      WithNames(StyleOf(data).overall, NamesOfEffect(data)));
 }
 
@@ -283,7 +290,7 @@ std::vector<ForestRow> ForestRows(const AnalysisData& data)
 {
     const Models models(data);
     Rows studies = RowsOfStudies(data);
-    const Rows end = models.PooledOf(data.groupLabels.size(), StyleOf(data).overall, studies);
+    const Rows end = models.PooledOf(OverallModel(data), StyleOf(data).overall, studies);
     Sort(studies, data.request.forest);
     Rows rows;
     if (data.groupLabels.empty()) {

@@ -74,7 +74,7 @@ TEST(AnalysisReport, OrdersGroupsByTextAndExplainsUnusualData)
          "\n2 +\\(missing\\) +2.0000.*\n\\(missing\\) +3.0000 .*\na +3.0000 .*\nb +1.0000 .*\nOverall "},
         {Effects(gaps) + "--subgroup g",
          "\n2 +- +2.0000.*\na +3.0000 .*\nb +1.0000 .*\nOverall +2.5000.*"
-         "Subgroups: studies without a value of g\nStudy +Line\n2 +3\n4 +5\nLeft out are 2 of the 4 studies.*"
+         "Subgroups: studies without a value of g\nStudy +Line\n2 +3\n4 +5\nLeft out: 2 of the 4 studies.*"
          "460148: [^\n]*Studies: 2, 4\\."},
         {Effects(gaps) + "--cumulative g", "With g +2.0000.*\nOverall +2.5000 .*460149: "},
         {Effects(unusable),

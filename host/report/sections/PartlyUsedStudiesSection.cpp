@@ -56,7 +56,7 @@ ReportSection SectionOf(const Absence& absence, const AnalysisData& data)
     ReportSection section = {
         fmt::format("{}: studies without a value of {}", absence.analysis, absence.column),
         {{"Study", data.StudyLabelsOf(records), true}, lines},
-        {fmt::format("Left out are {} of the {} studies. The model of all studies has them.",
+        {fmt::format("Left out: {} of the {} studies. The model of all studies has every one.",
                      absence.records.size(), data.base.GetNonMissingStudyID().size())}};
     if (const std::string rest = WordingOfRest(absence.records.size()); !rest.empty())
         section.sentences.insert(section.sentences.begin(), rest);
