@@ -26,19 +26,15 @@ bool IsSliced(const Picture& picture)
     return picture.rowHeight > 0 && picture.height > PAPER_SHAPE * picture.width;
 }
 
-/// Divides the rows into bands that fit a page below the headings. The last band includes the axis and all
-/// below it.
+/// Divides the rows into bands that fit a page between the headings and the axis with all below it.
 std::vector<Band> Slices(const Picture& picture)
 {
     const double end = picture.frame.top + picture.frame.height;
-    const double below = picture.height - end;
-    const double room = PAPER_SHAPE * picture.width - picture.frame.top;
+    const double room = PAPER_SHAPE * picture.width - picture.frame.top - (picture.height - end);
     const double rows = std::max(1.0, std::floor(room / picture.rowHeight)) * picture.rowHeight;
     std::vector<Band> slices;
-    double top = picture.frame.top;
-    for (; end - top + below > room; top += rows)
+    for (double top = picture.frame.top; top < end; top += rows)
         slices.push_back({top, std::min(top + rows, end)});
-    slices.push_back({top, picture.height});
     return slices;
 }
 
@@ -53,9 +49,11 @@ std::string SlicesForPaper(const Picture& picture)
 {
     if (!IsSliced(picture))
         return {};
+    const double end = picture.frame.top + picture.frame.height;
     std::string html = "<div class=\"paper\" aria-hidden=\"true\">\n";
     for (const Band& slice : Slices(picture))
-        html += "<div>" + BandOf(picture, {0, picture.frame.top}) + BandOf(picture, slice) + "</div>\n";
+        html += "<div>" + BandOf(picture, {0, picture.frame.top}) + BandOf(picture, slice) +
+                BandOf(picture, {end, picture.height}) + "</div>\n";
     return html + "</div>\n";
 }
 
@@ -75,8 +73,8 @@ std::string HtmlFigure(const DrawnPicture& drawn, int number)
     return fmt::format(
         "<figure{}>\n<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"{}\" "
         "style=\"max-width: {:.0f}px\">\n{}\n</div>\n{}<figcaption>{}</figcaption>\n</figure>\n",
-        ClassOf(picture), HtmlEscaped(picture.title), picture.width, drawn.bytes, SlicesForPaper(picture),
-        HtmlEscaped(caption));
+        ClassOf(picture), HtmlEscaped(fmt::format("Figure {}. {}", number, picture.title)), picture.width,
+        drawn.bytes, SlicesForPaper(picture), HtmlEscaped(caption));
 }
 
 std::string HtmlEscaped(const std::string& text)

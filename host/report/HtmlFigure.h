@@ -7,7 +7,8 @@
 namespace host {
 
 /// A drawn picture (SVG) as a figure of a page, with its number and description as caption. A forest that is
-/// taller than paper is also there in slices for print, which are cut between rows and repeat the headings.
+/// taller than paper is also there in slices for print, which are cut between rows and repeat the headings
+/// and the axis.
 std::string HtmlFigure(const DrawnPicture& drawn, int number);
 
 /// The text, escaped for use between tags and in quoted attributes.

@@ -2,14 +2,20 @@
 
 #include "host/cli/OptionGroups.h"
 #include "host/report/HtmlFigure.h"
+#include "host/report/HtmlScript.h"
 #include "host/report/HtmlStyle.h"
-#include "host/report/ShownRows.h"
+#include "host/report/HtmlTable.h"
+#include "host/text/PlainText.h"
 #include "host/text/ProgramInfo.h"
 
 #include <fmt/format.h>
 
 #include <algorithm>
 #include <cstddef>
+#include <iterator>
+#include <map>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 namespace host {
@@ -23,108 +29,155 @@ std::string Element(const char* name, const std::string& text)
     return fmt::format("<{0}>{1}</{0}>\n", name, HtmlEscaped(text));
 }
 
-std::string HeaderCell(const ReportColumn& column)
+/// The section that a picture stands in, by the start of both names. Others follow the results.
+struct PicturePlace
 {
-    if (column.header.empty())
-        return "<td></td>";
-    return fmt::format("<th scope=\"col\"{}>{}</th>", column.isText ? " class=\"text\"" : "",
-                       HtmlEscaped(column.header));
+    std::string_view picture;
+    std::string_view section;
+};
+
+constexpr PicturePlace PICTURE_PLACES[] = {{"cumulative-forest", "Cumulative analysis"},
+                                           {"leave-one-out", "Leave-one-out"},
+                                           {"influence", "Influence"},
+                                           {"baujat", "Influence"},
+                                           {"galbraith", "Heterogeneity"},
+                                           {"labbe", "Heterogeneity"},
+                                           {"funnel", "Small-study test"},
+                                           {"funnel", "Trim-and-fill"},
+                                           {"bubble", "Bubble plots"},
+                                           {"bubble", "Tests of the effects"}};
+
+/// The sections that tell what the results rest on. Pictures without a section of their own stand before
+/// them.
+constexpr std::string_view FOUNDATIONS[] = {"Studies", "Converted studies", "Preset", "Records"};
+
+/// The position behind the last section of that title; 0 when there is none.
+std::size_t BehindSection(const ReportSections& sections, std::string_view title)
+{
+    std::size_t behind = 0;
+    for (std::size_t i = 0; i < sections.size(); ++i)
+        if (sections[i].title.starts_with(title))
+            behind = i + 1;
+    return behind;
 }
 
-/// A first column of texts holds the row headers.
-std::string Cell(const ReportColumn& column, std::size_t row, bool isFirst)
+/// The number of sections that stand before the picture; none for a picture among the others.
+std::optional<std::size_t> PlaceOf(const Picture& picture, const ReportSections& sections)
 {
-    const std::string text = HtmlEscaped(column.cells[row]);
-    if (!column.isText)
-        return fmt::format("<td>{}</td>", text);
-    return isFirst ? fmt::format("<th scope=\"row\" class=\"text\">{}</th>", text)
-                   : fmt::format("<td class=\"text\">{}</td>", text);
+    if (picture.name == "forest" && !sections.empty())
+        return 1;
+    for (const PicturePlace& place : PICTURE_PLACES)
+        if (picture.name.starts_with(place.picture))
+            if (const std::size_t behind = BehindSection(sections, place.section); behind > 0)
+                return behind;
+    return std::nullopt;
 }
 
-std::string TableBody(const std::vector<ReportColumn>& table)
+std::size_t FirstFoundation(const ReportSections& sections)
 {
-    std::string body;
-    for (std::size_t row = 0; row < ShownRowsOf(table); ++row) {
-        body += "<tr>";
-        for (const ReportColumn& column : table)
-            body += Cell(column, row, &column == &table.front());
-        body += "</tr>\n";
-    }
-    return body;
+    return static_cast<std::size_t>(std::find_if(sections.begin(), sections.end(),
+                                                 [](const ReportSection& section) {
+                                                     return std::find(std::begin(FOUNDATIONS),
+                                                                      std::end(FOUNDATIONS),
+                                                                      section.title) != std::end(FOUNDATIONS);
+                                                 }) -
+                                    sections.begin());
 }
 
-/// Renders one page, whose tables and figures are numbered.
+/// Renders one page, whose tables and figures are numbered, and whose sections are listed at its start.
 class Page
 {
 public:
-    void AddHead(const std::string& title);
-    void AddSection(const ReportSection& section);
-    void AddPictures(const Drawing& drawing);
+    void AddSection(const ReportSection& section, const std::vector<DrawnPicture>& pictures);
+    void AddOtherPictures(const Drawing& drawing, const std::vector<DrawnPicture>& pictures);
     void AddCommandLine(const std::string& line);
-    std::string Finished() { return html_ + "</main>\n</body>\n</html>\n"; }
+    std::string Finished(const Report& report) const;
 
 private:
-    void AddTable(const std::string& title, const std::vector<ReportColumn>& table);
+    void Add(const std::string& title, const std::string& content);
+    std::string Figures(const std::vector<DrawnPicture>& pictures);
 
+    std::string contents_;
     std::string html_;
+    std::map<std::string, int> identifiers_;
     int tableCount_ = 0;
+    int figureCount_ = 0;
 };
 
-/// The security policy keeps the page from loading or running anything, whatever its texts are.
-void Page::AddHead(const std::string& title)
+/// The identifier of a section follows from its title, so that a link to it stays right.
+void Page::Add(const std::string& title, const std::string& content)
 {
-    html_ += fmt::format("<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\"/>\n"
-                         "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>\n"
-                         "<meta http-equiv=\"Content-Security-Policy\" "
-                         "content=\"default-src 'none'; style-src 'unsafe-inline'\"/>\n"
-                         "<title>{0}</title>\n<style>{1}</style>\n</head>\n<body>\n<main>\n<h1>{0}</h1>\n",
-                         HtmlEscaped(title), HTML_STYLE);
+    std::string identifier = FileNamePart(title);
+    if (const int count = ++identifiers_[identifier]; count > 1)
+        identifier += fmt::format("_{}", count);
+    contents_ += fmt::format("<li><a href=\"#{}\">{}</a></li>\n", identifier, HtmlEscaped(title));
+    html_ += fmt::format("<section id=\"{}\">\n{}{}</section>\n", identifier, Element("h2", title), content);
 }
 
-void Page::AddTable(const std::string& title, const std::vector<ReportColumn>& table)
+std::string Page::Figures(const std::vector<DrawnPicture>& pictures)
 {
-    std::string headers;
-    for (const ReportColumn& column : table)
-        headers += HeaderCell(column);
-    const std::string caption = fmt::format("Table {}. {}", ++tableCount_, title);
-    html_ += fmt::format("<div class=\"scroll\" tabindex=\"0\" role=\"region\" aria-label=\"{0}\">\n<table>\n"
-                         "<caption>{0}</caption>\n<thead><tr>{1}</tr></thead>\n<tbody>\n{2}</tbody>\n"
-                         "</table>\n</div>\n",
-                         HtmlEscaped(caption), headers, TableBody(table));
-    if (const std::string sentence = SentenceOfRowsNotShown(table); !sentence.empty())
-        html_ += Element("p", sentence);
+    std::string html;
+    for (const DrawnPicture& drawn : pictures)
+        html += HtmlFigure(drawn, ++figureCount_);
+    return html;
 }
 
-void Page::AddSection(const ReportSection& section)
+void Page::AddSection(const ReportSection& section, const std::vector<DrawnPicture>& pictures)
 {
-    html_ += "<section>\n" + Element("h2", section.title);
+    std::string content;
     if (!section.table.empty())
-        AddTable(section.title, section.table);
+        content += HtmlTable(fmt::format("Table {}. {}", ++tableCount_, section.title), section.table);
     for (const std::string& sentence : section.sentences)
-        html_ += Element("p", sentence);
+        content += Element("p", sentence);
     if (!section.verbatim.empty())
-        html_ += fmt::format("<pre><code>{}</code></pre>\n", HtmlEscaped(section.verbatim));
-    html_ += "</section>\n";
+        content += fmt::format("<pre><code>{}</code></pre>\n", HtmlEscaped(section.verbatim));
+    Add(section.title, content + Figures(pictures));
 }
 
-void Page::AddPictures(const Drawing& drawing)
+void Page::AddOtherPictures(const Drawing& drawing, const std::vector<DrawnPicture>& pictures)
 {
-    if (drawing.pictures.empty() && drawing.failures.empty())
-        return;
-    html_ += "<section>\n" + Element("h2", "Pictures");
-    int number = 0;
-    for (const DrawnPicture& drawn : drawing.pictures)
-        html_ += HtmlFigure(drawn, ++number);
+    std::string content = Figures(pictures);
     for (const std::string& failure : drawing.failures)
-        html_ += Element("p", failure);
-    html_ += "</section>\n";
+        content += Element("p", failure);
+    if (!content.empty())
+        Add("Pictures", content);
 }
 
 void Page::AddCommandLine(const std::string& line)
 {
-    html_ += fmt::format("<section>\n<h2>Command line</h2>\n<pre><code>{}</code></pre>\n<p>{} {}</p>\n"
-                         "</section>\n",
-                         HtmlEscaped(line), PROGRAM_NAME, PROGRAM_VERSION);
+    Add("Command line", fmt::format("<pre><code>{}</code></pre>\n<p>{} {}</p>\n", HtmlEscaped(line),
+                                    PROGRAM_NAME, PROGRAM_VERSION));
+}
+
+/// The security policy keeps the page from loading anything, and from running anything but its own script,
+/// whatever its texts are.
+std::string Page::Finished(const Report& report) const
+{
+    const bool hasResult = !report.sections.empty() && !report.sections.front().sentences.empty();
+    return fmt::format(
+        "<!DOCTYPE html>\n<html lang=\"en\">\n<head>\n<meta charset=\"utf-8\"/>\n"
+        "<meta name=\"viewport\" content=\"width=device-width, initial-scale=1\"/>\n"
+        "<meta name=\"description\" content=\"{1}\"/>\n"
+        "<meta http-equiv=\"Content-Security-Policy\" "
+        "content=\"default-src 'none'; style-src 'unsafe-inline'; script-src 'sha256-{2}'\"/>\n"
+        "<title>{0}</title>\n<style>{3}</style>\n</head>\n<body>\n"
+        "<header>\n<a class=\"skip\" href=\"#main\">Skip to the result</a>\n<h1>{0}</h1>\n</header>\n"
+        "<nav aria-label=\"Contents\">\n<details>\n<summary>Contents</summary>\n<ul>\n{4}</ul>\n"
+        "</details>\n</nav>\n<main id=\"main\" tabindex=\"-1\">\n{5}</main>\n"
+        "<script>{6}</script>\n</body>\n</html>\n",
+        HtmlEscaped(report.title),
+        HtmlEscaped(hasResult ? report.sections.front().sentences.front() : report.title), HTML_SCRIPT_SHA256,
+        HTML_STYLE, contents_, html_, HTML_SCRIPT);
+}
+
+/// The pictures of each place, in their order; those without a section stand behind the last.
+std::vector<std::vector<DrawnPicture>> PicturesByPlace(const std::vector<DrawnPicture>& pictures,
+                                                       const ReportSections& sections)
+{
+    std::vector<std::vector<DrawnPicture>> places(sections.size() + 2);
+    for (const DrawnPicture& drawn : pictures)
+        places[PlaceOf(drawn.picture, sections).value_or(sections.size() + 1)].push_back(drawn);
+    return places;
 }
 
 std::string TextOf(const Json& value)
@@ -186,13 +239,17 @@ std::string CommandLine(const Options& options)
 std::string RenderHtml(const Options& options, const Report& report, const Drawing& drawing)
 {
     Page page;
-    page.AddHead(report.title);
-    for (const ReportSection& section : report.sections)
-        page.AddSection(section);
-    page.AddPictures(drawing);
-    page.AddSection(SettingsSection(options));
+    const ReportSections& sections = report.sections;
+    const std::vector<std::vector<DrawnPicture>> pictures = PicturesByPlace(drawing.pictures, sections);
+    const std::size_t foundation = FirstFoundation(sections);
+    for (std::size_t i = 0; i < sections.size(); ++i) {
+        if (i == foundation)
+            page.AddOtherPictures(drawing, pictures.back());
+        page.AddSection(sections[i], pictures[i + 1]);
+    }
+    page.AddSection(SettingsSection(options), {});
     page.AddCommandLine(CommandLine(options));
-    return page.Finished();
+    return page.Finished(report);
 }
 
 } // namespace host
