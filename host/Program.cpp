@@ -76,7 +76,7 @@ int Analyse(const Options& options)
     if (options.command == Command::BATCH)
         return RunBatch(options);
     CheckOutputPlaces(options);
-    const DataTable table = DataTable::Read(options.dataPath);
+    const DataTable table = DataTable::Read(options.dataPath, options.file);
     return options.command == Command::REGRESSION ? AnalyseRegression(options, table)
                                                   : AnalyseStudies(options, table);
 }

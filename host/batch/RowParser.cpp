@@ -1,6 +1,6 @@
 #include "host/batch/RowParser.h"
 
-#include "host/batch/AsciiCase.h"
+#include "host/text/AsciiCase.h"
 #include "host/batch/FieldNumber.h"
 
 #include <algorithm>

@@ -23,15 +23,15 @@ struct OptionGroup
 /// name in host/cli/groups.
 using OptionGroupMaker = OptionGroup(Options& options);
 
-OptionGroupMaker ColumnOptions, EffectSizeOptions, PredictorOptions, HypothesisOptions, RobustTestOptions,
-    ModelOptions, RandomEffectsOptions, IterationOptions, GroupAndOrderOptions, SensitivityOptions,
-    SmallStudyOptions, PlotOptions;
+OptionGroupMaker FileOptions, ColumnOptions, EffectSizeOptions, PredictorOptions, HypothesisOptions,
+    RobustTestOptions, ModelOptions, RandomEffectsOptions, IterationOptions, GroupAndOrderOptions,
+    SensitivityOptions, SmallStudyOptions, PlotOptions;
 
 /// The groups in the order of the help.
 inline constexpr OptionGroupMaker* OPTION_GROUPS[] = {
-    ColumnOptions,        EffectSizeOptions,  PredictorOptions,     HypothesisOptions,
-    RobustTestOptions,    ModelOptions,       RandomEffectsOptions, IterationOptions,
-    GroupAndOrderOptions, SensitivityOptions, SmallStudyOptions,    PlotOptions};
+    FileOptions,        ColumnOptions,     EffectSizeOptions,    PredictorOptions, HypothesisOptions,
+    RobustTestOptions,  ModelOptions,      RandomEffectsOptions, IterationOptions, GroupAndOrderOptions,
+    SensitivityOptions, SmallStudyOptions, PlotOptions};
 
 /// The options that the command of `options` has, in the order of the help. They refer to `options`, which
 /// must outlive them.

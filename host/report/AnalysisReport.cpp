@@ -18,7 +18,7 @@ Report MakeAnalysisReport(const Options& options, const AnalysisRequest& request
     Report report = {fmt::format("Meta-analysis: {}, {}, {} level", data.measure.Title(),
                                  WordingOfModel(data.settings), data.level),
                      {}};
-    Append(report.sections, RecordsSection(options.dataPath, records, request.studyLabels));
+    Append(report.sections, RecordsSection(DataName(options.dataPath), records, request.studyLabels));
     Append(report.sections, PresetSection(options));
     if (!records.used.empty())
         for (SectionMaker* const make : ANALYSIS_SECTIONS)

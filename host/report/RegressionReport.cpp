@@ -19,7 +19,8 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
                                  HasRawData(options) ? " of the " + data.measure.AnalysisName() : "",
                                  WordingOfModel(options.settings), data.level),
                      {}};
-    Append(report.sections, RecordsSection(options.dataPath, analysis.records, request.studyLabels));
+    Append(report.sections,
+           RecordsSection(DataName(options.dataPath), analysis.records, request.studyLabels));
     Append(report.sections, PresetSection(options));
     for (RegressionSectionMaker* const make : REGRESSION_SECTIONS)
         Append(report.sections, make(data));

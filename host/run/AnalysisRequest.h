@@ -1,11 +1,11 @@
 #pragma once
 
 #include "host/cli/Options.h"
+#include "host/data/ColumnRecords.h"
 #include "host/data/DataTable.h"
 #include "host/data/ValueLabels.h"
 
 #include "meta_analysis/platform/common/KXVarList.h"
-#include "meta_analysis/platform/common/VectorRecordIter.h"
 #include "meta_analysis/settings/MAModelSettings.h"
 
 #include <optional>
@@ -19,8 +19,9 @@ struct AnalysisRequest
 {
     MA_NAMESPACE::MAModelSettings settings;
     KXVarList variables;
-    VectorRecordIter records;
+    ColumnRecords records;
     std::vector<std::string> studyLabels; ///< one a record
+    std::vector<std::string> fileNotes;   ///< sentences on how the file was read
     ValueLabels subgroup;                 ///< of the columns that part and order the studies, if given
     ValueLabels cumulative;
     std::optional<std::string> label;  ///< of the measure, in place of its own name

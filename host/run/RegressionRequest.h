@@ -24,6 +24,7 @@ struct RegressionRequest
     std::map<int, std::vector<std::string>> levels; ///< of each factor by its position, in the order coded
     std::vector<Record> records;
     std::vector<std::string> studyLabels; ///< one a record
+    std::vector<std::string> fileNotes;   ///< sentences on how the file was read
     std::optional<RawEffects> rawEffects; ///< none for ready-made effect sizes
     bool hasPictures = false;             ///< whether the coordinates of plots are asked for
     int bubblePoints = 0;                 ///< of a line
