@@ -25,8 +25,8 @@ std::string BytesOf(const std::string& path)
 {
     ByteSource source(path);
     std::string bytes;
-    bytes.reserve(source.SizeHint() + 1);
     constexpr std::size_t BLOCK = std::size_t{1} << 16;
+    bytes.reserve(source.SizeHint() + BLOCK); // the last block is read behind the end
     std::size_t size = 0;
     do {
         size = bytes.size();
