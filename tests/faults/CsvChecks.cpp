@@ -57,8 +57,9 @@ void CheckNumber(const host::DataTable& table, std::size_t row, std::size_t colu
     EXPECT_EQ(KXMV::IsMissing(number), table.IsMissing(row, column));
     EXPECT_TRUE(table.Decimals(row, column) >= 0);
     double plain = 0;
-    if (host::ParsePlainNumber(table.TrimmedText(row, column), plain))
+    if (host::ParsePlainNumber(table.TrimmedText(row, column), plain)) {
         EXPECT_EQ(number, plain);
+    }
 }
 
 void CheckTable(const host::DataTable& table, std::size_t columnCount)
