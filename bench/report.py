@@ -12,7 +12,7 @@ import json
 import sys
 
 NANOSECONDS = {"ns": 1.0, "us": 1e3, "ms": 1e6, "s": 1e9}
-COLUMNS = ["name", "time", "bare loop", "ratio", "target", "met", "evaluations", "sets/s"]
+COLUMNS = ["name", "time", "bare loop", "ratio", "target", "met", "evaluations", "sets/s", "bytes/study"]
 
 
 def measured_rows(path):
@@ -47,9 +47,9 @@ def judge(row, target):
     """Adds the ratio to the bare loop, the target and whether it is met."""
     if "bare_seconds" in row:
         row["ratio"] = row["seconds"] / row["bare_seconds"]
-    for quantity, bound in target.items():
-        row["target"] = {quantity: bound}
-        row["met"] = row[quantity] <= bound
+    if target:
+        row["target"] = target
+        row["met"] = all(row[quantity] <= bound for quantity, bound in target.items())
 
 
 def time_text(seconds):
@@ -60,7 +60,10 @@ def time_text(seconds):
 
 
 def target_text(target):
-    return time_text(target["seconds"]) if "seconds" in target else f"{target['ratio']:.2f}"
+    texts = [time_text(target["seconds"])] if "seconds" in target else []
+    texts += [f"{target['ratio']:.2f}"] if "ratio" in target else []
+    texts += [f"{target['bytes_per_study']:.0f} B"] if "bytes_per_study" in target else []
+    return ", ".join(texts)
 
 
 def cells(row):
@@ -73,6 +76,7 @@ def cells(row):
         ("yes" if row["met"] else "NO") if "met" in row else "",
         f"{row['evaluations']:.0f}" if "evaluations" in row else "",
         f"{row['sets_per_second'] / 1e6:.2f} M" if "sets_per_second" in row else "",
+        f"{row['bytes_per_study']:.0f}" if "bytes_per_study" in row else "",
     ]
 
 

@@ -92,8 +92,8 @@ int Analyse(const Options& options)
     if (options.command == Command::BATCH)
         return RunBatch(options);
     CheckOutputPlaces(options);
-    const DataTable table = WithProgress("Reading " + LabelText(options.dataPath),
-                                         [&] { return DataTable::Read(options.dataPath); });
+    const DataTable table = WithProgress("Reading " + LabelText(DataName(options.dataPath)),
+                                         [&] { return DataTable::Read(options.dataPath, options.file); });
     return options.command == Command::REGRESSION ? AnalyseRegression(options, table)
                                                   : AnalyseStudies(options, table);
 }

@@ -1,5 +1,7 @@
 #include "host/batch/LineBlocks.h"
 
+#include "host/data/FileKinds.h"
+
 #include <cstring>
 #include <utility>
 
@@ -14,6 +16,11 @@ void TextBlock::Reserve(std::size_t size, std::size_t kept)
         std::memcpy(larger.get(), memory_.get(), kept);
     memory_ = std::move(larger);
     capacity_ = size;
+}
+
+LineBlocks::LineBlocks(const std::string& path, std::size_t blockSize) : source_(path), blockSize_(blockSize)
+{
+    RefuseUtf16(source_.Start(), source_.Name());
 }
 
 /// Reads `size` bytes, or less at the end of the file.

@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/batch/ByteSource.h"
+#include "host/data/ByteSource.h"
 
 #include <cstddef>
 #include <memory>
@@ -36,7 +36,7 @@ private:
 class LineBlocks
 {
 public:
-    LineBlocks(const std::string& path, std::size_t blockSize) : source_(path), blockSize_(blockSize) {}
+    LineBlocks(const std::string& path, std::size_t blockSize);
 
     /// Fills the block with the next lines; with none at the end of the file. Throws UnusableInput for a
     /// file that cannot be read.

@@ -24,13 +24,13 @@ struct OptionGroup
 /// name in host/cli/groups.
 using OptionGroupMaker = OptionGroup(Options& options);
 
-OptionGroupMaker ColumnOptions, EffectSizeOptions, PredictorOptions, HypothesisOptions, RobustTestOptions,
+OptionGroupMaker FileOptions, ColumnOptions, EffectSizeOptions, PredictorOptions, HypothesisOptions, RobustTestOptions,
     ModelOptions, RandomEffectsOptions, IterationOptions, GroupAndOrderOptions, SensitivityOptions,
     SmallStudyOptions, PlotOptions, FigureOptions, CurveOptions;
 
 /// The groups in the order of the help.
 inline constexpr OptionGroupMaker* OPTION_GROUPS[] = {
-    ColumnOptions,     EffectSizeOptions,    PredictorOptions, HypothesisOptions,    RobustTestOptions,
+    FileOptions, ColumnOptions,     EffectSizeOptions,    PredictorOptions, HypothesisOptions,    RobustTestOptions,
     ModelOptions,      RandomEffectsOptions, IterationOptions, GroupAndOrderOptions, SensitivityOptions,
     SmallStudyOptions, PlotOptions,          FigureOptions,    CurveOptions};
 

@@ -3,6 +3,7 @@
 #include "host/cli/BatchColumns.h"
 #include "host/cli/ForestChoices.h"
 #include "host/data/ColumnName.h"
+#include "host/data/FileFormat.h"
 #include "host/draw/DrawingMedium.h"
 #include "host/draw/PictureFormat.h"
 
@@ -77,15 +78,6 @@ struct BatchOptions
     std::vector<BatchColumn> columns{BATCH_COLUMNS.begin(), BATCH_COLUMNS.end()};
     std::optional<std::string> output; ///< "-" for standard output, as none
     std::optional<std::string> rejects;
-};
-
-/// How the data file is written.
-struct FileFormat
-{
-    std::optional<char> separator;   ///< comma, semicolon or tab; by the header line without
-    std::optional<char> decimalMark; ///< point or comma; by the fields without
-    std::vector<std::string> missing = {"", "NA", "N/A", "NaN",
-                                        "."}; ///< texts of missing values, in any case
 };
 
 /// How the text report and the table of studies are written, and where.

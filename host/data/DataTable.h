@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/data/CsvReader.h"
+#include "host/data/FileFormat.h"
 
 #include <cstddef>
 #include <string>
@@ -8,6 +9,9 @@
 #include <vector>
 
 namespace host {
+
+/// What messages and reports call the data file: its path, or "standard input" for "-".
+std::string DataName(const std::string& path);
 
 /// The host's data: a CSV file whose header line names the columns, with a row for each record.
 ///
@@ -17,18 +21,23 @@ namespace host {
 class DataTable
 {
 public:
-    static DataTable Read(const std::string& path);
+    /// Reads a file, or standard input for "-": text in any encoding that DecodeText() knows, which gzip may
+    /// have compressed.
+    static DataTable Read(const std::string& path, const FileFormat& format = {});
 
-    /// Reads the table from `text`. Messages call the file `name`.
-    static DataTable Parse(std::string_view text, const std::string& name);
+    /// Reads the table from the bytes of a file. Messages call the file `name`.
+    static DataTable Parse(std::string_view bytes, const std::string& name, const FileFormat& format = {});
 
-    std::size_t RowCount() const noexcept { return content_.rowLines.size() - 1; }
+    /// A sentence for everything about the file that was converted, guessed or left out.
+    const std::vector<std::string>& Notes() const noexcept { return notes_; }
+
+    std::size_t RowCount() const noexcept { return content_.RowCount() - 1; }
 
     /// Position of the column named `column`; throws when there is none, or more than one.
     std::size_t PositionOf(std::string_view column) const;
 
     /// Line of the file on which a record starts, from 1; `row` counts the records, from 0.
-    std::size_t LineOf(std::size_t row) const { return content_.rowLines[row + 1]; }
+    std::size_t LineOf(std::size_t row) const { return content_.LineOf(row + 1); }
 
     /// A field's text; `row` counts the records, from 0.
     std::string_view Text(std::size_t row, std::size_t column) const
@@ -39,23 +48,36 @@ public:
     /// A field's text without the blanks around it.
     std::string_view TrimmedText(std::size_t row, std::size_t column) const;
 
-    /// Whether a field is a missing value: empty, NA or a point.
+    /// Whether a field is a missing value: empty, or one of the format's texts, in any case. A text that is a
+    /// number stands for that number in any form.
     bool IsMissing(std::size_t row, std::size_t column) const;
 
     /// A field's number, or missing when the field is.
     double Number(std::size_t row, std::size_t column) const;
 
+    /// Digits behind the decimal mark of a field that is a number.
+    int Decimals(std::size_t row, std::size_t column) const;
+
     /// Whether every field of the column is a number or missing.
     bool HoldsNumbers(std::size_t column) const;
 
 private:
-    DataTable(CsvContent content, std::string name);
+    DataTable(std::string bytes, std::string name, const FileFormat& format);
 
-    std::string_view NameOf(std::size_t column) const { return content_.Field(0, column); }
+    std::string_view NameOf(std::size_t column) const;
     std::vector<std::string> ColumnNames() const;
+    char FindSeparator(std::string_view text);
+    void RequireRows() const;
+    void FindDecimalMark();
+    bool IsMissingText(std::string_view text) const;
+    bool IsMissingNumber(double number) const;
 
-    CsvContent content_;
     std::string name_;
+    FileFormat format_;
+    std::vector<std::string> notes_;
+    CsvContent content_;
+    char decimalMark_ = '.';
+    std::vector<double> missingNumbers_; ///< of the texts of missing values that are numbers
 };
 
 } // namespace host

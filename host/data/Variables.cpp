@@ -48,6 +48,11 @@ int Variables::Append(int position, std::vector<double> values)
     return position;
 }
 
+ColumnRecords Variables::TakeRecords()
+{
+    return {std::move(values_), table_.RowCount()};
+}
+
 std::vector<Record> Variables::Records() const
 {
     std::vector<Record> records;

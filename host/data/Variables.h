@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/data/ColumnName.h"
+#include "host/data/ColumnRecords.h"
 #include "host/data/DataTable.h"
 
 #include "meta_analysis/platform/common/KXVarList.h"
@@ -30,7 +31,10 @@ public:
 
     const KXVarList& List() const { return list_; }
 
+    /// All records at once.
     std::vector<Record> Records() const;
+    /// The records one by one. Takes the values, so that it is the last call.
+    ColumnRecords TakeRecords();
 
 private:
     int Append(int position, std::vector<double> values);

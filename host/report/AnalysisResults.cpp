@@ -44,6 +44,8 @@ void AddRun(Json& results, const MABaseModel& model)
     ADD_RESULT(AsymmetricIntervalStudyID);
     ADD_RESULT(SkewedStudyID);
     ADD_RESULT(DoubtfulStdDevStudyID);
+    ADD_RESULT(NonIntegerCountStudyID);
+    ADD_RESULT(EmptyGroupStudyID);
 }
 
 void AddStudies(Json& results, const MABaseModel& model)

@@ -41,7 +41,7 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
     Append(report.sections, PresetSection(options));
     Append(report.sections, OptionNotesSection(options));
     Append(report.sections,
-           RecordsSection(options.dataPath, analysis.records, request.studyLabels, request.lines));
+           RecordsSection(DataName(options.dataPath), analysis.records, request.studyLabels, request.lines));
     if (options.report.hasCitation)
         Append(report.sections, MethodsSections(data));
     return report;

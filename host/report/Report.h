@@ -1,5 +1,8 @@
 #pragma once
 
+#include "host/text/CompactTexts.h"
+
+#include <iterator>
 #include <string>
 #include <vector>
 
@@ -9,7 +12,7 @@ namespace host {
 struct ReportColumn
 {
     std::string header;
-    std::vector<std::string> cells;
+    CompactTexts cells;
     bool isText = false;
 };
 
@@ -32,9 +35,11 @@ struct Report
     ReportSections sections;
 };
 
-inline void Append(ReportSections& sections, const ReportSections& more)
+/// Moves, because the table of a million studies is large.
+inline void Append(ReportSections& sections, ReportSections more)
 {
-    sections.insert(sections.end(), more.begin(), more.end());
+    sections.insert(sections.end(), std::make_move_iterator(more.begin()),
+                    std::make_move_iterator(more.end()));
 }
 
 } // namespace host

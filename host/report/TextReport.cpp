@@ -2,7 +2,9 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <numeric>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -15,33 +17,67 @@ std::size_t WidthOf(std::string_view text)
         text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
 }
 
-/// The texts of a column, header first, all of one width.
-std::vector<std::string> PaddedTexts(const ReportColumn& column)
+std::size_t WidthOf(const ReportColumn& column)
 {
-    std::vector<std::string> texts = column.cells;
-    texts.insert(texts.begin(), column.header);
-    std::size_t width = 0;
-    for (const std::string& text : texts)
-        width = std::max(width, WidthOf(text));
-    for (std::string& text : texts)
-        text.insert(column.isText ? text.size() : 0, width - WidthOf(text), ' ');
-    return texts;
+    std::size_t width = WidthOf(column.header);
+    for (std::size_t row = 0; row < column.cells.size(); ++row)
+        width = std::max(width, WidthOf(column.cells.View(row)));
+    return width;
 }
 
-std::string RenderTable(const std::vector<ReportColumn>& table)
+/// Appends tables to a text line by line, so that a long one takes no memory beside its text.
+class TableWriter
 {
-    std::vector<std::string> lines;
-    for (const ReportColumn& column : table) {
-        const std::vector<std::string> texts = PaddedTexts(column);
-        lines.resize(texts.size());
-        for (std::size_t i = 0; i < texts.size(); ++i)
-            lines[i] += (lines[i].empty() ? "" : "  ") + texts[i];
+public:
+    TableWriter(const std::vector<ReportColumn>& table, std::string& text) : table_(table), text_(text)
+    {
+        for (const ReportColumn& column : table)
+            widths_.push_back(WidthOf(column));
     }
-    std::string text;
-    for (const std::string& line : lines) // without the padding of a last column of texts
-        text.append(line, 0, line.find_last_not_of(' ') + 1).append("\n");
-    return text;
-}
+
+    void Write()
+    {
+        if (table_.empty())
+            return;
+        const std::size_t rows = table_.front().cells.size();
+        Reserve(rows + 1);
+        WriteLine([](const ReportColumn& column) { return std::string_view(column.header); });
+        for (std::size_t row = 0; row < rows; ++row)
+            WriteLine([row](const ReportColumn& column) { return column.cells.View(row); });
+    }
+
+private:
+    /// Letters beyond ASCII take more bytes than their width, so that this is no bound.
+    void Reserve(std::size_t lines)
+    {
+        const std::size_t width = std::accumulate(widths_.begin(), widths_.end(), 2 * widths_.size());
+        text_.reserve(text_.size() + lines * width);
+    }
+
+    template <class TextOf>
+    void WriteLine(const TextOf& textOf)
+    {
+        const std::size_t start = text_.size();
+        for (std::size_t i = 0; i < table_.size(); ++i)
+            WriteCell(textOf(table_[i]), i, start);
+        // Without the padding of a last column of texts.
+        const std::size_t last = text_.find_last_not_of(' ');
+        text_.resize(last == std::string::npos ? start : std::max(last + 1, start));
+        text_ += '\n';
+    }
+
+    void WriteCell(std::string_view text, std::size_t column, std::size_t lineStart)
+    {
+        const std::size_t padding = widths_[column] - WidthOf(text);
+        text_.append(text_.size() == lineStart ? 0 : 2, ' ');
+        text_.append(table_[column].isText ? 0 : padding, ' ').append(text);
+        text_.append(table_[column].isText ? padding : 0, ' ');
+    }
+
+    const std::vector<ReportColumn>& table_;
+    std::string& text_;
+    std::vector<std::size_t> widths_;
+};
 
 } // namespace
 
@@ -49,7 +85,8 @@ std::string RenderText(const Report& report)
 {
     std::string text = report.title + '\n';
     for (const ReportSection& section : report.sections) {
-        text += '\n' + section.title + '\n' + RenderTable(section.table);
+        text += '\n' + section.title + '\n';
+        TableWriter(section.table, text).Write();
         for (const std::string& sentence : section.sentences)
             text += sentence + '\n';
         text += section.verbatim;

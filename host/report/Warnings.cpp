@@ -79,6 +79,13 @@ void NameStudies(std::vector<ShownWarning>& warnings, const StudyNotes& notes,
     }
 }
 
+/// What there is to say of the file comes behind what the library says of the data.
+void AddNotes(std::vector<ShownWarning>& warnings, const std::vector<std::string>& fileNotes)
+{
+    for (const std::string& note : fileNotes)
+        warnings.push_back({MAStatusCode::DATA_INTERPRETED, note});
+}
+
 } // namespace
 
 std::vector<ShownWarning> WarningsOf(const AnalysisData& data)
@@ -91,6 +98,7 @@ std::vector<ShownWarning> WarningsOf(const AnalysisData& data)
         found.push_back({labels.size() > 1 ? labels[i] : "", byScoring[i], byGlobalSearch[i]});
     std::vector<ShownWarning> shown = Shown(data.base.GetWarnings(), found);
     NameStudies(shown, StudyNotesOf(data.base), data.request.studyLabels);
+    AddNotes(shown, data.request.fileNotes);
     return shown;
 }
 
@@ -102,6 +110,7 @@ std::vector<ShownWarning> WarningsOf(const RegressionRequest& request, const Reg
     std::vector<ShownWarning> shown = Shown(analysis.warnings, found);
     if (request.rawEffects)
         NameStudies(shown, request.rawEffects->notes, request.studyLabels);
+    AddNotes(shown, request.fileNotes);
     return shown;
 }
 

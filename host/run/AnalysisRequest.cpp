@@ -3,7 +3,6 @@
 #include "host/data/ColumnCoding.h"
 #include "host/data/StudyLabels.h"
 #include "host/data/Variables.h"
-#include "host/text/TextParsing.h"
 
 #include <algorithm>
 #include <utility>
@@ -45,8 +44,7 @@ std::vector<double> PrintedDecimals(const Options& options, const DataTable& tab
     for (const ColumnName& column : {options.effectSize, options.ciLower, options.ciUpper}) {
         const std::size_t position = table.PositionOf(*column);
         for (std::size_t row = 0; row < decimals.size(); ++row)
-            decimals[row] =
-                std::max(decimals[row], static_cast<double>(DecimalsIn(table.TrimmedText(row, position))));
+            decimals[row] = std::max(decimals[row], static_cast<double>(table.Decimals(row, position)));
     }
     return decimals;
 }
@@ -126,9 +124,10 @@ AnalysisRequest MakeAnalysisRequest(const Options& options, const DataTable& tab
     std::vector<int> bubbleCovariates = PositionsOf(options.bubbles, variables);
     return {.settings = settings,
             .variables = variables.List(),
-            .records = VectorRecordIter(variables.Records()),
+            .records = variables.TakeRecords(),
             .studyLabels = StudyLabels(options.study, table),
             .lines = RecordLines(table),
+            .fileNotes = table.Notes(),
             .subgroup = std::move(subgroup),
             .cumulative = std::move(cumulative),
             .label = options.label,

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/cli/Options.h"
+#include "host/data/ColumnRecords.h"
 #include "host/data/DataTable.h"
 #include "host/data/RecordLines.h"
 #include "host/data/ValueLabels.h"
@@ -8,7 +9,6 @@
 #include "host/text/NumberFormat.h"
 
 #include "meta_analysis/platform/common/KXVarList.h"
-#include "meta_analysis/platform/common/VectorRecordIter.h"
 #include "meta_analysis/settings/MAModelSettings.h"
 
 #include <optional>
@@ -22,10 +22,11 @@ struct AnalysisRequest
 {
     MA_NAMESPACE::MAModelSettings settings;
     KXVarList variables;
-    VectorRecordIter records;
+    ColumnRecords records;
     std::vector<std::string> studyLabels; ///< one a record
     RecordLines lines;
-    ValueLabels subgroup; ///< of the columns that part and order the studies, if given
+    std::vector<std::string> fileNotes; ///< sentences on how the file was read
+    ValueLabels subgroup;               ///< of the columns that part and order the studies, if given
     ValueLabels cumulative;
     std::optional<std::string> label;  ///< of the measure, in place of its own name
     std::vector<int> bubbleCovariates; ///< variables

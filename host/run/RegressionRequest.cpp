@@ -86,6 +86,7 @@ public:
                 .records = variables_.Records(),
                 .studyLabels = StudyLabels(options_.study, table_),
                 .lines = RecordLines(table_),
+                .fileNotes = table_.Notes(),
                 .rawEffects = std::move(rawEffects_),
                 .hasPictures = options_.htmlPath || options_.plotsFolder,
                 .bubblePoints = options_.settings.GetBubbleCurveNPoints(),

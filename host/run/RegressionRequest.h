@@ -27,6 +27,7 @@ struct RegressionRequest
     std::vector<Record> records;
     std::vector<std::string> studyLabels; ///< one a record
     RecordLines lines;
+    std::vector<std::string> fileNotes;   ///< sentences on how the file was read
     std::optional<RawEffects> rawEffects; ///< none for ready-made effect sizes
     bool hasPictures = false;             ///< whether the coordinates of plots are asked for
     int bubblePoints = 0;                 ///< of a line

@@ -16,7 +16,9 @@ StudyNotes StudyNotesOf(const MABaseModel& base)
                               {MAStatusCode::SUMMARY_SKEWED, base.GetSkewedStudyID()},
                               {MAStatusCode::STD_DEV_DOUBTFUL, base.GetDoubtfulStdDevStudyID()},
                               {MAStatusCode::SUBGROUP_VALUE_MISSING, base.GetSubgroupMissing()},
-                              {MAStatusCode::CUMULATIVE_VALUE_MISSING, base.GetCumulativeMissing()}}};
+                              {MAStatusCode::CUMULATIVE_VALUE_MISSING, base.GetCumulativeMissing()},
+                              {MAStatusCode::NON_INTEGER_COUNTS, base.GetNonIntegerCountStudyID()},
+                              {MAStatusCode::EMPTY_GROUP, base.GetEmptyGroupStudyID()}}};
 }
 
 } // namespace host

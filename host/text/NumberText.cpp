@@ -7,8 +7,10 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <charconv>
 #include <cmath>
 #include <cstddef>
+#include <string_view>
 
 namespace host {
 
@@ -25,32 +27,50 @@ std::string WithoutSignOfZero(std::string text)
     return text;
 }
 
-template <class ToText>
-std::vector<std::string> AlignedTexts(const std::vector<double>& values, const ToText& toText)
+/// One part of all estimates, as wide in each of them.
+struct AlignedPart
 {
-    std::vector<std::string> texts;
+    CompactTexts texts;
     std::size_t width = 0;
-    for (const double value : values) {
-        texts.push_back(toText(value));
-        width = std::max(width, texts.back().size());
+
+    void AppendTo(CompactTexts& joined, std::size_t i) const
+    {
+        const std::string_view text = texts.View(i);
+        joined.ExtendBlanks(width - text.size());
+        joined.Extend(text);
     }
-    for (std::string& text : texts)
-        text.insert(0, width - text.size(), ' ');
-    return texts;
+};
+
+template <class ToText>
+AlignedPart AlignedTexts(const std::vector<double>& values, const ToText& toText)
+{
+    AlignedPart part = {TextsOf(values, toText)};
+    for (std::size_t i = 0; i < values.size(); ++i)
+        part.width = std::max(part.width, part.texts.View(i).size());
+    return part;
 }
 
 template <class ToText>
-std::vector<std::string> JoinedTexts(const Estimates& estimates, const ToText& toText)
+CompactTexts JoinedTexts(const Estimates& estimates, const ToText& toText)
 {
-    const std::vector<std::string> lower = AlignedTexts(estimates.lower, toText);
-    const std::vector<std::string> upper = AlignedTexts(estimates.upper, toText);
-    std::vector<std::string> texts = AlignedTexts(estimates.values, toText);
-    for (std::string& text : texts)
-        text += ' ';
-    texts.resize(lower.size());
-    for (std::size_t i = 0; i < texts.size(); ++i)
-        texts[i] += fmt::format("[{}, {}]", lower[i], upper[i]);
-    return texts;
+    const AlignedPart values = AlignedTexts(estimates.values, toText);
+    const AlignedPart lower = AlignedTexts(estimates.lower, toText);
+    const AlignedPart upper = AlignedTexts(estimates.upper, toText);
+    CompactTexts joined;
+    joined.Reserve(estimates.lower.size(), values.width + lower.width + upper.width + 5);
+    for (std::size_t i = 0; i < estimates.lower.size(); ++i) {
+        joined.push_back({});
+        if (!estimates.values.empty()) {
+            values.AppendTo(joined, i);
+            joined.Extend(" ");
+        }
+        joined.Extend("[");
+        lower.AppendTo(joined, i);
+        joined.Extend(", ");
+        upper.AppendTo(joined, i);
+        joined.Extend("]");
+    }
+    return joined;
 }
 
 } // namespace
@@ -76,7 +96,12 @@ std::string FixedText(double value, int decimals)
         return NO_VALUE;
     if (std::abs(value) >= 1e10)
         return fmt::format("{:.6g}", value);
-    return WithoutSignOfZero(fmt::format("{:.{}f}", value, decimals));
+    char text[64]; // a sign, ten digits, a point and the decimals
+    if (decimals > 50)
+        return WithoutSignOfZero(fmt::format("{:.{}f}", value, decimals));
+    const auto [end, error] =
+        std::to_chars(std::begin(text), std::end(text), value, std::chars_format::fixed, decimals);
+    return WithoutSignOfZero({text, end});
 }
 
 std::string NumberText(double value)
@@ -143,12 +168,12 @@ int DecimalsFor(const std::vector<double>& stdErrors)
     return static_cast<int>(std::clamp<double>(wanted, LEAST_DECIMALS, MOST_DECIMALS));
 }
 
-std::vector<std::string> EstimateTexts(const Estimates& estimates, int decimals)
+CompactTexts EstimateTexts(const Estimates& estimates, int decimals)
 {
     return JoinedTexts(estimates, [decimals](double value) { return FixedText(value, decimals); });
 }
 
-std::vector<std::string> EstimateTexts(const Estimates& estimates)
+CompactTexts EstimateTexts(const Estimates& estimates)
 {
     return JoinedTexts(estimates, NumberText);
 }

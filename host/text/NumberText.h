@@ -1,6 +1,7 @@
 #pragma once
 
-#include <algorithm>
+#include "host/text/CompactTexts.h"
+
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,10 +38,11 @@ std::string PercentText(double fraction, int decimals);
 
 /// The text of each number.
 template <class ToText>
-std::vector<std::string> TextsOf(const std::vector<double>& values, const ToText& toText)
+CompactTexts TextsOf(const std::vector<double>& values, const ToText& toText)
 {
-    std::vector<std::string> texts(values.size());
-    std::transform(values.begin(), values.end(), texts.begin(), toText);
+    CompactTexts texts;
+    for (const double value : values)
+        texts.push_back(toText(value));
     return texts;
 }
 
@@ -67,7 +69,7 @@ struct Estimates
 
 /// "0.4746 [0.3296, 0.6835]" for each entry, or "[0.3296, 0.6835]"; each part as wide in all entries. With
 /// `decimals`, numbers are fixed texts, else number texts.
-std::vector<std::string> EstimateTexts(const Estimates& estimates, int decimals);
-std::vector<std::string> EstimateTexts(const Estimates& estimates);
+CompactTexts EstimateTexts(const Estimates& estimates, int decimals);
+CompactTexts EstimateTexts(const Estimates& estimates);
 
 } // namespace host

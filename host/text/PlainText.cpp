@@ -205,4 +205,12 @@ std::vector<std::string> LabelTexts(const std::vector<std::string>& labels, cons
     return texts;
 }
 
+CompactTexts LabelList(const std::vector<std::string>& labels, const std::vector<int>& positions)
+{
+    CompactTexts texts;
+    for (const int position : positions)
+        texts.push_back(LabelText(labels[static_cast<std::size_t>(position)]));
+    return texts;
+}
+
 } // namespace host

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/text/CompactTexts.h"
+
 #include <functional>
 #include <string>
 #include <string_view>
@@ -19,6 +21,9 @@ std::string LabelText(std::string label);
 /// Those at these positions.
 std::vector<std::string> LabelTexts(const std::vector<std::string>& labels,
                                     const std::vector<int>& positions);
+
+/// The same for the columns of tables.
+CompactTexts LabelList(const std::vector<std::string>& labels, const std::vector<int>& positions);
 
 /// The text as PlainText() makes it, with `replacement` for each character that is unwanted.
 std::string WithoutCharacters(std::string_view text, char replacement,

@@ -146,6 +146,16 @@ std::vector<int> MAAnalysisResults::GetDoubtfulStdDevStudyID() const
     return RecordsWithWarning(Results().counts, MAStatusCode::STD_DEV_DOUBTFUL);
 }
 
+std::vector<int> MAAnalysisResults::GetNonIntegerCountStudyID() const
+{
+    return RecordsWithWarning(Results().counts, MAStatusCode::NON_INTEGER_COUNTS);
+}
+
+std::vector<int> MAAnalysisResults::GetEmptyGroupStudyID() const
+{
+    return RecordsWithWarning(Results().counts, MAStatusCode::EMPTY_GROUP);
+}
+
 std::vector<int> MAAnalysisResults::GetEffectConversion() const
 {
     return FieldOf(Results().studies.effectConversions, [](MAConst::CONVERSION from) { return int{from}; });

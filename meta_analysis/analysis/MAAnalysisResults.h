@@ -36,11 +36,13 @@ public:
     /// `MAConst::EXCLUSION`).
     std::vector<int> GetExcludedRecord() const;
     std::vector<int> GetExclusionReason() const;
-    /// Record numbers of the studies with warning INTERVAL_ASYMMETRIC, SUMMARY_SKEWED or STD_DEV_DOUBTFUL,
-    /// ascending.
+    /// Record numbers of the studies with warning INTERVAL_ASYMMETRIC, SUMMARY_SKEWED, STD_DEV_DOUBTFUL,
+    /// NON_INTEGER_COUNTS or EMPTY_GROUP, ascending.
     std::vector<int> GetAsymmetricIntervalStudyID() const;
     std::vector<int> GetSkewedStudyID() const;
     std::vector<int> GetDoubtfulStdDevStudyID() const;
+    std::vector<int> GetNonIntegerCountStudyID() const;
+    std::vector<int> GetEmptyGroupStudyID() const;
 
     /// Per study.
     std::vector<double> GetEffectSize() const;

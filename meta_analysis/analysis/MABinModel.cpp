@@ -32,6 +32,14 @@ std::vector<double> Exponentiated(std::vector<double> values)
     return values;
 }
 
+/// Those of tables are stored, because their effects need not be exponentials of logarithms. Ready-made
+/// effects are the `values` on the log scale, and often too many to store them twice.
+std::vector<double> RatiosOf(const MAStudies& studies, double MAStudyRatio::*field,
+                             std::vector<double> values)
+{
+    return studies.tables.empty() ? Exponentiated(std::move(values)) : FieldOf(studies.ratios, field);
+}
+
 std::vector<std::vector<double>> Exponentiated(std::vector<std::vector<double>> rows)
 {
     for (std::vector<double>& row : rows)
@@ -233,27 +241,27 @@ std::vector<std::vector<int>> MABinModel::GetCumNPoolCorrected() const
 
 std::vector<double> MABinModel::GetExpEffectSize() const
 {
-    return FieldOf(Results().studies.ratios, &MAStudyRatio::effectSize);
+    return RatiosOf(Results().studies, &MAStudyRatio::effectSize, GetEffectSize());
 }
 
 std::vector<double> MABinModel::GetExpVariance() const
 {
-    return FieldOf(Results().studies.ratios, &MAStudyRatio::variance);
+    return RatiosOf(Results().studies, &MAStudyRatio::variance, GetVariance());
 }
 
 std::vector<double> MABinModel::GetExpStdError() const
 {
-    return FieldOf(Results().studies.ratios, &MAStudyRatio::stdError);
+    return RatiosOf(Results().studies, &MAStudyRatio::stdError, GetStdError());
 }
 
 std::vector<double> MABinModel::GetExpCILower() const
 {
-    return FieldOf(Results().studies.ratios, &MAStudyRatio::ciLower);
+    return RatiosOf(Results().studies, &MAStudyRatio::ciLower, GetCILower());
 }
 
 std::vector<double> MABinModel::GetExpCIUpper() const
 {
-    return FieldOf(Results().studies.ratios, &MAStudyRatio::ciUpper);
+    return RatiosOf(Results().studies, &MAStudyRatio::ciUpper, GetCIUpper());
 }
 
 std::vector<double> MABinModel::GetEstExpEffectSize() const

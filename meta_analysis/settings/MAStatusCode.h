@@ -71,6 +71,9 @@ constexpr int COUNTS_NOT_POOLED = 460115; ///< Mantel-Haenszel weights in an ana
 constexpr int INTERVAL_ASYMMETRIC = 460125; ///< of a study's confidence interval about its estimate
 constexpr int SUMMARY_SKEWED = 460126;   ///< medians and quantiles that were converted come from skewed data
 constexpr int STD_DEV_DOUBTFUL = 460127; ///< a standard deviation that looks like a standard error
+constexpr int NON_INTEGER_COUNTS = 460152;     ///< events, or the size of a group, with a fraction
+constexpr int EMPTY_GROUP = 460153;            ///< a study with nobody in one of its groups
+constexpr int DATA_INTERPRETED = 460154;       ///< of hosts: a file was converted, or its form guessed
 constexpr int PREDICTION_UNAVAILABLE = 460139; ///< values for which the data determine no prediction
 constexpr int CLUSTER_DECIDES =
     460142; ///< clusters determine parts of a coefficient alone: no robust variance of it

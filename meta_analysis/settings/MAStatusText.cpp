@@ -119,6 +119,12 @@ constexpr StatusSentence sentences[] = {
     {MAStatusCode::STD_DEV_DOUBTFUL,
      "A standard deviation looks like a standard error: the standardised difference is beyond 3, and the "
      "other studies' standard deviations are five times as large or more."},
+    {MAStatusCode::NON_INTEGER_COUNTS,
+     "Numbers of events or persons are no whole numbers; they are used as they are."},
+    {MAStatusCode::EMPTY_GROUP,
+     "A study has nobody in one of its groups: it says nothing of a difference between them, and an effect "
+     "size of it comes from the zero-cell correction alone."},
+    {MAStatusCode::DATA_INTERPRETED, "The data file was converted, or the form of its values guessed."},
     {MAStatusCode::DELETION_UNDEFINED,
      "There is no model without one of the studies: diagnostics of its influence are missing."},
     {MAStatusCode::SUBGROUP_VALUE_MISSING,

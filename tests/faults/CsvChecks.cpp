@@ -2,16 +2,16 @@
 
 #include "host/data/CsvReader.h"
 #include "host/data/DataTable.h"
+#include "host/data/FieldValue.h"
 #include "host/text/UnusableInput.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <cmath>
-#include <functional>
 #include <string>
+#include <vector>
 
 namespace {
 
@@ -19,8 +19,8 @@ namespace {
 std::string Written(const host::CsvContent& content)
 {
     std::string text;
-    for (std::size_t row = 0; row < content.rowLines.size(); ++row) {
-        for (std::size_t column = 0; column < content.columnCount; ++column) {
+    for (std::size_t row = 0; row < content.RowCount(); ++row) {
+        for (std::size_t column = 0; column < content.ColumnCount(); ++column) {
             text += column == 0 ? "\"" : ",\"";
             for (const char c : content.Field(row, column))
                 text += c == '"' ? std::string("\"\"") : std::string(1, c);
@@ -34,30 +34,53 @@ std::string Written(const host::CsvContent& content)
 std::vector<std::string> FieldsOf(const host::CsvContent& content)
 {
     std::vector<std::string> fields;
-    for (std::size_t row = 0; row < content.rowLines.size(); ++row) {
-        for (std::size_t column = 0; column < content.columnCount; ++column)
+    for (std::size_t row = 0; row < content.RowCount(); ++row) {
+        for (std::size_t column = 0; column < content.ColumnCount(); ++column)
             fields.emplace_back(content.Field(row, column));
     }
     return fields;
 }
 
+/// Written anew with all fields in quotes, the text goes through the parser alone.
 void CheckContent(const host::CsvContent& content)
 {
-    const std::vector<std::size_t>& lines = content.rowLines;
-    EXPECT_EQ(content.ends.size(), lines.size() * content.columnCount) << "every row has its fields";
-    EXPECT_TRUE(std::is_sorted(content.ends.begin(), content.ends.end())) << "fields follow one another";
-    EXPECT_EQ(std::adjacent_find(lines.begin(), lines.end(), std::greater_equal<>()), lines.end());
-    EXPECT_EQ(FieldsOf(host::ReadCsv(Written(content), "written")), FieldsOf(content));
+    for (std::size_t row = 1; row < content.RowCount(); ++row)
+        EXPECT_LT(content.LineOf(row - 1), content.LineOf(row));
+    EXPECT_EQ(FieldsOf(host::ReadCsv(Written(content), "written", ',')), FieldsOf(content));
+}
+
+/// A number is the same in the forms that a spreadsheet gives it.
+void CheckNumber(const host::DataTable& table, std::size_t row, std::size_t column)
+{
+    const double number = table.Number(row, column);
+    EXPECT_TRUE(std::isfinite(number));
+    EXPECT_EQ(KXMV::IsMissing(number), table.IsMissing(row, column));
+    EXPECT_TRUE(table.Decimals(row, column) >= 0);
+    double plain = 0;
+    if (host::ParsePlainNumber(table.TrimmedText(row, column), plain)) {
+        EXPECT_EQ(number, plain);
+    }
 }
 
 void CheckTable(const host::DataTable& table, std::size_t columnCount)
 {
     for (std::size_t column = 0; column < columnCount; ++column) {
-        for (std::size_t row = 0; table.HoldsNumbers(column) && row < table.RowCount(); ++row) {
-            const double number = table.Number(row, column);
-            EXPECT_TRUE(std::isfinite(number));
-            EXPECT_EQ(KXMV::IsMissing(number), table.IsMissing(row, column));
-        }
+        const bool holdsNumbers = table.HoldsNumbers(column);
+        for (std::size_t row = 0; holdsNumbers && row < table.RowCount(); ++row)
+            CheckNumber(table, row, column);
+    }
+}
+
+void CheckFormat(const std::string& text, const host::FileFormat& format)
+{
+    try {
+        const host::CsvContent content = host::ReadCsv(text, "data", format.separator.value_or(','));
+        CheckContent(content);
+        const host::DataTable table = host::DataTable::Parse(text, "data", format);
+        if (format.separator && table.Notes().empty()) // the text is UTF-8 as it is
+            CheckTable(table, content.ColumnCount());
+    } catch (const host::UnusableInput&) {
+        return;
     }
 }
 
@@ -66,11 +89,8 @@ void CheckTable(const host::DataTable& table, std::size_t columnCount)
 void CheckCsv(const Bytes& bytes)
 {
     const std::string text(bytes.begin(), bytes.end());
-    try {
-        const host::CsvContent content = host::ReadCsv(text, "data");
-        CheckContent(content);
-        CheckTable(host::DataTable::Parse(text, "data"), content.columnCount);
-    } catch (const host::UnusableInput&) {
-        return;
-    }
+    CheckFormat(text, {});
+    for (const char separator : {',', ';', '\t'})
+        for (const char decimalMark : {'.', ','})
+            CheckFormat(text, {separator, decimalMark});
 }

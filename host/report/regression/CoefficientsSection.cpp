@@ -16,10 +16,13 @@ std::vector<ReportColumn> CoefficientColumns(const RegressionData& data)
     std::vector<ReportColumn> columns = data.EstimateColumns(
         "Coefficient", {data.output.GetEstimation(), data.output.GetBetaConfInterValLower(),
                         data.output.GetBetaConfInterValUpper()});
-    for (ReportColumn& column : columns)
+    const KXBitSet estimated = data.output.GetRedundancyInfo();
+    for (ReportColumn& column : columns) {
+        CompactTexts cells;
         for (std::size_t i = 0; i < column.cells.size(); ++i)
-            if (!data.output.GetRedundancyInfo().Test(i))
-                column.cells[i] = std::string(NO_VALUE);
+            cells.push_back(estimated.Test(i) ? column.cells.View(i) : NO_VALUE);
+        column.cells = std::move(cells);
+    }
     return columns;
 }
 

@@ -6,6 +6,7 @@
 
 #include <cstddef>
 #include <map>
+#include <utility>
 
 namespace host {
 
@@ -31,7 +32,8 @@ std::vector<std::string> GroupsOf(const std::vector<int>& records, const Analysi
 ReportSections StudiesSection(const AnalysisData& data)
 {
     const std::vector<int> records = data.base.GetNonMissingStudyID();
-    ReportSection section = {"Studies", {{"Study", data.StudyLabelsOf(records), true}}, {}};
+    ReportSection section = {"Studies", {}, {}};
+    section.table.push_back({"Study", LabelList(data.request.studyLabels, records), true});
     if (!data.groupLabels.empty())
         section.table.push_back({LabelText(data.request.subgroup.column), GroupsOf(records, data), true});
     AppendEffects(section.table, StudyRows(data), HeadersOf(data.measure), data);
@@ -41,7 +43,9 @@ ReportSections StudiesSection(const AnalysisData& data)
          })});
     if (const std::string correction = WordingOfStudyCorrection(data); !correction.empty())
         section.sentences.push_back(correction);
-    return {section};
+    ReportSections sections;
+    sections.push_back(std::move(section));
+    return sections;
 }
 
 } // namespace host

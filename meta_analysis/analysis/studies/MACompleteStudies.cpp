@@ -3,7 +3,6 @@
 #include "meta_analysis/analysis/studies/MAReadyMade.h"
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/effectsize/MAPoolable.h"
-#include "meta_analysis/effectsize/MARatio.h"
 #include "meta_analysis/inference/MATestPValues.h"
 #include "meta_analysis/settings/MAStatusCode.h"
 
@@ -21,8 +20,6 @@ void Append(const MAReadyMade& study, double quantile, MAStudies& studies)
     studies.effectSize.push_back(study.effectSize);
     studies.variance.push_back(study.variance);
     studies.tests.push_back({study.stdError, z, TwoSidedNormalPValue(z).value, lower, upper});
-    studies.ratios.push_back({RatioOf(study.effectSize), RatioOf(study.variance), RatioOf(study.stdError),
-                              RatioOf(lower), RatioOf(upper)});
 }
 
 void Classify(const MAReadyMade& study, int recordNumber, double quantile, bool hasConversions,

@@ -1,5 +1,6 @@
 #include "meta_analysis/analysis/studies/MAMeansStudies.h"
 
+#include "meta_analysis/analysis/studies/MADoubtfulCounts.h"
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/effectsize/MAConversions.h"
 #include "meta_analysis/effectsize/MAMeansRule.h"
@@ -101,6 +102,7 @@ void Classify(const Group& treatment, const Group& control, bool hasConversions,
         reading.studies.groupConversions.push_back({treatment.mean.from, control.mean.from});
     if (treatment.mean.isSkewed || control.mean.isSkewed)
         reading.counts.warnings.push_back({recordNumber, MAStatusCode::SUMMARY_SKEWED});
+    WarnOfCounts(means, recordNumber, reading.counts);
 }
 
 } // namespace

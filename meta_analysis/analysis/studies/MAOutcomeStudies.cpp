@@ -1,6 +1,7 @@
 #include "meta_analysis/analysis/studies/MAOutcomeStudies.h"
 
 #include "meta_analysis/analysis/studies/MACountVariables.h"
+#include "meta_analysis/analysis/studies/MADoubtfulCounts.h"
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/effectsize/MAOutcomeEffects.h"
 #include "meta_analysis/inference/MAInference.h"
@@ -95,6 +96,7 @@ std::vector<Study> ReadRaw(MultiPassRecordIter& records, const MAModelSettings& 
         }
         reading.studies.recordNumber.push_back(recordNumber);
         raw.push_back(study);
+        WarnOfCounts(study, recordNumber, reading.counts);
     });
     return raw;
 }

@@ -69,7 +69,7 @@ struct MAStudies
     std::vector<double> effectSize; ///< on the analysis scale: log for ratio measures
     std::vector<double> variance;
     std::vector<MAStudyTest> tests;
-    std::vector<MAStudyRatio> ratios;           ///< where there is a ratio scale
+    std::vector<MAStudyRatio> ratios;           ///< of tables, where there is a ratio scale
     std::vector<MAGroupOutcomes> groupOutcomes; ///< of tables, but for Peto odds ratios
 
     std::vector<double> groupValue; ///< of the subgroup variable; `MAConst::overallGroup` when there is none

@@ -1,6 +1,7 @@
 #include "meta_analysis/analysis/studies/MATableStudies.h"
 
 #include "meta_analysis/analysis/studies/MACountVariables.h"
+#include "meta_analysis/analysis/studies/MADoubtfulCounts.h"
 #include "meta_analysis/analysis/studies/MARecordPass.h"
 #include "meta_analysis/effectsize/MAStudyEstimate.h"
 #include "meta_analysis/effectsize/MATableEffect.h"
@@ -39,6 +40,7 @@ void Classify(const MATable& table, int recordNumber, const MATableRule& rule,
     reading.studies.recordNumber.push_back(recordNumber);
     reading.studies.sampleSize.push_back(table.a + table.b + table.c + table.d);
     reading.studies.tables.push_back(table);
+    WarnOfCounts(table, recordNumber, reading.counts);
 }
 
 void ReserveEffects(bool hasRatios, bool hasGroups, MAStudies& studies)

@@ -1,9 +1,11 @@
-#include "host/batch/ByteSource.h"
+#include "host/data/ByteSource.h"
 
+#include "host/data/FileKinds.h"
 #include "host/text/UnusableInput.h"
 
 #include <fcntl.h>
 #include <fmt/format.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
@@ -21,21 +23,11 @@ using namespace std::string_view_literals;
 constexpr std::size_t AHEAD_SIZE = 1 << 16;
 constexpr std::string_view GZIP_START = "\x1f\x8b"sv;
 
-struct OtherKind
+/// Workbooks among the archives are told by more than their first bytes.
+bool IsArchive(std::string_view start)
 {
-    std::string_view start;
-    const char* name;
-};
-
-/// Kinds of files that are known by their first bytes, and cannot be read.
-constexpr OtherKind OTHER_KINDS[] = {
-    {"BZh"sv, "compressed by bzip2: 'bzcat FILE | ... -' reads it"},
-    {"\xfd\x37zXZ\0"sv, "compressed by xz: 'xzcat FILE | ... -' reads it"},
-    {"\x28\xb5\x2f\xfd"sv, "compressed by zstd: 'zstdcat FILE | ... -' reads it"},
-    {"PK\x03\x04"sv, "a ZIP archive or a workbook, and no text"},
-    {"\xff\xfe"sv, "text in UTF-16; UTF-8 is needed"},
-    {"\xfe\xff"sv, "text in UTF-16; UTF-8 is needed"},
-};
+    return start.starts_with("PK\x03\x04");
+}
 
 std::string NameOf(const std::string& path)
 {
@@ -62,6 +54,13 @@ ByteSource::~ByteSource()
 {
     if (file_ != STDIN_FILENO)
         close(file_);
+}
+
+std::size_t ByteSource::SizeHint() const
+{
+    struct stat status = {};
+    const bool isKnown = !gzip_ && fstat(file_, &status) == 0 && S_ISREG(status.st_mode);
+    return isKnown ? static_cast<std::size_t>(status.st_size) : 0;
 }
 
 std::size_t ByteSource::Read(char* to, std::size_t size)
@@ -98,18 +97,15 @@ bool ByteSource::Refill()
 /// A pipe may give less bytes at a time than it takes to know the kind.
 void ByteSource::Sniff()
 {
-    constexpr std::size_t ENOUGH = 8;
-    while (aheadEnd_ < ENOUGH) {
+    constexpr std::size_t ENOUGH = 64;
+    while (aheadEnd_ < ENOUGH || (IsArchive(Start()) && aheadEnd_ < ahead_.size())) {
         const std::size_t count = ReadFile(ahead_.data() + aheadEnd_, ahead_.size() - aheadEnd_);
         if (count == 0)
             break;
         aheadEnd_ += count;
     }
-    const std::string_view start(ahead_.data(), aheadEnd_);
-    for (const OtherKind& kind : OTHER_KINDS)
-        if (start.starts_with(kind.start))
-            throw UnusableInput(fmt::format("{} is {}.", name_, kind.name));
-    if (!start.starts_with(GZIP_START))
+    RefuseOtherKinds(Start(), name_);
+    if (!Start().starts_with(GZIP_START))
         return;
     gzip_ = std::make_unique<inflate_state>();
     isal_inflate_init(gzip_.get());

@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <memory>
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace host {
@@ -22,6 +23,12 @@ public:
 
     /// Reads up to `size` bytes, and none at the end alone.
     std::size_t Read(char* to, std::size_t size);
+
+    /// The bytes of a file that is not compressed; 0 where that is not known.
+    std::size_t SizeHint() const;
+
+    /// The first bytes as they are in the file. Valid until the first Read.
+    std::string_view Start() const { return {ahead_.data(), aheadEnd_}; }
 
     /// What messages call the file.
     const std::string& Name() const { return name_; }

@@ -1,0 +1,106 @@
+#include "host/cli/OptionGroups.h"
+#include "host/text/TextParsing.h"
+#include "host/text/UnusableInput.h"
+
+#include <fmt/format.h>
+
+#include <cstddef>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace host {
+
+namespace {
+
+using Json = nlohmann::ordered_json;
+
+/// A character by its name, or as itself.
+struct NamedCharacter
+{
+    char character;
+    const char* name;
+};
+
+constexpr NamedCharacter SEPARATORS[] = {{',', "comma"}, {';', "semicolon"}, {'\t', "tab"}};
+constexpr NamedCharacter DECIMAL_MARKS[] = {{'.', "point"}, {',', "comma"}};
+
+template <std::size_t N>
+std::string NamesOf(const NamedCharacter (&characters)[N])
+{
+    std::string names = "auto";
+    for (const NamedCharacter& one : characters)
+        names += fmt::format(", {}", one.name);
+    return names;
+}
+
+/// None for "auto".
+template <std::size_t N>
+std::optional<char> CharacterOf(const std::string& text, const NamedCharacter (&characters)[N])
+{
+    if (text == "auto")
+        return std::nullopt;
+    for (const NamedCharacter& one : characters)
+        if (text == one.name || text == std::string(1, one.character))
+            return one.character;
+    if (text == "\\t")
+        return CharacterOf("tab", characters);
+    throw UnusableInput(fmt::format("'{}' is unknown; known are {}.", text, NamesOf(characters)));
+}
+
+template <std::size_t N>
+OptionDefinition CharacterOption(const char* name, const char* help, std::optional<char>& target,
+                                 const NamedCharacter (&characters)[N])
+{
+    return {
+        .name = name,
+        .argument = "NAME",
+        .help = fmt::format("{}: {} (default auto)", help, NamesOf(characters)),
+        .store = [&target, &characters](const std::string& text) { target = CharacterOf(text, characters); },
+        .value =
+            [&target, &characters] {
+                for (const NamedCharacter& one : characters)
+                    if (target == one.character)
+                        return Json(one.name);
+                return Json("auto");
+            }};
+}
+
+std::vector<std::string> PartsOf(std::string_view list)
+{
+    std::vector<std::string> parts;
+    for (;;) {
+        const std::size_t comma = list.find(',');
+        parts.emplace_back(Trimmed(list.substr(0, comma)));
+        if (comma == std::string_view::npos)
+            return parts;
+        list.remove_prefix(comma + 1);
+    }
+}
+
+OptionDefinition MissingOption(FileFormat& file)
+{
+    return {.name = "missing",
+            .argument = "LIST",
+            .help = "texts of missing values in any case, separated by commas; empty fields always are "
+                    "missing (default NA,N/A,NaN,.)",
+            .store = [&file](const std::string& text) { file.missing = PartsOf(text); },
+            .value = [&file] { return Json(file.missing); }};
+}
+
+} // namespace
+
+OptionGroup FileOptions(Options& options)
+{
+    if (options.command == Command::BATCH)
+        return {};
+    FileFormat& file = options.file;
+    return {.heading = "Data file",
+            .options = {
+                CharacterOption("separator", "what separates the fields", file.separator, SEPARATORS),
+                CharacterOption("decimal", "decimal mark of the numbers", file.decimalMark, DECIMAL_MARKS),
+                MissingOption(file)}};
+}
+
+} // namespace host

@@ -1,0 +1,18 @@
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace host {
+
+/// How the data file is written.
+struct FileFormat
+{
+    std::optional<char> separator;   ///< comma, semicolon or tab; by the header line without
+    std::optional<char> decimalMark; ///< point or comma; by the fields without
+    std::vector<std::string> missing = {"NA", "N/A", "NaN",
+                                        "."}; ///< texts of missing values in any case, beside empty fields
+};
+
+} // namespace host
