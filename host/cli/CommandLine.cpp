@@ -26,7 +26,8 @@ namespace {
 
 constexpr const char* PROGRAM_HELP =
     "Pools the studies of a CSV file: effect sizes, fixed- or random-effects model, heterogeneity.\n"
-    "The first line of the file names the columns; an empty field, NA, N/A, NaN or a point is a missing value.";
+    "The first line of the file names the columns; an empty field, NA, N/A, NaN or a point is a missing "
+    "value.";
 
 constexpr const char* EXAMPLE =
     "Example:\n"
