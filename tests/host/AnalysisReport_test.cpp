@@ -131,7 +131,7 @@ TEST(AnalysisReport, NamesConvertedStudiesAndTheLabelOfTheMeasure)
          {Arguments{"binary", folder.Write("t.csv", "who;a;b;c;d\nX;1,5;8;2;9\nY;0;0;3;9\nZ;2;9;3;9\n")} +
              "--study who --treatment-events a --treatment-nonevents b --control-events c "
              "--control-nonevents d",
-         "3 used.*460152: [^\n]*Study: X\\.\n460153: [^\n]*Study: Y\\.\n"},
+         "460152: [^\n]*Study: X\\.\n460153: [^\n]*Study: Y\\.\n.*3 used"},
     });
 }
 
