@@ -84,7 +84,7 @@ std::string FewStudiesForTau2(const Subject& subject)
     return OfModels(
         subject,
         [&](const ModelRow& model) {
-            return subject.HasOwnTau2(model) && model.studies.size() < FEW_FOR_TAU2;
+            return subject.HasOwnTau2(model) && model.tau2 > 0 && model.studies.size() < FEW_FOR_TAU2;
         },
         [&](const ModelRow& model) {
             const std::string upper =
@@ -169,10 +169,11 @@ std::string NoVarianceBetween(const Subject& subject)
         "equal");
 }
 
-/// Half of the range of I² or more.
+/// Half of the range or more, from what the Cochrane Handbook calls perhaps unimportant (up to 40%) to what
+/// it calls substantial (from 50%).
 bool IsWideI2(const ModelRow& model)
 {
-    return HasValue(model.i2Lower) && model.i2Upper - model.i2Lower >= 0.5;
+    return HasValue(model.i2Lower) && model.i2Lower <= 0.4 && model.i2Upper - model.i2Lower >= 0.5;
 }
 
 std::string UncertainI2(const Subject& subject)
@@ -183,7 +184,7 @@ std::string UncertainI2(const Subject& subject)
             return fmt::format("I² {} [{}, {}]", subject.Percent(model.i2), subject.Percent(model.i2Lower),
                                subject.Percent(model.i2Upper));
         },
-        "so wide an interval leaves open whether heterogeneity is slight or considerable");
+        "so wide an interval has room for unimportant and for substantial heterogeneity");
 }
 
 std::string I2WithoutInterval(const Subject& subject)

@@ -115,7 +115,7 @@ private:
                              .type = "prediction interval",
                              .natural = data_.natural ? EntryOf(data_.natural->predictions, i) : Effect(),
                              .effect = prediction});
-        if (HasValue(model.q))
+        if (HasValue(model.q) && model.qDf > 0)
             rows_.push_back({.kind = Row::Kind::HETEROGENEITY,
                              .label = "Heterogeneity",
                              .group = group,
