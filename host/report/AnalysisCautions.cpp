@@ -25,6 +25,10 @@ struct Subject
 {
     const AnalysisData& data;
     std::vector<ModelRow> models;
+    std::vector<double> stdErrors; ///< of the studies
+    /// That of the studies' own intervals, which are by the normal distribution.
+    double normalQuantile =
+        (data.base.GetCIUpper().front() - data.base.GetCILower().front()) / (2 * stdErrors.front());
 
     std::size_t StudyCount() const { return models.back().studies.size(); }
     /// Whether tau² of the model is its own.
@@ -122,18 +126,14 @@ std::string TwoStudiesByT(const Subject& subject)
         "much");
 }
 
-/// Half of the interval by the normal distribution, with tau² as known. The studies' own intervals are by
-/// that distribution, and so have its quantile.
+/// Half of the interval by the normal distribution, with tau² as known.
 double ClassicalHalfWidth(const Subject& subject, const ModelRow& model)
 {
-    const std::vector<double> stdErrors = subject.data.base.GetStdError();
-    const double quantile =
-        (subject.data.base.GetCIUpper().front() - subject.data.base.GetCILower().front()) /
-        (2 * stdErrors.front());
+    const std::vector<double>& stdErrors = subject.stdErrors;
     double sum = 0;
     for (const std::size_t study : model.studies)
         sum += 1 / (stdErrors[study] * stdErrors[study] + model.tau2);
-    return quantile / std::sqrt(sum);
+    return subject.normalQuantile / std::sqrt(sum);
 }
 
 std::string ShorterByKnappHartung(const Subject& subject)
@@ -362,8 +362,7 @@ std::string BackTransformedSizes(const Subject& subject)
         subject.data.settings.GetOutcomeMeasure() == MAConst::PROPORTION_FREEMAN_TUKEY;
     if (!isFreemanTukey)
         return {};
-    const std::vector<double> stdErrors = subject.data.base.GetStdError();
-    const auto [least, most] = std::minmax_element(stdErrors.begin(), stdErrors.end());
+    const auto [least, most] = std::minmax_element(subject.stdErrors.begin(), subject.stdErrors.end());
     const auto sizeOf = [](double stdError) { return std::round((1 / (stdError * stdError) - 2) / 4); };
     if (sizeOf(*least) < 10 * sizeOf(*most))
         return {};
@@ -442,7 +441,7 @@ std::vector<std::string> CautionsOf(const AnalysisData& data)
 {
     if (data.base.GetNonMissingStudyID().empty())
         return {};
-    return SentencesOf(RULES, Subject{data, ModelRowsOf(data)});
+    return SentencesOf(RULES, Subject{data, ModelRowsOf(data), data.base.GetStdError()});
 }
 
 } // namespace host

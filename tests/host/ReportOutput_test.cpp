@@ -38,7 +38,7 @@ TEST(ReportOutput, CautionsWhereANumberMisleads)
     const Arguments four = Effects(folder.Write("4.csv", head + "0,.1,a\n1,.1,a\n2,.1,a\n3,.1,b\n"));
     const Arguments raw = Arguments{"proportion", folder.Write("p.csv", "x,n\n1,40\n1,9\n1,10\n")} +
                           "--events x --n n --effect raw --model fixed";
-    for (const Shown& one : std::vector<Shown>{
+    for (const Shown& shown : std::vector<Shown>{
              {one, "There is one study"},
              {two + "--knapp-hartung adjusted", "2 studies, interval .* 1 degree of freedom"},
              {two, "2 studies: no prediction interval"},
@@ -58,7 +58,7 @@ TEST(ReportOutput, CautionsWhereANumberMisleads)
              {Regression("teacher_expectancy.csv") + "--covariate weeks --factor setting",
               "19 studies for 2 coefficients of predictors: with fewer than 10"},
          })
-        EXPECT_THAT(ReportOf(one.arguments), ContainsRegex("\nCautions\n.*" + one.text));
+        EXPECT_THAT(ReportOf(shown.arguments), ContainsRegex("\nCautions\n.*" + shown.text));
     EXPECT_THAT(ReportOf(Effects("passive_smoking.csv") + "--model fixed"), Not(HasSubstr("\nCautions\n")));
     EXPECT_EQ(JsonOf(one)["cautions"].size(), 1U);
 }
