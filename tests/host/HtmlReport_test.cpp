@@ -43,7 +43,7 @@ TEST(HtmlReport, HasAllPartsAndPicturesAndIsSelfContained)
     EXPECT_THAT(page.TextsOf("//h2"), IsSupersetOf({"Records", "Studies", "Pooled effect", "Warnings",
                                                     "Pictures", "Settings", "Command line"}));
     EXPECT_EQ(page.Select("//table").size(), page.Select("//table[caption]").size());
-    EXPECT_EQ(page.Select("//table[caption='Table 1. Studies']/tbody/tr").size(), 13U);
+    EXPECT_EQ(page.Select("//table[contains(caption,'. Studies')]/tbody/tr").size(), 13U);
     EXPECT_EQ(page.Select("//figure").size(), 13U);
     EXPECT_EQ(page.Select("//figure[figcaption]//svg[@role='img'][title][desc]").size(), 13U);
     EXPECT_THAT(page.TextsOf("//td"), Contains("allocation"));

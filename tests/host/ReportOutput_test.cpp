@@ -16,7 +16,7 @@ struct Shown
     std::string text; ///< a POSIX expression
 };
 
-/// Rosenthal's BCG trials have 0.4746 [0.3296, 0.6835] with p 6.2e-5, tau² 0.3378 and I² 92.07 %.
+/// The BCG trials have 0.4746 [0.3296, 0.6835] with p 6.2e-5, tau² 0.3378 and I² 92.07 %.
 TEST(ReportOutput, BeginsWithTheAnswerInTheDigitsAskedFor)
 {
     EXPECT_THAT(ReportOf(Bcg() + "--digits 2"),
@@ -49,8 +49,9 @@ TEST(ReportOutput, CautionsWhereANumberMisleads)
              {four + "--trim-fill run", "4 studies: trim-and-fill"},
              {equal, "tau² 0 from 4 studies: the model pools as one of a fixed"},
              {equal + "--tau2-interval none", "I² 0\\.0% from 4 studies, without an interval"},
-             {equal + "--knapp-hartung adjusted", "\\[0\\.98[0-9]+, 1\\.01[0-9]+\\] in place of \\[0\\.0200, "
-                                                  "1\\.9800\\]: the interval after Knapp"},
+             {equal + "--knapp-hartung adjusted",
+              "\\[0\\.98[0-9]+, 1\\.01[0-9]+\\] in place of \\[0\\.02002, 1\\.97998\\]: the "
+              "interval after Knapp"},
              {Bcg(), "excludes no effect, the prediction interval, 0\\.1239 to 1\\.8183, includes it"},
              {Bcg() + "--small-study-test egger", "Pooled odds ratio 0\\.4746: the standard error of a log"},
              {Bcg() + "--tau2-search scoring --max-iterations 1", "reached --max-iterations .*provisional"},
@@ -77,7 +78,7 @@ TEST(ReportOutput, TablesRunNothingAndLoseNothing)
     EXPECT_THAT(csv, HasSubstr("\r\n\"'=SUM(\"\"A1\"\";1)\",\"study\",-0.5,-1.4799"));
     EXPECT_THAT(csv, HasSubstr("\r\n\"-0.5\",\"study\",0.125,"));
     EXPECT_THAT(csv, ContainsRegex("\"Overall\",\"overall\",-0\\.145833333[0-9]*,"));
-    EXPECT_THAT(csv, ContainsRegex("\"heterogeneity\",(,)*1\\.9[0-9]+,2,"));
+    EXPECT_THAT(csv, ContainsRegex("\"heterogeneity\",(,)*1\\.88802[0-9]*,2,"));
     const ProgramRun files = RunProgram(run + "-q --table" + Arguments{folder.PathOf("t.tex")});
     EXPECT_EQ(files.output + files.errors, "");
     EXPECT_THAT(folder.Read("t.tex"),
