@@ -1,13 +1,10 @@
+#include "host/report/CautionSubject.h"
 #include "host/report/CautionWording.h"
 #include "host/report/Cautions.h"
-#include "host/report/ModelRows.h"
-#include "host/report/ZeroCellSentences.h"
 #include "host/text/Wording.h"
 
 #include <fmt/format.h>
 
-#include <algorithm>
-#include <array>
 #include <cmath>
 
 using namespace MA_NAMESPACE;
@@ -19,41 +16,6 @@ namespace {
 constexpr std::size_t FEW_FOR_TAU2 = 5;
 /// For a normal interval of random effects, groups, and tests of asymmetry.
 constexpr std::size_t FEW_STUDIES = 10;
-
-/// An analysis, and its models, which most rules go through.
-struct Subject
-{
-    const AnalysisData& data;
-    std::vector<ModelRow> models;
-
-    std::size_t StudyCount() const { return models.back().studies.size(); }
-    /// Whether tau² of the model is its own.
-    bool HasOwnTau2(const ModelRow& model) const
-    {
-        return IsRandom(data.settings) && model.studies.size() > 1 && HasValue(model.tau2) &&
-               (model.isOverall || !data.settings.GetCommonTau2());
-    }
-    std::string Percent(double fraction) const
-    {
-        return PercentText(fraction, data.numbers.PercentDecimals(1));
-    }
-    std::string Interval(double lower, double upper) const
-    {
-        return fmt::format("[{}, {}]", data.EffectText(lower), data.EffectText(upper));
-    }
-};
-
-/// What the models of which the condition holds are described by, then the explanation; empty without any.
-template <class Condition, class Description>
-std::string OfModels(const Subject& subject, const Condition& holds, const Description& describe,
-                     const std::string& explanation)
-{
-    std::vector<std::string> texts;
-    for (const ModelRow& model : subject.models)
-        if (holds(model))
-            texts.push_back((model.label.empty() ? "" : model.label + ": ") + describe(model));
-    return texts.empty() ? "" : fmt::format("{}: {}", Listed(texts), explanation);
-}
 
 std::string CountText(const ModelRow& model)
 {
@@ -84,7 +46,7 @@ std::string FewStudiesForTau2(const Subject& subject)
     return OfModels(
         subject,
         [&](const ModelRow& model) {
-            return subject.HasOwnTau2(model) && model.studies.size() < FEW_FOR_TAU2;
+            return subject.HasOwnTau2(model) && model.tau2 > 0 && model.studies.size() < FEW_FOR_TAU2;
         },
         [&](const ModelRow& model) {
             const std::string upper =
@@ -122,18 +84,14 @@ std::string TwoStudiesByT(const Subject& subject)
         "much");
 }
 
-/// Half of the interval by the normal distribution, with tau² as known. The studies' own intervals are by
-/// that distribution, and so have its quantile.
+/// Half of the interval by the normal distribution, with tau² as known.
 double ClassicalHalfWidth(const Subject& subject, const ModelRow& model)
 {
-    const std::vector<double> stdErrors = subject.data.base.GetStdError();
-    const double quantile =
-        (subject.data.base.GetCIUpper().front() - subject.data.base.GetCILower().front()) /
-        (2 * stdErrors.front());
+    const std::vector<double>& stdErrors = subject.stdErrors;
     double sum = 0;
     for (const std::size_t study : model.studies)
         sum += 1 / (stdErrors[study] * stdErrors[study] + model.tau2);
-    return quantile / std::sqrt(sum);
+    return subject.normalQuantile / std::sqrt(sum);
 }
 
 std::string ShorterByKnappHartung(const Subject& subject)
@@ -169,10 +127,11 @@ std::string NoVarianceBetween(const Subject& subject)
         "equal");
 }
 
-/// Half of the range of I² or more.
+/// Half of the range or more, from what the Cochrane Handbook calls perhaps unimportant (up to 40%) to what
+/// it calls substantial (from 50%).
 bool IsWideI2(const ModelRow& model)
 {
-    return HasValue(model.i2Lower) && model.i2Upper - model.i2Lower >= 0.5;
+    return HasValue(model.i2Lower) && model.i2Lower <= 0.4 && model.i2Upper - model.i2Lower >= 0.5;
 }
 
 std::string UncertainI2(const Subject& subject)
@@ -183,7 +142,7 @@ std::string UncertainI2(const Subject& subject)
             return fmt::format("I² {} [{}, {}]", subject.Percent(model.i2), subject.Percent(model.i2Lower),
                                subject.Percent(model.i2Upper));
         },
-        "so wide an interval leaves open whether heterogeneity is slight or considerable");
+        "so wide an interval has room for unimportant and for substantial heterogeneity");
 }
 
 std::string I2WithoutInterval(const Subject& subject)
@@ -302,106 +261,6 @@ std::string FillingOfFew(const Subject& subject)
                        CountOfStudies(subject.StudyCount()));
 }
 
-bool IsOddsRatioOfTables(const AnalysisData& data)
-{
-    return IsBinary(data.settings) && data.settings.GetInputESType() == MAConst::INPUT_RAW &&
-           data.settings.GetBinaryEstType() == MAConst::BIN_ODDS_RATIO;
-}
-
-/// A ratio above 2 or below one half.
-bool IsFarFromOne(const ModelRow& model)
-{
-    return std::abs(model.estimate) > std::log(2.0);
-}
-
-std::string TestOfOddsRatios(const Subject& subject)
-{
-    const AnalysisData& data = subject.data;
-    const bool isOnStdError = data.analysis.testStatus &&
-                              data.settings.GetRegBaseTestType() == MAConst::REG_TEST_EFFECT_ON_STD_ERROR;
-    const ModelRow& overall = subject.models.back();
-    if (!isOnStdError || !IsOddsRatioOfTables(data) || !IsFarFromOne(overall))
-        return {};
-    return fmt::format(
-        "Pooled odds ratio {}: the standard error of a log odds ratio depends on the odds ratio "
-        "itself, so that this small-study test finds asymmetry too often; see "
-        "--small-study-test harbord and peters",
-        data.numbers(std::exp(overall.estimate)));
-}
-
-std::string FarPetoOddsRatio(const Subject& subject)
-{
-    const bool isPeto = IsBinary(subject.data.settings) &&
-                        subject.data.settings.GetInputESType() == MAConst::INPUT_RAW &&
-                        subject.data.settings.GetBinaryEstType() == MAConst::BIN_PETO_ODDS_RATIO;
-    return OfModels(
-        subject, [&](const ModelRow& model) { return isPeto && IsFarFromOne(model); },
-        [&](const ModelRow& model) {
-            return "Peto odds ratio " + subject.data.numbers(std::exp(model.estimate));
-        },
-        "Peto's method is biased for odds ratios far from 1, the more so with groups of different sizes");
-}
-
-std::string CorrectedZeros(const Subject& subject)
-{
-    const int count = CorrectedStudies(subject.data);
-    if (PoolsTables(subject.data.settings) || count == 0)
-        return {};
-    return fmt::format("{} of {} studies have a zero-cell correction of {}: pooled by inverse variance, that "
-                       "constant is part of the result; compare --zero-delta, or --weights mantel-haenszel "
-                       "with --model fixed where the measure has it",
-                       count, subject.StudyCount(), subject.data.settings.GetZeroCountDelta());
-}
-
-/// The sizes that the variances 1 / (4n + 2) have.
-std::string BackTransformedSizes(const Subject& subject)
-{
-    const bool isFreemanTukey =
-        IsMeasured(subject.data.settings) &&
-        subject.data.settings.GetOutcomeMeasure() == MAConst::PROPORTION_FREEMAN_TUKEY;
-    if (!isFreemanTukey)
-        return {};
-    const std::vector<double> stdErrors = subject.data.base.GetStdError();
-    const auto [least, most] = std::minmax_element(stdErrors.begin(), stdErrors.end());
-    const auto sizeOf = [](double stdError) { return std::round((1 / (stdError * stdError) - 2) / 4); };
-    if (sizeOf(*least) < 10 * sizeOf(*most))
-        return {};
-    return fmt::format(
-        "Sizes from {:.0f} to {:.0f}: the proportion goes back from the Freeman-Tukey scale by "
-        "one size, the harmonic mean, and can mislead where sizes differ this much; see "
-        "--effect logit",
-        sizeOf(*most), sizeOf(*least));
-}
-
-/// The values that a measure on its natural scale can have.
-struct Range
-{
-    MAConst::OUTCOMEMEASURE measure;
-    const char* name;
-    double least;
-    double most;
-};
-
-constexpr std::array RANGES{Range{MAConst::PROPORTION_RAW, "proportion", 0, 1},
-                            Range{MAConst::RATE_RAW, "rate", 0, HUGE_VAL},
-                            Range{MAConst::CORRELATION_RAW, "correlation", -1, 1}};
-
-std::string ImpossibleLimits(const Subject& subject)
-{
-    if (!IsMeasured(subject.data.settings))
-        return {};
-    const auto range = std::find_if(RANGES.begin(), RANGES.end(), [&](const Range& one) {
-        return one.measure == subject.data.settings.GetOutcomeMeasure();
-    });
-    if (range == RANGES.end())
-        return {};
-    return OfModels(
-        subject,
-        [&](const ModelRow& model) { return model.ciLower < range->least || model.ciUpper > range->most; },
-        [&](const ModelRow& model) { return "interval " + subject.Interval(model.ciLower, model.ciUpper); },
-        fmt::format("no {} is there; a transformed scale keeps to what is possible", range->name));
-}
-
 std::string RepeatedLooks(const Subject& subject)
 {
     return subject.data.base.GetCumEstES().empty() ? ""
@@ -441,7 +300,7 @@ std::vector<std::string> CautionsOf(const AnalysisData& data)
 {
     if (data.base.GetNonMissingStudyID().empty())
         return {};
-    return SentencesOf(RULES, Subject{data, ModelRowsOf(data)});
+    return SentencesOf(RULES, Subject{data, ModelRowsOf(data), data.base.GetStdError()});
 }
 
 } // namespace host

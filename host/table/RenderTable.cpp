@@ -44,10 +44,14 @@ std::string RenderCsv(const StudyTable& table)
     return text;
 }
 
-std::string Trimmed(const std::string& text)
+/// A number, or an estimate with its interval, without the blanks that align it in a report.
+std::string Unaligned(const std::string& text)
 {
-    const std::size_t first = text.find_first_not_of(' ');
-    return first == std::string::npos ? "" : text.substr(first, text.find_last_not_of(' ') + 1 - first);
+    std::string unaligned;
+    for (const char c : text)
+        if (c != ' ' || (!unaligned.empty() && unaligned.back() != ' ' && unaligned.back() != '['))
+            unaligned += c;
+    return unaligned;
 }
 
 using CellText = std::string (*)(const std::string&);
@@ -59,7 +63,7 @@ std::string JoinedRow(const std::vector<ReportColumn>& columns, const std::size_
     std::vector<std::string> cells;
     for (const ReportColumn& column : columns) {
         const std::string& cell = row == nullptr ? column.header : column.cells[*row];
-        cells.push_back(row == nullptr || column.isText ? ofText(cell) : ofNumber(Trimmed(cell)));
+        cells.push_back(row == nullptr || column.isText ? ofText(cell) : ofNumber(Unaligned(cell)));
     }
     return fmt::format("{}", fmt::join(cells, separator));
 }

@@ -51,12 +51,14 @@ struct Row
 
 using Rows = std::vector<Row>;
 
+double At(const std::vector<double>& values, std::size_t entry)
+{
+    return entry < values.size() ? values[entry] : NONE;
+}
+
 Effect EntryOf(const Estimates& estimates, std::size_t entry)
 {
-    const auto at = [entry](const std::vector<double>& values) {
-        return entry < values.size() ? values[entry] : NONE;
-    };
-    return {at(estimates.values), at(estimates.lower), at(estimates.upper)};
+    return {At(estimates.values, entry), At(estimates.lower, entry), At(estimates.upper, entry)};
 }
 
 /// Makes the rows in the order of the table: each group's studies with what is pooled of them, then all.
@@ -67,7 +69,7 @@ public:
 
     Rows Make() &&
     {
-        for (std::size_t i = 0; i < models_.size(); ++i) {
+        for (std::size_t i = 0; i < models_.size() && !records_.empty(); ++i) {
             const ModelRow& model = models_[i];
             if (!model.isOverall || models_.size() == 1)
                 for (const std::size_t study : model.studies)
@@ -105,9 +107,9 @@ private:
                          .type = model.isOverall ? "overall" : "group",
                          .natural = EntryOf(pooled_.naturals, i),
                          .effect = EntryOf(pooled_.effects, i),
-                         .stdError = pooled_.stdErrors[i],
+                         .stdError = At(pooled_.stdErrors, i),
                          .weight = weight,
-                         .p = pooled_.significances[i]});
+                         .p = At(pooled_.significances, i)});
         if (const Effect prediction = EntryOf(predictions_, i); HasValue(prediction.lower))
             rows_.push_back({.kind = Row::Kind::PREDICTION,
                              .label = data_.level + " prediction interval",
@@ -115,7 +117,7 @@ private:
                              .type = "prediction interval",
                              .natural = data_.natural ? EntryOf(data_.natural->predictions, i) : Effect(),
                              .effect = prediction});
-        if (HasValue(model.q))
+        if (HasValue(model.q) && model.qDf > 0)
             rows_.push_back({.kind = Row::Kind::HETEROGENEITY,
                              .label = "Heterogeneity",
                              .group = group,

@@ -16,7 +16,7 @@ struct Shown
     std::string text; ///< a POSIX expression
 };
 
-/// Rosenthal's BCG trials have 0.4746 [0.3296, 0.6835] with p 6.2e-5, tau² 0.3378 and I² 92.07 %.
+/// The BCG trials have 0.4746 [0.3296, 0.6835] with p 6.2e-5, tau² 0.3378 and I² 92.07 %.
 TEST(ReportOutput, BeginsWithTheAnswerInTheDigitsAskedFor)
 {
     EXPECT_THAT(ReportOf(Bcg() + "--digits 2"),
@@ -38,7 +38,7 @@ TEST(ReportOutput, CautionsWhereANumberMisleads)
     const Arguments four = Effects(folder.Write("4.csv", head + "0,.1,a\n1,.1,a\n2,.1,a\n3,.1,b\n"));
     const Arguments raw = Arguments{"proportion", folder.Write("p.csv", "x,n\n1,40\n1,9\n1,10\n")} +
                           "--events x --n n --effect raw --model fixed";
-    for (const Shown& one : std::vector<Shown>{
+    for (const Shown& shown : std::vector<Shown>{
              {one, "There is one study"},
              {two + "--knapp-hartung adjusted", "2 studies, interval .* 1 degree of freedom"},
              {two, "2 studies: no prediction interval"},
@@ -49,8 +49,9 @@ TEST(ReportOutput, CautionsWhereANumberMisleads)
              {four + "--trim-fill run", "4 studies: trim-and-fill"},
              {equal, "tau² 0 from 4 studies: the model pools as one of a fixed"},
              {equal + "--tau2-interval none", "I² 0\\.0% from 4 studies, without an interval"},
-             {equal + "--knapp-hartung adjusted", "\\[0\\.98[0-9]+, 1\\.01[0-9]+\\] in place of \\[0\\.0200, "
-                                                  "1\\.9800\\]: the interval after Knapp"},
+             {equal + "--knapp-hartung adjusted",
+              "\\[0\\.98[0-9]+, 1\\.01[0-9]+\\] in place of \\[0\\.02002, 1\\.97998\\]: the "
+              "interval after Knapp"},
              {Bcg(), "excludes no effect, the prediction interval, 0\\.1239 to 1\\.8183, includes it"},
              {Bcg() + "--small-study-test egger", "Pooled odds ratio 0\\.4746: the standard error of a log"},
              {Bcg() + "--tau2-search scoring --max-iterations 1", "reached --max-iterations .*provisional"},
@@ -58,8 +59,8 @@ TEST(ReportOutput, CautionsWhereANumberMisleads)
              {Regression("teacher_expectancy.csv") + "--covariate weeks --factor setting",
               "19 studies for 2 coefficients of predictors: with fewer than 10"},
          })
-        EXPECT_THAT(ReportOf(one.arguments), ContainsRegex("\nCautions\n.*" + one.text));
-    EXPECT_THAT(ReportOf(Effects("passive_smoking.csv")), Not(HasSubstr("\nCautions\n")));
+        EXPECT_THAT(ReportOf(shown.arguments), ContainsRegex("\nCautions\n.*" + shown.text));
+    EXPECT_THAT(ReportOf(Effects("passive_smoking.csv") + "--model fixed"), Not(HasSubstr("\nCautions\n")));
     EXPECT_EQ(JsonOf(one)["cautions"].size(), 1U);
 }
 
@@ -77,7 +78,7 @@ TEST(ReportOutput, TablesRunNothingAndLoseNothing)
     EXPECT_THAT(csv, HasSubstr("\r\n\"'=SUM(\"\"A1\"\";1)\",\"study\",-0.5,-1.4799"));
     EXPECT_THAT(csv, HasSubstr("\r\n\"-0.5\",\"study\",0.125,"));
     EXPECT_THAT(csv, ContainsRegex("\"Overall\",\"overall\",-0\\.145833333[0-9]*,"));
-    EXPECT_THAT(csv, ContainsRegex("\"heterogeneity\",(,)*1\\.9[0-9]+,2,"));
+    EXPECT_THAT(csv, ContainsRegex("\"heterogeneity\",(,)*1\\.88802[0-9]*,2,"));
     const ProgramRun files = RunProgram(run + "-q --table" + Arguments{folder.PathOf("t.tex")});
     EXPECT_EQ(files.output + files.errors, "");
     EXPECT_THAT(folder.Read("t.tex"),

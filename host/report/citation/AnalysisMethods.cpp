@@ -81,8 +81,9 @@ Keys KeysOfMeasure(const MAModelSettings& settings)
 Method Pooling(const AnalysisData& data)
 {
     const bool isTransformed = data.natural && !PoolsTables(data.settings);
-    return {fmt::format("The {} was pooled from {}{} under a {}",
-                        data.natural ? data.measure.name : data.measure.AnalysisName(),
+    const std::string name = data.natural ? data.measure.name : data.measure.AnalysisName();
+    const bool isOfPerson = name.find('\'') != std::string::npos; // "Hedges' g"
+    return {fmt::format("{}{} was pooled from {}{} under a {}", isOfPerson ? "" : "The ", name,
                         CountOfStudies(data.base.GetNonMissingStudyID().size()),
                         isTransformed ? " as " + data.measure.AnalysisName() : std::string(),
                         IsRandom(data.settings) ? "random-effects model with weights by inverse variance"
