@@ -142,14 +142,14 @@ std::string MethodOf(const AnalysisData& data)
     return isPeto ? "Peto" : "M-H";
 }
 
-/// "Mean Difference".
+/// "Mean Difference"; a letter alone, such as that of "Cohen's d", is a symbol.
 std::string InTitleCase(std::string text)
 {
-    bool startsWord = true;
-    for (char& c : text) {
-        if (startsWord)
-            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-        startsWord = c == ' ';
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool startsWord = i == 0 || text[i - 1] == ' ';
+        const bool isAlone = i + 1 == text.size() || text[i + 1] == ' ';
+        if (startsWord && !isAlone)
+            text[i] = static_cast<char>(std::toupper(static_cast<unsigned char>(text[i])));
     }
     return text;
 }
