@@ -108,7 +108,8 @@ std::string EffectTestText(const AnalysisData& data)
 {
     const ForestStyle& style = StyleOf(data);
     const EffectRows rows = PooledRows(data);
-    if (*style.effectTest == '\0' || !HasAnyValue({rows.significances.back()}))
+    const bool isWanted = *style.effectTest != '\0' && data.measure.hasNoEffect;
+    if (!isWanted || !HasValue(rows.significances.back()))
         return {};
     const std::vector<double> df = data.base.GetEstDf();
     const bool isT = !df.empty() && HasValue(df.back());

@@ -26,19 +26,34 @@ bool IsSliced(const Picture& picture)
     return picture.rowHeight > 0 && picture.height > PAPER_SHAPE * picture.width;
 }
 
-/// Divides the rows into bands that fit a page below the headings. The last band includes the axis and all
-/// below it.
+/// Where rows end: at the picture's own cuts, or at even distances.
+std::vector<double> CutsOf(const Picture& picture)
+{
+    if (!picture.cuts.empty())
+        return picture.cuts;
+    const double end = picture.frame.top + picture.frame.height;
+    std::vector<double> cuts;
+    for (double cut = picture.frame.top; cut < end; cut += picture.rowHeight)
+        cuts.push_back(cut);
+    cuts.push_back(end);
+    return cuts;
+}
+
+/// Divides the rows into bands that fit a page between the headings and the axis with all below it.
 std::vector<Band> Slices(const Picture& picture)
 {
     const double end = picture.frame.top + picture.frame.height;
-    const double below = picture.height - end;
-    const double room = PAPER_SHAPE * picture.width - picture.frame.top;
-    const double rows = std::max(1.0, std::floor(room / picture.rowHeight)) * picture.rowHeight;
-    std::vector<Band> slices;
-    double top = picture.frame.top;
-    for (; end - top + below > room; top += rows)
-        slices.push_back({top, std::min(top + rows, end)});
-    slices.push_back({top, picture.height});
+    const double room = PAPER_SHAPE * picture.width - picture.frame.top - (picture.height - end);
+    const std::vector<double> cuts = CutsOf(picture);
+    std::vector<Band> slices = {{cuts.front(), cuts.front()}};
+    for (const double cut : cuts) {
+        Band& last = slices.back();
+        const bool isFull = cut - last.top > room && last.bottom > last.top;
+        if (isFull)
+            slices.push_back({last.bottom, cut});
+        else
+            last.bottom = cut;
+    }
     return slices;
 }
 
@@ -53,9 +68,11 @@ std::string SlicesForPaper(const Picture& picture)
 {
     if (!IsSliced(picture))
         return {};
+    const double end = picture.frame.top + picture.frame.height;
     std::string html = "<div class=\"paper\" aria-hidden=\"true\">\n";
     for (const Band& slice : Slices(picture))
-        html += "<div>" + BandOf(picture, {0, picture.frame.top}) + BandOf(picture, slice) + "</div>\n";
+        html += "<div>" + BandOf(picture, {0, picture.frame.top}) + BandOf(picture, slice) +
+                BandOf(picture, {end, picture.height}) + "</div>\n";
     return html + "</div>\n";
 }
 
