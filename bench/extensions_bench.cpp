@@ -107,7 +107,7 @@ void CumulativeReml(benchmark::State& state)
     settings.SetCommulativeIndex(ORDER);
     TimeRuns(state, settings);
 }
-BENCHMARK(CumulativeReml)->Arg(1000)->Unit(benchmark::kMillisecond);
+BENCHMARK(CumulativeReml)->Arg(1000)->Arg(10000)->Arg(100000)->Unit(benchmark::kMillisecond);
 
 /// Odds ratios with their limits, of which a tenth is skewed enough for a look at the printed digits.
 void ConvertedIntervals(benchmark::State& state)

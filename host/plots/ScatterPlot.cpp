@@ -63,13 +63,18 @@ Picture Finished(Picture picture)
     for (PictureText& text : picture.texts)
         text.x += picture.frame.left;
 
-    double legendWidth = 0;
-    for (const Layer& layer : picture.layers)
-        if (!layer.legend.empty())
-            legendWidth = std::max(legendWidth, LEGEND_SAMPLE + TextWidth(layer.legend) * FONT_SIZE);
-    picture.width = picture.frame.left + picture.frame.width + legendWidth + PICTURE_MARGIN;
+    picture.width = picture.frame.left + picture.frame.width + LegendWidth(picture.layers) + PICTURE_MARGIN;
     picture.height = picture.frame.top + picture.frame.height + SPACE_BELOW;
     return picture;
+}
+
+double LegendWidth(const std::vector<Layer>& layers)
+{
+    double width = 0;
+    for (const Layer& layer : layers)
+        if (!layer.legend.empty())
+            width = std::max(width, LEGEND_SAMPLE + TextWidth(layer.legend) * FONT_SIZE);
+    return width;
 }
 
 Layer LineBetween(Point first, Point last, Layer::Kind kind, const char* color, std::string legend)

@@ -30,6 +30,9 @@ Picture NewScatterPlot(const PlotName& name, double frameWidth = 420, double fra
 /// Adds the space that axes and legend need. All layers must be there.
 Picture Finished(Picture picture);
 
+/// The width beside the frame that the legends of the layers need.
+double LegendWidth(const std::vector<Layer>& layers);
+
 /// A straight line.
 Layer LineBetween(Point first, Point last, Layer::Kind kind, const char* color, std::string legend);
 

@@ -1,5 +1,7 @@
 #include "host/plots/VisibleMarks.h"
 
+#include "host/plots/ScatterPlot.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -8,6 +10,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <cstdlib>
+#include <iterator>
 #include <string>
 #include <unordered_map>
 #include <utility>
@@ -205,23 +208,31 @@ std::vector<Point> VisibleLine(const std::vector<Point>& line, const FramePlaces
     return visible;
 }
 
-/// The layers of a picture without panels.
-std::vector<Layer> VisibleLayers(Picture& picture, MarkCount& count)
+/// Behind the areas, so that lines are seen on marks that would fill the frame.
+void PutBehindLines(std::vector<Layer>& layers, std::vector<Layer> marks)
+{
+    const auto firstLine = std::find_if(layers.begin(), layers.end(),
+                                        [](const Layer& layer) { return layer.kind != Layer::Kind::AREA; });
+    layers.insert(firstLine, std::make_move_iterator(marks.begin()), std::make_move_iterator(marks.end()));
+}
+
+/// Of a picture without panels.
+void KeepVisible(Picture& picture, MarkCount& count)
 {
     const FramePlaces places(picture);
-    std::vector<Layer> layers;
+    const double legendWidth = LegendWidth(picture.layers);
+    std::vector<Layer> marks;
     for (Layer& layer : picture.layers) {
-        if (layer.radii.size() > MANY) {
+        if (layer.radii.size() > MANY)
             for (Layer& visible : VisibleMarks(layer, places, count))
-                layers.push_back(std::move(visible));
-            continue;
-        }
-        if (layer.kind != Layer::Kind::AREA)
+                marks.push_back(std::move(visible));
+        else if (layer.kind != Layer::Kind::AREA)
             for (std::vector<Point>& line : layer.pieces)
                 line = VisibleLine(line, places);
-        layers.push_back(std::move(layer));
     }
-    return layers;
+    std::erase_if(picture.layers, [](const Layer& layer) { return layer.radii.size() > MANY; });
+    PutBehindLines(picture.layers, std::move(marks));
+    picture.width += LegendWidth(picture.layers) - legendWidth;
 }
 
 } // namespace
@@ -229,9 +240,9 @@ std::vector<Layer> VisibleLayers(Picture& picture, MarkCount& count)
 Picture WithVisibleMarks(Picture picture)
 {
     MarkCount count;
-    picture.layers = VisibleLayers(picture, count);
+    KeepVisible(picture, count);
     for (Picture& panel : picture.panels)
-        panel.layers = VisibleLayers(panel, count);
+        KeepVisible(panel, count);
     if (count.drawn < count.all)
         picture.description +=
             fmt::format(" {} marks stand for {}: of those that cannot be told apart at this "

@@ -4,8 +4,10 @@
 #include "meta_analysis/inference/MAInference.h"
 #include "meta_analysis/inference/MAWeightedMean.h"
 #include "meta_analysis/pooling/MAPooling.h"
+#include "meta_analysis/pooling/MAPrefixModels.h"
 #include "meta_analysis/pooling/MATablePooling.h"
 
+#include <optional>
 #include <utility>
 
 namespace MA_NAMESPACE {
@@ -52,20 +54,48 @@ MAPooledPrefixes PoolCountPrefixes(const MAStudies& studies, const MASelection& 
     return prefixes;
 }
 
-/// tau² of every prefix is estimated anew. A prefix is the begin of one copy of the selection.
+/// The random-effects models of prefixes, from sums that they share where these do, else each anew.
+class RandomPrefixes
+{
+public:
+    RandomPrefixes(const MAEffects& studies, const MAModelChoice& choice)
+        : studies_(studies), choice_(choice), shared_(studies, choice.random)
+    {}
+
+    /// The model of the next study and those before it.
+    MAPooledModel Next()
+    {
+        ++count_;
+        std::optional<MAPooledModel> model = shared_.Next();
+        return model ? *model
+                     : PoolOnAnalysisScale(
+                           {studies_.effectSizes.first(count_), studies_.variances.first(count_)}, choice_);
+    }
+
+private:
+    MAEffects studies_;
+    const MAModelChoice& choice_;
+    MAPrefixModels shared_;
+    std::size_t count_ = 0;
+};
+
+/// Natural values of the choice depend on the size of each prefix, but the mean does not depend on them.
 MAPooledPrefixes PoolRandomPrefixes(const MAStudies& studies, const MASelection& selection,
                                     const MAModelChoice& choice)
 {
     const std::vector<double> effectSizes = Selected(studies.effectSize, selection);
     const std::vector<double> variances = Selected(studies.variance, selection);
+    RandomPrefixes models({effectSizes, variances}, choice);
+    MAHarmonicSize size(ScaleOf(choice));
     MAPooledPrefixes prefixes;
     prefixes.rows.reserve(selection.size());
-    for (std::size_t count = 1; count <= selection.size() && !prefixes.status.IsError(); ++count) {
-        const MAPooledModel model =
-            PoolEffects({{effectSizes.data(), count}, {variances.data(), count}}, choice);
+    for (const double variance : variances) {
+        const MAPooledModel model = models.Next();
         prefixes.status = model.status;
-        if (!model.status.IsError())
-            prefixes.rows.push_back({model.effect, 0, model.size});
+        if (model.status.IsError())
+            break;
+        size.Add(variance);
+        prefixes.rows.push_back({model.effect, 0, size.Mean()});
     }
     return prefixes;
 }
