@@ -31,4 +31,26 @@ if(META_ANALYSIS_PROGRAM)
   endif()
   install(TARGETS meta-analysis RUNTIME COMPONENT meta_analysis_program)
   install(FILES docs/meta-analysis.1 DESTINATION ${CMAKE_INSTALL_MANDIR}/man1 COMPONENT meta_analysis_program)
+  install(FILES docs/json-schema/meta-analysis-2.json DESTINATION ${CMAKE_INSTALL_DATADIR}/meta-analysis/json-schema
+          COMPONENT meta_analysis_program)
+
+  # The program writes the completion of its own command line, for the folders in which shells look. The zsh of
+  # Debian has one for packages and one for the administrator.
+  set(completion_dir ${PROJECT_BINARY_DIR}/completion)
+  file(MAKE_DIRECTORY ${completion_dir})
+  foreach(shell IN ITEMS bash zsh)
+    add_custom_command(OUTPUT ${completion_dir}/${shell}
+                       COMMAND meta-analysis --completion ${shell} > ${completion_dir}/${shell}
+                       DEPENDS meta-analysis VERBATIM)
+  endforeach()
+  add_custom_target(meta_analysis_completion ALL DEPENDS ${completion_dir}/bash ${completion_dir}/zsh)
+  if(CMAKE_INSTALL_PREFIX STREQUAL "/usr")
+    set(zsh_folder vendor-completions)
+  else()
+    set(zsh_folder site-functions)
+  endif()
+  install(FILES ${completion_dir}/bash DESTINATION ${CMAKE_INSTALL_DATADIR}/bash-completion/completions
+          RENAME meta-analysis COMPONENT meta_analysis_program)
+  install(FILES ${completion_dir}/zsh DESTINATION ${CMAKE_INSTALL_DATADIR}/zsh/${zsh_folder}
+          RENAME _meta-analysis COMPONENT meta_analysis_program)
 endif()

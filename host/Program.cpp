@@ -10,6 +10,7 @@
 #include "host/plots/RegressionPlots.h"
 #include "host/report/AnalysisReport.h"
 #include "host/report/AnalysisResults.h"
+#include "host/report/Cautions.h"
 #include "host/report/JsonReport.h"
 #include "host/report/RegressionReport.h"
 #include "host/report/RegressionResults.h"
@@ -17,6 +18,7 @@
 #include "host/run/AnalysisRequest.h"
 #include "host/system/AtomicFile.h"
 #include "host/system/Progress.h"
+#include "host/table/RenderTable.h"
 #include "host/text/PlainText.h"
 
 #include "meta_analysis/settings/MAStatusCode.h"
@@ -51,14 +53,19 @@ int AnalyseRegression(const Options& options, const DataTable& table)
         "Fitting the model", [&] { return RunRegression(request, options.settings.GetModelType()); });
     const auto makeReport = [&] { return MakeRegressionReport(options, request, analysis); };
     const auto makeJson = [&] {
-        return RenderJson(options, {analysis.records, analysis.status, WarningsOf(request, analysis),
-                                    ResultsOf(request, analysis)});
+        return RenderJson(options, {request.studyLabels, request.lines, analysis.records, analysis.status,
+                                    WarningsOf(request, analysis), ResultsOf(request, analysis),
+                                    CautionsOf(RegressionData(options, request, analysis))});
     };
     const auto makePictures = [&] {
         return MakeRegressionPictures(RegressionData(options, request, analysis));
     };
-    return WriteOutput(options, {analysis.status, makeReport, makeJson, KXStatus(), makePictures,
-                                 ParametersOfHypotheses(RegressionData(options, request, analysis))});
+    const auto makeTable = [&](TableKind kind) {
+        return RenderTable(StudyTableOf(RegressionData(options, request, analysis)), kind);
+    };
+    return WriteOutput(options,
+                       {analysis.status, makeReport, makeJson, KXStatus(), makePictures,
+                        ParametersOfHypotheses(RegressionData(options, request, analysis)), makeTable});
 }
 
 int AnalyseStudies(const Options& options, const DataTable& table)
@@ -67,12 +74,17 @@ int AnalyseStudies(const Options& options, const DataTable& table)
     const Analysis analysis = WithProgress("Analysing the studies", [&] { return RunAnalysis(request); });
     const auto makeReport = [&] { return MakeAnalysisReport(options, request, analysis); };
     const auto makeJson = [&] {
-        return RenderJson(options, {analysis.Records(table.RowCount()), analysis.FinalStatus(),
-                                    WarningsOf(AnalysisData(request, analysis)), ResultsOf(analysis)});
+        return RenderJson(options, {request.studyLabels, request.lines, analysis.Records(table.RowCount()),
+                                    analysis.FinalStatus(), WarningsOf(AnalysisData(request, analysis)),
+                                    ResultsOf(analysis), CautionsOf(AnalysisData(request, analysis))});
     };
     const auto makePictures = [&] { return MakePictures(request, analysis); };
-    return WriteOutput(options,
-                       {analysis.status, makeReport, makeJson, analysis.FinalStatus(), makePictures});
+    const auto makeTable = [&](TableKind kind) {
+        return RenderTable(StudyTableOf(options, table, AnalysisData(request, analysis)), kind);
+    };
+    return WriteOutput(
+        options,
+        {analysis.status, makeReport, makeJson, analysis.FinalStatus(), makePictures, {}, makeTable});
 }
 
 int Analyse(const Options& options)

@@ -1,6 +1,6 @@
 #include "host/batch/Alleles.h"
 
-#include "host/batch/AsciiCase.h"
+#include "host/text/AsciiCase.h"
 
 namespace host {
 

@@ -109,6 +109,8 @@ ExitStatus RunBatch(const Options& options)
 {
     CheckBatchPlaces(options.batch);
     AllowManyFiles();
+    for (const std::string& note : options.notes)
+        WriteToStandardError(note.c_str());
     try {
         BatchRun run(options);
         run.Run();

@@ -1,6 +1,6 @@
 #include "host/batch/FieldNumber.h"
 
-#include "host/batch/AsciiCase.h"
+#include "host/text/AsciiCase.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
 

@@ -2,6 +2,7 @@
 
 #include "host/batch/FieldNumber.h"
 #include "host/batch/LineBlocks.h"
+#include "host/text/NearestName.h"
 #include "host/text/UnusableInput.h"
 
 #include <fmt/format.h>
@@ -46,7 +47,8 @@ public:
     {
         const auto found = std::find(names_.begin(), names_.end(), column);
         if (found == names_.end())
-            throw UnusableInput(fmt::format("{} has no column '{}'. Its columns are: {}.", fileName_, column,
+            throw UnusableInput(fmt::format("{} has no column '{}'.{} Its columns are: {}.", fileName_,
+                                            column, DidYouMean(column, {names_.begin(), names_.end()}),
                                             fmt::join(names_, ", ")));
         if (std::find(found + 1, names_.end(), column) != names_.end())
             throw UnusableInput(fmt::format("{}: two columns are named '{}'.", fileName_, column));

@@ -1,7 +1,7 @@
 #include "host/batch/RowParser.h"
 
-#include "host/batch/AsciiCase.h"
 #include "host/batch/FieldNumber.h"
+#include "host/text/AsciiCase.h"
 
 #include <algorithm>
 #include <cmath>

@@ -68,8 +68,6 @@ void CheckEffects(const Options& options)
     if (options.variance && options.stdError)
         throw UnusableInput("Only one of --variance and --std-error can be given.");
     const bool hasInterval = AreBothNamed(options.ciLower, "ci-lower", options.ciUpper, "ci-upper");
-    if (!hasInterval && options.given.contains("ci-level"))
-        throw UnusableInput("--ci-level needs --ci-lower and --ci-upper.");
     if (!options.variance && !options.stdError && !hasInterval && !options.pValue)
         throw UnusableInput("One of --variance, --std-error, --ci-lower with --ci-upper, and --p-value is "
                             "required.");

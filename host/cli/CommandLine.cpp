@@ -1,6 +1,7 @@
 #include "host/cli/CommandLine.h"
 
 #include "host/cli/Commands.h"
+#include "host/cli/Completion.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OutputOptions.h"
 #include "host/text/ProgramInfo.h"
@@ -8,11 +9,16 @@
 
 #include <CLI/CLI.hpp>
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
+#include <algorithm>
 #include <cstdint>
 #include <deque>
 #include <memory>
+#include <optional>
+#include <string>
 #include <utility>
+#include <vector>
 
 namespace host {
 
@@ -26,7 +32,7 @@ constexpr const char* EXAMPLE =
     "Example:\n"
     "  meta-analysis binary trials.csv --study author --effect risk-ratio \\\n"
     "      --treatment-events te --treatment-nonevents tn --control-events ce --control-nonevents cn\n\n"
-    "'meta-analysis COMMAND --help' lists the options of a command.\n\n";
+    "'meta-analysis COMMAND --help' or 'meta-analysis help COMMAND' lists the options of a command.\n\n";
 
 constexpr const char* EXIT_STATUSES =
     "Exit status: 0 the analysis ran, with warnings or without; 1 the library returned an error (its code "
@@ -38,6 +44,11 @@ constexpr const char* BATCH_EXIT_STATUSES =
     "Exit status: 0 the run came to its end, rows left out or not; 1 the library returned an error (its code "
     "and a\n"
     "sentence are on standard error); 2 unusable arguments or data, or a file could not be written.";
+
+std::string VersionText()
+{
+    return fmt::format("{} {}", PROGRAM_NAME, PROGRAM_VERSION);
+}
 
 /// Help with a usage line that names the data file like any other argument.
 class HelpFormatter : public CLI::Formatter
@@ -77,9 +88,47 @@ void StoreArguments(const OptionDefinition& definition, const CLI::results_t& ar
     }
 }
 
+/// All options that the command has, in the order of the help.
+OptionDefinitions AllOptions(Options& options)
+{
+    OptionDefinitions all = DefineOptions(options);
+    for (OptionDefinition& option : OutputOptions(options))
+        all.push_back(std::move(option));
+    return all;
+}
+
+std::vector<std::string> OptionNames(Command command)
+{
+    Options options(command);
+    std::vector<std::string> names = {"help", "version"};
+    for (const OptionDefinition& option : AllOptions(options))
+        names.push_back(option.name);
+    return names;
+}
+
+/// The option of the command that is near, or the commands that have the option; as a sentence, if any.
+std::string NearestOption(Command command, const std::string& argument)
+{
+    const std::string name = argument.substr(std::min(argument.find_first_not_of('-'), argument.size()));
+    std::vector<std::string> others;
+    for (const CommandRow& row : COMMANDS)
+        if (const std::vector<std::string> names = OptionNames(row.value);
+            std::find(names.begin(), names.end(), name) != names.end())
+            others.emplace_back(row.name);
+    if (!others.empty())
+        return fmt::format(" It is an option of {}.", fmt::join(others, ", "));
+    return DidYouMean(name, OptionNames(command), "--");
+}
+
+/// Both names, as the parser takes and the help shows them.
+std::string NamesOf(const OptionDefinition& definition)
+{
+    return (definition.shortName.empty() ? "" : "-" + definition.shortName + ",") + "--" + definition.name;
+}
+
 void AddOption(CLI::App& app, const OptionDefinition& definition)
 {
-    const std::string name = "--" + definition.name;
+    const std::string name = NamesOf(definition);
     if (definition.argument.empty()) {
         app.add_flag_function(
                name, [definition](std::int64_t) { definition.store({}); }, definition.help)
@@ -112,14 +161,13 @@ void AddOptions(CommandParser& parser)
 {
     CLI::App& app = *parser.app;
     app.allow_extras();
+    app.set_version_flag("--version", VersionText(), "Display program version information and exit");
     if (parser.options.command == Command::BATCH)
         app.add_option("DATA", parser.options.batch.files, "files with the data")->type_name("FILE");
     else
         app.add_option("DATA", parser.options.dataPath, "CSV file with the data")->type_name("FILE");
-    for (const OptionDefinition& definition : DefineOptions(parser.options))
+    for (const OptionDefinition& definition : AllOptions(parser.options))
         AddOption(app, Noted(definition, parser.options.given));
-    for (const OptionDefinition& definition : OutputOptions(parser.options))
-        AddOption(app, definition);
     app.footer(parser.options.command == Command::BATCH ? BATCH_EXIT_STATUSES : EXIT_STATUSES);
 }
 
@@ -136,32 +184,44 @@ void DescribeProgram(CLI::App& program)
     program.formatter(std::make_shared<HelpFormatter>());
     program.require_subcommand(0, 1);
     program.allow_extras();
-    program.set_version_flag("--version", fmt::format("{} {}", PROGRAM_NAME, PROGRAM_VERSION));
+    program.set_version_flag("--version", VersionText());
     program.footer(std::string(EXAMPLE) + EXIT_STATUSES);
 }
 
 [[noreturn]] void FailWithoutCommand(const CLI::App& program)
 {
     const std::vector<std::string> arguments = program.remaining();
-    const std::string problem =
-        arguments.empty() ? "No command is given" : fmt::format("'{}' is no command", arguments.front());
-    throw UnusableInput(fmt::format("{}. The commands are {}; '{} --help' tells more.", problem,
+    const std::string problem = arguments.empty()
+                                    ? "No command is given."
+                                    : fmt::format("'{}' is no command.{}", arguments.front(),
+                                                  DidYouMean(arguments.front(), ListOfNames(COMMANDS)));
+    throw UnusableInput(fmt::format("{} The commands are {}; '{} --help' tells more.", problem,
                                     NamesOf(COMMANDS), PROGRAM_NAME));
 }
 
+/// Suggests the option of the command that is near, or else names the commands that have the option.
+[[noreturn]] void FailWithUnknownOption(const Options& options, const std::string& argument)
+{
+    const std::string command = NameOf(COMMANDS, options.command);
+    const std::string name = argument.substr(0, argument.find('='));
+    const std::string hint = NearestOption(options.command, name);
+    throw UnusableInput(fmt::format("'{0}' has no option {1}.{2} '{3} {0} --help' lists its options.",
+                                    command, argument, hint, PROGRAM_NAME));
+}
+
 /// Throws UnusableInput for arguments that the command does not have.
-void RequireNoRest(const CLI::App& program, const CLI::App& command)
+void RequireNoRest(const CLI::App& program, const CommandParser& parser)
 {
     const std::vector<std::string> misplaced = program.remaining();
     if (!misplaced.empty())
         throw UnusableInput(
             fmt::format("'{}' stands before the command: options follow it.", misplaced.front()));
-    for (const std::string& argument : command.remaining())
+    const std::vector<std::string> rest = parser.app->remaining();
+    for (const std::string& argument : rest)
         if (argument.size() > 1 && argument.front() == '-')
-            throw UnusableInput(fmt::format("'{0}' has no option {1}; '{2} {0} --help' lists its options.",
-                                            command.get_name(), argument, PROGRAM_NAME));
-    if (command.remaining_size() > 0)
-        throw UnusableInput(fmt::format("'{}' is one argument too many.", command.remaining().front()));
+            FailWithUnknownOption(parser.options, argument);
+    if (!rest.empty())
+        throw UnusableInput(fmt::format("'{}' is one argument too many.", rest.front()));
 }
 
 Options TakeOptions(const CLI::App& program, CommandParsers& parsers)
@@ -169,7 +229,7 @@ Options TakeOptions(const CLI::App& program, CommandParsers& parsers)
     for (CommandParser& parser : parsers) {
         if (!parser.app->parsed())
             continue;
-        RequireNoRest(program, *parser.app);
+        RequireNoRest(program, parser);
         if (parser.options.dataPath.empty() && parser.options.batch.files.empty())
             throw UnusableInput("No data file is given.");
         CompleteOptions(parser.options);
@@ -189,17 +249,54 @@ std::string SentenceOf(const CLI::ArgumentMismatch& mismatch)
                : fmt::format("{} needs an argument.", text.substr(0, colon));
 }
 
+using Arguments = std::vector<std::string>;
+
+/// `help COMMAND` as `COMMAND --help`, and `help` as `--help`.
+Arguments WithoutHelpCommand(Arguments arguments)
+{
+    if (arguments.empty() || arguments.front() != "help")
+        return arguments;
+    arguments.erase(arguments.begin());
+    arguments.emplace_back("--help");
+    return arguments;
+}
+
+/// The completion that the build asks for, as `--completion SHELL`. Users have no need of it.
+std::optional<TextToShow> CompletionAskedFor(const Arguments& arguments)
+{
+    if (arguments.size() != 2 || arguments.front() != "--completion")
+        return std::nullopt;
+    std::vector<CommandOptions> commands;
+    for (const CommandRow& row : COMMANDS) {
+        Options options(row.value);
+        commands.push_back(
+            {std::string(row.name), row.help, row.value == Command::BATCH, AllOptions(options)});
+    }
+    return TextToShow{CompletionFor(arguments.back(), commands)};
+}
+
+void Parse(CLI::App& program, Arguments arguments)
+{
+    std::reverse(arguments.begin(), arguments.end()); // as the parser wants them
+    program.parse(std::move(arguments));
+}
+
 } // namespace
 
 std::variant<Options, TextToShow> ParseCommandLine(int argc, const char* const* argv)
 {
+    const Arguments arguments(argv + 1, argv + argc);
+    if (const std::optional<TextToShow> completion = CompletionAskedFor(arguments))
+        return *completion;
     CLI::App program(PROGRAM_HELP, PROGRAM_NAME);
     DescribeProgram(program);
     CommandParsers parsers;
     AddCommands(program, parsers);
     try {
-        program.parse(argc, argv);
+        Parse(program, WithoutHelpCommand(arguments));
     } catch (const CLI::CallForHelp&) {
+        if (program.get_subcommands().empty() && program.remaining_size() > 0)
+            FailWithoutCommand(program);
         return TextToShow{program.help()};
     } catch (const CLI::CallForVersion& version) {
         return TextToShow{std::string(version.what()) + "\n"};
@@ -209,7 +306,7 @@ std::variant<Options, TextToShow> ParseCommandLine(int argc, const char* const* 
         throw UnusableInput(fmt::format("{}.", problem.what()));
     }
     Options options = TakeOptions(program, parsers);
-    options.arguments.assign(argv + 1, argv + argc);
+    options.arguments = arguments;
     return options;
 }
 

@@ -19,10 +19,12 @@ struct OptionDefinition
         THIS_OR_NEXT ///< exactly one of this option and those declared behind it, up to one without this
     };
 
-    std::string name;          ///< without the dashes; in the JSON too
-    std::string argument = {}; ///< what its argument is, in upper case; empty for a flag
+    std::string name;           ///< without the dashes; in the JSON too
+    std::string shortName = {}; ///< a letter, without the dash; empty for most
+    std::string argument = {};  ///< what its argument is, in upper case; empty for a flag
     std::string help;
-    std::string heading = {}; ///< of its group in the help
+    std::string heading = {};              ///< of its group in the help
+    std::vector<std::string> choices = {}; ///< the words that it takes, for completion; empty for any text
     Need need = Need::NONE;
     bool isRepeatable = false;
 

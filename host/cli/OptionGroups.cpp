@@ -1,5 +1,6 @@
 #include "host/cli/OptionGroups.h"
 
+#include "host/cli/OptionRules.h"
 #include "host/cli/Presets.h"
 #include "host/cli/RawOutcomes.h"
 #include "host/text/UnusableInput.h"
@@ -72,6 +73,7 @@ void CompleteOptions(Options& options)
     for (OptionGroupMaker* const make : OPTION_GROUPS)
         if (const OptionGroup group = make(options); group.complete)
             group.complete();
+    RefuseOptionsWithoutEffect(options);
 }
 
 } // namespace host

@@ -14,8 +14,9 @@ struct OptionGroup
     const char* heading = "";
     OptionDefinitions options = {};
 
-    /// Completes the stored values, and refuses those that have no effect or no meaning together with other
-    /// options. Throws UnusableInput. Called when all options are stored and the preset is applied.
+    /// Completes the stored values, and refuses those that have no meaning together with other options.
+    /// Throws UnusableInput. Called when all options are stored and the preset is applied. Options without
+    /// effect are refused by the table in host/cli/OptionRules.cpp.
     std::function<void()> complete = {};
 };
 
@@ -25,13 +26,13 @@ using OptionGroupMaker = OptionGroup(Options& options);
 
 OptionGroupMaker ColumnOptions, EffectSizeOptions, PredictorOptions, HypothesisOptions, RobustTestOptions,
     ModelOptions, RandomEffectsOptions, IterationOptions, GroupAndOrderOptions, SensitivityOptions,
-    SmallStudyOptions, PlotOptions, FigureOptions;
+    SmallStudyOptions, PlotOptions, FigureOptions, CurveOptions;
 
 /// The groups in the order of the help.
 inline constexpr OptionGroupMaker* OPTION_GROUPS[] = {
     ColumnOptions,     EffectSizeOptions,    PredictorOptions, HypothesisOptions,    RobustTestOptions,
     ModelOptions,      RandomEffectsOptions, IterationOptions, GroupAndOrderOptions, SensitivityOptions,
-    SmallStudyOptions, PlotOptions,          FigureOptions};
+    SmallStudyOptions, PlotOptions,          FigureOptions,    CurveOptions};
 
 /// The options that the command of `options` has, in the order of the help. They refer to `options`, which
 /// must outlive them.

@@ -66,11 +66,14 @@ OptionDefinition ThisOrNext(OptionDefinition option)
 
 OptionDefinition AlsoTaking(const std::vector<OtherWord>& words, OptionDefinition option)
 {
-    for (const OtherWord& other : words)
+    for (const OtherWord& other : words) {
         option.help += fmt::format("; {} is {}", other.word, other.meaning);
+        option.choices.push_back(other.word);
+    }
     option.store = [store = std::move(option.store), words](const std::string& text) {
-        const auto found = std::find_if(words.begin(), words.end(),
-                                        [&](const OtherWord& other) { return other.word == text; });
+        const auto found = std::find_if(words.begin(), words.end(), [&](const OtherWord& other) {
+            return EqualInAnyCase(other.word, text);
+        });
         try {
             store(found == words.end() ? text : found->meaning);
         } catch (const UnusableInput& problem) {
@@ -79,6 +82,19 @@ OptionDefinition AlsoTaking(const std::vector<OtherWord>& words, OptionDefinitio
         }
     };
     return option;
+}
+
+double ParseLevel(const char* option, const std::string& text, std::vector<std::string>& notes)
+{
+    const double level = ParseNumber(text);
+    if (BETWEEN_0_AND_1.contains(level))
+        return level;
+    if (level < 50 || level >= 100)
+        throw UnusableInput(
+            fmt::format("{} is not between 0 and 1, and no percentage from 50 to below 100.", text));
+    notes.push_back(fmt::format("--{} {} is a percentage: the confidence level is {}.", option, Trimmed(text),
+                                level / 100));
+    return level / 100;
 }
 
 } // namespace host

@@ -69,7 +69,9 @@ OptionDefinition OneOf(const char* name, const std::array<Row, N>& choices, Sett
     const std::string preset = NameOf(choices, (settings.*get)());
     return {.name = name,
             .argument = "NAME",
-            .help = fmt::format("{}: {} (default {})", help, NamesOf(choices), preset),
+            .help = fmt::format("{}: {} (default {}){}", help, NamesOf(choices), preset,
+                                AbbreviationsOf(choices)),
+            .choices = ListOfNames(choices),
             .store = [&settings, &choices,
                       set](const std::string& text) { (settings.*set)(ValueOf(choices, text)); },
             .value = [&settings, &choices,
@@ -88,6 +90,20 @@ OptionDefinition Number(const char* name, const Domain& domain, Settings& settin
                     (settings.*set)(RequireInside(domain, ParseNumber(text)));
                 },
             .value = [&settings, get] { return nlohmann::ordered_json((settings.*get)()); }};
+}
+
+/// A confidence level as a fraction. A number from 50 to below 100 is a percentage, of which a note tells.
+double ParseLevel(const char* option, const std::string& text, std::vector<std::string>& notes);
+
+template <class Settings>
+OptionDefinition Level(const char* name, std::vector<std::string>& notes, Settings& settings,
+                       double (Settings::*get)() const, void (Settings::*set)(double), const char* help)
+{
+    OptionDefinition option = Number(name, BETWEEN_0_AND_1, settings, get, set, help);
+    option.store = [name, &notes, &settings, set](const std::string& text) {
+        (settings.*set)(ParseLevel(name, text, notes));
+    };
+    return option;
 }
 
 template <class Settings>

@@ -111,7 +111,9 @@ struct PictureOptions
     std::optional<std::pair<std::string, std::string>> groupNames; ///< of treatment and control
     ForestLayout layout = ForestLayout::PLAIN;
     std::optional<PictureSize> size;
-    std::optional<int> resolution; ///< of PNG, in pixels an inch
+    std::optional<int> resolution;  ///< of PNG, in pixels an inch
+    bool hasDrapery = false;        ///< p-value functions of the studies and the pooled effect
+    bool hasPredictionBand = false; ///< about the lines of bubble plots
 };
 
 /// What the command line asks for, complete with defaults. `settings` holds what the library has settings
@@ -130,6 +132,7 @@ struct Options
     std::optional<Command> outcome;
     std::vector<std::string> arguments; ///< as given
     std::set<std::string> given;        ///< names of the options that the command line has
+    std::vector<std::string> notes;     ///< sentences on how options are read, for the report
     std::optional<std::string> preset;
     std::string dataPath;
     std::optional<std::string> jsonPath; ///< "-" for standard output

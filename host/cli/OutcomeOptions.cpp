@@ -63,7 +63,9 @@ OptionDefinition OutcomeEffect(Settings& settings, MAOutcomeData data)
     const std::vector<OutcomeMeasure> measures = OutcomeMeasuresOf(data);
     return {.name = "effect",
             .argument = "NAME",
-            .help = fmt::format("effect size: {} (default {})", NamesOf(measures), measures.front().name),
+            .help = fmt::format("effect size: {} (default {}){}", NamesOf(measures), measures.front().name,
+                                AbbreviationsOf(measures)),
+            .choices = ListOfNames(measures),
             .store = [&settings, measures](
                          const std::string& text) { settings.SetOutcomeMeasure(ValueOf(measures, text)); },
             .value = [&settings] { return nlohmann::ordered_json(MeasureName(settings)); }};
@@ -141,23 +143,6 @@ OptionDefinition PooledZeroCellOption(Settings& settings)
     return OneOf("pooled-zero-cells", POOLED_ZERO_CELL_CHOICES, settings, &Settings::GetPooledZeroCells,
                  &Settings::SetPooledZeroCells,
                  "correction of the counts that --weights mantel-haenszel pools");
-}
-
-void CheckOutcomeOptions(const Options& options)
-{
-    const Settings& settings = options.settings;
-    if (!IsMeasured(settings))
-        return;
-    const std::string effect = MeasureName(settings);
-    for (const char* const name : {"zero-cells", "zero-delta"})
-        if (options.given.contains(name) && !CorrectsZeros(settings.GetOutcomeMeasure()))
-            throw UnusableInput(fmt::format(
-                "--{} has no effect with --effect {}, which needs no correction of zeros.", name, effect));
-    if (settings.GetWeightType() == MAConst::WEIGHT_BINARY_FIXED && !PoolsTables(settings))
-        throw UnusableInput(fmt::format("--weights mantel-haenszel needs {}.",
-                                        allOutcomeMeasures[settings.GetOutcomeMeasure()].poolsCounts
-                                            ? "--model fixed"
-                                            : "a rate ratio or a rate difference of two groups"));
 }
 
 void RequireNatural(const char* option, const Settings& settings, double value)

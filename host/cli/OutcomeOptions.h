@@ -13,9 +13,6 @@ OptionDefinitions OutcomeColumns(Options& options, Command data);
 /// The measure of these data, and what a measure of counts does with zeros.
 OptionDefinitions OutcomeEffects(Options& options, Command data);
 
-/// Refuses options that have no effect with the measure. Throws UnusableInput.
-void CheckOutcomeOptions(const Options& options);
-
 /// Refuses a value on the natural scale that the measure of the analysis does not have. Throws UnusableInput.
 void RequireNatural(const char* option, const MA_NAMESPACE::MAModelSettings& settings, double value);
 

@@ -1,18 +1,21 @@
 #include "host/cli/OutputOptions.h"
 
 #include "host/cli/OptionKinds.h"
+#include "host/cli/ReportOutputOptions.h"
 
 #include <optional>
 #include <string>
+#include <utility>
 
 namespace host {
 
 namespace {
 
 OptionDefinition OutputOption(const char* name, const char* argument, const char* help,
-                              std::optional<std::string>& place)
+                              std::optional<std::string>& place, const char* shortName = "")
 {
     return {.name = name,
+            .shortName = shortName,
             .argument = argument,
             .help = help,
             .heading = "Output",
@@ -28,6 +31,7 @@ OptionDefinition PlotFormatOption(Options& options)
         .help =
             fmt::format("kind of the files of --plots: {} (default svg)", NamesOf(PICTURE_FORMAT_CHOICES)),
         .heading = "Output",
+        .choices = ListOfNames(PICTURE_FORMAT_CHOICES),
         .store = [&options](
                      const std::string& text) { options.plotFormat = ValueOf(PICTURE_FORMAT_CHOICES, text); },
         .value = {}};
@@ -41,7 +45,7 @@ OptionDefinitions BatchOutput(BatchOptions& batch)
         fmt::format("results to write, separated by commas: {} (default all)", NamesOf(BATCH_COLUMNS));
     return {
         OutputOption("output", "FILE", "write the results to this file; - for standard output, as without",
-                     batch.output),
+                     batch.output, "o"),
         {.name = "columns",
          .argument = "LIST",
          .help = columns,
@@ -69,12 +73,15 @@ OptionDefinitions OutputOptions(Options& options)
 {
     if (options.command == Command::BATCH)
         return BatchOutput(options.batch);
-    return {
+    OptionDefinitions output = {
         OutputOption("json", "FILE", "write all results as JSON; - for standard output, without report",
                      options.jsonPath),
-        OutputOption("html", "FILE", "write one page with tables and pictures", options.htmlPath),
+        OutputOption("html", "FILE", "write one page with tables and pictures; - as above", options.htmlPath),
         OutputOption("plots", "FOLDER", "write a picture of each plot into the folder", options.plotsFolder),
         PlotFormatOption(options)};
+    for (OptionDefinition& option : ReportOutputOptions(options.report))
+        output.push_back(std::move(option));
+    return output;
 }
 
 } // namespace host

@@ -1,6 +1,6 @@
 #include "host/cli/Presets.h"
 
-#include "host/text/UnusableInput.h"
+#include "host/text/Choice.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -59,9 +59,10 @@ const std::vector<Preset>& Presets()
 const Preset& PresetOf(const std::string& name)
 {
     const auto found = std::find_if(Presets().begin(), Presets().end(),
-                                    [&](const Preset& preset) { return preset.name == name; });
+                                    [&](const Preset& preset) { return EqualInAnyCase(preset.name, name); });
     if (found == Presets().end())
-        throw UnusableInput(fmt::format("'{}' is none of {}.", name, NamesOfPresets()));
+        throw UnusableInput(
+            fmt::format("'{}' is none of {}.{}", name, NamesOfPresets(), DidYouMean(name, PresetNames())));
     return *found;
 }
 
@@ -85,12 +86,14 @@ void ForEachSetting(const Preset& preset, const OptionDefinitions& definitions, 
 
 } // namespace
 
+std::vector<std::string> PresetNames()
+{
+    return ListOfNames(Presets());
+}
+
 std::string NamesOfPresets()
 {
-    std::vector<std::string> names;
-    for (const Preset& preset : Presets())
-        names.push_back(preset.name);
-    return fmt::format("{}", fmt::join(names, ", "));
+    return NamesOf(Presets());
 }
 
 std::string KnownPreset(const std::string& name)

@@ -4,13 +4,17 @@
 
 #include <set>
 #include <string>
+#include <vector>
 
 namespace host {
 
 // A preset is a name for settings that go together: a table of options and their values. Options that are
 // given beside it win. A preset leaves out the options that the command does not have.
 
-/// The names of all presets, for the help.
+/// The names of all presets.
+std::vector<std::string> PresetNames();
+
+/// The same as a text, for the help.
 std::string NamesOfPresets();
 
 /// The name, if there is such a preset. Throws UnusableInput otherwise.

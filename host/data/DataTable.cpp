@@ -1,11 +1,13 @@
 #include "host/data/DataTable.h"
 
+#include "host/text/NearestName.h"
 #include "host/text/TextParsing.h"
 #include "host/text/UnusableInput.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <cerrno>
 #include <cstdio>
@@ -75,8 +77,8 @@ std::size_t DataTable::PositionOf(std::string_view column) const
         position = i;
     }
     if (position == content_.columnCount)
-        throw UnusableInput(
-            fmt::format("{} has no column '{}'. Its columns are: {}.", name_, column, ColumnNames()));
+        throw UnusableInput(fmt::format("{} has no column '{}'.{} Its columns are: {}.", name_, column,
+                                        DidYouMean(column, ColumnNames()), fmt::join(ColumnNames(), ", ")));
     return position;
 }
 
@@ -111,11 +113,11 @@ bool DataTable::HoldsNumbers(std::size_t column) const
     return true;
 }
 
-std::string DataTable::ColumnNames() const
+std::vector<std::string> DataTable::ColumnNames() const
 {
-    std::string names;
+    std::vector<std::string> names;
     for (std::size_t i = 0; i < content_.columnCount; ++i)
-        names += fmt::format("{}{}", i == 0 ? "" : ", ", NameOf(i));
+        names.emplace_back(NameOf(i));
     return names;
 }
 

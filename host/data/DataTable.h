@@ -5,6 +5,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -25,6 +26,9 @@ public:
 
     /// Position of the column named `column`; throws when there is none, or more than one.
     std::size_t PositionOf(std::string_view column) const;
+
+    /// Line of the file on which a record starts, from 1; `row` counts the records, from 0.
+    std::size_t LineOf(std::size_t row) const { return content_.rowLines[row + 1]; }
 
     /// A field's text; `row` counts the records, from 0.
     std::string_view Text(std::size_t row, std::size_t column) const
@@ -48,7 +52,7 @@ private:
     DataTable(CsvContent content, std::string name);
 
     std::string_view NameOf(std::size_t column) const { return content_.Field(0, column); }
-    std::string ColumnNames() const;
+    std::vector<std::string> ColumnNames() const;
 
     CsvContent content_;
     std::string name_;

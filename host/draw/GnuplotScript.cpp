@@ -297,8 +297,10 @@ std::string ScriptWriter::LegendStyle(const Layer& layer) const
     if (!IsMarks(layer.kind))
         return Style(layer);
     const int pointType = layer.kind == Kind::SQUARES ? 5 : layer.kind == Kind::RINGS ? 6 : 7;
+    // The rim of a bubble lies beneath its inside too, and darkens it to about the full colour.
     return fmt::format("points pt {} ps {:.4f} lc rgb '{}'", pointType,
-                       MARK_IN_LEGEND / terminal_.pixelsPerPointSize, ColorOf(layer));
+                       MARK_IN_LEGEND / terminal_.pixelsPerPointSize,
+                       layer.kind == Kind::BUBBLES ? layer.color : ColorOf(layer));
 }
 
 std::vector<std::string> ScriptWriter::PlotsOf(const Layer& layer, std::size_t number)

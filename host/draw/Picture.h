@@ -19,6 +19,7 @@ inline constexpr const char* FAINT = "#8c8c8c";
 inline constexpr const char* STUDY = "#6c9bc8";
 inline constexpr const char* POOLED = "#173a5e";
 inline constexpr const char* BAND = "#dde7f0";
+inline constexpr const char* PREDICTION = "#f0f4f8"; // lies about BAND
 inline constexpr const char* FITTED = "#f6c9b4";
 inline constexpr const char* PREDICTED = "#9db3ca";
 inline constexpr const char* ACCENT = "#c2410c";

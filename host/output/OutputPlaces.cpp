@@ -1,11 +1,15 @@
 #include "host/output/OutputPlaces.h"
 
+#include "host/cli/ReportOutputOptions.h"
 #include "host/text/UnusableInput.h"
 
 #include <fmt/format.h>
 
 #include <filesystem>
+#include <optional>
 #include <system_error>
+#include <utility>
+#include <vector>
 
 namespace host {
 
@@ -19,6 +23,27 @@ std::filesystem::path CanonicalPath(const std::string& path)
     const std::filesystem::path canonical = std::filesystem::weakly_canonical(absolute, unreadable);
     const std::filesystem::path found = unreadable ? absolute.lexically_normal() : canonical;
     return found.has_filename() ? found : found.parent_path(); // "folder/" is "folder"
+}
+
+struct NamedFile
+{
+    const char* option;
+    std::string path;
+};
+
+/// The files that the options name, without standard output.
+std::vector<NamedFile> FilesOf(const Options& options)
+{
+    const std::pair<const char*, const std::optional<std::string>&> all[] = {
+        {"--json", options.jsonPath},
+        {"--html", options.htmlPath},
+        {"--table", options.report.tablePath},
+        {"--output", options.report.output}};
+    std::vector<NamedFile> files;
+    for (const auto& [option, path] : all)
+        if (path && *path != "-")
+            files.push_back({option, *path});
+    return files;
 }
 
 /// Throws UnusableInput when the file would replace the data or a folder, or has no folder.
@@ -48,30 +73,27 @@ void RequireFolderOf(const char* option, const std::string& path)
                                         folder.string()));
 }
 
-bool WritesJsonToStandardOutput(const Options& options)
-{
-    return options.jsonPath == "-";
-}
-
 std::string OtherUseOf(const std::string& path, const Options& options)
 {
     if (IsSameFile(path, options.dataPath))
         return "the data file";
-    if (options.jsonPath && !WritesJsonToStandardOutput(options) && IsSameFile(path, *options.jsonPath))
-        return "the file of --json";
-    if (options.htmlPath && IsSameFile(path, *options.htmlPath))
-        return "the file of --html";
+    for (const NamedFile& file : FilesOf(options))
+        if (IsSameFile(path, file.path))
+            return fmt::format("the file of {}", file.option);
     return {};
 }
 
 void CheckOutputPlaces(const Options& options)
 {
-    if (options.jsonPath && !WritesJsonToStandardOutput(options))
-        CheckFile("--json", *options.jsonPath, options);
-    if (options.htmlPath)
-        CheckFile("--html", *options.htmlPath, options);
-    if (options.htmlPath && options.jsonPath && IsSameFile(*options.htmlPath, *options.jsonPath))
-        throw UnusableInput(fmt::format("--html: '{}' is the file of --json.", *options.htmlPath));
+    CheckReportOutput(options);
+    const std::vector<NamedFile> files = FilesOf(options);
+    for (auto file = files.begin(); file != files.end(); ++file) {
+        CheckFile(file->option, file->path, options);
+        for (auto other = files.begin(); other != file; ++other)
+            if (IsSameFile(file->path, other->path))
+                throw UnusableInput(
+                    fmt::format("{}: '{}' is the file of {}.", file->option, file->path, other->option));
+    }
     std::error_code noSuchFile;
     const auto status = std::filesystem::status(options.plotsFolder.value_or("."), noSuchFile);
     if (std::filesystem::exists(status) && !std::filesystem::is_directory(status))

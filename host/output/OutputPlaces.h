@@ -17,8 +17,6 @@ bool IsSameFile(const std::string& one, const std::string& other);
 /// Throws UnusableInput, which names the option, when there is no folder for the file.
 void RequireFolderOf(const char* option, const std::string& path);
 
-bool WritesJsonToStandardOutput(const Options& options);
-
 /// What the run uses the path for, apart from its pictures: "the data file"; empty for nothing.
 std::string OtherUseOf(const std::string& path, const Options& options);
 

@@ -1,5 +1,6 @@
 #include "host/output/RenderedOutput.h"
 
+#include "host/cli/ReportOutputOptions.h"
 #include "host/draw/Drawing.h"
 #include "host/output/OutputPlaces.h"
 #include "host/report/HtmlReport.h"
@@ -9,10 +10,20 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <utility>
 
 namespace host {
 
 namespace {
+
+/// The path is "-" for standard output.
+void Put(RenderedOutput& rendered, const std::string& path, std::string bytes)
+{
+    if (path == "-")
+        rendered.text = std::move(bytes);
+    else
+        rendered.files.push_back({path, std::move(bytes)});
+}
 
 void AddPictures(RenderedOutput& rendered, const Options& options, const Drawing& drawing)
 {
@@ -42,7 +53,7 @@ void RenderPictures(RenderedOutput& rendered, const Options& options, const RunO
     const Drawing ofPage = options.htmlPath ? Draw(pictures, page) : Drawing();
     AddSentences(rendered, ofPage);
     if (options.htmlPath)
-        rendered.files.push_back({*options.htmlPath, RenderHtml(options, report, ofPage)});
+        Put(rendered, *options.htmlPath, RenderHtml(options, report, ofPage));
     if (!options.plotsFolder)
         return;
     const bool isDrawn = options.htmlPath && files.format == page.format && !files.size;
@@ -74,15 +85,17 @@ void AddFailure(std::vector<std::string>& failures, const std::string& sentence)
 RenderedOutput Render(const Options& options, const RunOutput& output)
 {
     RenderedOutput rendered;
-    if (WritesJsonToStandardOutput(options))
-        rendered.text = output.json();
-    else if (options.jsonPath)
-        rendered.files.push_back({*options.jsonPath, output.json()});
+    if (options.jsonPath)
+        Put(rendered, *options.jsonPath, output.json());
     if (output.status.IsError())
         return rendered;
     const Report report = output.report();
-    if (!WritesJsonToStandardOutput(options))
+    if (WritesReportToStandardOutput(options))
         rendered.text = RenderText(report);
+    else if (options.report.output)
+        Put(rendered, *options.report.output, RenderText(report));
+    if (options.report.tablePath)
+        Put(rendered, *options.report.tablePath, output.table(TableKindOf(*options.report.tablePath)));
     RenderPictures(rendered, options, output, report);
     LeaveOutPicturesInUse(rendered, options);
     return rendered;

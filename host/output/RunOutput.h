@@ -2,6 +2,7 @@
 
 #include "host/draw/Picture.h"
 #include "host/report/Report.h"
+#include "host/text/TableKind.h"
 
 #include "meta_analysis/platform/common/KXStatus.h"
 
@@ -20,6 +21,7 @@ struct RunOutput
     KXStatus furtherStatus = {}; ///< of the steps beyond the main analysis: their error leaves the report
     std::function<std::vector<Picture>()> pictures = {};
     std::string errorDetail = {}; ///< a sentence beside that of an error
+    std::function<std::string(TableKind)> table = {};
 };
 
 } // namespace host

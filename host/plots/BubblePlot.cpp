@@ -1,13 +1,13 @@
+#include "host/plots/BubbleDrawing.h"
 #include "host/plots/PictureMakers.h"
-#include "host/plots/PlotAxes.h"
-#include "host/plots/ScatterPlot.h"
 #include "host/text/PlainText.h"
 #include "host/text/Wording.h"
+
+#include "meta_analysis/platform/common/KXMV.h"
 
 #include <fmt/format.h>
 
 #include <cstddef>
-#include <utility>
 
 using namespace MA_NAMESPACE;
 
@@ -15,28 +15,49 @@ namespace host {
 
 namespace {
 
-constexpr double LONGEST_TITLE = 36; // of an axis, in units of the font's size
-
-/// The lower limits from left to right, then the upper limits from right to left.
-std::vector<Point> BandOutline(const MABaseModel& base, std::size_t covariate)
-{
-    const std::vector<double> x = base.GetBubbleCICurveX()[covariate];
-    std::vector<Point> outline = DrawablePoints(x, base.GetBubbleCICurveLower()[covariate]);
-    const std::vector<Point> upper = DrawablePoints(x, base.GetBubbleCICurveUpper()[covariate]);
-    outline.insert(outline.end(), upper.rbegin(), upper.rend());
-    return outline;
-}
-
-Layer FittedLine(const std::vector<double>& coefficients, const Extent& x)
+/// The effects of a line at these places. Without an intercept there is the slope alone.
+std::vector<double> LineAt(const std::vector<double>& x, const std::vector<double>& coefficients)
 {
     const double intercept = coefficients.size() > 1 ? coefficients.front() : 0;
-    const auto at = [&](double place) { return Point{place, intercept + coefficients.back() * place}; };
-    return LineBetween(at(x.First()), at(x.Last()), Layer::Kind::LINE, color::ACCENT, "Fitted line");
+    std::vector<double> effects;
+    effects.reserve(x.size());
+    for (const double place : x)
+        effects.push_back(intercept + coefficients.back() * place);
+    return effects;
 }
 
-std::string CovariateTitle(const AnalysisData& data, const std::string& covariate)
+/// The library has limits at the points of the curve; fewer than two of them make no band.
+CovariateLine LineOf(const AnalysisData& data, std::size_t index)
 {
-    const std::string title = ShortenedText(covariate, LONGEST_TITLE);
+    const MABaseModel& base = data.base;
+    CovariateLine line;
+    line.x = base.GetBubbleCICurveX()[index];
+    line.lower = base.GetBubbleCICurveLower()[index];
+    line.upper = base.GetBubbleCICurveUpper()[index];
+    if (line.x.size() < 2) {
+        Extent x;
+        x.Cover(base.GetBubbleXs()[index]);
+        line = {};
+        line.x = {x.First(), (x.First() + x.Last()) / 2, x.Last()};
+    } else if (data.request.hasPredictionBand) {
+        line.predictedLower = base.GetBubblePICurveLower()[index];
+        line.predictedUpper = base.GetBubblePICurveUpper()[index];
+    }
+    line.effects = LineAt(line.x, base.GetBubbleCoefs()[index]);
+    return line;
+}
+
+CovariateSlope SlopeOf(const MABaseModel& base, std::size_t index)
+{
+    const std::vector<double> coefficients = base.GetBubbleCoefs()[index];
+    return {coefficients.size() > 1 ? coefficients.front() : KXMV::Missing(), coefficients.back(),
+            base.GetBubbleSlopeCILower()[index], base.GetBubbleSlopeCIUpper()[index],
+            base.GetBubbleSlopeSig()[index]};
+}
+
+std::string TitleOf(const AnalysisData& data, const std::string& covariate)
+{
+    const std::string title = AxisTitle(covariate);
     return data.settings.GetCenterBubblePlot() ? title + " (less its mean)" : title;
 }
 
@@ -45,34 +66,25 @@ Picture BubblePlot(const AnalysisData& data, std::size_t index)
     const MABaseModel& base = data.base;
     const std::string covariate =
         LabelText(data.request.variables.GetVarAt(data.request.bubbleCovariates[index]).name);
-    const std::vector<double> xs = base.GetBubbleXs()[index];
-    const std::vector<Point> band = BandOutline(base, index);
-    Layer bubbles = Bubbles(xs, base.GetEffectSize(), base.GetBubbleW()[index]);
-    const std::vector<Point> studies = bubbles.pieces.front();
-
-    Extent x;
-    x.Cover(xs);
-    const Layer line = FittedLine(base.GetBubbleCoefs()[index], x);
-    Extent y;
-    y.Cover(studies, &Point::y);
-    y.Cover(line.pieces.front(), &Point::y);
-    y.Cover(band, &Point::y);
-    x.Pad(0.07);
-    y.Pad(0.07);
-
-    Picture picture = NewScatterPlot(NumberedName({"bubble", "Bubble plot", ""}, index + 1, covariate));
-    picture.x = NumberAxis(CovariateTitle(data, covariate), x);
-    picture.y = AnalysisAxis(data.measure, y);
-    picture.layers.push_back(
-        {Layer::Kind::AREA, color::BAND, {band}, {}, 0, fmt::format("{} band of the line", data.level)});
-    if (data.measure.hasNoEffect && y.Contains(0))
-        picture.layers.push_back(NullLine({x.First(), 0}, {x.Last(), 0}));
-    picture.layers.push_back(std::move(bubbles));
-    picture.layers.push_back(line);
-    picture.description =
-        fmt::format("{}: the {} of {} over {}, with the line of the meta-regression on it.", picture.title,
-                    data.measure.name, CountOfStudies(studies.size()), covariate);
-    return Finished(std::move(picture));
+    CovariatePlot plot = {.name = NumberedName({"bubble", "Bubble plot", ""}, index + 1, covariate),
+                          .covariateTitle = TitleOf(data, covariate),
+                          .effectName = data.measure.AnalysisName(),
+                          .hasNoEffect = data.measure.hasNoEffect,
+                          .level = data.level,
+                          .x = base.GetBubbleXs()[index],
+                          .effects = base.GetEffectSize(),
+                          .weights = base.GetBubbleW()[index],
+                          .line = LineOf(data, index),
+                          .slope = SlopeOf(base, index),
+                          .description = {}};
+    // A study without the covariate is no bubble, and gives the axis no room.
+    for (std::size_t study = 0; study < plot.x.size(); ++study)
+        if (!IsNumber(plot.x[study]))
+            plot.effects[study] = KXMV::Missing();
+    plot.description = fmt::format("{}: the {} of {} over {}, with the line of the meta-regression on it.",
+                                   plot.name.title, data.measure.name,
+                                   CountOfStudies(DrawablePoints(plot.x, plot.effects).size()), covariate);
+    return DrawBubbles(plot, AnalysisAxis(data.measure, EffectExtent(plot)));
 }
 
 } // namespace

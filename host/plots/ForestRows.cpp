@@ -309,6 +309,8 @@ std::vector<ForestRow> CumulativeForestRows(const AnalysisData& data)
     const std::vector<CumulativeGroup> groups = CumulativeGroups(data);
     if (groups.empty())
         return {};
+    if (data.base.GetSubGroupStudyID().empty()) // no study has a value of the order
+        return {};
     if (data.groupLabels.empty())
         return CumulativeSteps(data, groups.front());
     std::vector<Rows> blocks;

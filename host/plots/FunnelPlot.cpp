@@ -4,6 +4,8 @@
 #include "host/plots/ScatterPlot.h"
 #include "host/text/Wording.h"
 
+#include "meta_analysis/platform/common/KXDistFun.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -65,6 +67,22 @@ std::string VerticalTitle(MAConst::FunnelYType type)
     return {};
 }
 
+/// The standard error that belongs to a vertical coordinate.
+double StdErrorAt(MAConst::FunnelYType type, double vertical)
+{
+    switch (type) {
+    case MAConst::FUNNEL_STD_ERROR:
+        return vertical;
+    case MAConst::FUNNEL_PRECISION:
+        return 1 / vertical;
+    case MAConst::FUNNEL_VARIANCE:
+        return std::sqrt(vertical);
+    case MAConst::FUNNEL_INVERSE_VARIANCE:
+        return 1 / std::sqrt(vertical);
+    }
+    return vertical;
+}
+
 /// Makes one funnel plot.
 class Funnel
 {
@@ -79,6 +97,12 @@ private:
     std::vector<Point> RowOf(const Rows& x, const Rows& y, std::size_t row) const;
     std::vector<Point> Imputed() const;
     std::vector<Point> Mirrored(std::vector<Point> line) const;
+    Extent VerticalExtent() const;
+    Point LimitAt(double vertical) const;
+    std::vector<Point> UpperLimit(const Extent& vertical) const;
+    Layer Limits(const Picture& picture) const;
+    std::vector<Layer> Centers(const Picture& picture) const;
+    bool PointsDown() const;
     bool HasContours() const;
     bool HasTrend() const;
     Point TrendAt(double stdError) const;
@@ -95,8 +119,7 @@ private:
     double center_;
     std::vector<Point> studies_;
     std::vector<Point> imputed_;
-    std::vector<Point> upperLimit_;
-    std::vector<Point> lowerLimit_;
+    std::vector<Point> upperLimit_; ///< as far as the library has it
 };
 
 Funnel::Funnel(const AnalysisData& data, const PlotOfGroup& plot)
@@ -108,8 +131,7 @@ Funnel::Funnel(const AnalysisData& data, const PlotOfGroup& plot)
       center_(isFilled_ ? base_.GetOverallTFEffectSize() : plot.estimate),
       studies_(RowOf(base_.GetFunnelX(), base_.GetFunnelY(), plot.row)),
       imputed_(Imputed()),
-      upperLimit_(RowOf(base_.GetFunnelCIX(), base_.GetFunnelCIY(), plot.row)),
-      lowerLimit_(Mirrored(upperLimit_))
+      upperLimit_(RowOf(base_.GetFunnelCIX(), base_.GetFunnelCIY(), plot.row))
 {}
 
 std::vector<Point> Funnel::RowOf(const Rows& x, const Rows& y, std::size_t row) const
@@ -130,6 +152,60 @@ std::vector<Point> Funnel::Mirrored(std::vector<Point> line) const
     for (Point& point : line)
         point.x = center_ - (point.x - center_);
     return line;
+}
+
+bool Funnel::PointsDown() const
+{
+    return type_ == MAConst::FUNNEL_STD_ERROR || type_ == MAConst::FUNNEL_VARIANCE;
+}
+
+/// The upper limit, which is where a study with this vertical coordinate would differ from the centre.
+Point Funnel::LimitAt(double vertical) const
+{
+    const double critical = KXDistFun::IdfStdNorm(1 - AlphaOf(data_.settings) / 2);
+    return {center_ + critical * StdErrorAt(type_, vertical), vertical};
+}
+
+/// The library's line between the smallest and the largest coordinate of a study, and what is left of it to
+/// both ends of the axis. Towards precision 0 the limit grows without bound, and leaves the frame at its
+/// side.
+std::vector<Point> Funnel::UpperLimit(const Extent& vertical) const
+{
+    std::vector<Point> limit = upperLimit_;
+    if (limit.empty())
+        return limit;
+    if (!PointsDown()) {
+        constexpr int steps = 20;
+        const double first = limit.front().y;
+        for (int i = 1; i <= steps; ++i)
+            if (const double y = first + (vertical.First() - first) * i / steps; y > 0)
+                limit.insert(limit.begin(), LimitAt(y));
+    }
+    limit.push_back(LimitAt(vertical.Last()));
+    return limit;
+}
+
+Layer Funnel::Limits(const Picture& picture) const
+{
+    Extent vertical;
+    vertical.Cover({picture.y.first, picture.y.last});
+    std::vector<Point> upper = UpperLimit(vertical);
+    std::vector<Point> lower = Mirrored(upper);
+    return {Layer::Kind::DASHED_LINE, color::INK, {std::move(upper), std::move(lower)}, {}, 1.2,
+            data_.level + " limits"};
+}
+
+/// The estimate about which the funnel is, and that of the observed studies where the imputed ones move it.
+std::vector<Layer> Funnel::Centers(const Picture& picture) const
+{
+    const auto upright = [&](double at, Layer::Kind kind, std::string legend) {
+        return LineBetween({at, picture.y.first}, {at, picture.y.last}, kind, color::ACCENT,
+                           std::move(legend));
+    };
+    if (imputed_.empty())
+        return {upright(center_, Layer::Kind::LINE, "Pooled effect")};
+    return {upright(center_, Layer::Kind::DASHED_LINE, "Effect with imputed studies"),
+            upright(plot_.estimate, Layer::Kind::LINE, "Effect of observed studies")};
 }
 
 /// The library gives contours by their extent at the largest standard error. Only over the standard error is
@@ -166,28 +242,36 @@ std::vector<Layer> Funnel::Trend(const Picture& picture) const
                  fmt::format("Effect at standard error 0, {} CI", data_.level))};
 }
 
+/// Standard errors and variances start at 0. Precisions end above it, where the limits are finite.
+Extent Funnel::VerticalExtent() const
+{
+    Extent y;
+    for (const std::vector<Point>* points : {&studies_, &imputed_, &upperLimit_})
+        y.Cover(*points, &Point::y);
+    y.Pad(0.05);
+    if (PointsDown() || y.First() < 0)
+        y.StartAt(0);
+    return y;
+}
+
 void Funnel::SetAxes(Picture& picture) const
 {
+    const Extent y = VerticalExtent();
+    const std::vector<Point> limit = PointsDown() ? UpperLimit(y) : upperLimit_;
+    const std::vector<Point> mirrored = Mirrored(limit);
     Extent x;
-    Extent y;
-    for (const std::vector<Point>* points : {&studies_, &imputed_, &upperLimit_, &lowerLimit_}) {
+    for (const std::vector<Point>* points : {&studies_, &imputed_, &limit, &mirrored})
         x.Cover(*points, &Point::x);
-        y.Cover(*points, &Point::y);
-    }
-    x.Cover(center_);
+    x.Cover({center_, plot_.estimate});
     if (HasContours())
         x.Cover(0);
     if (HasTrend())
         x.Cover({base_.GetRegBasedTestLimit(), base_.GetRegBasedTestLimitCILower(),
                  base_.GetRegBasedTestLimitCIUpper(), TrendAt(y.Last()).x});
-    const bool pointsDown = type_ == MAConst::FUNNEL_STD_ERROR || type_ == MAConst::FUNNEL_VARIANCE;
     x.Pad(0.04);
-    y.Pad(0.05);
-    if (pointsDown)
-        y.StartAt(0);
     picture.x = AnalysisAxis(data_.measure, x);
     picture.y = NumberAxis(Capitalised(VerticalTitle(type_)), y);
-    if (pointsDown)
+    if (PointsDown())
         std::swap(picture.y.first, picture.y.last);
 }
 
@@ -248,11 +332,9 @@ Picture Funnel::Draw() const
     SetAxes(picture);
     if (HasContours())
         picture.layers = Contours(picture);
-    picture.layers.push_back(
-        {Layer::Kind::DASHED_LINE, color::INK, {upperLimit_, lowerLimit_}, {}, 1.2, data_.level + " limits"});
-    picture.layers.push_back(LineBetween({center_, picture.y.first}, {center_, picture.y.last},
-                                         Layer::Kind::LINE, color::ACCENT,
-                                         imputed_.empty() ? "Pooled effect" : "Effect with imputed studies"));
+    picture.layers.push_back(Limits(picture));
+    for (Layer& layer : Centers(picture))
+        picture.layers.push_back(std::move(layer));
     if (!imputed_.empty())
         picture.layers.push_back(Dots(imputed_, Layer::Kind::RINGS, color::INK, "Imputed study"));
     picture.layers.push_back(StudyDots(studies_));

@@ -1,10 +1,12 @@
+#include "host/plots/GalbraithDrawing.h"
 #include "host/plots/PictureMakers.h"
-#include "host/plots/PlotAxes.h"
-#include "host/plots/ScatterPlot.h"
+#include "host/text/NumberText.h"
 #include "host/text/Wording.h"
 
 #include <fmt/format.h>
 
+#include <cmath>
+#include <cstddef>
 #include <utility>
 
 using namespace MA_NAMESPACE;
@@ -13,69 +15,61 @@ namespace host {
 
 namespace {
 
-/// The library divides the effects of all studies by their standard errors, and those of a group by their
-/// variances. In a group, the parallels are no confidence limits.
-struct Scale
+/// The studies of a plot in Galbraith's coordinates, and the slope of their line through the origin, which is
+/// the fixed-effect estimate. The library's own coordinates of a group are others: they are divided by the
+/// variances, so that their parallels are no limits.
+struct RadialStudies
 {
-    const char* name;
-    std::string parallels;
+    std::vector<Point> points;
+    double slope;
 };
 
-Scale ScaleOf(const AnalysisData& data, const PlotOfGroup& plot)
+RadialStudies RadialStudiesOf(const AnalysisData& data, const PlotOfGroup& plot)
 {
-    if (plot.row == 0)
-        return {"standard error", data.level + " limits"};
-    return {"variance", fmt::format("Line ± {:.2f}", data.base.GetGalbRegrIntercept()[plot.row])};
+    const std::vector<double> effects = data.base.GetEffectSize();
+    const std::vector<double> stdErrors = data.base.GetStdError();
+    RadialStudies radial = {{}, 0};
+    double products = 0;
+    double squares = 0;
+    for (const std::size_t study : StudiesOf(data, plot)) {
+        const Point point = {1 / stdErrors[study], effects[study] / stdErrors[study]};
+        if (!IsNumber(effects[study]) || !IsNumber(point.x) || !IsNumber(point.y))
+            continue;
+        radial.points.push_back(point);
+        products += point.x * point.y;
+        squares += point.x * point.x;
+    }
+    radial.slope = products / squares;
+    return radial;
 }
 
-/// The line through the origin, which ends at `end`, and its parallels.
-std::vector<Layer> Lines(const AnalysisData& data, const PlotOfGroup& plot, double end)
+std::string DescriptionOf(const AnalysisData& data, const GalbraithPlot& plot, double critical)
 {
-    const double slope = data.base.GetGalbRegrSlope()[plot.row];
-    const double offset = data.base.GetGalbRegrIntercept()[plot.row];
-    return {
-        {Layer::Kind::DASHED_LINE,
-         color::INK,
-         {{{0, offset}, {end, slope * end + offset}}, {{0, -offset}, {end, slope * end - offset}}},
-         {},
-         1.2,
-         ScaleOf(data, plot).parallels},
-        LineBetween({0, 0}, {end, slope * end}, Layer::Kind::LINE, color::ACCENT, "Line through the origin")};
+    return fmt::format(
+        "{}: {} by the {} and the precision, each divided by the standard error; a line through "
+        "the origin of slope {}, the fixed-effect estimate, and {} limits at a distance of {:.2f}.",
+        plot.name.title, CountOfStudies(plot.studies.size()), data.measure.AnalysisName(),
+        NumberText(plot.lines.front().slope), data.level, critical);
 }
 
-Picture GalbraithPlot(const AnalysisData& data, const PlotOfGroup& plot)
+Picture PictureOf(const AnalysisData& data, const PlotOfGroup& group, RadialStudies radial)
 {
-    const MABaseModel& base = data.base;
-    const std::vector<Point> studies =
-        DrawablePoints(base.GetGalbPlotX()[plot.row], base.GetGalbPlotY()[plot.row]);
-    const double slope = base.GetGalbRegrSlope()[plot.row];
-    const double offset = base.GetGalbRegrIntercept()[plot.row];
-    const Scale scale = ScaleOf(data, plot);
-
-    Extent x;
-    x.Cover(0);
-    x.Cover(studies, &Point::x);
-    x.Pad(0.05);
-    x.StartAt(0);
-    const double end = x.Last();
-    Extent y;
-    y.Cover(studies, &Point::y);
-    y.Cover({-offset, offset, slope * end - offset, slope * end + offset});
-    y.Pad(0.04);
-
-    Picture picture = NewScatterPlot(NameOfGroupPlot({"galbraith", "Galbraith plot", ""}, plot));
-    picture.x = NumberAxis(fmt::format("1 / {}", scale.name), x);
-    picture.y = NumberAxis(fmt::format("{} / {}", Capitalised(data.measure.AnalysisName()), scale.name), y);
-    if (data.measure.hasNoEffect)
-        picture.layers.push_back(NullLine({0, 0}, {end, 0}));
-    for (Layer& layer : Lines(data, plot, end))
-        picture.layers.push_back(std::move(layer));
-    picture.layers.push_back(StudyDots(studies));
-    picture.description = fmt::format(
-        "{}: {} by effect and precision, each divided by the {}; a line through the origin of slope "
-        "{:.2f} and its two parallels at a distance of {:.2f}.",
-        picture.title, CountOfStudies(studies.size()), scale.name, slope, offset);
-    return Finished(std::move(picture));
+    const double critical = data.base.GetGalbRegrIntercept()[group.row];
+    GalbraithPlot plot = {
+        .name = NameOfGroupPlot({"galbraith", "Galbraith plot", ""}, group),
+        .studies = std::move(radial.points),
+        .lines = {{radial.slope, Layer::Kind::LINE, color::ACCENT, "Fixed-effect estimate"}},
+        .criticalValue = critical,
+        .limits = data.level + " limits of a study",
+        .xTitle = "1 / standard error",
+        .yTitle = Capitalised(data.measure.AnalysisName()) + " / standard error",
+        .hasNullLine = data.measure.hasNoEffect,
+        .description = {}};
+    if (IsRandom(data.settings) && IsNumber(group.estimate))
+        plot.lines.push_back(
+            {group.estimate, Layer::Kind::DOTTED_LINE, color::POOLED, "Random-effects estimate"});
+    plot.description = DescriptionOf(data, plot, critical);
+    return DrawGalbraith(std::move(plot));
 }
 
 } // namespace
@@ -83,8 +77,9 @@ Picture GalbraithPlot(const AnalysisData& data, const PlotOfGroup& plot)
 std::vector<Picture> GalbraithPictures(const AnalysisData& data)
 {
     std::vector<Picture> pictures;
-    for (const PlotOfGroup& plot : AllAndGroups(data, data.base.GetGalbPlotX().size()))
-        pictures.push_back(GalbraithPlot(data, plot));
+    for (const PlotOfGroup& group : AllAndGroups(data, data.base.GetGalbPlotX().size()))
+        if (RadialStudies radial = RadialStudiesOf(data, group); IsNumber(radial.slope))
+            pictures.push_back(PictureOf(data, group, std::move(radial)));
     return pictures;
 }
 

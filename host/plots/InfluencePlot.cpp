@@ -4,10 +4,12 @@
 #include "host/plots/PointLabels.h"
 #include "host/plots/ScatterPlot.h"
 #include "host/text/NumberText.h"
+#include "host/text/PlainText.h"
 #include "host/text/Wording.h"
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <utility>
@@ -27,8 +29,8 @@ constexpr std::size_t COLUMNS = 2;
 /// A diagnostic: its values, what it is without influence, and the cut-offs beyond which it tells of some.
 struct Diagnostic
 {
-    const char* title;
-    const std::vector<double>& values;
+    std::string title;
+    std::vector<double> values;
     double reference;
     std::vector<double> cutoffs;
 };
@@ -72,13 +74,53 @@ std::vector<Point> PointsOf(const InfluenceTable& table, const std::vector<doubl
     return points;
 }
 
-std::vector<LabelledPoint> LabelledPointsOf(const InfluenceTable& table, const std::vector<double>& values)
+/// The change of each coefficient without the study. They have one cut-off.
+std::vector<Diagnostic> CoefficientChangesOf(const InfluenceTable& table)
+{
+    constexpr std::size_t cutoff = 4;
+    std::vector<Diagnostic> diagnostics;
+    for (std::size_t j = 0; j < table.parameters.size(); ++j) {
+        Diagnostic diagnostic = {LabelText(table.parameters[j]), {}, 0, {}};
+        for (const std::vector<double>& ofStudy : table.dfbetas)
+            diagnostic.values.push_back(ofStudy[j]);
+        if (table.cutoffs.size() > cutoff)
+            diagnostic.cutoffs = {-table.cutoffs[cutoff], table.cutoffs[cutoff]};
+        diagnostics.push_back(std::move(diagnostic));
+    }
+    return diagnostics;
+}
+
+bool IsBeyondCutoff(const Diagnostic& diagnostic, double value)
+{
+    return std::any_of(diagnostic.cutoffs.begin(), diagnostic.cutoffs.end(), [&](double cutoff) {
+        return IsNumber(cutoff) && (cutoff < 0 ? value < cutoff : value > cutoff);
+    });
+}
+
+/// Those beyond a cut-off of the panel come first, then the studies that are influential by another panel.
+std::vector<LabelledPoint> LabelledPointsOf(const InfluenceTable& table, const Diagnostic& diagnostic)
 {
     std::vector<LabelledPoint> points;
-    for (std::size_t i = 0; i < values.size(); ++i)
-        if (IsNumber(values[i]) && table.IsInfluential(i))
-            points.push_back({{static_cast<double>(i + 1), values[i]}, table.labels[i]});
+    for (std::size_t i = 0; i < diagnostic.values.size(); ++i) {
+        const double value = diagnostic.values[i];
+        if (!IsNumber(value))
+            continue;
+        const LabelledPoint point = {{static_cast<double>(i + 1), value}, table.labels[i]};
+        if (IsBeyondCutoff(diagnostic, value))
+            points.insert(points.begin(), point);
+        else if (table.IsInfluential(i))
+            points.push_back(point);
+    }
     return points;
+}
+
+/// The name with the cut-offs, which may be beyond the panel.
+std::string TitleOf(const Diagnostic& diagnostic)
+{
+    if (diagnostic.cutoffs.empty() || !IsNumber(diagnostic.cutoffs.back()))
+        return diagnostic.title;
+    const char* const sign = diagnostic.cutoffs.size() > 1 ? "±" : "";
+    return fmt::format("{}, cut-off {}{:.3g}", diagnostic.title, sign, diagnostic.cutoffs.back());
 }
 
 /// Smaller ones where there are many studies.
@@ -156,34 +198,55 @@ Picture PanelOf(const InfluenceTable& table, const Diagnostic& diagnostic, std::
                     StudyDotsOf(table, influential, color::ACCENT)};
     std::vector<Point> dots = others;
     dots.insert(dots.end(), influential.begin(), influential.end());
-    panel.texts = LabelsBeside(LabelledPointsOf(table, diagnostic.values), dots, panel);
-    panel.texts.push_back(
-        {diagnostic.title, 0, panel.frame.top - SPACE_ABOVE / 2, PictureText::Align::LEFT, true});
+    panel.texts = LabelsBeside(LabelledPointsOf(table, diagnostic), dots, panel);
+    panel.texts.push_back({ShortenedText(TitleOf(diagnostic), PANEL_WIDTH / FONT_SIZE), 0,
+                           panel.frame.top - SPACE_ABOVE / 2, PictureText::Align::LEFT, true});
     for (PictureText& text : panel.texts)
         text.x += panel.frame.left;
     return panel;
 }
 
-} // namespace
-
-Picture InfluencePicture(const InfluenceTable& table)
+/// A panel for each diagnostic that has a value.
+Picture PictureOf(const InfluenceTable& table, const char* name, const char* title,
+                  const std::vector<Diagnostic>& diagnostics)
 {
     Picture picture = {};
-    picture.name = "influence";
-    picture.title = "Influence";
-    for (const Diagnostic& diagnostic : DiagnosticsOf(table))
+    picture.name = name;
+    picture.title = title;
+    for (const Diagnostic& diagnostic : diagnostics)
         if (HasAnyValue(diagnostic.values))
             picture.panels.push_back(PanelOf(table, diagnostic, picture.panels.size()));
+    if (picture.panels.empty())
+        return picture;
     const std::size_t rowCount = (picture.panels.size() + COLUMNS - 1) / COLUMNS;
     const auto rows = static_cast<double>(rowCount);
     picture.width = COLUMNS * (PANEL_WIDTH + SPACE_LEFT) + PICTURE_MARGIN;
     picture.height = rows * (PANEL_HEIGHT + SPACE_ABOVE + SPACE_BELOW) + TITLE_BELOW;
     picture.panels.front().texts.push_back({"Study, numbered in the order of the table", picture.width / 2,
                                             picture.height - TITLE_BELOW / 1.5, PictureText::Align::CENTER});
-    picture.description = fmt::format("{}: the deletion diagnostics of {}, a panel each. Dotted lines are "
-                                      "what all studies have together or on "
-                                      "average, dashed ones the cut-offs; influential studies are named.",
-                                      picture.title, CountOfStudies(table.labels.size()));
+    return picture;
+}
+
+} // namespace
+
+Picture InfluencePicture(const InfluenceTable& table)
+{
+    Picture picture = PictureOf(table, "influence", "Influence", DiagnosticsOf(table));
+    picture.description = fmt::format(
+        "{}: the deletion diagnostics of {}, a panel each. Dotted lines are what all studies have "
+        "together or on average, dashed ones the cut-offs; studies beyond a cut-off are named.",
+        picture.title, CountOfStudies(table.labels.size()));
+    return picture;
+}
+
+Picture CoefficientChangePicture(const InfluenceTable& table)
+{
+    Picture picture =
+        PictureOf(table, "dfbetas", "Influence on the coefficients (DFBETAS)", CoefficientChangesOf(table));
+    picture.description =
+        fmt::format("{}: the change of each coefficient without each of {}, in standard errors, "
+                    "a panel each. Dashed lines are the cut-offs; studies beyond are named.",
+                    picture.title, CountOfStudies(table.labels.size()));
     return picture;
 }
 
@@ -191,7 +254,10 @@ std::vector<Picture> InfluencePicturesOf(const InfluenceTable& table)
 {
     if (table.IsEmpty())
         return {};
-    std::vector<Picture> pictures = {InfluencePicture(table)};
+    std::vector<Picture> pictures;
+    for (const Picture& picture : {InfluencePicture(table), CoefficientChangePicture(table)})
+        if (!picture.panels.empty())
+            pictures.push_back(picture);
     if (HasBaujatPoint(table)) // without one of two studies no model is left to compare with
         pictures.push_back(BaujatPicture(table));
     return pictures;

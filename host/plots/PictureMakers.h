@@ -29,8 +29,15 @@ PictureMaker BubblePictures;
 /// The influence picture and the Baujat plot.
 PictureMaker InfluencePictures;
 
+/// A forest plot of the models without each study.
+PictureMaker LeaveOneOutPictures;
+
+/// Drapery plots of all studies and of each group, when they are asked for.
+PictureMaker DraperyPictures;
+
 /// The plots in the order of the page.
-inline constexpr PictureMaker* PICTURE_MAKERS[] = {ForestPictures, FunnelPictures, GalbraithPictures,
-                                                   LabbePictures,  BubblePictures, InfluencePictures};
+inline constexpr PictureMaker* PICTURE_MAKERS[] = {ForestPictures,      FunnelPictures, GalbraithPictures,
+                                                   LabbePictures,       BubblePictures, InfluencePictures,
+                                                   LeaveOneOutPictures, DraperyPictures};
 
 } // namespace host

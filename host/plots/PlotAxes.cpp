@@ -76,6 +76,18 @@ std::vector<Tick> TicksWithRoom(const Make& makeTicks)
     return makeTicks(most);
 }
 
+/// Ticks at multiples of a round step of at least `shortest`.
+std::vector<Tick> TicksInSteps(const Extent& numbers, double shortest)
+{
+    return TicksWithRoom([&](int most) {
+        const double step = RoundStep(std::max(numbers.Length() / most, shortest));
+        std::vector<Tick> ticks;
+        for (const double number : Multiples(step, numbers.First(), numbers.Last()))
+            ticks.push_back({number, TextAt(number, step)});
+        return ticks;
+    });
+}
+
 std::vector<Tick> DecadeTicks(const Extent& logarithms, int most)
 {
     const double step = RoundStep(std::max(1.0, logarithms.Length() / LogOfTen() / most));
@@ -153,13 +165,12 @@ std::vector<Point> DrawablePoints(const std::vector<double>& x, const std::vecto
 
 std::vector<Tick> NumberTicks(const Extent& numbers)
 {
-    return TicksWithRoom([&](int most) {
-        const double step = RoundStep(numbers.Length() / most);
-        std::vector<Tick> ticks;
-        for (const double number : Multiples(step, numbers.First(), numbers.Last()))
-            ticks.push_back({number, TextAt(number, step)});
-        return ticks;
-    });
+    return TicksInSteps(numbers, 0);
+}
+
+std::vector<Tick> WholeNumberTicks(const Extent& numbers)
+{
+    return TicksInSteps(numbers, 1);
 }
 
 std::vector<Tick> RatioTicks(const Extent& logarithms)
@@ -176,6 +187,15 @@ std::vector<Tick> RatioTicks(const Extent& logarithms)
 Axis NumberAxis(std::string title, const Extent& extent)
 {
     return {std::move(title), extent.First(), extent.Last(), NumberTicks(extent)};
+}
+
+Axis CovariateAxis(std::string title, const std::vector<double>& values, const Extent& extent)
+{
+    const bool areWhole = std::all_of(values.begin(), values.end(), [](double value) {
+        return !IsNumber(value) || value == std::floor(value);
+    });
+    return {std::move(title), extent.First(), extent.Last(),
+            areWhole ? WholeNumberTicks(extent) : NumberTicks(extent)};
 }
 
 Axis EffectAxis(const Measure& measure, const std::string& quantity, const Extent& extent)

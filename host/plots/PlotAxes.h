@@ -36,10 +36,15 @@ std::vector<Point> DrawablePoints(const std::vector<double>& x, const std::vecto
 
 /// Ticks at round numbers.
 std::vector<Tick> NumberTicks(const Extent& numbers);
+/// Ticks at round whole numbers, for values between which there is nothing: years, counts, 0 and 1.
+std::vector<Tick> WholeNumberTicks(const Extent& numbers);
 /// Ticks at the logarithms of round ratios.
 std::vector<Tick> RatioTicks(const Extent& logarithms);
 
 Axis NumberAxis(std::string title, const Extent& extent);
+
+/// An axis of these values, with whole numbers alone where the values are whole.
+Axis CovariateAxis(std::string title, const std::vector<double>& values, const Extent& extent);
 
 /// An axis on the scale of the analysis; that of a ratio is labelled on the natural scale. `quantity` is its
 /// title without the scale, in lower case.

@@ -6,6 +6,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <numeric>
 #include <utility>
 
 namespace host {
@@ -47,7 +48,8 @@ PlotOfGroup AllStudies(const AnalysisData& data)
 
 bool IsWorthAPicture(const AnalysisData& data, const PlotOfGroup& plot)
 {
-    return plot.number == 0 || data.base.GetGroupN()[plot.number - 1] > 1;
+    return plot.number == 0 ? data.base.GetNonMissingStudyID().size() > 1
+                            : data.base.GetGroupN()[plot.number - 1] > 1;
 }
 
 std::vector<PlotOfGroup> AllAndGroups(const AnalysisData& data, std::size_t rowCount)
@@ -55,8 +57,8 @@ std::vector<PlotOfGroup> AllAndGroups(const AnalysisData& data, std::size_t rowC
     if (rowCount <= data.groupLabels.size())
         return {};
     std::vector<PlotOfGroup> plots = Groups(data, 1);
-    std::erase_if(plots, [&](const PlotOfGroup& plot) { return !IsWorthAPicture(data, plot); });
     plots.insert(plots.begin(), AllStudies(data));
+    std::erase_if(plots, [&](const PlotOfGroup& plot) { return !IsWorthAPicture(data, plot); });
     return plots;
 }
 
@@ -65,6 +67,21 @@ std::vector<PlotOfGroup> GroupsOrAll(const AnalysisData& data)
     if (data.groupLabels.empty())
         return {AllStudies(data)};
     return Groups(data, 0);
+}
+
+std::vector<std::size_t> StudiesOf(const AnalysisData& data, const PlotOfGroup& plot)
+{
+    const std::vector<int> records = data.base.GetNonMissingStudyID();
+    std::vector<std::size_t> studies(records.size());
+    std::iota(studies.begin(), studies.end(), 0U);
+    if (plot.number == 0)
+        return studies;
+    std::vector<int> members = data.base.GetSubGroupStudyID()[plot.number - 1];
+    std::sort(members.begin(), members.end());
+    std::erase_if(studies, [&](std::size_t study) {
+        return !std::binary_search(members.begin(), members.end(), records[study]);
+    });
+    return studies;
 }
 
 std::string SentenceOfGroupsWithoutPlots(const AnalysisData& data)

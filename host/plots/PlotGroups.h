@@ -25,6 +25,9 @@ std::vector<PlotOfGroup> AllAndGroups(const AnalysisData& data, std::size_t rowC
 /// Each group, or the largest of very many, or all studies where there are no groups.
 std::vector<PlotOfGroup> GroupsOrAll(const AnalysisData& data);
 
+/// The positions of the plot's studies among all studies.
+std::vector<std::size_t> StudiesOf(const AnalysisData& data, const PlotOfGroup& plot);
+
 /// Which groups have no plots, because there are too many; empty for none.
 std::string SentenceOfGroupsWithoutPlots(const AnalysisData& data);
 

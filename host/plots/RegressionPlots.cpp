@@ -1,9 +1,9 @@
 #include "host/plots/RegressionPlots.h"
 
+#include "host/plots/BubbleDrawing.h"
 #include "host/plots/ForestDrawing.h"
 #include "host/plots/InfluencePictures.h"
-#include "host/plots/PlotAxes.h"
-#include "host/plots/ScatterPlot.h"
+#include "host/plots/ResidualPlots.h"
 #include "host/plots/VisibleMarks.h"
 #include "host/report/ReportColumns.h"
 #include "host/text/PlainText.h"
@@ -11,6 +11,7 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <utility>
 
@@ -19,8 +20,6 @@ using namespace MA_NAMESPACE;
 namespace host {
 
 namespace {
-
-constexpr double LONGEST_TITLE = 36; // of an axis, in units of the font's size
 
 /// A ratio is shown on its natural scale, other effects on that of the analysis.
 ForestInterval ShownInterval(const ForestInterval& place, const Measure& measure)
@@ -79,56 +78,72 @@ Picture ForestPicture(const RegressionData& data)
                       forest);
 }
 
-/// The lower limits from left to right, then the upper limits from right to left.
-std::vector<Point> BandOutline(const MARegBubblePlot& plot)
-{
-    std::vector<Point> outline = DrawablePoints(plot.lineX, plot.lineLower);
-    const std::vector<Point> upper = DrawablePoints(plot.lineX, plot.lineUpper);
-    outline.insert(outline.end(), upper.rbegin(), upper.rend());
-    return outline;
-}
-
-std::string DescriptionOf(const RegressionData& data, const Picture& picture, std::size_t studyCount,
+std::string DescriptionOf(const RegressionData& data, const std::string& title, std::size_t studyCount,
                           const std::string& covariate, bool hasLine)
 {
     const bool hasOthers = data.request.settings.GetNumOfModelEffects() > 1;
     const std::string average = hasOthers ? ", which averages over the other predictors of the studies" : "";
-    return fmt::format("{}: the {} of {} over {}{}.", picture.title, data.measure.name,
-                       CountOfStudies(studyCount), covariate,
-                       hasLine ? ", with the line of the meta-regression" + average : "");
+    return fmt::format("{}: the {} of {} over {}{}.", title, data.measure.name, CountOfStudies(studyCount),
+                       covariate, hasLine ? ", with the line of the meta-regression" + average : "");
+}
+
+/// Whether the covariate is in no other effect than its own, so that its coefficient is the slope of the
+/// line.
+bool IsAloneInItsEffect(const std::vector<std::string>& effects, const std::string& covariate)
+{
+    return std::none_of(effects.begin(), effects.end(), [&](const std::string& effect) {
+        return effect != covariate && effect.find(covariate) != std::string::npos;
+    });
+}
+
+CovariateSlope SlopeOf(const RegressionData& data, const std::string& covariate)
+{
+    CovariateSlope slope = {KXMV::Missing(), KXMV::Missing(), KXMV::Missing(), KXMV::Missing(),
+                            KXMV::Missing()};
+    const std::vector<std::string> names = data.ParameterNames();
+    const auto own = std::find(names.begin(), names.end(), covariate);
+    if (own == names.end() || !IsAloneInItsEffect(data.EffectNames(), covariate))
+        return slope;
+    const auto parameter = static_cast<std::size_t>(own - names.begin());
+    slope.slope = data.output.GetEstimation()[parameter];
+    slope.lower = data.output.GetBetaConfInterValLower()[parameter];
+    slope.upper = data.output.GetBetaConfInterValUpper()[parameter];
+    slope.significance = data.output.GetBetaTestPValue()[parameter];
+    if (names.size() == 2 && data.request.settings.GetInterceptUse())
+        slope.intercept = data.output.GetEstimation()[1 - parameter];
+    return slope;
+}
+
+CovariateLine LineOf(const MARegBubblePlot& plot, bool hasPredictionBand)
+{
+    CovariateLine line = {plot.lineX, plot.lineEffects, plot.lineLower, plot.lineUpper, {}, {}};
+    if (hasPredictionBand) {
+        line.predictedLower = plot.linePILower;
+        line.predictedUpper = plot.linePIUpper;
+    }
+    return line;
 }
 
 Picture BubblePicture(const RegressionData& data, std::size_t number, int variable)
 {
-    const MARegBubblePlot& plot = data.analysis.bubbles.at(variable);
+    const MARegBubblePlot& bubbles = data.analysis.bubbles.at(variable);
     const std::string covariate = LabelText(data.request.variables.GetVarAt(variable).name);
-    const std::vector<Point> band = BandOutline(plot);
-    const std::vector<Point> line = DrawablePoints(plot.lineX, plot.lineEffects);
-    Layer bubbles = Bubbles(plot.studyX, plot.studyEffects, plot.studyWeights);
-    const std::size_t studyCount = bubbles.pieces.front().size();
-
-    Extent x;
-    x.Cover(plot.studyX);
-    Extent y;
-    y.Cover(plot.studyEffects);
-    y.Cover(line, &Point::y);
-    y.Cover(band, &Point::y);
-    x.Pad(0.07);
-    y.Pad(0.07);
-
-    Picture picture = NewScatterPlot(NumberedName({"bubble", "Bubble plot", ""}, number, covariate));
-    picture.x = NumberAxis(ShortenedText(covariate, LONGEST_TITLE), x);
-    picture.y = EffectAxis(data.measure, data.measure.name, y);
-    if (!band.empty())
-        picture.layers.push_back(
-            {Layer::Kind::AREA, color::BAND, {band}, {}, 0, fmt::format("{} band of the line", data.level)});
-    if (y.Contains(0))
-        picture.layers.push_back(NullLine({x.First(), 0}, {x.Last(), 0}));
-    picture.layers.push_back(std::move(bubbles));
-    if (!line.empty()) // the data may not determine it beside a collinear covariate
-        picture.layers.push_back({Layer::Kind::LINE, color::ACCENT, {line}, {}, 1.5, "Fitted line"});
-    picture.description = DescriptionOf(data, picture, studyCount, covariate, !line.empty());
-    return Finished(std::move(picture));
+    CovariatePlot plot = {.name = NumberedName({"bubble", "Bubble plot", ""}, number, covariate),
+                          .covariateTitle = AxisTitle(covariate),
+                          .effectName = data.measure.AnalysisName(),
+                          .hasNoEffect = data.measure.hasNoEffect,
+                          .level = data.level,
+                          .x = bubbles.studyX,
+                          .effects = bubbles.studyEffects,
+                          .weights = bubbles.studyWeights,
+                          .line = LineOf(bubbles, data.options.picture.hasPredictionBand),
+                          .slope = SlopeOf(data, covariate),
+                          .description = {}};
+    // The data may not determine a line beside a collinear covariate.
+    const bool hasLine = !DrawablePoints(bubbles.lineX, bubbles.lineEffects).empty();
+    plot.description =
+        DescriptionOf(data, plot.name.title, DrawablePoints(plot.x, plot.effects).size(), covariate, hasLine);
+    return DrawBubbles(plot, EffectAxis(data.measure, data.measure.name, EffectExtent(plot)));
 }
 
 } // namespace
@@ -141,6 +156,8 @@ std::vector<Picture> MakeRegressionPictures(const RegressionData& data)
     std::size_t number = 0;
     for (const int covariate : data.request.settings.GetCovariates())
         pictures.push_back(WithVisibleMarks(BubblePicture(data, ++number, covariate)));
+    for (Picture& picture : ResidualPictures(data))
+        pictures.push_back(WithVisibleMarks(std::move(picture)));
     for (Picture& picture : InfluencePicturesOf(InfluenceTableOf(data)))
         pictures.push_back(WithVisibleMarks(std::move(picture)));
     return pictures;

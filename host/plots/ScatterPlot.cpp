@@ -20,6 +20,8 @@ constexpr double LEGEND_SAMPLE = 64;  // with the gaps about it
 constexpr double LARGEST_BUBBLE = 17; // its radius
 constexpr double SMALLEST_BUBBLE = 1.2;
 constexpr double DOT = 3.6; // its radius
+constexpr double SEEN_THROUGH = 0.6;
+constexpr double NOTE_HEIGHT = 18;
 
 } // namespace
 
@@ -68,6 +70,26 @@ Picture Finished(Picture picture)
     return picture;
 }
 
+Picture WithNotes(Picture picture, const std::vector<std::string>& notes)
+{
+    for (const std::string& note : notes) {
+        const std::string line =
+            ShortenedText(note, (picture.width - picture.frame.left - PICTURE_MARGIN) / FONT_SIZE);
+        picture.texts.push_back({line, picture.frame.left, picture.height + NOTE_HEIGHT / 3});
+        picture.height += NOTE_HEIGHT;
+    }
+    return picture;
+}
+
+std::vector<Point> Between(const std::vector<double>& x, const std::vector<double>& lower,
+                           const std::vector<double>& upper)
+{
+    std::vector<Point> outline = DrawablePoints(x, lower);
+    const std::vector<Point> back = DrawablePoints(x, upper);
+    outline.insert(outline.end(), back.rbegin(), back.rend());
+    return outline;
+}
+
 double LegendWidth(const std::vector<Layer>& layers)
 {
     double width = 0;
@@ -95,7 +117,9 @@ Layer Dots(std::vector<Point> points, Layer::Kind kind, const char* color, std::
 
 Layer StudyDots(std::vector<Point> studies)
 {
-    return Dots(std::move(studies), Layer::Kind::DISCS, color::POOLED, "Study");
+    Layer dots = Dots(std::move(studies), Layer::Kind::DISCS, color::POOLED, "Study");
+    dots.opacity = SEEN_THROUGH;
+    return dots;
 }
 
 Layer Bubbles(const std::vector<double>& x, const std::vector<double>& y, const std::vector<double>& weights)
@@ -105,7 +129,7 @@ Layer Bubbles(const std::vector<double>& x, const std::vector<double>& y, const 
         if (IsNumber(x[i]) && IsNumber(y[i]) && IsNumber(weights[i]))
             drawn.push_back(i);
     std::stable_sort(drawn.begin(), drawn.end(), [&](auto a, auto b) { return weights[a] > weights[b]; });
-    Layer bubbles = {Layer::Kind::BUBBLES, color::STUDY, {{}}, {}, 1, "Study, area by weight"};
+    Layer bubbles = {Layer::Kind::BUBBLES, color::STUDY, {{}}, {}, 1, "Study, area by weight", SEEN_THROUGH};
     for (const std::size_t i : drawn) {
         const double radius = LARGEST_BUBBLE * std::sqrt(weights[i] / weights[drawn.front()]);
         bubbles.pieces.front().push_back({x[i], y[i]});

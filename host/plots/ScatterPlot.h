@@ -30,6 +30,13 @@ Picture NewScatterPlot(const PlotName& name, double frameWidth = 420, double fra
 /// Adds the space that axes and legend need. All layers must be there.
 Picture Finished(Picture picture);
 
+/// Adds lines of text below the horizontal axis of a finished picture.
+Picture WithNotes(Picture picture, const std::vector<std::string>& notes);
+
+/// The outline of the area between two lines over the same x; points that cannot be drawn are left out.
+std::vector<Point> Between(const std::vector<double>& x, const std::vector<double>& lower,
+                           const std::vector<double>& upper);
+
 /// The width beside the frame that the legends of the layers need.
 double LegendWidth(const std::vector<Layer>& layers);
 
@@ -41,6 +48,7 @@ Layer NullLine(Point first, Point last);
 
 /// Marks of one size.
 Layer Dots(std::vector<Point> points, Layer::Kind kind, const char* color, std::string legend);
+/// Discs that show where others lie beneath.
 Layer StudyDots(std::vector<Point> studies);
 
 /// A bubble for each point that can be drawn. Its area is proportional to its weight. Small bubbles lie on

@@ -18,11 +18,12 @@ Measure MeasureOf(const AnalysisRequest& request)
     return request.label ? measure.Labelled(LabelText(*request.label)) : measure;
 }
 
-/// The labels of two groups or more. The last value is OVERALL_GROUP.
+/// The labels of two groups or more. The last value is OVERALL_GROUP, which also follows a single group when
+/// studies are in none.
 std::vector<std::string> GroupLabels(const ValueLabels& subgroup, std::vector<double> groups)
 {
     std::vector<std::string> labels;
-    if (groups.size() < 2)
+    if (groups.size() < 3)
         return labels;
     groups.pop_back();
     for (const double value : groups)
@@ -45,14 +46,18 @@ AnalysisData::AnalysisData(const AnalysisRequest& ofRequest, const Analysis& ofA
       measure(MeasureOf(request)),
       natural(NaturalResultsOf(analysis, measure)),
       level(WordingOfLevel(settings)),
-      decimals(std::max(DecimalsFor(base.GetStdError()), DecimalsFor(base.GetEstStdError()))),
+      numbers(request.numbers),
+      decimals(std::max(numbers.EffectDecimals(base.GetStdError()),
+                        numbers.EffectDecimals(base.GetEstStdError()))),
       groupLabels(GroupLabels(request.subgroup, base.GetUniGroup()))
 {}
 
 std::vector<std::string> AnalysisData::RowLabels(std::size_t rowCount) const
 {
     std::vector<std::string> labels = {OVERALL};
-    if (rowCount > 1)
+    if (rowCount > 1 && groupLabels.empty()) // of the studies in a cumulative analysis, and of all
+        labels.insert(labels.begin(), "With " + LabelText(request.cumulative.column));
+    else if (rowCount > 1)
         labels.insert(labels.begin(), groupLabels.begin(), groupLabels.end());
     return labels;
 }

@@ -4,7 +4,7 @@
 #include "host/run/Analysis.h"
 #include "host/run/AnalysisRequest.h"
 #include "host/text/Measures.h"
-#include "host/text/NumberText.h"
+#include "host/text/NumberFormat.h"
 
 #include <cstddef>
 #include <optional>
@@ -35,15 +35,20 @@ struct AnalysisData
     Measure measure;
     std::optional<NaturalResults> natural; ///< unless the analysis is on the natural scale
     std::string level;                     ///< "95%"
-    int decimals;                          ///< of effects and standard errors
-    std::vector<std::string> groupLabels;  ///< empty unless there are two groups or more
+    NumberFormat numbers;
+    int decimals;                         ///< of effects and standard errors
+    std::vector<std::string> groupLabels; ///< empty unless there are two groups or more
 
-    /// Labels of the rows of each group and of all studies, or of all studies alone.
+    /// Labels of the rows of each group and of all studies, or of all studies alone. Without groups, a first
+    /// of two rows is that of the studies in a cumulative analysis which lacks some.
     std::vector<std::string> RowLabels(std::size_t rowCount) const;
     std::vector<std::string> StudyLabelsOf(const std::vector<int>& records) const;
     std::vector<std::string> VariableLabelsOf(const std::vector<int>& positions) const;
     std::string IntervalHeader(const std::string& symbol) const;
     std::string EffectText(double value) const { return FixedText(value, decimals); }
+    /// A pooled value as the sentences and tables have it: on the natural scale where the analysis has
+    /// another.
+    std::string PooledText(double value) const { return natural ? numbers(value) : EffectText(value); }
 };
 
 } // namespace host

@@ -1,15 +1,35 @@
 #include "host/report/AnalysisReport.h"
 
 #include "host/report/AnalysisData.h"
+#include "host/report/Cautions.h"
+#include "host/report/ConcerningWarnings.h"
 #include "host/report/PresetSection.h"
 #include "host/report/RecordsSection.h"
 #include "host/report/Sections.h"
-#include "host/report/Warnings.h"
+#include "host/report/citation/Methods.h"
 #include "host/text/Wording.h"
 
 #include <fmt/format.h>
 
+#include <cstddef>
+
 namespace host {
+
+namespace {
+
+int CorrectedTables(const Analysis& analysis)
+{
+    return analysis.Binary() == nullptr ? 0 : analysis.Binary()->GetNZeroCorrected();
+}
+
+template <std::size_t N>
+void AppendSections(Report& report, SectionMaker* const (&makers)[N], const AnalysisData& data)
+{
+    for (SectionMaker* const make : makers)
+        Append(report.sections, make(data));
+}
+
+} // namespace
 
 Report MakeAnalysisReport(const Options& options, const AnalysisRequest& request, const Analysis& analysis)
 {
@@ -18,12 +38,17 @@ Report MakeAnalysisReport(const Options& options, const AnalysisRequest& request
     Report report = {fmt::format("Meta-analysis: {}, {}, {} level", data.measure.Title(),
                                  WordingOfModel(data.settings), data.level),
                      {}};
-    Append(report.sections, RecordsSection(options.dataPath, records, request.studyLabels));
-    Append(report.sections, PresetSection(options));
     if (!records.used.empty())
-        for (SectionMaker* const make : ANALYSIS_SECTIONS)
-            Append(report.sections, make(data));
-    Append(report.sections, WarningsSection(WarningsOf(data)));
+        AppendSections(report, RESULT_SECTIONS, data);
+    Append(report.sections, CautionsSection(CautionsOf(data)));
+    Append(report.sections, WarningsSection(Concerning(WarningsOf(data), CorrectedTables(analysis))));
+    if (!records.used.empty())
+        AppendSections(report, FURTHER_SECTIONS, data);
+    Append(report.sections, PresetSection(options));
+    Append(report.sections, OptionNotesSection(options));
+    Append(report.sections, RecordsSection(options.dataPath, records, request.studyLabels, request.lines));
+    if (options.report.hasCitation && !records.used.empty())
+        Append(report.sections, MethodsSections(data));
     return report;
 }
 

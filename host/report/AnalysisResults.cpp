@@ -101,6 +101,7 @@ void AddGroups(Json& results, const MABaseModel& model)
     ADD_RESULT(UniGroup);
     ADD_RESULT(GroupN);
     ADD_RESULT(SubGroupStudyID);
+    ADD_RESULT(SubgroupMissing);
     ADD_RESULT(GDQbVal);
     ADD_RESULT(GDQbDf);
     ADD_RESULT(GDQbSig);
@@ -122,7 +123,9 @@ void AddContrastsAndCumulative(Json& results, const MABaseModel& model)
     ADD_RESULT(ContrastEstCILower);
     ADD_RESULT(ContrastEstCIUpper);
     ADD_RESULT(ContrastStatus);
+    ADD_RESULT(ContrastMissing);
     ADD_RESULT(Cumulative);
+    ADD_RESULT(CumulativeMissing);
     ADD_RESULT(EstCumulative);
     ADD_RESULT(CumEstES);
     ADD_RESULT(CumEstStdErr);
@@ -200,6 +203,7 @@ void AddPlots(Json& results, const MABaseModel& model)
     ADD_RESULT(GalbRegrSlope);
     ADD_RESULT(GalbRegrIntercept);
     ADD_RESULT(BubbleFlags);
+    ADD_RESULT(BubbleMissing);
     ADD_RESULT(BubbleCoefs);
     ADD_RESULT(BubbleXs);
     ADD_RESULT(BubblePredVals);
@@ -209,6 +213,13 @@ void AddPlots(Json& results, const MABaseModel& model)
     ADD_RESULT(BubbleCICurveX);
     ADD_RESULT(BubbleCICurveLower);
     ADD_RESULT(BubbleCICurveUpper);
+    ADD_RESULT(BubblePICurveLower);
+    ADD_RESULT(BubblePICurveUpper);
+    ADD_RESULT(BubbleSlopeStdError);
+    ADD_RESULT(BubbleSlopeVal);
+    ADD_RESULT(BubbleSlopeSig);
+    ADD_RESULT(BubbleSlopeCILower);
+    ADD_RESULT(BubbleSlopeCIUpper);
 }
 
 void AddOwnResults(Json& results, const MABinModel& model)

@@ -110,13 +110,13 @@ void AppendEffects(std::vector<ReportColumn>& table, const EffectRows& rows, con
                    const AnalysisData& data)
 {
     if (!rows.naturals.values.empty())
-        table.push_back({data.IntervalHeader(headers.natural), EstimateTexts(rows.naturals)});
+        table.push_back({data.IntervalHeader(headers.natural), EstimateTexts(rows.naturals, data.numbers)});
     table.push_back({data.IntervalHeader(headers.effect), EstimateTexts(rows.effects, data.decimals)});
     if (!rows.stdErrors.empty())
         table.push_back(
             {"SE", TextsOf(rows.stdErrors, [&](double stdError) { return data.EffectText(stdError); })});
     if (!rows.statistics.empty())
-        table.push_back({WordingOfStatistic(data.settings), TextsOf(rows.statistics, NumberText)});
+        table.push_back({WordingOfStatistic(data.settings), TextsOf(rows.statistics, data.numbers)});
     if (!rows.significances.empty())
         table.push_back({"p", TextsOf(rows.significances, PValueText)});
 }

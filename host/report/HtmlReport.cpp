@@ -102,6 +102,8 @@ void Page::AddSection(const ReportSection& section)
         AddTable(section.title, section.table);
     for (const std::string& sentence : section.sentences)
         html_ += Element("p", sentence);
+    if (!section.verbatim.empty())
+        html_ += fmt::format("<pre><code>{}</code></pre>\n", HtmlEscaped(section.verbatim));
     html_ += "</section>\n";
 }
 

@@ -17,9 +17,10 @@ namespace {
 
 /// What analyses and meta-regressions name alike.
 template <class Results>
-InfluenceTable TableOf(const Results& results, std::vector<std::string> labels)
+InfluenceTable TableOf(const Results& results, std::vector<std::string> labels, const NumberFormat& numbers)
 {
     InfluenceTable table;
+    table.numbers = numbers;
     table.labels = std::move(labels);
     table.residuals = results.GetInfluenceStudentizedResidual();
     table.dffits = results.GetInfluenceDFFITS();
@@ -130,7 +131,7 @@ ReportSection DfbetasSection(const InfluenceTable& table)
         std::vector<double> column;
         for (const std::vector<double>& row : table.dfbetas)
             column.push_back(row[j]);
-        section.table.push_back({LabelText(table.parameters[j]), TextsOf(column, NumberText)});
+        section.table.push_back({LabelText(table.parameters[j]), TextsOf(column, table.numbers)});
     }
     section.sentences = {"The change of each coefficient by the study, in standard errors."};
     return section;
@@ -152,7 +153,7 @@ bool InfluenceTable::IsOutlier(std::size_t study) const
 InfluenceTable InfluenceTableOf(const AnalysisData& data)
 {
     const MABaseModel& base = data.base;
-    InfluenceTable table = TableOf(base, data.StudyLabelsOf(base.GetNonMissingStudyID()));
+    InfluenceTable table = TableOf(base, data.StudyLabelsOf(base.GetNonMissingStudyID()), data.numbers);
     if (table.IsEmpty())
         return table;
     table.tau2OfAll = base.GetTau2Var().empty() ? 0 : base.GetTau2Var().back();
@@ -162,7 +163,7 @@ InfluenceTable InfluenceTableOf(const AnalysisData& data)
 
 InfluenceTable InfluenceTableOf(const RegressionData& data)
 {
-    InfluenceTable table = TableOf(data.output, UsedLabels(data));
+    InfluenceTable table = TableOf(data.output, UsedLabels(data), data.numbers);
     if (table.IsEmpty())
         return table;
     table.tau2OfAll = data.output.GetTau();
@@ -180,17 +181,18 @@ ReportSections SectionsOf(const InfluenceTable& table)
         return {};
     ReportSection section = {"Influence",
                              {{"Without", table.labels, true},
-                              {"Residual", TextsOf(table.residuals, NumberText)},
-                              {"DFFITS", TextsOf(table.dffits, NumberText)},
-                              {"Cook", TextsOf(table.cookDistances, NumberText)},
-                              {"Cov. ratio", TextsOf(table.covarianceRatios, NumberText)}},
+                              {"Residual", TextsOf(table.residuals, table.numbers)},
+                              {"DFFITS", TextsOf(table.dffits, table.numbers)},
+                              {"Cook", TextsOf(table.cookDistances, table.numbers)},
+                              {"Cov. ratio", TextsOf(table.covarianceRatios, table.numbers)}},
                              {}};
     if (HasAnyValue(table.tau2))
-        section.table.push_back({"tau²", TextsOf(table.tau2, NumberText)});
-    section.table.push_back({"Q", TextsOf(table.q, NumberText)});
-    section.table.push_back({"Leverage", TextsOf(table.hat, NumberText)});
-    section.table.push_back(
-        {"Weight %", TextsOf(table.weights, [](double weight) { return FixedText(weight, 1); })});
+        section.table.push_back({"tau²", TextsOf(table.tau2, table.numbers)});
+    section.table.push_back({"Q", TextsOf(table.q, table.numbers)});
+    section.table.push_back({"Leverage", TextsOf(table.hat, table.numbers)});
+    section.table.push_back({"Weight %", TextsOf(table.weights, [&](double weight) {
+                                 return FixedText(weight, table.numbers.PercentDecimals(1));
+                             })});
     section.table.push_back({"", MarksOf(table), true});
     section.sentences = WordingOfTable(table);
     for (std::string& sentence : WordingOfStudies(table))

@@ -29,6 +29,7 @@ struct InfluenceTable
     std::vector<double> cutoffs; ///< of each rule
     double tau2OfAll = 0;
     double qOfAll = 0;
+    NumberFormat numbers = {};
     std::size_t parameterCount = 1; ///< that are not redundant
 
     // Of a meta-regression.

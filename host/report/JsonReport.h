@@ -1,6 +1,7 @@
 #pragma once
 
 #include "host/cli/Options.h"
+#include "host/data/RecordLines.h"
 #include "host/report/Warnings.h"
 #include "host/run/RecordSummary.h"
 
@@ -16,10 +17,13 @@ namespace host {
 /// The parts of the JSON that every command has.
 struct JsonParts
 {
+    const std::vector<std::string>& studyLabels; ///< one a record
+    const RecordLines& lines;
     RecordSummary records;
     KXStatus status;
     std::vector<ShownWarning> warnings;
     nlohmann::ordered_json results;
+    std::vector<std::string> cautions = {}; ///< sentences where a number misleads
 };
 
 /// The run as one JSON object, also after an error. Record numbers count from 0. Doubles have as many digits

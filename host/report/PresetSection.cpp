@@ -12,4 +12,11 @@ ReportSections PresetSection(Options options)
     return {{"Preset", {}, {PresetSentence(*options.preset, DefineOptions(options))}}};
 }
 
+ReportSections OptionNotesSection(const Options& options)
+{
+    if (options.notes.empty())
+        return {};
+    return {{"Options", {}, options.notes}};
+}
+
 } // namespace host

@@ -1,34 +1,13 @@
 #include "host/report/RecordsSection.h"
 
-#include "host/text/Exclusions.h"
-#include "host/text/PlainText.h"
+#include "host/report/ExcludedRecordsSection.h"
 
 #include <fmt/format.h>
 
-#include <cstddef>
-
 namespace host {
 
-namespace {
-
-ReportSection LeftOutSection(const RecordSummary& records, const std::vector<std::string>& studyLabels)
-{
-    ReportColumn numbers = {"Record", {}};
-    ReportColumn studies = {"Study", {}, true};
-    ReportColumn reasons = {"Reason", {}, true};
-    for (std::size_t i = 0; i < records.excluded.size(); ++i) {
-        const int record = records.excluded[i];
-        numbers.cells.push_back(fmt::format("{}", record + 1));
-        studies.cells.push_back(LabelText(studyLabels[static_cast<std::size_t>(record)]));
-        reasons.cells.push_back(NameOf(EXCLUSIONS, static_cast<MAConst::EXCLUSION>(records.reasons[i])));
-    }
-    return {"Records left out", {numbers, studies, reasons}, {}};
-}
-
-} // namespace
-
 ReportSections RecordsSection(const std::string& dataPath, const RecordSummary& records,
-                              const std::vector<std::string>& studyLabels)
+                              const std::vector<std::string>& studyLabels, const RecordLines& lines)
 {
     ReportSections sections = {{"Records", {}, {}}};
     std::vector<std::string>& sentences = sections.front().sentences;
@@ -37,8 +16,7 @@ ReportSections RecordsSection(const std::string& dataPath, const RecordSummary& 
                                     records.dropped));
     if (records.used.empty())
         sentences.push_back("No record could be used: there is nothing to analyse.");
-    if (!records.excluded.empty())
-        sections.push_back(LeftOutSection(records, studyLabels));
+    Append(sections, ExcludedRecordsSection(records, studyLabels, lines));
     return sections;
 }
 

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "host/data/RecordLines.h"
 #include "host/report/Report.h"
 #include "host/run/RecordSummary.h"
 
@@ -8,8 +9,8 @@
 
 namespace host {
 
-/// What became of the records of the file at `dataPath`, and why some are no studies.
+/// What became of the records of the file at `dataPath`, and which of them are excluded.
 ReportSections RecordsSection(const std::string& dataPath, const RecordSummary& records,
-                              const std::vector<std::string>& studyLabels);
+                              const std::vector<std::string>& studyLabels, const RecordLines& lines);
 
 } // namespace host

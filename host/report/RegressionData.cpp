@@ -37,7 +37,8 @@ RegressionData::RegressionData(const Options& ofOptions, const RegressionRequest
       isRandom(IsRandom(options.settings)),
       measure(MeasureOfRegression(ofOptions)),
       level(WordingOfLevel(options.settings)),
-      decimals(DecimalsFor(output.GetBetaStandErr()))
+      numbers{options.report.digits},
+      decimals(numbers.EffectDecimals(output.GetBetaStandErr()))
 {}
 
 bool RegressionData::IsAdjusted() const
@@ -79,7 +80,8 @@ std::vector<ReportColumn> RegressionData::EstimateColumns(const std::string& hea
     if (measure.isRatio)
         columns.push_back({IntervalHeader(fmt::format("exp({})", header), level),
                            EstimateTexts({Exponentials(estimates.values), Exponentials(estimates.lower),
-                                          Exponentials(estimates.upper)})});
+                                          Exponentials(estimates.upper)},
+                                         numbers)});
     return columns;
 }
 

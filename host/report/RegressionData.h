@@ -5,7 +5,7 @@
 #include "host/run/RegressionAnalysis.h"
 #include "host/run/RegressionRequest.h"
 #include "host/text/Measures.h"
-#include "host/text/NumberText.h"
+#include "host/text/NumberFormat.h"
 
 #include <string>
 #include <vector>
@@ -26,7 +26,8 @@ struct RegressionData
     bool isRandom;
     Measure measure;
     std::string level; ///< "95%"
-    int decimals;      ///< of effects and standard errors
+    NumberFormat numbers;
+    int decimals; ///< of effects and standard errors
 
     /// Whether the model is adjusted after Knapp and Hartung; only then are there degrees of freedom of F
     /// where that goes by heterogeneity.

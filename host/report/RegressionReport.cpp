@@ -1,15 +1,30 @@
 #include "host/report/RegressionReport.h"
 
 #include "host/cli/RawOutcomes.h"
+#include "host/report/Cautions.h"
+#include "host/report/ConcerningWarnings.h"
 #include "host/report/PresetSection.h"
 #include "host/report/RecordsSection.h"
 #include "host/report/RegressionSections.h"
-#include "host/report/Warnings.h"
+#include "host/report/citation/Methods.h"
 #include "host/text/Wording.h"
 
 #include <fmt/format.h>
 
+#include <cstddef>
+
 namespace host {
+
+namespace {
+
+template <std::size_t N>
+void AppendSections(Report& report, RegressionSectionMaker* const (&makers)[N], const RegressionData& data)
+{
+    for (RegressionSectionMaker* const make : makers)
+        Append(report.sections, make(data));
+}
+
+} // namespace
 
 Report MakeRegressionReport(const Options& options, const RegressionRequest& request,
                             const RegressionAnalysis& analysis)
@@ -19,11 +34,16 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
                                  HasRawData(options) ? " of the " + data.measure.AnalysisName() : "",
                                  WordingOfModel(options.settings), data.level),
                      {}};
-    Append(report.sections, RecordsSection(options.dataPath, analysis.records, request.studyLabels));
+    AppendSections(report, COEFFICIENT_SECTIONS, data);
+    Append(report.sections, CautionsSection(CautionsOf(data)));
+    Append(report.sections, WarningsSection(Concerning(WarningsOf(request, analysis), 0)));
+    AppendSections(report, FURTHER_REGRESSION_SECTIONS, data);
     Append(report.sections, PresetSection(options));
-    for (RegressionSectionMaker* const make : REGRESSION_SECTIONS)
-        Append(report.sections, make(data));
-    Append(report.sections, WarningsSection(WarningsOf(request, analysis)));
+    Append(report.sections, OptionNotesSection(options));
+    Append(report.sections,
+           RecordsSection(options.dataPath, analysis.records, request.studyLabels, request.lines));
+    if (options.report.hasCitation)
+        Append(report.sections, MethodsSections(data));
     return report;
 }
 

@@ -14,14 +14,20 @@ RegressionSectionMaker FittedStudiesSection, RegressionConvertedStudiesSection, 
     PredictionsSection, ResidualHeterogeneitySection, ResidualVarianceSection, DispersionSection,
     RegressionInfluenceSection;
 
-/// The sections in the order of the report.
-inline constexpr RegressionSectionMaker* REGRESSION_SECTIONS[] = {
-    FittedStudiesSection,      RegressionConvertedStudiesSection,
-    CoefficientsSection,       ModelTestSection,
-    EffectTestsSection,        HypothesesSection,
-    RobustTestsSection,        PermutationTestsSection,
-    PredictionsSection,        ResidualHeterogeneitySection,
-    ResidualVarianceSection,   DispersionSection,
-    RegressionInfluenceSection};
+// The sections in the order of the report: the coefficients, warnings of them, what they rest on.
+
+inline constexpr RegressionSectionMaker* COEFFICIENT_SECTIONS[] = {CoefficientsSection, ModelTestSection};
+
+inline constexpr RegressionSectionMaker* FURTHER_REGRESSION_SECTIONS[] = {EffectTestsSection,
+                                                                          HypothesesSection,
+                                                                          RobustTestsSection,
+                                                                          PermutationTestsSection,
+                                                                          PredictionsSection,
+                                                                          ResidualHeterogeneitySection,
+                                                                          ResidualVarianceSection,
+                                                                          DispersionSection,
+                                                                          RegressionInfluenceSection,
+                                                                          FittedStudiesSection,
+                                                                          RegressionConvertedStudiesSection};
 
 } // namespace host

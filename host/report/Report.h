@@ -13,12 +13,14 @@ struct ReportColumn
     bool isText = false;
 };
 
-/// A titled part of a report: a table, its columns of equal length, then sentences; either may be empty.
+/// A titled part of a report: a table, its columns of equal length, then sentences, then lines that stay as
+/// they are; each may be empty.
 struct ReportSection
 {
     std::string title;
     std::vector<ReportColumn> table;
     std::vector<std::string> sentences;
+    std::string verbatim = {};
 };
 
 using ReportSections = std::vector<ReportSection>;

@@ -9,16 +9,20 @@ namespace host {
 /// is in the file of its name in host/report/sections.
 using SectionMaker = ReportSections(const AnalysisData& data);
 
-SectionMaker StudiesSection, ConvertedStudiesSection, PooledEffectSection, PredictionIntervalSection,
-    HeterogeneitySection, BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections,
-    ContrastsSection, LeaveOneOutSection, InfluenceSection, TrimAndFillSections, RankTestSection,
-    SmallStudyTestSection, FunnelPlotSection, BubblePlotsSection;
+SectionMaker ResultSection, PooledEffectSection, PredictionIntervalSection, HeterogeneitySection,
+    BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections, ContrastsSection,
+    LeaveOneOutSection, InfluenceSection, TrimAndFillSections, RankTestSection, SmallStudyTestSection,
+    FunnelPlotSection, BubblePlotsSection, StudiesSection, ConvertedStudiesSection, PartlyUsedStudiesSection;
 
-/// The sections in the order of the report.
-inline constexpr SectionMaker* ANALYSIS_SECTIONS[] = {
-    StudiesSection,       ConvertedStudiesSection,     PooledEffectSection,  PredictionIntervalSection,
-    HeterogeneitySection, BetweenStudyVarianceSection, BetweenGroupsSection, CumulativeSections,
-    ContrastsSection,     LeaveOneOutSection,          InfluenceSection,     TrimAndFillSections,
-    RankTestSection,      SmallStudyTestSection,       FunnelPlotSection,    BubblePlotsSection};
+// The sections in the order of the report: what the analysis answers, warnings of it, what it rests on.
+
+inline constexpr SectionMaker* RESULT_SECTIONS[] = {ResultSection, PooledEffectSection,
+                                                    PredictionIntervalSection};
+
+inline constexpr SectionMaker* FURTHER_SECTIONS[] = {
+    HeterogeneitySection, BetweenStudyVarianceSection, BetweenGroupsSection,    CumulativeSections,
+    ContrastsSection,     LeaveOneOutSection,          InfluenceSection,        TrimAndFillSections,
+    RankTestSection,      SmallStudyTestSection,       FunnelPlotSection,       BubblePlotsSection,
+    StudiesSection,       ConvertedStudiesSection,     PartlyUsedStudiesSection};
 
 } // namespace host

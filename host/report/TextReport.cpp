@@ -52,6 +52,7 @@ std::string RenderText(const Report& report)
         text += '\n' + section.title + '\n' + RenderTable(section.table);
         for (const std::string& sentence : section.sentences)
             text += sentence + '\n';
+        text += section.verbatim;
     }
     return text;
 }

@@ -17,6 +17,8 @@ namespace host {
 
 namespace {
 
+constexpr std::size_t MOST_NAMED_STUDIES = 20; // by one sentence
+
 /// tau² by the scoring steps and by the global search.
 struct FoundTau2
 {
@@ -55,6 +57,16 @@ std::vector<ShownWarning> Shown(const std::vector<KXStatus>& warnings, const std
     return shown;
 }
 
+/// The labels of the records; of many the first.
+std::string WordingOfStudies(const std::vector<std::string>& labelsOfRecords, std::vector<int> records)
+{
+    const std::size_t count = records.size();
+    records.resize(std::min(count, MOST_NAMED_STUDIES));
+    return fmt::format("{}: {}{}.", count == 1 ? "Study" : "Studies",
+                       fmt::join(LabelTexts(labelsOfRecords, records), ", "),
+                       count > records.size() ? fmt::format(" and {} more", count - records.size()) : "");
+}
+
 /// Names the studies of the warnings that are of single ones.
 void NameStudies(std::vector<ShownWarning>& warnings, const StudyNotes& notes,
                  const std::vector<std::string>& labelsOfRecords)
@@ -63,9 +75,7 @@ void NameStudies(std::vector<ShownWarning>& warnings, const StudyNotes& notes,
         const auto found = notes.warnedRecords.find(warning.code);
         if (found == notes.warnedRecords.end())
             continue;
-        const std::vector<std::string> labels = LabelTexts(labelsOfRecords, found->second);
-        warning.sentence +=
-            fmt::format(" {}: {}.", labels.size() == 1 ? "Study" : "Studies", fmt::join(labels, ", "));
+        warning.sentence += ' ' + WordingOfStudies(labelsOfRecords, found->second);
     }
 }
 

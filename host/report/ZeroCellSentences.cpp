@@ -90,6 +90,12 @@ std::string WordingOfCountsAsRead(const Corrections& corrections, const std::vec
 
 } // namespace
 
+int CorrectedStudies(const AnalysisData& data)
+{
+    const std::optional<Corrections> corrections = CorrectionsOf(data.analysis);
+    return corrections ? corrections->ofEffects : 0;
+}
+
 std::string WordingOfStudyCorrection(const AnalysisData& data)
 {
     const std::optional<Corrections> corrections = CorrectionsOf(data.analysis);

@@ -9,6 +9,9 @@
 
 namespace host {
 
+/// How many studies have the zero-cell correction for their own effects.
+int CorrectedStudies(const AnalysisData& data);
+
 /// How many tables, or studies with other counts, have the zero-cell correction for the studies' own effects;
 /// empty when none has.
 std::string WordingOfStudyCorrection(const AnalysisData& data);

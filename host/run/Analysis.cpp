@@ -1,10 +1,12 @@
 #include "host/run/Analysis.h"
 
+#include "host/text/Exclusions.h"
 #include "host/text/Measures.h"
 #include "host/text/StatusText.h"
 
 #include "meta_analysis/settings/RegressionSettingsOf.h"
 
+#include <algorithm>
 #include <type_traits>
 
 using namespace MA_NAMESPACE;
@@ -128,13 +130,16 @@ KXStatus Analysis::FinalStatus() const
 RecordSummary Analysis::Records(std::size_t read) const
 {
     const MABaseModel& base = Base();
-    return {.read = read,
-            .used = base.GetNonMissingStudyID(),
-            .missing = base.GetNMissing(),
-            .invalid = base.GetNInvalid(),
-            .dropped = base.GetNDropped(),
-            .excluded = base.GetExcludedRecord(),
-            .reasons = base.GetExclusionReason()};
+    RecordSummary records = {.read = read,
+                             .used = base.GetNonMissingStudyID(),
+                             .missing = base.GetNMissing(),
+                             .invalid = base.GetNInvalid(),
+                             .dropped = base.GetNDropped()};
+    const std::vector<int> excluded = base.GetExcludedRecord();
+    const std::vector<int> reasons = base.GetExclusionReason();
+    for (std::size_t i = 0; i < std::min(excluded.size(), reasons.size()); ++i)
+        records.Exclude(excluded[i], NameOf(EXCLUSIONS, static_cast<MAConst::EXCLUSION>(reasons[i])));
+    return records;
 }
 
 Analysis ComputeEffectSizes(AnalysisRequest& request)

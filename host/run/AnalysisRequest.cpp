@@ -120,18 +120,24 @@ AnalysisRequest MakeAnalysisRequest(const Options& options, const DataTable& tab
     ValueLabels cumulative;
     settings.SetSubGroupIndex(LabelledPosition(options.subgroup, table, variables, subgroup));
     settings.SetCommulativeIndex(LabelledPosition(options.cumulative, table, variables, cumulative));
+    settings.SetOmitMissingSubgroup(!options.keepsMissingGroups);
+    settings.SetOmitMissingCumulative(true);
     settings.SetContrastCoefIndex(PositionsOf(options.contrasts, variables));
     std::vector<int> bubbleCovariates = PositionsOf(options.bubbles, variables);
     return {.settings = settings,
             .variables = variables.List(),
             .records = VectorRecordIter(variables.Records()),
             .studyLabels = StudyLabels(options.study, table),
+            .lines = RecordLines(table),
             .subgroup = std::move(subgroup),
             .cumulative = std::move(cumulative),
             .label = options.label,
             .bubbleCovariates = std::move(bubbleCovariates),
             .runsSmallStudyTest = options.runsSmallStudyTest,
-            .forest = MakeForestRequest(options, table)};
+            .hasDrapery = options.picture.hasDrapery,
+            .hasPredictionBand = options.picture.hasPredictionBand,
+            .forest = MakeForestRequest(options, table),
+            .numbers = {options.report.digits}};
 }
 
 } // namespace host

@@ -2,8 +2,10 @@
 
 #include "host/cli/Options.h"
 #include "host/data/DataTable.h"
+#include "host/data/RecordLines.h"
 #include "host/data/ValueLabels.h"
 #include "host/run/ForestRequest.h"
+#include "host/text/NumberFormat.h"
 
 #include "meta_analysis/platform/common/KXVarList.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
@@ -22,12 +24,16 @@ struct AnalysisRequest
     KXVarList variables;
     VectorRecordIter records;
     std::vector<std::string> studyLabels; ///< one a record
-    ValueLabels subgroup;                 ///< of the columns that part and order the studies, if given
+    RecordLines lines;
+    ValueLabels subgroup; ///< of the columns that part and order the studies, if given
     ValueLabels cumulative;
     std::optional<std::string> label;  ///< of the measure, in place of its own name
     std::vector<int> bubbleCovariates; ///< variables
     bool runsSmallStudyTest = false;
+    bool hasDrapery = false;
+    bool hasPredictionBand = false;
     ForestRequest forest = {};
+    NumberFormat numbers = {}; ///< of everything that shows the results
 };
 
 /// Picks the columns that the options name. Throws UnusableInput.

@@ -1,5 +1,6 @@
 #include "host/run/RegressionAnalysis.h"
 
+#include "host/run/UnusableRecords.h"
 #include "host/system/Progress.h"
 #include "host/text/StatusText.h"
 
@@ -31,14 +32,6 @@ private:
     const char* step_;
 };
 
-bool HasMissing(const Record& record)
-{
-    for (std::size_t i = 0; i < record.Size(); ++i)
-        if (KXMV::IsMissing(record.Get(static_cast<int>(i))))
-            return true;
-    return false;
-}
-
 template <class Engine>
 std::optional<Score> ScoreOf(const Engine& engine, const Record& record)
 {
@@ -48,22 +41,39 @@ std::optional<Score> ScoreOf(const Engine& engine, const Record& record)
     return status.IsOK() ? std::optional(score) : std::nullopt;
 }
 
-/// The engine counts the records that it could not use, those without an effect size of raw data included. A
-/// record with a leverage is one that it used.
+/// Sorts the records into used and excluded ones. A record with a leverage is one that the engine used. After
+/// an early error the engine has used none, and those that it could use are in neither list.
+void SortRecords(const RegressionRequest& request, const RegressionAnalysis& analysis, RecordSummary& use)
+{
+    for (std::size_t i = 0; i < request.records.size(); ++i) {
+        const int number = static_cast<int>(i);
+        if (analysis.scores[i] && !KXMV::IsMissing(analysis.scores[i]->leverage)) {
+            use.used.push_back(number);
+            continue;
+        }
+        if (request.rawEffects && KXMV::IsMissing(request.rawEffects->effects[i]))
+            continue;
+        if (const std::optional<std::string> reason = ReasonOfUnusable(request, request.records[i]))
+            use.Exclude(number, *reason);
+        else if (!analysis.status.IsError())
+            use.Exclude(number, "value beyond what the regression can use");
+        use.missing += HasMissing(request.records[i]) ? 1 : 0;
+    }
+    std::sort(
+        use.excluded.begin(), use.excluded.end(),
+        [](const ExcludedRecord& one, const ExcludedRecord& other) { return one.record < other.record; });
+}
+
+/// The engine counts the records that it could not use, those without an effect size of raw data included.
 RecordSummary UseOf(const RegressionRequest& request, const RegressionAnalysis& analysis)
 {
     RecordSummary use = request.rawEffects ? request.rawEffects->records : RecordSummary();
     use.read = request.records.size();
     use.used.clear();
     const int leftOut = use.missing + use.invalid + use.dropped;
-    int missing = 0;
-    for (std::size_t i = 0; i < request.records.size(); ++i) {
-        if (analysis.scores[i] && !KXMV::IsMissing(analysis.scores[i]->leverage))
-            use.used.push_back(static_cast<int>(i));
-        const bool hasEffect = !request.rawEffects || !KXMV::IsMissing(request.rawEffects->effects[i]);
-        missing += hasEffect && HasMissing(request.records[i]) ? 1 : 0;
-    }
-    use.missing += missing;
+    const int missingBefore = use.missing;
+    SortRecords(request, analysis, use);
+    const int missing = use.missing - missingBefore;
     // After an early error the engine has counted no record.
     use.invalid += std::max(0, analysis.output->GetNBadRecords() - leftOut - missing);
     return use;

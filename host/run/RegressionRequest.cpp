@@ -85,6 +85,7 @@ public:
                 .levels = std::move(predictors_.levels),
                 .records = variables_.Records(),
                 .studyLabels = StudyLabels(options_.study, table_),
+                .lines = RecordLines(table_),
                 .rawEffects = std::move(rawEffects_),
                 .hasPictures = options_.htmlPath || options_.plotsFolder,
                 .bubblePoints = options_.settings.GetBubbleCurveNPoints(),

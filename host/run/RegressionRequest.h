@@ -2,6 +2,7 @@
 
 #include "host/cli/Options.h"
 #include "host/data/DataTable.h"
+#include "host/data/RecordLines.h"
 #include "host/run/ForestRequest.h"
 #include "host/run/RawEffects.h"
 
@@ -25,6 +26,7 @@ struct RegressionRequest
     std::map<int, std::vector<std::string>> levels; ///< of each factor by its position, in the order coded
     std::vector<Record> records;
     std::vector<std::string> studyLabels; ///< one a record
+    RecordLines lines;
     std::optional<RawEffects> rawEffects; ///< none for ready-made effect sizes
     bool hasPictures = false;             ///< whether the coordinates of plots are asked for
     int bubblePoints = 0;                 ///< of a line

@@ -14,7 +14,9 @@ StudyNotes StudyNotesOf(const MABaseModel& base)
             .controlConversions = base.GetControlConversion(),
             .warnedRecords = {{MAStatusCode::INTERVAL_ASYMMETRIC, base.GetAsymmetricIntervalStudyID()},
                               {MAStatusCode::SUMMARY_SKEWED, base.GetSkewedStudyID()},
-                              {MAStatusCode::STD_DEV_DOUBTFUL, base.GetDoubtfulStdDevStudyID()}}};
+                              {MAStatusCode::STD_DEV_DOUBTFUL, base.GetDoubtfulStdDevStudyID()},
+                              {MAStatusCode::SUBGROUP_VALUE_MISSING, base.GetSubgroupMissing()},
+                              {MAStatusCode::CUMULATIVE_VALUE_MISSING, base.GetCumulativeMissing()}}};
 }
 
 } // namespace host

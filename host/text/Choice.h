@@ -1,5 +1,7 @@
 #pragma once
 
+#include "host/text/AsciiCase.h"
+#include "host/text/NearestName.h"
 #include "host/text/UnusableInput.h"
 
 #include "meta_analysis/settings/MAChoice.h"
@@ -11,6 +13,7 @@
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
@@ -29,14 +32,46 @@ std::string NamesOf(const Table& table)
     return names;
 }
 
-/// The value of a name. Throws UnusableInput with a sentence that lists the names.
+/// The names as a list, for completion and suggestions.
+template <class Table>
+std::vector<std::string> ListOfNames(const Table& table)
+{
+    std::vector<std::string> names;
+    for (const auto& row : table)
+        names.emplace_back(row.name);
+    return names;
+}
+
+/// The well-known abbreviation that a table may have for a row; empty without.
+template <class Row>
+std::string_view AbbreviationOf(const Row& row)
+{
+    if constexpr (requires { row.abbreviation; })
+        return row.abbreviation;
+    return {};
+}
+
+/// "; OR is odds-ratio; RR is risk-ratio", for a help text.
+template <class Table>
+std::string AbbreviationsOf(const Table& table)
+{
+    std::string text;
+    for (const auto& row : table)
+        if (!AbbreviationOf(row).empty())
+            text += fmt::format("; {} is {}", AbbreviationOf(row), row.name);
+    return text;
+}
+
+/// The value of a name or abbreviation, in any case. Throws UnusableInput with a sentence that lists the
+/// names.
 template <class Table>
 auto ValueOf(const Table& table, std::string_view name)
 {
     for (const auto& row : table)
-        if (row.name == name)
+        if (EqualInAnyCase(row.name, name) || (!name.empty() && EqualInAnyCase(AbbreviationOf(row), name)))
             return row.value;
-    throw UnusableInput(fmt::format("'{}' is none of {}.", name, NamesOf(table)));
+    throw UnusableInput(
+        fmt::format("'{}' is none of {}.{}", name, NamesOf(table), DidYouMean(name, ListOfNames(table))));
 }
 
 /// The row of a value. The static assertions at the tables prove that each enumerator has one.

@@ -44,10 +44,11 @@ private:
 struct BinaryMeasure
 {
     MAConst::BINESTYPE value;
-    const char* title;         ///< "odds ratio"
-    const char* symbol;        ///< "OR"
-    const char* groupQuantity; ///< what the measure compares between the groups
-    const char* tablePooling;  ///< the method that pools the tables themselves
+    const char* title;             ///< "odds ratio"
+    const char* symbol;            ///< "OR"
+    const char* groupQuantity;     ///< what the measure compares between the groups
+    const char* tablePooling;      ///< the method that pools the tables themselves
+    const char* abbreviation = ""; ///< that --effect takes as well
     std::string_view name = MA_NAMESPACE::NameIn(MA_NAMESPACE::tableMeasureNames, value);
 };
 
@@ -57,6 +58,7 @@ struct ContinuousMeasure
     MAConst::CONTESTYPE value;
     const char* title;
     const char* symbol;
+    const char* abbreviation = ""; ///< that --effect takes as well
     std::string_view name = MA_NAMESPACE::NameIn(MA_NAMESPACE::meansMeasureNames, value);
 };
 
@@ -69,44 +71,46 @@ struct OutcomeMeasure
     const char* title;
     const char* symbol;
     bool hasNoEffect;
+    const char* abbreviation; ///< that --effect takes as well
 };
 
 // Options, reports, pictures and JSON read these tables.
 
 inline constexpr std::array BINARY_MEASURES{
-    BinaryMeasure{MAConst::BIN_ODDS_RATIO, "odds ratio", "OR", "odds", "Mantel-Haenszel"},
+    BinaryMeasure{MAConst::BIN_ODDS_RATIO, "odds ratio", "OR", "odds", "Mantel-Haenszel", "OR"},
     BinaryMeasure{MAConst::BIN_PETO_ODDS_RATIO, "Peto odds ratio", "Peto OR", "risk", "Peto"},
-    BinaryMeasure{MAConst::BIN_RISK_RATIO, "risk ratio", "RR", "risk", "Mantel-Haenszel"},
-    BinaryMeasure{MAConst::BIN_RISK_DIFFERENCE, "risk difference", "RD", "risk", "Mantel-Haenszel"},
+    BinaryMeasure{MAConst::BIN_RISK_RATIO, "risk ratio", "RR", "risk", "Mantel-Haenszel", "RR"},
+    BinaryMeasure{MAConst::BIN_RISK_DIFFERENCE, "risk difference", "RD", "risk", "Mantel-Haenszel", "RD"},
 };
 static_assert(HasEachEnumerator<BINARY_MEASURES>());
 
 inline constexpr std::array CONTINUOUS_MEASURES{
     ContinuousMeasure{MAConst::CONT_COHENS_D, "Cohen's d", "d"},
-    ContinuousMeasure{MAConst::CONT_MEAN_DIFFERENCE, "mean difference", "MD"},
-    ContinuousMeasure{MAConst::CONT_HEDGES_G, "Hedges' g", "g"},
+    ContinuousMeasure{MAConst::CONT_MEAN_DIFFERENCE, "mean difference", "MD", "MD"},
+    ContinuousMeasure{MAConst::CONT_HEDGES_G, "Hedges' g", "g", "SMD"},
     ContinuousMeasure{MAConst::CONT_GLASS_DELTA, "Glass's delta", "delta"},
 };
 static_assert(HasEachEnumerator<CONTINUOUS_MEASURES>());
 
 inline constexpr std::array OUTCOME_MEASURES{
-    OutcomeMeasure{"logit", MAConst::PROPORTION_LOGIT, "proportion", "proportion", false},
-    OutcomeMeasure{"freeman-tukey", MAConst::PROPORTION_FREEMAN_TUKEY, "proportion", "proportion", false},
-    OutcomeMeasure{"arcsine", MAConst::PROPORTION_ARCSINE, "proportion", "proportion", false},
-    OutcomeMeasure{"log", MAConst::PROPORTION_LOG, "proportion", "proportion", false},
-    OutcomeMeasure{"raw", MAConst::PROPORTION_RAW, "proportion", "proportion", false},
-    OutcomeMeasure{"log", MAConst::RATE_LOG, "rate", "rate", false},
-    OutcomeMeasure{"square-root", MAConst::RATE_SQUARE_ROOT, "rate", "rate", false},
-    OutcomeMeasure{"freeman-tukey", MAConst::RATE_FREEMAN_TUKEY, "rate", "rate", false},
-    OutcomeMeasure{"raw", MAConst::RATE_RAW, "rate", "rate", false},
-    OutcomeMeasure{"fisher-z", MAConst::CORRELATION_FISHER_Z, "correlation", "r", true},
-    OutcomeMeasure{"raw", MAConst::CORRELATION_RAW, "correlation", "r", true},
-    OutcomeMeasure{"raw", MAConst::MEAN_RAW, "mean", "mean", false},
-    OutcomeMeasure{"log", MAConst::MEAN_LOG, "mean", "mean", false},
-    OutcomeMeasure{"rate-ratio", MAConst::RATES_RATIO, "rate ratio", "IRR", true},
-    OutcomeMeasure{"rate-difference", MAConst::RATES_DIFFERENCE, "rate difference", "IRD", true},
+    OutcomeMeasure{"logit", MAConst::PROPORTION_LOGIT, "proportion", "proportion", false, "PLO"},
+    OutcomeMeasure{"freeman-tukey", MAConst::PROPORTION_FREEMAN_TUKEY, "proportion", "proportion", false,
+                   "PFT"},
+    OutcomeMeasure{"arcsine", MAConst::PROPORTION_ARCSINE, "proportion", "proportion", false, "PAS"},
+    OutcomeMeasure{"log", MAConst::PROPORTION_LOG, "proportion", "proportion", false, "PLN"},
+    OutcomeMeasure{"raw", MAConst::PROPORTION_RAW, "proportion", "proportion", false, "PR"},
+    OutcomeMeasure{"log", MAConst::RATE_LOG, "rate", "rate", false, "IRLN"},
+    OutcomeMeasure{"square-root", MAConst::RATE_SQUARE_ROOT, "rate", "rate", false, "IRS"},
+    OutcomeMeasure{"freeman-tukey", MAConst::RATE_FREEMAN_TUKEY, "rate", "rate", false, "IRFT"},
+    OutcomeMeasure{"raw", MAConst::RATE_RAW, "rate", "rate", false, "IR"},
+    OutcomeMeasure{"fisher-z", MAConst::CORRELATION_FISHER_Z, "correlation", "r", true, "ZCOR"},
+    OutcomeMeasure{"raw", MAConst::CORRELATION_RAW, "correlation", "r", true, "COR"},
+    OutcomeMeasure{"raw", MAConst::MEAN_RAW, "mean", "mean", false, "MN"},
+    OutcomeMeasure{"log", MAConst::MEAN_LOG, "mean", "mean", false, "MNLN"},
+    OutcomeMeasure{"rate-ratio", MAConst::RATES_RATIO, "rate ratio", "IRR", true, "IRR"},
+    OutcomeMeasure{"rate-difference", MAConst::RATES_DIFFERENCE, "rate difference", "IRD", true, "IRD"},
     OutcomeMeasure{"root-rate-difference", MAConst::RATES_ROOT_DIFFERENCE, "root rate difference", "root IRD",
-                   true},
+                   true, "IRSD"},
 };
 static_assert(HasEachEnumerator<OUTCOME_MEASURES>());
 

@@ -1,5 +1,7 @@
 #include "host/text/NumberText.h"
 
+#include "host/text/NumberFormat.h"
+
 #include "meta_analysis/platform/common/KXMV.h"
 
 #include <fmt/format.h>
@@ -149,6 +151,20 @@ std::vector<std::string> EstimateTexts(const Estimates& estimates, int decimals)
 std::vector<std::string> EstimateTexts(const Estimates& estimates)
 {
     return JoinedTexts(estimates, NumberText);
+}
+
+std::vector<std::string> EstimateTexts(const Estimates& estimates, const NumberFormat& format)
+{
+    return JoinedTexts(estimates, format);
+}
+
+std::string NumberFormat::operator()(double value) const
+{
+    if (!digits || !IsNumber(value))
+        return NumberText(value);
+    const std::string text = FixedText(value, *digits);
+    const bool showsZero = text.find_first_of("123456789") == std::string::npos;
+    return showsZero && value != 0 ? fmt::format("{:.1g}", value) : text;
 }
 
 } // namespace host

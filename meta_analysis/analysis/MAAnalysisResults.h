@@ -117,12 +117,15 @@ public:
     std::vector<double> GetI2CILower() const;
     std::vector<double> GetI2CIUpper() const;
 
-    /// Distinct values of the subgroup variable, ascending; with two or more of them then -1.0 for the
-    /// overall model. -1.0 alone when there is no such variable; empty without studies.
+    /// Distinct values of the subgroup variable, ascending; behind two or more -1.0, the overall model.
+    /// -1.0 alone without such a variable, or with one value beside omitted ones; empty without studies.
     std::vector<double> GetUniGroup() const;
     /// Per group: the number of its studies, and their record numbers. No entry for the overall model.
     std::vector<int> GetGroupN() const;
     std::vector<std::vector<int>> GetSubGroupStudyID() const;
+    /// Record numbers, from 0, of the studies that are in no group because their value of the subgroup
+    /// variable is missing; empty unless `SetOmitMissingSubgroup`. The overall model has them.
+    std::vector<int> GetSubgroupMissing() const;
     /// Test of heterogeneity between the groups; 0 with fewer than two groups.
     double GetGDQbVal() const;
     int GetGDQbDf() const;
@@ -151,10 +154,17 @@ public:
     std::vector<double> GetContrastEstCIUpper() const;
     /// 0 tested, 1 all coefficients are 0, 2 tested with a warning; empty under binary fixed-effect pooling.
     std::vector<int> GetContrastStatus() const;
+    /// Per contrast that was tested: record numbers of the studies without a coefficient, which it leaves
+    /// out.
+    std::vector<std::vector<int>> GetContrastMissing() const;
 
     /// The cumulative variable per study; then per group the values in cumulative order, and per group and
-    /// step the estimate with its test and interval. With groups, a last row for the overall model.
+    /// step the estimate with its test and interval. With groups, or with studies that are in no step, a
+    /// last row for the overall model.
     std::vector<double> GetCumulative() const;
+    /// Record numbers, from 0, of the studies that are in no step because their value of the cumulative
+    /// variable is missing; empty unless `SetOmitMissingCumulative`.
+    std::vector<int> GetCumulativeMissing() const;
     std::vector<std::vector<double>> GetEstCumulative() const;
     std::vector<std::vector<double>> GetCumEstES() const;
     std::vector<std::vector<double>> GetCumEstStdErr() const;
@@ -269,6 +279,8 @@ public:
     /// Bubble plots, one entry per covariate; see `MABubbleRows`. Flag 1 where the regression could be
     /// fitted, else 0 and empty rows. Per-study rows have an entry per valid study.
     std::vector<int> GetBubbleFlags() const;
+    /// Per covariate: record numbers of the studies without a value of it, which the plot leaves out.
+    std::vector<std::vector<int>> GetBubbleMissing() const;
     std::vector<std::vector<double>> GetBubbleCoefs() const;
     std::vector<std::vector<double>> GetBubbleXs() const;
     std::vector<std::vector<double>> GetBubblePredVals() const;
@@ -278,6 +290,15 @@ public:
     std::vector<std::vector<double>> GetBubbleCICurveX() const;
     std::vector<std::vector<double>> GetBubbleCICurveLower() const;
     std::vector<std::vector<double>> GetBubbleCICurveUpper() const;
+    /// Prediction limits of a new study's true effect at the points of the curve; and the test of each slope,
+    /// by the normal distribution or by t as the regression settings say, with its interval.
+    std::vector<std::vector<double>> GetBubblePICurveLower() const;
+    std::vector<std::vector<double>> GetBubblePICurveUpper() const;
+    std::vector<double> GetBubbleSlopeStdError() const;
+    std::vector<double> GetBubbleSlopeVal() const;
+    std::vector<double> GetBubbleSlopeSig() const;
+    std::vector<double> GetBubbleSlopeCILower() const;
+    std::vector<double> GetBubbleSlopeCIUpper() const;
 
 protected:
     MAAnalysisResults(const MAModelSettings& settings, MAConst::OUTCOMETYPE outcome);

@@ -61,6 +61,11 @@ std::vector<int> MAAnalysisResults::GetBubbleFlags() const
     return FieldOf(Results().bubbles, &MABubbleRows::fitted);
 }
 
+std::vector<std::vector<int>> MAAnalysisResults::GetBubbleMissing() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::leftOut);
+}
+
 std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCoefs() const
 {
     return FieldOf(Results().bubbles, &MABubbleRows::coefficients);
@@ -104,6 +109,41 @@ std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCICurveLower() cons
 std::vector<std::vector<double>> MAAnalysisResults::GetBubbleCICurveUpper() const
 {
     return FieldOf(Results().bubbles, &MABubbleRows::curveUpper);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetBubblePICurveLower() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::curvePILower);
+}
+
+std::vector<std::vector<double>> MAAnalysisResults::GetBubblePICurveUpper() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::curvePIUpper);
+}
+
+std::vector<double> MAAnalysisResults::GetBubbleSlopeStdError() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::slopeStdError);
+}
+
+std::vector<double> MAAnalysisResults::GetBubbleSlopeVal() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::slopeStatistic);
+}
+
+std::vector<double> MAAnalysisResults::GetBubbleSlopeSig() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::slopeSig);
+}
+
+std::vector<double> MAAnalysisResults::GetBubbleSlopeCILower() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::slopeCILower);
+}
+
+std::vector<double> MAAnalysisResults::GetBubbleSlopeCIUpper() const
+{
+    return FieldOf(Results().bubbles, &MABubbleRows::slopeCIUpper);
 }
 
 } // namespace MA_NAMESPACE

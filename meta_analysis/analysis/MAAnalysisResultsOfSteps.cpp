@@ -6,6 +6,8 @@
 #include "meta_analysis/analysis/MAResultColumns.h"
 #include "meta_analysis/settings/Memory.h"
 
+#include <algorithm>
+
 namespace MA_NAMESPACE {
 
 std::vector<double> MAAnalysisResults::GetUniGroup() const
@@ -21,6 +23,11 @@ std::vector<int> MAAnalysisResults::GetGroupN() const
 std::vector<std::vector<int>> MAAnalysisResults::GetSubGroupStudyID() const
 {
     return CopyOf(Results().lists.recordNumbers);
+}
+
+std::vector<int> MAAnalysisResults::GetSubgroupMissing() const
+{
+    return CopyOf(Results().counts.withoutSubgroup);
 }
 
 double MAAnalysisResults::GetGDQbVal() const
@@ -106,6 +113,28 @@ std::vector<double> MAAnalysisResults::GetContrastEstCIUpper() const
 std::vector<int> MAAnalysisResults::GetContrastStatus() const
 {
     return CopyOf(Results().contrastStatus);
+}
+
+/// Contrasts are tested in the order of their coefficients.
+std::vector<std::vector<int>> MAAnalysisResults::GetContrastMissing() const
+{
+    const MAStudies& studies = Results().studies;
+    const std::size_t count = std::min(Results().contrasts.size(), studies.contrastCoefficients.size());
+    try {
+        std::vector<std::vector<int>> missing(count);
+        for (std::size_t contrast = 0; contrast < count; ++contrast)
+            for (std::size_t study = 0; study < studies.Count(); ++study)
+                if (KXMV::IsMissing(studies.contrastCoefficients[contrast][study]))
+                    missing[contrast].push_back(studies.recordNumber[study]);
+        return missing;
+    } catch (...) {
+        return {};
+    }
+}
+
+std::vector<int> MAAnalysisResults::GetCumulativeMissing() const
+{
+    return CopyOf(Results().counts.withoutCumulative);
 }
 
 std::vector<double> MAAnalysisResults::GetCumulative() const

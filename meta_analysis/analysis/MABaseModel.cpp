@@ -23,6 +23,14 @@ constexpr int warningsOfFigures[] = {MAStatusCode::TAU2_DOUBTFUL, MAStatusCode::
                                      MAStatusCode::NO_ITERATION_ALLOWED,
                                      MAStatusCode::TAU2_INTERVAL_UNAVAILABLE};
 
+/// A single group beside studies that are in none has no model of its own, but in a cumulative analysis.
+std::vector<double> ShownValuesOf(const MAAnalysisState& results)
+{
+    const bool isAlone = results.studies.HasUngrouped() && !results.groups.AreSeveral();
+    return isAlone && results.studies.cumulativeValue.empty() ? std::vector<double>{MAConst::overallGroup}
+                                                              : results.groups.values;
+}
+
 } // namespace
 
 MABaseModel::MABaseModel(const MAModelSettings& settings) : MABaseModel(settings, MAConst::OUTCOME_CONTINUOUS)
@@ -47,7 +55,7 @@ KXStatus MABaseModel::Run(MultiPassRecordIter& records, const KXVarList& variabl
     if (outcome_ == MAConst::OUTCOME_MEASURED)
         AddWarnings(WarningsOfMeasuredRun(*settings_));
     State().groups.values = GetUniqGroupElem();
-    State().groups.shownValues = State().groups.values;
+    State().groups.shownValues = ShownValuesOf(Results());
     if (BuildModels(PoolsTables() ? TableChoice() : EffectsChoice()).IsError() ||
         TestContrastsOfRun().IsError())
         return status_;

@@ -140,7 +140,9 @@ KXStatus MABinModel::ComputeLabbePlotStatistics()
         if (state.studies.groupOutcomes.size() != count || state.lists.weights.size() < count ||
             !HasGroupValues())
             return SetError(MAStatusCode::LENGTH_MISMATCH);
-        const std::vector<MASelection> groups = MembersByGroup(state.studies, state.groups.values);
+        const std::vector<MASelection> groups = state.groups.AreSeveral() || !state.studies.HasUngrouped()
+                                                    ? MembersByGroup(state.studies, state.groups.values)
+                                                    : std::vector<MASelection>{AllOf(state.studies)};
         for (std::size_t g = 0; g < groups.size(); ++g) {
             if (!state.groups.AreSeveral() || state.groups.values[g] != MAConst::overallGroup)
                 state.labbe.push_back(PlotLabbe(state.studies, state.lists.weights, groups[g]));

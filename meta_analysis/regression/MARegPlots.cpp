@@ -103,6 +103,8 @@ KXStatus PlotBubbles(const MARegFit& fit, const MAPredictionChoice& choice, Mult
         plot.lineEffects.push_back(predicted.effect);
         plot.lineLower.push_back(predicted.ciLower);
         plot.lineUpper.push_back(predicted.ciUpper);
+        plot.linePILower.push_back(predicted.piLower);
+        plot.linePIUpper.push_back(predicted.piUpper);
     }
     return status;
 }

@@ -33,6 +33,8 @@ struct MARegBubblePlot
     std::vector<double> lineEffects;
     std::vector<double> lineLower;
     std::vector<double> lineUpper;
+    std::vector<double> linePILower; ///< prediction limits of a new study's true effect
+    std::vector<double> linePIUpper;
 };
 
 } // namespace MA_NAMESPACE

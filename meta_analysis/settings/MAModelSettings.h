@@ -203,10 +203,16 @@ public:
 
     // ---- Subgroups, cumulative analysis, contrasts ----
 
-    /// Subgroup variable; each of its values is a group, so is a missing one. Not -1.0, which labels the
-    /// overall model. Groups answer where the effect differs, with fewer studies for each tau².
+    /// Subgroup variable; each of its values is a group, so is a missing one unless
+    /// `SetOmitMissingSubgroup`. Not -1.0, which labels the overall model. Groups answer where the effect
+    /// differs, with fewer studies for each tau².
     void SetSubGroupIndex(int value) { subGroupIndex_ = value; }
     int GetSubGroupIndex() const { return subGroupIndex_; }
+    /// Whether studies without a value of the subgroup variable are in no group, and so in no step of the
+    /// groups, but in the model of all studies alone; default false: they are a group of their own, which
+    /// asks whether they differ, though they may have nothing in common. Warning `SUBGROUP_VALUE_MISSING`.
+    void SetOmitMissingSubgroup(bool value) { omitMissingSubgroup_ = value; }
+    bool GetOmitMissingSubgroup() const { return omitMissingSubgroup_; }
     /// Whether all subgroups share one tau², that of the meta-regression with the groups as a factor; default
     /// false. More precise with few studies a group, and wrong where the groups differ in heterogeneity. The
     /// model of all studies keeps its own tau². Warning `COMMON_TAU2_IGNORED`.
@@ -216,6 +222,12 @@ public:
     /// studies: under random effects in time that grows with the square of their number.
     void SetCommulativeIndex(int value) { commulativeIndex_ = value; }
     int GetCummulativeIndex() const { return commulativeIndex_; }
+    /// Whether studies without a value of that variable are in no cumulative step and no group, but in a
+    /// model of all studies behind them; default false: a missing value comes before all others. Their place
+    /// in the order is unknown, so that each step before the last says less than it seems. Warning
+    /// `CUMULATIVE_VALUE_MISSING`.
+    void SetOmitMissingCumulative(bool value) { omitMissingCumulative_ = value; }
+    bool GetOmitMissingCumulative() const { return omitMissingCumulative_; }
     /// Order of the cumulative analysis; default ascending. Any value but `SORT_ASCENDING` is descending.
     void SetSortType(MAConst::SORTYPE value) { sortType_ = value; }
     MAConst::SORTYPE GetSortType() const { return sortType_; }
@@ -364,6 +376,8 @@ private:
     MAConst::TRIMFMETHOD trimFillMethod_ = MAConst::TRIM_LINEAR;
     bool isTrimFill_ = false;
     bool commonTau2_ = false;
+    bool omitMissingSubgroup_ = false;
+    bool omitMissingCumulative_ = false;
     bool rankTest_ = false;
     bool leaveOneOut_ = false;
     bool influence_ = false;

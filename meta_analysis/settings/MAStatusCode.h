@@ -77,5 +77,7 @@ constexpr int CLUSTER_DECIDES =
 constexpr int PERMUTATIONS_LEFT_OUT = 460143; ///< some permuted data had no test statistic
 constexpr int DELETION_UNDEFINED =
     460145; ///< a model without one of the studies; its diagnostics are missing
+constexpr int SUBGROUP_VALUE_MISSING = 460148;   ///< studies without one are in no group
+constexpr int CUMULATIVE_VALUE_MISSING = 460149; ///< studies without one are in no cumulative step
 
 } // namespace MA_NAMESPACE::MAStatusCode

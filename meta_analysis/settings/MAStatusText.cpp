@@ -121,6 +121,11 @@ constexpr StatusSentence sentences[] = {
      "other studies' standard deviations are five times as large or more."},
     {MAStatusCode::DELETION_UNDEFINED,
      "There is no model without one of the studies: diagnostics of its influence are missing."},
+    {MAStatusCode::SUBGROUP_VALUE_MISSING,
+     "Studies without a value of the subgroup variable are in no group; the model of all studies has them."},
+    {MAStatusCode::CUMULATIVE_VALUE_MISSING,
+     "Studies without a value of the cumulative variable are in no step of the cumulative analysis; the "
+     "model of all studies has them."},
     {MAStatusCode::FEW_STUDIES_FOR_TEST,
      "A test for small-study effects, of all studies or of a group, has fewer than ten studies: too few to "
      "tell a real asymmetry from chance (Sterne et al. 2011, BMJ 343, d4002)."},

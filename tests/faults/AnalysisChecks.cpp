@@ -61,7 +61,8 @@ const Names companions[] = {
     {"GetGalbPlotX", "GetGalbPlotY"},
     {"GetGalbRegrIntercept", "GetGalbRegrSlope"},
     {"GetBubbleXs", "GetBubblePredVals", "GetBubbleW", "GetBubbleCILower", "GetBubbleCIUpper"},
-    {"GetBubbleCICurveX", "GetBubbleCICurveLower", "GetBubbleCICurveUpper"},
+    {"GetBubbleCICurveX", "GetBubbleCICurveLower", "GetBubbleCICurveUpper", "GetBubblePICurveUpper"},
+    {"GetBubbleFlags", "GetBubbleSlopeSig", "GetBubbleSlopeCIUpper"},
     {"GetRegrTestCoefficient", "GetRegrTestBetaStandErr", "GetRegrBetaTestVal", "GetRegrBetaTestPValue"},
 };
 
@@ -184,6 +185,13 @@ void AnalysisCheck::CheckCounts()
     EXPECT_TRUE(std::set(records.begin(), records.end()).size() == made_.rows.size())
         << "every record is a study or has a reason";
     expect_.SameShape({"GetExcludedRecord", "GetExclusionReason"});
+    std::vector<double> placed = expect_.Values("GetSubgroupMissing");
+    for (const std::vector<double>& more : expect_.Rows("GetSubGroupStudyID"))
+        placed.insert(placed.end(), more.begin(), more.end());
+    const std::vector<double> unordered = expect_.Values("GetCumulativeMissing");
+    placed.insert(placed.end(), unordered.begin(), unordered.end());
+    EXPECT_TRUE(std::set(placed.begin(), placed.end()) == std::set(ids.begin(), ids.end()))
+        << "every study is in a group, or among those that are in none";
     for (const char* const name : {"GetTFImputedEffectSize", "GetTFImputedStdError"})
         EXPECT_TRUE(expect_.Values(name).size() == imputed) << "every imputed study is there";
 }

@@ -308,8 +308,11 @@ AnalysisCase::AnalysisCase(ByteStream& bytes)
     settings.SetCommonTau2(values.Flag());
     if (bytes.Below(4) == 3)
         settings.SetKnapHartAdjustType(KNAPP_HARTUNG_IF_HETEROGENEOUS);
-    if (!isTame)
+    if (!isTame) {
         SetConversions(values, data, settings);
+        settings.SetOmitMissingSubgroup(values.Flag());
+        settings.SetOmitMissingCumulative(values.Flag());
+    }
     isMeasured = bytes.OneIn(3);
     if (!isMeasured)
         return;

@@ -45,8 +45,8 @@ TEST(AnalysisReport, DescribesTheModelAndItsCorrections)
         {fixed + tables + "--null 2",
          "fixed-effect model \\(Mantel-Haenszel\\), .*The null hypothesis is OR = 2\\."},
         {Binary(zeros) + "--model fixed" + tables + "--subgroup g",
-         "effects: 0.5 added to all cells of 2 tables\\..*of the counts pooled: 1 table in a; the other "
-         "rows"},
+         "of the counts pooled: 1 table in a; the other rows.*effects: 0.5 added to all cells of 2 "
+         "tables\\."},
         {Binary(oneSided) + "--model fixed" + tables + "--pooled-zero-cells none",
          "Overall +- \\[-, -\\].*part in the pooled one: 1 table\\. -: the counts have no pooled effect.*"
          "Overall +- +1 +- +- +-\n"},
@@ -67,11 +67,19 @@ TEST(AnalysisReport, OrdersGroupsByTextAndExplainsUnusualData)
     ExpectShown({
         {Effects(unusable), "2 read, 0 used, 1 missing, 1 invalid, 0 dropped\nNo record could be used"},
         {Arguments{"proportion", proportions} + "--events x --n n",
-         "7 read, 3 used, 1 missing, 3 invalid, 0 dropped.*0\\.5 added to all counts of 2 studies\\."},
+         "0\\.5 added to all counts of 2 studies\\..*7 read, 3 used, 1 missing, 3 invalid, 0 dropped"},
         {Effects(even) + "--model fixed", "Heterogeneity\n[^\n]*\n[^\n]* 0.00 \\[0.00, 0.00\\] [^\n]*\n"
                                           "An I² of 0 with the interval \\[0, 0\\] is no certainty"},
-        {Effects(gaps) + "--subgroup g",
+        {Effects(gaps) + "--subgroup g --keep-missing-groups",
          "\n2 +\\(missing\\) +2.0000.*\n\\(missing\\) +3.0000 .*\na +3.0000 .*\nb +1.0000 .*\nOverall "},
+        {Effects(gaps) + "--subgroup g",
+         "\n2 +- +2.0000.*\na +3.0000 .*\nb +1.0000 .*\nOverall +2.5000.*"
+         "Subgroups: studies without a value of g\nStudy +Line\n2 +3\n4 +5\nLeft out are 2 of the 4 studies.*"
+         "460148: [^\n]*Studies: 2, 4\\."},
+        {Effects(gaps) + "--cumulative g", "With g +2.0000.*\nOverall +2.5000 .*460149: "},
+        {Effects(unusable),
+         "Excluded records\nStudy +Line +Reason\n1 +2 +missing value\n2 +3 +variance, [^\n]*\n2 read, 2 "
+         "excluded \\(1 missing value, 1 variance, "},
     });
 }
 
@@ -96,7 +104,8 @@ TEST(AnalysisReport, ShowsContrastsPlotsIntervalsAndPredictions)
         {Bcg() + "--effect risk-ratio --prediction normal --probability-above 1.5",
          "95% prediction interval, normal distribution\n[^\n]*P\\(RR > 1.5\\)\nOverall "},
         {contrasts + "--model fixed", "Contrasts\n +exp\\(contrast\\) [^\n]*\nallocation [^\n]*\nyear "},
-        {Bcg() + "--funnel-y inverse-variance --contours lower", "\nIts picture has no contours: "},
+        {Bcg() + "--funnel-y inverse-variance --contours lower --json /dev/null",
+         "\nIts picture has no contours: "},
         {Bcg() + "--effect risk-ratio --bubble year --bubble latitude",
          "Bubble plots\n.*\nyear +13 .*\nlatitude +13 +0.2515 +-0.0291\n"},
     });
@@ -112,14 +121,13 @@ TEST(AnalysisReport, NamesConvertedStudiesAndTheLabelOfTheMeasure)
         converted = converted + std::regex_replace(group, std::regex("X"), name);
     ExpectShown({
         {Ratios() + "--label" + Arguments{"hazard ratio"},
-         "^Meta-analysis: hazard ratio, .* hazard ratio \\[95% CI\\] +log hazard ratio .*Converted studies\n"
-         "Study +Standard error from *\nGarfinkel +confidence interval *\n"
-         ".*Variance between.*460125: [^\n]*Studies: Cardenas, Wu\\.\n"},
+         "^Meta-analysis: hazard ratio, .* hazard ratio \\[95% CI\\] +log hazard ratio "
+         ".*460125: [^\n]*Studies: Cardenas, Wu\\.\n.*Variance between.*Converted studies\n"
+         "Study +Standard error from *\nGarfinkel +confidence interval *\n"},
         {Ratios(), "^Meta-analysis: ratio, .* log ratio "},
         {Ratios("--effect risk-ratio"), "^Meta-analysis: risk ratio, "},
-        {converted + "--study who",
-         "Converted studies\n[^\n]*\nB +median and quartiles +median and quartiles *\n"
-         ".*460126: [^\n]*Study: B\\.\n"},
+        {converted + "--study who", "460126: [^\n]*Study: B\\.\n.*Converted studies\n[^\n]*\n"
+                                    "B +median and quartiles +median and quartiles *\n"},
     });
 }
 
@@ -133,8 +141,8 @@ TEST(AnalysisReport, ExplainsSmallStudyEffectsWithoutAClaim)
          "Small-study test [^\n]*\n[^\n]*\nChina +1.88.*\nGermany +- .*larger values of d "},
         {Bcg() + "--small-study-test 3 --test-intercept off", "Without intercept"},
         {Bcg() + "--preset cochrane --subgroup allocation --common-tau2 --tau2 dl --rank-test",
-         "Preset\ncochrane [^\n]*--tau2 dl \\(in place of reml\\).* t with 10 degrees of freedom.*share one "
-         "tau².*F +df +residual df +p\n[0-9.]+ +2 +10.*Kendall's tau +p \\(normal\\) +p \\(exact\\)"},
+         "t with 10 degrees of freedom.*share one tau².*F +df +residual df +p\n[0-9.]+ +2 +10.*Kendall's tau "
+         "+p \\(normal\\) +p \\(exact\\).*Preset\ncochrane [^\n]*--tau2 dl \\(in place of reml\\)"},
     });
 }
 
@@ -155,8 +163,9 @@ TEST(AnalysisReport, NamesBothValuesWhenScoringMissesTheEstimate)
     const std::string doubt = fmt::format("\n{}: [^\n]*: at 0\\.", MAStatusCode::TAU2_DOUBTFUL);
     ExpectShown({
         {Effects(effects) + "--preset library",
-         "Preset\nlibrary: --tau2-search scoring, .*reached --max-iterations .*" + doubt +
-             "00[0-9]+ in place of 0\\.1464\\. Set --tau2-search global"},
+         "reached --max-iterations .*" + doubt +
+             "00[0-9]+ in place of 0\\.1464\\. Set --tau2-search global"
+             ".*Preset\nlibrary: --tau2-search scoring, "},
         {regression + "--tau2-search scoring", doubt + "0000 in place of 0\\.0114\\. Set"},
     });
     EXPECT_THAT(JsonOf(Effects(effects) + "--preset library")["messages"].dump(),
@@ -169,8 +178,8 @@ TEST(AnalysisReport, ShowsRegressions)
     ExpectShown({
         {tester + "--knapp-hartung adjusted --tau2 dl",
          "^Meta-regression: random-effects model \\(DerSimonian-Laird\\), Knapp-Hartung adjustment, 95% "
-         "level\n.*Study +Effect +Fitted \\[95% CI\\] +Residual +SE +Leverage\nRosenthal et al. +0.0300 "
-         ".*tester=1 +- +- +- +-\n-: aliased"},
+         "level\n\nCoefficients.*tester=1 +- +- +- +-\n-: aliased.*Study +Effect +Fitted \\[95% CI\\] "
+         "+Residual +SE +Leverage\nRosenthal et al. +0.0300 "},
         {tester + "--model fixed --dispersion --normal-tests",
          "SE +z +p\n.*Wald chi² +df +p\n.*Q +df +p +I² % +H²\n.*Multiplicative dispersion\n[0-9.]+, by "},
     });

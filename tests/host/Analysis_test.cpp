@@ -50,7 +50,8 @@ TEST(Analysis, FitsBubblePlotsWithoutDispersion)
     const Arguments fixed = Bcg() + "--model fixed --bubble latitude --bubble-points 5";
     const json results = ResultsOf(fixed);
     EXPECT_EQ(results["BubbleCICurveX"][0], (std::vector<double>{13, 23.5, 34, 44.5, 55}));
-    EXPECT_EQ(ResultsOf(fixed + "--test-dispersion")["BubbleCICurveLower"], results["BubbleCICurveLower"]);
+    const Arguments test = fixed + "--small-study-test egger --test-dispersion";
+    EXPECT_EQ(ResultsOf(test)["BubbleCICurveLower"], results["BubbleCICurveLower"]);
 }
 
 } // namespace

@@ -106,8 +106,9 @@ TEST(DataTable, FindsColumnsByExactAndUniqueNames)
     const DataTable table = DataTable::Parse("a,b,a,\"two\nlines\"\n1,2,3,4\n", "t.csv");
     EXPECT_EQ(table.PositionOf("b"), 1U);
     EXPECT_EQ(table.PositionOf("two\nlines"), 3U);
-    EXPECT_THAT(MessageOf([&] { table.PositionOf("B"); }),
-                testing::StartsWith("t.csv has no column 'B'. Its columns are: a, b, a, two"));
+    EXPECT_THAT(
+        MessageOf([&] { table.PositionOf("B"); }),
+        testing::StartsWith("t.csv has no column 'B'. Did you mean b? Its columns are: a, b, a, two"));
     EXPECT_EQ(MessageOf([&] { table.PositionOf("a"); }),
               "t.csv, line 1: column 1 and column 3 are both named 'a'.");
 }

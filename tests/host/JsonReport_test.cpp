@@ -89,7 +89,7 @@ TEST(JsonReport, DescribesARun)
 {
     const Arguments peto = Bcg() + "--effect peto --zero-delta 0.25";
     const json report = JsonOf(peto);
-    EXPECT_EQ(report["schema"], 1);
+    EXPECT_EQ(report["schema"], 2);
     EXPECT_EQ(report["program"], "meta-analysis");
     EXPECT_EQ(report["command"], peto + "--json -");
     EXPECT_EQ(report["status"], json::parse(R"({"code": 0, "kind": "ok"})"));
@@ -98,11 +98,28 @@ TEST(JsonReport, DescribesARun)
     EXPECT_EQ(report["messages"].size(), 2U);
     EXPECT_EQ(report["settings"]["effect"], "peto");
     EXPECT_EQ(report["settings"]["zero-delta"], 0.25);
+}
+
+TEST(JsonReport, NamesEveryExcludedRecordWithItsLineAndReason)
+{
     const TemporaryFolder folder;
-    const std::string data = folder.Write("t.csv", "effect,variance\n1,NA\n2,1\n3,-1\n4,1\n");
-    EXPECT_EQ(JsonOf(Effects(data))["records"],
-              json::parse(R"({"read": 4, "used": 2, "missing": 1, "invalid": 1,
-                                                 "dropped": 0, "numbers": [1, 3]})"));
+    const std::string data = folder.Write(
+        "t.csv", "who,effect,variance,x\nA,1,NA,1\n\n\"B\n\",2,1,1\nA,3,-1,1\nD,4,1,\nE,5,1,2\nF,5,1,4\n");
+    const json report = JsonOf(Effects(data) + "--study who");
+    EXPECT_EQ(report["studies"], (json{"B\n", "D", "E", "F"}));
+    EXPECT_EQ(report["records"],
+              json::parse(R"({"read": 6, "used": 4, "missing": 1, "invalid": 1, "dropped": 0,
+        "numbers": [1, 3, 4, 5],
+        "excluded": [{"record": 0, "study": "A", "line": 2, "reason": "missing value"},
+                     {"record": 2, "study": "A", "line": 6,
+                      "reason": "variance, standard deviation or standard error not above 0"}],
+        "excludedByReason": {"missing value": 1,
+                             "variance, standard deviation or standard error not above 0": 1}})"));
+    const json regression = JsonOf(Regression(data) + "--study who --covariate x");
+    EXPECT_EQ(regression["records"]["excludedByReason"],
+              json::parse(R"({"missing value of 'variance'": 1, "missing value of 'x'": 1,
+                              "variance, standard deviation or standard error not above 0": 1})"));
+    EXPECT_EQ(regression["studies"], (json{"B\n", "E", "F"}));
 }
 
 /// The order of the options does not matter. Options of the preset that have no effect are not refused.

@@ -84,10 +84,10 @@ TEST(Outcomes, ImpossibleRecordsAreListed)
     const std::string report = ReportOf(Arguments{"proportion", data} + "--events x --n n");
     EXPECT_THAT(report, AllOf(HasSubstr("7 read, 3 used, 1 missing, 3 invalid, 0 dropped"),
                               HasSubstr("0.5 added to all counts of 2 studies."),
-                              HasSubstr("     2  2      more events than persons\n"
-                                        "     3  3      missing value\n"
-                                        "     5  5      negative count\n"
-                                        "     6  6      more events than persons\n")));
+                              HasSubstr("\n2         3  more events than persons\n"
+                                        "3         4  missing value\n"
+                                        "5         6  negative count\n"
+                                        "6         7  more events than persons\n")));
 }
 
 } // namespace

@@ -41,6 +41,24 @@ TEST(PlotAxes, LabelsRatioAxesAtRoundNumbers)
     }
 }
 
+TEST(PlotAxes, LabelsWholeCovariatesAtWholeNumbers)
+{
+    const std::pair<std::vector<double>, Texts> cases[] = {
+        {{0, 1, 1, missing}, {"0", "1"}},
+        {{1993, 1996}, {"1993", "1994", "1995", "1996"}},
+        {{0, 0.5, 1}, {"0", "0.2", "0.4", "0.6", "0.8", "1"}},
+    };
+    for (const auto& [values, expected] : cases) {
+        Extent extent;
+        extent.Cover(values);
+        extent.Pad(0.07);
+        Texts texts;
+        for (const Tick& tick : CovariateAxis("", values, extent).ticks)
+            texts.push_back(tick.text);
+        EXPECT_EQ(texts, expected);
+    }
+}
+
 TEST(PlotAxes, LabelsNumberAxesAtRoundNumbersWithTheDigitsTheyNeed)
 {
     const auto texts = [](const std::vector<double>& covered) {

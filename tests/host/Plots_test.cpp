@@ -251,6 +251,55 @@ TEST(Plots, DrawsTheLinesOfTheGalbraithPlot)
     EXPECT_THAT(starts, testing::Pointwise(testing::DoubleNear(2e-3), {-offset, 0.0, offset}));
 }
 
+/// A group's line through the origin is its fixed-effect estimate, and each study lies on its effect's ray.
+TEST(Plots, DrawsGalbraithPlotsOfGroupsByTheirStandardErrors)
+{
+    const Pictures pictures(Effects("passive_smoking.csv") + "--subgroup country --model fixed");
+    const SvgFigure figure = pictures.Figure("galbraith-5-country-japan");
+    const PixelScale x = LevelScale(figure, "0", "5");
+    const PixelScale y = UprightScale(figure, "0", "2");
+    const SvgPoints line = figure.Lines(color::ACCENT).at(0);
+    const auto slopeTo = [&](double across, double up) {
+        return (up - line[0].y) / (y(1) - y(0)) / ((across - line[0].x) / (x(1) - x(0)));
+    };
+    EXPECT_NEAR(slopeTo(line[1].x, line[1].y), pictures.Results()["EstEffectSize"][4], 1e-3);
+    const std::vector<int> members = pictures.Results()["SubGroupStudyID"][4];
+    const std::vector<SvgMark> marks = figure.Marks("gpPt6", color::POOLED);
+    ASSERT_EQ(marks.size(), members.size());
+    for (std::size_t i = 0; i < marks.size(); ++i)
+        EXPECT_NEAR(slopeTo(marks[i].x, marks[i].y), pictures.Results()["EffectSize"][members[i]], 2e-3);
+}
+
+/// The p-value of a limit of the 95% interval is 0.05, by the normal distribution and by t; the edge of the
+/// prediction region is as high over the limits of the prediction interval.
+TEST(Plots, CrossesTheLevelOfTheDraperyAtTheLimits)
+{
+    for (const char* test : {"none", "adjusted"}) {
+        const Pictures pictures(Bcg() + Arguments{"--drapery", "--knapp-hartung", test});
+        const SvgFigure figure = pictures.Figure("drapery");
+        const PixelScale x = RatioScale(figure, "0.1", "1");
+        const PixelScale y = UprightScale(figure, "0", "1");
+        const SvgPoints curve = figure.Lines(color::ACCENT).at(0);
+        const auto top =
+            std::min_element(curve.begin(), curve.end(), [](auto a, auto b) { return a.y < b.y; });
+        const double level = top->y + (y(0.05) - y(1));
+        const auto crossings = [&](const SvgPoints& line) {
+            Numbers found;
+            for (const SvgPoint& point : line)
+                if (std::abs(point.y - level) < 3 * halfPixelDigit)
+                    found.push_back(point.x);
+            return found;
+        };
+        const auto pixels = [&](const char* lower, const char* upper) {
+            return Numbers{x(pictures.Results()[lower][0]), x(pictures.Results()[upper][0])};
+        };
+        const auto near = testing::DoubleNear(3 * halfPixelDigit);
+        EXPECT_NEAR(top->x, x(pictures.Results()["EstEffectSize"][0]), 2 * halfPixelDigit);
+        EXPECT_THAT(crossings(curve), testing::Pointwise(near, pixels("EstCILower", "EstCIUpper")));
+        EXPECT_THAT(crossings(figure.Areas().at(0)), testing::Pointwise(near, pixels("PILower", "PIUpper")));
+    }
+}
+
 /// They are the lines of equal odds and of the pooled ratio.
 TEST(Plots, DrawsTheLinesOfTheLabbePlot)
 {

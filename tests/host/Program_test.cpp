@@ -74,8 +74,37 @@ TEST(Program, TakesStandardDeviationsAndErrorsForVariances)
 
 TEST(Program, ShowsHelpAndVersion)
 {
-    for (const char* const arguments : {"-h", "--version", "binary --help"})
+    for (const char* const arguments : {"-h", "--version", "rates --version", "help", "binary --help"})
         EXPECT_THAT(ReportOf(Arguments() + arguments), HasSubstr("meta-analysis"));
+    EXPECT_EQ(ReportOf({"help", "rates"}), ReportOf({"rates", "-h"}));
+}
+
+/// Upper case, the abbreviations of other programs, and a level in percent.
+TEST(Program, TakesTheWordsOfOtherPrograms)
+{
+    const struct
+    {
+        Arguments command;
+        const char* words;
+        const char* ours;
+    } cases[] = {
+        {Binary("bcg_vaccine.csv"), "--effect RR --tau2 DL --model RE --level 90 --knapp-hartung HKSJ",
+         "--effect risk-ratio --tau2 dl --model random --level 0.9 --knapp-hartung adjusted"},
+        {Binary("bcg_vaccine.csv"), "--effect OR --model FE --weights MH --contours Two-Sided",
+         "--effect odds-ratio --model fixed --weights mantel-haenszel --contours two-sided"},
+        {Continuous("stroke_length_of_stay.csv"), "--effect SMD --tau2 PM --tau2-interval QP",
+         "--effect hedges-g --tau2 eb --tau2-interval q-profile"},
+        {Effects("passive_smoking.csv"), "--outcome Binary --effect rr --preset IQWiG --trim-fill Run",
+         "--outcome binary --effect risk-ratio --preset iqwig --trim-fill run"},
+    };
+    for (const auto& one : cases) {
+        const json left = JsonOf(one.command + one.words);
+        const json right = JsonOf(one.command + one.ours);
+        EXPECT_EQ(left["results"], right["results"]) << one.words;
+        EXPECT_EQ(left["settings"], right["settings"]) << one.words;
+    }
+    EXPECT_THAT(ReportOf(Bcg() + "--level 90"),
+                HasSubstr("--level 90 is a percentage: the confidence level is 0.9."));
 }
 
 } // namespace

@@ -2,6 +2,7 @@
 
 #include "host/RunProgram.h"
 
+using testing::AnyOf;
 using testing::EndsWith;
 using testing::HasSubstr;
 using testing::StartsWith;
@@ -20,8 +21,8 @@ void ExpectRefused(const std::vector<Refusal>& refusals)
         const ProgramRun run = RunProgram(refusal.arguments);
         EXPECT_EQ(run.exitStatus, 2) << refusal.message;
         EXPECT_EQ(run.output, "");
-        EXPECT_THAT(run.errors,
-                    AllOf(StartsWith("meta-analysis: "), HasSubstr(refusal.message), EndsWith(".\n")));
+        EXPECT_THAT(run.errors, AllOf(StartsWith("meta-analysis: "), HasSubstr(refusal.message),
+                                      AnyOf(EndsWith(".\n"), EndsWith("?\n"))));
     }
 }
 
@@ -36,6 +37,8 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
     ExpectRefused({
         {none, "No command is given"},
         {none + "pool", "'pool' is no command"},
+        {none + "binry d.csv", "Did you mean binary?"},
+        {none + "help binray", "'binray' is no command. Did you mean binary?"},
         {none + "--level 0.9 binary", "'--level' stands before the command"},
         {none + "binary", "No data file is given"},
         {none + "binary /no/file.csv", "--treatment-events is required"},
@@ -47,10 +50,17 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
         {effects + "--effect cohens-d --outcome binary",
          "--outcome binary: 'cohens-d' is none of odds-ratio"},
         {effects + "--effect-size study", "--effect-size is given 2 times"},
-        {binary + "--levle 0.9", "'binary' has no option --levle"},
+        {binary + "--levle 0.9", "'binary' has no option --levle. Did you mean --level?"},
+        {binary + "--covariate year", "'binary' has no option --covariate. It is an option of regression."},
+        {binary + "--effect risk-ration", "'risk-ration' is none of odds-ratio, peto, risk-ratio, "
+                                          "risk-difference. Did you mean risk-ratio?"},
+        {binary + "--study Latitud", "has no column 'Latitud'. Did you mean latitude?"},
         {binary + "more.csv", "'more.csv' is one argument too many"},
         {binary + "--level", "--level needs an argument"},
         {binary + "--level 1", "--level: 1 is not between 0 and 1"},
+        {binary + "--level 49.9", "--level: 49.9 is not between 0 and 1, and no percentage from 50 to"},
+        {binary + "--level 100", "--level: 100 is not between 0 and 1"},
+        {binary + "--contours upper --contour-level 95", "0.05 for 95 % confidence"},
         {binary + "--null 2", "--null needs --model fixed"},
         {binary + "--pooled-zero-cells none", "--pooled-zero-cells needs --weights mantel-haenszel"},
         {binary + "--contrast year", "--contrast needs --model fixed"},
@@ -72,6 +82,7 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
         {effects + "--probability-above 0 --probability-below 1", "cannot be asked for together"},
         {effects + "--tau2 dl --tau2-interval profile-likelihood", "is for --tau2 reml and --tau2 ml"},
         {binary + "--common-tau2", "--common-tau2 needs --subgroup"},
+        {binary + "--keep-missing-groups", "--keep-missing-groups needs --subgroup"},
         {binary + "--common-tau2 --subgroup year --model fixed",
          "--common-tau2 is for the random-effects model"},
         {binary + "--common-tau2 --subgroup year --cumulative year", "cannot be asked for together"},
@@ -102,11 +113,62 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
     });
 }
 
+/// Options that have no effect together with the others, whose need is not by the command alone.
+TEST(Refusals, OptionsWithoutEffectAreRefused)
+{
+    const Arguments effects = Effects("passive_smoking.csv");
+    const Arguments binary = Binary("bcg_vaccine.csv");
+    const Arguments means = Continuous("stroke_length_of_stay.csv");
+    const Arguments regression = Regression("teacher_expectancy.csv");
+    const Arguments batch = Arguments{"batch", DataFile("passive_smoking.csv")} +
+                            "--unsorted --key country --effect-size effect --variance variance";
+    ExpectRefused({
+        {binary + "--weights MH", "--weights mantel-haenszel needs --model fixed"},
+        {effects + "--weights mantel-haenszel --model fixed", "--weights mantel-haenszel needs"},
+        {means + "--weights mantel-haenszel --model fixed", "--weights mantel-haenszel needs"},
+        {effects + "--model fixed --tau2 DL", "--tau2 is for the random-effects model"},
+        {regression + "--model fixed --tau2 dl", "--tau2 is for the random-effects model"},
+        {batch + "--model fixed --tau2 dl", "--tau2 is for the random-effects model"},
+        {effects + "--model fixed --knapp-hartung adjusted", "--knapp-hartung is for the random-effects"},
+        {effects + "--model fixed --prediction normal", "--prediction is for the random-effects"},
+        {batch + "--prediction normal --columns k,estimate", "--prediction needs pi_lower or pi_upper"},
+        {batch + "--null 1", "--null needs --model fixed"},
+        {binary + "--zero-cells none --zero-delta 1", "--zero-delta has no effect with --zero-cells none"},
+        {means + "--equal-variances", "--equal-variances needs --effect mean-difference"},
+        {means + "--variance-adjustment --effect MD", "--variance-adjustment needs --effect cohens-d"},
+        {means + "--glass-group treatment --effect SMD", "--glass-group needs --effect glass-delta"},
+        {effects + "--side left", "--side needs --trim-fill"},
+        {effects + "--trim-fill run --trim-fill-model fixed --trim-fill-tau2 dl",
+         "--trim-fill-tau2 has no effect with --trim-fill-model fixed"},
+        {effects + "--test-intercept off", "--test-intercept needs --small-study-test or --trim-fill"},
+        {effects + "--small-study-test egger --test-dispersion", "--test-dispersion needs --model fixed"},
+        {effects + "--descending", "--descending needs --cumulative"},
+        {effects + "--center-bubble", "--center-bubble needs --bubble"},
+        {effects + "--funnel-y precision", "--funnel-y needs --plots, --html or --json"},
+        {effects + "--plot-format png", "--plot-format needs --plots"},
+        {regression + "--dispersion", "--dispersion needs --model fixed"},
+        {regression + "--knapp-hartung adjusted --normal-tests", "--normal-tests has no effect with"},
+    });
+}
+
 TEST(Refusals, UnusableColumnsAndFieldsAreRefused)
 {
     const TemporaryFolder folder;
     const std::string data = folder.Write("t.csv", "who,effect,variance\n\"A\nB\",1,2\nC,x,2\n");
     const Arguments smoking = Effects("passive_smoking.csv");
+    const auto file = [&folder](const std::string& text) { return Effects(folder.Write("f.csv", text)); };
+    const auto expectRefused = [&file](const std::string& text, const std::string& message) {
+        ExpectRefused({{file(text), "f.csv" + message}}); // the next file replaces this one
+    };
+    const std::string header = "effect,variance\n";
+    expectRefused("", "' is empty");
+    expectRefused(header, "' has a header line and no data rows");
+    expectRefused(header + "1,2\n1\n", "', line 3: 1 field, but the header has 2");
+    expectRefused(header + "1,\"2\n3,4\n", "', line 2: the quoted field that starts here is never closed");
+    expectRefused(header + "1,5\" tall\n", "', line 2: a misplaced double quote");
+    expectRefused(header + std::string("1,\0\n", 4), "', line 2: a byte of value 0");
+    expectRefused("effect,Variance\n1,2\n", "' has no column 'variance'. Did you mean Variance?");
+    expectRefused("effect,variance,effect\n1,2,3\n", "', line 1: column 1 and column 3 are both named");
     ExpectRefused({
         {Effects(data), "t.csv, line 4, column 'effect': 'x' is not a number"},
         {smoking + "--bubble country --subgroup country", "column 'country': 'USA' is not a number"},
@@ -152,6 +214,46 @@ TEST(Refusals, RegressionsWithoutAModelAreRefused)
         {command + "--cluster one", "--cluster: column 'one' has no other value than '5'; clusters need two"},
         {command + "--sandwich cr1", "--sandwich needs --cluster"},
         {command + "--seed 1", "--seed needs --permutations"},
+    });
+}
+
+TEST(Refusals, BatchesWithoutMeaningAreRefused)
+{
+    const TemporaryFolder folder;
+    const auto batch = [](const Arguments& files, const std::string& options = "") {
+        return Arguments{"batch"} + files + ("--key key --effect-size y --std-error s " + options);
+    };
+    const std::string good = folder.Write("good", "key y s\nb 1 1\na 2 1\n");
+    const std::string sorted = folder.Write("sorted", "key y s\na 1 1\n");
+    const std::string zip = folder.PathOf("zip");
+    const std::string cut = folder.PathOf("cut");
+    ASSERT_EQ(std::system(("gzip -c " + good + " > " + zip + "; head -c 30 " + zip + " > " + cut).c_str()),
+              0);
+    ExpectRefused({
+        {batch({}), "No data file is given"},
+        {batch({"/no/file"}), "'/no/file' cannot be opened"},
+        {batch({TESTS_DIR}), "Is a directory"},
+        {batch({folder.Write("empty", "")}), "is empty: a header line"},
+        {batch({good, folder.Write("head", "key y s\n\n")}), "has a header line and no data"},
+        {batch({good, folder.Write("has", "key y\na 1\n")}), "has' has no column 's'."},
+        {batch({good, folder.Write("has", "Key y s\na 1 1\n")}), "no column 'key'. Did you mean Key?"},
+        {batch({folder.Write("twice", "key y s y\na 1 1 1\n")}), "two columns are named 'y'"},
+        {batch({cut}), "cut' ends in the middle of its gzip data"},
+        {batch({folder.Write("zero", std::string("key y s\na 1 1\n\0 1 1\n", 21))}),
+         "line 3: a byte of value 0"},
+        {batch({folder.Write("long", "key y s\n" + std::string(1 << 25, 'x'))}),
+         "line 2: the line is longer than"},
+        {batch({sorted, good}, "--sorted"), "good', line 3: the file is not sorted"},
+        {batch({good}, "--sorted"), "--sorted has no effect on one file"},
+        {batch({good, sorted}, "--unsorted"), "--unsorted has no effect on several"},
+        {batch({good, good}), "good' is given twice"},
+        {batch({good}, "--effect-allele y"), "--effect-allele and --other-allele go together"},
+        {batch({good}, "--columns k,std_eror"), "'std_eror' is no result. Did you mean std_error?"},
+        {batch({good}, "--columns k,k"), "--columns: 'k' is given twice"},
+        {batch({good}, "--output " + good), "is a data file"},
+        {batch({good}, "--rejects -"), "cannot be the same place"},
+        {batch({good}, "--variance s"), "Exactly one of --variance and --std-error"},
+        {batch({good}, "--weights mantel-haenszel"), "no option --weights"},
     });
 }
 

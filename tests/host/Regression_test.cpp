@@ -130,7 +130,14 @@ TEST(Regression, ScoresAndCountsTheRecords)
     const json report = JsonOf(Regression(data) + "--covariate x --factor g --model fixed");
     EXPECT_EQ(report["records"],
               json::parse(R"({"read": 8, "used": 4, "missing": 3, "invalid": 1, "dropped": 0,
-                              "numbers": [0, 5, 6, 7]})"));
+        "numbers": [0, 5, 6, 7], "excluded": [
+            {"record": 1, "study": "2", "line": 3, "reason": "missing value of 'effect'"},
+            {"record": 2, "study": "3", "line": 4, "reason": "missing value of 'x'"},
+            {"record": 3, "study": "4", "line": 5, "reason": "missing value of 'g'"},
+            {"record": 4, "study": "5", "line": 6,
+             "reason": "variance, standard deviation or standard error not above 0"}],
+        "excludedByReason": {"missing value of 'effect'": 1, "missing value of 'g'": 1,
+            "missing value of 'x'": 1, "variance, standard deviation or standard error not above 0": 1}})"));
     EXPECT_EQ(report["warnings"], json::array({MAStatusCode::UNUSABLE_RECORD}));
     const json scores = report["results"]["Score"];
     ASSERT_EQ(scores.size(), 8U);
@@ -218,8 +225,12 @@ TEST(Regression, CountsTheRecordsOfRawData)
         JsonOf(Arguments{"regression", data} +
                "--treatment-events a --treatment-nonevents b --control-events c "
                "--control-nonevents d --drop-double-zero --covariate x --factor g --model fixed");
-    EXPECT_EQ(report["records"], json::parse(R"({"read": 8, "used": 3, "missing": 3, "invalid": 1,
-                                                 "dropped": 1, "numbers": [0, 5, 7]})"));
+    json records = report["records"];
+    records.erase("excluded");
+    EXPECT_EQ(records, json::parse(R"({"read": 8, "used": 3, "missing": 3, "invalid": 1, "dropped": 1,
+        "numbers": [0, 5, 7], "excludedByReason": {"missing value": 1, "negative count": 1,
+            "no events, or no non-events, in both groups": 1, "missing value of 'x'": 1,
+            "missing value of 'g'": 1}})"));
 }
 
 /// Names and levels may hold commas and equals signs; numbers are levels however they are written.

@@ -28,14 +28,14 @@ words_of_help() {
             }
             text = ""
         }
-        /^  (-h,)?--/ {
+        /^  (-[a-z],)?--/ {
             tell()
             option = $1
-            sub(/^-h,/, "", option)
+            sub(/^-[a-z],/, "", option)
             print option ($2 ~ /^[A-Z]+(:[A-Z]+)?$/ && NF > 1 ? " " $2 : "")
         }
-        /^  (-h,)?--|^                    / { text = text " " $0; if ($0 ~ /outcome:/) tell() }
-        !/^  (-h,)?--|^                    / { tell() }
+        /^  (-[a-z],)?--|^                    / { text = text " " $0; if ($0 ~ /outcome:/) tell() }
+        !/^  (-[a-z],)?--|^                    / { tell() }
         END { tell() }' | sort -u
 }
 

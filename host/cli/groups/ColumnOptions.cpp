@@ -58,8 +58,9 @@ OptionDefinitions EffectsColumns(Options& options)
         Column("std-error", options.stdError, "their standard errors; for studies without either:"),
         Column("ci-lower", options.ciLower, "their lower and"),
         Column("ci-upper", options.ciUpper, "upper confidence limits, or"),
-        Number("ci-level", BETWEEN_0_AND_1, input, &MAInputSettings::GetInputCILevel,
-               &MAInputSettings::SetInputCILevel, "level of these limits, a fraction"),
+        Level("ci-level", options.notes, input, &MAInputSettings::GetInputCILevel,
+              &MAInputSettings::SetInputCILevel,
+              "level of these limits, a fraction, or a percentage from 50 on"),
         Column("p-value", options.pValue, "their two-sided p-values"),
     };
 }

@@ -45,14 +45,24 @@ OptionDefinitions ContinuousEffect(Settings& settings)
     };
 }
 
+std::vector<std::string> NamesOfReadyMade()
+{
+    std::vector<std::string> names = ListOfNames(CONTINUOUS_MEASURES);
+    for (const BinaryMeasure& measure : BINARY_MEASURES)
+        names.emplace_back(measure.name);
+    return names;
+}
+
 /// The measure of ready-made effect sizes. The outcome, which may be given later, says which are allowed.
 OptionDefinition ReadyMadeEffect(Options& options)
 {
     return {.name = "effect",
             .argument = "NAME",
             .help = fmt::format("what the effect sizes are (default the first):\ncontinuous outcome: {}\n"
-                                "binary outcome: {}",
-                                NamesOf(CONTINUOUS_MEASURES), NamesOf(BINARY_MEASURES)),
+                                "binary outcome: {}\nabbreviations{}{}",
+                                NamesOf(CONTINUOUS_MEASURES), NamesOf(BINARY_MEASURES),
+                                AbbreviationsOf(CONTINUOUS_MEASURES), AbbreviationsOf(BINARY_MEASURES)),
+            .choices = NamesOfReadyMade(),
             .store = [&options](const std::string& text) { options.readyMadeEffect = text; },
             .value = [&options] { return nlohmann::ordered_json(MeasureName(options.settings)); }};
 }
@@ -115,15 +125,6 @@ void ResolveReadyMadeEffect(Options& options)
     }
 }
 
-/// Only a model that pools tables has counts to correct.
-void CheckPooledZeroCells(const Options& options)
-{
-    if (options.given.contains("pooled-zero-cells") && !PoolsTables(options.settings))
-        throw UnusableInput(
-            "--pooled-zero-cells needs --weights mantel-haenszel and --model fixed, which pool "
-            "the counts of the tables.");
-}
-
 } // namespace
 
 OptionDefinitions EffectsOfData(Options& options, Command data)
@@ -154,8 +155,6 @@ OptionGroup EffectSizeOptions(Options& options)
                 ResolveRatio(options);
                 ResolveReadyMadeEffect(options);
                 CheckReadyMadeEffect(options);
-                CheckPooledZeroCells(options);
-                CheckOutcomeOptions(options);
             }};
 }
 

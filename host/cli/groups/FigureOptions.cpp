@@ -1,7 +1,6 @@
 #include "host/cli/FigureTexts.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
-#include "host/text/Measures.h"
 
 namespace host {
 
@@ -17,6 +16,7 @@ OptionDefinition Choice(const char* name, const std::array<MA_NAMESPACE::MAChoic
     return {.name = name,
             .argument = "NAME",
             .help = fmt::format("{}: {} (default {})", help, NamesOf(choices), NameOf(choices, target)),
+            .choices = ListOfNames(choices),
             .store = [&target, &choices](const std::string& text) { target = ValueOf(choices, text); },
             .value = [&target, &choices] { return Json(NameOf(choices, target)); }};
 }
@@ -125,38 +125,6 @@ OptionDefinitions ModelOptionsOf(PictureOptions& picture)
     };
 }
 
-bool IsGiven(const Options& options, const std::string& name)
-{
-    return options.given.contains(name);
-}
-
-void CheckFiles(const Options& options)
-{
-    if (IsGiven(options, "picture-size") && !options.plotsFolder)
-        throw UnusableInput("--picture-size needs --plots, whose files it is about.");
-    if (IsGiven(options, "resolution") && (!options.plotsFolder || options.plotFormat != PictureFormat::PNG))
-        throw UnusableInput("--resolution needs --plots with --plot-format png.");
-}
-
-/// Everything about the forest plot needs one.
-void CheckForest(const Options& options, const OptionDefinitions& definitions)
-{
-    if (options.htmlPath || options.plotsFolder)
-        return;
-    for (const OptionDefinition& definition : definitions)
-        if (IsGiven(options, definition.name))
-            throw UnusableInput(
-                fmt::format("--{} needs --plots or --html, whose forest plot it is about.", definition.name));
-}
-
-void CheckFigures(const Options& options, const OptionDefinitions& definitions)
-{
-    CheckFiles(options);
-    CheckForest(options, definitions);
-    if (options.picture.favours && HasSteps(options.command) && !MeasureOf(options.settings).hasNoEffect)
-        throw UnusableInput("--favours is for effects that compare: this measure has no value of no effect.");
-}
-
 } // namespace
 
 OptionGroup FigureOptions(Options& options)
@@ -167,9 +135,7 @@ OptionGroup FigureOptions(Options& options)
     if (HasSteps(options.command))
         for (OptionDefinition& definition : ModelOptionsOf(options.picture))
             definitions.push_back(std::move(definition));
-    return {.heading = "Pictures", .options = definitions, .complete = [&options, definitions] {
-                CheckFigures(options, definitions);
-            }};
+    return {.heading = "Pictures", .options = definitions};
 }
 
 } // namespace host

@@ -1,7 +1,6 @@
 #include "host/cli/Choices.h"
 #include "host/cli/OptionGroups.h"
 #include "host/cli/OptionKinds.h"
-#include "host/text/Wording.h"
 
 using namespace MA_NAMESPACE;
 
@@ -22,23 +21,10 @@ OptionDefinition Descending(Settings& settings)
                 }};
 }
 
-void CheckContrasts(const Options& options)
-{
-    if (IsRandom(options.settings) && !options.contrasts.empty())
-        throw UnusableInput(
-            "--contrast needs --model fixed: contrasts are of studies that share one effect.");
-}
-
 /// The groups of a cumulative analysis are models of their own at each step.
 void CheckCommonTau2(const Options& options)
 {
-    if (!options.settings.GetCommonTau2())
-        return;
-    if (!options.subgroup)
-        throw UnusableInput("--common-tau2 needs --subgroup: it is the tau² of all groups.");
-    if (!IsRandom(options.settings))
-        throw UnusableInput("--common-tau2 is for the random-effects model.");
-    if (options.cumulative)
+    if (options.settings.GetCommonTau2() && options.cumulative)
         throw UnusableInput("--common-tau2 and --cumulative cannot be asked for together.");
 }
 
@@ -53,6 +39,8 @@ OptionGroup GroupAndOrderOptions(Options& options)
         .options =
             {
                 Column("subgroup", options.subgroup, "a model for each group of studies with equal values"),
+                Flag("keep-missing-groups", options.keepsMissingGroups,
+                     "studies without a value of --subgroup as a group of their own, in place of in none"),
                 Flag("common-tau2", options.settings, &Settings::GetCommonTau2, &Settings::SetCommonTau2,
                      "one between-study variance for all groups"),
                 Column("cumulative", options.cumulative,
@@ -61,10 +49,7 @@ OptionGroup GroupAndOrderOptions(Options& options)
                 TextList("contrast", "COLUMN", options.contrasts,
                          "contrast coefficients of the studies, repeatable; for the fixed model"),
             },
-        .complete = [&options] {
-            CheckContrasts(options);
-            CheckCommonTau2(options);
-        }};
+        .complete = [&options] { CheckCommonTau2(options); }};
 }
 
 } // namespace host

@@ -24,22 +24,26 @@ OptionDefinition PresetOption(Options& options)
             .argument = "NAME",
             .help = fmt::format("settings that go together; options given beside it win: {} (default: none)",
                                 NamesOfPresets()),
+            .choices = PresetNames(),
             .store = [&options](const std::string& text) { options.preset = KnownPreset(text); },
             .value = [&options] { return options.preset ? Json(*options.preset) : Json(); }};
 }
 
-OptionDefinitions ModelOf(Settings& settings)
+OptionDefinitions ModelOf(Options& options)
 {
+    Settings& settings = options.settings;
     return {
-        OneOf("model", MODEL_CHOICES, settings, &Settings::GetModelType, &Settings::SetModelType,
-              "pooling model"),
+        AlsoTaking({{"RE", "random"}, {"FE", "fixed"}, {"EE", "fixed"}, {"CE", "fixed"}, {"common", "fixed"}},
+                   OneOf("model", MODEL_CHOICES, settings, &Settings::GetModelType, &Settings::SetModelType,
+                         "pooling model")),
         AlsoTaking({{PAULE_MANDEL, NameOf(TAU2_ESTIMATORS, MAConst::TAU2_EB)}},
                    OneOf("tau2", TAU2_ESTIMATORS, settings, &Settings::GetEstTauType,
                          &Settings::SetEstTauType, "between-study variance estimator")),
-        OneOf("knapp-hartung", KNAPP_HARTUNG_CHOICES, settings, &Settings::GetKnapHartAdjustType,
-              &Settings::SetKnapHartAdjustType, "adjustment of the random model"),
-        Number("level", BETWEEN_0_AND_1, settings, &Settings::GetCILevel, &Settings::SetCILevel,
-               "confidence level, a fraction"),
+        AlsoTaking({{"HKSJ", "adjusted"}, {"KNHA", "adjusted"}},
+                   OneOf("knapp-hartung", KNAPP_HARTUNG_CHOICES, settings, &Settings::GetKnapHartAdjustType,
+                         &Settings::SetKnapHartAdjustType, "adjustment of the random model")),
+        Level("level", options.notes, settings, &Settings::GetCILevel, &Settings::SetCILevel,
+              "confidence level, a fraction, or a percentage from 50 on"),
     };
 }
 
@@ -48,8 +52,9 @@ OptionDefinitions PoolingOf(Settings& settings, Command command)
 {
     OptionDefinitions options;
     if (command != Command::BATCH)
-        options.push_back(OneOf("weights", WEIGHT_CHOICES, settings, &Settings::GetWeightType,
-                                &Settings::SetWeightType, "study weights"));
+        options.push_back(AlsoTaking({{"IV", "inverse-variance"}, {"MH", "mantel-haenszel"}},
+                                     OneOf("weights", WEIGHT_CHOICES, settings, &Settings::GetWeightType,
+                                           &Settings::SetWeightType, "study weights")));
     options.push_back(Number("null", ANY_NUMBER, settings, &Settings::GetNullHypothesis,
                              &Settings::SetNullHypothesis,
                              "effect under the null hypothesis, for the fixed model"));
@@ -64,13 +69,10 @@ OptionDefinitions RegressionTests(RegressionOptions& options)
     };
 }
 
-/// A run under random effects tests against no effect. Pooled tables have a null hypothesis on the ratio
-/// scale, where 0 stands for no effect.
+/// Pooled tables have a null hypothesis on the ratio scale, where 0 stands for no effect.
 void CheckNullHypothesis(const Settings& settings)
 {
     const double null = settings.GetNullHypothesis();
-    if (IsRandom(settings) && null != 0)
-        throw UnusableInput("--null needs --model fixed: the random model tests against no effect.");
     if (IsMeasured(settings) && null != 0)
         RequireNatural("null", settings, null);
     else if (PoolsTables(settings) && MeasureOf(settings).isRatio && null < 0)
@@ -86,10 +88,9 @@ OptionGroup ModelOptions(Options& options)
     OptionGroup group = {.heading = "Model", .options = {PresetOption(options)}, .complete = [&options] {
                              CheckNullHypothesis(options.settings);
                          }};
-    for (OptionDefinitions more :
-         {ModelOf(options.settings), options.command == Command::REGRESSION
-                                         ? RegressionTests(options.regression)
-                                         : PoolingOf(options.settings, options.command)})
+    for (OptionDefinitions more : {ModelOf(options), options.command == Command::REGRESSION
+                                                         ? RegressionTests(options.regression)
+                                                         : PoolingOf(options.settings, options.command)})
         for (OptionDefinition& option : more)
             group.options.push_back(std::move(option));
     return group;

@@ -33,6 +33,17 @@ std::vector<double> ContourLevels(const Settings& settings)
     return levels;
 }
 
+/// A percentage would be ambiguous: 95 is how others name the contour of the significance level 0.05.
+double SignificanceLevel(const std::string& text)
+{
+    const double level = ParseNumber(text);
+    if (level >= 50 && level < 100)
+        throw UnusableInput(fmt::format("{0} is not between 0 and 1; a contour has the significance level of "
+                                        "its test, {1:.10g} for {0} % confidence.",
+                                        text, 1 - level / 100));
+    return RequireInside(BETWEEN_0_AND_1, level);
+}
+
 /// The levels given replace the default ones.
 OptionDefinition ContourLevel(Options& options)
 {
@@ -43,7 +54,7 @@ OptionDefinition ContourLevel(Options& options)
             .isRepeatable = true,
             .store =
                 [&options](const std::string& text) {
-                    options.contourLevels.push_back(RequireInside(BETWEEN_0_AND_1, ParseNumber(text)));
+                    options.contourLevels.push_back(SignificanceLevel(text));
                     options.settings.SetFunnelConTourCutoff(options.contourLevels);
                 },
             .value = [&settings = options.settings] { return Json(ContourLevels(settings)); }};
@@ -79,8 +90,6 @@ void CheckPlots(const Options& options)
 {
     RequireDifferent(options.bubbles, "--bubble: column"); // a column has one plot
     RequireDifferent(options.contourLevels, "--contour-level:");
-    if (!options.contourLevels.empty() && options.settings.GetFunnelConTourTesType() == MAConst::CONTOUR_NONE)
-        throw UnusableInput("--contour-level needs --contours, which names the test of the level.");
 }
 
 } // namespace

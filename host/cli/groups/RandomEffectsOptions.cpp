@@ -38,8 +38,9 @@ OptionDefinitions BetweenStudyVariance(Settings& settings)
     return {
         OneOf("tau2-search", TAU2_SEARCH_CHOICES, settings, &Settings::GetTau2Search,
               &Settings::SetTau2Search, search.c_str()),
-        OneOf("tau2-interval", TAU2_INTERVAL_CHOICES, settings, &Settings::GetTau2Interval,
-              &Settings::SetTau2Interval, "confidence interval of the between-study variance"),
+        AlsoTaking({{"QP", "q-profile"}, {"PL", "profile-likelihood"}},
+                   OneOf("tau2-interval", TAU2_INTERVAL_CHOICES, settings, &Settings::GetTau2Interval,
+                         &Settings::SetTau2Interval, "confidence interval of the between-study variance")),
     };
 }
 
@@ -56,15 +57,6 @@ OptionDefinitions Thresholds(Settings& settings)
         Threshold(ABOVE, settings, &Settings::GetProbabilityAbove, &Settings::SetProbabilityAbove, "above"),
         Threshold(BELOW, settings, &Settings::GetProbabilityBelow, &Settings::SetProbabilityBelow, "below"),
     };
-}
-
-void RefuseUnderFixedModel(const Options& options)
-{
-    if (IsRandom(options.settings))
-        return;
-    for (const char* const name : {"tau2-interval", "prediction", ABOVE, BELOW})
-        if (options.given.contains(name))
-            throw UnusableInput(fmt::format("--{} is for the random-effects model.", name));
 }
 
 void CheckThreshold(const Options& options, const char* name, double threshold)
@@ -87,7 +79,6 @@ void CheckTau2Interval(const Settings& settings)
 
 void CheckRandomEffects(const Options& options)
 {
-    RefuseUnderFixedModel(options);
     if (options.given.contains(ABOVE) && options.given.contains(BELOW))
         throw UnusableInput(fmt::format("--{} and --{} cannot be asked for together.", ABOVE, BELOW));
     CheckThreshold(options, ABOVE, options.settings.GetProbabilityAbove());

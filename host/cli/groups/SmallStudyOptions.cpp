@@ -21,6 +21,7 @@ OptionDefinition TrimFill(Settings& settings)
             .help = fmt::format("trim-and-fill by this estimator of the number of missing studies: {} "
                                 "(default: none)",
                                 NamesOf(TRIM_FILL_CHOICES)),
+            .choices = ListOfNames(TRIM_FILL_CHOICES),
             .store =
                 [&settings](const std::string& text) {
                     settings.SetTrimFillMethod(ValueOf(TRIM_FILL_CHOICES, text));
@@ -40,6 +41,7 @@ OptionDefinition SmallStudyTestByNumber(Options& options)
             .argument = "TYPE",
             .help = "regression-based test (default: none): 0 effect on standard error; of tables also\n"
                     "1 odds-ratio score, 2 risk-ratio score, 3 effect on 1 / sample size",
+            .choices = ListOfNames(SMALL_STUDY_TESTS),
             .store =
                 [&options](const std::string& text) {
                     options.settings.SetRegBaseTestType(ValueOf(SMALL_STUDY_TESTS, text));

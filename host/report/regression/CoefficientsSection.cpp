@@ -40,7 +40,7 @@ ReportSections CoefficientsSection(const RegressionData& data)
     for (ReportColumn& column : CoefficientColumns(data))
         section.table.push_back(std::move(column));
     section.table.push_back(data.EffectColumn("SE", data.output.GetBetaStandErr()));
-    section.table.push_back({data.Statistic(), TextsOf(data.output.GetBetaTest(), NumberText)});
+    section.table.push_back({data.Statistic(), TextsOf(data.output.GetBetaTest(), data.numbers)});
     section.table.push_back({"p", TextsOf(data.output.GetBetaTestPValue(), PValueText)});
     const KXBitSet estimated = data.output.GetRedundancyInfo();
     if (estimated.Count() < estimated.Size())

@@ -12,7 +12,7 @@ ReportSections DispersionSection(const RegressionData& data)
              {},
              {data.isRandom ? "--dispersion is for the fixed-effect model, and left out here."
                             : fmt::format("{}, by which the variances of the coefficients are multiplied.",
-                                          NumberText(data.output.GetMultiDisper()))}}};
+                                          data.numbers(data.output.GetMultiDisper()))}}};
 }
 
 } // namespace host

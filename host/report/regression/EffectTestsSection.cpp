@@ -52,14 +52,14 @@ ReportSections EffectTestsSection(const RegressionData& data)
     const bool isF = residualDf.front() != 0;
     ReportSection section = {"Tests of the effects",
                              {{"Effect", data.EffectNames(), true},
-                              {isF ? "F" : "Wald chi²", TextsOf(statistics, NumberText)},
+                              {isF ? "F" : "Wald chi²", TextsOf(statistics, data.numbers)},
                               {"df", WholeTexts(df)}},
                              {}};
     if (isF)
         section.table.push_back({"residual df", WholeTexts(residualDf)});
     section.table.push_back({"p", TextsOf(data.output.GetEffectTestSig(), PValueText)});
-    section.table.push_back({"GVIF", TextsOf(inflation, NumberText)});
-    section.table.push_back({"GVIF^(1/2df)", TextsOf(PerDegreeOfFreedom(inflation, df), NumberText)});
+    section.table.push_back({"GVIF", TextsOf(inflation, data.numbers)});
+    section.table.push_back({"GVIF^(1/2df)", TextsOf(PerDegreeOfFreedom(inflation, df), data.numbers)});
     section.sentences.push_back("GVIF: generalized variance inflation (Fox and Monette 1992) under the "
                                 "weights of the fit; 1 where the "
                                 "effect is not correlated with the others.");

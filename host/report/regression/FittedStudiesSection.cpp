@@ -32,7 +32,7 @@ ReportSections FittedStudiesSection(const RegressionData& data)
               {IntervalHeader("Fitted", data.level), EstimateTexts(fitted, data.decimals)},
               data.EffectColumn("Residual", residuals),
               data.EffectColumn("SE", stdErrors),
-              {"Leverage", TextsOf(leverages, NumberText)}},
+              {"Leverage", TextsOf(leverages, data.numbers)}},
              {}}};
 }
 

@@ -15,9 +15,9 @@ std::string JointSentence(const RegressionData& data)
     const int df = output.GetHypothesisJointDf();
     const std::string test =
         output.GetHypothesisJointDf2() != 0
-            ? fmt::format("F {}, df {} and {}", NumberText(output.GetHypothesisJointVal()), df,
+            ? fmt::format("F {}, df {} and {}", data.numbers(output.GetHypothesisJointVal()), df,
                           output.GetHypothesisJointDf2())
-            : fmt::format("chi² {}, df {}", NumberText(output.GetHypothesisJointVal()), df);
+            : fmt::format("chi² {}, df {}", data.numbers(output.GetHypothesisJointVal()), df);
     const bool areDependent = static_cast<std::size_t>(df) < output.GetHypothesisVal().size();
     return fmt::format("All together: {}, p {}.{}", test, PValueText(output.GetHypothesisJointSig()),
                        areDependent ? " Some follow from others and add no degree of freedom." : "");
@@ -36,7 +36,7 @@ ReportSections HypothesesSection(const RegressionData& data)
              {{"Weights=value", texts, true},
               data.EffectColumn("Estimate", data.output.GetHypothesisEstimate()),
               data.EffectColumn("SE", data.output.GetHypothesisStdError()),
-              {data.Statistic(), TextsOf(data.output.GetHypothesisVal(), NumberText)},
+              {data.Statistic(), TextsOf(data.output.GetHypothesisVal(), data.numbers)},
               {"p", TextsOf(data.output.GetHypothesisSig(), PValueText)}},
              {JointSentence(data)}}};
 }

@@ -10,12 +10,12 @@ ReportSections ModelTestSection(const RegressionData& data)
         return {};
     if (isF)
         return {{"Model test",
-                 {Cell("F", NumberText(statistic)), Cell("df", std::to_string(data.output.GetFDf1())),
+                 {Cell("F", data.numbers(statistic)), Cell("df", std::to_string(data.output.GetFDf1())),
                   Cell("residual df", std::to_string(data.output.GetFDf2())),
                   Cell("p", PValueText(data.output.GetFPValue()))},
                  {}}};
     return {{"Model test",
-             {Cell("Wald chi²", NumberText(statistic)), Cell("df", std::to_string(data.output.GetWaldDf())),
+             {Cell("Wald chi²", data.numbers(statistic)), Cell("df", std::to_string(data.output.GetWaldDf())),
               Cell("p", PValueText(data.output.GetWaldPValue()))},
              {}}};
 }

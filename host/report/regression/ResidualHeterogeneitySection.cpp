@@ -4,9 +4,9 @@ namespace host {
 
 namespace {
 
-std::string PercentText(double fraction)
+std::string PercentText(const RegressionData& data, double fraction)
 {
-    return FixedText(InPercent({fraction}).front(), 2);
+    return FixedText(InPercent({fraction}).front(), data.numbers.PercentDecimals(2));
 }
 
 } // namespace
@@ -14,14 +14,14 @@ std::string PercentText(double fraction)
 ReportSections ResidualHeterogeneitySection(const RegressionData& data)
 {
     ReportSection section = {"Residual heterogeneity",
-                             {Cell("Q", NumberText(data.output.GetResHomoChiSqure())),
+                             {Cell("Q", data.numbers(data.output.GetResHomoChiSqure())),
                               Cell("df", FixedText(data.output.GetResHomoDf(), 0)),
                               Cell("p", PValueText(data.output.GetResHomoPValue()))},
                              {}};
-    section.table.push_back(Cell("I² %", PercentText(data.output.GetIresSquare())));
-    section.table.push_back(Cell("H²", NumberText(data.output.GetHresSquare())));
+    section.table.push_back(Cell("I² %", PercentText(data, data.output.GetIresSquare())));
+    section.table.push_back(Cell("H²", data.numbers(data.output.GetHresSquare())));
     if (data.isRandom)
-        section.table.push_back(Cell("R² %", PercentText(data.output.GetRSquare())));
+        section.table.push_back(Cell("R² %", PercentText(data, data.output.GetRSquare())));
     return {section};
 }
 

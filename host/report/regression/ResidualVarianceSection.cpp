@@ -13,15 +13,14 @@ ReportSections ResidualVarianceSection(const RegressionData& data)
     const Estimates tau2 = {
         {data.output.GetTau()}, {data.output.GetTau2CILower()}, {data.output.GetTau2CIUpper()}};
     const Estimates tau = {SquareRoots(tau2.values), SquareRoots(tau2.lower), SquareRoots(tau2.upper)};
-    ReportSection section = {
-        "Residual variance between studies",
-        {EstimateColumn("tau²", data.level, tau2), EstimateColumn("tau", data.level, tau)},
-        {}};
+    ReportSection section = {"Residual variance between studies",
+                             {EstimateColumn("tau²", data, tau2), EstimateColumn("tau", data, tau)},
+                             {}};
     if (HasAnyValue({data.output.GetLogLikelihood()})) {
-        section.table.push_back(Cell("log-likelihood", NumberText(data.output.GetLogLikelihood())));
-        section.table.push_back(Cell("AIC", NumberText(data.output.GetAIC())));
-        section.table.push_back(Cell("BIC", NumberText(data.output.GetBIC())));
-        section.table.push_back(Cell("AICc", NumberText(data.output.GetAICc())));
+        section.table.push_back(Cell("log-likelihood", data.numbers(data.output.GetLogLikelihood())));
+        section.table.push_back(Cell("AIC", data.numbers(data.output.GetAIC())));
+        section.table.push_back(Cell("BIC", data.numbers(data.output.GetBIC())));
+        section.table.push_back(Cell("AICc", data.numbers(data.output.GetAICc())));
     }
     const MAConst::TAU2INTERVAL method = data.request.settings.GetTau2Interval();
     if (HasAnyValue(tau2.upper))
@@ -29,8 +28,6 @@ ReportSections ResidualVarianceSection(const RegressionData& data)
             fmt::format("The intervals are {} intervals.", WordingOfTau2Interval(method)));
     if (method == MAConst::TAU2_INTERVAL_Q_PROFILE && tau2.upper.front() == 0)
         section.sentences.emplace_back(EMPTY_Q_PROFILE);
-    if (const std::string doubt = WordingOfDoubtfulEnd(data.output.GetTau2Convergence()); !doubt.empty())
-        section.sentences.push_back(doubt + '.');
     return {section};
 }
 

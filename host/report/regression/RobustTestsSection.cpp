@@ -48,8 +48,8 @@ ReportSections RobustTestsSection(const RegressionData& data)
          data.EffectColumn("Robust SE", output.GetRobustStdError()),
          {IntervalHeader("Interval", data.level),
           EstimateTexts({{}, output.GetRobustCILower(), output.GetRobustCIUpper()}, data.decimals)},
-         {"t", TextsOf(output.GetRobustVal(), NumberText)},
-         {"df", TextsOf(output.GetRobustDf(), NumberText)},
+         {"t", TextsOf(output.GetRobustVal(), data.numbers)},
+         {"df", TextsOf(output.GetRobustDf(), data.numbers)},
          {"p", TextsOf(output.GetRobustSig(), PValueText)}},
         {fmt::format("{} clusters; {}.", output.GetRobustClusters(),
                      SandwichWording(data.request.settings.GetSandwich()))}};

@@ -4,8 +4,6 @@
 
 #include <fmt/format.h>
 
-#include <algorithm>
-
 using namespace MA_NAMESPACE;
 
 namespace host {
@@ -15,12 +13,7 @@ namespace {
 /// Explains the weights of the test where they differ from what the pooled effects suggest.
 std::vector<std::string> BetweenGroupsSentences(const AnalysisData& data)
 {
-    const std::vector<int> sizes = data.base.GetGroupN();
-    const bool hasSingle = std::find(sizes.begin(), sizes.end(), 1) != sizes.end();
     std::vector<std::string> sentences;
-    if (hasSingle && IsRandom(data.settings) && !data.settings.GetCommonTau2())
-        sentences.push_back("A group of one study has no between-study variance of its own: it enters this "
-                            "test with its within-study variance alone, and so with a large weight.");
     if (PoolsTables(data.settings))
         sentences.push_back("This test weighs the studies by the inverse of their variance, unlike the "
                             "pooled effects above, whose differences it need not match.");
@@ -32,9 +25,9 @@ ReportSection MeansTestSection(const AnalysisData& data)
 {
     const MABaseModel& base = data.base;
     ReportSection section = {"Test of the groups' means after Knapp and Hartung", {}, {}};
-    section.table.push_back({"F", {NumberText(base.GetGDQbF())}});
+    section.table.push_back({"F", {data.numbers(base.GetGDQbF())}});
     section.table.push_back({"df", {fmt::format("{:g}", base.GetGDQbFDf1())}});
-    section.table.push_back({"residual df", {NumberText(base.GetGDQbFDf2())}});
+    section.table.push_back({"residual df", {data.numbers(base.GetGDQbFDf2())}});
     section.table.push_back({"p", {PValueText(base.GetGDQbFSig())}});
     section.sentences.emplace_back(data.settings.GetCommonTau2()
                                        ? "The model test of the meta-regression with the groups as a factor."
@@ -50,7 +43,7 @@ ReportSections BetweenGroupsSection(const AnalysisData& data)
     if (base.GetGDQbDf() == 0)
         return {};
     ReportSection section = {"Heterogeneity between the groups", {}, {}};
-    section.table.push_back({"Q", {NumberText(base.GetGDQbVal())}});
+    section.table.push_back({"Q", {data.numbers(base.GetGDQbVal())}});
     section.table.push_back({"df", {std::to_string(base.GetGDQbDf())}});
     section.table.push_back({"p", {PValueText(base.GetGDQbSig())}});
     section.sentences = BetweenGroupsSentences(data);

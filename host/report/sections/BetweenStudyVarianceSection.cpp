@@ -34,15 +34,6 @@ void AppendIntervalSentences(ReportSection& section, const AnalysisData& data)
             section.sentences.push_back(Opening(labels, i) + EMPTY_Q_PROFILE);
 }
 
-void AppendDoubtfulEnds(ReportSection& section, const AnalysisData& data)
-{
-    const std::vector<double> convergence = data.base.GetTau2Convergence();
-    const std::vector<std::string> labels = data.RowLabels(convergence.size());
-    for (std::size_t i = 0; i < convergence.size(); ++i)
-        if (const std::string doubt = WordingOfDoubtfulEnd(convergence[i]); !doubt.empty())
-            section.sentences.push_back(Opening(labels, i) + doubt + '.');
-}
-
 } // namespace
 
 ReportSections BetweenStudyVarianceSection(const AnalysisData& data)
@@ -53,18 +44,17 @@ ReportSections BetweenStudyVarianceSection(const AnalysisData& data)
         return {};
     ReportSection section = {
         "Variance between studies", {{"", data.RowLabels(tau2.values.size()), true}}, {}};
-    section.table.push_back(EstimateColumn("tau²", data.level, tau2));
+    section.table.push_back(EstimateColumn("tau²", data, tau2));
     section.table.push_back(EstimateColumn(
-        "tau", data.level, {SquareRoots(tau2.values), SquareRoots(tau2.lower), SquareRoots(tau2.upper)}));
+        "tau", data, {SquareRoots(tau2.values), SquareRoots(tau2.lower), SquareRoots(tau2.upper)}));
     if (HasAnyValue(base.GetLogLikelihood())) {
-        section.table.push_back({"log-likelihood", TextsOf(base.GetLogLikelihood(), NumberText)});
-        section.table.push_back({"AIC", TextsOf(base.GetAIC(), NumberText)});
+        section.table.push_back({"log-likelihood", TextsOf(base.GetLogLikelihood(), data.numbers)});
+        section.table.push_back({"AIC", TextsOf(base.GetAIC(), data.numbers)});
     }
     if (data.settings.GetCommonTau2() && !data.groupLabels.empty())
         section.sentences.emplace_back("The groups share one tau², that of the model with the groups as a "
                                        "factor, and with it all of these figures.");
     AppendIntervalSentences(section, data);
-    AppendDoubtfulEnds(section, data);
     return {section};
 }
 

@@ -35,8 +35,8 @@ ReportSections BubblePlotsSection(const AnalysisData& data)
     Texts counts;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         const bool isFitted = !lines[i].empty();
-        intercepts.push_back(isFitted ? NumberText(lines[i].front()) : NO_VALUE);
-        slopes.push_back(isFitted ? NumberText(lines[i].back()) : NO_VALUE);
+        intercepts.push_back(isFitted ? data.numbers(lines[i].front()) : NO_VALUE);
+        slopes.push_back(isFitted ? data.numbers(lines[i].back()) : NO_VALUE);
         counts.push_back(isFitted ? std::to_string(CountOfValues(x[i])) : NO_VALUE);
     }
     ReportSection section = {

@@ -12,12 +12,12 @@ namespace {
 
 ReportColumn I2Column(const AnalysisData& data)
 {
-    constexpr int decimals = 2;
+    const int decimals = data.numbers.PercentDecimals(2);
     const Estimates percent = {InPercent(data.base.GetI2Index()), InPercent(data.base.GetI2CILower()),
                                InPercent(data.base.GetI2CIUpper())};
     if (HasAnyValue(percent.lower))
         return {data.IntervalHeader("I² %"), EstimateTexts(percent, decimals)};
-    return {"I² %", TextsOf(percent.values, [](double value) { return FixedText(value, decimals); })};
+    return {"I² %", TextsOf(percent.values, [decimals](double value) { return FixedText(value, decimals); })};
 }
 
 /// Whether a fixed-effect model has an I² interval [0, 0], which follows when Q is far below its degrees of
@@ -39,11 +39,11 @@ ReportSections HeterogeneitySection(const AnalysisData& data)
     ReportSection section = {
         "Heterogeneity",
         {{"", data.RowLabels(q.size()), true},
-         {"Q", TextsOf(q, NumberText)},
+         {"Q", TextsOf(q, data.numbers)},
          {"df", TextsOf(base.GetHomoTestdf(), asCount)},
          {"p", TextsOf(base.GetHomoTestSig(), PValueText)},
          I2Column(data),
-         EstimateColumn("H²", data.level, {base.GetH2Index(), base.GetH2CILower(), base.GetH2CIUpper()})},
+         EstimateColumn("H²", data, {base.GetH2Index(), base.GetH2CILower(), base.GetH2CIUpper()})},
         {}};
     if (HasI2WithoutWidth(base))
         section.sentences.push_back(

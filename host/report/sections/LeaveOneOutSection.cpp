@@ -1,27 +1,10 @@
-#include "host/report/EffectRows.h"
+#include "host/report/LeaveOneOutRows.h"
 #include "host/report/Sections.h"
 #include "host/text/NumberText.h"
 
 using namespace MA_NAMESPACE;
 
 namespace host {
-
-namespace {
-
-EffectRows LeaveOneOutRows(const AnalysisData& data)
-{
-    const MABaseModel& base = data.base;
-    EffectRows rows = {.effects = {base.GetLeaveOneOutEffectSize(), base.GetLeaveOneOutCILower(),
-                                   base.GetLeaveOneOutCIUpper()},
-                       .stdErrors = base.GetLeaveOneOutStdError(),
-                       .statistics = base.GetLeaveOneOutZVal(),
-                       .significances = base.GetLeaveOneOutSig()};
-    if (data.natural)
-        rows.naturals = data.natural->leaveOneOut;
-    return rows;
-}
-
-} // namespace
 
 ReportSections LeaveOneOutSection(const AnalysisData& data)
 {
@@ -32,10 +15,11 @@ ReportSections LeaveOneOutSection(const AnalysisData& data)
         "Leave-one-out", {{"Without", data.StudyLabelsOf(data.base.GetNonMissingStudyID()), true}}, {}};
     AppendEffects(section.table, rows, HeadersOf(data.measure), data);
     if (data.settings.GetModelType() != MAConst::MODEL_FIXED)
-        section.table.push_back({"tau²", TextsOf(data.base.GetLeaveOneOutTau2Var(), NumberText)});
-    section.table.push_back({"Q", TextsOf(data.base.GetLeaveOneOutChisquareQ(), NumberText)});
-    section.table.push_back({"I² %", TextsOf(InPercent(data.base.GetLeaveOneOutI2Index()),
-                                             [](double share) { return FixedText(share, 1); })});
+        section.table.push_back({"tau²", TextsOf(data.base.GetLeaveOneOutTau2Var(), data.numbers)});
+    section.table.push_back({"Q", TextsOf(data.base.GetLeaveOneOutChisquareQ(), data.numbers)});
+    section.table.push_back({"I² %", TextsOf(InPercent(data.base.GetLeaveOneOutI2Index()), [&](double share) {
+                                 return FixedText(share, data.numbers.PercentDecimals(1));
+                             })});
     section.sentences = {"Each row is the model of all studies but the one it names."};
     return {section};
 }

@@ -38,7 +38,8 @@ ReportSections PredictionIntervalSection(const AnalysisData& data)
         return {};
     ReportSection section = {TitleOfPrediction(data), {{"", data.RowLabels(effects.lower.size()), true}}, {}};
     if (data.natural)
-        section.table.push_back({data.measure.symbol, EstimateTexts(data.natural->predictions)});
+        section.table.push_back(
+            {data.measure.symbol, EstimateTexts(data.natural->predictions, data.numbers)});
     section.table.push_back({data.measure.AnalysisSymbol(), EstimateTexts(effects, data.decimals)});
     AppendProbability(section, data);
     return {section};

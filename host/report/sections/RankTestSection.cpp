@@ -38,7 +38,7 @@ ReportSections RankTestSection(const AnalysisData& data)
                  {},
                  {"It could not be computed: all effects or all variances are equal, or too large."}}};
     ReportSection section = {"Rank correlation test", {}, {SentenceOf(data)}};
-    section.table.push_back({"Kendall's tau", {NumberText(tau)}});
+    section.table.push_back({"Kendall's tau", {data.numbers(tau)}});
     section.table.push_back({"p (normal)", {PValueText(base.GetRankTestSig())}});
     section.table.push_back({"p (exact)", {PValueText(base.GetRankTestExactSig())}});
     return {section};

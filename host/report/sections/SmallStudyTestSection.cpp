@@ -98,9 +98,9 @@ ReportSection SlopeSection(const AnalysisData& data)
     ReportSection section = {
         fmt::format("Small-study test ({})", RowOf(SMALL_STUDY_TESTS, TypeOfTest(data)).description),
         {{"", data.RowLabels(rows.effects.values.size()), true},
-         {data.IntervalHeader("Slope"), EstimateTexts(rows.effects)},
-         {"SE", TextsOf(rows.stdErrors, NumberText)},
-         {"t", TextsOf(rows.statistics, NumberText)},
+         {data.IntervalHeader("Slope"), EstimateTexts(rows.effects, data.numbers)},
+         {"SE", TextsOf(rows.stdErrors, data.numbers)},
+         {"t", TextsOf(rows.statistics, data.numbers)},
          {"p", TextsOf(rows.significances, PValueText)}},
         SlopeSentences(data)};
     return section;

@@ -11,7 +11,7 @@ namespace host {
 
 namespace {
 
-/// The group of each record.
+/// The group of each record; none of a study that is in no group.
 std::vector<std::string> GroupsOf(const std::vector<int>& records, const AnalysisData& data)
 {
     const std::vector<std::vector<int>> members = data.base.GetSubGroupStudyID();
@@ -22,7 +22,7 @@ std::vector<std::string> GroupsOf(const std::vector<int>& records, const Analysi
     std::vector<std::string> labels;
     labels.reserve(records.size());
     for (const int record : records)
-        labels.push_back(data.groupLabels[groups.at(record)]);
+        labels.push_back(groups.contains(record) ? data.groupLabels[groups[record]] : NO_VALUE);
     return labels;
 }
 
@@ -35,8 +35,10 @@ ReportSections StudiesSection(const AnalysisData& data)
     if (!data.groupLabels.empty())
         section.table.push_back({LabelText(data.request.subgroup.column), GroupsOf(records, data), true});
     AppendEffects(section.table, StudyRows(data), HeadersOf(data.measure), data);
-    section.table.push_back({"Weight %", TextsOf(InPercent(data.base.GetNormalizedWeight()),
-                                                 [](double weight) { return FixedText(weight, 2); })});
+    section.table.push_back(
+        {"Weight %", TextsOf(InPercent(data.base.GetNormalizedWeight()), [&](double weight) {
+             return FixedText(weight, data.numbers.PercentDecimals(2));
+         })});
     if (const std::string correction = WordingOfStudyCorrection(data); !correction.empty())
         section.sentences.push_back(correction);
     return {section};

@@ -4,6 +4,7 @@
 #include "meta_analysis/effectsize/MAPoolable.h"
 #include "meta_analysis/platform/common/VectorRecordIter.h"
 #include "meta_analysis/regression/MAFEAlgorithm.h"
+#include "meta_analysis/regression/MAPredictedEffect.h"
 #include "meta_analysis/regression/MAREAlgorithm.h"
 #include "meta_analysis/regression/MARegOutputStats.h"
 #include "meta_analysis/settings/MAEstimators.h"
@@ -34,16 +35,35 @@ struct Band
     double upper = KXMV::Missing();
 };
 
+/// A record of the regression without a study.
+Record CovariateAt(double x)
+{
+    return Record({KXMV::Missing(), KXMV::Missing(), x});
+}
+
 template <class Engine>
 Band BandAt(const Engine& engine, double x)
 {
     Band band;
     double unused = 0.0;
-    const Record record({KXMV::Missing(), KXMV::Missing(), x});
     const KXStatus scored =
-        engine.Score(record, band.fit, unused, band.lower, band.upper, unused, unused, unused);
+        engine.Score(CovariateAt(x), band.fit, unused, band.lower, band.upper, unused, unused, unused);
     RequireMemory(scored);
     return band;
+}
+
+/// The covariate is the last parameter.
+void DescribeSlope(const MARegOutputStats& output, MABubbleRows& rows)
+{
+    const auto last = [](const std::vector<double>& column) {
+        RequireMemory(!column.empty());
+        return column.back();
+    };
+    rows.slopeStdError = last(output.GetBetaStandErr());
+    rows.slopeStatistic = last(output.GetBetaTest());
+    rows.slopeSig = last(output.GetBetaTestPValue());
+    rows.slopeCILower = last(output.GetBetaConfInterValLower());
+    rows.slopeCIUpper = last(output.GetBetaConfInterValUpper());
 }
 
 } // namespace
@@ -55,10 +75,9 @@ struct MABubblePlot::Study
     double variance;
     double x;
 
-    bool IsUsable() const
-    {
-        return IsPoolable(effectSize, variance) && std::isfinite(x) && !KXMV::IsMissing(x);
-    }
+    bool HasEffect() const { return IsPoolable(effectSize, variance); }
+    bool HasCovariate() const { return std::isfinite(x) && !KXMV::IsMissing(x); }
+    bool IsUsable() const { return HasEffect() && HasCovariate(); }
 };
 
 MABubblePlot::MABubblePlot(const MARegSettings& settings, const KXVarList& variables)
@@ -88,9 +107,12 @@ KXStatus MABubblePlot::ComputeRows(MultiPassRecordIter& records, int covariate)
         return started;
     std::vector<Study> studies;
     int recordCount = 0;
-    const KXStatus read = ReadPass(records, recordCount, [&](const Record& record, int) {
-        studies.push_back({ReadStudyValue(record, effectSizeIndex_), ReadStudyValue(record, varianceIndex_),
-                           ReadStudyValue(record, covariate)});
+    const KXStatus read = ReadPass(records, recordCount, [&](const Record& record, int recordNumber) {
+        const Study study = {ReadStudyValue(record, effectSizeIndex_), ReadStudyValue(record, varianceIndex_),
+                             ReadStudyValue(record, covariate)};
+        if (study.HasEffect() && !study.HasCovariate())
+            rows_.leftOut.push_back(recordNumber);
+        studies.push_back(study);
     });
     if (read.IsError())
         return read;
@@ -165,6 +187,7 @@ KXStatus MABubblePlot::Fit(const std::vector<Study>& studies)
         return KXStatus();
     rows_.fitted = 1;
     rows_.coefficients = coefficients;
+    DescribeSlope(output, rows_);
     DescribeStudies(engine, studies, output.GetTau());
     DrawCurve(engine);
     return KXStatus();
@@ -204,6 +227,10 @@ void MABubblePlot::DrawCurve(const Engine& engine)
         rows_.curveX.push_back(point);
         rows_.curveLower.push_back(band.lower);
         rows_.curveUpper.push_back(band.upper);
+        MAPredictedEffect predicted;
+        RequireMemory(engine.PredictEffect(CovariateAt(point), predicted));
+        rows_.curvePILower.push_back(predicted.piLower);
+        rows_.curvePIUpper.push_back(predicted.piUpper);
     }
 }
 

@@ -57,10 +57,11 @@ MACumulative AnalyseCumulatively(const MAStudies& studies, const std::vector<MAS
             return result;
         result.groups.push_back(std::move(group));
     }
-    if (groups.size() == 1)
-        result.weights = WeightsInStudyOrder(studies, result.groups.front());
-    if (groups.size() < 2)
+    if (groups.size() < 2 && !studies.HasUngrouped()) {
+        if (!groups.empty())
+            result.weights = WeightsInStudyOrder(studies, result.groups.front());
         return result;
+    }
     MAPooledStudies overall = Pool(studies, choice);
     result.status = overall.model.status;
     if (!result.status.IsError()) {

@@ -13,7 +13,8 @@ struct MACumulativeGroup
     MAPooledStudies whole;          ///< the model of all of them, with its heterogeneity
 };
 
-/// The cumulative analysis of each group, and with two or more groups the model of all studies. After an
+/// The cumulative analysis of each group, and the model of all studies with two or more groups, or when a
+/// study is in no group. After an
 /// error, which is that of the first model that failed, the groups before it.
 struct MACumulative
 {

@@ -62,7 +62,11 @@ MASubgroups PoolTogether(const MAStudies& studies, const std::vector<MASelection
 
 std::vector<double> GroupValuesOf(const MAStudies& studies)
 {
-    std::vector<double> values = studies.groupValue;
+    std::vector<double> values;
+    values.reserve(studies.groupValue.size());
+    for (std::size_t study = 0; study < studies.groupValue.size(); ++study)
+        if (studies.IsGrouped(study))
+            values.push_back(studies.groupValue[study]);
     std::sort(values.begin(), values.end());
     values.erase(std::unique(values.begin(), values.end()), values.end());
     return values;
@@ -78,7 +82,7 @@ std::vector<MASelection> MembersByGroup(const MAStudies& studies, const std::vec
     for (std::size_t study = 0; study < count; ++study) {
         const double value = studies.groupValue[study];
         const auto group = std::lower_bound(groupValues.begin(), groupValues.end(), value);
-        if (group != groupValues.end() && *group == value)
+        if (group != groupValues.end() && *group == value && studies.IsGrouped(study))
             members[static_cast<std::size_t>(group - groupValues.begin())].push_back(study);
     }
     return members;

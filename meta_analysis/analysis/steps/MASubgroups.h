@@ -8,10 +8,11 @@
 
 namespace MA_NAMESPACE {
 
-/// Distinct values of the studies' subgroup variable, ascending.
+/// Distinct values of the grouped studies' subgroup variable, ascending.
 std::vector<double> GroupValuesOf(const MAStudies& studies);
 
-/// The studies of each group value, in study order. A study whose value is none of them is in no group.
+/// The studies of each group value, in study order. A study whose value is none of them, or
+/// that is not grouped, is in no group.
 std::vector<MASelection> MembersByGroup(const MAStudies& studies, const std::vector<double>& groupValues);
 
 /// Test of heterogeneity between groups.

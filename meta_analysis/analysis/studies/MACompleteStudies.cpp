@@ -48,35 +48,64 @@ public:
     explicit StudyRoles(const MAModelSettings& settings)
         : groupIndex_(settings.GetSubGroupIndex()),
           cumulativeIndex_(settings.GetCummulativeIndex()),
-          contrastIndices_(settings.GetContrastCoefIndex())
+          contrastIndices_(settings.GetContrastCoefIndex()),
+          omitsMissingGroup_(groupIndex_ != -1 && settings.GetOmitMissingSubgroup()),
+          omitsMissingCumulative_(cumulativeIndex_ != -1 && settings.GetOmitMissingCumulative())
     {}
 
-    void Clear(MAStudies& studies) const
+    void Clear(MAStudies& studies, MARecordCounts& counts) const
     {
         studies.groupValue.clear();
         studies.cumulativeValue.clear();
+        studies.isGrouped.clear();
         studies.contrastCoefficients.assign(contrastIndices_.size(), {});
+        counts.withoutSubgroup.clear();
+        counts.withoutCumulative.clear();
     }
 
     /// Contrast coefficients are taken as they are: a NaN among them is a non-zero coefficient.
-    void Append(const Record& record, MAStudies& studies) const
+    void Append(const Record& record, int recordNumber, MAReading& reading) const
     {
+        MAStudies& studies = reading.studies;
         for (std::size_t i = 0; i < contrastIndices_.size(); ++i)
             studies.contrastCoefficients[i].push_back(record.Get(contrastIndices_[i]));
         studies.groupValue.push_back(groupIndex_ == -1 ? MAConst::overallGroup
                                                        : ReadStudyValue(record, groupIndex_));
         if (cumulativeIndex_ != -1)
             studies.cumulativeValue.push_back(ReadStudyValue(record, cumulativeIndex_));
+        AppendIsGrouped(recordNumber, reading);
     }
 
 private:
+    /// The column begins with the first study that is in no group.
+    void AppendIsGrouped(int recordNumber, MAReading& reading) const
+    {
+        MAStudies& studies = reading.studies;
+        const bool lacksGroup = omitsMissingGroup_ && KXMV::IsMissing(studies.groupValue.back());
+        const bool lacksPlace = omitsMissingCumulative_ && KXMV::IsMissing(studies.cumulativeValue.back());
+        if (lacksGroup)
+            reading.counts.withoutSubgroup.push_back(recordNumber);
+        if (lacksPlace)
+            reading.counts.withoutCumulative.push_back(recordNumber);
+        if (!lacksGroup && !lacksPlace && !studies.HasUngrouped())
+            return;
+        studies.isGrouped.resize(studies.groupValue.size(), true);
+        studies.isGrouped.back() = !lacksGroup && !lacksPlace;
+    }
+
     int groupIndex_;
     int cumulativeIndex_;
     std::vector<int> contrastIndices_;
+    bool omitsMissingGroup_;
+    bool omitsMissingCumulative_;
 };
 
-void CheckContrastCount(const MAModelSettings& settings, MAReading& reading)
+void WarnOfRoles(const MAModelSettings& settings, MAReading& reading)
 {
+    if (!reading.counts.withoutSubgroup.empty())
+        reading.warnings.push_back(MAStatusCode::SUBGROUP_VALUE_MISSING);
+    if (!reading.counts.withoutCumulative.empty())
+        reading.warnings.push_back(MAStatusCode::CUMULATIVE_VALUE_MISSING);
     if (settings.GetInputContrastCoef().size() != static_cast<std::size_t>(reading.counts.records))
         reading.warnings.push_back(MAStatusCode::CONTRAST_COUNT_MISMATCH);
 }
@@ -105,7 +134,7 @@ void ReviewRecord(const Record& record, int recordNumber, const StudyRoles& role
     review.kept[review.next++] = isKept;
     if (isKept) {
         ++review.keptCount;
-        roles.Append(record, studies);
+        roles.Append(record, recordNumber, reading);
     } else {
         reading.counts.Exclude(recordNumber, MAConst::EXCLUSION_NOT_POOLABLE);
     }
@@ -126,15 +155,15 @@ MAReading ReadReadyMadeStudies(MultiPassRecordIter& records, const MAModelSettin
     const double quantile = TwoSidedNormalQuantile(alpha);
     const bool hasConversions = NamesConversions(settings);
     MAReading reading;
-    roles.Clear(reading.studies);
+    roles.Clear(reading.studies, reading.counts);
     reading.status = ReadPass(records, reading.counts.records, [&](const Record& record, int recordNumber) {
         const MAReadyMade study = ReadReadyMade(record, settings);
         Classify(study, recordNumber, quantile, hasConversions, reading);
         if (study.status == MAConst::EXCLUSION_NONE)
-            roles.Append(record, reading.studies);
+            roles.Append(record, recordNumber, reading);
     });
     if (!reading.status.IsError())
-        CheckContrastCount(settings, reading);
+        WarnOfRoles(settings, reading);
     return reading;
 }
 
@@ -143,7 +172,7 @@ MAReading CompleteStudies(MultiPassRecordIter& records, const MAModelSettings& s
     const StudyRoles roles(settings);
     const int computedFrom = computed.counts.records;
     const std::size_t computedCount = computed.studies.recordNumber.size();
-    roles.Clear(computed.studies);
+    roles.Clear(computed.studies, computed.counts);
     computed.studies.groupValue.reserve(computedCount);
     Review review = {std::vector<bool>(computedCount, false)};
     computed.status = ReadPass(records, computed.counts.records, [&](const Record& record, int recordNumber) {
@@ -153,7 +182,7 @@ MAReading CompleteStudies(MultiPassRecordIter& records, const MAModelSettings& s
         computed.counts.records != computedFrom)
         computed.status = KXStatus(MAStatusCode::ITERATOR_FAILED);
     if (computed.status.IsError()) {
-        roles.Clear(computed.studies);
+        roles.Clear(computed.studies, computed.counts);
         return computed;
     }
     if (review.keptCount != computedCount) {
@@ -161,7 +190,7 @@ MAReading CompleteStudies(MultiPassRecordIter& records, const MAModelSettings& s
         SortExclusions(computed.counts.excluded);
         computed.warnings.push_back(MAStatusCode::STUDIES_REMOVED);
     }
-    CheckContrastCount(settings, computed);
+    WarnOfRoles(settings, computed);
     return computed;
 }
 

@@ -34,6 +34,8 @@ struct MARecordCounts
     int dropped = 0;
     std::vector<MAExclusion> excluded; ///< one a missing, invalid or dropped record
     std::vector<MARecordWarning> warnings;
+    std::vector<int> withoutSubgroup;   ///< records of studies that the settings omit from groups
+    std::vector<int> withoutCumulative; ///< and from cumulative steps, for want of a value
 
     void Exclude(int record, MAConst::EXCLUSION reason)
     {

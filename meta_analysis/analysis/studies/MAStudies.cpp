@@ -25,7 +25,7 @@ void MAStudies::Keep(const std::vector<bool>& kept)
 {
     const auto compact = [&](auto&... columns) { (Compact(kept, columns), ...); };
     compact(recordNumber, sampleSize, tables, means, rates, addedToCounts, effectConversions,
-            groupConversions, effectSize, variance, tests, ratios, groupValue, cumulativeValue);
+            groupConversions, effectSize, variance, tests, ratios, groupValue, cumulativeValue, isGrouped);
     for (std::vector<double>& column : contrastCoefficients)
         Compact(kept, column);
     groupOutcomes.clear();

@@ -74,6 +74,9 @@ struct MAStudies
 
     std::vector<double> groupValue; ///< of the subgroup variable; `MAConst::overallGroup` when there is none
     std::vector<double> cumulativeValue;
+    /// Whether a study is in a group, and in the steps of the groups; empty when every study is. One is not
+    /// when it has no value of a variable whose missing values the settings omit.
+    std::vector<bool> isGrouped;
     std::vector<std::vector<double>> contrastCoefficients; ///< one column per contrast
 
     /// Makes room for what is read of the first studies: few meta-analyses have more, and each column then
@@ -81,6 +84,8 @@ struct MAStudies
     static constexpr std::size_t expectedCount = 16;
 
     std::size_t Count() const noexcept { return effectSize.size(); }
+    bool IsGrouped(std::size_t study) const { return isGrouped.empty() || isGrouped[study]; }
+    bool HasUngrouped() const noexcept { return !isGrouped.empty(); }
 
     /// Removes the studies whose entry in `kept` is false from every column that has them. The outcomes of
     /// the groups, which a plot shows for all studies or not at all, go altogether.

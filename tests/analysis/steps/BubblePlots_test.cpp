@@ -106,6 +106,14 @@ TEST(BubblePlots, HaveTheLineOfThePublishedRegression)
         ASSERT_EQ(model.GetBubbleFlags(), std::vector<int>{1});
         EXPECT_TRUE(Close(model.GetBubbleCoefs()[0], expected["b"].get<Row>(), referenceTolerance));
         ExpectStudiesOnTheLine(model, tau2);
+        const auto ofSlope = [&](const char* name) { return Number(expected[name][1]); };
+        EXPECT_TRUE(Close(model.GetBubbleSlopeStdError()[0], ofSlope("se"), referenceTolerance));
+        EXPECT_TRUE(Close(model.GetBubbleSlopeVal()[0], ofSlope("stat"), referenceTolerance));
+        EXPECT_TRUE(Close(model.GetBubbleSlopeCILower()[0], ofSlope("ci_lower"), referenceTolerance));
+        EXPECT_TRUE(Close(model.GetBubbleSlopeCIUpper()[0], ofSlope("ci_upper"), referenceTolerance));
+        // A p-value is z² times as sensitive as z.
+        const double z = ofSlope("stat");
+        EXPECT_TRUE(Close(model.GetBubbleSlopeSig()[0], ofSlope("p"), z * z * referenceTolerance));
 
         // The adjusted error of the slope is the unadjusted one by the factor that the band has, too.
         const double factor =
@@ -120,6 +128,10 @@ TEST(BubblePlots, HaveTheLineOfThePublishedRegression)
             const double margin = quantile * factor * stdError;
             EXPECT_TRUE(Close(model.GetBubbleCICurveLower()[0][i], value - margin, referenceTolerance));
             EXPECT_TRUE(Close(model.GetBubbleCICurveUpper()[0][i], value + margin, referenceTolerance));
+            const double predicted = std::hypot(margin, quantile * std::sqrt(tau2));
+            EXPECT_TRUE(key == "FE_z" ? Same(model.GetBubblePICurveUpper()[0][i], missing)
+                                      : Close(model.GetBubblePICurveUpper()[0][i], value + predicted,
+                                              referenceTolerance));
         }
     }
 }

@@ -1,0 +1,447 @@
+#include "host/report/CautionWording.h"
+#include "host/report/Cautions.h"
+#include "host/report/ModelRows.h"
+#include "host/report/ZeroCellSentences.h"
+#include "host/text/Wording.h"
+
+#include <fmt/format.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+constexpr std::size_t FEW_FOR_TAU2 = 5;
+/// For a normal interval of random effects, groups, and tests of asymmetry.
+constexpr std::size_t FEW_STUDIES = 10;
+
+/// An analysis, and its models, which most rules go through.
+struct Subject
+{
+    const AnalysisData& data;
+    std::vector<ModelRow> models;
+
+    std::size_t StudyCount() const { return models.back().studies.size(); }
+    /// Whether tau² of the model is its own.
+    bool HasOwnTau2(const ModelRow& model) const
+    {
+        return IsRandom(data.settings) && model.studies.size() > 1 && HasValue(model.tau2) &&
+               (model.isOverall || !data.settings.GetCommonTau2());
+    }
+    std::string Percent(double fraction) const
+    {
+        return PercentText(fraction, data.numbers.PercentDecimals(1));
+    }
+    std::string Interval(double lower, double upper) const
+    {
+        return fmt::format("[{}, {}]", data.EffectText(lower), data.EffectText(upper));
+    }
+};
+
+/// What the models of which the condition holds are described by, then the explanation; empty without any.
+template <class Condition, class Description>
+std::string OfModels(const Subject& subject, const Condition& holds, const Description& describe,
+                     const std::string& explanation)
+{
+    std::vector<std::string> texts;
+    for (const ModelRow& model : subject.models)
+        if (holds(model))
+            texts.push_back((model.label.empty() ? "" : model.label + ": ") + describe(model));
+    return texts.empty() ? "" : fmt::format("{}: {}", Listed(texts), explanation);
+}
+
+std::string CountText(const ModelRow& model)
+{
+    return CountOfStudies(model.studies.size());
+}
+
+std::string UnfinishedScoring(const Subject& subject)
+{
+    return OfModels(
+        subject, [](const ModelRow& model) { return !WordingOfDoubtfulEnd(model.tau2Convergence).empty(); },
+        [&](const ModelRow& model) {
+            return fmt::format("tau² {}: {}", subject.data.numbers(model.tau2),
+                               WordingOfDoubtfulEnd(model.tau2Convergence));
+        },
+        "it is not the estimate, and all that rests on it is provisional; --tau2-search global finds the "
+        "estimate");
+}
+
+std::string SingleStudy(const Subject& subject)
+{
+    return subject.StudyCount() == 1
+               ? "There is one study: the pooled effect is its own, and nothing shows how effects vary"
+               : "";
+}
+
+std::string FewStudiesForTau2(const Subject& subject)
+{
+    return OfModels(
+        subject,
+        [&](const ModelRow& model) {
+            return subject.HasOwnTau2(model) && model.studies.size() < FEW_FOR_TAU2;
+        },
+        [&](const ModelRow& model) {
+            const std::string upper =
+                model.tau2Upper > 0 ? ", perhaps up to " + subject.data.numbers(model.tau2Upper) : "";
+            return fmt::format("tau² {} from {}{}", subject.data.numbers(model.tau2), CountText(model),
+                               upper);
+        },
+        "so few hardly tell how much the true effects differ, so that weights, standard error and intervals "
+        "are as uncertain");
+}
+
+std::string NormalIntervalOfFew(const Subject& subject)
+{
+    const bool isSettled = subject.data.settings.GetKnapHartAdjustType() != MAConst::KNAPP_HARTUNG_NONE;
+    return OfModels(
+        subject,
+        [&](const ModelRow& model) {
+            return !isSettled && subject.HasOwnTau2(model) && model.tau2 > 0 &&
+                   model.studies.size() < FEW_STUDIES;
+        },
+        CountText,
+        "the interval and the test by the normal distribution take tau² as known, so that the interval is "
+        "too short on average; see --knapp-hartung");
+}
+
+std::string TwoStudiesByT(const Subject& subject)
+{
+    return OfModels(
+        subject, [](const ModelRow& model) { return model.df == 1; },
+        [&](const ModelRow& model) {
+            return fmt::format("{}, interval {}", CountText(model),
+                               subject.Interval(model.ciLower, model.ciUpper));
+        },
+        "Student's t with 1 degree of freedom makes the interval after Knapp and Hartung too wide to tell "
+        "much");
+}
+
+/// Half of the interval by the normal distribution, with tau² as known. The studies' own intervals are by
+/// that distribution, and so have its quantile.
+double ClassicalHalfWidth(const Subject& subject, const ModelRow& model)
+{
+    const std::vector<double> stdErrors = subject.data.base.GetStdError();
+    const double quantile =
+        (subject.data.base.GetCIUpper().front() - subject.data.base.GetCILower().front()) /
+        (2 * stdErrors.front());
+    double sum = 0;
+    for (const std::size_t study : model.studies)
+        sum += 1 / (stdErrors[study] * stdErrors[study] + model.tau2);
+    return quantile / std::sqrt(sum);
+}
+
+std::string ShorterByKnappHartung(const Subject& subject)
+{
+    return OfModels(
+        subject,
+        [&](const ModelRow& model) {
+            return model.df > 0 && HasValue(model.tau2) &&
+                   (model.ciUpper - model.ciLower) / 2 < ClassicalHalfWidth(subject, model) * (1 - 1e-9);
+        },
+        [&](const ModelRow& model) {
+            const double half = ClassicalHalfWidth(subject, model);
+            return fmt::format("{} {} in place of {}", subject.data.measure.AnalysisSymbol(),
+                               subject.Interval(model.ciLower, model.ciUpper),
+                               subject.Interval(model.estimate - half, model.estimate + half));
+        },
+        "the interval after Knapp and Hartung is shorter here than the one by the normal distribution, "
+        "because the effects vary less than their standard errors suggest; --knapp-hartung truncated never "
+        "shortens it");
+}
+
+std::string NoVarianceBetween(const Subject& subject)
+{
+    return OfModels(
+        subject, [&](const ModelRow& model) { return subject.HasOwnTau2(model) && model.tau2 == 0; },
+        [&](const ModelRow& model) {
+            const std::string upper = model.tau2Upper > 0 ? fmt::format(" (interval up to {})",
+                                                                        subject.data.numbers(model.tau2Upper))
+                                                          : std::string();
+            return fmt::format("tau² 0{} from {}", upper, CountText(model));
+        },
+        "the model pools as one of a fixed effect; an estimate of 0 is no proof that the true effects are "
+        "equal");
+}
+
+/// Half of the range of I² or more.
+bool IsWideI2(const ModelRow& model)
+{
+    return HasValue(model.i2Lower) && model.i2Upper - model.i2Lower >= 0.5;
+}
+
+std::string UncertainI2(const Subject& subject)
+{
+    return OfModels(
+        subject, [](const ModelRow& model) { return IsWideI2(model); },
+        [&](const ModelRow& model) {
+            return fmt::format("I² {} [{}, {}]", subject.Percent(model.i2), subject.Percent(model.i2Lower),
+                               subject.Percent(model.i2Upper));
+        },
+        "so wide an interval leaves open whether heterogeneity is slight or considerable");
+}
+
+std::string I2WithoutInterval(const Subject& subject)
+{
+    return OfModels(
+        subject,
+        [](const ModelRow& model) {
+            return HasValue(model.i2) && !HasValue(model.i2Lower) && model.studies.size() > 1 &&
+                   model.studies.size() < FEW_STUDIES;
+        },
+        [&](const ModelRow& model) {
+            return fmt::format("I² {} from {}, without an interval", subject.Percent(model.i2),
+                               CountText(model));
+        },
+        "with fewer than 10 studies I² is biased and varies widely by chance");
+}
+
+std::string FixedEffectOfDifferentStudies(const Subject& subject)
+{
+    return OfModels(
+        subject,
+        [&](const ModelRow& model) {
+            return !IsRandom(subject.data.settings) && model.i2 >= 0.5 && model.qSig < 0.05;
+        },
+        [&](const ModelRow& model) {
+            return fmt::format("Q {} with {:g} df, p {}, I² {}", subject.data.numbers(model.q), model.qDf,
+                               EqualsText(model.qSig), subject.Percent(model.i2));
+        },
+        "the studies differ by more than sampling error, and a fixed effect with its interval does not show "
+        "by how much");
+}
+
+/// The prediction interval on the scale of the report's result.
+std::string PredictionText(const AnalysisData& data, const ModelRow& overall)
+{
+    const double lower = data.natural ? data.natural->predictions.lower.back() : overall.predictionLower;
+    const double upper = data.natural ? data.natural->predictions.upper.back() : overall.predictionUpper;
+    return fmt::format("{} to {}", data.PooledText(lower), data.PooledText(upper));
+}
+
+std::string PredictionOfNoEffect(const Subject& subject)
+{
+    const ModelRow& overall = subject.models.back();
+    const bool excludes = overall.ciLower > 0 || overall.ciUpper < 0;
+    const bool includes = overall.predictionLower < 0 && overall.predictionUpper > 0;
+    if (!subject.data.measure.hasNoEffect || !IsNumber(overall.predictionLower) || !excludes || !includes)
+        return {};
+    return fmt::format(
+        "The confidence interval excludes no effect, the prediction interval, {}, includes it: "
+        "in some settings the true effect may be absent or the opposite",
+        PredictionText(subject.data, overall));
+}
+
+std::string PredictionOfFew(const Subject& subject)
+{
+    return OfModels(
+        subject,
+        [](const ModelRow& model) {
+            return IsNumber(model.predictionLower) && model.studies.size() < FEW_FOR_TAU2;
+        },
+        CountText,
+        "the prediction interval rests on a tau² that is hardly known, and on normally distributed true "
+        "effects, which so few cannot show");
+}
+
+std::string NoPrediction(const Subject& subject)
+{
+    const bool isByStudents = subject.data.settings.GetPrediction() == MAConst::PREDICTION_T_K_MINUS_2;
+    return OfModels(
+        subject,
+        [&](const ModelRow& model) {
+            return isByStudents && IsRandom(subject.data.settings) && model.studies.size() == 2 &&
+                   !HasValue(model.predictionLower);
+        },
+        CountText, "no prediction interval, for Student's t with k - 2 degrees of freedom needs 3");
+}
+
+bool HasTestBetweenGroups(const Subject& subject)
+{
+    return subject.data.base.GetGDQbDf() > 0;
+}
+
+std::string GroupsOfOneStudy(const Subject& subject)
+{
+    if (!HasTestBetweenGroups(subject))
+        return {};
+    const bool isWeighedAlone = IsRandom(subject.data.settings) && !subject.data.settings.GetCommonTau2();
+    std::vector<std::string> labels;
+    for (const ModelRow& model : subject.models)
+        if (!model.isOverall && model.studies.size() == 1)
+            labels.push_back(model.label);
+    if (labels.empty())
+        return {};
+    return fmt::format("{}: a group of one study tells nothing of others like it{}", Listed(labels),
+                       isWeighedAlone
+                           ? "; it has no between-study variance of its own, and enters the test between the "
+                             "groups with its within-study variance alone, and so with a large weight"
+                           : "");
+}
+
+std::string GroupsOfFewStudies(const Subject& subject)
+{
+    if (!HasTestBetweenGroups(subject) || subject.StudyCount() >= FEW_STUDIES)
+        return {};
+    return fmt::format("{} in {} groups: with fewer than 10 studies differences between groups are found or "
+                       "missed by chance",
+                       CountOfStudies(subject.StudyCount()), subject.data.base.GetGDQbDf() + 1);
+}
+
+/// The tests of asymmetry have a warning of the library.
+std::string FillingOfFew(const Subject& subject)
+{
+    if (!subject.data.settings.GetIsTRIMFILL() || subject.StudyCount() >= FEW_STUDIES)
+        return {};
+    return fmt::format("{}: trim-and-fill cannot tell asymmetry from chance with fewer than 10 studies",
+                       CountOfStudies(subject.StudyCount()));
+}
+
+bool IsOddsRatioOfTables(const AnalysisData& data)
+{
+    return IsBinary(data.settings) && data.settings.GetInputESType() == MAConst::INPUT_RAW &&
+           data.settings.GetBinaryEstType() == MAConst::BIN_ODDS_RATIO;
+}
+
+/// A ratio above 2 or below one half.
+bool IsFarFromOne(const ModelRow& model)
+{
+    return std::abs(model.estimate) > std::log(2.0);
+}
+
+std::string TestOfOddsRatios(const Subject& subject)
+{
+    const AnalysisData& data = subject.data;
+    const bool isOnStdError = data.analysis.testStatus &&
+                              data.settings.GetRegBaseTestType() == MAConst::REG_TEST_EFFECT_ON_STD_ERROR;
+    const ModelRow& overall = subject.models.back();
+    if (!isOnStdError || !IsOddsRatioOfTables(data) || !IsFarFromOne(overall))
+        return {};
+    return fmt::format(
+        "Pooled odds ratio {}: the standard error of a log odds ratio depends on the odds ratio "
+        "itself, so that this small-study test finds asymmetry too often; see "
+        "--small-study-test harbord and peters",
+        data.numbers(std::exp(overall.estimate)));
+}
+
+std::string FarPetoOddsRatio(const Subject& subject)
+{
+    const bool isPeto = IsBinary(subject.data.settings) &&
+                        subject.data.settings.GetInputESType() == MAConst::INPUT_RAW &&
+                        subject.data.settings.GetBinaryEstType() == MAConst::BIN_PETO_ODDS_RATIO;
+    return OfModels(
+        subject, [&](const ModelRow& model) { return isPeto && IsFarFromOne(model); },
+        [&](const ModelRow& model) {
+            return "Peto odds ratio " + subject.data.numbers(std::exp(model.estimate));
+        },
+        "Peto's method is biased for odds ratios far from 1, the more so with groups of different sizes");
+}
+
+std::string CorrectedZeros(const Subject& subject)
+{
+    const int count = CorrectedStudies(subject.data);
+    if (PoolsTables(subject.data.settings) || count == 0)
+        return {};
+    return fmt::format("{} of {} studies have a zero-cell correction of {}: pooled by inverse variance, that "
+                       "constant is part of the result; compare --zero-delta, or --weights mantel-haenszel "
+                       "with --model fixed where the measure has it",
+                       count, subject.StudyCount(), subject.data.settings.GetZeroCountDelta());
+}
+
+/// The sizes that the variances 1 / (4n + 2) have.
+std::string BackTransformedSizes(const Subject& subject)
+{
+    const bool isFreemanTukey =
+        IsMeasured(subject.data.settings) &&
+        subject.data.settings.GetOutcomeMeasure() == MAConst::PROPORTION_FREEMAN_TUKEY;
+    if (!isFreemanTukey)
+        return {};
+    const std::vector<double> stdErrors = subject.data.base.GetStdError();
+    const auto [least, most] = std::minmax_element(stdErrors.begin(), stdErrors.end());
+    const auto sizeOf = [](double stdError) { return std::round((1 / (stdError * stdError) - 2) / 4); };
+    if (sizeOf(*least) < 10 * sizeOf(*most))
+        return {};
+    return fmt::format(
+        "Sizes from {:.0f} to {:.0f}: the proportion goes back from the Freeman-Tukey scale by "
+        "one size, the harmonic mean, and can mislead where sizes differ this much; see "
+        "--effect logit",
+        sizeOf(*most), sizeOf(*least));
+}
+
+/// The values that a measure on its natural scale can have.
+struct Range
+{
+    MAConst::OUTCOMEMEASURE measure;
+    const char* name;
+    double least;
+    double most;
+};
+
+constexpr std::array RANGES{Range{MAConst::PROPORTION_RAW, "proportion", 0, 1},
+                            Range{MAConst::RATE_RAW, "rate", 0, HUGE_VAL},
+                            Range{MAConst::CORRELATION_RAW, "correlation", -1, 1}};
+
+std::string ImpossibleLimits(const Subject& subject)
+{
+    if (!IsMeasured(subject.data.settings))
+        return {};
+    const auto range = std::find_if(RANGES.begin(), RANGES.end(), [&](const Range& one) {
+        return one.measure == subject.data.settings.GetOutcomeMeasure();
+    });
+    if (range == RANGES.end())
+        return {};
+    return OfModels(
+        subject,
+        [&](const ModelRow& model) { return model.ciLower < range->least || model.ciUpper > range->most; },
+        [&](const ModelRow& model) { return "interval " + subject.Interval(model.ciLower, model.ciUpper); },
+        fmt::format("no {} is there; a transformed scale keeps to what is possible", range->name));
+}
+
+std::string RepeatedLooks(const Subject& subject)
+{
+    return subject.data.base.GetCumEstES().empty() ? ""
+                                                   : "The intervals and p-values of the cumulative steps are "
+                                                     "not adjusted for looking at the data "
+                                                     "again and again";
+}
+
+constexpr CautionRule<Subject> RULES[] = {
+    {UnfinishedScoring, ""},
+    {SingleStudy, ""},
+    {FewStudiesForTau2, "Cochrane Handbook, chapter 10"},
+    {NormalIntervalOfFew, "IntHout, Ioannidis and Borm 2014"},
+    {TwoStudiesByT, "Röver, Knapp and Friede 2015"},
+    {ShorterByKnappHartung, "Wiksten, Rücker and Schwarzer 2016"},
+    {NoVarianceBetween, "Chung, Rabe-Hesketh and Choi 2013"},
+    {UncertainI2, "Ioannidis, Patsopoulos and Evangelou 2007"},
+    {I2WithoutInterval, "von Hippel 2015"},
+    {FixedEffectOfDifferentStudies, "Borenstein, Hedges, Higgins and Rothstein 2010"},
+    {PredictionOfNoEffect, "IntHout, Ioannidis, Rovers and Goeman 2016"},
+    {PredictionOfFew, "Cochrane Handbook, chapter 10"},
+    {NoPrediction, "Higgins, Thompson and Spiegelhalter 2009"},
+    {GroupsOfOneStudy, ""},
+    {GroupsOfFewStudies, "Cochrane Handbook, chapter 10"},
+    {FillingOfFew, "Sterne et al. 2011"},
+    {TestOfOddsRatios, "Sterne et al. 2011"},
+    {FarPetoOddsRatio, "Greenland and Salvan 1990"},
+    {CorrectedZeros, "Sweeting, Sutton and Lambert 2004"},
+    {BackTransformedSizes, "Schwarzer et al. 2019"},
+    {ImpossibleLimits, ""},
+    {RepeatedLooks, ""},
+};
+
+} // namespace
+
+std::vector<std::string> CautionsOf(const AnalysisData& data)
+{
+    if (data.base.GetNonMissingStudyID().empty())
+        return {};
+    return SentencesOf(RULES, Subject{data, ModelRowsOf(data)});
+}
+
+} // namespace host

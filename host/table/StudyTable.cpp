@@ -1,0 +1,267 @@
+#include "host/table/StudyTable.h"
+
+#include "host/report/EffectRows.h"
+#include "host/report/ModelRows.h"
+#include "host/table/DataColumns.h"
+#include "host/text/PlainText.h"
+
+#include <fmt/format.h>
+
+#include <cstddef>
+#include <utility>
+
+using namespace MA_NAMESPACE;
+
+namespace host {
+
+namespace {
+
+constexpr double NONE = KXMV::Missing();
+
+/// An estimate with its limits.
+struct Effect
+{
+    double value = NONE;
+    double lower = NONE;
+    double upper = NONE;
+};
+
+struct Row
+{
+    enum class Kind
+    {
+        STUDY,
+        POOLED,
+        HETEROGENEITY,
+        PREDICTION
+    };
+
+    Kind kind;
+    std::string label;
+    std::string group = {};
+    std::string type = {};
+    int record = -1; ///< of a study
+    Effect natural = {};
+    Effect effect = {};
+    double stdError = NONE;
+    double weight = NONE; ///< in percent
+    double p = NONE;
+    ModelRow model = {.q = NONE, .qDf = NONE, .qSig = NONE}; ///< of its heterogeneity
+};
+
+using Rows = std::vector<Row>;
+
+Effect EntryOf(const Estimates& estimates, std::size_t entry)
+{
+    const auto at = [entry](const std::vector<double>& values) {
+        return entry < values.size() ? values[entry] : NONE;
+    };
+    return {at(estimates.values), at(estimates.lower), at(estimates.upper)};
+}
+
+/// Makes the rows in the order of the table: each group's studies with what is pooled of them, then all.
+class RowMaker
+{
+public:
+    explicit RowMaker(const AnalysisData& data) : data_(data) {}
+
+    Rows Make() &&
+    {
+        for (std::size_t i = 0; i < models_.size(); ++i) {
+            const ModelRow& model = models_[i];
+            if (!model.isOverall || models_.size() == 1)
+                for (const std::size_t study : model.studies)
+                    AddStudy(study, model);
+            AddPooled(i);
+        }
+        return std::move(rows_);
+    }
+
+private:
+    void AddStudy(std::size_t study, const ModelRow& model)
+    {
+        rows_.push_back({.kind = Row::Kind::STUDY,
+                         .label = labels_[study],
+                         .group = model.label,
+                         .type = "study",
+                         .record = records_[study],
+                         .natural = EntryOf(studies_.naturals, study),
+                         .effect = EntryOf(studies_.effects, study),
+                         .stdError = stdErrors_[study],
+                         .weight = 100 * weights_[study]});
+    }
+
+    void AddPooled(std::size_t i)
+    {
+        const ModelRow& model = models_[i];
+        const std::string name = model.isOverall ? OVERALL : "Pooled";
+        const std::string group = model.isOverall ? "" : model.label;
+        double weight = 0;
+        for (const std::size_t study : model.studies)
+            weight += 100 * weights_[study];
+        rows_.push_back({.kind = Row::Kind::POOLED,
+                         .label = name,
+                         .group = group,
+                         .type = model.isOverall ? "overall" : "group",
+                         .natural = EntryOf(pooled_.naturals, i),
+                         .effect = EntryOf(pooled_.effects, i),
+                         .stdError = pooled_.stdErrors[i],
+                         .weight = weight,
+                         .p = pooled_.significances[i]});
+        if (const Effect prediction = EntryOf(predictions_, i); HasValue(prediction.lower))
+            rows_.push_back({.kind = Row::Kind::PREDICTION,
+                             .label = data_.level + " prediction interval",
+                             .group = group,
+                             .type = "prediction interval",
+                             .natural = data_.natural ? EntryOf(data_.natural->predictions, i) : Effect(),
+                             .effect = prediction});
+        if (HasValue(model.q))
+            rows_.push_back({.kind = Row::Kind::HETEROGENEITY,
+                             .label = "Heterogeneity",
+                             .group = group,
+                             .type = "heterogeneity",
+                             .model = model});
+    }
+
+    const AnalysisData& data_;
+    const std::vector<ModelRow> models_ = ModelRowsOf(data_);
+    const std::vector<int> records_ = data_.base.GetNonMissingStudyID();
+    const std::vector<std::string> labels_ = data_.StudyLabelsOf(records_);
+    const std::vector<double> weights_ = data_.base.GetNormalizedWeight();
+    const std::vector<double> stdErrors_ = data_.base.GetStdError();
+    const EffectRows studies_ = StudyRows(data_);
+    const EffectRows pooled_ = PooledRows(data_);
+    const Estimates predictions_ = {{}, data_.base.GetPILower(), data_.base.GetPIUpper()};
+    Rows rows_;
+};
+
+/// A column of each row's `value`.
+template <class Value>
+std::vector<double> ColumnOf(const Rows& rows, const Value& value)
+{
+    std::vector<double> column;
+    column.reserve(rows.size());
+    for (const Row& row : rows)
+        column.push_back(value(row));
+    return column;
+}
+
+template <class Text>
+std::vector<std::string> TextColumnOf(const Rows& rows, const Text& text)
+{
+    std::vector<std::string> column;
+    column.reserve(rows.size());
+    for (const Row& row : rows)
+        column.push_back(text(row));
+    return column;
+}
+
+void AddEffect(StudyTable& table, const Rows& rows, Effect Row::*effect, const std::string& name,
+               const AnalysisData& data)
+{
+    const int decimals = data.numbers.digits.value_or(-1);
+    const std::string interval = fmt::format("{} {} CI", name, data.level);
+    table.numbers.push_back(
+        {name, ColumnOf(rows, [&](const Row& row) { return (row.*effect).value; }), decimals});
+    table.numbers.push_back(
+        {interval + " lower", ColumnOf(rows, [&](const Row& row) { return (row.*effect).lower; }), decimals});
+    table.numbers.push_back(
+        {interval + " upper", ColumnOf(rows, [&](const Row& row) { return (row.*effect).upper; }), decimals});
+}
+
+void AddHeterogeneity(StudyTable& table, const Rows& rows, const NumberFormat& format)
+{
+    const int decimals = format.digits.value_or(-1);
+    const int ofPercent = format.digits ? format.PercentDecimals(0) : -1;
+    table.numbers.push_back({"Q", ColumnOf(rows, [](const Row& row) { return row.model.q; }), decimals});
+    table.numbers.push_back({"df", ColumnOf(rows, [](const Row& row) { return row.model.qDf; })});
+    table.numbers.push_back({"p (Q)", ColumnOf(rows, [](const Row& row) { return row.model.qSig; })});
+    const auto i2 = [](const Row& row) {
+        return HasValue(row.model.q) && HasValue(row.model.i2) ? 100 * row.model.i2 : NONE;
+    };
+    table.numbers.push_back({"I² (%)", ColumnOf(rows, i2), ofPercent});
+    const auto tau2 = [](const Row& row) { return HasValue(row.model.q) ? row.model.tau2 : NONE; };
+    table.numbers.push_back({"tau²", ColumnOf(rows, tau2), decimals});
+}
+
+std::string HeterogeneityText(const ModelRow& model, const NumberFormat& format)
+{
+    const std::string tau2 = HasValue(model.tau2) ? ", tau² = " + format(model.tau2) : std::string();
+    return fmt::format("Heterogeneity: Q = {}, df = {:g}, p {}, I² = {}{}", format(model.q), model.qDf,
+                       EqualsText(model.qSig), PercentText(model.i2, format.PercentDecimals(1)), tau2);
+}
+
+/// "0.47 [0.33, 0.68]", or the interval alone.
+std::string EffectText(const Effect& effect, const AnalysisData& data)
+{
+    if (!HasValue(effect.lower) && !HasValue(effect.value))
+        return {};
+    const std::string interval =
+        fmt::format("[{}, {}]", data.PooledText(effect.lower), data.PooledText(effect.upper));
+    return HasValue(effect.value) ? data.PooledText(effect.value) + " " + interval : interval;
+}
+
+void AddReading(StudyTable& table, const Rows& rows, const AnalysisData& data,
+                const std::vector<StudyTable::Numbers>& reported)
+{
+    std::vector<ReportColumn>& reading = table.reading;
+    reading.push_back({"Study",
+                       TextColumnOf(rows,
+                                    [&](const Row& row) {
+                                        return row.kind == Row::Kind::HETEROGENEITY
+                                                   ? HeterogeneityText(row.model, data.numbers)
+                                                   : row.label;
+                                    }),
+                       true});
+    if (!data.groupLabels.empty())
+        reading.push_back({LabelText(data.request.subgroup.column),
+                           TextColumnOf(rows, [](const Row& row) { return row.group; }), true});
+    for (const StudyTable::Numbers& column : reported)
+        reading.push_back({column.header, TextsOf(column.cells, [](double value) {
+                               return HasValue(value) ? fmt::format("{}", value) : std::string();
+                           })});
+    Effect Row::*const shown = data.natural ? &Row::natural : &Row::effect;
+    reading.push_back(
+        {data.IntervalHeader(data.natural ? data.measure.symbol : data.measure.AnalysisSymbol()),
+         TextColumnOf(rows, [&](const Row& row) { return EffectText(row.*shown, data); })});
+    reading.push_back({"Weight (%)", TextColumnOf(rows, [&](const Row& row) {
+                           return HasValue(row.weight)
+                                      ? FixedText(row.weight, data.numbers.PercentDecimals(1))
+                                      : std::string();
+                       })});
+    reading.push_back({"p", TextColumnOf(rows, [](const Row& row) {
+                           return HasValue(row.p) ? PValueText(row.p) : std::string();
+                       })});
+}
+
+} // namespace
+
+StudyTable StudyTableOf(const Options& options, const DataTable& table, const AnalysisData& data)
+{
+    const Rows rows = RowMaker(data).Make();
+    const int decimals = data.numbers.digits.value_or(-1);
+    StudyTable made;
+    made.texts = {{"Study", TextColumnOf(rows, [](const Row& row) { return row.label; })},
+                  {"Row", TextColumnOf(rows, [](const Row& row) { return row.type; })}};
+    if (!data.groupLabels.empty())
+        made.texts.push_back({LabelText(data.request.subgroup.column),
+                              TextColumnOf(rows, [](const Row& row) { return row.group; })});
+    for (DataColumn& column : DataColumnsOf(options, table))
+        made.numbers.push_back({column.header, ColumnOf(rows, [&](const Row& row) {
+                                    return row.record < 0
+                                               ? NONE
+                                               : column.values[static_cast<std::size_t>(row.record)];
+                                })});
+    AddReading(made, rows, data, made.numbers);
+    if (data.natural)
+        AddEffect(made, rows, &Row::natural, data.measure.symbol, data);
+    AddEffect(made, rows, &Row::effect, data.measure.AnalysisSymbol(), data);
+    made.numbers.push_back({"SE", ColumnOf(rows, [](const Row& row) { return row.stdError; }), decimals});
+    made.numbers.push_back({"Weight (%)", ColumnOf(rows, [](const Row& row) { return row.weight; }),
+                            data.numbers.digits ? data.numbers.PercentDecimals(0) : -1});
+    made.numbers.push_back({"p", ColumnOf(rows, [](const Row& row) { return row.p; })});
+    AddHeterogeneity(made, rows, data.numbers);
+    return made;
+}
+
+} // namespace host

@@ -1,0 +1,127 @@
+// Where the report goes and how: cautions, digits, the table of studies, methods and references.
+
+#include "host/RunProgram.h"
+
+using testing::AllOf;
+using testing::ContainsRegex;
+using testing::HasSubstr;
+using testing::Not;
+using testing::StartsWith;
+
+namespace {
+
+struct Shown
+{
+    Arguments arguments;
+    std::string text; ///< a POSIX expression
+};
+
+/// Rosenthal's BCG trials have 0.4746 [0.3296, 0.6835] with p 6.2e-5, tau² 0.3378 and I² 92.07 %.
+TEST(ReportOutput, BeginsWithTheAnswerInTheDigitsAskedFor)
+{
+    EXPECT_THAT(ReportOf(Bcg() + "--digits 2"),
+                ContainsRegex(
+                    "level\n\nResult\nOdds ratio of 13 studies: 0\\.47 \\(95% CI 0\\.33 to 0\\.68, p < "
+                    "0\\.0001\\)\\.\n95% prediction interval, [^\n]*: 0\\.12 to 1\\.82\\.\n\nPooled .*"
+                    " 0\\.19  -4\\.01  < 0\\.0001\n.* 163\\.16  12  < 0\\.0001  92\\.1 \\[81\\.7, 97\\.6\\] "
+                    ".*0\\.34 \\[0\\.13, 1\\.18\\].*Aronson +0\\.39 .*\nRecords\n"));
+}
+
+/// Each number that misleads has its sentence, and a large and homogeneous analysis has none.
+TEST(ReportOutput, CautionsWhereANumberMisleads)
+{
+    const TemporaryFolder folder;
+    const std::string head = "effect,variance,g\n";
+    const Arguments one = Effects(folder.Write("1.csv", head + "1,1,a\n"));
+    const Arguments two = Effects(folder.Write("2.csv", head + "1,1,a\n2,1,b\n"));
+    const Arguments equal = Effects(folder.Write("e.csv", head + "1,1,a\n1.01,1,a\n.99,1,b\n1,1,b\n"));
+    const Arguments four = Effects(folder.Write("4.csv", head + "0,.1,a\n1,.1,a\n2,.1,a\n3,.1,b\n"));
+    const Arguments raw = Arguments{"proportion", folder.Write("p.csv", "x,n\n1,40\n1,9\n1,10\n")} +
+                          "--events x --n n --effect raw --model fixed";
+    for (const Shown& one : std::vector<Shown>{
+             {one, "There is one study"},
+             {two + "--knapp-hartung adjusted", "2 studies, interval .* 1 degree of freedom"},
+             {two, "2 studies: no prediction interval"},
+             {two + "--subgroup g", "a; b: a group of one study.*2 studies in 2 groups"},
+             {four,
+              "tau² 1\\.5667 from 4 studies, perhaps up to [0-9]+.*4 studies: the interval and the test"},
+             {four + "--model fixed", "Q 50\\.0000 with 3 df, p < 0\\.0001, I² 94\\.0%: the studies differ"},
+             {four + "--trim-fill run", "4 studies: trim-and-fill"},
+             {equal, "tau² 0 from 4 studies: the model pools as one of a fixed"},
+             {equal + "--tau2-interval none", "I² 0\\.0% from 4 studies, without an interval"},
+             {equal + "--knapp-hartung adjusted", "\\[0\\.98[0-9]+, 1\\.01[0-9]+\\] in place of \\[0\\.0200, "
+                                                  "1\\.9800\\]: the interval after Knapp"},
+             {Bcg(), "excludes no effect, the prediction interval, 0\\.1239 to 1\\.8183, includes it"},
+             {Bcg() + "--small-study-test egger", "Pooled odds ratio 0\\.4746: the standard error of a log"},
+             {Bcg() + "--tau2-search scoring --max-iterations 1", "reached --max-iterations .*provisional"},
+             {raw, "no proportion is there"},
+             {Regression("teacher_expectancy.csv") + "--covariate weeks --factor setting",
+              "19 studies for 2 coefficients of predictors: with fewer than 10"},
+         })
+        EXPECT_THAT(ReportOf(one.arguments), ContainsRegex("\nCautions\n.*" + one.text));
+    EXPECT_THAT(ReportOf(Effects("passive_smoking.csv")), Not(HasSubstr("\nCautions\n")));
+    EXPECT_EQ(JsonOf(one)["cautions"].size(), 1U);
+}
+
+TEST(ReportOutput, TablesRunNothingAndLoseNothing)
+{
+    const TemporaryFolder folder;
+    const std::string data = folder.Write(
+        "d.csv",
+        "s,effect,variance\n\"=SUM(\"\"A1\"\";1)\",-0.5,0.25\n-0.5,0.125,1\n\"[a_b]|50%\\&<i>--$\",1,1\n");
+    const Arguments run = Effects(data) + "--study s --model fixed";
+    const std::string csv = ReportOf(run + "--table -");
+    EXPECT_THAT(
+        csv,
+        StartsWith("\"Study\",\"Row\",\"d\",\"d 95% CI lower\",\"d 95% CI upper\",\"SE\",\"Weight (%)\""));
+    EXPECT_THAT(csv, HasSubstr("\r\n\"'=SUM(\"\"A1\"\";1)\",\"study\",-0.5,-1.4799"));
+    EXPECT_THAT(csv, HasSubstr("\r\n\"-0.5\",\"study\",0.125,"));
+    EXPECT_THAT(csv, ContainsRegex("\"Overall\",\"overall\",-0\\.145833333[0-9]*,"));
+    EXPECT_THAT(csv, ContainsRegex("\"heterogeneity\",(,)*1\\.9[0-9]+,2,"));
+    const ProgramRun files = RunProgram(run + "-q --table" + Arguments{folder.PathOf("t.tex")});
+    EXPECT_EQ(files.output + files.errors, "");
+    EXPECT_THAT(folder.Read("t.tex"),
+                HasSubstr("\n{[}a\\_b]$|$50\\%\\textbackslash{}\\&$<$i$>$-{}-{}\\$ & 1.0000 {["));
+    EXPECT_THAT(folder.Read("t.tex"), HasSubstr(" & $-$0.5000 {[}$-$1.4800, 0.4800] & "));
+    ReportOf(run + "--table" + Arguments{folder.PathOf("t.MD")});
+    EXPECT_THAT(folder.Read("t.MD"), HasSubstr("\n| \\[a\\_b\\]\\|50%\\\\\\&\\<i\\>--\\$ | 1.0000 \\["));
+}
+
+TEST(ReportOutput, CitesTheMethodsOfTheRun)
+{
+    const std::string adjusted =
+        ReportOf(Bcg() + "--tau2 dl --knapp-hartung adjusted --rank-test --citation");
+    EXPECT_THAT(
+        adjusted,
+        ContainsRegex("\nMethods\nThe odds ratio was pooled from 13 studies as log odds ratio under a "
+                      "random-effects model.*\\(DerSimonian and Laird 1986\\).*\nReferences\n"
+                      "@article\\{Woolf1955,.*@article\\{Hartung2001,.*@article\\{Begg1994,"));
+    EXPECT_THAT(adjusted, Not(HasSubstr("Viechtbauer2005")));
+    EXPECT_THAT(ReportOf(Bcg() + "--model fixed --weights mantel-haenszel --citation"),
+                AllOf(HasSubstr("@article{Robins1986,"), Not(HasSubstr("Woolf"))));
+    EXPECT_THAT(ReportOf(Regression("teacher_expectancy.csv") + "--covariate weeks --citation"),
+                HasSubstr("@article{Viechtbauer2005,"));
+}
+
+TEST(ReportOutput, WritesTheReportWhereItIsAskedFor)
+{
+    const TemporaryFolder folder;
+    const ProgramRun run = RunProgram(Bcg({"-o", folder.PathOf("r"), "--html", "-"}));
+    EXPECT_THAT(run.output, StartsWith("<!DOCTYPE html>"));
+    EXPECT_EQ(folder.Read("r"), ReportOf(Bcg()));
+    for (const auto& [arguments, sentence] : std::vector<std::pair<std::string, std::string>>{
+             {"--json - --table -", "--json - and --table - cannot both"},
+             {"-o - --html -", "--html - and --output - cannot both"},
+             {"-q", "leaves nothing to write"},
+             {"-q -o r --json -", "--quiet leaves out the report"},
+             {"--table t.xlsx", "ends with none of .csv, .md and .tex"},
+             {"--digits 16", "--digits: 16 is not from 0 to 15"},
+             {"--json - --digits 2", "--digits has no effect on the JSON"},
+             {"--json - --citation", "--citation stands behind the report"}}) {
+        const ProgramRun refused = RunProgram(Bcg() + arguments);
+        EXPECT_EQ(refused.exitStatus, 2) << arguments;
+        EXPECT_THAT(refused.errors, HasSubstr(sentence));
+    }
+}
+
+} // namespace
