@@ -58,7 +58,7 @@ Texts LabelsOf(const SvgFigure& figure)
 TEST(Forest, SortsStudiesWithTheirSquaresAndTexts)
 {
     for (const auto& [sort, first] :
-         {std::pair("file", "Aronson"), std::pair("effect", "Ferguson & Simes"),
+         {std::pair("file", "Aronson"), std::pair("effect", "Vandiviere et al"),
           std::pair("weight", "TPT Madras"), std::pair("latitude", "Frimodt-Moller et al")}) {
         SCOPED_TRACE(sort);
         const Pictures pictures = BcgForest({"--forest-sort", sort, "--forest-columns", "latitude"});
