@@ -34,6 +34,8 @@ headers, a static library, and files for CMake and pkg-config.")
 set(CPACK_DEBIAN_META_ANALYSIS_PROGRAM_PACKAGE_NAME meta-analysis)
 set(CPACK_DEBIAN_META_ANALYSIS_PROGRAM_PACKAGE_SECTION math)
 set(CPACK_DEBIAN_META_ANALYSIS_PROGRAM_PACKAGE_RECOMMENDS gnuplot-nox)
+# The letters of labels in other scripts.
+set(CPACK_DEBIAN_META_ANALYSIS_PROGRAM_PACKAGE_SUGGESTS "fonts-noto-core, fonts-noto-cjk, fonts-noto-color-emoji")
 set(CPACK_COMPONENT_META_ANALYSIS_PROGRAM_DEPENDS meta_analysis_library)
 set(CPACK_COMPONENT_META_ANALYSIS_PROGRAM_DESCRIPTION
     "This package has the program meta-analysis, which pools the results of

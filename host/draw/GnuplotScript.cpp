@@ -371,28 +371,13 @@ std::string ScriptWriter::Write()
                        terminal_.command, texts_, commands_);
 }
 
-/// The picture as the format has it: in pages where it has these, else as a whole.
-Picture InFormat(Picture picture, PictureFormat format)
-{
-    if (format != PictureFormat::PDF)
-        picture.pages.clear();
-    if (!picture.pages.empty())
-        picture.height = picture.pages.front().height;
-    return picture;
-}
-
-FittedPicture Fitted(const Picture& picture, const DrawingMedium& medium)
-{
-    return FittedTo(medium.size, InFormat(picture, medium.format));
-}
-
 } // namespace
 
 double ResolutionOf(const Picture& picture, const DrawingMedium& medium)
 {
     constexpr double DEFAULT = 2 * PIXELS_AN_INCH;
     constexpr double MOST_PIXELS = 32767; // in a row or a column, for Cairo
-    const auto [fitted, scale] = Fitted(picture, medium);
+    const auto [fitted, scale] = FittedTo(medium, picture);
     const double most = MOST_PIXELS * PIXELS_AN_INCH / (scale * std::max(fitted.width, fitted.height));
     // With less the letters could not be read.
     const double least = medium.resolution ? *medium.resolution : PIXELS_AN_INCH;
@@ -403,7 +388,7 @@ double ResolutionOf(const Picture& picture, const DrawingMedium& medium)
 
 std::string GnuplotScript(const Picture& picture, const DrawingMedium& medium)
 {
-    const auto [fitted, scale] = Fitted(picture, medium);
+    const auto [fitted, scale] = FittedTo(medium, picture);
     return ScriptWriter(fitted, TerminalOf(fitted, medium, scale)).Write();
 }
 

@@ -28,10 +28,22 @@ void Enlarge(Picture& picture, double width, double height)
     picture.height = height;
 }
 
+/// The picture as the format has it: in pages where it has these, else as a whole.
+Picture InFormat(Picture picture, PictureFormat format)
+{
+    if (format != PictureFormat::PDF)
+        picture.pages.clear();
+    if (!picture.pages.empty())
+        picture.height = picture.pages.front().height;
+    return picture;
+}
+
 } // namespace
 
-FittedPicture FittedTo(const std::optional<PictureSize>& size, Picture picture)
+FittedPicture FittedTo(const DrawingMedium& medium, Picture whole)
 {
+    Picture picture = InFormat(std::move(whole), medium.format);
+    const std::optional<PictureSize>& size = medium.size;
     if (!size)
         return {std::move(picture), 1};
     const double byWidth = size->width / picture.width;

@@ -12,7 +12,8 @@ struct FittedPicture
     double scale;
 };
 
-/// The picture in the middle of a canvas with the shape that is asked for. Nothing in it is distorted.
-FittedPicture FittedTo(const std::optional<PictureSize>& size, Picture picture);
+/// The picture in the middle of a canvas with the shape that is asked for, in pages where the format has
+/// these. Nothing in it is distorted.
+FittedPicture FittedTo(const DrawingMedium& medium, Picture whole);
 
 } // namespace host

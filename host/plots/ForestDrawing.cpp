@@ -10,6 +10,7 @@
 #include <fmt/format.h>
 
 #include <algorithm>
+#include <array>
 #include <cmath>
 #include <cstddef>
 #include <utility>
@@ -27,6 +28,7 @@ constexpr double TICKS_HEIGHT = 30;
 constexpr double AXIS_TITLE_HEIGHT = 22;
 constexpr double NULL_GAP = 8; // of labels on its sides
 constexpr double LEAST_FAVOURS_WIDTH = 70;
+constexpr double BEYOND_FRAME = 30; // to where they may reach
 constexpr double PAGE_SHAPE = 1.36; // height of a page over its width, less than that of paper
 
 /// Rows that are drawn together.
@@ -59,11 +61,14 @@ private:
     void AddHeaders(Picture& picture) const;
     void AddTexts(Picture& picture, const PlacedColumn& column, const RowRange& rows) const;
     void AddNoteRows(Picture& picture, const RowRange& rows) const;
-    double AddFavours(Picture& picture, double top) const;
+    std::array<Lines, 2> FavoursSides(const Picture& picture) const;
+    double FavoursHeight(const Picture& picture) const;
+    void AddFavours(Picture& picture, double top) const;
     double AddBelow(Picture& picture, bool hasNotes) const;
     double NullInFrame(const Picture& picture) const;
     Lines NoteLines() const;
 
+    bool MayCutBefore(std::size_t row) const;
     std::vector<RowRange> Pages(double mostHeight) const;
     std::vector<Picture> DrawPages(const Picture& whole) const;
 
@@ -145,14 +150,13 @@ std::vector<ForestMark> ForestDrawing::MarksOf(const RowRange& rows) const
     return marks;
 }
 
-/// Between rows, but not behind a heading.
 std::vector<double> ForestDrawing::CutsOf(const Picture& picture) const
 {
     std::vector<double> cuts = {picture.frame.top};
     double top = picture.frame.top;
     for (std::size_t row = 0; row < forest_.rows.size(); ++row) {
         top += places_.rows[row].height;
-        if (forest_.rows[row].kind != Kind::HEADING)
+        if (MayCutBefore(row + 1))
             cuts.push_back(top);
     }
     return cuts;
@@ -178,7 +182,8 @@ void ForestDrawing::AddGroupHeaders(Picture& picture) const
 {
     std::size_t lines = 1;
     for (const PlacedColumn& column : places_.columns)
-        lines = std::max(lines, column.header.size());
+        if (!column.column.groupHeader.empty())
+            lines = std::max(lines, column.header.size());
     const double bottom = places_.frameTop - 8 - FOREST_LINE * static_cast<double>(lines);
     for (std::size_t first = 0; first < places_.columns.size();) {
         const std::string& header = places_.columns[first].column.groupHeader;
@@ -201,8 +206,7 @@ void ForestDrawing::AddHeaders(Picture& picture) const
         AddHeader(picture, column);
     AddGroupHeaders(picture);
     if (scale_.style->favoursStandAbove)
-        AddFavours(picture,
-                   places_.frameTop - 5 - FOREST_LINE * static_cast<double>(places_.Frame().header.size()));
+        AddFavours(picture, places_.frameTop - 5 - FavoursHeight(picture));
     if (scale_.style->hasHeaderRule)
         picture.rules.push_back({PICTURE_MARGIN, places_.width - PICTURE_MARGIN, places_.frameTop - 3});
 }
@@ -238,23 +242,35 @@ double ForestDrawing::NullInFrame(const Picture& picture) const
     return picture.frame.left + share * picture.frame.width;
 }
 
-/// On both sides of no effect. Returns the height of the labels.
-double ForestDrawing::AddFavours(Picture& picture, double top) const
+/// The labels of both sides of no effect, in lines as wide as the side and a little more.
+std::array<Lines, 2> ForestDrawing::FavoursSides(const Picture& picture) const
 {
     const auto& favours = scale_.request.options.favours;
     if (!favours)
-        return 0;
+        return {};
+    const double toLeft = NullInFrame(picture) - picture.frame.left;
+    const auto width = [](double side) {
+        return std::max(side + BEYOND_FRAME - NULL_GAP, LEAST_FAVOURS_WIDTH);
+    };
+    return {FavoursLines(scale_, favours->first, width(toLeft)),
+            FavoursLines(scale_, favours->second, width(picture.frame.width - toLeft))};
+}
+
+double ForestDrawing::FavoursHeight(const Picture& picture) const
+{
+    const auto [left, right] = FavoursSides(picture);
+    return FOREST_LINE * static_cast<double>(std::max(left.size(), right.size()));
+}
+
+void ForestDrawing::AddFavours(Picture& picture, double top) const
+{
+    const auto [left, right] = FavoursSides(picture);
     const double null = NullInFrame(picture);
-    const double toLeft = null - picture.frame.left - NULL_GAP;
-    const double toRight = picture.frame.left + picture.frame.width - null - NULL_GAP;
-    const Lines left = FavoursLines(scale_, favours->first, std::max(toLeft, LEAST_FAVOURS_WIDTH));
-    const Lines right = FavoursLines(scale_, favours->second, std::max(toRight, LEAST_FAVOURS_WIDTH));
     const auto middle = [&](const Lines& lines) {
         return top + FOREST_LINE * static_cast<double>(lines.size()) / 2;
     };
     AddLines(picture, left, {"", null - NULL_GAP, middle(left), Align::RIGHT, false});
     AddLines(picture, right, {"", null + NULL_GAP, middle(right), Align::LEFT, false});
-    return FOREST_LINE * static_cast<double>(std::max(left.size(), right.size()));
 }
 
 /// The notes in lines as wide as their place.
@@ -279,8 +295,10 @@ double ForestDrawing::AddBelow(Picture& picture, bool hasNotes) const
 {
     const double bottom = picture.frame.top + picture.frame.height;
     double end = bottom + TICKS_HEIGHT + (axis_.title.empty() ? 0 : AXIS_TITLE_HEIGHT);
-    if (!scale_.style->favoursStandAbove)
-        end += AddFavours(picture, end - 4);
+    if (!scale_.style->favoursStandAbove) {
+        AddFavours(picture, end - 4);
+        end += FavoursHeight(picture);
+    }
     const Lines notes = hasNotes ? NoteLines() : Lines();
     const double height = FOREST_LINE * static_cast<double>(notes.size());
     const double top = scale_.style->notesStandBeside ? bottom + 4 : end + 6;
@@ -317,7 +335,17 @@ Picture ForestDrawing::DrawRows(const RowRange& rows) const
     return picture;
 }
 
-/// As many rows as fit, but no heading at the end. The last page has the notes as well.
+/// Models stay with the last of their studies, and headings with the first.
+bool ForestDrawing::MayCutBefore(std::size_t row) const
+{
+    if (row == 0 || row >= forest_.rows.size())
+        return true;
+    const Kind next = forest_.rows[row].kind;
+    const Kind last = forest_.rows[row - 1].kind;
+    return last != Kind::HEADING && (last == Kind::GAP || next == Kind::STUDY || next == Kind::HEADING);
+}
+
+/// As many rows as fit. The last page has the notes as well.
 std::vector<RowRange> ForestDrawing::Pages(double mostHeight) const
 {
     const std::size_t count = forest_.rows.size();
@@ -326,8 +354,10 @@ std::vector<RowRange> ForestDrawing::Pages(double mostHeight) const
         std::size_t end = first + 1;
         while (end < count && DrawRows({first, end + 1}).height <= mostHeight)
             ++end;
-        while (end < count && end > first + 1 && forest_.rows[end - 1].kind == Kind::HEADING)
-            --end;
+        std::size_t kept = end;
+        while (kept > first + 1 && !MayCutBefore(kept))
+            --kept;
+        end = kept > first + 1 ? kept : end;
         pages.push_back({first, end});
         first = end;
     }
@@ -355,50 +385,12 @@ Picture ForestDrawing::Draw() const
     return picture;
 }
 
-/// Of effects that are shown on another scale than that of the analysis, but for ratios, by the typical
-/// standard errors that their intervals have on it.
-int DecimalsOf(const AnalysisData& data)
-{
-    constexpr double WIDTH = 4; // of an interval, in standard errors
-    if (!data.natural || data.measure.hasNoEffect)
-        return data.decimals;
-    std::vector<double> stdErrors;
-    for (const Estimates* const shown : {&data.natural->studies, &data.natural->models})
-        for (std::size_t i = 0; i < shown->values.size(); ++i)
-            if (HasValue(shown->lower[i]) && HasValue(shown->upper[i]))
-                stdErrors.push_back((shown->upper[i] - shown->lower[i]) / WIDTH);
-    return DecimalsFor(stdErrors);
-}
-
 } // namespace
-
-std::array<std::string, 2> GroupNamesOf(const ForestRequest& request)
-{
-    const ForestStyle& style = StyleOf(request.options.layout);
-    const auto& names = request.options.groupNames;
-    if (names)
-        return {LabelText(names->first), LabelText(names->second)};
-    return {style.treatment, style.control};
-}
 
 Picture DrawForest(const ForestScale& scale, const Forest& forest)
 {
     const Forest readable = WithReadableRows(forest);
     return ForestDrawing(scale, readable).Draw();
-}
-
-Picture DrawForest(const AnalysisData& data, const Forest& forest)
-{
-    return DrawForest({.measure = data.measure,
-                       .names = NamesOfEffect(data),
-                       .decimals = DecimalsOf(data),
-                       .showsRatios = data.measure.isRatio && data.natural.has_value(),
-                       .overall = OverallPlace(data),
-                       .request = data.request.forest,
-                       .style = &StyleOf(data.request.forest.options.layout),
-                       .groupNames = GroupNamesOf(data.request.forest),
-                       .hasBothModels = data.analysis.other != nullptr},
-                      forest);
 }
 
 } // namespace host

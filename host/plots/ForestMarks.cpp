@@ -75,7 +75,9 @@ Layer ForestMarks::NullLine() const
 
 Layer ForestMarks::OverallLine() const
 {
-    Layer line = {Layer::Kind::DASHED_LINE, color::ACCENT, {}, {}, 1.2};
+    const char* const color =
+        style_.insideColor ? style_.diamondColor : color::ACCENT; // journals print no red
+    Layer line = {Layer::Kind::DASHED_LINE, color, {}, {}, style_.insideColor ? 0.8 : 1.2};
     if (style_.hasOverallLine && IsNumber(scale_.overall))
         line.pieces.push_back({{scale_.overall, axes_.y.first}, {scale_.overall, axes_.y.last}});
     return line;
@@ -176,9 +178,12 @@ void ForestMarks::AddDiamond(Pieces& areas, const ForestInterval& place, double 
         shown.most.x -= head;
         areas.push_back(ArrowHead(axes_.x.last, y, 1, DIAMOND));
     }
-    areas.push_back(CutToRectangle(
-        {{place.lower, y}, {place.estimate, y - DIAMOND}, {place.upper, y}, {place.estimate, y + DIAMOND}},
-        shown));
+    const double least = SHORTEST_INTERVAL * axes_.XPerPixel(); // on each side, to be seen
+    areas.push_back(CutToRectangle({{std::min(place.lower, place.estimate - least), y},
+                                    {place.estimate, y - DIAMOND},
+                                    {std::max(place.upper, place.estimate + least), y},
+                                    {place.estimate, y + DIAMOND}},
+                                   shown));
 }
 
 Layer ForestMarks::FittedDiamonds() const

@@ -46,6 +46,15 @@ std::string WithoutLeadingZero(std::string text)
     return text.starts_with("0.") ? text.substr(1) : text;
 }
 
+/// What p is given as below: the next power of ten of one below 0.0001, but no less than `least`; else 0.
+double BoundOf(double p, double least)
+{
+    constexpr double SMALL = 0.0001;
+    if (p < least)
+        return least;
+    return p < SMALL ? std::pow(10, std::ceil(std::log10(p))) : 0;
+}
+
 /// "= 0.03", "< 0.001" or "> 0.99".
 std::string SignAndP(double p, const PValueStyle& style)
 {
@@ -54,8 +63,8 @@ std::string SignAndP(double p, const PValueStyle& style)
         return fmt::format("{}{}{}{}", style.gap, sign, style.gap,
                            style.hasLeadingZero ? number : WithoutLeadingZero(number));
     };
-    if (p < style.least)
-        return text("<", style.least, static_cast<int>(std::lround(-std::log10(style.least))));
+    if (const double bound = BoundOf(p, style.least); p < bound)
+        return text("<", bound, static_cast<int>(std::lround(-std::log10(bound))));
     if (style.hasMost && p > 0.99)
         return text(">", 0.99, 2);
     return text("=", p, DecimalsOfP(p));
@@ -99,7 +108,8 @@ std::string EffectTestText(const AnalysisData& data)
 {
     const ForestStyle& style = StyleOf(data);
     const EffectRows rows = PooledRows(data);
-    if (*style.effectTest == '\0' || !HasAnyValue({rows.significances.back()}))
+    const bool isWanted = *style.effectTest != '\0' && data.measure.hasNoEffect;
+    if (!isWanted || !HasValue(rows.significances.back()))
         return {};
     const std::vector<double> df = data.base.GetEstDf();
     const bool isT = !df.empty() && HasValue(df.back());
@@ -133,14 +143,14 @@ std::string MethodOf(const AnalysisData& data)
     return isPeto ? "Peto" : "M-H";
 }
 
-/// "Mean Difference".
+/// "Mean Difference"; a letter alone, such as that of "Cohen's d", is a symbol.
 std::string InTitleCase(std::string text)
 {
-    bool startsWord = true;
-    for (char& c : text) {
-        if (startsWord)
-            c = static_cast<char>(std::toupper(static_cast<unsigned char>(c)));
-        startsWord = c == ' ';
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        const bool startsWord = i == 0 || text[i - 1] == ' ';
+        const bool isAlone = i + 1 == text.size() || text[i + 1] == ' ';
+        if (startsWord && !isAlone)
+            text[i] = static_cast<char>(std::toupper(static_cast<unsigned char>(text[i])));
     }
     return text;
 }

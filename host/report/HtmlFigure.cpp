@@ -26,15 +26,34 @@ bool IsSliced(const Picture& picture)
     return picture.rowHeight > 0 && picture.height > PAPER_SHAPE * picture.width;
 }
 
+/// Where rows end: at the picture's own cuts, or at even distances.
+std::vector<double> CutsOf(const Picture& picture)
+{
+    if (!picture.cuts.empty())
+        return picture.cuts;
+    const double end = picture.frame.top + picture.frame.height;
+    std::vector<double> cuts;
+    for (double cut = picture.frame.top; cut < end; cut += picture.rowHeight)
+        cuts.push_back(cut);
+    cuts.push_back(end);
+    return cuts;
+}
+
 /// Divides the rows into bands that fit a page between the headings and the axis with all below it.
 std::vector<Band> Slices(const Picture& picture)
 {
     const double end = picture.frame.top + picture.frame.height;
     const double room = PAPER_SHAPE * picture.width - picture.frame.top - (picture.height - end);
-    const double rows = std::max(1.0, std::floor(room / picture.rowHeight)) * picture.rowHeight;
-    std::vector<Band> slices;
-    for (double top = picture.frame.top; top < end; top += rows)
-        slices.push_back({top, std::min(top + rows, end)});
+    const std::vector<double> cuts = CutsOf(picture);
+    std::vector<Band> slices = {{cuts.front(), cuts.front()}};
+    for (const double cut : cuts) {
+        Band& last = slices.back();
+        const bool isFull = cut - last.top > room && last.bottom > last.top;
+        if (isFull)
+            slices.push_back({last.bottom, cut});
+        else
+            last.bottom = cut;
+    }
     return slices;
 }
 

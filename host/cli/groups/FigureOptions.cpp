@@ -61,8 +61,8 @@ OptionDefinition ForestSort(PictureOptions& picture)
 OptionDefinition AxisLimits(PictureOptions& picture)
 {
     return {.name = "axis-limits",
-            .argument = "LOW,HIGH",
-            .help = "ends of the axis of the forest plot, on the natural scale",
+            .argument = "LIMITS",
+            .help = "ends of the axis of the forest plot, LOW,HIGH, on the natural scale",
             .store = [&picture](const std::string& text) { picture.axisLimits = ParseLimits(text); },
             .value = [&picture] { return JsonOf(picture.axisLimits); }};
 }
@@ -104,7 +104,8 @@ OptionDefinitions ForestOptionsOf(PictureOptions& picture)
                  "separated by commas, repeatable"),
         ForestSort(picture),
         AxisLimits(picture),
-        TextPair("favours", "LEFT,RIGHT", picture.favours, "what effects left and right of no effect favour"),
+        TextPair("favours", "LABELS", picture.favours,
+                 "what effects left and right of no effect favour, LEFT,RIGHT"),
         Title(picture),
         Size(picture),
         Resolution(picture),
@@ -115,8 +116,8 @@ OptionDefinitions ForestOptionsOf(PictureOptions& picture)
 OptionDefinitions ModelOptionsOf(PictureOptions& picture)
 {
     return {
-        TextPair("group-names", "TREATMENT,CONTROL", picture.groupNames,
-                 "names of the two groups in the forest plot"),
+        TextPair("group-names", "NAMES", picture.groupNames,
+                 "names of the treatment and the control group in the forest plot, separated by a comma"),
         Choice("forest-models", FOREST_MODELS_CHOICES, picture.models,
                "models of the forest plot: that of the analysis, or fixed and random effects"),
         Choice("forest-prediction", PREDICTION_LOOK_CHOICES, picture.prediction,
