@@ -88,6 +88,8 @@ Picture WithNotes(Picture picture, const std::vector<std::string>& notes)
 std::vector<Point> Between(const std::vector<double>& x, const std::vector<double>& lower,
                            const std::vector<double>& upper)
 {
+    if (lower.empty())
+        return {};
     std::vector<Point> outline = DrawablePoints(x, lower);
     const std::vector<Point> back = DrawablePoints(x, upper);
     outline.insert(outline.end(), back.rbegin(), back.rend());
