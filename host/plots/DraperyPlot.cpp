@@ -71,7 +71,7 @@ Drapery::Drapery(const AnalysisData& data, const PlotOfGroup& plot)
     AddStudies();
 }
 
-/// After a cumulative analysis the library has no rows of models.
+/// Missing where the test is by the normal distribution.
 double Drapery::PooledDf() const
 {
     const std::vector<double> df = base_.GetEstDf();

@@ -19,7 +19,8 @@ constexpr double HEADING_HEIGHT = 26;
 constexpr double LEGEND_SAMPLE = 64;  // with the gaps about it
 constexpr double LARGEST_BUBBLE = 17; // its radius
 constexpr double SMALLEST_BUBBLE = 1.2;
-constexpr double DOT = 3.6; // its radius
+constexpr double UNCROWDED = 200; // bubbles, more than which are smaller
+constexpr double DOT = 3.6;       // its radius
 constexpr double SEEN_THROUGH = 0.6;
 constexpr double NOTE_HEIGHT = 18;
 
@@ -84,6 +85,8 @@ Picture WithNotes(Picture picture, const std::vector<std::string>& notes)
 std::vector<Point> Between(const std::vector<double>& x, const std::vector<double>& lower,
                            const std::vector<double>& upper)
 {
+    if (lower.empty())
+        return {};
     std::vector<Point> outline = DrawablePoints(x, lower);
     const std::vector<Point> back = DrawablePoints(x, upper);
     outline.insert(outline.end(), back.rbegin(), back.rend());
@@ -130,8 +133,9 @@ Layer Bubbles(const std::vector<double>& x, const std::vector<double>& y, const 
             drawn.push_back(i);
     std::stable_sort(drawn.begin(), drawn.end(), [&](auto a, auto b) { return weights[a] > weights[b]; });
     Layer bubbles = {Layer::Kind::BUBBLES, color::STUDY, {{}}, {}, 1, "Study, area by weight", SEEN_THROUGH};
+    const double crowd = std::max(1.0, static_cast<double>(drawn.size()) / UNCROWDED);
     for (const std::size_t i : drawn) {
-        const double radius = LARGEST_BUBBLE * std::sqrt(weights[i] / weights[drawn.front()]);
+        const double radius = LARGEST_BUBBLE * std::sqrt(weights[i] / weights[drawn.front()] / crowd);
         bubbles.pieces.front().push_back({x[i], y[i]});
         bubbles.radii.push_back(std::max(radius, SMALLEST_BUBBLE));
     }

@@ -33,7 +33,8 @@ Picture Finished(Picture picture);
 /// Adds lines of text below the horizontal axis of a finished picture.
 Picture WithNotes(Picture picture, const std::vector<std::string>& notes);
 
-/// The outline of the area between two lines over the same x; points that cannot be drawn are left out.
+/// The outline of the area between two lines over the same x; points that cannot be drawn are left out. Empty
+/// without lines.
 std::vector<Point> Between(const std::vector<double>& x, const std::vector<double>& lower,
                            const std::vector<double>& upper);
 

@@ -257,7 +257,8 @@ TEST(Regression, DrawsStudiesAndABubblePlotOfEachCovariate)
     const Pictures pictures(Arguments{"regression", DataFile("bcg_vaccine.csv")} + tables +
                             "--effect risk-ratio --covariate latitude --covariate year");
     EXPECT_THAT(pictures.Names(),
-                testing::UnorderedElementsAre("bubble-1-latitude.svg", "bubble-2-year.svg", "forest.svg"));
+                testing::UnorderedElementsAre("bubble-1-latitude.svg", "bubble-2-year.svg", "forest.svg",
+                                              "residual-funnel.svg", "residual-galbraith.svg"));
     EXPECT_EQ(pictures.Figure("forest").Marks("gpPt4", host::color::STUDY).size(), 13U);
     const SvgFigure figure = pictures.Figure("bubble-1-latitude");
     EXPECT_EQ(figure.Marks("gpPt6", host::color::POOLED).size(), 13U);
@@ -267,6 +268,13 @@ TEST(Regression, DrawsStudiesAndABubblePlotOfEachCovariate)
     const double slope = pictures.Results()["Estimation"][1];
     const double rise = (line.back().y - line.front().y) / (y(1) - y(0));
     EXPECT_NEAR(rise / ((line.back().x - line.front().x) / (x(1) - x(0))), slope, 1e-4);
+
+    const SvgFigure funnel = pictures.Figure("residual-funnel");
+    const std::vector<SvgMark> residuals = funnel.Marks("gpPt6", host::color::POOLED);
+    const PixelScale across = LevelScale(funnel, "0", "1");
+    ASSERT_EQ(residuals.size(), 13U);
+    for (std::size_t i = 0; i < residuals.size(); ++i)
+        EXPECT_NEAR(residuals[i].x, across(pictures.Results()["Score"][i][4]), 2 * halfPixelDigit);
 }
 
 } // namespace
