@@ -67,7 +67,6 @@ pre { background: #f4f6f8; padding: 0.7rem; white-space: pre-wrap; overflow-wrap
   thead { display: table-header-group; }
   tr, figure { break-inside: avoid; }
   h2, caption, thead, tbody tr:nth-child(-n+2) { break-after: avoid; }
-  tbody tr:nth-last-child(-n+2) { break-before: avoid; }
   p { orphans: 3; widows: 3; }
   figure svg { min-width: 0; max-height: 10cm; }
   figure.tall svg { max-height: 23cm; }
