@@ -26,6 +26,7 @@ section:first-child p { font-size: 1.1rem; }
   linear-gradient(to left, #fff 2rem, #fff0) 100% 0 / 4rem 100% no-repeat local,
   linear-gradient(to right, #0004, #0000) 0 0 / 0.7rem 100% no-repeat scroll,
   linear-gradient(to left, #0004, #0000) 100% 0 / 0.7rem 100% no-repeat scroll; }
+caption { white-space: nowrap; }
 table { border-collapse: collapse; font-size: 0.9rem; font-variant-numeric: tabular-nums; }
 caption, figcaption { text-align: left; font-size: 0.9rem; color: #555; padding: 0.2rem 0; }
 th, td { padding: 0.2rem 0.7rem 0.2rem 0; text-align: right; white-space: pre; font-weight: normal;
@@ -66,8 +67,7 @@ pre { background: #f4f6f8; padding: 0.7rem; white-space: pre-wrap; overflow-wrap
   th[scope=row], thead th.text:first-child { position: static; }
   thead { display: table-header-group; }
   tr, figure { break-inside: avoid; }
-  h2, caption, thead, tbody tr:nth-child(-n+2) { break-after: avoid; }
-  tbody tr:nth-last-child(-n+2) { break-before: avoid; }
+  h2, caption, thead, tbody tr:nth-child(-n+2):not(:last-child) { break-after: avoid; }
   p { orphans: 3; widows: 3; }
   figure svg { min-width: 0; max-height: 10cm; }
   figure.tall svg { max-height: 23cm; }
