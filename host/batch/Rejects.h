@@ -1,7 +1,7 @@
 #pragma once
 
-#include "host/system/AtomicFile.h"
 #include "host/batch/RowProblem.h"
+#include "host/system/AtomicFile.h"
 
 #include <array>
 #include <cstddef>

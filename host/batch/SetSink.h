@@ -1,10 +1,10 @@
 #pragma once
 
-#include "host/system/AtomicFile.h"
 #include "host/batch/ResultTable.h"
 #include "host/batch/SetChunk.h"
-#include "host/system/TaskPool.h"
+#include "host/system/AtomicFile.h"
 #include "host/system/Progress.h"
+#include "host/system/TaskPool.h"
 
 #include <deque>
 #include <memory>

@@ -24,15 +24,15 @@ struct OptionGroup
 /// name in host/cli/groups.
 using OptionGroupMaker = OptionGroup(Options& options);
 
-OptionGroupMaker FileOptions, ColumnOptions, EffectSizeOptions, PredictorOptions, HypothesisOptions, RobustTestOptions,
-    ModelOptions, RandomEffectsOptions, IterationOptions, GroupAndOrderOptions, SensitivityOptions,
-    SmallStudyOptions, PlotOptions, FigureOptions, CurveOptions;
+OptionGroupMaker FileOptions, ColumnOptions, EffectSizeOptions, PredictorOptions, HypothesisOptions,
+    RobustTestOptions, ModelOptions, RandomEffectsOptions, IterationOptions, GroupAndOrderOptions,
+    SensitivityOptions, SmallStudyOptions, PlotOptions, FigureOptions, CurveOptions;
 
 /// The groups in the order of the help.
 inline constexpr OptionGroupMaker* OPTION_GROUPS[] = {
-    FileOptions, ColumnOptions,     EffectSizeOptions,    PredictorOptions, HypothesisOptions,    RobustTestOptions,
-    ModelOptions,      RandomEffectsOptions, IterationOptions, GroupAndOrderOptions, SensitivityOptions,
-    SmallStudyOptions, PlotOptions,          FigureOptions,    CurveOptions};
+    FileOptions,        ColumnOptions,     EffectSizeOptions,    PredictorOptions, HypothesisOptions,
+    RobustTestOptions,  ModelOptions,      RandomEffectsOptions, IterationOptions, GroupAndOrderOptions,
+    SensitivityOptions, SmallStudyOptions, PlotOptions,          FigureOptions,    CurveOptions};
 
 /// The options that the command of `options` has, in the order of the help. They refer to `options`, which
 /// must outlive them.

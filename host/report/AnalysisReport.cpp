@@ -46,7 +46,8 @@ Report MakeAnalysisReport(const Options& options, const AnalysisRequest& request
         AppendSections(report, FURTHER_SECTIONS, data);
     Append(report.sections, PresetSection(options));
     Append(report.sections, OptionNotesSection(options));
-    Append(report.sections, RecordsSection(DataName(options.dataPath), records, request.studyLabels, request.lines));
+    Append(report.sections,
+           RecordsSection(DataName(options.dataPath), records, request.studyLabels, request.lines));
     if (options.report.hasCitation && !records.used.empty())
         Append(report.sections, MethodsSections(data));
     return report;

@@ -128,7 +128,7 @@ TEST(AnalysisReport, NamesConvertedStudiesAndTheLabelOfTheMeasure)
         {Ratios("--effect risk-ratio"), "^Meta-analysis: risk ratio, "},
         {converted + "--study who", "460126: [^\n]*Study: B\\.\n.*Converted studies\n[^\n]*\n"
                                     "B +median and quartiles +median and quartiles *\n"},
-         {Arguments{"binary", folder.Write("t.csv", "who;a;b;c;d\nX;1,5;8;2;9\nY;0;0;3;9\nZ;2;9;3;9\n")} +
+        {Arguments{"binary", folder.Write("t.csv", "who;a;b;c;d\nX;1,5;8;2;9\nY;0;0;3;9\nZ;2;9;3;9\n")} +
              "--study who --treatment-events a --treatment-nonevents b --control-events c "
              "--control-nonevents d",
          "460152: [^\n]*Study: X\\.\n460153: [^\n]*Study: Y\\.\n.*3 used"},
