@@ -175,7 +175,7 @@ TEST(Refusals, UnusableColumnsAndFieldsAreRefused)
     expectRefused("effect,Variance\n1,2\n", "' has no column 'variance'. Did you mean Variance?");
     expectRefused("effect,variance,effect\n1,2,3\n", "', line 1: column 1 and column 3 are both named");
     ExpectRefused({
-        {Effects(data), "t.csv, line 4, column 'effect': 'x' is not a number"},
+        {Effects(data), "t.csv', line 4, column 'effect': 'x' is not a number"},
         {smoking + "--bubble country --subgroup country", "column 'country': 'USA' is not a number"},
         {smoking + "--bubble year --bubble year", "--bubble: column 'year' is given twice"},
     });
