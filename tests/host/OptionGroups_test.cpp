@@ -19,7 +19,8 @@ using Values = std::map<std::string, Json>;
 std::string ArgumentOf(const OptionDefinition& option)
 {
     const std::map<std::string, std::string> byKind = {
-        {"NUMBER", "0.25"}, {"COUNT", "7"}, {"TYPE", "2"}, {"LIMITS", "0.25,4"}};
+        {"NUMBER", "0.25"}, {"COUNT", "7"},   {"TYPE", "2"},         {"LIMITS", "0.25,4.5"},
+        {"LABELS", "a,b"},  {"NAMES", "a,b"}, {"SIZE", "80.5x60.5"}, {"DPI", "300"}};
     if (option.argument != "NAME")
         return byKind.contains(option.argument) ? byKind.at(option.argument) : option.argument;
     const std::size_t end = option.help.find(" (default");
