@@ -146,7 +146,7 @@ std::string CompletionForBash(const std::vector<CommandOptions>& commands)
         PROGRAM_NAME, names, options, arguments, COLUMNS_FUNCTION, BASH_FUNCTION);
 }
 
-/// A description within a specification: one line, without what the specification gives a meaning.
+/// A description as zsh takes it behind an option: one line, without the characters that have a meaning there.
 std::string Described(const std::string& help)
 {
     std::string text;
