@@ -71,14 +71,11 @@ bool WritesReport(const Options& options)
     return WritesReportToStandardOutput(options) || options.report.output;
 }
 
+/// Without any file to write, the exit status is what a quiet run tells.
 void CheckQuiet(const Options& options)
 {
-    if (!options.report.isQuiet)
-        return;
-    if (options.report.output)
+    if (options.report.isQuiet && options.report.output)
         throw UnusableInput("--quiet leaves out the report, which --output writes.");
-    if (!options.jsonPath && !options.htmlPath && !options.report.tablePath && !options.plotsFolder)
-        throw UnusableInput("--quiet leaves nothing to write without --json, --html, --table or --plots.");
 }
 
 void CheckEffects(const Options& options)

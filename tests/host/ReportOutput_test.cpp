@@ -113,7 +113,6 @@ TEST(ReportOutput, WritesTheReportWhereItIsAskedFor)
     for (const auto& [arguments, sentence] : std::vector<std::pair<std::string, std::string>>{
              {"--json - --table -", "--json - and --table - cannot both"},
              {"-o - --html -", "--html - and --output - cannot both"},
-             {"-q", "leaves nothing to write"},
              {"-q -o r --json -", "--quiet leaves out the report"},
              {"--table t.xlsx", "ends with none of .csv, .md and .tex"},
              {"--digits 16", "--digits: 16 is not from 0 to 15"},
