@@ -66,11 +66,6 @@ std::vector<const char*> UsersOfStandardOutput(const Options& options)
     return users;
 }
 
-bool WritesReport(const Options& options)
-{
-    return WritesReportToStandardOutput(options) || options.report.output;
-}
-
 void CheckQuiet(const Options& options)
 {
     if (!options.report.isQuiet)
@@ -79,15 +74,6 @@ void CheckQuiet(const Options& options)
         throw UnusableInput("--quiet leaves out the report, which --output writes.");
     if (!options.jsonPath && !options.htmlPath && !options.report.tablePath && !options.plotsFolder)
         throw UnusableInput("--quiet leaves nothing to write without --json, --html, --table or --plots.");
-}
-
-void CheckEffects(const Options& options)
-{
-    const bool hasReport = WritesReport(options) || options.htmlPath;
-    if (options.report.hasCitation && !hasReport)
-        throw UnusableInput("--citation stands behind the report, which is not written here.");
-    if (options.report.digits && !hasReport && !options.report.tablePath && !options.plotsFolder)
-        throw UnusableInput("--digits has no effect on the JSON, which has all digits.");
 }
 
 } // namespace
@@ -125,7 +111,6 @@ void CheckReportOutput(const Options& options)
     if (options.report.tablePath)
         TableKindOf(*options.report.tablePath);
     CheckQuiet(options);
-    CheckEffects(options);
 }
 
 } // namespace host
