@@ -146,7 +146,8 @@ std::string CompletionForBash(const std::vector<CommandOptions>& commands)
         PROGRAM_NAME, names, options, arguments, COLUMNS_FUNCTION, BASH_FUNCTION);
 }
 
-/// A description within a specification: one line, without what the specification gives a meaning.
+/// The help of an option within an argument of zsh's _arguments: its first line, with the characters that
+/// have a meaning there escaped.
 std::string Described(const std::string& help)
 {
     std::string text;
