@@ -170,7 +170,7 @@ std::string ActionForZsh(const OptionDefinition& option)
     return option.argument == "FOLDER" ? "_files -/" : " ";
 }
 
-std::string SpecificationForZsh(const OptionDefinition& option, const std::string& word)
+std::string OptionForZsh(const OptionDefinition& option, const std::string& word)
 {
     const std::string argument =
         option.argument.empty() ? ""
@@ -189,7 +189,7 @@ std::string CompletionForZsh(const std::vector<CommandOptions>& commands)
                                  command.takesManyFiles ? "*" : "1");
         for (const OptionDefinition& option : command.options)
             for (const std::string& word : WordsOf(option))
-                arguments += SpecificationForZsh(option, word);
+                arguments += OptionForZsh(option, word);
         arguments += " ;;\n";
     }
     return fmt::format(

@@ -137,7 +137,7 @@ void DataTable::RequireRows() const
 
 DataTable DataTable::Read(const std::string& path, const FileFormat& format)
 {
-    return {BytesOf(path), DataName(path), format};
+    return {BytesOf(path), path == "-" ? DataName(path) : fmt::format("'{}'", path), format};
 }
 
 DataTable DataTable::Parse(std::string_view bytes, const std::string& name, const FileFormat& format)

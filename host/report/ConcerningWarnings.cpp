@@ -59,6 +59,9 @@ constexpr ConcernRule CONCERNS[] = {
     {MAStatusCode::DELETION_UNDEFINED, Concern::ALWAYS},
     {MAStatusCode::SUBGROUP_VALUE_MISSING, Concern::ALWAYS},
     {MAStatusCode::CUMULATIVE_VALUE_MISSING, Concern::ALWAYS},
+    {MAStatusCode::NON_INTEGER_COUNTS, Concern::ALWAYS},
+    {MAStatusCode::EMPTY_GROUP, Concern::ALWAYS},
+    {MAStatusCode::DATA_INTERPRETED, Concern::ALWAYS},
 };
 
 const ConcernRule* RuleOf(int code)

@@ -157,7 +157,7 @@ TEST(MABinModel, CountsAreCorrectedOnceWithTheGivenConstant)
         settings.SetZeroCountDelta(0.25);
         const BinRun run(settings, rows);
         const BinRun expected(plain, {corrected[0], type == ZERO_ADJUST_EACH ? rows[1] : corrected[1]});
-        const std::vector<std::string> asRead = {"SampSize", "Corrected"};
+        const std::vector<std::string> asRead = {"SampSize", "Corrected", "Warnings", "NonInteger"};
         EXPECT_EQ(FirstDifference(ResultsBut(asRead, run.model), ResultsBut(asRead, expected.model)), "")
             << type;
         EXPECT_EQ(run.model.GetSampSize(), (Row{22, 92}));

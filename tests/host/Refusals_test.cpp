@@ -66,9 +66,9 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
         {binary + "--contrast year", "--contrast needs --model fixed"},
         {binary + "--drapery", "--drapery needs --plots or --html"},
         {binary + "--bubble year --prediction-band", "--prediction-band needs --plots or --html"},
-        {binary + "--prediction-band --html page.html", "--prediction-band needs --bubble"},
+        {binary + "--prediction-band --html page.html", "--prediction-band needs a bubble plot"},
         {binary + "--bubble year --model fixed --prediction-band --html page.html",
-         "--prediction-band needs the random-effects model"},
+         "--prediction-band needs --model random"},
         {binary + "--model fixed --weights mantel-haenszel --null -1", "--null: -1 cannot be a ratio"},
         {binary + "--tau2-search scoring --max-iterations 0", "--max-iterations: 0 leaves the estimator"},
         {binary + "--preset library --trim-fill run --model fixed --max-iterations 0",
@@ -175,7 +175,7 @@ TEST(Refusals, UnusableColumnsAndFieldsAreRefused)
     expectRefused("effect,Variance\n1,2\n", "' has no column 'variance'. Did you mean Variance?");
     expectRefused("effect,variance,effect\n1,2,3\n", "', line 1: column 1 and column 3 are both named");
     ExpectRefused({
-        {Effects(data), "t.csv, line 4, column 'effect': 'x' is not a number"},
+        {Effects(data), "t.csv', line 4, column 'effect': 'x' is not a number"},
         {smoking + "--bubble country --subgroup country", "column 'country': 'USA' is not a number"},
         {smoking + "--bubble year --bubble year", "--bubble: column 'year' is given twice"},
     });
@@ -241,7 +241,7 @@ TEST(Refusals, BatchesWithoutMeaningAreRefused)
         {batch({folder.Write("empty", "")}), "is empty: a header line"},
         {batch({good, folder.Write("head", "key y s\n\n")}), "has a header line and no data"},
         {batch({good, folder.Write("has", "key y\na 1\n")}), "has' has no column 's'."},
-        {batch({good, folder.Write("has", "Key y s\na 1 1\n")}), "no column 'key'. Did you mean Key?"},
+        {batch({good, folder.Write("case", "Key y s\na 1 1\n")}), "no column 'key'. Did you mean Key?"},
         {batch({folder.Write("twice", "key y s y\na 1 1 1\n")}), "two columns are named 'y'"},
         {batch({cut}), "cut' ends in the middle of its gzip data"},
         {batch({folder.Write("zero", std::string("key y s\na 1 1\n\0 1 1\n", 21))}),

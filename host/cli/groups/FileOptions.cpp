@@ -3,6 +3,7 @@
 #include "host/text/UnusableInput.h"
 
 #include <fmt/format.h>
+#include <fmt/ranges.h>
 
 #include <cstddef>
 #include <optional>
@@ -27,11 +28,11 @@ constexpr NamedCharacter SEPARATORS[] = {{',', "comma"}, {';', "semicolon"}, {'\
 constexpr NamedCharacter DECIMAL_MARKS[] = {{'.', "point"}, {',', "comma"}};
 
 template <std::size_t N>
-std::string NamesOf(const NamedCharacter (&characters)[N])
+std::vector<std::string> NamesOf(const NamedCharacter (&characters)[N])
 {
-    std::string names = "auto";
+    std::vector<std::string> names = {"auto"};
     for (const NamedCharacter& one : characters)
-        names += fmt::format(", {}", one.name);
+        names.emplace_back(one.name);
     return names;
 }
 
@@ -46,7 +47,8 @@ std::optional<char> CharacterOf(const std::string& text, const NamedCharacter (&
             return one.character;
     if (text == "\\t")
         return CharacterOf("tab", characters);
-    throw UnusableInput(fmt::format("'{}' is unknown; known are {}.", text, NamesOf(characters)));
+    throw UnusableInput(
+        fmt::format("'{}' is unknown; known are {}.", text, fmt::join(NamesOf(characters), ", ")));
 }
 
 template <std::size_t N>
@@ -56,7 +58,8 @@ OptionDefinition CharacterOption(const char* name, const char* help, std::option
     return {
         .name = name,
         .argument = "NAME",
-        .help = fmt::format("{}: {} (default auto)", help, NamesOf(characters)),
+        .help = fmt::format("{}: {} (default auto)", help, fmt::join(NamesOf(characters), ", ")),
+        .choices = NamesOf(characters),
         .store = [&target, &characters](const std::string& text) { target = CharacterOf(text, characters); },
         .value =
             [&target, &characters] {
