@@ -76,11 +76,6 @@ void CheckEffects(const Options& options)
 void CheckBatch(const BatchOptions& batch)
 {
     AreBothNamed(batch.effectAllele, "effect-allele", batch.otherAllele, "other-allele");
-    const bool isOneFile = batch.files.size() == 1;
-    if (batch.isSorted && isOneFile)
-        throw UnusableInput("--sorted has no effect on one file, whose rows of a key are together.");
-    if (batch.isUnsorted && !isOneFile)
-        throw UnusableInput("--unsorted has no effect on several files, whose keys may be in any order.");
 }
 
 } // namespace

@@ -146,7 +146,8 @@ std::string CompletionForBash(const std::vector<CommandOptions>& commands)
         PROGRAM_NAME, names, options, arguments, COLUMNS_FUNCTION, BASH_FUNCTION);
 }
 
-/// A description as zsh takes it behind an option: one line, without the characters that have a meaning there.
+/// The help of an option within an argument of zsh's _arguments: its first line, with the characters that
+/// have a meaning there escaped.
 std::string Described(const std::string& help)
 {
     std::string text;
@@ -169,7 +170,7 @@ std::string ActionForZsh(const OptionDefinition& option)
     return option.argument == "FOLDER" ? "_files -/" : " ";
 }
 
-std::string SpecificationForZsh(const OptionDefinition& option, const std::string& word)
+std::string OptionForZsh(const OptionDefinition& option, const std::string& word)
 {
     const std::string argument =
         option.argument.empty() ? ""
@@ -188,7 +189,7 @@ std::string CompletionForZsh(const std::vector<CommandOptions>& commands)
                                  command.takesManyFiles ? "*" : "1");
         for (const OptionDefinition& option : command.options)
             for (const std::string& word : WordsOf(option))
-                arguments += SpecificationForZsh(option, word);
+                arguments += OptionForZsh(option, word);
         arguments += " ;;\n";
     }
     return fmt::format(

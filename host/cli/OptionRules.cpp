@@ -1,5 +1,6 @@
 #include "host/cli/OptionRules.h"
 
+#include "host/cli/ReportOutputOptions.h"
 #include "host/text/Measures.h"
 #include "host/text/UnusableInput.h"
 #include "host/text/Wording.h"
@@ -130,6 +131,21 @@ bool HasFiguresOfTwoGroups(const Options& options)
            (options.picture.layout != ForestLayout::PLAIN || !options.picture.forestColumns.empty());
 }
 
+bool HasReport(const Options& options)
+{
+    return WritesReportToStandardOutput(options) || options.report.output || options.htmlPath;
+}
+
+bool HasRoundedNumbers(const Options& options)
+{
+    return HasReport(options) || options.report.tablePath || options.plotsFolder;
+}
+
+bool IsOneFile(const Options& options)
+{
+    return options.batch.files.size() == 1;
+}
+
 /// A batch computes the results of its columns alone.
 bool HasBatchColumn(const Options& options, std::string_view first, std::string_view second)
 {
@@ -170,8 +186,7 @@ const std::vector<OptionRule>& Rules()
         {{"weights"},
          HasMeasureOfWeights,
          "mantel-haenszel needs a rate ratio or a rate difference of two groups (command rates), or 2x2 "
-         "tables "
-         "(command binary)."},
+         "tables (command binary)."},
         {{"weights"},
          HasModelOfWeights,
          "mantel-haenszel needs --model fixed: the random-effects model weights by inverse variance."},
@@ -284,6 +299,16 @@ const std::vector<OptionRule>& Rules()
         {{"resolution"},
          [](const Options& options) { return options.plotFormat == PictureFormat::PNG; },
          "needs --plot-format png: other pictures have no pixels."},
+
+        // Report
+        {{"citation"}, HasReport, "stands behind the report, which is not written here."},
+        {{"digits"}, HasRoundedNumbers, "has no effect on the JSON, which has all digits."},
+
+        // Batch
+        {{"sorted"},
+         [](const Options& options) { return !IsOneFile(options); },
+         "has no effect on one file, whose rows of a key are together."},
+        {{"unsorted"}, IsOneFile, "has no effect on several files, whose keys may be in any order."},
     };
     return rules;
 }

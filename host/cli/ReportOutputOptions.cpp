@@ -66,25 +66,11 @@ std::vector<const char*> UsersOfStandardOutput(const Options& options)
     return users;
 }
 
-bool WritesReport(const Options& options)
-{
-    return WritesReportToStandardOutput(options) || options.report.output;
-}
-
 /// Without any file to write, the exit status is what a quiet run tells.
 void CheckQuiet(const Options& options)
 {
     if (options.report.isQuiet && options.report.output)
         throw UnusableInput("--quiet leaves out the report, which --output writes.");
-}
-
-void CheckEffects(const Options& options)
-{
-    const bool hasReport = WritesReport(options) || options.htmlPath;
-    if (options.report.hasCitation && !hasReport)
-        throw UnusableInput("--citation stands behind the report, which is not written here.");
-    if (options.report.digits && !hasReport && !options.report.tablePath && !options.plotsFolder)
-        throw UnusableInput("--digits has no effect on the JSON, which has all digits.");
 }
 
 } // namespace
@@ -122,7 +108,6 @@ void CheckReportOutput(const Options& options)
     if (options.report.tablePath)
         TableKindOf(*options.report.tablePath);
     CheckQuiet(options);
-    CheckEffects(options);
 }
 
 } // namespace host

@@ -117,7 +117,7 @@ char DataTable::FindSeparator(std::string_view text)
 {
     if (format_.separator)
         return *format_.separator;
-    const Separator found = SeparatorOf(text);
+    const FoundSeparator found = SeparatorOf(text);
     if (found.isGuess)
         notes_.push_back(
             fmt::format("The header line of the data file has several separators; the file is read "

@@ -63,7 +63,7 @@ std::optional<char> SeparatorLine(std::string_view text)
     return isKnown ? std::optional(line[4]) : std::nullopt;
 }
 
-Separator SeparatorOf(std::string_view text)
+FoundSeparator SeparatorOf(std::string_view text)
 {
     if (const std::optional<char> named = SeparatorLine(text))
         return {*named};

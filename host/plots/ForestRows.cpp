@@ -141,11 +141,6 @@ void SetPooled(ForestRow& row, const Rows& studies)
     }
 }
 
-const ForestStyle& StyleOf(const AnalysisData& data)
-{
-    return host::StyleOf(data.request.forest.options.layout);
-}
-
 /// The models of the forest plot. What the library lists for each of them is read once, because there may be
 /// thousands of groups.
 class Models
@@ -233,7 +228,6 @@ std::size_t OverallModel(const AnalysisData& data)
 template <class MakeEnd>
 Rows GroupedRows(const AnalysisData& data, const std::vector<Rows>& blocks, const MakeEnd& makeEnd)
 {
-    const EffectRows pooled = PooledRows(data);
     Rows rows;
     for (std::size_t group = 0; group < data.groupLabels.size(); ++group) {
         rows.push_back({Kind::HEADING, GroupName(data, group)});

@@ -16,11 +16,6 @@ namespace host {
 
 namespace {
 
-const ForestStyle& StyleOf(const AnalysisData& data)
-{
-    return host::StyleOf(data.request.forest.options.layout);
-}
-
 std::string Subscript(int number)
 {
     constexpr std::array DIGITS = {"₀", "₁", "₂", "₃", "₄", "₅", "₆", "₇", "₈", "₉"};
@@ -156,6 +151,11 @@ std::string InTitleCase(std::string text)
 }
 
 } // namespace
+
+const ForestStyle& StyleOf(const AnalysisData& data)
+{
+    return StyleOf(data.request.forest.options.layout);
+}
 
 std::string PValueInStyle(double p, const PValueStyle& style)
 {

@@ -10,6 +10,9 @@
 
 namespace host {
 
+/// Of the layout that is asked for.
+const ForestStyle& StyleOf(const AnalysisData& data);
+
 /// "p = 0.03", "P < .001": two decimals, or more where fewer would show no digit or move p across 0.05.
 std::string PValueInStyle(double p, const PValueStyle& style);
 
