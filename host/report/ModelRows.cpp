@@ -1,5 +1,8 @@
 #include "host/report/ModelRows.h"
 
+#include "host/report/EffectRows.h"
+
+#include <algorithm>
 #include <map>
 #include <numeric>
 
@@ -25,9 +28,6 @@ constexpr ModelColumn MODEL_COLUMNS[] = {
     {&ModelRow::q, &MABaseModel::GetHomoTestChisquareQ},
     {&ModelRow::qDf, &MABaseModel::GetHomoTestdf},
     {&ModelRow::qSig, &MABaseModel::GetHomoTestSig},
-    {&ModelRow::estimate, &MABaseModel::GetEstEffectSize},
-    {&ModelRow::ciLower, &MABaseModel::GetEstCILower},
-    {&ModelRow::ciUpper, &MABaseModel::GetEstCIUpper},
     {&ModelRow::predictionLower, &MABaseModel::GetPILower},
     {&ModelRow::predictionUpper, &MABaseModel::GetPIUpper},
     {&ModelRow::df, &MABaseModel::GetEstDf},
@@ -54,6 +54,15 @@ std::vector<std::vector<std::size_t>> StudiesOfModels(const AnalysisData& data)
     return ofModels;
 }
 
+/// The values are of the rows, the last of all studies; before them may be that of a cumulative analysis
+/// which leaves studies out.
+void Fill(std::vector<ModelRow>& rows, double ModelRow::*field, const std::vector<double>& values)
+{
+    const std::size_t skipped = values.size() - std::min(values.size(), rows.size());
+    for (std::size_t row = 0; row < rows.size(); ++row)
+        rows[row].*field = skipped + row < values.size() ? values[skipped + row] : KXMV::Missing();
+}
+
 } // namespace
 
 std::vector<ModelRow> ModelRowsOf(const AnalysisData& data)
@@ -66,11 +75,12 @@ std::vector<ModelRow> ModelRowsOf(const AnalysisData& data)
         rows[row].studies = studies[row];
     }
     rows.back().isOverall = true;
-    for (const ModelColumn& column : MODEL_COLUMNS) {
-        const std::vector<double> values = (data.base.*column.get)();
-        for (std::size_t row = 0; row < rows.size(); ++row)
-            rows[row].*column.field = row < values.size() ? values[row] : KXMV::Missing();
-    }
+    for (const ModelColumn& column : MODEL_COLUMNS)
+        Fill(rows, column.field, (data.base.*column.get)());
+    const Estimates pooled = PooledRows(data).effects; // the last steps of a cumulative analysis
+    Fill(rows, &ModelRow::estimate, pooled.values);
+    Fill(rows, &ModelRow::ciLower, pooled.lower);
+    Fill(rows, &ModelRow::ciUpper, pooled.upper);
     return rows;
 }
 
