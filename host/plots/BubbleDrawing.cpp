@@ -94,8 +94,9 @@ std::string Equation(const CovariatePlot& plot)
     const CovariateSlope& slope = plot.slope;
     if (!IsNumber(slope.intercept) || !IsNumber(slope.slope))
         return {};
-    return fmt::format("{} = {:.6g} {} {:.6g} × {}", plot.effectName, slope.intercept,
-                       slope.slope < 0 ? "-" : "+", std::abs(slope.slope), plot.covariateTitle);
+    return fmt::format(
+        "{} = {} {} {:.6g} × {}", plot.effectName, WithMinusSign(fmt::format("{:.6g}", slope.intercept)),
+        WithMinusSign(slope.slope < 0 ? "-" : "+"), std::abs(slope.slope), plot.covariateTitle);
 }
 
 std::string SlopeText(const CovariatePlot& plot)
@@ -103,9 +104,10 @@ std::string SlopeText(const CovariatePlot& plot)
     const CovariateSlope& slope = plot.slope;
     if (!IsNumber(slope.slope))
         return {};
-    std::string text = "Slope " + NumberText(slope.slope);
+    const auto number = [&](double value) { return WithMinusSign(plot.numbers(value)); };
+    std::string text = "Slope " + number(slope.slope);
     if (IsNumber(slope.lower) && IsNumber(slope.upper))
-        text += fmt::format(" [{} CI {}, {}]", plot.level, NumberText(slope.lower), NumberText(slope.upper));
+        text += fmt::format(" [{} CI {}, {}]", plot.level, number(slope.lower), number(slope.upper));
     if (IsNumber(slope.significance))
         text += ", p " + EqualsText(slope.significance);
     return text;

@@ -3,6 +3,7 @@
 #include "host/draw/Picture.h"
 #include "host/plots/PlotAxes.h"
 #include "host/plots/ScatterPlot.h"
+#include "host/text/NumberFormat.h"
 
 #include <string>
 #include <vector>
@@ -39,6 +40,7 @@ struct CovariatePlot
     std::string effectName;     ///< "log odds ratio"
     bool hasNoEffect;           ///< whether 0 is the place of no effect
     std::string level;
+    NumberFormat numbers;
     std::vector<double> x; ///< of the studies, as the next two
     std::vector<double> effects;
     std::vector<double> weights;

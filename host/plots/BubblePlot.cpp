@@ -71,6 +71,7 @@ Picture BubblePlot(const AnalysisData& data, std::size_t index)
                           .effectName = data.measure.AnalysisName(),
                           .hasNoEffect = data.measure.hasNoEffect,
                           .level = data.level,
+                          .numbers = data.numbers,
                           .x = base.GetBubbleXs()[index],
                           .effects = base.GetEffectSize(),
                           .weights = base.GetBubbleW()[index],

@@ -133,6 +133,7 @@ Picture BubblePicture(const RegressionData& data, std::size_t number, int variab
                           .effectName = data.measure.AnalysisName(),
                           .hasNoEffect = data.measure.hasNoEffect,
                           .level = data.level,
+                          .numbers = data.numbers,
                           .x = bubbles.studyX,
                           .effects = bubbles.studyEffects,
                           .weights = bubbles.studyWeights,

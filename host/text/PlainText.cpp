@@ -85,11 +85,19 @@ double WidthOf(CodePoints::const_iterator first, CodePoints::const_iterator last
     return width;
 }
 
-/// Whether a line may end between two neighbours.
-bool MayEndBetween(utf8proc_int32_t before, utf8proc_int32_t after)
+bool IsRelation(utf8proc_int32_t c)
 {
-    const bool isBehindWide = utf8proc_charwidth(before) == 2 && utf8proc_charwidth(after) > 0;
-    return before == ' ' || before == '-' || before == '/' || isBehindWide;
+    return c == '=' || c == '<' || c == '>';
+}
+
+/// Whether a line may end before `next`, which is not the first. What "p = 0.03" says stays together.
+bool MayEndBefore(CodePoints::const_iterator next, CodePoints::const_iterator first)
+{
+    const utf8proc_int32_t before = *(next - 1);
+    if (before == ' ')
+        return !IsRelation(*next) && (next - 1 == first || !IsRelation(*(next - 2)));
+    const bool isBehindWide = utf8proc_charwidth(before) == 2 && utf8proc_charwidth(*next) > 0;
+    return before == '-' || before == '/' || isBehindWide;
 }
 
 /// Where the line that starts at `first` ends: at the last place that fits and where a line may end, else at
@@ -100,7 +108,7 @@ CodePoints::const_iterator EndOfLine(CodePoints::const_iterator first, CodePoint
     auto end = last;
     double width = WidthOf(*first); // one character is always taken
     for (auto next = first + 1; next != last; ++next) {
-        if (MayEndBetween(*(next - 1), *next))
+        if (MayEndBefore(next, first))
             end = next;
         width += WidthOf(*next);
         if (width > limit && *next != ' ')
