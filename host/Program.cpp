@@ -27,8 +27,11 @@
 #include <fmt/ranges.h>
 
 #include <csignal>
+#include <cstddef>
 #include <exception>
+#include <memory>
 #include <new>
+#include <utility>
 #include <variant>
 
 using namespace MA_NAMESPACE;
@@ -46,9 +49,13 @@ std::string ParametersOfHypotheses(const RegressionData& data)
     return fmt::format("The parameters are {}.", fmt::join(data.ParameterNames(), ", "));
 }
 
-int AnalyseRegression(const Options& options, const DataTable& table)
+/// The texts of the file go as soon as nothing needs them: a million studies have some 50 MB.
+using OwnedTable = std::unique_ptr<const DataTable>;
+
+int AnalyseRegression(const Options& options, OwnedTable table)
 {
-    const RegressionRequest request = MakeRegressionRequest(options, table);
+    const RegressionRequest request = MakeRegressionRequest(options, *table);
+    table.reset();
     const RegressionAnalysis analysis = WithProgress(
         "Fitting the model", [&] { return RunRegression(request, options.settings.GetModelType()); });
     const auto makeReport = [&] { return MakeRegressionReport(options, request, analysis); };
@@ -68,19 +75,22 @@ int AnalyseRegression(const Options& options, const DataTable& table)
                         ParametersOfHypotheses(RegressionData(options, request, analysis)), makeTable});
 }
 
-int AnalyseStudies(const Options& options, const DataTable& table)
+int AnalyseStudies(const Options& options, OwnedTable table)
 {
-    AnalysisRequest request = MakeAnalysisRequest(options, table);
+    AnalysisRequest request = MakeAnalysisRequest(options, *table);
+    const std::size_t read = table->RowCount();
+    if (!options.report.tablePath)
+        table.reset();
     const Analysis analysis = WithProgress("Analysing the studies", [&] { return RunAnalysis(request); });
     const auto makeReport = [&] { return MakeAnalysisReport(options, request, analysis); };
     const auto makeJson = [&] {
-        return RenderJson(options, {request.studyLabels, request.lines, analysis.Records(table.RowCount()),
+        return RenderJson(options, {request.studyLabels, request.lines, analysis.Records(read),
                                     analysis.FinalStatus(), WarningsOf(AnalysisData(request, analysis)),
                                     ResultsOf(analysis), CautionsOf(AnalysisData(request, analysis))});
     };
     const auto makePictures = [&] { return MakePictures(request, analysis); };
     const auto makeTable = [&](TableKind kind) {
-        return RenderTable(StudyTableOf(options, table, AnalysisData(request, analysis)), kind);
+        return RenderTable(StudyTableOf(options, *table, AnalysisData(request, analysis)), kind);
     };
     return WriteOutput(
         options,
@@ -92,10 +102,11 @@ int Analyse(const Options& options)
     if (options.command == Command::BATCH)
         return RunBatch(options);
     CheckOutputPlaces(options);
-    const DataTable table = WithProgress("Reading " + LabelText(DataName(options.dataPath)),
-                                         [&] { return DataTable::Read(options.dataPath, options.file); });
-    return options.command == Command::REGRESSION ? AnalyseRegression(options, table)
-                                                  : AnalyseStudies(options, table);
+    OwnedTable table = WithProgress("Reading " + LabelText(DataName(options.dataPath)), [&] {
+        return std::make_unique<const DataTable>(DataTable::Read(options.dataPath, options.file));
+    });
+    return options.command == Command::REGRESSION ? AnalyseRegression(options, std::move(table))
+                                                  : AnalyseStudies(options, std::move(table));
 }
 
 int Run(int argc, const char* const* argv)

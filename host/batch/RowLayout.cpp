@@ -38,6 +38,11 @@ public:
                 fmt::format("{}: a double quote is misplaced in the header line.", fileName_));
         for (std::size_t field = 0; field < count; ++field)
             names_.push_back(TrimmedField(cutter.Field(line.data(), field)));
+        if (count == 1 && names_.front().find(';') != std::string_view::npos)
+            throw UnusableInput(
+                fmt::format("{}: the header line has semicolons; fields are separated by tabs, commas or "
+                            "blanks, and numbers have decimal points.",
+                            fileName_));
     }
 
     Separator FieldSeparator() const { return separator_; }

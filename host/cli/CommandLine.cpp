@@ -192,10 +192,11 @@ void DescribeProgram(CLI::App& program)
 [[noreturn]] void FailWithoutCommand(const CLI::App& program)
 {
     const std::vector<std::string> arguments = program.remaining();
-    const std::string problem = arguments.empty()
-                                    ? "No command is given."
-                                    : fmt::format("'{}' is no command.{}", arguments.front(),
-                                                  DidYouMean(arguments.front(), ListOfNames(COMMANDS)));
+    std::vector<std::string> names = ListOfNames(COMMANDS);
+    names.insert(names.end(), {"help", "--help", "--version"});
+    const std::string problem = arguments.empty() ? "No command is given."
+                                                  : fmt::format("'{}' is no command.{}", arguments.front(),
+                                                                DidYouMean(arguments.front(), names));
     throw UnusableInput(fmt::format("{} The commands are {}; '{} --help' tells more.", problem,
                                     NamesOf(COMMANDS), PROGRAM_NAME));
 }

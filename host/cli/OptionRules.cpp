@@ -123,6 +123,14 @@ bool HasPictures(const Options& options)
     return options.htmlPath || options.plotsFolder;
 }
 
+/// The names of the groups head the columns of their figures.
+bool HasFiguresOfTwoGroups(const Options& options)
+{
+    const Command command = options.command;
+    return (command == Command::BINARY || command == Command::CONTINUOUS || command == Command::RATES) &&
+           (options.picture.layout != ForestLayout::PLAIN || !options.picture.forestColumns.empty());
+}
+
 bool HasReport(const Options& options)
 {
     return WritesReportToStandardOutput(options) || options.report.output || options.htmlPath;
@@ -271,6 +279,15 @@ const std::vector<OptionRule>& Rules()
          },
          "needs a bubble plot: --bubble, in a regression --covariate."},
         {{"prediction-band"}, IsRandomModel, "needs --model random: a fixed effect does not vary."},
+        {{"group-names"},
+         HasFiguresOfTwoGroups,
+         "needs the figures of two groups in the forest plot: 2x2 tables, means or rates, and --layout or "
+         "--forest-columns."},
+        {{"forest-prediction"},
+         [](const Options& options) {
+             return IsRandomModel(options) || options.picture.models == ForestModels::BOTH;
+         },
+         "is for the random-effects model: the fixed one has no prediction interval."},
         {{"favours"},
          [](const Options& options) {
              return !HasSteps(options.command) || MeasureOf(options.settings).hasNoEffect;

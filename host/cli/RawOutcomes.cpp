@@ -101,6 +101,9 @@ std::size_t MissingEffects(Options& options, Command data, const std::vector<std
 Command DataGiven(Options& options, const std::vector<std::string>& effects)
 {
     const std::vector<std::string> given = GivenOf(options, OfAllData(options, ColumnsOfData));
+    if (given.empty())
+        throw UnusableInput("--effect-size is required, or the columns of raw data, such as "
+                            "--treatment-events.");
     std::optional<Command> found;
     std::size_t fewest = std::numeric_limits<std::size_t>::max();
     for (const Command data : DataOfRegressions()) {

@@ -58,13 +58,14 @@ std::string FewStudiesForTau2(const Subject& subject)
         "are as uncertain");
 }
 
+/// Models of two studies have such an interval under KNAPP_HARTUNG_IF_HETEROGENEOUS too.
 std::string NormalIntervalOfFew(const Subject& subject)
 {
-    const bool isSettled = subject.data.settings.GetKnapHartAdjustType() != MAConst::KNAPP_HARTUNG_NONE;
     return OfModels(
         subject,
         [&](const ModelRow& model) {
-            return !isSettled && subject.HasOwnTau2(model) && model.tau2 > 0 &&
+            const bool isByNormal = !(model.df > 0);
+            return isByNormal && subject.HasOwnTau2(model) && model.tau2 > 0 &&
                    model.studies.size() < FEW_STUDIES;
         },
         CountText,

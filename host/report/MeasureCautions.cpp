@@ -66,15 +66,24 @@ std::string FarPetoOddsRatio(const Subject& subject)
         "Peto's method is biased for odds ratios far from 1, the more so with groups of different sizes");
 }
 
+/// What pools the same counts without the constant.
+const char* AlternativeToCorrection(const MAModelSettings& settings)
+{
+    return IsMeasured(settings) && !allOutcomeMeasures[settings.GetOutcomeMeasure()].poolsCounts
+               ? "a measure that is defined at 0, such as --effect freeman-tukey"
+               : "--weights mantel-haenszel with --model fixed";
+}
+
 std::string CorrectedZeros(const Subject& subject)
 {
     const int count = CorrectedStudies(subject.data);
     if (PoolsTables(subject.data.settings) || count == 0)
         return {};
-    return fmt::format("{} of {} studies have a zero-cell correction of {}: pooled by inverse variance, that "
-                       "constant is part of the result; compare --zero-delta, or --weights mantel-haenszel "
-                       "with --model fixed where the measure has it",
-                       count, subject.StudyCount(), subject.data.settings.GetZeroCountDelta());
+    return fmt::format("{} of {} studies {} a zero-cell correction of {}: pooled by inverse variance, that "
+                       "constant is part of the result; compare --zero-delta, or {}",
+                       count, subject.StudyCount(), count == 1 ? "has" : "have",
+                       subject.data.settings.GetZeroCountDelta(),
+                       AlternativeToCorrection(subject.data.settings));
 }
 
 /// The sizes are those that the variances 1 / (4n + 2) have.

@@ -1,5 +1,7 @@
 #include "host/report/ModelRows.h"
 
+#include "host/report/EffectRows.h"
+
 #include <map>
 #include <numeric>
 
@@ -25,21 +27,25 @@ constexpr ModelColumn MODEL_COLUMNS[] = {
     {&ModelRow::q, &MABaseModel::GetHomoTestChisquareQ},
     {&ModelRow::qDf, &MABaseModel::GetHomoTestdf},
     {&ModelRow::qSig, &MABaseModel::GetHomoTestSig},
-    {&ModelRow::estimate, &MABaseModel::GetEstEffectSize},
-    {&ModelRow::ciLower, &MABaseModel::GetEstCILower},
-    {&ModelRow::ciUpper, &MABaseModel::GetEstCIUpper},
     {&ModelRow::predictionLower, &MABaseModel::GetPILower},
     {&ModelRow::predictionUpper, &MABaseModel::GetPIUpper},
     {&ModelRow::df, &MABaseModel::GetEstDf},
 };
 
-/// The positions among the studies of each group's, and then of all.
-std::vector<std::vector<std::size_t>> StudiesOfModels(const AnalysisData& data)
+void Fill(std::vector<ModelRow>& rows, double ModelRow::*field, const std::vector<double>& values)
+{
+    for (std::size_t row = 0; row < rows.size(); ++row)
+        rows[row].*field = row < values.size() ? values[row] : KXMV::Missing();
+}
+
+/// The positions among the studies of each group's, or of those in the steps of a cumulative analysis where
+/// it lacks some, and then of all.
+std::vector<std::vector<std::size_t>> StudiesOfModels(const AnalysisData& data, std::size_t modelCount)
 {
     const std::vector<int> records = data.base.GetNonMissingStudyID();
     std::vector<std::size_t> all(records.size());
     std::iota(all.begin(), all.end(), std::size_t{0});
-    if (data.groupLabels.empty())
+    if (modelCount < 2)
         return {all};
     std::map<int, std::size_t> studyOf;
     for (const std::size_t study : all)
@@ -58,7 +64,8 @@ std::vector<std::vector<std::size_t>> StudiesOfModels(const AnalysisData& data)
 
 std::vector<ModelRow> ModelRowsOf(const AnalysisData& data)
 {
-    const std::vector<std::vector<std::size_t>> studies = StudiesOfModels(data);
+    const Estimates pooled = PooledRows(data).effects;
+    const std::vector<std::vector<std::size_t>> studies = StudiesOfModels(data, pooled.values.size());
     const std::vector<std::string> labels = data.RowLabels(studies.size());
     std::vector<ModelRow> rows(studies.size());
     for (std::size_t row = 0; row < rows.size(); ++row) {
@@ -66,11 +73,11 @@ std::vector<ModelRow> ModelRowsOf(const AnalysisData& data)
         rows[row].studies = studies[row];
     }
     rows.back().isOverall = true;
-    for (const ModelColumn& column : MODEL_COLUMNS) {
-        const std::vector<double> values = (data.base.*column.get)();
-        for (std::size_t row = 0; row < rows.size(); ++row)
-            rows[row].*column.field = row < values.size() ? values[row] : KXMV::Missing();
-    }
+    for (const ModelColumn& column : MODEL_COLUMNS)
+        Fill(rows, column.field, (data.base.*column.get)());
+    Fill(rows, &ModelRow::estimate, pooled.values);
+    Fill(rows, &ModelRow::ciLower, pooled.lower);
+    Fill(rows, &ModelRow::ciUpper, pooled.upper);
     return rows;
 }
 

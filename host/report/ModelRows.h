@@ -31,7 +31,8 @@ struct ModelRow
     double df = 0; ///< of Student's t; missing for a normal test
 };
 
-/// The models of each group and of all studies, or the latter alone.
+/// The models of each group, or of the studies in a cumulative analysis where it lacks some, and of all
+/// studies.
 std::vector<ModelRow> ModelRowsOf(const AnalysisData& data);
 
 } // namespace host

@@ -61,7 +61,8 @@ Effect EntryOf(const Estimates& estimates, std::size_t entry)
     return {At(estimates.values, entry), At(estimates.lower, entry), At(estimates.upper, entry)};
 }
 
-/// Makes the rows in the order of the table: each group's studies with what is pooled of them, then all.
+/// Makes the rows in the order of the table: each group's studies with what is pooled of them, the studies
+/// that are in no group, then what is pooled of all.
 class RowMaker
 {
 public:
@@ -69,22 +70,32 @@ public:
 
     Rows Make() &&
     {
+        if (!hasGroups_)
+            AddStudies(models_.back());
         for (std::size_t i = 0; i < models_.size() && !records_.empty(); ++i) {
-            const ModelRow& model = models_[i];
-            if (!model.isOverall || models_.size() == 1)
-                for (const std::size_t study : model.studies)
-                    AddStudy(study, model);
+            if (hasGroups_)
+                AddStudies(models_[i]);
             AddPooled(i);
         }
         return std::move(rows_);
     }
 
 private:
+    /// The model of all studies adds those that no group has added.
+    void AddStudies(const ModelRow& model)
+    {
+        for (const std::size_t study : model.studies) {
+            if (!isAdded_[study])
+                AddStudy(study, model);
+            isAdded_[study] = true;
+        }
+    }
+
     void AddStudy(std::size_t study, const ModelRow& model)
     {
         rows_.push_back({.kind = Row::Kind::STUDY,
                          .label = labels_[study],
-                         .group = model.label,
+                         .group = model.isOverall ? "" : model.label,
                          .type = "study",
                          .record = records_[study],
                          .natural = EntryOf(studies_.naturals, study),
@@ -96,7 +107,7 @@ private:
     void AddPooled(std::size_t i)
     {
         const ModelRow& model = models_[i];
-        const std::string name = model.isOverall ? OVERALL : "Pooled";
+        const std::string name = model.isOverall ? OVERALL : hasGroups_ ? "Pooled" : model.label;
         const std::string group = model.isOverall ? "" : model.label;
         double weight = 0;
         for (const std::size_t study : model.studies)
@@ -133,6 +144,8 @@ private:
     const std::vector<double> stdErrors_ = data_.base.GetStdError();
     const EffectRows studies_ = StudyRows(data_);
     const EffectRows pooled_ = PooledRows(data_);
+    const bool hasGroups_ = !data_.groupLabels.empty();
+    std::vector<bool> isAdded_ = std::vector<bool>(records_.size());
     const Estimates predictions_ = {{}, data_.base.GetPILower(), data_.base.GetPIUpper()};
     Rows rows_;
 };

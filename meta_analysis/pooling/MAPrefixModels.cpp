@@ -24,6 +24,12 @@ MAWantedResults MeanAlone()
     return wanted;
 }
 
+/// Scoring that reaches its limit wanders as rounding takes it, so that other sums end elsewhere.
+bool IsSettled(const MATau2Estimate& tau2)
+{
+    return !tau2.status.IsError() && tau2.convergence != MAConst::TAU2_ITERATION_LIMIT;
+}
+
 } // namespace
 
 MAPrefixModels::MAPrefixModels(const MAEffects& studies, const MARandomEffectsChoice& choice)
@@ -42,7 +48,7 @@ std::optional<MAPooledModel> MAPrefixModels::Next()
         return std::nullopt;
     const MATau2Estimate tau2 = Tau2();
     const MAPrefixCurve::Fit fit = curve_.FitAt(tau2.tau2 / curve_.Unit());
-    if (!curve_.IsExact() || tau2.status.IsError())
+    if (!curve_.IsExact() || !IsSettled(tau2))
         return std::nullopt;
     last_ = tau2.tau2;
     const double mean = curve_.Sums().Origin() + fit.mean * std::sqrt(curve_.Unit());

@@ -24,8 +24,8 @@ public:
     /// Refers to the studies, whose variances are positive and finite.
     MAPrefixModels(const MAEffects& studies, const MARandomEffectsChoice& choice);
 
-    /// The model with one more study; none of few studies and where the sums lose digits, which needs a plain
-    /// fit.
+    /// The model with one more study; none of few studies, where the sums lose digits, and where scoring
+    /// reaches its limit, which need a plain fit.
     std::optional<MAPooledModel> Next();
 
 private:

@@ -53,6 +53,8 @@ TEST(ReportOutput, CautionsWhereANumberMisleads)
               "\\[0\\.98[0-9]+, 1\\.01[0-9]+\\] in place of \\[0\\.02002, 1\\.97998\\]: the "
               "interval after Knapp"},
              {Bcg(), "excludes no effect, the prediction interval, 0\\.1239 to 1\\.8183, includes it"},
+             {Bcg() + "--cumulative year",
+              "excludes no effect, the prediction interval, 0\\.1239 to 1\\.8183"},
              {Bcg() + "--small-study-test egger", "Pooled odds ratio 0\\.4746: the standard error of a log"},
              {Bcg() + "--tau2-search scoring --max-iterations 1", "reached --max-iterations .*provisional"},
              {raw, "no proportion is there"},
@@ -104,16 +106,33 @@ TEST(ReportOutput, CitesTheMethodsOfTheRun)
                 HasSubstr("@article{Viechtbauer2005,"));
 }
 
+/// Also a study without a group or a place in the order, which the model of all studies has.
+TEST(ReportOutput, TheTableHasEveryStudyOnce)
+{
+    const TemporaryFolder folder;
+    const Arguments effects =
+        Effects(folder.Write("f.csv", "s,effect,variance,g,o\nA,1,2,x,1\nB,2,2,x,\nC,4,1,,3\nD,5,1,y,4\n")) +
+        "--study s --table -";
+    for (const char* steps : {"", "--subgroup g", "--cumulative o", "--subgroup g --cumulative o"}) {
+        const std::string table = ReportOf(effects + steps);
+        for (const std::string study : {"A", "B", "C", "D"}) {
+            const std::size_t first = table.find("\"" + study + "\",\"study\",");
+            EXPECT_NE(first, std::string::npos) << steps << study;
+            EXPECT_EQ(first, table.rfind("\"" + study + "\",\"study\",")) << steps << study;
+        }
+    }
+}
+
 TEST(ReportOutput, WritesTheReportWhereItIsAskedFor)
 {
     const TemporaryFolder folder;
     const ProgramRun run = RunProgram(Bcg({"-o", folder.PathOf("r"), "--html", "-"}));
     EXPECT_THAT(run.output, StartsWith("<!DOCTYPE html>"));
     EXPECT_EQ(folder.Read("r"), ReportOf(Bcg()));
+    EXPECT_EQ(ReportOf(Bcg() + "-q"), "");
     for (const auto& [arguments, sentence] : std::vector<std::pair<std::string, std::string>>{
              {"--json - --table -", "--json - and --table - cannot both"},
              {"-o - --html -", "--html - and --output - cannot both"},
-             {"-q", "leaves nothing to write"},
              {"-q -o r --json -", "--quiet leaves out the report"},
              {"--table t.xlsx", "ends with none of .csv, .md and .tex"},
              {"--digits 16", "--digits: 16 is not from 0 to 15"},

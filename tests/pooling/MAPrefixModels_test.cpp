@@ -83,3 +83,13 @@ TEST(MAPrefixModels, EqualThePlainFitsOfTheirStudies)
                 ExpectPlainFits(studies, choice);
             }
 }
+
+TEST(MAPrefixModels, LeaveScoringThatReachesItsLimitToPlainFits)
+{
+    const Studies studies = Cases().front();
+    MARandomEffectsChoice choice;
+    choice.limits.maxIter = 2;
+    MAPrefixModels models({studies.effects, studies.variances}, choice);
+    for (std::size_t count = 1; count <= COUNT; ++count)
+        ASSERT_FALSE(models.Next()) << count;
+}
