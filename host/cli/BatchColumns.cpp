@@ -24,14 +24,12 @@ const BatchColumn& ColumnOf(std::string_view name)
 std::vector<BatchColumn> ParseBatchColumns(std::string_view list)
 {
     std::vector<BatchColumn> columns;
-    for (std::size_t start = 0; start <= list.size();) {
-        const std::size_t end = std::min(list.find(',', start), list.size());
-        const BatchColumn& column = ColumnOf(Trimmed(list.substr(start, end - start)));
+    for (const std::string_view name : PartsOfList(list)) {
+        const BatchColumn& column = ColumnOf(name);
         for (const BatchColumn& earlier : columns)
             if (earlier.name == column.name)
                 throw UnusableInput(fmt::format("'{}' is given twice.", column.name));
         columns.push_back(column);
-        start = end + 1;
     }
     return columns;
 }

@@ -11,8 +11,8 @@ struct FileFormat
 {
     std::optional<char> separator;   ///< comma, semicolon or tab; by the header line without
     std::optional<char> decimalMark; ///< point or comma; by the fields without
-    std::vector<std::string> missing = {"NA", "N/A", "NaN",
-                                        "."}; ///< texts of missing values in any case, beside empty fields
+    /// Texts of missing values in any case, beside empty fields.
+    std::vector<std::string> missing = {"NA", "N/A", "NaN", "."};
 };
 
 } // namespace host

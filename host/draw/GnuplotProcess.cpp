@@ -142,9 +142,10 @@ private:
 };
 
 /// Becomes gnuplot, in the process that `fork` has made; returns when it cannot. The system ends gnuplot when
-/// this program ends for whatever reason, a signal that nobody can handle included: gnuplot itself takes an
-/// interrupt for the end of a command alone. `fork` and `exec` it is, because no action of `posix_spawn` asks
-/// for that. Another thread may have held a lock at the fork, so that only system calls are made here.
+/// the thread that started it ends. That thread waits for gnuplot, so that only the end of this program comes
+/// before, for whatever reason, a signal that nobody can handle included: gnuplot itself takes an interrupt
+/// for the end of a command alone. `fork` and `exec` it is, because no action of `posix_spawn` asks for that.
+/// Another thread may have held a lock at the fork, so that nothing here takes one or memory of the heap.
 void BecomeGnuplot(const Streams& streams, pid_t parent, char* const* arguments, char* const* environment)
 {
     prctl(PR_SET_PDEATHSIG, SIGKILL);

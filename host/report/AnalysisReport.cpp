@@ -6,6 +6,7 @@
 #include "host/report/PresetSection.h"
 #include "host/report/RecordsSection.h"
 #include "host/report/Sections.h"
+#include "host/report/ZeroCellSentences.h"
 #include "host/report/citation/Methods.h"
 #include "host/text/Wording.h"
 
@@ -16,11 +17,6 @@
 namespace host {
 
 namespace {
-
-int CorrectedTables(const Analysis& analysis)
-{
-    return analysis.Binary() == nullptr ? 0 : analysis.Binary()->GetNZeroCorrected();
-}
 
 template <std::size_t N>
 void AppendSections(Report& report, SectionMaker* const (&makers)[N], const AnalysisData& data)
@@ -41,7 +37,7 @@ Report MakeAnalysisReport(const Options& options, const AnalysisRequest& request
     if (!records.used.empty())
         AppendSections(report, RESULT_SECTIONS, data);
     Append(report.sections, CautionsSection(CautionsOf(data)));
-    Append(report.sections, WarningsSection(Concerning(WarningsOf(data), CorrectedTables(analysis))));
+    Append(report.sections, WarningsSection(Concerning(WarningsOf(data), CorrectedStudies(data))));
     if (!records.used.empty())
         AppendSections(report, FURTHER_SECTIONS, data);
     Append(report.sections, PresetSection(options));

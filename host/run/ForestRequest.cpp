@@ -145,13 +145,8 @@ std::vector<std::string> NamesIn(const std::string& argument, const DataTable& t
 {
     if (HasColumn(table, argument))
         return {argument};
-    std::vector<std::string> names;
-    for (std::size_t start = 0; start <= argument.size();) {
-        const std::size_t end = std::min(argument.find(',', start), argument.size());
-        names.emplace_back(Trimmed(std::string_view(argument).substr(start, end - start)));
-        start = end + 1;
-    }
-    return names;
+    const std::vector<std::string_view> names = PartsOfList(argument);
+    return {names.begin(), names.end()};
 }
 
 /// The place of each record among the sorted ones; equal ones have the same.

@@ -163,11 +163,8 @@ Hypothesis ParseHypothesis(const std::string& text)
         const std::size_t equals = std::min(text.find('='), text.size());
         if (equals < text.size())
             hypothesis.value = ParseNumber(std::string_view(text).substr(equals + 1));
-        for (std::size_t start = 0; start <= equals;) {
-            const std::size_t comma = std::min(text.find(',', start), equals);
-            hypothesis.weights.push_back(ParseNumber(std::string_view(text).substr(start, comma - start)));
-            start = comma + 1;
-        }
+        for (const std::string_view weight : PartsOfList(std::string_view(text).substr(0, equals)))
+            hypothesis.weights.push_back(ParseNumber(weight));
         return hypothesis;
     });
 }

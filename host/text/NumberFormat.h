@@ -32,6 +32,6 @@ struct NumberFormat
 };
 
 /// EstimateTexts() of numbers in this format.
-std::vector<std::string> EstimateTexts(const Estimates& estimates, const NumberFormat& format);
+CompactTexts EstimateTexts(const Estimates& estimates, const NumberFormat& format);
 
 } // namespace host

@@ -173,12 +173,7 @@ CompactTexts EstimateTexts(const Estimates& estimates, int decimals)
     return JoinedTexts(estimates, [decimals](double value) { return FixedText(value, decimals); });
 }
 
-CompactTexts EstimateTexts(const Estimates& estimates)
-{
-    return JoinedTexts(estimates, NumberText);
-}
-
-std::vector<std::string> EstimateTexts(const Estimates& estimates, const NumberFormat& format)
+CompactTexts EstimateTexts(const Estimates& estimates, const NumberFormat& format)
 {
     return JoinedTexts(estimates, format);
 }

@@ -67,9 +67,7 @@ struct Estimates
     std::vector<double> upper;
 };
 
-/// "0.4746 [0.3296, 0.6835]" for each entry, or "[0.3296, 0.6835]"; each part as wide in all entries. With
-/// `decimals`, numbers are fixed texts, else number texts.
+/// "0.4746 [0.3296, 0.6835]" for each entry, or "[0.3296, 0.6835]"; each part as wide in all entries.
 CompactTexts EstimateTexts(const Estimates& estimates, int decimals);
-CompactTexts EstimateTexts(const Estimates& estimates);
 
 } // namespace host

@@ -1,12 +1,12 @@
 #include "host/text/TableKind.h"
 
-#include "host/text/Choice.h"
+#include "host/text/AsciiCase.h"
+#include "host/text/UnusableInput.h"
 
 #include <fmt/format.h>
 
 #include <array>
-#include <cctype>
-#include <string>
+#include <string_view>
 
 namespace host {
 
@@ -22,12 +22,9 @@ constexpr std::array TABLE_ENDINGS{TableEnding{".csv", TableKind::CSV},
                                    TableEnding{".md", TableKind::MARKDOWN},
                                    TableEnding{".tex", TableKind::LATEX}};
 
-std::string InLowerCase(std::string_view text)
+bool EndsWith(std::string_view path, std::string_view ending)
 {
-    std::string lower(text);
-    for (char& c : lower)
-        c = static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    return lower;
+    return path.size() > ending.size() && EqualInAnyCase(path.substr(path.size() - ending.size()), ending);
 }
 
 } // namespace
@@ -36,9 +33,8 @@ TableKind TableKindOf(std::string_view path)
 {
     if (path == "-")
         return TableKind::CSV;
-    const std::string lower = InLowerCase(path);
     for (const TableEnding& one : TABLE_ENDINGS)
-        if (lower.size() > one.ending.size() && lower.ends_with(one.ending))
+        if (EndsWith(path, one.ending))
             return one.kind;
     throw UnusableInput(fmt::format(
         "--table: '{}' ends with none of .csv, .md and .tex, which say how it is written.", path));

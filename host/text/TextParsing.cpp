@@ -46,6 +46,17 @@ std::string_view Trimmed(std::string_view text) noexcept
     return text.substr(first, text.find_last_not_of(blanks) - first + 1);
 }
 
+std::vector<std::string_view> PartsOfList(std::string_view list)
+{
+    std::vector<std::string_view> parts;
+    for (std::size_t start = 0; start <= list.size();) {
+        const std::size_t end = std::min(list.find(',', start), list.size());
+        parts.push_back(Trimmed(list.substr(start, end - start)));
+        start = end + 1;
+    }
+    return parts;
+}
+
 std::size_t LineEndsIn(std::string_view text) noexcept
 {
     std::size_t count = 0;

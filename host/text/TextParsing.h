@@ -2,11 +2,16 @@
 
 #include <cstddef>
 #include <string_view>
+#include <vector>
 
 namespace host {
 
 /// `text` without the blanks around it.
 std::string_view Trimmed(std::string_view text) noexcept;
+
+/// The parts of a list that commas separate, without the blanks around them; one at least, which may be
+/// empty. They refer to the text.
+std::vector<std::string_view> PartsOfList(std::string_view list);
 
 /// Number of line ends in `text`: LF, CRLF or CR.
 std::size_t LineEndsIn(std::string_view text) noexcept;

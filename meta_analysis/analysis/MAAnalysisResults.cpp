@@ -3,12 +3,9 @@
 #include "meta_analysis/analysis/MAAnalysisState.h"
 #include "meta_analysis/analysis/MAResultColumns.h"
 #include "meta_analysis/inference/MATestPValues.h"
-#include "meta_analysis/settings/MAStatusCode.h"
 #include "meta_analysis/settings/Memory.h"
 
-#include <algorithm>
 #include <cmath>
-#include <iterator>
 #include <numeric>
 
 namespace MA_NAMESPACE {
@@ -25,19 +22,6 @@ double HomogeneityDf(const MAPooledModel& model)
 double IfRandom(const MAPooledModel& model, double value)
 {
     return KXMV::IsMissing(model.tau2) ? KXMV::Missing() : value;
-}
-
-/// Empty when memory runs out.
-std::vector<int> RecordsWithWarning(const MARecordCounts& counts, int code) noexcept
-{
-    try {
-        std::vector<MARecordWarning> found;
-        std::copy_if(counts.warnings.begin(), counts.warnings.end(), std::back_inserter(found),
-                     [code](const MARecordWarning& warning) { return warning.code == code; });
-        return ValuesOf(found, &MARecordWarning::record);
-    } catch (...) {
-        return {};
-    }
 }
 
 } // namespace
@@ -101,59 +85,9 @@ MAConst::INPUTESTYPE MAAnalysisResults::GetInputESType() const
     return Results().settings.run.inputType;
 }
 
-int MAAnalysisResults::GetNMissing() const
-{
-    return Results().counts.missing;
-}
-
-int MAAnalysisResults::GetNInvalid() const
-{
-    return Results().counts.invalid;
-}
-
-int MAAnalysisResults::GetNDropped() const
-{
-    return Results().counts.dropped;
-}
-
 const std::vector<KXStatus>& MAAnalysisResults::GetWarnings() const
 {
     return Results().warnings;
-}
-
-std::vector<int> MAAnalysisResults::GetExcludedRecord() const
-{
-    return FieldOf(Results().counts.excluded, &MAExclusion::record);
-}
-
-std::vector<int> MAAnalysisResults::GetExclusionReason() const
-{
-    return FieldOf(Results().counts.excluded, [](const MAExclusion& one) { return int{one.reason}; });
-}
-
-std::vector<int> MAAnalysisResults::GetAsymmetricIntervalStudyID() const
-{
-    return RecordsWithWarning(Results().counts, MAStatusCode::INTERVAL_ASYMMETRIC);
-}
-
-std::vector<int> MAAnalysisResults::GetSkewedStudyID() const
-{
-    return RecordsWithWarning(Results().counts, MAStatusCode::SUMMARY_SKEWED);
-}
-
-std::vector<int> MAAnalysisResults::GetDoubtfulStdDevStudyID() const
-{
-    return RecordsWithWarning(Results().counts, MAStatusCode::STD_DEV_DOUBTFUL);
-}
-
-std::vector<int> MAAnalysisResults::GetNonIntegerCountStudyID() const
-{
-    return RecordsWithWarning(Results().counts, MAStatusCode::NON_INTEGER_COUNTS);
-}
-
-std::vector<int> MAAnalysisResults::GetEmptyGroupStudyID() const
-{
-    return RecordsWithWarning(Results().counts, MAStatusCode::EMPTY_GROUP);
 }
 
 std::vector<int> MAAnalysisResults::GetEffectConversion() const

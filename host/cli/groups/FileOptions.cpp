@@ -70,25 +70,17 @@ OptionDefinition CharacterOption(const char* name, const char* help, std::option
             }};
 }
 
-std::vector<std::string> PartsOf(std::string_view list)
-{
-    std::vector<std::string> parts;
-    for (;;) {
-        const std::size_t comma = list.find(',');
-        parts.emplace_back(Trimmed(list.substr(0, comma)));
-        if (comma == std::string_view::npos)
-            return parts;
-        list.remove_prefix(comma + 1);
-    }
-}
-
 OptionDefinition MissingOption(FileFormat& file)
 {
     return {.name = "missing",
             .argument = "LIST",
             .help = "texts of missing values in any case, separated by commas; empty fields always are "
                     "missing (default NA,N/A,NaN,.)",
-            .store = [&file](const std::string& text) { file.missing = PartsOf(text); },
+            .store =
+                [&file](const std::string& text) {
+                    const std::vector<std::string_view> parts = PartsOfList(text);
+                    file.missing = {parts.begin(), parts.end()};
+                },
             .value = [&file] { return Json(file.missing); }};
 }
 
