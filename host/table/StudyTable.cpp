@@ -61,7 +61,8 @@ Effect EntryOf(const Estimates& estimates, std::size_t entry)
     return {At(estimates.values, entry), At(estimates.lower, entry), At(estimates.upper, entry)};
 }
 
-/// Makes the rows in the order of the table: each group's studies with what is pooled of them, then all.
+/// Makes the rows in the order of the table: each group's studies with what is pooled of them, then those in
+/// none and what is pooled of all.
 class RowMaker
 {
 public:
@@ -69,11 +70,13 @@ public:
 
     Rows Make() &&
     {
+        std::vector<bool> isListed(records_.size());
         for (std::size_t i = 0; i < models_.size() && !records_.empty(); ++i) {
-            const ModelRow& model = models_[i];
-            if (!model.isOverall || models_.size() == 1)
-                for (const std::size_t study : model.studies)
-                    AddStudy(study, model);
+            for (const std::size_t study : models_[i].studies)
+                if (!isListed[study]) {
+                    AddStudy(study, models_[i]);
+                    isListed[study] = true;
+                }
             AddPooled(i);
         }
         return std::move(rows_);
@@ -84,7 +87,7 @@ private:
     {
         rows_.push_back({.kind = Row::Kind::STUDY,
                          .label = labels_[study],
-                         .group = model.label,
+                         .group = model.isOverall ? "" : model.label,
                          .type = "study",
                          .record = records_[study],
                          .natural = EntryOf(studies_.naturals, study),
@@ -93,9 +96,11 @@ private:
                          .weight = 100 * weights_[study]});
     }
 
-    void AddPooled(std::size_t i)
+    /// A cumulative analysis that leaves studies out has an effect before that of all.
+    void AddPooled(std::size_t number)
     {
-        const ModelRow& model = models_[i];
+        const ModelRow& model = models_[number];
+        const std::size_t i = number + pooled_.effects.values.size() - models_.size();
         const std::string name = model.isOverall ? OVERALL : "Pooled";
         const std::string group = model.isOverall ? "" : model.label;
         double weight = 0;
