@@ -177,6 +177,17 @@ std::vector<std::size_t> RanksOf(const std::string& column, const DataTable& tab
     });
 }
 
+/// Sizes stand beside events already.
+void LeaveOutSizesOfEvents(ForestRequest& request)
+{
+    auto& columns = request.columns;
+    const bool hasEvents = std::any_of(columns.begin(), columns.end(), [](const WantedColumn& column) {
+        return column.kind == Kind::EVENTS;
+    });
+    if (hasEvents)
+        std::erase_if(columns, [](const WantedColumn& column) { return column.kind == Kind::SIZE; });
+}
+
 bool IsSortedByColumn(const std::string& sort)
 {
     return sort != "file" && sort != "effect" && sort != "weight";
@@ -193,6 +204,7 @@ ForestRequest MakeForestRequest(const Options& options, const DataTable& table)
     for (const std::string& argument : options.picture.forestColumns)
         for (const std::string& name : NamesIn(argument, table))
             request.columns.push_back(ColumnOf(name, request, table));
+    LeaveOutSizesOfEvents(request);
     if (IsSortedByColumn(options.picture.forestSort))
         request.ranks = RanksOf(options.picture.forestSort, table);
     return request;
