@@ -29,6 +29,18 @@ std::string Element(const char* name, const std::string& text)
     return fmt::format("<{0}>{1}</{0}>\n", name, HtmlEscaped(text));
 }
 
+/// Keeps the ends of lines, which HtmlEscaped() makes blanks.
+std::string VerbatimElement(std::string_view text)
+{
+    std::string lines;
+    for (std::size_t start = 0; start < text.size();) {
+        const std::size_t end = std::min(text.find('\n', start), text.size());
+        lines += HtmlEscaped(std::string(text.substr(start, end - start))) + '\n';
+        start = end + 1;
+    }
+    return fmt::format("<pre><code>{}</code></pre>\n", lines);
+}
+
 /// The section that a picture stands in, by the start of both names. Others follow the results.
 struct PicturePlace
 {
@@ -45,7 +57,10 @@ constexpr PicturePlace PICTURE_PLACES[] = {{"cumulative-forest", "Cumulative ana
                                            {"funnel", "Small-study test"},
                                            {"funnel", "Trim-and-fill"},
                                            {"bubble", "Bubble plots"},
-                                           {"bubble", "Tests of the effects"}};
+                                           {"bubble", "Tests of the effects"},
+                                           {"residual", "Residual heterogeneity"},
+                                           {"dfbetas", "DFBETAS"},
+                                           {"drapery", "Heterogeneity"}};
 
 /// The sections that tell what the results rest on. Pictures without a section of their own stand before
 /// them.
@@ -130,7 +145,7 @@ void Page::AddSection(const ReportSection& section, const std::vector<DrawnPictu
     for (const std::string& sentence : section.sentences)
         content += Element("p", sentence);
     if (!section.verbatim.empty())
-        content += fmt::format("<pre><code>{}</code></pre>\n", HtmlEscaped(section.verbatim));
+        content += VerbatimElement(section.verbatim);
     Add(section.title, content + Figures(pictures));
 }
 
