@@ -49,7 +49,7 @@ std::string DescriptionOf(const AnalysisData& data, const GalbraithPlot& plot, d
         "{}: {} by the {} and the precision, each divided by the standard error; a line through "
         "the origin of slope {}, the fixed-effect estimate, and {} limits at a distance of {:.2f}.",
         plot.name.title, CountOfStudies(plot.studies.size()), data.measure.AnalysisName(),
-        NumberText(plot.lines.front().slope), data.level, critical);
+        WithMinusSign(data.numbers(plot.lines.front().slope)), data.level, critical);
 }
 
 Picture PictureOf(const AnalysisData& data, const PlotOfGroup& group, RadialStudies radial)
