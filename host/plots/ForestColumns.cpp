@@ -114,15 +114,31 @@ ForestColumn EffectColumn(const ForestScale& scale, const Forest& forest)
 
 // Weights.
 
+/// One, or as many as show a digit of three studies in four, because of thousands none weighs 0.1%.
+int DecimalsOfWeights(const Forest& forest, double ForestRow::*weight)
+{
+    constexpr int MOST_DECIMALS = 3;
+    std::vector<double> weights;
+    for (const ForestRow& row : forest.rows)
+        if (row.kind == RowKind::STUDY && IsNumber(row.*weight) && row.*weight > 0)
+            weights.push_back(100 * row.*weight);
+    if (weights.empty())
+        return 1;
+    const auto quartile = weights.begin() + static_cast<std::ptrdiff_t>(weights.size() / 4);
+    std::nth_element(weights.begin(), quartile, weights.end());
+    return std::clamp(static_cast<int>(-std::floor(std::log10(*quartile))), 1, MOST_DECIMALS);
+}
+
 ForestColumn WeightColumn(const ForestScale& scale, const Forest& forest, double ForestRow::*weight,
                           const std::string& header)
 {
     ForestColumn column = {.header = header};
+    const int decimals = DecimalsOfWeights(forest, weight);
     column.texts = TextsOfRows(forest, [&](const ForestRow& row) -> std::string {
         const bool hasWeight = row.kind == RowKind::STUDY || row.kind == RowKind::POOLED;
         if (!hasWeight || !IsNumber(row.*weight))
             return {};
-        return FixedText(100 * row.*weight, 1) + scale.style->percentSign;
+        return FixedText(100 * row.*weight, decimals) + scale.style->percentSign;
     });
     return column;
 }
@@ -135,7 +151,7 @@ Columns WeightColumns(const ForestScale& scale, const Forest& forest)
         return {};
     if (!scale.hasBothModels)
         return {WeightColumn(scale, forest, &ForestRow::weight, header)};
-    const bool isRandom = scale.names.model == "Random";
+    const bool isRandom = scale.isRandom;
     const auto fixed = isRandom ? &ForestRow::otherWeight : &ForestRow::weight;
     const auto random = isRandom ? &ForestRow::weight : &ForestRow::otherWeight;
     return {WeightColumn(scale, forest, fixed, header + "\nfixed"),

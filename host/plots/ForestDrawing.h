@@ -37,6 +37,7 @@ struct ForestScale
     const ForestRequest& request;
     const ForestStyle* style;
     std::array<std::string, 2> groupNames; ///< of treatment and control
+    bool isRandom = false;                 ///< the model of the analysis
     bool hasBothModels = false;            ///< of fixed effect and random effects
 };
 

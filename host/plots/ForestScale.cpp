@@ -1,5 +1,6 @@
 #include "host/plots/ForestDrawing.h"
 #include "host/text/PlainText.h"
+#include "host/text/Wording.h"
 
 #include <cstddef>
 
@@ -43,6 +44,7 @@ Picture DrawForest(const AnalysisData& data, const Forest& forest)
                        .request = data.request.forest,
                        .style = &StyleOf(data.request.forest.options.layout),
                        .groupNames = GroupNamesOf(data.request.forest),
+                       .isRandom = IsRandom(data.settings),
                        .hasBothModels = data.analysis.other != nullptr},
                       forest);
 }

@@ -37,7 +37,8 @@ struct FigureHeaders
 
 /// The look of a layout. Formats are those of fmt, with names: {name}, {title} (the name in title case),
 /// {symbol}, {level}, {method} and {model} of the effect; {q}, {df}, {sub} (df as an index), {p}, {i2},
-/// {tau2}, {symbol} and {value} of tests. A line break ends a line of a header.
+/// {tau2}, {symbol}, {value} and {which} (the model, where there are two) of tests. A line break ends a line
+/// of a header.
 struct ForestStyle
 {
     std::vector<ForestPart> parts; ///< from left to right

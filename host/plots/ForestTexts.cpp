@@ -99,7 +99,8 @@ std::string HeterogeneityText(const AnalysisData& data, const Heterogeneity& fou
                        fmt::arg("tau2", hasTau2 ? Tau2Text(data, found.tau2) : ""));
 }
 
-std::string EffectTestText(const AnalysisData& data)
+/// `which` names the model, where there are two.
+std::string EffectTestText(const AnalysisData& data, const char* which)
 {
     const ForestStyle& style = StyleOf(data);
     const EffectRows rows = PooledRows(data);
@@ -108,8 +109,8 @@ std::string EffectTestText(const AnalysisData& data)
         return {};
     const std::vector<double> df = data.base.GetEstDf();
     const bool isT = !df.empty() && HasValue(df.back());
-    return fmt::format(fmt::runtime(style.effectTest), fmt::arg("symbol", isT ? "t" : "z"),
-                       fmt::arg("upper", isT ? "t" : "Z"),
+    return fmt::format(fmt::runtime(style.effectTest), fmt::arg("which", which),
+                       fmt::arg("symbol", isT ? "t" : "z"), fmt::arg("upper", isT ? "t" : "Z"),
                        fmt::arg("value", StatisticText(data, rows.statistics.back())),
                        fmt::arg("p", PValueInStyle(rows.significances.back(), style.p)));
 }
@@ -136,6 +137,16 @@ std::string MethodOf(const AnalysisData& data)
     const bool isPeto =
         IsBinary(data.settings) && data.settings.GetBinaryEstType() == MAConst::BIN_PETO_ODDS_RATIO;
     return isPeto ? "Peto" : "M-H";
+}
+
+/// One model's test, or that of the fixed effect and that of random effects.
+std::vector<std::string> EffectTestTexts(const AnalysisData& data, const std::optional<AnalysisData>& other)
+{
+    if (!other)
+        return {EffectTestText(data, "")};
+    const bool isRandom = IsRandom(data.settings);
+    return {EffectTestText(isRandom ? *other : data, " (fixed effect)"),
+            EffectTestText(isRandom ? data : *other, " (random effects)")};
 }
 
 /// "Mean Difference"; a letter alone, such as that of "Cohen's d", is a symbol.
@@ -200,7 +211,8 @@ std::vector<std::string> OverallNotes(const AnalysisData& data)
     const std::vector<std::string> heterogeneity = HeterogeneityTexts(random);
     if (!heterogeneity.empty())
         notes.push_back(heterogeneity.back());
-    notes.push_back(EffectTestText(data));
+    for (std::string& test : EffectTestTexts(data, other))
+        notes.push_back(std::move(test));
     notes.push_back(GroupTestText(data));
     std::erase(notes, std::string());
     return notes;
@@ -208,10 +220,11 @@ std::vector<std::string> OverallNotes(const AnalysisData& data)
 
 std::string WithNames(const char* format, const EffectNames& names)
 {
-    return fmt::format(fmt::runtime(format), fmt::arg("name", Capitalised(names.name)),
-                       fmt::arg("title", InTitleCase(names.name)), fmt::arg("symbol", names.symbol),
-                       fmt::arg("level", names.level), fmt::arg("method", names.method),
-                       fmt::arg("model", names.model));
+    return fmt::format(
+        fmt::runtime(format), fmt::arg("name", Capitalised(names.name)),
+        fmt::arg("title", InTitleCase(names.name)),
+        fmt::arg("symbol", names.symbol == names.name ? Capitalised(names.symbol) : names.symbol),
+        fmt::arg("level", names.level), fmt::arg("method", names.method), fmt::arg("model", names.model));
 }
 
 EffectNames NamesOfEffect(const AnalysisData& data)
@@ -220,7 +233,9 @@ EffectNames NamesOfEffect(const AnalysisData& data)
             .symbol = data.measure.symbol,
             .level = data.level,
             .method = MethodOf(data),
-            .model = IsRandom(data.settings) ? "Random" : "Fixed"};
+            .model = data.analysis.other       ? "Fixed and Random"
+                     : IsRandom(data.settings) ? "Random"
+                                               : "Fixed"};
 }
 
 } // namespace host

@@ -32,7 +32,7 @@ struct EffectNames
     std::string symbol;
     std::string level;
     std::string method; ///< "IV", "M-H" or "Peto"
-    std::string model;  ///< "Fixed" or "Random"
+    std::string model;  ///< "Fixed", "Random" or "Fixed and Random"
 };
 std::string WithNames(const char* format, const EffectNames& names);
 EffectNames NamesOfEffect(const AnalysisData& data);
