@@ -36,7 +36,7 @@ int DecimalsOfP(double p)
     return decimals == 2 && p < SIGNIFICANT && rounded >= SIGNIFICANT ? 3 : decimals;
 }
 
-std::string WithoutLeadingZero(std::string text)
+std::string WithoutLeadingZero(const std::string& text)
 {
     return text.starts_with("0.") ? text.substr(1) : text;
 }
