@@ -51,8 +51,8 @@ std::string_view WithoutSign(std::string_view text)
 /// Whether the text is digits in groups of three, of which the first may be shorter and is not 0.
 bool IsGrouped(std::string_view text, char separator)
 {
-    std::size_t end = text.find(separator);
-    if (end == std::string_view::npos || end > 3 || !IsDigits(text.substr(0, end)) || text[0] == '0')
+    std::size_t end = text.find(separator); // npos, which is above 3 as well, when there is none
+    if (end > 3 || !IsDigits(text.substr(0, end)) || text[0] == '0')
         return false;
     while (end != std::string_view::npos) {
         text.remove_prefix(end + 1);

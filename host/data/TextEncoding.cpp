@@ -144,9 +144,10 @@ void RequireDefined(std::string_view bytes, const std::string& name)
         FailToConvert(name, WINDOWS);
 }
 
-DecodedText DecodeBytes(std::string bytes, const std::string& name)
+DecodedText DecodeBytes(std::string_view bytes, const std::string& name)
 {
-    const bool hasMacLines = bytes.find('\r') != std::string::npos && bytes.find('\n') == std::string::npos;
+    const bool hasMacLines =
+        bytes.find('\r') != std::string_view::npos && bytes.find('\n') == std::string_view::npos;
     const Encoding& encoding = hasMacLines ? MACINTOSH : WINDOWS;
     if (!hasMacLines)
         RequireDefined(bytes, name);
@@ -175,7 +176,7 @@ DecodedText DecodeText(std::string bytes, const std::string& name)
         std::string note = NoteOfStrangeBytes(bytes, census);
         return {std::move(bytes), std::move(note)};
     }
-    return DecodeBytes(std::move(bytes), name);
+    return DecodeBytes(bytes, name);
 }
 
 } // namespace host

@@ -89,6 +89,7 @@ std::vector<std::string> NotesOnFonts(const std::vector<Picture>& pictures)
     for (const char32_t letter : CharactersWithoutFont(texts))
         letters[PackageOf(letter)] += letter;
     std::vector<std::string> notes;
+    notes.reserve(letters.size());
     for (const auto& [package, missing] : letters)
         notes.push_back(Sentence(package, missing));
     return notes;

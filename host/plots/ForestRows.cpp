@@ -315,6 +315,7 @@ std::vector<ForestRow> CumulativeForestRows(const AnalysisData& data)
     if (data.groupLabels.empty())
         return CumulativeSteps(data, groups.front());
     std::vector<Rows> blocks;
+    blocks.reserve(groups.size());
     for (const CumulativeGroup& group : groups)
         blocks.push_back(CumulativeSteps(data, group));
     const EffectRows pooled = PooledRows(data);

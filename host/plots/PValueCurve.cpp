@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <ranges>
 
 namespace host {
 
@@ -61,8 +62,8 @@ std::vector<Point> PValueCurve(const TestedEstimate& tested, const Extent& effec
     };
     const std::vector<double> left =
         Distances((tested.estimate - effects.First()) / tested.stdError, critical, step);
-    for (auto distance = left.rbegin(); distance != left.rend(); ++distance)
-        add(*distance, -1);
+    for (const double distance : std::views::reverse(left))
+        add(distance, -1);
     for (const double distance :
          Distances((effects.Last() - tested.estimate) / tested.stdError, critical, step))
         add(distance, 1);

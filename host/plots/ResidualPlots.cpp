@@ -53,6 +53,7 @@ std::string NameOfResidual(const RegressionData& data)
 Picture FunnelPicture(const RegressionData& data, const std::vector<Residual>& residuals)
 {
     std::vector<Point> studies;
+    studies.reserve(residuals.size());
     for (const Residual& residual : residuals)
         studies.push_back({residual.value, residual.stdError});
     Extent y;

@@ -11,6 +11,7 @@
 #include <algorithm>
 #include <array>
 #include <cstddef>
+#include <iterator>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -37,6 +38,7 @@ template <class Table>
 std::vector<std::string> ListOfNames(const Table& table)
 {
     std::vector<std::string> names;
+    names.reserve(std::size(table));
     for (const auto& row : table)
         names.emplace_back(row.name);
     return names;
