@@ -6,7 +6,6 @@
 
 #include <algorithm>
 #include <cmath>
-#include <ranges>
 
 namespace host {
 
@@ -60,9 +59,10 @@ std::vector<Point> PValueCurve(const TestedEstimate& tested, const Extent& effec
         const double effect = tested.estimate + direction * distance * tested.stdError;
         curve.push_back({effect, PValueOf(tested, effect)});
     };
-    const std::vector<double> left =
+    std::vector<double> left =
         Distances((tested.estimate - effects.First()) / tested.stdError, critical, step);
-    for (const double distance : std::views::reverse(left))
+    std::reverse(left.begin(), left.end());
+    for (const double distance : left)
         add(distance, -1);
     for (const double distance :
          Distances((effects.Last() - tested.estimate) / tested.stdError, critical, step))
