@@ -219,6 +219,7 @@ void LeaveOneOutTables(benchmark::State& state)
     settings.SetControlFailureIndex(3);
     settings.SetLeaveOneOut(true);
     std::vector<Record> records;
+    records.reserve(static_cast<std::size_t>(state.range(0)));
     for (int i = 0; i < state.range(0); ++i)
         records.emplace_back(std::vector<double>{i % 20 * 1.0, 20.0 + i % 101, i % 23 * 1.0, 20.0 + i % 97});
     TimeRuns<MABinModel>(state, settings, VectorRecordIter(std::move(records)));
