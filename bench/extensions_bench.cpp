@@ -2,6 +2,7 @@
 
 #include "SimulatedStudies.h"
 
+#include "meta_analysis/analysis/MABinModel.h"
 #include "meta_analysis/analysis/MAContModel.h"
 #include "meta_analysis/analysis/MAOutcomeModel.h"
 #include "meta_analysis/platform/common/KXVarList.h"
@@ -51,10 +52,11 @@ VectorRecordIter GroupedStudies(std::size_t count)
     return VectorRecordIter(std::move(records));
 }
 
+template <class Analysis = MAContModel>
 void TimeRuns(benchmark::State& state, const MAModelSettings& settings, VectorRecordIter records)
 {
     while (state.KeepRunning()) {
-        MAContModel analysis(settings);
+        Analysis analysis(settings);
         if (analysis.RUN(records, KXVarList()).IsError()) {
             state.SkipWithError("the analysis failed");
             break;
@@ -171,14 +173,58 @@ void InfluenceReml(benchmark::State& state)
 }
 BENCHMARK(InfluenceReml)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
 
-void LeaveOneOutReml(benchmark::State& state)
+void TimeLeaveOneOut(benchmark::State& state, MAConst::MODELTYPE model, MAConst::TAU2ESTIMATOR estimator)
 {
-    MAModelSettings settings = ReadyMadeSettings(MAConst::MODEL_RANDOM);
+    MAModelSettings settings = ReadyMadeSettings(model);
+    settings.SetEstTauType(estimator);
     settings.SetTau2Search(MAConst::TAU2_SEARCH_GLOBAL);
     settings.SetLeaveOneOut(true);
     TimeRuns(state, settings);
 }
+
+void LeaveOneOutReml(benchmark::State& state)
+{
+    TimeLeaveOneOut(state, MAConst::MODEL_RANDOM, MAConst::TAU2_REML);
+}
 BENCHMARK(LeaveOneOutReml)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+void LeaveOneOutFixed(benchmark::State& state)
+{
+    TimeLeaveOneOut(state, MAConst::MODEL_FIXED, MAConst::TAU2_REML);
+}
+BENCHMARK(LeaveOneOutFixed)->Arg(100)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+void LeaveOneOutHedges(benchmark::State& state)
+{
+    TimeLeaveOneOut(state, MAConst::MODEL_RANDOM, MAConst::TAU2_HE);
+}
+BENCHMARK(LeaveOneOutHedges)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+void LeaveOneOutSidikJonkman(benchmark::State& state)
+{
+    TimeLeaveOneOut(state, MAConst::MODEL_RANDOM, MAConst::TAU2_SJ);
+}
+BENCHMARK(LeaveOneOutSidikJonkman)->Arg(10000)->Unit(benchmark::kMillisecond);
+
+/// 2x2 tables, some with zero cells, pooled by Mantel and Haenszel.
+void LeaveOneOutTables(benchmark::State& state)
+{
+    MAModelSettings settings;
+    settings.SetOutcomesType(MAConst::OUTCOME_BINARY);
+    settings.SetModelType(MAConst::MODEL_FIXED);
+    settings.SetWeightType(MAConst::WEIGHT_BINARY_FIXED);
+    settings.SetTreatmentSuccessIndex(0);
+    settings.SetTreatmentFailureIndex(1);
+    settings.SetControlSuccessIndex(2);
+    settings.SetControlFailureIndex(3);
+    settings.SetLeaveOneOut(true);
+    std::vector<Record> records;
+    records.reserve(static_cast<std::size_t>(state.range(0)));
+    for (int i = 0; i < state.range(0); ++i)
+        records.emplace_back(std::vector<double>{i % 20 * 1.0, 20.0 + i % 101, i % 23 * 1.0, 20.0 + i % 97});
+    TimeRuns<MABinModel>(state, settings, VectorRecordIter(std::move(records)));
+}
+BENCHMARK(LeaveOneOutTables)->Arg(10000)->Unit(benchmark::kMillisecond);
 
 /// Proportions by the transformation whose way back depends on the sizes of each model's studies.
 void FreemanTukeyRun(benchmark::State& state)

@@ -63,7 +63,7 @@ KXStatus MABaseModel::Run(MultiPassRecordIter& records, const KXVarList& variabl
         return status_;
     if (settings_->GetLeaveOneOut() && LeaveOneOut().IsError())
         return status_;
-    if (settings_->GetInfluence() && Influence().IsError())
+    if (settings_->GetInfluence() && InfluenceFrom(Results().leaveOneOut).IsError())
         return status_;
     if (settings_->GetRankTest() && RankTest().IsError())
         return status_;

@@ -197,6 +197,7 @@ private:
     void AppendReported(const MAPooledModel& model);
     void AppendGroup(std::vector<std::size_t> members);
     KXStatus TestContrastsOfRun();
+    KXStatus InfluenceFrom(const std::vector<MAPooledModel>& leaveOneOut);
     KXStatus TestForSmallStudies(MultiPassRecordIter& records, const KXVarList& variables);
     KXStatus RequireStudiesForTest(MultiPassRecordIter& records);
     KXStatus TestSelection(MultiPassRecordIter& records, const KXVarList& variables,

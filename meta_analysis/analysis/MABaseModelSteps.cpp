@@ -175,9 +175,14 @@ KXStatus MABaseModel::LeaveOneOut()
 
 KXStatus MABaseModel::Influence()
 {
-    return Guarded(status_, [this] {
+    return InfluenceFrom({});
+}
+
+KXStatus MABaseModel::InfluenceFrom(const std::vector<MAPooledModel>& leaveOneOut)
+{
+    return Guarded(status_, [&] {
         MAInfluence result =
-            MeasureInfluence(Results().studies, PoolsTables() ? TableChoice() : EffectsChoice());
+            MeasureInfluence(Results().studies, PoolsTables() ? TableChoice() : EffectsChoice(), leaveOneOut);
         if (!result.table.isComplete)
             AddWarning(MAStatusCode::DELETION_UNDEFINED);
         State().influence = std::move(result.table);

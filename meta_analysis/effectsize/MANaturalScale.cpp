@@ -2,6 +2,7 @@
 
 #include "meta_analysis/effectsize/MARatio.h"
 #include "meta_analysis/platform/common/Square.h"
+#include "meta_analysis/platform/common/SumsWithoutEach.h"
 
 #include <algorithm>
 #include <cmath>
@@ -145,21 +146,12 @@ double HarmonicSize(MAScale scale, std::span<const double> variances)
 /// From the studies before and those after each, because a difference of sums would lose digits.
 std::vector<double> HarmonicSizesWithoutEach(MAScale scale, std::span<const double> variances)
 {
-    std::vector<double> sizes(variances.size(), KXMV::Missing());
-    if (!DependsOnSize(scale))
-        return sizes;
-    std::vector<MAHarmonicSize> after(variances.size() + 1, MAHarmonicSize(scale));
-    for (std::size_t i = variances.size(); i-- > 0;) {
-        after[i] = after[i + 1];
-        after[i].Add(variances[i]);
-    }
-    MAHarmonicSize before(scale);
-    for (std::size_t i = 0; i < variances.size(); ++i) {
-        MAHarmonicSize others = before;
-        others.Add(after[i + 1]);
-        sizes[i] = others.Mean();
-        before.Add(variances[i]);
-    }
+    std::vector<double> sizes;
+    sizes.reserve(variances.size());
+    for (const MAHarmonicSize& others :
+         SumsWithoutEach(variances.size(), MAHarmonicSize(scale),
+                         [&](std::size_t i, MAHarmonicSize&sums) { sums.Add(variances[i]); }))
+        sizes.push_back(others.Mean());
     return sizes;
 }
 

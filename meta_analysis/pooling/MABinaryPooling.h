@@ -11,9 +11,10 @@
 namespace MA_NAMESPACE {
 
 // The fixed-effect methods for 2x2 tables. Each is a set of running sums, to which tables are added one by
-// one and from which the pooled estimate and its variance follow at any time, on the scale of the test:
-// that of the analysis. Each method also names the measure that it pools, and has the weight of a table, and
-// whether a table has information on the pooled effect: without it every term of the sums is 0 (or 0 / 0).
+// one, or the sums over others, and from which the pooled estimate and its variance follow at any time, on
+// the scale of the test: that of the analysis. Each method also names the measure that it pools, and has the
+// weight of a table, and whether a table has information on the pooled effect: without it every term of the
+// sums is 0 (or 0 / 0).
 
 /// Mantel and Haenszel (1959), Journal of the National Cancer Institute 22, 719-748; variance of Robins,
 /// Breslow and Greenland (1986), Biometrics 42, 311-323.
@@ -42,6 +43,14 @@ public:
         rqsp_ += r * q + s * p;
         sq_ += s * q;
     }
+    void Add(const MAOddsRatioPooling& others)
+    {
+        r_ += others.r_;
+        s_ += others.s_;
+        rp_ += others.rp_;
+        rqsp_ += others.rqsp_;
+        sq_ += others.sq_;
+    }
     /// As a ratio of sums, so that a table whose own odds ratio is not defined still counts.
     double Estimate() const { return std::log(r_ / s_); }
     double Variance() const
@@ -63,6 +72,7 @@ private:
 class MARiskRatioPooling : public MARatioSums
 {
 public:
+    using MARatioSums::Add;
     using Measure = MARiskRatio;
     using Table = MATable;
     static double Weight(const MATable& table) { return table.TreatmentSize() * table.c / table.Size(); }
@@ -88,6 +98,7 @@ public:
 class MARiskDifferencePooling : public MADifferenceSums
 {
 public:
+    using MADifferenceSums::Add;
     using Measure = MARiskDifference;
     using Table = MATable;
     static double Weight(const MATable& table)
@@ -133,6 +144,11 @@ public:
     {
         excess_ += table.ExcessEvents();
         variance_ += table.HypergeometricVariance();
+    }
+    void Add(const MAPetoPooling& others)
+    {
+        excess_ += others.excess_;
+        variance_ += others.variance_;
     }
     double Estimate() const { return excess_ / variance_; }
     double Variance() const { return 1.0 / variance_; }

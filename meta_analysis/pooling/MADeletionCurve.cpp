@@ -1,26 +1,19 @@
 #include "meta_analysis/pooling/MADeletionCurve.h"
 
+#include "meta_analysis/platform/common/Cancellation.h"
 #include "meta_analysis/platform/common/Square.h"
 #include "meta_analysis/pooling/MALogSum.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace MA_NAMESPACE {
 
 namespace {
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-
-/// What a difference must keep of the number that it is taken from.
-constexpr double smallestShare = 1.0 / 32.0;
-
-/// A NaN keeps nothing, and nothing keeps a share of infinity.
-bool Keeps(double difference, double from)
-{
-    return std::isfinite(from) && difference >= smallestShare * from;
-}
 
 double UnitOf(const MADeletionRows& rows)
 {
@@ -39,6 +32,13 @@ MADeletionRows InUnit(MADeletionRows rows, double unit)
     return rows;
 }
 
+std::vector<double> InUnit(std::vector<double> tau2s, double unit)
+{
+    for (double& tau2 : tau2s)
+        tau2 /= unit;
+    return tau2s;
+}
+
 /// Σ w² or w³ of the squared residuals e - z'f.
 double ResidualForm(const MAMomentSums& sums, std::size_t power, const std::vector<double>& fitted)
 {
@@ -54,8 +54,9 @@ double ResidualForm(const MAMomentSums& sums, std::size_t power, const std::vect
 
 } // namespace
 
-MADeletionCurve::MADeletionCurve(const MADeletionRows& rows, double tau2, MALikelihoodType type)
-    : sums_(InUnit(rows, UnitOf(rows)), tau2 / UnitOf(rows)),
+MADeletionCurve::MADeletionCurve(const MADeletionRows& rows, std::vector<double> centres,
+                                 MALikelihoodType type)
+    : sums_(InUnit(rows, UnitOf(rows)), InUnit(std::move(centres), UnitOf(rows))),
       type_(type),
       others_(rows.Width()),
       factor_(rows.rank),

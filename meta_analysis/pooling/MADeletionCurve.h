@@ -32,9 +32,9 @@ struct MADeletionFit
 class MADeletionCurve : public MALikelihoodCurve
 {
 public:
-    /// `rows` in the units of the data; the dependent best as residuals of the fit of all rows. `tau2` is
-    /// that of all rows.
-    MADeletionCurve(const MADeletionRows& rows, double tau2, MALikelihoodType type);
+    /// `rows` in the units of the data, as the tau² near which the curve is looked at most, such as that of
+    /// all rows; the dependent best as residuals of the fit of all rows.
+    MADeletionCurve(const MADeletionRows& rows, std::vector<double> centres, MALikelihoodType type);
 
     /// Puts the row deleted before back, and deletes this one.
     void Delete(std::size_t row);

@@ -36,12 +36,13 @@ void MAMomentSums::Clear()
         triangle.assign(TriangleSize(), 0.0);
 }
 
-MADeletionSums::MADeletionSums(MADeletionRows rows, double centre)
-    : rows_(std::move(rows)),
-      centre_(centre),
-      reach_(seriesReach * (centre + SmallestOf(rows_.variances))),
-      series_(Sum<terms>(centre))
-{}
+MADeletionSums::MADeletionSums(MADeletionRows rows, const std::vector<double>& centres)
+    : rows_(std::move(rows))
+{
+    const double smallest = SmallestOf(rows_.variances);
+    for (const double centre : centres)
+        centres_.push_back({centre, seriesReach * (centre + smallest), Sum<terms>(centre)});
+}
 
 /// The triangles of the first `count` powers at t.
 template <std::size_t count>
@@ -71,9 +72,10 @@ std::array<std::vector<double>, count> MADeletionSums::Sum(double t) const
 
 void MADeletionSums::At(double t, MAMomentSums& sums)
 {
-    if (std::abs(t - centre_) <= reach_) {
-        Expand(t - centre_, sums);
-        return;
+    for (const Centre& centre : centres_) {
+        const double x = t - centre.at;
+        if (std::abs(x) <= centre.reach)
+            return Expand(centre.series, x, sums);
     }
     const auto found = kept_.find(t);
     if (found != kept_.end()) {
@@ -89,7 +91,7 @@ void MADeletionSums::At(double t, MAMomentSums& sums)
 }
 
 /// From the last term on, so that the small ones are added first.
-void MADeletionSums::Expand(double x, MAMomentSums& sums) const
+void MADeletionSums::Expand(const Series& series, double x, MAMomentSums& sums)
 {
     sums.Clear();
     for (std::size_t n = 0; n < MAMomentSums::powers; ++n) {
@@ -97,7 +99,7 @@ void MADeletionSums::Expand(double x, MAMomentSums& sums) const
         for (std::size_t m = terms - n; m-- > 0;) {
             // The series is nested: its coefficient ratio is -(n + m + 1) x / (m + 1) from term m to m + 1.
             const double ratio = -x * static_cast<double>(n + m + 1) / static_cast<double>(m + 1);
-            const std::vector<double>& power = series_[n + m];
+            const std::vector<double>& power = series[n + m];
             for (std::size_t j = 0; j < sums.TriangleSize(); ++j)
                 triangle[j] = power[j] + ratio * triangle[j];
         }

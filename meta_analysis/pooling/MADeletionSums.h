@@ -50,7 +50,7 @@ private:
 /// The moment sums over all rows, as functions of t >= 0 that are evaluated for one deletion after another.
 ///
 /// A search visits the same t for every deletion until it closes in on a root: sums there are kept. The roots
-/// lie near that of all rows, the centre c, where the sums have the power series
+/// lie near that of all rows. About such a centre c the sums have the power series
 ///
 ///     S_n(c + x) = sum over m of (n + m - 1 over m) (-x)^m S_{n+m}(c),
 ///
@@ -59,7 +59,7 @@ private:
 class MADeletionSums
 {
 public:
-    MADeletionSums(MADeletionRows rows, double centre);
+    MADeletionSums(MADeletionRows rows, const std::vector<double>& centres);
 
     const MADeletionRows& Rows() const { return rows_; }
     /// Writes the sums at t over what `sums` has, which must be as wide as the rows. Elsewhere than above
@@ -72,14 +72,19 @@ private:
 
     using Series = std::array<std::vector<double>, terms>;
 
+    struct Centre
+    {
+        double at;
+        double reach;
+        Series series;
+    };
+
     template <std::size_t count>
     std::array<std::vector<double>, count> Sum(double t) const;
-    void Expand(double x, MAMomentSums& sums) const;
+    static void Expand(const Series& series, double x, MAMomentSums& sums);
 
     MADeletionRows rows_;
-    double centre_;
-    double reach_;
-    Series series_;
+    std::vector<Centre> centres_;
     std::map<double, MAMomentSums> kept_;
 };
 

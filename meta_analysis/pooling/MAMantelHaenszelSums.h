@@ -5,12 +5,19 @@
 namespace MA_NAMESPACE {
 
 // What the Mantel-Haenszel methods for risks and for rates share: the estimate and its variance, after
-// Greenland and Robins (1985), Biometrics 41, 55-68, from running sums that each method fills.
+// Greenland and Robins (1985), Biometrics 41, 55-68, from running sums that each method fills, and that
+// can be added.
 
 /// The logarithm of a ratio R / S of sums, with the variance P / (S R).
 class MARatioSums
 {
 public:
+    void Add(const MARatioSums& others)
+    {
+        r_ += others.r_;
+        s_ += others.s_;
+        p_ += others.p_;
+    }
     double Estimate() const { return std::log(r_ / s_); }
     double Variance() const { return p_ / (s_ * r_); }
 
@@ -24,6 +31,12 @@ protected:
 class MADifferenceSums
 {
 public:
+    void Add(const MADifferenceSums& others)
+    {
+        weightedDifferences_ += others.weightedDifferences_;
+        weights_ += others.weights_;
+        weightedVariances_ += others.weightedVariances_;
+    }
     double Estimate() const { return weightedDifferences_ / weights_; }
     double Variance() const { return weightedVariances_ / (weights_ * weights_); }
 

@@ -53,6 +53,13 @@ public:
         }
     }
 
+    void Add(const MAPooledCounts& others)
+    {
+        asRead_.Add(others.asRead_);
+        corrected_.Add(others.corrected_);
+        correctedTables_ += others.correctedTables_;
+    }
+
     MAPooledEffect Effect() const
     {
         if (!poolsAsRead_)

@@ -1,5 +1,6 @@
 #include "meta_analysis/pooling/MAPrefixCurve.h"
 
+#include "meta_analysis/platform/common/Cancellation.h"
 #include "meta_analysis/platform/common/Square.h"
 #include "meta_analysis/pooling/MALogSum.h"
 
@@ -12,9 +13,6 @@ namespace MA_NAMESPACE {
 namespace {
 
 constexpr double notANumber = std::numeric_limits<double>::quiet_NaN();
-
-/// What a difference must keep of the number that it is taken from, as in `MADeletionCurve`.
-constexpr double smallestShare = 1.0 / 32.0;
 
 double PowerOf2Above(double x)
 {
@@ -44,11 +42,10 @@ void MAPrefixCurve::Append()
     bounds_.residualSum = bounds_.residualDf * PowerOf2Above(squares_ / bounds_.residualDf);
 }
 
-/// The difference, of which is noted whether it keeps enough of the number that it is taken from. A NaN keeps
-/// nothing, and nothing keeps a share of infinity.
+/// The difference, of which is noted whether it keeps enough of the number that it is taken from.
 double MAPrefixCurve::Kept(double difference, double from)
 {
-    isExact_ = isExact_ && std::isfinite(from) && difference >= smallestShare * from;
+    isExact_ = isExact_ && Keeps(difference, from);
     return isExact_ ? difference : notANumber;
 }
 

@@ -52,4 +52,15 @@ std::vector<MATableEstimate> PoolTablePrefixes(std::span<const MAGroupRates> stu
     return estimates;
 }
 
+std::vector<MAPooledModel> PoolTablesWithoutEach(std::span<const MAGroupRates> studies,
+                                                 const MARatePoolingChoice& choice)
+{
+    std::vector<MAPooledModel> models;
+    WithRatePooling(choice.measure, [&](auto pooling) {
+        models = PoolOf<decltype(pooling)>(studies, choice).PoolWithoutEach();
+    });
+    models.resize(studies.size());
+    return models;
+}
+
 } // namespace MA_NAMESPACE

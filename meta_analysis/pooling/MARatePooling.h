@@ -17,6 +17,7 @@ namespace MA_NAMESPACE {
 class MARateRatioPooling : public MARatioSums
 {
 public:
+    using MARatioSums::Add;
     using Measure = MARateRatio;
     using Table = MAGroupRates;
     static double Weight(const MAGroupRates& study) { return study.t1 / study.Time() * study.c; }
@@ -37,6 +38,7 @@ public:
 class MARateDifferencePooling : public MADifferenceSums
 {
 public:
+    using MADifferenceSums::Add;
     using Measure = MARateDifference;
     using Table = MAGroupRates;
     static double Weight(const MAGroupRates& study) { return study.t1 / study.Time() * study.t0; }
@@ -65,5 +67,7 @@ MAPooledTables PoolTables(std::span<const MAGroupRates> studies, const MARatePoo
 int CountUninformative(std::span<const MAGroupRates> studies, const MARatePoolingChoice& choice);
 std::vector<MATableEstimate> PoolTablePrefixes(std::span<const MAGroupRates> studies,
                                                const MARatePoolingChoice& choice);
+std::vector<MAPooledModel> PoolTablesWithoutEach(std::span<const MAGroupRates> studies,
+                                                 const MARatePoolingChoice& choice);
 
 } // namespace MA_NAMESPACE

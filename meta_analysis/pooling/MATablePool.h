@@ -1,7 +1,9 @@
 #pragma once
 
+#include "meta_analysis/inference/MACentredSums.h"
 #include "meta_analysis/inference/MAHeterogeneity.h"
 #include "meta_analysis/inference/MAInference.h"
+#include "meta_analysis/platform/common/SumsWithoutEach.h"
 #include "meta_analysis/pooling/MAHomogeneity.h"
 #include "meta_analysis/pooling/MAPooledCounts.h"
 #include "meta_analysis/pooling/MATablePooling.h"
@@ -43,11 +45,31 @@ public:
 
     MAPooledTables PoolAll();
     std::vector<MATableEstimate> PoolPrefixes();
+    std::vector<MAPooledModel> PoolWithoutEach();
 
 private:
+    /// Sums over some of the tables.
+    struct Sums
+    {
+        void Add(const Sums& others)
+        {
+            counts.Add(others.counts);
+            effects.Add(others.effects);
+            studyCount += others.studyCount;
+        }
+
+        MAPooledCounts<Pooling> counts;
+        MACentredSums effects; ///< of the tables included, counted from `Origin`
+        std::size_t studyCount = 0;
+    };
+
     void Add(const Table& table) { counts_.Add(table, correction_.Corrected(table)); }
     MATableEstimate Estimate(const MAPooledEffect& pooled) const;
-    void SetHeterogeneity(std::size_t studyCount, MAPooledModel& model) const;
+    double CochranQ(double estimate, std::size_t leftOut) const;
+    void SetHeterogeneity(double q, std::size_t studyCount, MAPooledModel& model) const;
+    double Origin() const;
+    void AddTo(Sums& sums, const Table& table, double origin) const;
+    MAPooledModel ModelOf(const Sums& others, std::size_t leftOut, double origin) const;
 
     std::span<const Table> tables_;
     double null_; ///< on the scale of the test
@@ -86,21 +108,28 @@ MAPooledTables MATablePool<Pooling>::PoolAll()
     }
     const std::size_t studyCount = tables_.size() - static_cast<std::size_t>(result.leftOutTables);
     if (studyCount >= 2)
-        SetHeterogeneity(studyCount, result.model);
+        SetHeterogeneity(CochranQ(estimate.effect.estimate, tables_.size()), studyCount, result.model);
     return result;
 }
 
+/// Of the tables but one.
 template <class Pooling>
-void MATablePool<Pooling>::SetHeterogeneity(std::size_t studyCount, MAPooledModel& model) const
+double MATablePool<Pooling>::CochranQ(double estimate, std::size_t leftOut) const
 {
     double q = 0.0;
-    for (const Table& table : tables_) {
-        if (!counts_.Includes(table))
+    for (std::size_t i = 0; i < tables_.size(); ++i) {
+        if (i == leftOut || !counts_.Includes(tables_[i]))
             continue;
-        const Table corrected = correction_.Corrected(table);
-        const double residual = EffectBy<Measure>(corrected).effect - model.effect.estimate;
+        const Table corrected = correction_.Corrected(tables_[i]);
+        const double residual = EffectBy<Measure>(corrected).effect - estimate;
         q += 1.0 / Measure::Variance(corrected) * (residual * residual);
     }
+    return q;
+}
+
+template <class Pooling>
+void MATablePool<Pooling>::SetHeterogeneity(double q, std::size_t studyCount, MAPooledModel& model) const
+{
     model.homogeneity = TestHomogeneity(q, studyCount);
     model.heterogeneity = MeasureHeterogeneity(q, studyCount, quantile_);
 }
@@ -115,6 +144,55 @@ std::vector<MATableEstimate> MATablePool<Pooling>::PoolPrefixes()
         estimates.push_back(Estimate(counts_.Effect()));
     }
     return estimates;
+}
+
+template <class Pooling>
+std::vector<MAPooledModel> MATablePool<Pooling>::PoolWithoutEach()
+{
+    const Sums none = {counts_, {}, 0};
+    for (const Table& table : tables_)
+        Add(table);
+    const double origin = Origin();
+    const std::vector<Sums> others = SumsWithoutEach(
+        tables_.size(), none, [&](std::size_t i, Sums& sums) { AddTo(sums, tables_[i], origin); });
+    std::vector<MAPooledModel> models;
+    models.reserve(tables_.size());
+    for (std::size_t i = 0; i < tables_.size(); ++i)
+        models.push_back(ModelOf(others[i], i, origin));
+    return models;
+}
+
+/// The effect of all tables, if they have one.
+template <class Pooling>
+double MATablePool<Pooling>::Origin() const
+{
+    const double estimate = counts_.Effect().estimate;
+    return std::isfinite(estimate) ? estimate : 0.0;
+}
+
+template <class Pooling>
+void MATablePool<Pooling>::AddTo(Sums& sums, const Table& table, double origin) const
+{
+    const Table corrected = correction_.Corrected(table);
+    sums.counts.Add(table, corrected);
+    if (!counts_.Includes(table))
+        return;
+    sums.effects.Add(1.0 / Measure::Variance(corrected), EffectBy<Measure>(corrected).effect - origin);
+    ++sums.studyCount;
+}
+
+/// Q is summed over the others where their sums about their mean lose digits, or are not finite.
+template <class Pooling>
+MAPooledModel MATablePool<Pooling>::ModelOf(const Sums& others, std::size_t leftOut, double origin) const
+{
+    MAPooledModel model;
+    model.effect = Estimate(others.counts.Effect()).effect;
+    const double estimate = model.effect.estimate;
+    if (others.studyCount >= 2)
+        SetHeterogeneity(others.effects.AreExact() ? others.effects.SquaresAbout(estimate - origin)
+                                                   : CochranQ(estimate, leftOut),
+                         others.studyCount, model);
+    return model;
 }
 
 /// The number of tables that the method leaves out. Allocates nothing.

@@ -58,6 +58,17 @@ std::vector<MATableEstimate> PoolTablePrefixes(std::span<const MATable> tables,
     return estimates;
 }
 
+std::vector<MAPooledModel> PoolTablesWithoutEach(std::span<const MATable> tables,
+                                                 const MATablePoolingChoice& choice)
+{
+    std::vector<MAPooledModel> models;
+    WithBinaryPooling(choice.measure, [&](auto pooling) {
+        models = PoolOf<decltype(pooling)>(tables, choice).PoolWithoutEach();
+    });
+    models.resize(tables.size());
+    return models;
+}
+
 MATableEffects EffectsOfTables(std::span<const MATable> tables, const MATablePoolingChoice& choice)
 {
     MATableEffects effects;

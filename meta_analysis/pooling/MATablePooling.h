@@ -40,6 +40,11 @@ int CountUninformative(std::span<const MATable> tables, const MATablePoolingChoi
 std::vector<MATableEstimate> PoolTablePrefixes(std::span<const MATable> tables,
                                                const MATablePoolingChoice& choice);
 
+/// The models of all tables but one, for each in turn, in O(1) each. They equal those of `PoolTables` but for
+/// rounding, with the correction resolved for all tables.
+std::vector<MAPooledModel> PoolTablesWithoutEach(std::span<const MATable> tables,
+                                                 const MATablePoolingChoice& choice);
+
 /// Effects of the corrected tables and their variances on the scale of the analysis, missing or not finite
 /// where a zero cell leaves none.
 struct MATableEffects

@@ -171,7 +171,7 @@ Deletions::Deletions(const MADesignMatrix& design, bool isRandom, double tau2)
       tau2_(tau2),
       whole_(FitAll(columns_, WeightsAt(variances_, tau2))),
       unweightedComplements_(FitAll(columns_, Values(variances_.size(), 1.0)).complements),
-      curve_(RowsOf(columns_, variances_, whole_.residuals), tau2, LikelihoodOf(estimator_))
+      curve_(RowsOf(columns_, variances_, whole_.residuals), {tau2}, LikelihoodOf(estimator_))
 {}
 
 MAStudyInfluence Deletions::InWholeFit(std::size_t row) const

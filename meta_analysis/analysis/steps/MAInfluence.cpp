@@ -19,6 +19,11 @@ bool HasInverseVarianceWeights(const MAModelChoice& choice)
            (!choice.poolsRates && choice.tables.measure == MAConst::BIN_PETO_ODDS_RATIO);
 }
 
+bool IsAdjusted(const MAModelChoice& choice)
+{
+    return choice.type != MAConst::MODEL_FIXED && choice.random.knappHartung != MAConst::KNAPP_HARTUNG_NONE;
+}
+
 MAModelChoice WithoutKnappHartung(MAModelChoice choice)
 {
     choice.random.knappHartung = MAConst::KNAPP_HARTUNG_NONE;
@@ -66,27 +71,18 @@ MAStudyInfluence WithoutDeletion(const MAStudyInfluence& influence)
     return kept;
 }
 
-} // namespace
-
-MAInfluence MeasureInfluence(const MAStudies& studies, const MAModelChoice& choice)
+MAInfluence InfluenceOfEach(const MAStudies& studies, const MAModelChoice& choice, const MAPooledStudies& all,
+                            const std::vector<MAPooledModel>& others)
 {
     MAInfluence result;
-    if (studies.Count() < 2)
-        return result;
-    const MAModelChoice unscaled = WithoutKnappHartung(choice);
-    const MAPooledStudies all = Pool(studies, unscaled);
-    const MALeaveOneOut others = LeaveEachOut(studies, unscaled);
-    result.status = all.model.status.IsError() ? all.model.status : others.status;
-    if (result.status.IsError())
-        return result;
+    result.status = others.back().status;
     const std::vector<double> weights = PoolingWeights(studies, all);
     double weightSum = 0.0;
     for (const double weight : weights)
         weightSum += weight;
     const bool hasOthers = studies.Count() >= fewestStudies;
     for (std::size_t i = 0; i < studies.Count(); ++i) {
-        MAStudyInfluence influence =
-            InfluenceOf(studies, i, all.model, others.models[i], weights[i] / weightSum);
+        MAStudyInfluence influence = InfluenceOf(studies, i, all.model, others[i], weights[i] / weightSum);
         if (!HasInverseVarianceWeights(choice))
             influence.dffits = KXMV::Missing();
         result.table.studies.push_back(hasOthers ? influence : WithoutDeletion(influence));
@@ -94,6 +90,30 @@ MAInfluence MeasureInfluence(const MAStudies& studies, const MAModelChoice& choi
     }
     ApplyInfluenceRules(studies.Count(), 1, result.table);
     return result;
+}
+
+} // namespace
+
+MAInfluence MeasureInfluence(const MAStudies& studies, const MAModelChoice& choice)
+{
+    return MeasureInfluence(studies, choice, {});
+}
+
+MAInfluence MeasureInfluence(const MAStudies& studies, const MAModelChoice& choice,
+                             const std::vector<MAPooledModel>& leaveOneOut)
+{
+    if (studies.Count() < 2)
+        return MAInfluence();
+    const MAModelChoice unscaled = WithoutKnappHartung(choice);
+    const MAPooledStudies all = Pool(studies, unscaled);
+    if (all.model.status.IsError())
+        return {all.model.status, {}};
+    if (!IsAdjusted(choice) && leaveOneOut.size() == studies.Count())
+        return InfluenceOfEach(studies, unscaled, all, leaveOneOut);
+    const MALeaveOneOut others = LeaveEachOut(studies, unscaled);
+    if (others.status.IsError())
+        return {others.status, {}};
+    return InfluenceOfEach(studies, unscaled, all, others.models);
 }
 
 } // namespace MA_NAMESPACE

@@ -3,6 +3,8 @@
 #include "meta_analysis/analysis/models/MAPool.h"
 #include "meta_analysis/inference/MAStudyInfluence.h"
 
+#include <vector>
+
 namespace MA_NAMESPACE {
 
 /// Deletion diagnostics of a model, an entry a study. After an error, which is that of a model, none.
@@ -17,5 +19,10 @@ struct MAInfluence
 /// whose weights alone are inverse variances. For two studies there is the leverage, weight and `baujatX`
 /// alone, for fewer nothing. Cost: that of leaving each study out.
 MAInfluence MeasureInfluence(const MAStudies& studies, const MAModelChoice& choice);
+
+/// The same from the models of `LeaveEachOut` by this choice, which are not computed again unless the
+/// adjustment has scaled them, or there are none.
+MAInfluence MeasureInfluence(const MAStudies& studies, const MAModelChoice& choice,
+                             const std::vector<MAPooledModel>& leaveOneOut);
 
 } // namespace MA_NAMESPACE

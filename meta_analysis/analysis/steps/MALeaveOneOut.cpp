@@ -1,13 +1,18 @@
 #include "meta_analysis/analysis/steps/MALeaveOneOut.h"
 
 #include "meta_analysis/effectsize/MANaturalScale.h"
+#include "meta_analysis/pooling/MADeletedFixedModels.h"
 #include "meta_analysis/pooling/MADeletedModels.h"
+#include "meta_analysis/pooling/MATablePooling.h"
 
 #include <optional>
 
 namespace MA_NAMESPACE {
 
 namespace {
+
+/// Fewer studies, where a refit has a formula, are refitted as fast as sums are shared, and keep all bits.
+constexpr std::size_t fewestForSharing = 256;
 
 /// A column without one of its entries, the first to begin with.
 template <class T>
@@ -49,33 +54,73 @@ MALeaveOneOut PoolEachRest(std::size_t count, PoolOthers pool, Proceed proceed)
     return result;
 }
 
+bool SharesSums(const MARandomEffectsChoice& choice, std::size_t count)
+{
+    const bool isUnweighted = choice.estimator == MAConst::TAU2_HE || choice.estimator == MAConst::TAU2_SJ;
+    return FollowsFromSharedSums(choice) && (!isUnweighted || count >= fewestForSharing);
+}
+
+/// The models without a study that follow from sums which all deletions share.
+class SharedModels
+{
+public:
+    SharedModels(const MAStudies& studies, const MAModelChoice& choice)
+        : choice_(choice), sizes_(HarmonicSizesWithoutEach(ScaleOf(choice), studies.variance))
+    {
+        const MAEffects effects = {studies.effectSize, studies.variance};
+        if (choice.type != MAConst::MODEL_FIXED && SharesSums(choice.random, studies.Count()))
+            random_.emplace(effects, choice.random);
+        if (choice.type == MAConst::MODEL_FIXED && studies.Count() >= fewestForSharing)
+            fixed_.emplace(effects);
+    }
+
+    std::optional<MAPooledModel> Without(std::size_t i)
+    {
+        std::optional<MAPooledModel> model = random_  ? random_->Without(i)
+                                             : fixed_ ? fixed_->Without(i, AtSize(choice_, sizes_[i]).fixed)
+                                                      : std::nullopt;
+        if (model)
+            model->size = sizes_[i];
+        return model;
+    }
+
+private:
+    const MAModelChoice& choice_;
+    std::vector<double> sizes_;
+    std::optional<MADeletedModels> random_;
+    std::optional<MADeletedFixedModels> fixed_;
+};
+
+template <class Counts, class Pooling>
+MALeaveOneOut LeaveEachCountOut(const Counts& counts, const Pooling& pooling)
+{
+    if (counts.size() >= fewestForSharing)
+        return {KXStatus(), PoolTablesWithoutEach(counts, pooling)};
+    ColumnButOne others(counts);
+    return PoolEachRest(
+        counts.size(), [&](std::size_t) { return PoolCounts(others.Others(), pooling).model; },
+        [&](std::size_t i) { others.Proceed(i); });
+}
+
 } // namespace
 
 MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice)
 {
-    const std::size_t count = studies.Count() < 2 ? 0 : studies.Count();
+    if (studies.Count() < 2)
+        return MALeaveOneOut();
     if (choice.poolsTables)
-        return WithCounts(studies, choice, [count](const auto& counts, const auto& pooling) {
-            ColumnButOne others(counts);
-            return PoolEachRest(
-                count, [&](std::size_t) { return PoolCounts(others.Others(), pooling).model; },
-                [&](std::size_t i) { others.Proceed(i); });
+        return WithCounts(studies, choice, [](const auto& counts, const auto& pooling) {
+            return LeaveEachCountOut(counts, pooling);
         });
     const MAModelChoice stepChoice = WithoutTau2Interval(choice);
     ColumnButOne effectSizes(studies.effectSize);
     ColumnButOne variances(studies.variance);
-    std::optional<MADeletedModels> models;
-    if (choice.type != MAConst::MODEL_FIXED && FollowsFromSharedSums(choice.random))
-        models.emplace(MAEffects{studies.effectSize, studies.variance}, stepChoice.random);
-    const std::vector<double> sizes = HarmonicSizesWithoutEach(ScaleOf(choice), studies.variance);
+    SharedModels models(studies, stepChoice);
     return PoolEachRest(
-        count,
+        studies.Count(),
         [&](std::size_t i) {
-            std::optional<MAPooledModel> found = models ? models->Without(i) : std::nullopt;
-            if (!found)
-                return PoolEffects({effectSizes.Others(), variances.Others()}, stepChoice);
-            found->size = sizes[i];
-            return *found;
+            const std::optional<MAPooledModel> found = models.Without(i);
+            return found ? *found : PoolEffects({effectSizes.Others(), variances.Others()}, stepChoice);
         },
         [&](std::size_t i) {
             effectSizes.Proceed(i);

@@ -15,9 +15,11 @@ struct MALeaveOneOut
 };
 
 /// Pools all studies but one, for each in turn, as a run without that study would; effect sizes and tables
-/// keep the zero-cell correction that they have. Empty for fewer than two studies. Where
-/// `MADeletedModels` has the model a study costs O(1), and there is no prediction and no likelihood;
-/// otherwise it costs one pooling.
+/// keep the zero-cell correction that they have. Empty for fewer than two studies.
+///
+/// A study costs O(1) where `MADeletedModels` has the model, which then has no prediction and no likelihood,
+/// and of 256 studies or more where `MADeletedFixedModels` or `PoolTablesWithoutEach` has it; otherwise one
+/// pooling.
 MALeaveOneOut LeaveEachOut(const MAStudies& studies, const MAModelChoice& choice);
 
 } // namespace MA_NAMESPACE

@@ -2,9 +2,12 @@
 #include "support/Published.h"
 #include "support/Tables.h"
 
+#include "meta_analysis/pooling/MATablePooling.h"
+
 #include <gmock/gmock.h>
 
 #include <map>
+#include <random>
 
 using namespace MA_NAMESPACE;
 using namespace MAConst;
@@ -34,21 +37,61 @@ const Columns ofAll = {&BinModel::GetEstEffectSize,
 
 } // namespace
 
+/// To the bit for the 13 studies; 20 copies of them share sums.
 TEST(LeaveOneOut, EqualsTheRunWithoutTheStudy)
 {
     const Published bcg("bcg_vaccine");
-    for (const Pooling& pooling : poolings) {
-        SCOPED_TRACE(pooling.name);
-        const MAModelSettings settings = pooling.Of(bcg.settings);
-        const BinRun run(WithLeaveOneOut(settings), bcg.data.rows);
-        ASSERT_EQ(run.model.GetLeaveOneOutEffectSize().size(), bcg.data.rows.size());
-        for (std::size_t i = 0; i < bcg.data.rows.size(); ++i) {
-            Rows others = bcg.data.rows;
-            others.erase(others.begin() + static_cast<std::ptrdiff_t>(i));
-            const BinRun without(settings, others);
-            EXPECT_TRUE(Same(EntriesOf(run.model, i, withoutEach), EntriesOf(without.model, 0, ofAll))) << i;
+    for (const Pooling& pooling : poolings)
+        for (const std::size_t copies : {1, 20}) {
+            SCOPED_TRACE(pooling.name);
+            const MAModelSettings settings = pooling.Of(bcg.settings);
+            Rows rows;
+            for (std::size_t copy = 0; copy < copies; ++copy)
+                rows.insert(rows.end(), bcg.data.rows.begin(), bcg.data.rows.end());
+            const BinRun run(WithLeaveOneOut(settings), rows);
+            ASSERT_EQ(run.model.GetLeaveOneOutEffectSize().size(), rows.size());
+            for (std::size_t i = 0; i < bcg.data.rows.size(); ++i) {
+                Rows others = rows;
+                others.erase(others.begin() + static_cast<std::ptrdiff_t>(i));
+                const BinRun without(settings, others);
+                EXPECT_TRUE(Close(EntriesOf(run.model, i, withoutEach), EntriesOf(without.model, 0, ofAll),
+                                  copies == 1 ? 0.0 : 1e-12))
+                    << i;
+            }
+            EXPECT_EQ(run.model.GetLeaveOneOutExpCIUpper().empty(), pooling.effect == BIN_RISK_DIFFERENCE);
         }
-        EXPECT_EQ(run.model.GetLeaveOneOutExpCIUpper().empty(), pooling.effect == BIN_RISK_DIFFERENCE);
+}
+
+/// Small counts with many zero cells, some of which are all that others do not have, and a table that
+/// outweighs all. Their differences of risks are compared with their standard error at least.
+TEST(LeaveOneOut, OfCountsEqualsThePoolingOfTheOthers)
+{
+    std::mt19937 generator(1);
+    for (unsigned round = 0; round < 200; ++round) {
+        std::vector<MATable> tables(3 + round % 20);
+        for (MATable& table : tables) {
+            const auto count = [&] { return static_cast<double>(generator() % (2 + round % 7)); };
+            table = {round % 3 == 0 ? 0.0 : count(), count(), round % 3 == 0 ? 0.0 : count(), count()};
+        }
+        tables[1] = round % 2 == 0 ? MATable{2e6, 3e6, 1e6, 4e6} : MATable{1, 2, 3, 4};
+        MATablePoolingChoice choice;
+        choice.measure = poolings[2 + round % 4].effect;
+        choice.pooledZeroCells = std::array{POOLED_ZERO_CELLS_AS_STUDIES, POOLED_ZERO_CELLS_IF_NEEDED,
+                                            POOLED_ZERO_CELLS_NONE}[round / 4 % 3];
+        choice.correction.type = round % 5 == 0 ? ZERO_ADJUST_NONE : ZERO_ADJUST_EACH;
+        const std::vector<MAPooledModel> models = PoolTablesWithoutEach(tables, choice);
+        for (std::size_t i = 0; i < tables.size(); ++i) {
+            SCOPED_TRACE(std::to_string(round) + " without " + std::to_string(i));
+            std::vector<MATable> others = tables;
+            others.erase(others.begin() + static_cast<std::ptrdiff_t>(i));
+            const MAPooledModel plain = PoolTables(others, choice).model;
+            EXPECT_TRUE(Close(models[i].effect.estimate, plain.effect.estimate, 1e-12, 0.1));
+            EXPECT_TRUE(Close(models[i].effect.variance, plain.effect.variance, 1e-12));
+            EXPECT_TRUE(Close(models[i].effect.pValue.value, plain.effect.pValue.value, 1e-12, 1.0));
+            // A table that outweighs all has hardly a digit of its distance from the pooled effect.
+            EXPECT_TRUE(Close(models[i].homogeneity.q, plain.homogeneity.q, i == 1 ? 1e-12 : 1e-9));
+            EXPECT_EQ(models[i].homogeneity.df, plain.homogeneity.df);
+        }
     }
 }
 
