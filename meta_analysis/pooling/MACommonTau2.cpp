@@ -10,6 +10,8 @@
 #include "meta_analysis/pooling/MATau2Search.h"
 #include "meta_analysis/pooling/MATau2Steps.h"
 
+#include <cmath>
+
 namespace MA_NAMESPACE {
 
 namespace {
@@ -101,8 +103,8 @@ double SidikJonkmanTau2(Groups groups)
     const double mean = PlainMean(groups);
     const double crude = SumOver(groups, [=](const MAEffects& group) { return SquaresAbout(group, mean); }) /
                          StudyCount(groups);
-    if (crude == 0.0)
-        return 0.0;
+    if (crude == 0.0 || std::isinf(crude)) // whose weights are no numbers
+        return crude;
     const double q = SumOver(groups, [=](const MAEffects& group) {
         return ResidualSum(group, WeightedMean(group, crude, crude).Mean(), crude);
     });

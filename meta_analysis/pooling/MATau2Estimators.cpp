@@ -10,6 +10,8 @@
 #include "meta_analysis/pooling/MATau2Search.h"
 #include "meta_analysis/pooling/MATau2Steps.h"
 
+#include <cmath>
+
 namespace MA_NAMESPACE {
 
 namespace {
@@ -65,6 +67,8 @@ double SidikJonkmanTau2(const MAEffects& studies)
     for (const double y : studies.effectSizes)
         crude += Square(y - mean);
     crude /= k;
+    if (std::isinf(crude)) // its weights are no numbers, and a tau² of 0 would pass for an estimate
+        return crude;
 
     const ScaledMean weighted = ScaledMeanAt(studies, crude);
     double sum = 0.0;

@@ -212,6 +212,14 @@ TEST(MARandomEffectModel, ExtremeStudiesArePooled)
     }
 }
 
+/// Squares of the effects overflow. A tau² of 0 would pass for an estimate of studies that agree.
+TEST(MARandomEffectModel, OverflowIsNoEstimate)
+{
+    const Pooled pooled({{1e160, 1}, {-1e160, 2}, {3e159, 1}});
+    for (const int estimator : {TAU2_HE, TAU2_HS, TAU2_DL, TAU2_SJ})
+        EXPECT_FALSE(std::isfinite(pooled.Random(estimator).GetBetweenStudyVariance())) << estimator;
+}
+
 TEST(MARandomEffectModel, StudyVectorsAreChecked)
 {
     using Fixed = MAContinousFixEffectModel;
