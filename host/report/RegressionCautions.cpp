@@ -2,6 +2,8 @@
 #include "host/report/Cautions.h"
 #include "host/text/Wording.h"
 
+#include "meta_analysis/settings/MAStatusCode.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -101,7 +103,7 @@ std::string ResidualI2OfFew(const RegressionData& data)
 
 constexpr CautionRule<RegressionData> RULES[] = {
     {UnfinishedScoring, ""},
-    {NothingLeft, ""},
+    {NothingLeft, "", MAStatusCode::NO_RESIDUAL_DF},
     {FewStudiesOfPredictor, "Cochrane Handbook, chapter 10"},
     {FixedEffectsOfDifferentStudies, "Higgins and Thompson 2004"},
     {NoVarianceLeft, "Chung, Rabe-Hesketh and Choi 2013"},
@@ -110,9 +112,9 @@ constexpr CautionRule<RegressionData> RULES[] = {
 
 } // namespace
 
-std::vector<std::string> CautionsOf(const RegressionData& data)
+Cautions CautionsOf(const RegressionData& data)
 {
-    return SentencesOf(RULES, data);
+    return CautionsBy(RULES, data);
 }
 
 } // namespace host

@@ -35,8 +35,9 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
                                  WordingOfModel(options.settings), data.level),
                      {}};
     AppendSections(report, COEFFICIENT_SECTIONS, data);
-    Append(report.sections, CautionsSection(CautionsOf(data)));
-    Append(report.sections, WarningsSection(Concerning(WarningsOf(request, analysis), 0)));
+    const Cautions cautions = CautionsOf(data);
+    Append(report.sections, CautionsSection(cautions));
+    Append(report.sections, WarningsSection(Concerning(WarningsOf(request, analysis), cautions)));
     AppendSections(report, FURTHER_REGRESSION_SECTIONS, data);
     Append(report.sections, PresetSection(options));
     Append(report.sections, OptionNotesSection(options));
