@@ -7,6 +7,7 @@
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <cstddef>
 #include <utility>
 
@@ -109,9 +110,6 @@ private:
         const ModelRow& model = models_[i];
         const std::string name = model.isOverall ? OVERALL : hasGroups_ ? "Pooled" : model.label;
         const std::string group = model.isOverall ? "" : model.label;
-        double weight = 0;
-        for (const std::size_t study : model.studies)
-            weight += 100 * weights_[study];
         rows_.push_back({.kind = Row::Kind::POOLED,
                          .label = name,
                          .group = group,
@@ -119,7 +117,7 @@ private:
                          .natural = EntryOf(pooled_.naturals, i),
                          .effect = EntryOf(pooled_.effects, i),
                          .stdError = At(pooled_.stdErrors, i),
-                         .weight = weight,
+                         .weight = WeightOf(model),
                          .p = At(pooled_.significances, i)});
         if (const Effect prediction = EntryOf(predictions_, i); HasValue(prediction.lower))
             rows_.push_back({.kind = Row::Kind::PREDICTION,
@@ -134,6 +132,15 @@ private:
                              .group = group,
                              .type = "heterogeneity",
                              .model = model});
+    }
+
+    /// In percent. That of all studies is 100, which a sum of rounded weights misses.
+    double WeightOf(const ModelRow& model) const
+    {
+        double weight = 0;
+        for (const std::size_t study : model.studies)
+            weight += 100 * weights_[study];
+        return std::abs(weight - 100) < 1e-9 ? 100 : weight;
     }
 
     const AnalysisData& data_;
@@ -212,7 +219,9 @@ std::string EffectText(const Effect& effect, const AnalysisData& data)
     if (!HasValue(effect.lower) && !HasValue(effect.value))
         return {};
     const std::string interval =
-        fmt::format("[{}, {}]", data.PooledText(effect.lower), data.PooledText(effect.upper));
+        HasValue(effect.lower) || HasValue(effect.upper)
+            ? fmt::format("[{}, {}]", data.PooledText(effect.lower), data.PooledText(effect.upper))
+            : NO_VALUE;
     return HasValue(effect.value) ? data.PooledText(effect.value) + " " + interval : interval;
 }
 

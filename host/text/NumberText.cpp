@@ -60,9 +60,16 @@ CompactTexts JoinedTexts(const Estimates& estimates, const ToText& toText)
     joined.Reserve(estimates.lower.size(), values.width + lower.width + upper.width + 5);
     for (std::size_t i = 0; i < estimates.lower.size(); ++i) {
         joined.push_back({});
-        if (!estimates.values.empty()) {
+        const bool hasValue = !estimates.values.empty() && HasValue(estimates.values[i]);
+        const bool hasInterval = HasValue(estimates.lower[i]) || HasValue(estimates.upper[i]);
+        if (hasValue || (hasInterval && !estimates.values.empty())) {
             values.AppendTo(joined, i);
             joined.Extend(" ");
+        }
+        if (!hasInterval) {
+            joined.ExtendBlanks(hasValue ? lower.width + upper.width + 3 : 0);
+            joined.Extend(NO_VALUE);
+            continue;
         }
         joined.Extend("[");
         lower.AppendTo(joined, i);

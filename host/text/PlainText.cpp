@@ -148,6 +148,17 @@ std::string WithoutCharacters(std::string_view text, char replacement,
     return TextOf(codePoints.begin(), codePoints.end());
 }
 
+std::size_t DisplayWidth(std::string_view text)
+{
+    // Most cells are ASCII, and a table has millions of them.
+    if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
+        return text.size();
+    std::size_t width = 0;
+    for (const utf8proc_int32_t codePoint : CodePointsOf(text))
+        width += static_cast<std::size_t>(utf8proc_charwidth(codePoint));
+    return width;
+}
+
 double TextWidth(std::string_view text, bool isBold)
 {
     const CodePoints codePoints = CodePointsOf(text);

@@ -2,6 +2,7 @@
 
 #include "host/text/CompactTexts.h"
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -28,6 +29,10 @@ CompactTexts LabelList(const std::vector<std::string>& labels, const std::vector
 /// The text as PlainText() makes it, with `replacement` for each character that is unwanted.
 std::string WithoutCharacters(std::string_view text, char replacement,
                               const std::function<bool(char32_t)>& isUnwanted);
+
+/// Columns of a terminal that the text takes: two for a wide character, such as those of Chinese, and none
+/// for one that combines with the character before it.
+std::size_t DisplayWidth(std::string_view text);
 
 /// Upper bound of the text's width in a sans-serif font, in units of the font's size.
 double TextWidth(std::string_view text, bool isBold = false);
