@@ -17,8 +17,6 @@ namespace host {
 namespace {
 
 constexpr std::size_t FEW_FOR_TAU2 = 5;
-/// For a normal interval of random effects, groups, and tests of asymmetry.
-constexpr std::size_t FEW_STUDIES = 10;
 
 std::string CountText(const ModelRow& model)
 {

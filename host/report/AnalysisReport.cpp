@@ -11,20 +11,7 @@
 
 #include <fmt/format.h>
 
-#include <cstddef>
-
 namespace host {
-
-namespace {
-
-template <std::size_t N>
-void AppendSections(Report& report, SectionMaker* const (&makers)[N], const AnalysisData& data)
-{
-    for (SectionMaker* const make : makers)
-        Append(report.sections, make(data));
-}
-
-} // namespace
 
 Report MakeAnalysisReport(const Options& options, const AnalysisRequest& request, const Analysis& analysis)
 {

@@ -45,9 +45,8 @@ std::string UnfinishedScoring(const RegressionData& data)
 
 std::string FewStudiesOfPredictor(const RegressionData& data)
 {
-    constexpr std::size_t LEAST_OF_PREDICTOR = 10;
     const std::size_t predictors = PredictorCount(data);
-    if (StudyCount(data) >= LEAST_OF_PREDICTOR * predictors)
+    if (StudyCount(data) >= FEW_STUDIES * predictors)
         return {};
     return fmt::format(
         "{} for {} coefficient{} of predictors: with fewer than 10 studies for each, relations "
@@ -92,7 +91,6 @@ std::string NoVarianceLeft(const RegressionData& data)
 
 std::string ResidualI2OfFew(const RegressionData& data)
 {
-    constexpr std::size_t FEW_STUDIES = 10;
     const double i2 = data.output.GetIresSquare();
     if (!HasValue(i2) || !(data.output.GetResHomoDf() > 0) || StudyCount(data) >= FEW_STUDIES)
         return {};

@@ -11,20 +11,7 @@
 
 #include <fmt/format.h>
 
-#include <cstddef>
-
 namespace host {
-
-namespace {
-
-template <std::size_t N>
-void AppendSections(Report& report, RegressionSectionMaker* const (&makers)[N], const RegressionData& data)
-{
-    for (RegressionSectionMaker* const make : makers)
-        Append(report.sections, make(data));
-}
-
-} // namespace
 
 Report MakeRegressionReport(const Options& options, const RegressionRequest& request,
                             const RegressionAnalysis& analysis)
