@@ -131,6 +131,14 @@ std::string PlainText(std::string_view text)
     return TextOf(codePoints.begin(), codePoints.end());
 }
 
+std::u32string Composed(std::string_view text)
+{
+    CodePoints codePoints = CodePointsOf(text);
+    const utf8proc_ssize_t length = utf8proc_normalize_utf32(
+        codePoints.data(), static_cast<utf8proc_ssize_t>(codePoints.size()), UTF8PROC_COMPOSE);
+    return {codePoints.begin(), codePoints.begin() + length};
+}
+
 std::string TextOf(char32_t character)
 {
     const CodePoints one = {static_cast<utf8proc_int32_t>(character)};

@@ -14,6 +14,10 @@ namespace host {
 /// bytes that are no UTF-8 and code points that are no characters become the replacement character.
 std::string PlainText(std::string_view text);
 
+/// The characters of the text as PlainText() makes it, with accents joined to their letters where Unicode has
+/// one character for both (normalisation form C).
+std::u32string Composed(std::string_view text);
+
 /// A character in UTF-8.
 std::string TextOf(char32_t character);
 

@@ -100,6 +100,27 @@ TEST(ReportOutput, TablesRunNothingAndLoseNothing)
     EXPECT_THAT(folder.Read("t.MD"), HasSubstr("\n| \\[a\\_b\\]\\|50%\\\\\\&\\<i\\>--\\$ | 1.0000 \\["));
 }
 
+/// Labels of any script keep the columns of the report, and LaTeX has commands for what its fonts lack.
+/// Weights that are rounded add up to 100, and a missing interval is shown once.
+TEST(ReportOutput, ShowsLettersOfAnyWidth)
+{
+    const TemporaryFolder folder;
+    const Arguments run =
+        Effects(folder.Write("u.csv", "s,effect,variance,g\n東京,0,.1,a\nMu\u0308ller,1,.1,b\n"
+                                      "α ≤ 5\u202Fmg,2,.1,b\nΑθήνα,3,.3,b\n")) +
+        "--study s --subgroup g --level 90";
+    const std::string report = ReportOf(run);
+    EXPECT_THAT(report, AllOf(HasSubstr("\n東京      a "), HasSubstr("\nMu\u0308ller    b "),
+                              HasSubstr("\nα ≤ 5\u202Fmg  b ")));
+    EXPECT_THAT(report, AllOf(ContainsRegex("\na  +- +- +- +- +-\n"), Not(ContainsRegex("\\[ *-, +-"))));
+    EXPECT_THAT(ReportOf(run + "--table -"), ContainsRegex("\"overall\",\"\",[^\r]*,100,"));
+    ReportOf(run + "--table" + Arguments{folder.PathOf("t.tex")});
+    EXPECT_THAT(folder.Read("t.tex"),
+                AllOf(StartsWith("% needs \\usepackage{booktabs}\n% pdflatex lacks some"),
+                      HasSubstr("\n$\\alpha$ $\\leq$ 5\\,mg & b & 2.0"), HasSubstr("\nM\u00FCller & b"),
+                      HasSubstr("\nΑθήνα & "), HasSubstr("\n\\multicolumn{5}{@{}p{\\linewidth}@{}}{b: Het")));
+}
+
 TEST(ReportOutput, CitesTheMethodsOfTheRun)
 {
     const std::string adjusted =
