@@ -62,7 +62,7 @@ int AnalyseRegression(const Options& options, OwnedTable table)
     const auto makeJson = [&] {
         return RenderJson(options, {request.studyLabels, request.lines, analysis.records, analysis.status,
                                     WarningsOf(request, analysis), ResultsOf(request, analysis),
-                                    CautionsOf(RegressionData(options, request, analysis))});
+                                    CautionsOf(RegressionData(options, request, analysis)).sentences});
     };
     const auto makePictures = [&] {
         return MakeRegressionPictures(RegressionData(options, request, analysis));
@@ -86,7 +86,7 @@ int AnalyseStudies(const Options& options, OwnedTable table)
     const auto makeJson = [&] {
         return RenderJson(options, {request.studyLabels, request.lines, analysis.Records(read),
                                     analysis.FinalStatus(), WarningsOf(AnalysisData(request, analysis)),
-                                    ResultsOf(analysis), CautionsOf(AnalysisData(request, analysis))});
+                                    ResultsOf(analysis), CautionsOf(AnalysisData(request, analysis)).sentences});
     };
     const auto makePictures = [&] { return MakePictures(request, analysis); };
     const auto makeTable = [&](TableKind kind) {

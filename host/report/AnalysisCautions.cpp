@@ -3,8 +3,11 @@
 #include "host/report/Cautions.h"
 #include "host/text/Wording.h"
 
+#include "meta_analysis/settings/MAStatusCode.h"
+
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
 
 using namespace MA_NAMESPACE;
@@ -14,8 +17,6 @@ namespace host {
 namespace {
 
 constexpr std::size_t FEW_FOR_TAU2 = 5;
-/// For a normal interval of random effects, groups, and tests of asymmetry.
-constexpr std::size_t FEW_STUDIES = 10;
 
 std::string CountText(const ModelRow& model)
 {
@@ -41,21 +42,51 @@ std::string SingleStudy(const Subject& subject)
                : "";
 }
 
+/// " (interval up to 1.2)", or nothing without an interval.
+std::string UpperText(const Subject& subject, const ModelRow& model)
+{
+    return model.tau2Upper > 0 ? fmt::format(" (interval up to {})", subject.data.numbers(model.tau2Upper))
+                               : std::string();
+}
+
+bool HasTau2OfFew(const Subject& subject, const ModelRow& model)
+{
+    return subject.HasOwnTau2(model) && model.tau2 > 0 && model.studies.size() < FEW_FOR_TAU2;
+}
+
+bool HasTau2OfZero(const Subject& subject, const ModelRow& model)
+{
+    return subject.HasOwnTau2(model) && model.tau2 == 0;
+}
+
+/// What the models for which `holds` say of prediction: one of these clauses, or nothing.
+template <class Condition>
+std::string PredictionClause(const Subject& subject, const Condition& holds, const char* ifThere,
+                             const char* ifLacking)
+{
+    const auto any = [&](const auto& isMeant) {
+        return std::any_of(subject.models.begin(), subject.models.end(),
+                           [&](const ModelRow& model) { return holds(subject, model) && isMeant(model); });
+    };
+    const bool isByStudents = subject.data.settings.GetPrediction() == MAConst::PREDICTION_T_K_MINUS_2;
+    if (any([](const ModelRow& model) { return IsNumber(model.predictionLower); }))
+        return ifThere;
+    return isByStudents && any([](const ModelRow& model) { return model.studies.size() == 2; }) ? ifLacking
+                                                                                                : "";
+}
+
+/// What follows for the weights and intervals is said of the intervals.
 std::string FewStudiesForTau2(const Subject& subject)
 {
     return OfModels(
-        subject,
+        subject, [&](const ModelRow& model) { return HasTau2OfFew(subject, model); },
         [&](const ModelRow& model) {
-            return subject.HasOwnTau2(model) && model.tau2 > 0 && model.studies.size() < FEW_FOR_TAU2;
+            return fmt::format("tau² {}{} from {}", subject.data.numbers(model.tau2),
+                               UpperText(subject, model), CountText(model));
         },
-        [&](const ModelRow& model) {
-            const std::string upper =
-                model.tau2Upper > 0 ? ", perhaps up to " + subject.data.numbers(model.tau2Upper) : "";
-            return fmt::format("tau² {} from {}{}", subject.data.numbers(model.tau2), CountText(model),
-                               upper);
-        },
-        "so few hardly tell how much the true effects differ, so that weights, standard error and intervals "
-        "are as uncertain");
+        "so few hardly tell how much the true effects differ" +
+            PredictionClause(subject, HasTau2OfFew, ", on which the prediction interval rests",
+                             ", and leave no prediction interval"));
 }
 
 /// Models of two studies have such an interval under KNAPP_HARTUNG_IF_HETEROGENEOUS too.
@@ -117,15 +148,20 @@ std::string ShorterByKnappHartung(const Subject& subject)
 std::string NoVarianceBetween(const Subject& subject)
 {
     return OfModels(
-        subject, [&](const ModelRow& model) { return subject.HasOwnTau2(model) && model.tau2 == 0; },
+        subject, [&](const ModelRow& model) { return HasTau2OfZero(subject, model); },
         [&](const ModelRow& model) {
-            const std::string upper = model.tau2Upper > 0 ? fmt::format(" (interval up to {})",
-                                                                        subject.data.numbers(model.tau2Upper))
-                                                          : std::string();
-            return fmt::format("tau² 0{} from {}", upper, CountText(model));
+            return fmt::format("tau² 0{} from {}", UpperText(subject, model), CountText(model));
         },
         "the model pools as one of a fixed effect; an estimate of 0 is no proof that the true effects are "
-        "equal");
+        "equal" +
+            PredictionClause(subject, HasTau2OfZero, ", as the prediction interval supposes",
+                             ", and 2 studies leave no prediction interval"));
+}
+
+/// Whether the sentences on tau² say how uncertain the heterogeneity is.
+bool IsTau2InDoubt(const Subject& subject, const ModelRow& model)
+{
+    return HasTau2OfFew(subject, model) || HasTau2OfZero(subject, model);
 }
 
 /// Half of the range or more, from what the Cochrane Handbook calls perhaps unimportant (up to 40%) to what
@@ -138,7 +174,7 @@ bool IsWideI2(const ModelRow& model)
 std::string UncertainI2(const Subject& subject)
 {
     return OfModels(
-        subject, [](const ModelRow& model) { return IsWideI2(model); },
+        subject, [&](const ModelRow& model) { return IsWideI2(model) && !IsTau2InDoubt(subject, model); },
         [&](const ModelRow& model) {
             return fmt::format("I² {} [{}, {}]", subject.Percent(model.i2), subject.Percent(model.i2Lower),
                                subject.Percent(model.i2Upper));
@@ -150,9 +186,9 @@ std::string I2WithoutInterval(const Subject& subject)
 {
     return OfModels(
         subject,
-        [](const ModelRow& model) {
+        [&](const ModelRow& model) {
             return HasValue(model.i2) && !HasValue(model.i2Lower) && model.studies.size() > 1 &&
-                   model.studies.size() < FEW_STUDIES;
+                   model.studies.size() < FEW_STUDIES && !IsTau2InDoubt(subject, model);
         },
         [&](const ModelRow& model) {
             return fmt::format("I² {} from {}, without an interval", subject.Percent(model.i2),
@@ -197,45 +233,26 @@ std::string PredictionOfNoEffect(const Subject& subject)
         PredictionText(subject.data, overall));
 }
 
-std::string PredictionOfFew(const Subject& subject)
-{
-    return OfModels(
-        subject,
-        [](const ModelRow& model) {
-            return IsNumber(model.predictionLower) && model.studies.size() < FEW_FOR_TAU2;
-        },
-        CountText,
-        "the prediction interval rests on a tau² that is hardly known, and on normally distributed true "
-        "effects, which so few cannot show");
-}
-
-std::string NoPrediction(const Subject& subject)
-{
-    const bool isByStudents = subject.data.settings.GetPrediction() == MAConst::PREDICTION_T_K_MINUS_2;
-    return OfModels(
-        subject,
-        [&](const ModelRow& model) {
-            return isByStudents && IsRandom(subject.data.settings) && model.studies.size() == 2 &&
-                   !HasValue(model.predictionLower);
-        },
-        CountText, "no prediction interval, for Student's t with k - 2 degrees of freedom needs 3");
-}
-
 bool HasTestBetweenGroups(const Subject& subject)
 {
     return subject.data.base.GetGDQbDf() > 0;
 }
 
-std::string GroupsOfOneStudy(const Subject& subject)
+std::vector<std::string> SingleStudyGroups(const Subject& subject)
 {
-    if (!HasTestBetweenGroups(subject))
-        return {};
-    const bool isWeighedAlone = IsRandom(subject.data.settings) && !subject.data.settings.GetCommonTau2();
     std::vector<std::string> labels;
     for (const ModelRow& model : subject.models)
         if (!model.isOverall && model.studies.size() == 1)
             labels.push_back(model.label);
-    if (labels.empty())
+    return labels;
+}
+
+/// Of few studies in groups this is said with their number.
+std::string GroupsOfOneStudy(const Subject& subject)
+{
+    const std::vector<std::string> labels = SingleStudyGroups(subject);
+    const bool isWeighedAlone = IsRandom(subject.data.settings) && !subject.data.settings.GetCommonTau2();
+    if (!HasTestBetweenGroups(subject) || subject.StudyCount() < FEW_STUDIES || labels.empty())
         return {};
     return fmt::format("{}: a group of one study tells nothing of others like it{}", Listed(labels),
                        isWeighedAlone
@@ -248,18 +265,24 @@ std::string GroupsOfFewStudies(const Subject& subject)
 {
     if (!HasTestBetweenGroups(subject) || subject.StudyCount() >= FEW_STUDIES)
         return {};
-    return fmt::format("{} in {} groups: with fewer than 10 studies differences between groups are found or "
-                       "missed by chance",
-                       CountOfStudies(subject.StudyCount()), subject.data.base.GetGDQbDf() + 1);
+    const std::vector<std::string> single = SingleStudyGroups(subject);
+    return fmt::format(
+        "{} in {} groups{}: with fewer than 10 studies differences between groups are found or "
+        "missed by chance",
+        CountOfStudies(subject.StudyCount()), subject.data.base.GetGDQbDf() + 1,
+        single.empty() ? "" : ", of one study " + Listed(single));
 }
 
-/// The tests of asymmetry have a warning of the library.
+/// Where trim-and-fill was not run, the tests of asymmetry have the library's warning.
 std::string FillingOfFew(const Subject& subject)
 {
     if (!subject.data.settings.GetIsTRIMFILL() || subject.StudyCount() >= FEW_STUDIES)
         return {};
-    return fmt::format("{}: trim-and-fill cannot tell asymmetry from chance with fewer than 10 studies",
-                       CountOfStudies(subject.StudyCount()));
+    const bool isTested =
+        subject.data.analysis.testStatus.has_value() || HasValue(subject.data.base.GetRankTestTau());
+    return fmt::format("{}: trim-and-fill {} asymmetry from chance with fewer than 10 studies",
+                       CountOfStudies(subject.StudyCount()),
+                       isTested ? "and the tests of small-study effects cannot tell" : "cannot tell");
 }
 
 std::string RepeatedLooks(const Subject& subject)
@@ -270,38 +293,37 @@ std::string RepeatedLooks(const Subject& subject)
                                                      "again and again";
 }
 
+/// A fact stands once: what tau² of few studies or of 0 says of heterogeneity is not said of I² again.
 constexpr CautionRule<Subject> RULES[] = {
     {UnfinishedScoring, ""},
-    {SingleStudy, ""},
-    {FewStudiesForTau2, "Cochrane Handbook, chapter 10"},
+    {SingleStudy, "", MAStatusCode::ONE_STUDY},
+    {FixedEffectOfDifferentStudies, "Borenstein, Hedges, Higgins and Rothstein 2010"},
+    {PredictionOfNoEffect, "IntHout, Ioannidis, Rovers and Goeman 2016"},
+    {ImpossibleLimits, ""},
     {NormalIntervalOfFew, "IntHout, Ioannidis and Borm 2014"},
     {TwoStudiesByT, "Röver, Knapp and Friede 2015"},
     {ShorterByKnappHartung, "Wiksten, Rücker and Schwarzer 2016"},
-    {NoVarianceBetween, "Chung, Rabe-Hesketh and Choi 2013"},
-    {UncertainI2, "Ioannidis, Patsopoulos and Evangelou 2007"},
-    {I2WithoutInterval, "von Hippel 2015"},
-    {FixedEffectOfDifferentStudies, "Borenstein, Hedges, Higgins and Rothstein 2010"},
-    {PredictionOfNoEffect, "IntHout, Ioannidis, Rovers and Goeman 2016"},
-    {PredictionOfFew, "Cochrane Handbook, chapter 10"},
-    {NoPrediction, "Higgins, Thompson and Spiegelhalter 2009"},
+    {FewStudiesForTau2, "Cochrane Handbook, chapter 10", MAStatusCode::TWO_STUDIES},
+    {NoVarianceBetween, "Chung, Rabe-Hesketh and Choi 2013", MAStatusCode::TWO_STUDIES},
+    {UncertainI2, "Ioannidis, Patsopoulos and Evangelou 2007", MAStatusCode::TWO_STUDIES},
+    {I2WithoutInterval, "von Hippel 2015", MAStatusCode::TWO_STUDIES},
+    {CorrectedZeros, "Sweeting, Sutton and Lambert 2004"},
+    {FarPetoOddsRatio, "Greenland and Salvan 1990"},
+    {BackTransformedSizes, "Schwarzer et al. 2019"},
     {GroupsOfOneStudy, ""},
     {GroupsOfFewStudies, "Cochrane Handbook, chapter 10"},
-    {FillingOfFew, "Sterne et al. 2011"},
+    {FillingOfFew, "Sterne et al. 2011", MAStatusCode::FEW_STUDIES_FOR_TEST},
     {TestOfOddsRatios, "Sterne et al. 2011"},
-    {FarPetoOddsRatio, "Greenland and Salvan 1990"},
-    {CorrectedZeros, "Sweeting, Sutton and Lambert 2004"},
-    {BackTransformedSizes, "Schwarzer et al. 2019"},
-    {ImpossibleLimits, ""},
     {RepeatedLooks, ""},
 };
 
 } // namespace
 
-std::vector<std::string> CautionsOf(const AnalysisData& data)
+Cautions CautionsOf(const AnalysisData& data)
 {
     if (data.base.GetNonMissingStudyID().empty())
         return {};
-    return SentencesOf(RULES, Subject{data, ModelRowsOf(data), data.base.GetStdError()});
+    return CautionsBy(RULES, Subject{data, ModelRowsOf(data), data.base.GetStdError()});
 }
 
 } // namespace host

@@ -6,26 +6,12 @@
 #include "host/report/PresetSection.h"
 #include "host/report/RecordsSection.h"
 #include "host/report/Sections.h"
-#include "host/report/ZeroCellSentences.h"
 #include "host/report/citation/Methods.h"
 #include "host/text/Wording.h"
 
 #include <fmt/format.h>
 
-#include <cstddef>
-
 namespace host {
-
-namespace {
-
-template <std::size_t N>
-void AppendSections(Report& report, SectionMaker* const (&makers)[N], const AnalysisData& data)
-{
-    for (SectionMaker* const make : makers)
-        Append(report.sections, make(data));
-}
-
-} // namespace
 
 Report MakeAnalysisReport(const Options& options, const AnalysisRequest& request, const Analysis& analysis)
 {
@@ -36,8 +22,9 @@ Report MakeAnalysisReport(const Options& options, const AnalysisRequest& request
                      {}};
     if (!records.used.empty())
         AppendSections(report, RESULT_SECTIONS, data);
-    Append(report.sections, CautionsSection(CautionsOf(data)));
-    Append(report.sections, WarningsSection(Concerning(WarningsOf(data), CorrectedStudies(data))));
+    const Cautions cautions = CautionsOf(data);
+    Append(report.sections, CautionsSection(cautions));
+    Append(report.sections, WarningsSection(Concerning(WarningsOf(data), cautions)));
     if (!records.used.empty())
         AppendSections(report, FURTHER_SECTIONS, data);
     Append(report.sections, PresetSection(options));

@@ -18,9 +18,10 @@ std::string Listed(const std::vector<std::string>& texts)
     return fmt::format("{}; and {} more", fmt::join(first, "; "), texts.size() - MOST);
 }
 
-ReportSections CautionsSection(const std::vector<std::string>& cautions)
+ReportSections CautionsSection(const Cautions& cautions)
 {
-    return cautions.empty() ? ReportSections() : ReportSections{{"Cautions", {}, cautions}};
+    return cautions.sentences.empty() ? ReportSections()
+                                      : ReportSections{{"Cautions", {}, cautions.sentences}};
 }
 
 } // namespace host

@@ -9,12 +9,17 @@
 
 namespace host {
 
-/// A sentence for each number of the analysis that misleads, with the values that make it so; in the order of
-/// the rules.
-std::vector<std::string> CautionsOf(const AnalysisData& data);
-std::vector<std::string> CautionsOf(const RegressionData& data);
+/// A sentence for each number that misleads, with the values that make it so; the most important first.
+struct Cautions
+{
+    std::vector<std::string> sentences;
+    std::vector<int> saidWarnings; ///< codes of warnings that say the same
+};
+
+Cautions CautionsOf(const AnalysisData& data);
+Cautions CautionsOf(const RegressionData& data);
 
 /// None without cautions.
-ReportSections CautionsSection(const std::vector<std::string>& cautions);
+ReportSections CautionsSection(const Cautions& cautions);
 
 } // namespace host

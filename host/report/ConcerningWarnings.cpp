@@ -19,7 +19,8 @@ struct ConcernRule
 
 /// The one place that decides it. The options refuse most of what would have no effect, so that the library
 /// warns of a setting only where it was given. The program hands the library no contrast coefficients outside
-/// the data, and who gives effect sizes knows that they are ready-made.
+/// the data, and who gives effect sizes knows that they are ready-made. That inverse variance suits rare
+/// events badly is in the caution about zero-cell corrections.
 constexpr ConcernRule CONCERNS[] = {
     {MAStatusCode::UNUSABLE_RECORD, Concern::ALWAYS},
     {MAStatusCode::CONTRAST_COUNT_MISMATCH, Concern::NEVER},
@@ -29,8 +30,8 @@ constexpr ConcernRule CONCERNS[] = {
     {MAStatusCode::TWO_STUDIES, Concern::ALWAYS},
     {MAStatusCode::READY_MADE_EFFECTS, Concern::NEVER},
     {MAStatusCode::READY_MADE_EFFECTS_AGAIN, Concern::NEVER},
-    {MAStatusCode::BINARY_FIXED_INVERSE_VARIANCE, Concern::WITH_CORRECTED_ZEROS},
-    {MAStatusCode::BINARY_RANDOM_EFFECTS, Concern::WITH_CORRECTED_ZEROS},
+    {MAStatusCode::BINARY_FIXED_INVERSE_VARIANCE, Concern::NEVER},
+    {MAStatusCode::BINARY_RANDOM_EFFECTS, Concern::NEVER},
     {MAStatusCode::TRIM_FILL_NOT_RUN, Concern::ALWAYS},
     {MAStatusCode::AS_MANY_STUDIES_AS_PARAMETERS, Concern::ALWAYS},
     {MAStatusCode::DISPERSION_NEAR_ZERO, Concern::ALWAYS},
@@ -83,14 +84,14 @@ Concern ConcernOf(int code)
     return HasConcernRule(code) ? RuleOf(code)->concern : Concern::ALWAYS;
 }
 
-std::vector<ShownWarning> Concerning(const std::vector<ShownWarning>& warnings, int correctedStudies)
+std::vector<ShownWarning> Concerning(const std::vector<ShownWarning>& warnings, const Cautions& cautions)
 {
+    const std::vector<int>& said = cautions.saidWarnings;
     std::vector<ShownWarning> concerning;
     std::copy_if(warnings.begin(), warnings.end(), std::back_inserter(concerning),
                  [&](const ShownWarning& warning) {
-                     const Concern concern = ConcernOf(warning.code);
-                     return concern == Concern::ALWAYS ||
-                            (concern == Concern::WITH_CORRECTED_ZEROS && correctedStudies > 0);
+                     return ConcernOf(warning.code) == Concern::ALWAYS &&
+                            std::find(said.begin(), said.end(), warning.code) == said.end();
                  });
     return concerning;
 }

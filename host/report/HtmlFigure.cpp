@@ -1,5 +1,6 @@
 #include "host/report/HtmlFigure.h"
 
+#include "host/report/HtmlTexts.h"
 #include "host/text/PlainText.h"
 
 #include <fmt/format.h>
@@ -94,30 +95,6 @@ std::string HtmlFigure(const DrawnPicture& drawn, int number)
         "style=\"max-width: {:.0f}px\">\n{}\n</div>\n{}<figcaption>{}</figcaption>\n</figure>\n",
         ClassOf(picture), HtmlEscaped(fmt::format("Figure {}. {}", number, picture.title)), picture.width,
         drawn.bytes, SlicesForPaper(picture), HtmlEscaped(caption));
-}
-
-std::string HtmlEscaped(const std::string& text)
-{
-    std::string escaped;
-    for (const char c : PlainText(text)) {
-        switch (c) {
-        case '&':
-            escaped += "&amp;";
-            break;
-        case '<':
-            escaped += "&lt;";
-            break;
-        case '>':
-            escaped += "&gt;";
-            break;
-        case '"':
-            escaped += "&quot;";
-            break;
-        default:
-            escaped += c;
-        }
-    }
-    return escaped;
 }
 
 } // namespace host

@@ -11,7 +11,4 @@ namespace host {
 /// and the axis.
 std::string HtmlFigure(const DrawnPicture& drawn, int number);
 
-/// The text, escaped for use between tags and in quoted attributes.
-std::string HtmlEscaped(const std::string& text);
-
 } // namespace host

@@ -5,6 +5,7 @@
 #include "host/report/HtmlScript.h"
 #include "host/report/HtmlStyle.h"
 #include "host/report/HtmlTable.h"
+#include "host/report/HtmlTexts.h"
 #include "host/text/PlainText.h"
 #include "host/text/ProgramInfo.h"
 
@@ -26,7 +27,7 @@ using Json = nlohmann::ordered_json;
 
 std::string Element(const char* name, const std::string& text)
 {
-    return fmt::format("<{0}>{1}</{0}>\n", name, HtmlEscaped(text));
+    return fmt::format("<{0}>{1}</{0}>\n", name, HtmlText(text));
 }
 
 /// Keeps the ends of lines, which HtmlEscaped() makes blanks.

@@ -1,7 +1,7 @@
 #include "host/report/HtmlTable.h"
 
 #include "host/report/AnalysisData.h"
-#include "host/report/HtmlFigure.h"
+#include "host/report/HtmlTexts.h"
 #include "host/report/ShownRows.h"
 
 #include <fmt/format.h>
@@ -22,9 +22,9 @@ std::string HeaderCell(const ReportColumn& column)
 
 std::string Cell(const ReportColumn& column, std::size_t row, bool isFirst)
 {
-    const std::string text = HtmlEscaped(column.cells[row]);
     if (!column.isText)
-        return fmt::format("<td>{}</td>", text);
+        return fmt::format("<td>{}</td>", HtmlNumber(column.cells[row]));
+    const std::string text = HtmlText(column.cells[row]);
     return isFirst ? fmt::format("<th scope=\"row\" class=\"text\">{}</th>", text)
                    : fmt::format("<td class=\"text\">{}</td>", text);
 }

@@ -79,11 +79,12 @@ std::string CorrectedZeros(const Subject& subject)
     const int count = CorrectedStudies(subject.data);
     if (PoolsTables(subject.data.settings) || count == 0)
         return {};
-    return fmt::format("{} of {} studies {} a zero-cell correction of {}: pooled by inverse variance, that "
-                       "constant is part of the result; compare --zero-delta, or {}",
-                       count, subject.StudyCount(), count == 1 ? "has" : "have",
-                       subject.data.settings.GetZeroCountDelta(),
-                       AlternativeToCorrection(subject.data.settings));
+    return fmt::format(
+        "{} of {} studies {} a zero-cell correction of {}: that constant is part of the result, "
+        "and the normal approximation behind inverse variance is doubtful where events are "
+        "rare; compare --zero-delta, or {}",
+        count, subject.StudyCount(), count == 1 ? "has" : "have", subject.data.settings.GetZeroCountDelta(),
+        AlternativeToCorrection(subject.data.settings));
 }
 
 /// The sizes are those that the variances 1 / (4n + 2) have.

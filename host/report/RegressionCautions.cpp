@@ -2,6 +2,8 @@
 #include "host/report/Cautions.h"
 #include "host/text/Wording.h"
 
+#include "meta_analysis/settings/MAStatusCode.h"
+
 #include <fmt/format.h>
 
 #include <algorithm>
@@ -43,9 +45,8 @@ std::string UnfinishedScoring(const RegressionData& data)
 
 std::string FewStudiesOfPredictor(const RegressionData& data)
 {
-    constexpr std::size_t LEAST_OF_PREDICTOR = 10;
     const std::size_t predictors = PredictorCount(data);
-    if (StudyCount(data) >= LEAST_OF_PREDICTOR * predictors)
+    if (StudyCount(data) >= FEW_STUDIES * predictors)
         return {};
     return fmt::format(
         "{} for {} coefficient{} of predictors: with fewer than 10 studies for each, relations "
@@ -90,7 +91,6 @@ std::string NoVarianceLeft(const RegressionData& data)
 
 std::string ResidualI2OfFew(const RegressionData& data)
 {
-    constexpr std::size_t FEW_STUDIES = 10;
     const double i2 = data.output.GetIresSquare();
     if (!HasValue(i2) || !(data.output.GetResHomoDf() > 0) || StudyCount(data) >= FEW_STUDIES)
         return {};
@@ -101,7 +101,7 @@ std::string ResidualI2OfFew(const RegressionData& data)
 
 constexpr CautionRule<RegressionData> RULES[] = {
     {UnfinishedScoring, ""},
-    {NothingLeft, ""},
+    {NothingLeft, "", MAStatusCode::NO_RESIDUAL_DF},
     {FewStudiesOfPredictor, "Cochrane Handbook, chapter 10"},
     {FixedEffectsOfDifferentStudies, "Higgins and Thompson 2004"},
     {NoVarianceLeft, "Chung, Rabe-Hesketh and Choi 2013"},
@@ -110,9 +110,9 @@ constexpr CautionRule<RegressionData> RULES[] = {
 
 } // namespace
 
-std::vector<std::string> CautionsOf(const RegressionData& data)
+Cautions CautionsOf(const RegressionData& data)
 {
-    return SentencesOf(RULES, data);
+    return CautionsBy(RULES, data);
 }
 
 } // namespace host

@@ -11,20 +11,7 @@
 
 #include <fmt/format.h>
 
-#include <cstddef>
-
 namespace host {
-
-namespace {
-
-template <std::size_t N>
-void AppendSections(Report& report, RegressionSectionMaker* const (&makers)[N], const RegressionData& data)
-{
-    for (RegressionSectionMaker* const make : makers)
-        Append(report.sections, make(data));
-}
-
-} // namespace
 
 Report MakeRegressionReport(const Options& options, const RegressionRequest& request,
                             const RegressionAnalysis& analysis)
@@ -35,8 +22,9 @@ Report MakeRegressionReport(const Options& options, const RegressionRequest& req
                                  WordingOfModel(options.settings), data.level),
                      {}};
     AppendSections(report, COEFFICIENT_SECTIONS, data);
-    Append(report.sections, CautionsSection(CautionsOf(data)));
-    Append(report.sections, WarningsSection(Concerning(WarningsOf(request, analysis), 0)));
+    const Cautions cautions = CautionsOf(data);
+    Append(report.sections, CautionsSection(cautions));
+    Append(report.sections, WarningsSection(Concerning(WarningsOf(request, analysis), cautions)));
     AppendSections(report, FURTHER_REGRESSION_SECTIONS, data);
     Append(report.sections, PresetSection(options));
     Append(report.sections, OptionNotesSection(options));

@@ -42,4 +42,12 @@ inline void Append(ReportSections& sections, ReportSections more)
                     std::make_move_iterator(more.end()));
 }
 
+/// The sections that each maker has of the data, in their order.
+template <class Makers, class Data>
+void AppendSections(Report& report, const Makers& makers, const Data& data)
+{
+    for (const auto& make : makers)
+        Append(report.sections, make(data));
+}
+
 } // namespace host

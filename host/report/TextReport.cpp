@@ -1,5 +1,7 @@
 #include "host/report/TextReport.h"
 
+#include "host/text/PlainText.h"
+
 #include <algorithm>
 #include <cstddef>
 #include <numeric>
@@ -10,18 +12,11 @@ namespace host {
 
 namespace {
 
-/// The number of code points of a UTF-8 text: all bytes but the continuation bytes.
-std::size_t WidthOf(std::string_view text)
-{
-    return static_cast<std::size_t>(std::count_if(
-        text.begin(), text.end(), [](char c) { return (static_cast<unsigned char>(c) & 0xC0U) != 0x80U; }));
-}
-
 std::size_t WidthOf(const ReportColumn& column)
 {
-    std::size_t width = WidthOf(column.header);
+    std::size_t width = DisplayWidth(column.header);
     for (std::size_t row = 0; row < column.cells.size(); ++row)
-        width = std::max(width, WidthOf(column.cells.View(row)));
+        width = std::max(width, DisplayWidth(column.cells.View(row)));
     return width;
 }
 
@@ -68,7 +63,7 @@ private:
 
     void WriteCell(std::string_view text, std::size_t column, std::size_t lineStart)
     {
-        const std::size_t padding = widths_[column] - WidthOf(text);
+        const std::size_t padding = widths_[column] - DisplayWidth(text);
         text_.append(text_.size() == lineStart ? 0 : 2, ' ');
         text_.append(table_[column].isText ? 0 : padding, ' ').append(text);
         text_.append(table_[column].isText ? padding : 0, ' ');

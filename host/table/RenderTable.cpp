@@ -1,7 +1,8 @@
 #include "host/table/RenderTable.h"
 
+#include "host/table/LatexTexts.h"
 #include "host/table/TableTexts.h"
-#include "host/text/NumberText.h"
+#include "host/text/NumberFormat.h"
 
 #include <fmt/format.h>
 #include <fmt/ranges.h>
@@ -22,7 +23,7 @@ std::string NumberOf(const StudyTable::Numbers& column, std::size_t row)
     const double value = column.cells[row];
     if (!HasValue(value))
         return {};
-    return column.decimals < 0 ? fmt::format("{}", value) : FixedText(value, column.decimals);
+    return column.decimals ? NumberFormat{column.decimals}(value) : fmt::format("{}", value);
 }
 
 std::string RenderCsv(const StudyTable& table)
@@ -80,18 +81,30 @@ std::string RenderMarkdown(const std::vector<ReportColumn>& columns)
     return text;
 }
 
-std::string RenderLatex(const std::vector<ReportColumn>& columns)
+/// A cell over all columns, whose text runs on in further lines; the column of groups comes first.
+std::string LatexSentence(const std::vector<ReportColumn>& columns, std::size_t row)
 {
+    std::string sentence = columns.front().cells[row];
+    for (std::size_t i = 1; i < columns.size(); ++i)
+        if (columns[i].isText && !columns[i].cells.View(row).empty())
+            sentence = columns[i].cells[row] + ": " + sentence;
+    return fmt::format("\\multicolumn{{{}}}{{@{{}}p{{\\linewidth}}@{{}}}}{{{}}}", columns.size(),
+                       LatexText(sentence));
+}
+
+std::string RenderLatex(const StudyTable& table)
+{
+    const std::vector<ReportColumn>& columns = table.reading;
     std::string alignment;
     for (const ReportColumn& column : columns)
         alignment += column.isText ? 'l' : 'r';
-    std::string text =
-        fmt::format("% needs \\usepackage{{booktabs}}\n\\begin{{tabular}}{{{}}}\n\\toprule\n{} "
-                    "\\\\\n\\midrule\n",
-                    alignment, JoinedRow(columns, nullptr, LatexText, LatexText, " & "));
+    std::string text = fmt::format("\\begin{{tabular}}{{{}}}\n\\toprule\n{} \\\\\n\\midrule\n", alignment,
+                                   JoinedRow(columns, nullptr, LatexText, LatexText, " & "));
     for (std::size_t row = 0; row < columns.front().cells.size(); ++row)
-        text += JoinedRow(columns, &row, LatexText, LatexNumber, " & ") + " \\\\\n";
-    return text + "\\bottomrule\n\\end{tabular}\n";
+        text += (table.isSentence[row] ? LatexSentence(columns, row)
+                                       : JoinedRow(columns, &row, LatexText, LatexNumber, " & ")) +
+                " \\\\\n";
+    return LatexNeeds(text) + text + "\\bottomrule\n\\end{tabular}\n";
 }
 
 } // namespace
@@ -104,7 +117,7 @@ std::string RenderTable(const StudyTable& table, TableKind kind)
     case TableKind::MARKDOWN:
         return RenderMarkdown(table.reading);
     case TableKind::LATEX:
-        return RenderLatex(table.reading);
+        return RenderLatex(table);
     }
     return {};
 }

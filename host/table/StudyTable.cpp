@@ -3,10 +3,12 @@
 #include "host/report/EffectRows.h"
 #include "host/report/ModelRows.h"
 #include "host/table/DataColumns.h"
+#include "host/table/NumberColumns.h"
 #include "host/text/PlainText.h"
 
 #include <fmt/format.h>
 
+#include <cmath>
 #include <cstddef>
 #include <utility>
 
@@ -109,9 +111,6 @@ private:
         const ModelRow& model = models_[i];
         const std::string name = model.isOverall ? OVERALL : hasGroups_ ? "Pooled" : model.label;
         const std::string group = model.isOverall ? "" : model.label;
-        double weight = 0;
-        for (const std::size_t study : model.studies)
-            weight += 100 * weights_[study];
         rows_.push_back({.kind = Row::Kind::POOLED,
                          .label = name,
                          .group = group,
@@ -119,7 +118,7 @@ private:
                          .natural = EntryOf(pooled_.naturals, i),
                          .effect = EntryOf(pooled_.effects, i),
                          .stdError = At(pooled_.stdErrors, i),
-                         .weight = weight,
+                         .weight = WeightOf(model),
                          .p = At(pooled_.significances, i)});
         if (const Effect prediction = EntryOf(predictions_, i); HasValue(prediction.lower))
             rows_.push_back({.kind = Row::Kind::PREDICTION,
@@ -134,6 +133,15 @@ private:
                              .group = group,
                              .type = "heterogeneity",
                              .model = model});
+    }
+
+    /// In percent. That of all studies is 100, which a sum of rounded weights misses.
+    double WeightOf(const ModelRow& model) const
+    {
+        double weight = 0;
+        for (const std::size_t study : model.studies)
+            weight += 100 * weights_[study];
+        return std::abs(weight - 100) < 1e-9 ? 100 : weight;
     }
 
     const AnalysisData& data_;
@@ -171,39 +179,19 @@ std::vector<std::string> TextColumnOf(const Rows& rows, const Text& text)
     return column;
 }
 
-void AddEffect(StudyTable& table, const Rows& rows, Effect Row::*effect, const std::string& name,
-               const AnalysisData& data)
+Estimates CellsOf(const Rows& rows, Effect Row::*effect)
 {
-    const int decimals = data.numbers.digits.value_or(-1);
-    const std::string interval = fmt::format("{} {} CI", name, data.level);
-    table.numbers.push_back(
-        {name, ColumnOf(rows, [&](const Row& row) { return (row.*effect).value; }), decimals});
-    table.numbers.push_back(
-        {interval + " lower", ColumnOf(rows, [&](const Row& row) { return (row.*effect).lower; }), decimals});
-    table.numbers.push_back(
-        {interval + " upper", ColumnOf(rows, [&](const Row& row) { return (row.*effect).upper; }), decimals});
+    return {ColumnOf(rows, [&](const Row& row) { return (row.*effect).value; }),
+            ColumnOf(rows, [&](const Row& row) { return (row.*effect).lower; }),
+            ColumnOf(rows, [&](const Row& row) { return (row.*effect).upper; })};
 }
 
-void AddHeterogeneity(StudyTable& table, const Rows& rows, const NumberFormat& format)
+Heterogeneity HeterogeneityOf(const Row& row)
 {
-    const int decimals = format.digits.value_or(-1);
-    const int ofPercent = format.digits ? format.PercentDecimals(0) : -1;
-    table.numbers.push_back({"Q", ColumnOf(rows, [](const Row& row) { return row.model.q; }), decimals});
-    table.numbers.push_back({"df", ColumnOf(rows, [](const Row& row) { return row.model.qDf; })});
-    table.numbers.push_back({"p (Q)", ColumnOf(rows, [](const Row& row) { return row.model.qSig; })});
-    const auto i2 = [](const Row& row) {
-        return HasValue(row.model.q) && HasValue(row.model.i2) ? 100 * row.model.i2 : NONE;
-    };
-    table.numbers.push_back({"I² (%)", ColumnOf(rows, i2), ofPercent});
-    const auto tau2 = [](const Row& row) { return HasValue(row.model.q) ? row.model.tau2 : NONE; };
-    table.numbers.push_back({"tau²", ColumnOf(rows, tau2), decimals});
-}
-
-std::string HeterogeneityText(const ModelRow& model, const NumberFormat& format)
-{
-    const std::string tau2 = HasValue(model.tau2) ? ", tau² = " + format(model.tau2) : std::string();
-    return fmt::format("Heterogeneity: Q = {}, df = {:g}, p {}, I² = {}{}", format(model.q), model.qDf,
-                       EqualsText(model.qSig), PercentText(model.i2, format.PercentDecimals(1)), tau2);
+    const ModelRow& model = row.model;
+    const bool isThere = HasValue(model.q);
+    return {model.q, model.qDf, model.qSig, isThere && HasValue(model.i2) ? model.i2 : NONE,
+            isThere ? model.tau2 : NONE};
 }
 
 /// "0.47 [0.33, 0.68]", or the interval alone.
@@ -212,7 +200,9 @@ std::string EffectText(const Effect& effect, const AnalysisData& data)
     if (!HasValue(effect.lower) && !HasValue(effect.value))
         return {};
     const std::string interval =
-        fmt::format("[{}, {}]", data.PooledText(effect.lower), data.PooledText(effect.upper));
+        HasValue(effect.lower) || HasValue(effect.upper)
+            ? fmt::format("[{}, {}]", data.PooledText(effect.lower), data.PooledText(effect.upper))
+            : NO_VALUE;
     return HasValue(effect.value) ? data.PooledText(effect.value) + " " + interval : interval;
 }
 
@@ -220,11 +210,14 @@ void AddReading(StudyTable& table, const Rows& rows, const AnalysisData& data,
                 const std::vector<StudyTable::Numbers>& reported)
 {
     std::vector<ReportColumn>& reading = table.reading;
+    for (const Row& row : rows)
+        table.isSentence.push_back(row.kind == Row::Kind::HETEROGENEITY);
     reading.push_back({"Study",
                        TextColumnOf(rows,
                                     [&](const Row& row) {
                                         return row.kind == Row::Kind::HETEROGENEITY
-                                                   ? HeterogeneityText(row.model, data.numbers)
+                                                   ? "Heterogeneity: " +
+                                                         HeterogeneityText(HeterogeneityOf(row), data.numbers)
                                                    : row.label;
                                     }),
                        true});
@@ -254,7 +247,6 @@ void AddReading(StudyTable& table, const Rows& rows, const AnalysisData& data,
 StudyTable StudyTableOf(const Options& options, const DataTable& table, const AnalysisData& data)
 {
     const Rows rows = RowMaker(data).Make();
-    const int decimals = data.numbers.digits.value_or(-1);
     StudyTable made;
     made.texts = {{"Study", TextColumnOf(rows, [](const Row& row) { return row.label; })},
                   {"Row", TextColumnOf(rows, [](const Row& row) { return row.type; })}};
@@ -269,13 +261,17 @@ StudyTable StudyTableOf(const Options& options, const DataTable& table, const An
                                 })});
     AddReading(made, rows, data, made.numbers);
     if (data.natural)
-        AddEffect(made, rows, &Row::natural, data.measure.symbol, data);
-    AddEffect(made, rows, &Row::effect, data.measure.AnalysisSymbol(), data);
-    made.numbers.push_back({"SE", ColumnOf(rows, [](const Row& row) { return row.stdError; }), decimals});
+        AddEstimates(made, data.measure.symbol, data.level, CellsOf(rows, &Row::natural), data.numbers);
+    AddEstimates(made, data.measure.AnalysisSymbol(), data.level, CellsOf(rows, &Row::effect), data.numbers);
+    made.numbers.push_back(
+        {"SE", ColumnOf(rows, [](const Row& row) { return row.stdError; }), data.numbers.digits});
     made.numbers.push_back({"Weight (%)", ColumnOf(rows, [](const Row& row) { return row.weight; }),
-                            data.numbers.digits ? data.numbers.PercentDecimals(0) : -1});
+                            PercentDigits(data.numbers)});
     made.numbers.push_back({"p", ColumnOf(rows, [](const Row& row) { return row.p; })});
-    AddHeterogeneity(made, rows, data.numbers);
+    std::vector<Heterogeneity> heterogeneity;
+    for (const Row& row : rows)
+        heterogeneity.push_back(HeterogeneityOf(row));
+    AddHeterogeneity(made, heterogeneity, true, data.numbers);
     return made;
 }
 

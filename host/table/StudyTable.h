@@ -6,6 +6,7 @@
 #include "host/report/RegressionData.h"
 #include "host/report/Report.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -23,15 +24,17 @@ struct StudyTable
     struct Numbers
     {
         std::string header;
-        std::vector<double> cells; ///< empty cells are missing
-        int decimals = -1;         ///< below 0 for all digits
+        std::vector<double> cells;        ///< empty cells are missing
+        std::optional<int> decimals = {}; ///< all digits without
     };
 
     // For other programs.
     std::vector<Texts> texts;
     std::vector<Numbers> numbers;
 
-    std::vector<ReportColumn> reading; ///< for readers, as journals print it
+    // For readers, as journals print it.
+    std::vector<ReportColumn> reading;
+    std::vector<bool> isSentence; ///< of its rows, whether the texts are one sentence for all columns
 };
 
 StudyTable StudyTableOf(const Options& options, const DataTable& table, const AnalysisData& data);

@@ -34,56 +34,6 @@ bool IsFormula(std::string_view text)
                        [&](std::string_view beginning) { return text.starts_with(beginning); });
 }
 
-struct Replacement
-{
-    std::string_view text;
-    std::string_view by;
-};
-
-/// The first that fits at a place wins.
-constexpr std::array LATEX_REPLACEMENTS{
-    Replacement{"tau²", "$\\tau^2$"},
-    Replacement{"I²", "$I^2$"},
-    Replacement{"²", "$^2$"},
-    Replacement{"\\", "\\textbackslash{}"},
-    Replacement{"{", "\\{"},
-    Replacement{"}", "\\}"},
-    Replacement{"$", "\\$"},
-    Replacement{"&", "\\&"},
-    Replacement{"#", "\\#"},
-    Replacement{"%", "\\%"},
-    Replacement{"_", "\\_"},
-    Replacement{"^", "\\textasciicircum{}"},
-    Replacement{"~", "\\textasciitilde{}"},
-    Replacement{"<", "$<$"},
-    Replacement{">", "$>$"},
-    Replacement{"|", "$|$"},
-    Replacement{"\"", "\\symbol{34}"},
-    Replacement{"--", "-{}-{}"}, // a dash
-    Replacement{"''", "'{}'{}"}, // quotation marks
-    Replacement{"``", "`{}`{}"},
-    Replacement{"?`", "?{}`"},
-    Replacement{"!`", "!{}`"},
-    // Behind the end of a row, \\, these would belong to it.
-    Replacement{"[", "{[}"},
-    Replacement{"*", "{*}"},
-    Replacement{"\u2212", "$-$"},
-};
-
-/// The text with the replacements, from left to right.
-template <std::size_t N>
-std::string Replaced(std::string_view text, const std::array<Replacement, N>& replacements)
-{
-    std::string replaced;
-    while (!text.empty()) {
-        const auto found = std::find_if(replacements.begin(), replacements.end(),
-                                        [&](const Replacement& one) { return text.starts_with(one.text); });
-        replaced += found == replacements.end() ? text.substr(0, 1) : found->by;
-        text.remove_prefix(found == replacements.end() ? 1 : found->text.size());
-    }
-    return replaced;
-}
-
 } // namespace
 
 std::string CsvField(const std::string& text)
@@ -103,18 +53,6 @@ std::string MarkdownText(const std::string& text)
         escaped += c;
     }
     return escaped;
-}
-
-std::string LatexText(const std::string& text)
-{
-    return Replaced(PlainText(text), LATEX_REPLACEMENTS);
-}
-
-std::string LatexNumber(const std::string& text)
-{
-    constexpr std::array numbers{Replacement{"-", "$-$"}, Replacement{"<", "$<$"}, Replacement{"%", "\\%"},
-                                 Replacement{"[", "{[}"}};
-    return text == "-" ? "--" : Replaced(std::string_view(text), numbers);
 }
 
 } // namespace host

@@ -18,6 +18,8 @@ namespace {
 
 constexpr int LEAST_DECIMALS = 4;
 constexpr int MOST_DECIMALS = 12;
+constexpr double HUGE_FROM = 1e10;
+constexpr int MOST_DECIMALS_OF_HUGE = 5; // in scientific form
 
 /// The text of a number, without a sign when it shows 0.
 std::string WithoutSignOfZero(std::string text)
@@ -60,9 +62,16 @@ CompactTexts JoinedTexts(const Estimates& estimates, const ToText& toText)
     joined.Reserve(estimates.lower.size(), values.width + lower.width + upper.width + 5);
     for (std::size_t i = 0; i < estimates.lower.size(); ++i) {
         joined.push_back({});
-        if (!estimates.values.empty()) {
+        const bool hasValue = !estimates.values.empty() && HasValue(estimates.values[i]);
+        const bool hasInterval = HasValue(estimates.lower[i]) || HasValue(estimates.upper[i]);
+        if (hasValue || (hasInterval && !estimates.values.empty())) {
             values.AppendTo(joined, i);
             joined.Extend(" ");
+        }
+        if (!hasInterval) {
+            joined.ExtendBlanks(hasValue ? lower.width + upper.width + 3 : 0);
+            joined.Extend(NO_VALUE);
+            continue;
         }
         joined.Extend("[");
         lower.AppendTo(joined, i);
@@ -94,8 +103,8 @@ std::string FixedText(double value, int decimals)
 {
     if (!HasValue(value))
         return NO_VALUE;
-    if (std::abs(value) >= 1e10)
-        return fmt::format("{:.6g}", value);
+    if (std::abs(value) >= HUGE_FROM)
+        return fmt::format("{:.{}g}", value, std::min(decimals, MOST_DECIMALS_OF_HUGE) + 1);
     char text[64]; // a sign, ten digits, a point and the decimals
     if (decimals > 50)
         return WithoutSignOfZero(fmt::format("{:.{}f}", value, decimals));

@@ -67,7 +67,8 @@ struct Estimates
     std::vector<double> upper;
 };
 
-/// "0.4746 [0.3296, 0.6835]" for each entry, or "[0.3296, 0.6835]"; each part as wide in all entries.
+/// "0.4746 [0.3296, 0.6835]" for each entry, or "[0.3296, 0.6835]"; each part as wide in all entries. A
+/// missing interval, or a missing estimate with its interval, is shown once.
 CompactTexts EstimateTexts(const Estimates& estimates, int decimals);
 
 } // namespace host

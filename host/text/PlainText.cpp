@@ -131,6 +131,14 @@ std::string PlainText(std::string_view text)
     return TextOf(codePoints.begin(), codePoints.end());
 }
 
+std::u32string Composed(std::string_view text)
+{
+    CodePoints codePoints = CodePointsOf(text);
+    const utf8proc_ssize_t length = utf8proc_normalize_utf32(
+        codePoints.data(), static_cast<utf8proc_ssize_t>(codePoints.size()), UTF8PROC_COMPOSE);
+    return {codePoints.begin(), codePoints.begin() + length};
+}
+
 std::string TextOf(char32_t character)
 {
     const CodePoints one = {static_cast<utf8proc_int32_t>(character)};
@@ -146,6 +154,17 @@ std::string WithoutCharacters(std::string_view text, char replacement,
         [&](utf8proc_int32_t codePoint) { return isUnwanted(static_cast<char32_t>(codePoint)); },
         replacement);
     return TextOf(codePoints.begin(), codePoints.end());
+}
+
+std::size_t DisplayWidth(std::string_view text)
+{
+    // Most cells are ASCII, and a table has millions of them.
+    if (std::all_of(text.begin(), text.end(), [](char c) { return static_cast<unsigned char>(c) < 0x80; }))
+        return text.size();
+    std::size_t width = 0;
+    for (const utf8proc_int32_t codePoint : CodePointsOf(text))
+        width += static_cast<std::size_t>(utf8proc_charwidth(codePoint));
+    return width;
 }
 
 double TextWidth(std::string_view text, bool isBold)

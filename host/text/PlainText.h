@@ -2,6 +2,7 @@
 
 #include "host/text/CompactTexts.h"
 
+#include <cstddef>
 #include <functional>
 #include <string>
 #include <string_view>
@@ -12,6 +13,10 @@ namespace host {
 /// The text as one line of valid UTF-8 that may stand in XML and HTML: control characters become spaces,
 /// bytes that are no UTF-8 and code points that are no characters become the replacement character.
 std::string PlainText(std::string_view text);
+
+/// The characters of the text as PlainText() makes it, with accents joined to their letters where Unicode has
+/// one character for both (normalisation form C).
+std::u32string Composed(std::string_view text);
 
 /// A character in UTF-8.
 std::string TextOf(char32_t character);
@@ -28,6 +33,10 @@ CompactTexts LabelList(const std::vector<std::string>& labels, const std::vector
 /// The text as PlainText() makes it, with `replacement` for each character that is unwanted.
 std::string WithoutCharacters(std::string_view text, char replacement,
                               const std::function<bool(char32_t)>& isUnwanted);
+
+/// Columns of a terminal that the text takes: two for a wide character, such as those of Chinese, and none
+/// for one that combines with the character before it.
+std::size_t DisplayWidth(std::string_view text);
 
 /// Upper bound of the text's width in a sans-serif font, in units of the font's size.
 double TextWidth(std::string_view text, bool isBold = false);

@@ -47,7 +47,7 @@ TEST(AnalysisReport, DescribesTheModelAndItsCorrections)
          "of the counts pooled: 1 table in a; the other rows.*effects: 0.5 added to all cells of 2 "
          "tables\\."},
         {Binary(oneSided) + "--model fixed" + tables + "--pooled-zero-cells none",
-         "Overall +- \\[-, -\\].*part in the pooled one: 1 table\\. -: the counts have no pooled effect.*"
+         "Overall +- +- +- +- +-\n.*part in the pooled one: 1 table\\. -: the counts have no pooled effect.*"
          "Overall +- +1 +- +- +-\n"},
         {Binary(zeros) + "--model fixed" + tables + "--cumulative g",
          "of the counts pooled: no table\\..*p +Tables corrected\n1 +a [^\n]* 1\n2 +b [^\n]* 2\n3 +b [^\n]* "

@@ -63,6 +63,14 @@ TEST(HtmlReport, HasAllPartsAndPicturesAndIsSelfContained)
     }
 }
 
+TEST(HtmlReport, HasMinusSignsAndWholeOptions)
+{
+    const HtmlPage page(Bcg());
+    EXPECT_THAT(page.TextsOf("//section[@id='pooled-effect']//td"),
+                Contains("\u22120.7452 [\u22121.1098, \u22120.3806]"));
+    EXPECT_THAT(page.TextsOf("//section[@id='settings']//span[@class='option']"), Contains("--zero-cells"));
+}
+
 TEST(HtmlReport, ShowsHostileTextsAsTexts)
 {
     const TemporaryFolder folder;

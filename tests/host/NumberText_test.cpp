@@ -21,9 +21,11 @@ TEST(NumberText, KeepsDigitsOfSmallNumbersAndShortensHugeOnes)
 TEST(NumberText, HasNoSignWhereItShowsZeroAndNeverAProbabilityOfZero)
 {
     const std::pair<std::string, const char*> cases[] = {
-        {FixedText(-0.00004, 4), "0.0000"}, {FixedText(-0.00006, 4), "-0.0001"}, {FixedText(-10, 0), "-10"},
-        {PValueText(0), "< 0.0001"},        {PValueText(0.99e-4), "< 0.0001"},   {PValueText(1e-4), "0.0001"},
+        {FixedText(-0.00004, 4), "0.0000"}, {FixedText(-0.00006, 4), "-0.0001"},
+        {FixedText(-10, 0), "-10"},         {PValueText(0), "< 0.0001"},
+        {PValueText(0.99e-4), "< 0.0001"},  {PValueText(1e-4), "0.0001"},
         {PValueText(1), "1.0000"},          {PValueText(missing), "-"},
+        {FixedText(1234e9, 1), "1.2e+12"},
     };
     for (const auto& [text, expected] : cases)
         EXPECT_EQ(text, expected);

@@ -2,11 +2,15 @@
 
 #include "host/RunProgram.h"
 
+#include "meta_analysis/settings/MAStatusCode.h"
+
 using testing::AllOf;
 using testing::ContainsRegex;
 using testing::HasSubstr;
 using testing::Not;
 using testing::StartsWith;
+
+using namespace MA_NAMESPACE;
 
 namespace {
 
@@ -36,19 +40,20 @@ TEST(ReportOutput, CautionsWhereANumberMisleads)
     const Arguments two = Effects(folder.Write("2.csv", head + "1,1,a\n2,1,b\n"));
     const Arguments equal = Effects(folder.Write("e.csv", head + "1,1,a\n1.01,1,a\n.99,1,b\n1,1,b\n"));
     const Arguments four = Effects(folder.Write("4.csv", head + "0,.1,a\n1,.1,a\n2,.1,a\n3,.1,b\n"));
+    const Arguments six = Effects(folder.Write("6.csv", head + "0,1,a\n3,1,a\n1,1,a\n3,1,b\n0,1,b\n2,1,b\n"));
     const Arguments raw = Arguments{"proportion", folder.Write("p.csv", "x,n\n1,40\n1,9\n1,10\n")} +
                           "--events x --n n --effect raw --model fixed";
     for (const Shown& shown : std::vector<Shown>{
              {one, "There is one study"},
              {two + "--knapp-hartung adjusted", "2 studies, interval .* 1 degree of freedom"},
-             {two, "2 studies: no prediction interval"},
-             {two + "--subgroup g", "a; b: a group of one study.*2 studies in 2 groups"},
-             {four,
-              "tau² 1\\.5667 from 4 studies, perhaps up to [0-9]+.*4 studies: the interval and the test"},
+             {two, "tau² 0 .*from 2 studies: .*equal, and 2 studies leave no prediction"},
+             {two + "--subgroup g", "2 studies in 2 groups, of one study a; b: "},
+             {four, "4 studies: the interval and the test.*tau² 1\\.5667 \\(interval up to [0-9.]+\\) from 4 "
+                    "studies: so few .*, on which the prediction interval rests"},
              {four + "--model fixed", "Q 50\\.0000 with 3 df, p < 0\\.0001, I² 94\\.0%: the studies differ"},
              {four + "--trim-fill run", "4 studies: trim-and-fill"},
              {equal, "tau² 0 from 4 studies: the model pools as one of a fixed"},
-             {equal + "--tau2-interval none", "I² 0\\.0% from 4 studies, without an interval"},
+             {six + "--tau2-interval none", "I² [0-9.]+% from 6 studies, without an interval"},
              {equal + "--knapp-hartung adjusted",
               "\\[0\\.98[0-9]+, 1\\.01[0-9]+\\] in place of \\[0\\.02002, 1\\.97998\\]: the "
               "interval after Knapp"},
@@ -63,7 +68,12 @@ TEST(ReportOutput, CautionsWhereANumberMisleads)
          })
         EXPECT_THAT(ReportOf(shown.arguments), ContainsRegex("\nCautions\n.*" + shown.text));
     EXPECT_THAT(ReportOf(Effects("passive_smoking.csv") + "--model fixed"), Not(HasSubstr("\nCautions\n")));
-    EXPECT_EQ(JsonOf(one)["cautions"].size(), 1U);
+    for (const auto& [few, facts] :
+         std::vector<std::pair<Arguments, std::size_t>>{{one, 1}, {two, 1}, {four, 3}}) {
+        EXPECT_EQ(JsonOf(few)["cautions"].size(), facts);
+        EXPECT_THAT(ReportOf(few), Not(HasSubstr("\nWarnings\n"))) << "said by a caution";
+    }
+    EXPECT_THAT(JsonOf(two)["warnings"], testing::Contains(MAStatusCode::TWO_STUDIES));
 }
 
 TEST(ReportOutput, TablesRunNothingAndLoseNothing)
@@ -88,6 +98,27 @@ TEST(ReportOutput, TablesRunNothingAndLoseNothing)
     EXPECT_THAT(folder.Read("t.tex"), HasSubstr(" & $-$0.5000 {[}$-$1.4800, 0.4800] & "));
     ReportOf(run + "--table" + Arguments{folder.PathOf("t.MD")});
     EXPECT_THAT(folder.Read("t.MD"), HasSubstr("\n| \\[a\\_b\\]\\|50%\\\\\\&\\<i\\>--\\$ | 1.0000 \\["));
+}
+
+/// Labels of any script keep the columns of the report, and LaTeX has commands for what its fonts lack.
+/// Weights that are rounded add up to 100, and a missing interval is shown once.
+TEST(ReportOutput, ShowsLettersOfAnyWidth)
+{
+    const TemporaryFolder folder;
+    const Arguments run =
+        Effects(folder.Write("u.csv", "s,effect,variance,g\n東京,0,.1,a\nMu\u0308ller,1,.1,b\n"
+                                      "α ≤ 5\u202Fmg,2,.1,b\nΑθήνα,3,.3,b\n")) +
+        "--study s --subgroup g --level 90";
+    const std::string report = ReportOf(run);
+    EXPECT_THAT(report, AllOf(HasSubstr("\n東京      a "), HasSubstr("\nMu\u0308ller    b "),
+                              HasSubstr("\nα ≤ 5\u202Fmg  b ")));
+    EXPECT_THAT(report, AllOf(ContainsRegex("\na  +- +- +- +- +-\n"), Not(ContainsRegex("\\[ *-, +-"))));
+    EXPECT_THAT(ReportOf(run + "--table -"), ContainsRegex("\"overall\",\"\",[^\r]*,100,"));
+    ReportOf(run + "--table" + Arguments{folder.PathOf("t.tex")});
+    EXPECT_THAT(folder.Read("t.tex"),
+                AllOf(StartsWith("% needs \\usepackage{booktabs}\n% pdflatex lacks some"),
+                      HasSubstr("\n$\\alpha$ $\\leq$ 5\\,mg & b & 2.0"), HasSubstr("\nM\u00FCller & b"),
+                      HasSubstr("\nΑθήνα & "), HasSubstr("\n\\multicolumn{5}{@{}p{\\linewidth}@{}}{b: Het")));
 }
 
 TEST(ReportOutput, CitesTheMethodsOfTheRun)

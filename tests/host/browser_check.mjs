@@ -38,7 +38,7 @@ async function checkRules(tab, place) {
 async function checkSorting(tab) {
   const table = tab.locator('#studies table');
   const texts = () => table.locator('tbody td:nth-child(2)').allTextContents();
-  const numbers = async () => (await texts()).map(text => Number.parseFloat(text.trim()));
+  const numbers = async () => (await texts()).map(text => Number.parseFloat(text.trim().replace('\u2212', '-')));
   const button = table.locator('thead th:nth-child(2) button');
   const original = await texts();
   const ascending = (await numbers()).sort((a, b) => a - b);

@@ -125,6 +125,15 @@ void ResolveReadyMadeEffect(Options& options)
     }
 }
 
+/// The name that stands for want of another must not pass for what somebody said.
+void NoteDefaultName(Options& options)
+{
+    if (options.command == Command::EFFECTS && !options.label && !options.readyMadeEffect)
+        options.notes.push_back(fmt::format("{} is the default name of ready-made effect sizes: --effect or "
+                                            "--label says what they are.",
+                                            Capitalised(MeasureOf(options.settings).AnalysisName())));
+}
+
 } // namespace
 
 OptionDefinitions EffectsOfData(Options& options, Command data)
@@ -155,6 +164,7 @@ OptionGroup EffectSizeOptions(Options& options)
                 ResolveRatio(options);
                 ResolveReadyMadeEffect(options);
                 CheckReadyMadeEffect(options);
+                NoteDefaultName(options);
             }};
 }
 

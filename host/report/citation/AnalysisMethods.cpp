@@ -123,11 +123,6 @@ Method Intervals(const AnalysisData& data)
                                                         : MAConst::KNAPP_HARTUNG_NONE);
 }
 
-Method Level(const AnalysisData& data)
-{
-    return {fmt::format("The confidence level is {}", data.level), {}};
-}
-
 Method Heterogeneity(const AnalysisData& /*data*/)
 {
     return {"Heterogeneity was tested by Cochran's Q and described by I²", {"Cochran1954", "Higgins2002"}};
@@ -178,9 +173,7 @@ Method LeaveOneOut(const AnalysisData& data)
 
 Method Influence(const AnalysisData& data)
 {
-    return data.settings.GetInfluence()
-               ? Method{"Influential studies were sought by deletion diagnostics", {"Viechtbauer2010"}}
-               : Method();
+    return MethodOfInfluence(data.settings);
 }
 
 Method TrimAndFill(const AnalysisData& data)
@@ -225,19 +218,29 @@ Method SmallStudyTest(const AnalysisData& data)
 
 using MethodMaker = Method (*)(const AnalysisData&);
 
-constexpr MethodMaker METHODS[] = {Pooling,       Zeros,         Conversions,   Tau2,       Tau2Interval,
-                                   Intervals,     Level,         Heterogeneity, Prediction, Subgroups,
-                                   MeansOfGroups, Cumulative,    LeaveOneOut,   Influence,  TrimAndFill,
-                                   RankTest,      SmallStudyTest};
+constexpr MethodMaker METHODS[] = {Pooling,
+                                   Zeros,
+                                   Conversions,
+                                   Tau2,
+                                   Tau2Interval,
+                                   Intervals,
+                                   MethodOfLevel<AnalysisData>,
+                                   Heterogeneity,
+                                   Prediction,
+                                   Subgroups,
+                                   MeansOfGroups,
+                                   Cumulative,
+                                   LeaveOneOut,
+                                   Influence,
+                                   TrimAndFill,
+                                   RankTest,
+                                   SmallStudyTest};
 
 } // namespace
 
 ReportSections MethodsSections(const AnalysisData& data)
 {
-    std::vector<Method> methods;
-    for (const MethodMaker make : METHODS)
-        methods.push_back(make(data));
-    return SectionsOf(std::move(methods));
+    return SectionsBy(METHODS, data);
 }
 
 } // namespace host

@@ -72,6 +72,13 @@ bool Holds(const std::vector<int>& conversions)
 
 } // namespace
 
+Method MethodOfInfluence(const MAModelSettings& settings)
+{
+    return settings.GetInfluence()
+               ? Method{"Influential studies were sought by deletion diagnostics", {"Viechtbauer2010"}}
+               : Method();
+}
+
 Method MethodOfTau2(MAConst::TAU2ESTIMATOR estimator)
 {
     return {"The between-study variance was estimated by " + WordingOf(estimator), KeysOf(estimator)};

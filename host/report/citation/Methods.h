@@ -7,6 +7,7 @@
 #include "meta_analysis/settings/MAConst.h"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 namespace host {
@@ -25,6 +26,25 @@ ReportSections MethodsSections(const RegressionData& data);
 // Shared by analyses and meta-regressions.
 
 ReportSections SectionsOf(std::vector<Method> methods);
+
+/// What each maker says of the data.
+template <class Makers, class Data>
+ReportSections SectionsBy(const Makers& makers, const Data& data)
+{
+    std::vector<Method> methods;
+    for (const auto& make : makers)
+        methods.push_back(make(data));
+    return SectionsOf(std::move(methods));
+}
+
+/// Of an analysis or a meta-regression.
+template <class Data>
+Method MethodOfLevel(const Data& data)
+{
+    return {"The confidence level is " + data.level, {}};
+}
+
+Method MethodOfInfluence(const MA_NAMESPACE::MAModelSettings& settings);
 
 /// The estimator of tau², with its references.
 Method MethodOfTau2(MAConst::TAU2ESTIMATOR estimator);

@@ -51,7 +51,7 @@ constexpr std::array REFERENCES{
               "British Medical Journal", 1997, 315, "629--634", "10.1136/bmj.315.7109.629"},
     Reference{"Fisher1921", "Fisher, Ronald A.", "Fisher 1921",
               "On the ``probable error'' of a coefficient of correlation deduced from a small sample",
-              "Metron", 1921, 1, "3--32", ""},
+              "Metron", 1921, 1, "", ""},
     Reference{"Freeman1950", "Freeman, Murray F. and Tukey, John W.", "Freeman and Tukey 1950",
               "Transformations related to the angular and the square root",
               "Annals of Mathematical Statistics", 1950, 21, "607--611", "10.1214/aoms/1177729756"},

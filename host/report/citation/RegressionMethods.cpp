@@ -44,11 +44,6 @@ Method Intervals(const RegressionData& data)
     return MethodOfKnappHartung(adjustment);
 }
 
-Method Level(const RegressionData& data)
-{
-    return {fmt::format("The confidence level is {}", data.level), {}};
-}
-
 Method Heterogeneity(const RegressionData& /*data*/)
 {
     return {"Residual heterogeneity was tested by Cochran's Q and described by I²",
@@ -77,24 +72,20 @@ Method Permutations(const RegressionData& data)
 
 Method Influence(const RegressionData& data)
 {
-    return data.options.settings.GetInfluence()
-               ? Method{"Influential studies were sought by deletion diagnostics", {"Viechtbauer2010"}}
-               : Method();
+    return MethodOfInfluence(data.options.settings);
 }
 
 using MethodMaker = Method (*)(const RegressionData&);
 
-constexpr MethodMaker METHODS[] = {Regression, Conversions,   Tau2,     Tau2Interval, Intervals,
-                                   Level,      Heterogeneity, Clusters, Permutations, Influence};
+constexpr MethodMaker METHODS[] = {
+    Regression,    Conversions, Tau2,         Tau2Interval, Intervals, MethodOfLevel<RegressionData>,
+    Heterogeneity, Clusters,    Permutations, Influence};
 
 } // namespace
 
 ReportSections MethodsSections(const RegressionData& data)
 {
-    std::vector<Method> methods;
-    for (const MethodMaker make : METHODS)
-        methods.push_back(make(data));
-    return SectionsOf(std::move(methods));
+    return SectionsBy(METHODS, data);
 }
 
 } // namespace host
