@@ -7,8 +7,8 @@
 
 #include <algorithm>
 #include <cstdint>
+#include <cstring>
 #include <new>
-#include <numeric>
 
 namespace host {
 
@@ -93,13 +93,19 @@ Utf8Census CensusOf(std::string_view bytes)
     return census;
 }
 
-/// The bytes are joined, not tested one by one, because a compiler does that in vector registers.
+/// Eight bytes at a time are joined, not tested one by one, because a compiler does that in vector registers.
 bool IsAscii(std::string_view bytes)
 {
-    const unsigned joined = std::accumulate(bytes.begin(), bytes.end(), 0U, [](unsigned all, char c) {
-        return all | static_cast<unsigned char>(c);
-    });
-    return (joined & 0x80U) == 0;
+    constexpr std::uint64_t HIGH_BITS = 0x8080808080808080U;
+    std::uint64_t joined = 0;
+    for (; bytes.size() >= sizeof joined; bytes.remove_prefix(sizeof joined)) {
+        std::uint64_t word = 0;
+        std::memcpy(&word, bytes.data(), sizeof word);
+        joined |= word;
+    }
+    for (const char c : bytes)
+        joined |= static_cast<unsigned char>(c);
+    return (joined & HIGH_BITS) == 0;
 }
 
 std::string NoteOfStrangeBytes(std::size_t line)

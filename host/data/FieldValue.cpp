@@ -1,5 +1,6 @@
 #include "host/data/FieldValue.h"
 
+#include "host/text/AsciiCase.h"
 #include "host/text/TextParsing.h"
 #include "host/text/UnusableInput.h"
 
@@ -99,6 +100,23 @@ std::string Plain(std::string_view text)
     throw UnusableInput(fmt::format("'{}' is {}", text, rest));
 }
 
+/// Whether the text is one that people write where a value is missing: no letters and digits, or such a word.
+bool MayBeMissing(std::string_view text)
+{
+    constexpr std::string_view WORDS[] = {
+        "#N/A",       "N.A.", "N.A",     "N / A",  "n.d.", "ND",  "NR",           "n.r.",
+        "NS",         "n.s.", "none",    "nil",    "null", "NaN", "not reported", "not available",
+        "not stated", "miss", "missing", "unknown"};
+    if (text.find(',') != std::string_view::npos) // parts the list of --missing
+        return false;
+    const bool hasLetters = std::any_of(text.begin(), text.end(), [](unsigned char c) {
+        return c >= 0x80 || (c >= '0' && c <= '9') ||
+               (UpperCase(static_cast<char>(c)) >= 'A' && UpperCase(static_cast<char>(c)) <= 'Z');
+    });
+    return !hasLetters || std::any_of(std::begin(WORDS), std::end(WORDS),
+                                      [text](std::string_view word) { return EqualInAnyCase(text, word); });
+}
+
 /// Says what a field is that is no number.
 [[noreturn]] void Explain(std::string_view text, const std::string& plain, char mark)
 {
@@ -121,6 +139,9 @@ std::string Plain(std::string_view text)
     if (IsDecimal(WithoutSign(plain), other))
         Fail(text, fmt::format("not a number with the decimal {}: --decimal {} reads it.", NameOfMark(mark),
                                NameOfMark(other)));
+    if (MayBeMissing(plain))
+        Fail(text,
+             fmt::format("not a number. If it stands for a missing value, --missing NA,{} says so.", text));
     Fail(text, "not a number.");
 }
 
@@ -206,13 +227,6 @@ DecimalEvidence EvidenceOf(std::string_view text)
     if (std::count(number.begin(), number.end(), mark) > 1) // a decimal mark occurs once
         return isComma ? Evidence::POINT : Evidence::COMMA;
     return isComma ? Evidence::COMMA_OR_THOUSANDS : Evidence::POINT_OR_THOUSANDS;
-}
-
-bool ParsePlainNumber(std::string_view text, double& value)
-{
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return error == std::errc() && end == text.data() + text.size() && std::isfinite(value) &&
-           !KXMV::IsMissing(value);
 }
 
 FieldNumber ReadFieldNumber(std::string_view text, char decimalMark)

@@ -1,8 +1,13 @@
 #pragma once
 
+#include "meta_analysis/platform/common/KXMV.h"
+
+#include <charconv>
+#include <cmath>
 #include <cstddef>
 #include <string>
 #include <string_view>
+#include <system_error>
 
 namespace host {
 
@@ -52,6 +57,11 @@ FieldNumber ReadFieldNumber(std::string_view text, char decimalMark);
 double ParseFieldNumber(std::string_view text, char decimalMark);
 
 /// As ParseFieldNumber, when the text is a number that needs no second look: digits with a point.
-bool ParsePlainNumber(std::string_view text, double& value);
+inline bool ParsePlainNumber(std::string_view text, double& value)
+{
+    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    return error == std::errc() && end == text.data() + text.size() && std::isfinite(value) &&
+           !KXMV::IsMissing(value);
+}
 
 } // namespace host
