@@ -2,6 +2,7 @@
 
 #include "host/batch/Batch.h"
 #include "host/cli/CommandLine.h"
+#include "host/cli/DataColumns.h"
 #include "host/data/DataTable.h"
 #include "host/output/OutputPlaces.h"
 #include "host/output/OutputWriting.h"
@@ -97,14 +98,20 @@ int AnalyseStudies(const Options& options, OwnedTable table)
         {analysis.status, makeReport, makeJson, analysis.FinalStatus(), makePictures, {}, makeTable});
 }
 
+OwnedTable ReadTable(const Options& options)
+{
+    FileFormat format = options.file;
+    format.numberColumns = NumberColumnsOf(options);
+    return std::make_unique<const DataTable>(DataTable::Read(options.dataPath, format));
+}
+
 int Analyse(const Options& options)
 {
     if (options.command == Command::BATCH)
         return RunBatch(options);
     CheckOutputPlaces(options);
-    OwnedTable table = WithProgress("Reading " + LabelText(DataName(options.dataPath)), [&] {
-        return std::make_unique<const DataTable>(DataTable::Read(options.dataPath, options.file));
-    });
+    OwnedTable table =
+        WithProgress("Reading " + LabelText(DataName(options.dataPath)), [&] { return ReadTable(options); });
     return options.command == Command::REGRESSION ? AnalyseRegression(options, std::move(table))
                                                   : AnalyseStudies(options, std::move(table));
 }

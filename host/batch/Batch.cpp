@@ -11,6 +11,10 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <map>
+#include <string>
+#include <utility>
+#include <vector>
 
 namespace host {
 
@@ -48,6 +52,13 @@ private:
     TaskPool& pool_;
 };
 
+/// " and 2 others".
+std::string OthersThan(const std::vector<std::string>& names)
+{
+    const std::size_t others = names.size() - 1;
+    return others == 0 ? "" : fmt::format(" and {} other{}", others, others == 1 ? "" : "s");
+}
+
 class BatchRun
 {
 public:
@@ -70,7 +81,20 @@ public:
         output_.Commit();
     }
 
-    std::string Summary() const { return rejects_.Summary(); }
+    /// Sentences on the files and on the rows that are left out.
+    std::vector<std::string> Notes() const
+    {
+        std::map<std::string, std::vector<std::string>> files; // by their note
+        for (const RowStream& file : files_)
+            for (const std::string& note : file.Notes())
+                files[note].push_back(file.Name());
+        std::vector<std::string> notes;
+        for (const auto& [note, names] : files)
+            notes.push_back(fmt::format("{}{}: {}", names.front(), OthersThan(names), note));
+        if (std::string summary = rejects_.Summary(); !summary.empty())
+            notes.push_back(std::move(summary));
+        return notes;
+    }
 
 private:
     void OpenFiles()
@@ -114,8 +138,8 @@ ExitStatus RunBatch(const Options& options)
     try {
         BatchRun run(options);
         run.Run();
-        if (const std::string summary = run.Summary(); !summary.empty())
-            WriteToStandardError(summary.c_str());
+        for (const std::string& note : run.Notes())
+            WriteToStandardError(note.c_str());
         return EXIT_RAN;
     } catch (const ReaderIsGone&) {
         return EXIT_RAN;

@@ -35,25 +35,19 @@ inline std::uint32_t InsideOf(std::size_t left)
 
 } // namespace
 
-std::size_t FieldCutter::Cut(char* line, std::size_t size)
+std::size_t FieldCutter::Cut(char* line, std::size_t size, bool mayHaveQuotes)
 {
-    switch (separator_) {
-    case Separator::TAB:
-        return CutAt('\t', line, size);
-    case Separator::COMMA:
-        return std::memchr(line, '"', size) == nullptr ? CutAt(',', line, size) : CutQuoted(line, size);
-    case Separator::BLANKS:
-        return CutAtBlanks(line, size);
-    }
-    return 0;
+    if (mayHaveQuotes && std::memchr(line, '"', size) != nullptr)
+        return CutQuoted(line, size);
+    return separator_ == ' ' ? CutAtBlanks(line, size) : CutAtSeparator(line, size);
 }
 
-std::size_t FieldCutter::CutAt(char separator, const char* line, std::size_t size)
+std::size_t FieldCutter::CutAtSeparator(const char* line, std::size_t size)
 {
     std::size_t count = 0;
     starts_[0] = 0;
     for (std::size_t base = 0; base < size; base += STRIDE) {
-        std::uint32_t mask = MaskOf(line + base, separator) & InsideOf(size - base);
+        std::uint32_t mask = MaskOf(line + base, separator_) & InsideOf(size - base);
         for (; mask != 0; mask &= mask - 1) {
             const auto end =
                 static_cast<std::uint32_t>(base) + static_cast<std::uint32_t>(std::countr_zero(mask));
@@ -92,39 +86,53 @@ std::size_t FieldCutter::CutAtBlanks(const char* line, std::size_t size)
     return (edges + 1) / 2;
 }
 
+/// Takes a field in quotes, from behind the first one. Returns its end, which two quotes for one move to the
+/// front; null when it is not closed before a separator or the end of the line.
+char* FieldCutter::CloseQuotes(char*& read, const char* lineEnd) const
+{
+    char* end = read;
+    for (;; *end++ = *read++) {
+        if (read >= lineEnd)
+            return nullptr;
+        if (*read == '"' && (++read >= lineEnd || *read != '"'))
+            break;
+    }
+    return read < lineEnd && !Separates(*read) ? nullptr : end;
+}
+
+/// Takes a field that does not start with a quote. Returns its end; null when there is a quote that may not
+/// be.
+char* FieldCutter::EndPlain(char*& read, const char* lineEnd) const
+{
+    for (; read < lineEnd && !Separates(*read); ++read)
+        if (*read == '"' && IsStrict())
+            return nullptr;
+    return read;
+}
+
+/// Where blanks separate, there is no field behind the last ones.
 std::size_t FieldCutter::CutQuoted(char* line, std::size_t size)
 {
+    const char* const lineEnd = line + size;
+    char* read = line;
     std::size_t count = 0;
-    std::size_t read = 0;
-    for (;;) {
-        std::size_t start = read;
-        std::size_t end = read;
-        if (read < size && line[read] == '"') {
-            start = end = ++read;
-            for (;; line[end++] = line[read++]) {
-                if (read >= size)
-                    return 0;
-                if (line[read] != '"')
-                    continue;
-                if (++read >= size || line[read] != '"')
-                    break;
-            }
-            if (read < size && line[read] != ',')
-                return 0;
-        } else {
-            while (read < size && line[read] != ',')
-                if (line[read++] == '"')
-                    return 0;
-            end = read;
-        }
+    do {
+        while (separator_ == ' ' && read < lineEnd && Separates(*read))
+            ++read;
+        if (separator_ == ' ' && read == lineEnd)
+            break;
+        const bool isQuoted = read < lineEnd && *read == '"';
+        const char* const start = isQuoted ? ++read : read;
+        const char* const end = isQuoted ? CloseQuotes(read, lineEnd) : EndPlain(read, lineEnd);
+        if (end == nullptr)
+            return 0;
         if (count < Capacity()) {
-            starts_[count] = static_cast<std::uint32_t>(start);
-            ends_[count] = static_cast<std::uint32_t>(end);
+            starts_[count] = static_cast<std::uint32_t>(start - line);
+            ends_[count] = static_cast<std::uint32_t>(end - line);
         }
         ++count;
-        if (read++ >= size)
-            return count;
-    }
+    } while (read++ < lineEnd);
+    return count;
 }
 
 } // namespace host

@@ -1,12 +1,8 @@
 #include "host/batch/FieldNumber.h"
 
-#include "host/text/AsciiCase.h"
+#include "host/data/FieldValue.h"
 
-#include "meta_analysis/platform/common/KXMV.h"
-
-#include <charconv>
 #include <cmath>
-#include <system_error>
 
 namespace host {
 
@@ -28,30 +24,40 @@ std::string_view TrimmedField(std::string_view field) noexcept
     return field;
 }
 
-bool IsMissingField(std::string_view field) noexcept
+namespace {
+
+using Kind = RowNumber::Kind;
+
+/// Of a field that needs a second look.
+RowNumber SlowNumberOf(std::string_view field, const NumberForm& form)
 {
-    if (field.size() > 3)
-        return false;
-    return field.empty() || field == "." || EqualInAnyCase(field, "NA") || EqualInAnyCase(field, "N/A") ||
-           EqualInAnyCase(field, "NAN");
+    if (form.missing.Have(field))
+        return {};
+    const FieldNumber number = ReadFieldNumber(field, form.decimalMark);
+    switch (number.kind) {
+    case NumberKind::NUMBER:
+        return {form.missing.HaveNumber(number.value) ? Kind::MISSING : Kind::NUMBER, number.value};
+    case NumberKind::NOT_FINITE: // "-nan", as C prints it
+        return {std::isnan(number.value) ? Kind::MISSING : Kind::OUTSIDE};
+    case NumberKind::OUTSIDE:
+        return {Kind::OUTSIDE};
+    case NumberKind::NO_NUMBER:
+        break;
+    }
+    return {Kind::NO_NUMBER};
 }
 
-FieldNumber NumberOf(std::string_view field) noexcept
+} // namespace
+
+RowNumber NumberOf(std::string_view field, const NumberForm& form)
 {
-    using Kind = FieldNumber::Kind;
     std::string_view digits = TrimmedField(field);
     if (digits.size() > 1 && digits[0] == '+' && digits[1] != '-')
         digits.remove_prefix(1); // from_chars takes no plus sign
-    FieldNumber number;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number.value);
-    const bool isWhole = end == digits.data() + digits.size();
-    if (error == std::errc() && isWhole && std::isfinite(number.value) && !KXMV::IsMissing(number.value))
-        number.kind = Kind::NUMBER;
-    else if (IsMissingField(digits) || (isWhole && std::isnan(number.value))) // "-nan", as C prints it
-        number.kind = Kind::MISSING;
-    else
-        number.kind = isWhole && error != std::errc::invalid_argument ? Kind::OUTSIDE : Kind::NO_NUMBER;
-    return number;
+    RowNumber number = {Kind::NUMBER};
+    if (form.decimalMark == '.' && !form.missing.HaveNumbers() && ParsePlainNumber(digits, number.value))
+        return number;
+    return SlowNumberOf(WithoutBlanks(digits), form);
 }
 
 } // namespace host

@@ -1,11 +1,13 @@
 #pragma once
 
+#include "host/data/MissingTexts.h"
+
 #include <string_view>
 
 namespace host {
 
 /// A field of a column of numbers, as it is read.
-struct FieldNumber
+struct RowNumber
 {
     enum class Kind
     {
@@ -22,9 +24,13 @@ struct FieldNumber
 /// The field without blanks around it.
 std::string_view TrimmedField(std::string_view field) noexcept;
 
-/// Whether the field, without blanks around it, is empty, a point, NA, N/A or NaN, in any case.
-bool IsMissingField(std::string_view field) noexcept;
+/// How the numbers of a file are written.
+struct NumberForm
+{
+    char decimalMark = '.';
+    MissingTexts missing{{}};
+};
 
-FieldNumber NumberOf(std::string_view field) noexcept;
+RowNumber NumberOf(std::string_view field, const NumberForm& form);
 
 } // namespace host

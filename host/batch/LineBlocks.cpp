@@ -1,7 +1,5 @@
 #include "host/batch/LineBlocks.h"
 
-#include "host/data/FileKinds.h"
-
 #include <cstring>
 #include <utility>
 
@@ -19,9 +17,7 @@ void TextBlock::Reserve(std::size_t size, std::size_t kept)
 }
 
 LineBlocks::LineBlocks(const std::string& path, std::size_t blockSize) : source_(path), blockSize_(blockSize)
-{
-    RefuseUtf16(source_.Start(), source_.Name());
-}
+{}
 
 /// Reads `size` bytes, or less at the end of the file.
 std::size_t LineBlocks::Fill(char* to, std::size_t size)

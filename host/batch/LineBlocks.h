@@ -1,6 +1,6 @@
 #pragma once
 
-#include "host/data/ByteSource.h"
+#include "host/data/TextSource.h"
 
 #include <cstddef>
 #include <memory>
@@ -32,7 +32,7 @@ private:
     std::size_t capacity_ = 0;
 };
 
-/// Cuts the bytes of a file into blocks of whole lines.
+/// Cuts the text of a file into blocks of whole lines.
 class LineBlocks
 {
 public:
@@ -43,11 +43,13 @@ public:
     void Next(TextBlock& block);
 
     const std::string& Name() const { return source_.Name(); }
+    /// A sentence on its encoding where that is not UTF-8; else empty.
+    const std::string& Note() const { return source_.Note(); }
 
 private:
     std::size_t Fill(char* to, std::size_t size);
 
-    ByteSource source_;
+    TextSource source_;
     std::size_t blockSize_;
     std::string rest_; ///< start of the line that the last block cut
     bool isAtEnd_ = false;

@@ -2,6 +2,8 @@
 
 #include "host/batch/FieldNumber.h"
 #include "host/batch/LineBlocks.h"
+#include "host/data/DecimalMark.h"
+#include "host/data/Separator.h"
 #include "host/text/NearestName.h"
 #include "host/text/UnusableInput.h"
 
@@ -9,70 +11,149 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <string_view>
-#include <vector>
 
 namespace host {
 
 namespace {
 
-Separator SeparatorOf(std::string_view header)
+/// A line whose fields may be cut.
+class CutLine
 {
-    if (header.find('\t') != std::string_view::npos)
-        return Separator::TAB;
-    return header.find(',') != std::string_view::npos ? Separator::COMMA : Separator::BLANKS;
-}
+public:
+    CutLine(std::string_view line, char separator, std::size_t mostFields)
+        : text_(line), cutter_(separator, mostFields)
+    {
+        text_.append(TextBlock::PADDING, '\0');
+        count_ = cutter_.Cut(text_.data(), line.size(), true);
+    }
+
+    std::size_t Count() const { return count_; }
+    std::string_view Field(std::size_t field) const
+    {
+        return WithoutBlanks(cutter_.Field(text_.data(), field));
+    }
+
+private:
+    std::string text_;
+    FieldCutter cutter_;
+    std::size_t count_ = 0;
+};
 
 class Header
 {
 public:
-    Header(std::string& line, const std::string& fileName)
-        : separator_(SeparatorOf(line)), fileName_(fileName)
+    Header(const FileHead& head, char separator)
+        : fileName_(head.fileName), line_(head.header, separator, head.header.size() + 1)
     {
-        const std::size_t size = line.size();
-        line.append(TextBlock::PADDING, '\0');
-        FieldCutter cutter(separator_, size + 1);
-        const std::size_t count = cutter.Cut(line.data(), size);
-        if (count == 0)
+        if (line_.Count() == 0)
             throw UnusableInput(
                 fmt::format("{}: a double quote is misplaced in the header line.", fileName_));
-        for (std::size_t field = 0; field < count; ++field)
-            names_.push_back(TrimmedField(cutter.Field(line.data(), field)));
-        if (count == 1 && names_.front().find(';') != std::string_view::npos)
-            throw UnusableInput(
-                fmt::format("{}: the header line has semicolons; fields are separated by tabs, commas or "
-                            "blanks, and numbers have decimal points.",
-                            fileName_));
+        for (std::size_t field = 0; field < line_.Count(); ++field)
+            names_.push_back(line_.Field(field));
     }
 
-    Separator FieldSeparator() const { return separator_; }
     std::size_t Count() const { return names_.size(); }
 
-    std::size_t PositionOf(const std::string& column) const
+    std::size_t PositionOf(std::string_view column) const
     {
-        const auto found = std::find(names_.begin(), names_.end(), column);
+        const auto found = std::find(names_.begin(), names_.end(), WithoutBlanks(column));
         if (found == names_.end())
             throw UnusableInput(fmt::format("{} has no column '{}'.{} Its columns are: {}.", fileName_,
                                             column, DidYouMean(column, {names_.begin(), names_.end()}),
                                             fmt::join(names_, ", ")));
-        if (std::find(found + 1, names_.end(), column) != names_.end())
+        if (std::find(found + 1, names_.end(), *found) != names_.end())
             throw UnusableInput(fmt::format("{}: two columns are named '{}'.", fileName_, column));
         return static_cast<std::size_t>(found - names_.begin());
     }
 
 private:
-    Separator separator_;
     const std::string& fileName_;
+    CutLine line_;
     std::vector<std::string_view> names_;
 };
 
+char FindSeparator(const FileHead& head, const Options& options, std::vector<std::string>& notes)
+{
+    if (options.file.separator) {
+        RequireSeparator(head.header, *options.file.separator, head.fileName);
+        return *options.file.separator;
+    }
+    if (head.namedSeparator)
+        return *head.namedSeparator;
+    if (head.header.find('\t') != std::string::npos)
+        return '\t';
+    const FoundSeparator found = SeparatorOf(head.header + "\n" + std::string(head.rows.substr(0, 1 << 16)));
+    if (found.isGuess)
+        notes.push_back(NoteOfGuess(found.character));
+    return found.isThere ? found.character : ' ';
+}
+
+/// What the columns of numbers say of their decimal mark.
+class NumberSample
+{
+public:
+    NumberSample(const FileHead& head, const RowLayout& layout) : head_(head)
+    {
+        std::string_view rows = head.rows;
+        for (std::size_t row = 1; !rows.empty() && census_.Needs(row); ++row) {
+            const std::size_t end = std::min(rows.find('\n'), rows.size() - 1) + 1;
+            NoteLine(rows.substr(0, end), row, layout);
+            rows.remove_prefix(end);
+        }
+    }
+
+    char Mark(const Options& options, std::vector<std::string>& notes) const
+    {
+        const DecimalCensus::Mark mark = census_.Found();
+        if (mark.doubt) {
+            const auto [row, column] = *mark.doubt;
+            const std::string& name = column == 0
+                                          ? *options.effectSize
+                                          : (options.stdError ? *options.stdError : *options.variance);
+            notes.push_back(NoteOfDoubt(mark, fmt::format("'{}' (line {}, column '{}')", doubtful_[column],
+                                                          head_.headerLine + row, name)));
+        }
+        return mark.character;
+    }
+
+private:
+    void NoteLine(std::string_view line, std::size_t row, const RowLayout& layout)
+    {
+        line = line.substr(0, line.find_last_not_of("\r\n") + 1);
+        const CutLine cut(line, layout.separator, layout.fieldCount);
+        if (cut.Count() < layout.fieldCount)
+            return;
+        const std::string_view fields[] = {cut.Field(layout.effectSize), cut.Field(layout.spread)};
+        for (std::size_t column = 0; column < std::size(fields); ++column) {
+            if (layout.form.missing.Have(fields[column]))
+                continue;
+            census_.Note(fields[column], row, column);
+            if (doubtful_[column].empty() &&
+                EvidenceOf(fields[column]) == DecimalEvidence::POINT_OR_THOUSANDS)
+                doubtful_[column] = fields[column];
+        }
+    }
+
+    const FileHead& head_;
+    DecimalCensus census_{{true, true}}; ///< of effect sizes and variances or standard errors
+    std::string doubtful_[2];
+};
+
+char FindDecimalMark(const FileHead& head, const RowLayout& layout, const Options& options,
+                     std::vector<std::string>& notes)
+{
+    if (options.file.decimalMark)
+        return *options.file.decimalMark;
+    return layout.separator == ',' ? '.' : NumberSample(head, layout).Mark(options, notes);
+}
+
 } // namespace
 
-RowLayout LayoutOf(std::string& line, const Options& options, const std::string& fileName)
+RowLayout LayoutOf(const FileHead& head, const Options& options, std::vector<std::string>& notes)
 {
-    const Header header(line, fileName);
     RowLayout layout;
-    layout.separator = header.FieldSeparator();
+    layout.separator = FindSeparator(head, options, notes);
+    const Header header(head, layout.separator);
     layout.fieldCount = header.Count();
     layout.key = header.PositionOf(*options.batch.key);
     layout.effectSize = header.PositionOf(*options.effectSize);
@@ -83,6 +164,8 @@ RowLayout LayoutOf(std::string& line, const Options& options, const std::string&
         layout.effectAllele = header.PositionOf(*options.batch.effectAllele);
         layout.otherAllele = header.PositionOf(*options.batch.otherAllele);
     }
+    layout.form.missing = MissingTexts(options.file.missing);
+    layout.form.decimalMark = FindDecimalMark(head, layout, options, notes);
     return layout;
 }
 

@@ -1,6 +1,7 @@
 #include "host/batch/RowParser.h"
 
 #include "host/batch/FieldNumber.h"
+#include "host/data/Encodings.h"
 #include "host/text/AsciiCase.h"
 
 #include <algorithm>
@@ -12,7 +13,7 @@ namespace host {
 
 namespace {
 
-using Kind = FieldNumber::Kind;
+using Kind = RowNumber::Kind;
 
 /// Sizes of keys and alleles are kept in two bytes.
 constexpr std::size_t LONGEST_TEXT = std::numeric_limits<std::uint16_t>::max();
@@ -31,10 +32,21 @@ std::optional<std::size_t> LineOfZero(const TextBlock& text)
         std::count(static_cast<const char*>(text.begin), static_cast<const char*>(zero), '\n'));
 }
 
-RowProblem AlleleProblem(const Alleles& alleles)
+/// The first line with bytes that are no UTF-8.
+std::optional<std::size_t> LineOfStrange(std::string_view text)
+{
+    if (IsAscii(text))
+        return {};
+    const Utf8Census census = CensusOf(text);
+    if (census.strangeBytes == 0)
+        return {};
+    return static_cast<std::size_t>(std::count(text.data(), text.data() + census.firstStrange, '\n'));
+}
+
+RowProblem AlleleProblem(const Alleles& alleles, const MissingTexts& missing)
 {
     for (const std::string_view allele : {alleles.effect, alleles.other})
-        if (IsMissingField(allele) || allele.size() > LONGEST_TEXT)
+        if (missing.Have(allele) || allele.size() > LONGEST_TEXT)
             return RowProblem::NO_ALLELE;
     return EqualInAnyCase(alleles.effect, alleles.other) ? RowProblem::SAME_ALLELES : RowProblem::NONE;
 }
@@ -58,7 +70,7 @@ RowProblem ProblemOf(Kind kind, RowProblem ifMissing, RowProblem ifNoNumber, Row
 
 RowProblem RowParser::ReadKey(std::string_view key, Row& row) const
 {
-    if (IsMissingField(key))
+    if (layout_.form.missing.Have(key))
         return RowProblem::NO_KEY;
     if (key.size() > LONGEST_TEXT || key.find('\t') != std::string_view::npos)
         return RowProblem::KEY_UNUSABLE;
@@ -69,11 +81,11 @@ RowProblem RowParser::ReadKey(std::string_view key, Row& row) const
 
 RowProblem RowParser::ReadNumbers(std::string_view effectSize, std::string_view spread, Row& row) const
 {
-    const FieldNumber effect = NumberOf(effectSize);
+    const RowNumber effect = NumberOf(effectSize, layout_.form);
     if (effect.kind != Kind::NUMBER)
         return ProblemOf(effect.kind, RowProblem::NO_EFFECT_SIZE, RowProblem::EFFECT_SIZE_NO_NUMBER,
                          RowProblem::EFFECT_SIZE_OUTSIDE);
-    const FieldNumber number = NumberOf(spread);
+    const RowNumber number = NumberOf(spread, layout_.form);
     if (number.kind != Kind::NUMBER)
         return ProblemOf(number.kind, RowProblem::NO_SPREAD, RowProblem::SPREAD_NO_NUMBER,
                          RowProblem::SPREAD_OUTSIDE);
@@ -86,10 +98,23 @@ RowProblem RowParser::ReadNumbers(std::string_view effectSize, std::string_view 
     return hasWeight ? RowProblem::NONE : RowProblem::VARIANCE_EXTREME;
 }
 
-void RowParser::ParseLine(FieldCutter& cutter, char* line, std::size_t size, ParsedRows& rows, Row& row) const
+/// Whether the fields are those of the header. A spreadsheet writes separators as far as its widest row has
+/// cells: empty fields behind them are none.
+bool RowParser::HasFields(const FieldCutter& cutter, std::size_t count, std::string_view line) const
 {
-    const std::size_t count = cutter.Cut(line, size);
-    if (count != layout_.fieldCount) {
+    if (count <= layout_.fieldCount)
+        return count == layout_.fieldCount;
+    const char blanks[] = {' ', '\t', layout_.separator};
+    const std::string_view last = cutter.Field(line.data(), layout_.fieldCount - 1);
+    const auto end = static_cast<std::size_t>(last.data() - line.data()) + last.size();
+    return line.find_first_not_of({blanks, sizeof blanks}, end) == std::string_view::npos;
+}
+
+void RowParser::ParseLine(FieldCutter& cutter, std::string_view text, char* line, ParsedRows& rows,
+                          Row& row) const
+{
+    const std::size_t count = cutter.Cut(line, text.size(), rows.hasQuotes);
+    if (!HasFields(cutter, count, text)) {
         row.problem = count == 0 ? RowProblem::QUOTE : RowProblem::FIELD_COUNT;
         return;
     }
@@ -97,7 +122,7 @@ void RowParser::ParseLine(FieldCutter& cutter, char* line, std::size_t size, Par
     row.problem = ReadKey(field(layout_.key), row);
     if (row.problem == RowProblem::NONE && layout_.hasAlleles) {
         const Alleles alleles = {field(layout_.effectAllele), field(layout_.otherAllele)};
-        row.problem = AlleleProblem(alleles);
+        row.problem = AlleleProblem(alleles, layout_.form.missing);
         if (row.problem == RowProblem::NONE)
             rows.alleles.back() = alleles;
     }
@@ -114,6 +139,9 @@ void RowParser::Parse(ParsedRows& rows) const
     if (rows.lineOfZero)
         return;
     TextBlock& text = rows.text;
+    const std::string_view all(text.begin, static_cast<std::size_t>(text.end - text.begin));
+    rows.lineOfStrange = LineOfStrange(all);
+    rows.hasQuotes = all.find('"') != std::string_view::npos;
     FieldCutter cutter(layout_.separator, layout_.fieldCount);
     std::uint32_t number = 0;
     for (char* line = text.begin; line < text.end; ++number) {
@@ -129,7 +157,7 @@ void RowParser::Parse(ParsedRows& rows) const
             row.line = number;
             if (layout_.hasAlleles)
                 rows.alleles.emplace_back();
-            ParseLine(cutter, line, size, rows, row);
+            ParseLine(cutter, {line, size}, line, rows, row);
         }
         line = next;
     }

@@ -37,6 +37,8 @@ struct ParsedRows
     std::size_t firstLine = 0; ///< number of its first line in the file
     std::size_t lineCount = 0;
     std::optional<std::size_t> lineOfZero; ///< first line, from 0, with a byte of value 0, which no text has
+    std::optional<std::size_t> lineOfStrange; ///< first line, from 0, with bytes that are no UTF-8
+    bool hasQuotes = false;                   ///< anywhere
 
     std::size_t LineOf(const Row& row) const { return firstLine + row.line; }
 };
@@ -52,7 +54,8 @@ public:
     void Parse(ParsedRows& rows) const;
 
 private:
-    void ParseLine(FieldCutter& cutter, char* line, std::size_t size, ParsedRows& rows, Row& row) const;
+    bool HasFields(const FieldCutter& cutter, std::size_t count, std::string_view line) const;
+    void ParseLine(FieldCutter& cutter, std::string_view text, char* line, ParsedRows& rows, Row& row) const;
     RowProblem ReadKey(std::string_view key, Row& row) const;
     RowProblem ReadNumbers(std::string_view effectSize, std::string_view spread, Row& row) const;
 

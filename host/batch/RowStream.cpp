@@ -1,5 +1,6 @@
 #include "host/batch/RowStream.h"
 
+#include "host/data/Separator.h"
 #include "host/text/UnusableInput.h"
 
 #include <fmt/format.h>
@@ -11,8 +12,6 @@
 namespace host {
 
 namespace {
-
-constexpr std::string_view BYTE_ORDER_MARK = "\xEF\xBB\xBF";
 
 constexpr const char* ZERO = "a byte of value 0, so this is no text in UTF-8";
 constexpr const char* LONG_LINE = "the line is longer than 16 megabytes, so this is no table";
@@ -51,8 +50,11 @@ RowStream::RowStream(const std::string& path, const Options& options, std::size_
 RowLayout RowStream::ReadHeader(const Options& options)
 {
     lines_.Next(first_);
-    if (TextOf(first_).starts_with(BYTE_ORDER_MARK))
-        first_.begin += BYTE_ORDER_MARK.size();
+    const std::optional<char> named = SeparatorLine(TextOf(first_));
+    if (named) {
+        TakeLine(first_);
+        ++nextLine_;
+    }
     std::string header;
     for (; IsBlank(header) && !first_.IsEmpty(); ++nextLine_)
         header = TakeLine(first_);
@@ -63,9 +65,10 @@ RowLayout RowStream::ReadHeader(const Options& options)
     if (header.find('\0') != std::string::npos)
         Refuse(nextLine_ - 1, ZERO);
     if (header.find('\r') != std::string::npos)
-        throw UnusableInput(
-            fmt::format("{}: lines end in carriage returns alone; line feeds are needed.", Name()));
-    return LayoutOf(header, options, Name());
+        throw UnusableInput(fmt::format("{}, line {}: a carriage return stands within the line; "
+                                        "'tr \\\\r \\\\n <FILE | ... -' makes it the end of one.",
+                                        Name(), nextLine_ - 1));
+    return LayoutOf({header, TextOf(first_), named, nextLine_ - 1, Name()}, options, notes_);
 }
 
 /// The next one waits for the lock, so it may be told before the block is there.
@@ -119,6 +122,19 @@ void RowStream::CheckCurrent() const
         Refuse(nextLine_ + *rows.lineOfZero, ZERO);
 }
 
+std::vector<std::string> RowStream::Notes() const
+{
+    std::vector<std::string> notes = notes_;
+    if (!lines_.Note().empty())
+        notes.push_back(lines_.Note());
+    if (lineOfStrange_)
+        notes.push_back(
+            fmt::format("Line {} has bytes that are no UTF-8; keys with such bytes are compared and "
+                        "written as they are.",
+                        *lineOfStrange_));
+    return notes;
+}
+
 const ParsedRows* RowStream::Next()
 {
     do {
@@ -132,6 +148,8 @@ const ParsedRows* RowStream::Next()
         if (current_->rows.text.IsEmpty())
             return nullptr;
         current_->rows.firstLine = nextLine_;
+        if (!lineOfStrange_ && current_->rows.lineOfStrange)
+            lineOfStrange_ = nextLine_ + *current_->rows.lineOfStrange;
         nextLine_ += current_->rows.lineCount;
     } while (current_->rows.rows.empty());
     hasRows_ = true;

@@ -9,6 +9,7 @@
 #include <deque>
 #include <memory>
 #include <mutex>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -32,6 +33,9 @@ public:
     const std::string& Name() const { return lines_.Name(); }
     const std::string& Path() const { return path_; }
 
+    /// Sentences on what is converted or a guess, when the rows are read.
+    std::vector<std::string> Notes() const;
+
 private:
     struct Block
     {
@@ -50,6 +54,7 @@ private:
     LineBlocks lines_;
     std::size_t nextLine_ = 1; ///< number of the first line behind the current block
     TextBlock first_;          ///< the block of the header, behind it
+    std::vector<std::string> notes_;
     RowParser parser_;
     TaskPool& pool_;
     std::size_t depth_;
@@ -58,6 +63,7 @@ private:
     std::vector<std::unique_ptr<Block>> spare_;
     std::size_t started_ = 0;
     bool hasRows_ = false;
+    std::optional<std::size_t> lineOfStrange_; ///< the first with bytes that are no UTF-8
 
     std::mutex turn_; ///< of the next fields: blocks are fetched in their order
     std::condition_variable turnChanged_;

@@ -1,5 +1,6 @@
 #include "host/cli/OptionGroups.h"
 
+#include "host/cli/DataColumns.h"
 #include "host/cli/OptionRules.h"
 #include "host/cli/Presets.h"
 #include "host/cli/RawOutcomes.h"
@@ -73,6 +74,7 @@ void CompleteOptions(Options& options)
     for (OptionGroupMaker* const make : OPTION_GROUPS)
         if (const OptionGroup group = make(options); group.complete)
             group.complete();
+    RefuseSharedColumns(options);
     RefuseOptionsWithoutEffect(options);
 }
 

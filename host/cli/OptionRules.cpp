@@ -185,8 +185,8 @@ const std::vector<OptionRule>& Rules()
         // Model
         {{"weights"},
          HasMeasureOfWeights,
-         "mantel-haenszel needs a rate ratio or a rate difference of two groups (command rates), or 2x2 "
-         "tables (command binary)."},
+         "mantel-haenszel pools the events of two groups: it is for 2x2 tables, rate ratios and rate "
+         "differences. {effect} has inverse-variance weights."},
         {{"weights"},
          HasModelOfWeights,
          "mantel-haenszel needs --model fixed: the random-effects model weights by inverse variance."},

@@ -27,13 +27,11 @@ public:
     /// The bytes of a file that is not compressed; 0 where that is not known.
     std::size_t SizeHint() const;
 
-    /// The first bytes as they are in the file. Valid until the first Read.
-    std::string_view Start() const { return {ahead_.data(), aheadEnd_}; }
-
     /// What messages call the file.
     const std::string& Name() const { return name_; }
 
 private:
+    std::string_view Start() const { return {ahead_.data(), aheadEnd_}; }
     std::size_t ReadFile(char* to, std::size_t size);
     bool Refill();
     void Sniff();

@@ -153,8 +153,10 @@ CsvContent CsvReader::Read()
 /// Room for a row a line, so that no column is copied while it grows.
 void CsvReader::Reserve()
 {
-    const auto lines = static_cast<std::size_t>(
-        std::count(unread_.begin(), unread_.end(), Has(unread_, '\n') ? '\n' : '\r'));
+    const auto count = [this](char c) {
+        return static_cast<std::size_t>(std::count(unread_.begin(), unread_.end(), c));
+    };
+    const std::size_t lines = std::max(count('\n'), count('\r'));
     const std::string_view header = Lines(unread_).Take();
     const auto separators = static_cast<std::size_t>(std::count(header.begin(), header.end(), separator_));
     content_.rowStarts_.reserve(lines + 1);

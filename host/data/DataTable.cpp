@@ -5,7 +5,6 @@
 #include "host/data/FileKinds.h"
 #include "host/data/Separator.h"
 #include "host/data/TextEncoding.h"
-#include "host/text/AsciiCase.h"
 #include "host/text/NearestName.h"
 #include "host/text/TextParsing.h"
 #include "host/text/UnusableInput.h"
@@ -16,7 +15,6 @@
 #include <fmt/ranges.h>
 
 #include <algorithm>
-#include <array>
 #include <utility>
 
 namespace host {
@@ -38,46 +36,6 @@ std::string BytesOf(const std::string& path)
     return bytes;
 }
 
-/// The fields that are the first to say something about the decimal mark, by what they say.
-class FirstFields
-{
-public:
-    struct Place
-    {
-        std::size_t row = 0; ///< with the header; 0 for none
-        std::size_t column = 0;
-    };
-
-    void Note(DecimalEvidence evidence, std::size_t row, std::size_t column)
-    {
-        Place& place = places_[static_cast<std::size_t>(evidence)];
-        if (place.row == 0)
-            place = {row, column};
-    }
-    const Place& Of(DecimalEvidence evidence) const { return places_[static_cast<std::size_t>(evidence)]; }
-    bool Have(DecimalEvidence evidence) const { return Of(evidence).row > 0; }
-
-private:
-    std::array<Place, 5> places_;
-};
-
-/// Ends at a field that decides. Points alone need no second look when a number has had one.
-FirstFields FirstFieldsOf(const CsvContent& content)
-{
-    FirstFields first;
-    for (std::size_t row = 1; row < content.RowCount(); ++row) {
-        for (std::size_t column = 0; column < content.ColumnCount(); ++column) {
-            const std::string_view field = content.Field(row, column);
-            if (first.Have(DecimalEvidence::POINT) && field.find(',') == std::string_view::npos)
-                continue;
-            first.Note(EvidenceOf(field), row, column);
-            if (first.Have(DecimalEvidence::COMMA))
-                return first;
-        }
-    }
-    return first;
-}
-
 std::string NoteOfEmptyRows(std::size_t count)
 {
     return count == 1
@@ -93,7 +51,7 @@ std::string DataName(const std::string& path)
 }
 
 DataTable::DataTable(std::string bytes, std::string name, const FileFormat& format)
-    : name_(std::move(name)), format_(format)
+    : name_(std::move(name)), format_(format), missing_(format.missing)
 {
     RefuseOtherKinds(bytes, name_);
     DecodedText decoded = DecodeText(std::move(bytes), name_);
@@ -108,21 +66,17 @@ DataTable::DataTable(std::string bytes, std::string name, const FileFormat& form
         decimalMark_ = *format_.decimalMark;
     else if (separator != ',')
         FindDecimalMark();
-    for (const std::string& text : format_.missing)
-        if (double number = 0; ParsePlainNumber(text, number))
-            missingNumbers_.push_back(number);
 }
 
 char DataTable::FindSeparator(std::string_view text)
 {
-    if (format_.separator)
+    if (format_.separator) {
+        RequireSeparator(text, *format_.separator, name_);
         return *format_.separator;
+    }
     const FoundSeparator found = SeparatorOf(text);
     if (found.isGuess)
-        notes_.push_back(
-            fmt::format("The header line of the data file has several separators; the file is read "
-                        "as separated by {}. --separator sets another.",
-                        PluralOf(found.character)));
+        notes_.push_back(NoteOfGuess(found.character));
     return found.character;
 }
 
@@ -145,23 +99,39 @@ DataTable DataTable::Parse(std::string_view bytes, const std::string& name, cons
     return {std::string(bytes), name, format};
 }
 
-/// A number that has a decimal comma decides, because a point may separate thousands where commas are
-/// decimal, but hardly a comma in a file with decimal points that is separated by something else. Where
-/// nothing else decides, a point that may separate thousands is taken for the decimal mark, with a note.
+/// Of each column whether the format names it; all where it names none.
+std::vector<bool> DataTable::AreRead() const
+{
+    const std::vector<std::string>& names = format_.numberColumns;
+    std::vector<bool> areRead;
+    for (std::size_t column = 0; column < content_.ColumnCount(); ++column)
+        areRead.push_back(names.empty() ||
+                          std::any_of(names.begin(), names.end(), [&](const std::string& name) {
+                              return WithoutBlanks(name) == NameOf(column);
+                          }));
+    return areRead;
+}
+
 void DataTable::FindDecimalMark()
 {
-    const FirstFields first = FirstFieldsOf(content_);
-    if (first.Have(DecimalEvidence::COMMA))
-        decimalMark_ = ',';
-    const FirstFields::Place& doubtful = first.Of(DecimalEvidence::POINT_OR_THOUSANDS);
-    if (doubtful.row == 0 || first.Have(DecimalEvidence::COMMA) || first.Have(DecimalEvidence::POINT))
-        return;
-    notes_.push_back(fmt::format("The point of '{}' (line {} of the data file, column '{}') is taken for the "
-                                 "decimal mark, and nothing in "
-                                 "the file says whether it separates thousands. --decimal point confirms it; "
-                                 "--decimal comma refuses it.",
-                                 content_.Field(doubtful.row, doubtful.column),
-                                 content_.LineOf(doubtful.row, doubtful.column), NameOf(doubtful.column)));
+    DecimalCensus census(AreRead());
+    for (std::size_t row = 1; row < content_.RowCount() && census.Needs(row); ++row)
+        for (std::size_t column = 0; column < content_.ColumnCount(); ++column)
+            if (const std::string_view field = WithoutBlanks(content_.Field(row, column));
+                !missing_.Have(field))
+                census.Note(field, row, column);
+    const DecimalCensus::Mark mark = census.Found();
+    decimalMark_ = mark.character;
+    if (mark.doubt)
+        notes_.push_back(
+            NoteOfDoubt(mark, PlaceOf(*mark.doubt), mark.reason ? PlaceOf(*mark.reason) : std::string()));
+}
+
+std::string DataTable::PlaceOf(const DecimalCensus::Place& place) const
+{
+    return fmt::format("'{}' (line {} of the data file, column '{}')",
+                       content_.Field(place.row, place.column), content_.LineOf(place.row, place.column),
+                       NameOf(place.column));
 }
 
 std::string_view DataTable::NameOf(std::size_t column) const
@@ -193,30 +163,15 @@ std::string_view DataTable::TrimmedText(std::size_t row, std::size_t column) con
     return WithoutBlanks(Text(row, column));
 }
 
-bool DataTable::IsMissingText(std::string_view text) const
-{
-    return text.empty() ||
-           std::any_of(format_.missing.begin(), format_.missing.end(),
-                       [text](const std::string& missing) { return EqualInAnyCase(text, missing); });
-}
-
-bool DataTable::IsMissingNumber(double number) const
-{
-    return std::find(missingNumbers_.begin(), missingNumbers_.end(), number) != missingNumbers_.end();
-}
-
 bool DataTable::IsMissing(std::size_t row, std::size_t column) const
 {
     const std::string_view text = TrimmedText(row, column);
-    if (IsMissingText(text))
+    if (missing_.Have(text))
         return true;
-    if (missingNumbers_.empty())
+    if (!missing_.HaveNumbers())
         return false;
-    try {
-        return IsMissingNumber(ParseFieldNumber(text, decimalMark_));
-    } catch (const UnusableInput&) {
-        return false;
-    }
+    const FieldNumber number = ReadFieldNumber(text, decimalMark_);
+    return number.kind == NumberKind::NUMBER && missing_.HaveNumber(number.value);
 }
 
 double DataTable::Number(std::size_t row, std::size_t column) const
@@ -224,8 +179,8 @@ double DataTable::Number(std::size_t row, std::size_t column) const
     const std::string_view text = Text(row, column);
     double number = 0;
     if (decimalMark_ == '.' && ParsePlainNumber(text, number))
-        return IsMissingNumber(number) ? KXMV::Missing() : number;
-    if (IsMissingText(WithoutBlanks(text)))
+        return missing_.HaveNumber(number) ? KXMV::Missing() : number;
+    if (missing_.Have(WithoutBlanks(text)))
         return KXMV::Missing();
     try {
         number = ParseFieldNumber(text, decimalMark_);
@@ -233,7 +188,7 @@ double DataTable::Number(std::size_t row, std::size_t column) const
         throw UnusableInput(fmt::format("{}, line {}, column '{}': {}", name_,
                                         content_.LineOf(row + 1, column), NameOf(column), problem.what()));
     }
-    return IsMissingNumber(number) ? KXMV::Missing() : number;
+    return missing_.HaveNumber(number) ? KXMV::Missing() : number;
 }
 
 int DataTable::Decimals(std::size_t row, std::size_t column) const

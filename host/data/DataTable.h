@@ -1,7 +1,9 @@
 #pragma once
 
 #include "host/data/CsvReader.h"
+#include "host/data/DecimalMark.h"
 #include "host/data/FileFormat.h"
+#include "host/data/MissingTexts.h"
 
 #include <cstddef>
 #include <string>
@@ -69,15 +71,15 @@ private:
     char FindSeparator(std::string_view text);
     void RequireRows() const;
     void FindDecimalMark();
-    bool IsMissingText(std::string_view text) const;
-    bool IsMissingNumber(double number) const;
+    std::vector<bool> AreRead() const;
+    std::string PlaceOf(const DecimalCensus::Place& place) const;
 
     std::string name_;
     FileFormat format_;
     std::vector<std::string> notes_;
     CsvContent content_;
     char decimalMark_ = '.';
-    std::vector<double> missingNumbers_; ///< of the texts of missing values that are numbers
+    MissingTexts missing_;
 };
 
 } // namespace host

@@ -1,5 +1,6 @@
 #include "host/data/FieldValue.h"
 
+#include "host/text/AsciiCase.h"
 #include "host/text/TextParsing.h"
 #include "host/text/UnusableInput.h"
 
@@ -94,14 +95,26 @@ std::string Plain(std::string_view text)
     return std::string(Trimmed(plain));
 }
 
-const char* NameOfMark(char mark)
-{
-    return mark == ',' ? "comma" : "point";
-}
-
 [[noreturn]] void Fail(std::string_view text, const std::string& rest)
 {
     throw UnusableInput(fmt::format("'{}' is {}", text, rest));
+}
+
+/// Whether the text is one that people write where a value is missing: no letters and digits, or such a word.
+bool MayBeMissing(std::string_view text)
+{
+    constexpr std::string_view WORDS[] = {
+        "#N/A",       "N.A.", "N.A",     "N / A",  "n.d.", "ND",  "NR",           "n.r.",
+        "NS",         "n.s.", "none",    "nil",    "null", "NaN", "not reported", "not available",
+        "not stated", "miss", "missing", "unknown"};
+    if (text.find(',') != std::string_view::npos) // parts the list of --missing
+        return false;
+    const bool hasLetters = std::any_of(text.begin(), text.end(), [](unsigned char c) {
+        return c >= 0x80 || (c >= '0' && c <= '9') ||
+               (UpperCase(static_cast<char>(c)) >= 'A' && UpperCase(static_cast<char>(c)) <= 'Z');
+    });
+    return !hasLetters || std::any_of(std::begin(WORDS), std::end(WORDS),
+                                      [text](std::string_view word) { return EqualInAnyCase(text, word); });
 }
 
 /// Says what a field is that is no number.
@@ -126,34 +139,54 @@ const char* NameOfMark(char mark)
     if (IsDecimal(WithoutSign(plain), other))
         Fail(text, fmt::format("not a number with the decimal {}: --decimal {} reads it.", NameOfMark(mark),
                                NameOfMark(other)));
+    if (MayBeMissing(plain))
+        Fail(text,
+             fmt::format("not a number. If it stands for a missing value, --missing NA,{} says so.", text));
     Fail(text, "not a number.");
 }
 
 /// Reads a number of ASCII characters.
-double ParsePlain(std::string_view text, const std::string& plain, char mark)
+FieldNumber ReadPlain(std::string number, char mark)
 {
-    std::string number = plain;
     if (mark == ',') {
         if (number.find('.') != std::string::npos || std::count(number.begin(), number.end(), ',') > 1)
-            Explain(text, plain, mark);
+            return {};
         std::replace(number.begin(), number.end(), ',', '.');
     }
-    double value = 0;
     const std::string_view digits = number.starts_with('+') && !number.starts_with("+-")
                                         ? std::string_view(number).substr(1)
                                         : std::string_view(number);
+    double value = 0;
     const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), value);
     if (error == std::errc::result_out_of_range)
-        Fail(text, "outside the range of numbers that can be stored.");
+        return {NumberKind::OUTSIDE};
     if (error != std::errc() || end != digits.data() + digits.size())
-        Explain(text, plain, mark);
+        return {};
     // from_chars accepts "inf" and "nan". The number that stands for a missing value would vanish silently.
-    if (!std::isfinite(value) || KXMV::IsMissing(value))
-        Fail(text, "not a finite number.");
-    return value;
+    const bool isFinite = std::isfinite(value) && !KXMV::IsMissing(value);
+    return {isFinite ? NumberKind::NUMBER : NumberKind::NOT_FINITE, value};
+}
+
+/// Whether the text, which has no mark, is a number.
+bool IsNumberWithoutMark(std::string_view number)
+{
+    const std::size_t exponent = number.find_first_of("eE");
+    return IsGrouped(number, ' ') || IsGrouped(number, '\'') ||
+           (IsDigits(number.substr(0, exponent)) &&
+            (exponent == std::string_view::npos || IsDigits(WithoutSign(number.substr(exponent + 1)))));
+}
+
+DecimalEvidence PointOf(std::string_view number)
+{
+    return IsGrouped(number, '.') ? DecimalEvidence::POINT_OR_THOUSANDS : DecimalEvidence::POINT;
 }
 
 } // namespace
+
+const char* NameOfMark(char mark)
+{
+    return mark == ',' ? "comma" : "point";
+}
 
 std::string_view WithoutBlanks(std::string_view text)
 {
@@ -171,37 +204,51 @@ std::string_view WithoutBlanks(std::string_view text)
     return text;
 }
 
+/// Numbers with a point at most are told without a copy: they are most.
 DecimalEvidence EvidenceOf(std::string_view text)
 {
     using Evidence = DecimalEvidence;
     const std::size_t comma = text.rfind(',');
     const std::size_t point = text.rfind('.');
-    if (comma == point) // neither occurs
-        return Evidence::NONE;
     const bool isComma =
         comma != std::string_view::npos && (point == std::string_view::npos || point < comma);
+    if (double value = 0;
+        !isComma && ParsePlainNumber(text, value) && std::count(text.begin(), text.end(), '.') < 2)
+        return point == std::string_view::npos ? Evidence::NONE : PointOf(WithoutSign(text));
     const char mark = isComma ? ',' : '.';
     const std::string plain = Plain(text);
     const std::string_view number = WithoutSign(plain);
-    if (!IsGrouped(number, mark))
-        return IsDecimal(number, mark) || HasThousands(number, mark)
-                   ? (isComma ? Evidence::COMMA : Evidence::POINT)
-                   : Evidence::NONE;
+    if (comma == point) // neither occurs
+        return IsNumberWithoutMark(number) ? Evidence::NONE : Evidence::NO_NUMBER;
+    if (!IsGrouped(number, mark)) {
+        const bool isNumber = IsDecimal(number, mark) || HasThousands(number, mark);
+        return !isNumber ? Evidence::NO_NUMBER : isComma ? Evidence::COMMA : Evidence::POINT;
+    }
     if (std::count(number.begin(), number.end(), mark) > 1) // a decimal mark occurs once
         return isComma ? Evidence::POINT : Evidence::COMMA;
     return isComma ? Evidence::COMMA_OR_THOUSANDS : Evidence::POINT_OR_THOUSANDS;
 }
 
-bool ParsePlainNumber(std::string_view text, double& value)
+FieldNumber ReadFieldNumber(std::string_view text, char decimalMark)
 {
-    const auto [end, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    return error == std::errc() && end == text.data() + text.size() && std::isfinite(value) &&
-           !KXMV::IsMissing(value);
+    return ReadPlain(Plain(text), decimalMark);
 }
 
-double ParseFieldNumber(std::string_view text, char decimalMark)
+double ParseFieldNumber(std::string_view field, char decimalMark)
 {
-    return ParsePlain(WithoutBlanks(text), Plain(text), decimalMark);
+    const std::string_view text = WithoutBlanks(field);
+    const FieldNumber number = ReadFieldNumber(text, decimalMark);
+    switch (number.kind) {
+    case NumberKind::NUMBER:
+        break;
+    case NumberKind::NO_NUMBER:
+        Explain(text, Plain(text), decimalMark);
+    case NumberKind::NOT_FINITE:
+        Fail(text, "not a finite number.");
+    case NumberKind::OUTSIDE:
+        Fail(text, "outside the range of numbers that can be stored.");
+    }
+    return number.value;
 }
 
 } // namespace host

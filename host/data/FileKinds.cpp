@@ -116,11 +116,4 @@ void RefuseOtherKinds(std::string_view start, const std::string& name)
             Refuse(name, kind.name, kind.way);
 }
 
-void RefuseUtf16(std::string_view start, const std::string& name)
-{
-    if (start.starts_with("\xff\xfe") || start.starts_with("\xfe\xff"))
-        Refuse(name, "text in UTF-16",
-               "UTF-8 is needed, which 'iconv -f UTF-16 -t UTF-8 FILE | ... -' makes");
-}
-
 } // namespace host

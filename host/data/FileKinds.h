@@ -11,7 +11,4 @@ namespace host {
 /// kind within some kilobytes; `start` may be longer.
 void RefuseOtherKinds(std::string_view start, const std::string& name);
 
-/// Throws UnusableInput for text in UTF-16 that says so, which only whole files are converted from.
-void RefuseUtf16(std::string_view start, const std::string& name);
-
 } // namespace host

@@ -1,6 +1,9 @@
 #include "host/data/Separator.h"
 
 #include "host/text/AsciiCase.h"
+#include "host/text/UnusableInput.h"
+
+#include <fmt/format.h>
 
 #include <algorithm>
 #include <array>
@@ -66,7 +69,7 @@ std::optional<char> SeparatorLine(std::string_view text)
 FoundSeparator SeparatorOf(std::string_view text)
 {
     if (const std::optional<char> named = SeparatorLine(text))
-        return {*named};
+        return {*named, true};
     const Counts header = TakeCounts(text);
     std::vector<std::size_t> candidates;
     for (std::size_t k = 0; k < SEPARATORS.size(); ++k)
@@ -79,12 +82,38 @@ FoundSeparator SeparatorOf(std::string_view text)
     const std::size_t best =
         *std::max_element(candidates.begin(), candidates.end(),
                           [&](std::size_t one, std::size_t other) { return header[one] < header[other]; });
-    return {SEPARATORS[best], candidates.size() > 1};
+    return {SEPARATORS[best], true, candidates.size() > 1};
 }
 
 const char* PluralOf(char separator)
 {
-    return separator == '\t' ? "tabs" : separator == ';' ? "semicolons" : "commas";
+    return separator == '\t'  ? "tabs"
+           : separator == ';' ? "semicolons"
+           : separator == ' ' ? "blanks"
+                              : "commas";
+}
+
+void RequireSeparator(std::string_view text, char separator, const std::string& name)
+{
+    const FoundSeparator found = SeparatorOf(text);
+    const std::string_view start = text.substr(std::min(text.find_first_not_of("\r\n"), text.size()));
+    const std::string_view header = start.substr(0, start.find_first_of("\r\n"));
+    const bool has =
+        header.find_first_of(separator == ' ' ? std::string(" \t") : std::string(1, separator)) !=
+        std::string_view::npos;
+    if (found.isThere && !has)
+        throw UnusableInput(
+            fmt::format("{} is separated by {}, and its header line has no {}: --separator does not "
+                        "fit it.",
+                        name, PluralOf(found.character), PluralOf(separator)));
+}
+
+std::string NoteOfGuess(char separator)
+{
+    return fmt::format(
+        "The header line of the data file has several separators; the file is read as separated "
+        "by {}. --separator sets another.",
+        PluralOf(separator));
 }
 
 } // namespace host

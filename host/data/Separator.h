@@ -1,6 +1,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 namespace host {
@@ -9,6 +10,7 @@ namespace host {
 struct FoundSeparator
 {
     char character = ',';
+    bool isThere = false; ///< whether the header line has it, or a line before names it
     bool isGuess = false; ///< the header line has several, and rows fit more than one of them or none
 };
 
@@ -22,5 +24,12 @@ FoundSeparator SeparatorOf(std::string_view text);
 
 /// "semicolons".
 const char* PluralOf(char separator);
+
+/// Throws UnusableInput when the header line of the file `name` lacks the separator that an option sets, and
+/// has another.
+void RequireSeparator(std::string_view text, char separator, const std::string& name);
+
+/// The sentence on a guess.
+std::string NoteOfGuess(char separator);
 
 } // namespace host

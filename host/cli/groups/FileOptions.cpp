@@ -25,6 +25,8 @@ struct NamedCharacter
 };
 
 constexpr NamedCharacter SEPARATORS[] = {{',', "comma"}, {';', "semicolon"}, {'\t', "tab"}};
+constexpr NamedCharacter BATCH_SEPARATORS[] = {
+    {',', "comma"}, {';', "semicolon"}, {'\t', "tab"}, {' ', "blanks"}};
 constexpr NamedCharacter DECIMAL_MARKS[] = {{'.', "point"}, {',', "comma"}};
 
 template <std::size_t N>
@@ -88,14 +90,16 @@ OptionDefinition MissingOption(FileFormat& file)
 
 OptionGroup FileOptions(Options& options)
 {
-    if (options.command == Command::BATCH)
-        return {};
     FileFormat& file = options.file;
-    return {.heading = "Data file",
-            .options = {
-                CharacterOption("separator", "what separates the fields", file.separator, SEPARATORS),
-                CharacterOption("decimal", "decimal mark of the numbers", file.decimalMark, DECIMAL_MARKS),
-                MissingOption(file)}};
+    const bool isBatch = options.command == Command::BATCH;
+    return {
+        .heading = "Data file",
+        .options = {
+            isBatch
+                ? CharacterOption("separator", "what separates the fields", file.separator, BATCH_SEPARATORS)
+                : CharacterOption("separator", "what separates the fields", file.separator, SEPARATORS),
+            CharacterOption("decimal", "decimal mark of the numbers", file.decimalMark, DECIMAL_MARKS),
+            MissingOption(file)}};
 }
 
 } // namespace host
