@@ -64,13 +64,26 @@ std::string AbbreviationsOf(const Table& table)
     return text;
 }
 
+/// Whether a text is the name of a row or its abbreviation, in any case.
+template <class Row>
+bool IsNameOf(const Row& row, std::string_view text)
+{
+    return EqualInAnyCase(row.name, text) || (!text.empty() && EqualInAnyCase(AbbreviationOf(row), text));
+}
+
+template <class Table>
+bool HasName(const Table& table, std::string_view text)
+{
+    return std::any_of(table.begin(), table.end(), [&](const auto& row) { return IsNameOf(row, text); });
+}
+
 /// The value of a name or abbreviation, in any case. Throws UnusableInput with a sentence that lists the
 /// names.
 template <class Table>
 auto ValueOf(const Table& table, std::string_view name)
 {
     for (const auto& row : table)
-        if (EqualInAnyCase(row.name, name) || (!name.empty() && EqualInAnyCase(AbbreviationOf(row), name)))
+        if (IsNameOf(row, name))
             return row.value;
     throw UnusableInput(
         fmt::format("'{}' is none of {}.{}", name, NamesOf(table), DidYouMean(name, ListOfNames(table))));

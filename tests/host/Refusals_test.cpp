@@ -44,8 +44,8 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
         {none + "binary /no/file.csv", "--treatment-events is required"},
         {none + "effects /no/file.csv --effect-size y --std-error s", "'/no/file.csv' cannot be opened"},
         {Effects(TESTS_DIR), "cannot be read: Is a directory"},
-        {effects + "--effect odds-ratio",
-         "--effect with --outcome continuous: 'odds-ratio' is none of cohens-d"},
+        {effects + "--effect odds-ratio", "'odds-ratio' is none of cohens-d, mean-difference, hedges-g, "
+                                          "glass-delta. It is one of --outcome binary."},
         {binary + "--max-step-halving 3000000000", "--max-step-halving: '3000000000' is outside the range"},
         {effects + "--effect cohens-d --outcome binary",
          "--outcome binary: 'cohens-d' is none of odds-ratio"},

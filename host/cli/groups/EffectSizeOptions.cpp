@@ -112,6 +112,14 @@ void CheckReadyMadeEffect(const Options& options)
         throw UnusableInput("--label: the text is empty.");
 }
 
+/// The end of a refusal: an effect size that only the other outcome has points to it.
+std::string OutcomeThatHas(std::string_view effect)
+{
+    if (HasName(BINARY_MEASURES, effect))
+        return " It is one of --outcome binary.";
+    return HasName(CONTINUOUS_MEASURES, effect) ? " It is one of --outcome continuous." : "";
+}
+
 void ResolveReadyMadeEffect(Options& options)
 {
     if (!options.readyMadeEffect)
@@ -119,9 +127,9 @@ void ResolveReadyMadeEffect(Options& options)
     try {
         SetMeasure(options.settings, *options.readyMadeEffect);
     } catch (const UnusableInput& problem) {
-        throw UnusableInput(fmt::format("--effect with --outcome {}: {}",
+        throw UnusableInput(fmt::format("--effect with --outcome {}: {}{}",
                                         NameOf(OUTCOME_CHOICES, options.settings.GetOutcomesType()),
-                                        problem.what()));
+                                        problem.what(), OutcomeThatHas(*options.readyMadeEffect)));
     }
 }
 
