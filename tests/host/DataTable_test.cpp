@@ -93,6 +93,7 @@ TEST(DataTable, NamesTheLineThatCannotBeRead)
         {"\xEF\xBB\xBF\n\n", "t.csv is empty"},
         {"a,b\n", "t.csv has a header line and no data rows"},
         {"a,b\n1,2\n1\n", "t.csv, line 3: 1 field, but the header has 2"},
+        {"Table 1\na,b\n1,2\n", "t.csv, line 2: 2 fields, but the header has 1: 'Table 1' is taken for it"},
         {"a,b\n\"1\n\n\",2\n\n1,2,3\n", "t.csv, line 6: 3 fields, but the header has 2"},
         {"a,b\n\"1\n2\",\"3\n4,5\n", "t.csv, line 3: the quoted field that starts here is never closed"},
         {"a,b\n1,5\" tall\n", "t.csv, line 2: a misplaced double quote"},
@@ -224,6 +225,7 @@ TEST(DataTable, FindsColumnsByExactAndUniqueNames)
     const DataTable table = DataTable::Parse("a,b,a,\"two\nlines\"\n1,2,3,4\n", "t.csv");
     EXPECT_EQ(table.PositionOf("b"), 1U);
     EXPECT_EQ(table.PositionOf("two\nlines"), 3U);
+    EXPECT_EQ(DataTable::Parse("a,re\u0301gion\n1,2\n", "t.csv").PositionOf("r\u00E9gion"), 1U);
     EXPECT_THAT(
         MessageOf([&] { table.PositionOf("B"); }),
         testing::StartsWith("t.csv has no column 'B'. Did you mean b? Its columns are: a, b, a, two"));
