@@ -2,6 +2,7 @@
 
 #include "host/batch/FieldNumber.h"
 #include "host/batch/LineBlocks.h"
+#include "host/data/ColumnName.h"
 #include "host/data/DecimalMark.h"
 #include "host/data/Separator.h"
 #include "host/text/NearestName.h"
@@ -56,12 +57,13 @@ public:
 
     std::size_t PositionOf(std::string_view column) const
     {
-        const auto found = std::find(names_.begin(), names_.end(), WithoutBlanks(column));
+        const auto isWanted = [column](std::string_view name) { return IsSameName(name, column); };
+        const auto found = std::find_if(names_.begin(), names_.end(), isWanted);
         if (found == names_.end())
             throw UnusableInput(fmt::format("{} has no column '{}'.{} Its columns are: {}.", fileName_,
                                             column, DidYouMean(column, {names_.begin(), names_.end()}),
                                             fmt::join(names_, ", ")));
-        if (std::find(found + 1, names_.end(), *found) != names_.end())
+        if (std::any_of(found + 1, names_.end(), isWanted))
             throw UnusableInput(fmt::format("{}: two columns are named '{}'.", fileName_, column));
         return static_cast<std::size_t>(found - names_.begin());
     }
@@ -144,7 +146,13 @@ char FindDecimalMark(const FileHead& head, const RowLayout& layout, const Option
 {
     if (options.file.decimalMark)
         return *options.file.decimalMark;
-    return layout.separator == ',' ? '.' : NumberSample(head, layout).Mark(options, notes);
+    const NumberSample sample(head, layout);
+    if (layout.separator != ',')
+        return sample.Mark(options, notes);
+    if (std::vector<std::string> unused; sample.Mark(options, unused) == ',')
+        notes.emplace_back("Its numbers have decimal commas, and between commas the point is taken for the "
+                           "decimal mark: --decimal comma reads them.");
+    return '.';
 }
 
 } // namespace

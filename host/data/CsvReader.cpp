@@ -106,6 +106,7 @@ private:
     void EndField(std::string_view field);
     void EndRow();
     void LeaveOutFieldsBehind(std::size_t count);
+    std::string HintOfTitle() const;
     void LeaveOutEmptyRows();
     void RethrowFailure();
     [[noreturn]] void FailAt(std::size_t line, std::string_view problem) const;
@@ -256,8 +257,18 @@ void CsvReader::LeaveOutFieldsBehind(std::size_t count)
 {
     const std::size_t kept = content_.fieldEnds_.size() - (count - content_.columnCount_);
     if (content_.fieldEnds_[kept - 1] != content_.fieldEnds_.back())
-        FailAt(LineOfRow(), fmt::format("{} fields, but the header has {}", count, content_.columnCount_));
+        FailAt(LineOfRow(), fmt::format("{} fields, but the header has {}{}", count, content_.columnCount_,
+                                        HintOfTitle()));
     content_.fieldEnds_.resize(kept);
+}
+
+/// A title or a comment above the header, which is taken for it.
+std::string CsvReader::HintOfTitle() const
+{
+    if (content_.columnCount_ > 1)
+        return {};
+    const std::string_view title = std::string_view(unread_).substr(0, content_.fieldEnds_.front());
+    return fmt::format(": '{}' is taken for it, and lines above the header have to go from the file", title);
 }
 
 void CsvReader::LeaveOutEmptyRows()

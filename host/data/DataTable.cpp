@@ -1,6 +1,7 @@
 #include "host/data/DataTable.h"
 
 #include "host/data/ByteSource.h"
+#include "host/data/ColumnName.h"
 #include "host/data/FieldValue.h"
 #include "host/data/FileKinds.h"
 #include "host/data/Separator.h"
@@ -107,7 +108,7 @@ std::vector<bool> DataTable::AreRead() const
     for (std::size_t column = 0; column < content_.ColumnCount(); ++column)
         areRead.push_back(names.empty() ||
                           std::any_of(names.begin(), names.end(), [&](const std::string& name) {
-                              return WithoutBlanks(name) == NameOf(column);
+                              return IsSameName(name, NameOf(column));
                           }));
     return areRead;
 }
@@ -142,10 +143,9 @@ std::string_view DataTable::NameOf(std::size_t column) const
 std::size_t DataTable::PositionOf(std::string_view column) const
 {
     const std::size_t none = content_.ColumnCount();
-    const std::string_view wanted = WithoutBlanks(column);
     std::size_t position = none;
     for (std::size_t i = 0; i < none; ++i) {
-        if (NameOf(i) != wanted)
+        if (!IsSameName(NameOf(i), column))
             continue;
         if (position != none)
             throw UnusableInput(fmt::format("{}, line {}: column {} and column {} are both named '{}'.",

@@ -104,9 +104,9 @@ std::string Plain(std::string_view text)
 bool MayBeMissing(std::string_view text)
 {
     constexpr std::string_view WORDS[] = {
-        "#N/A",       "N.A.", "N.A",     "N / A",  "n.d.", "ND",  "NR",           "n.r.",
-        "NS",         "n.s.", "none",    "nil",    "null", "NaN", "not reported", "not available",
-        "not stated", "miss", "missing", "unknown"};
+        "\u2014",        "#N/A",       "N.A.", "N.A",     "N / A",  "n.d.", "ND",  "NR",
+        "n.r.",          "NS",         "n.s.", "none",    "nil",    "null", "NaN", "not reported",
+        "not available", "not stated", "miss", "missing", "unknown"};
     if (text.find(',') != std::string_view::npos) // parts the list of --missing
         return false;
     const bool hasLetters = std::any_of(text.begin(), text.end(), [](unsigned char c) {

@@ -97,6 +97,47 @@ TEST(Batch, AgreesWithTheCommandEffects)
     }
 }
 
+/// The text in another encoding, by another program.
+std::string Recoded(const TemporaryFolder& folder, const std::string& text, const std::string& command)
+{
+    const std::string path = folder.Write("recoded", text);
+    EXPECT_EQ(std::system(("<" + path + " " + command + " >" + path + ".out").c_str()), 0) << command;
+    return path + ".out";
+}
+
+/// The separators, decimal commas, missing codes, quotes and encodings that other commands read. The data
+/// take several blocks, of which the first have ASCII characters alone.
+TEST(Batch, ReadsTheFilesOfOtherPrograms)
+{
+    const TemporaryFolder folder;
+    const std::string rows = Rows("rs%06d,%.4f,%.2f\n", 5, 1, 1) + "M\u00FCller,0.5,1\n" +
+                             "rs,NA,1\nrs,1.25,1\n" + Rows("\u00E9%06d,%.4f,%.2f\n", 6, 1, 1);
+    const std::string expected = ReportOf(Batch({folder.Write("plain", "key,y,s\n" + rows)}));
+    const std::string toGerman = "sed 's/,/;/g; s/\\./,/g'";
+    const struct
+    {
+        std::string command;
+        std::string options = {};
+    } cases[] = {
+        {"sed 's/,/;/g'"},
+        {toGerman},
+        {toGerman + " | sed 's/NA/-99,0/'", "--missing x,-99"},
+        {toGerman + " | (echo 'sep=;'; cat)"},
+        {toGerman + " | sed '2,$s/$/;;/'"},
+        {"sed 's/,/ /g; s/\\./,/g; s/^[^ ]*/\"&\"/'", "--decimal comma --separator blanks"},
+        {"sed 's/,/\\t/g; s/\\./,/g; s/^[^\\t]*/\"&\"/'"},
+        {toGerman + " | iconv -f UTF-8 -t UTF-16", ""},
+        {toGerman + " | iconv -f UTF-8 -t UTF-16BE | gzip -c"},
+        {toGerman + " | iconv -f UTF-8 -t UTF-32"},
+        {toGerman + " | iconv -f UTF-8 -t LATIN1"},
+        {toGerman + " | iconv -f UTF-8 -t MACINTOSH | tr '\\n' '\\r'"},
+    };
+    for (const auto& one : cases) {
+        const std::string data = Recoded(folder, "key,y,s\n" + rows, one.command);
+        EXPECT_TRUE(ReportOf(Batch({data}, one.options + " --threads 2")) == expected) << one.command;
+    }
+}
+
 /// One grouped file, one in any order, sorted files, files in any order, with all separators, compressed, as
 /// a stream, by any number of threads.
 TEST(Batch, GivesTheSameBytesForAllFormsOfTheData)

@@ -93,6 +93,7 @@ TEST(DataTable, NamesTheLineThatCannotBeRead)
         {"\xEF\xBB\xBF\n\n", "t.csv is empty"},
         {"a,b\n", "t.csv has a header line and no data rows"},
         {"a,b\n1,2\n1\n", "t.csv, line 3: 1 field, but the header has 2"},
+        {"Table 1\na,b\n1,2\n", "t.csv, line 2: 2 fields, but the header has 1: 'Table 1' is taken for it"},
         {"a,b\n\"1\n\n\",2\n\n1,2,3\n", "t.csv, line 6: 3 fields, but the header has 2"},
         {"a,b\n\"1\n2\",\"3\n4,5\n", "t.csv, line 3: the quoted field that starts here is never closed"},
         {"a,b\n1,5\" tall\n", "t.csv, line 2: a misplaced double quote"},
@@ -164,6 +165,8 @@ TEST(DataTable, ReadsTheSameFromTheFilesOfManyPrograms)
         {"UTF-16 without mark", Utf16(ascii(semicolons), ""), true, 1},
         {"Latin-1", latin, false, 1},
         {"old Mac", Replaced(mac, "\n", "\r"), false, 1},
+        {"old Mac with a line feed in quotes",
+         Replaced(Replaced(Replaced(mac, "\n", ";\r"), ";n;", ";n;m"), ";7;", ";7;\"two\nlines\""), false, 1},
         {"empty cells around the table", Replaced(quoted, "7\n", "7,,\n,,,,\n,,\n"), false, 1},
         {"options", Replaced(semicolons, "NA", "-99,0"), false, 0, {';', ',', {"x", "-99"}}},
     };
@@ -187,6 +190,32 @@ TEST(DataTable, NotesWhatItGuesses)
                 testing::ElementsAre(testing::HasSubstr("'1.234' (line 2 of the data file, column 'a')")));
     EXPECT_EQ(DataTable::Parse(point, "t.csv").Number(0, 0), 1.234);
     EXPECT_THAT(DataTable::Parse("a;b\n1.234;0.5\n", "t.csv").Notes(), testing::IsEmpty());
+    const struct
+    {
+        const char* rows; ///< of a, which is read as numbers, and b
+        const char* note; ///< empty for none
+        double first;     ///< missing for one that is refused
+    } cases[] = {
+        {"0,5;1.5", "", 0.5},            // labels with points
+        {"0,5;A.5\n-;x", "", 0.5},       // a missing value that is not known
+        {"6.504;1.5", "'1.5' (", 6.504}, // labels, or numbers
+        {"6,504;1,5", "'1,5' (", 6.504},
+        {"6.504;1,5 mg", "nothing in the file", 6.504},
+        {"6.504;<0,5", "nothing in the file", 6.504},
+        {"6.504;5%\n.5;1,5", "", 6.504},
+        {"6.504;1\n6,5;1.5", "", missing},
+        {"6,504;1\n.5;2", "", missing},
+        {"-1,5e3;1.5", "", -1500},
+    };
+    for (const auto& one : cases) {
+        const std::string text = std::string("a;b\n") + one.rows + "\n";
+        const DataTable table = DataTable::Parse(text, "t.csv", {{}, {}, {}, {"a"}});
+        EXPECT_EQ(table.Notes().size(), *one.note == '\0' ? 0U : 1U) << one.rows;
+        EXPECT_THAT(table.Notes().empty() ? "" : table.Notes()[0], testing::HasSubstr(one.note)) << one.rows;
+        double first = missing;
+        MessageOf([&] { first = table.Number(0, 0); });
+        EXPECT_TRUE(Same({first}, {one.first})) << one.rows;
+    }
     EXPECT_THAT(DataTable::Parse("a,b;c\n1,2;3\n", "t.csv").Notes(),
                 testing::ElementsAre(testing::HasSubstr("several separators")));
 }
@@ -196,6 +225,7 @@ TEST(DataTable, FindsColumnsByExactAndUniqueNames)
     const DataTable table = DataTable::Parse("a,b,a,\"two\nlines\"\n1,2,3,4\n", "t.csv");
     EXPECT_EQ(table.PositionOf("b"), 1U);
     EXPECT_EQ(table.PositionOf("two\nlines"), 3U);
+    EXPECT_EQ(DataTable::Parse("a,re\u0301gion\n1,2\n", "t.csv").PositionOf("r\u00E9gion"), 1U);
     EXPECT_THAT(
         MessageOf([&] { table.PositionOf("B"); }),
         testing::StartsWith("t.csv has no column 'B'. Did you mean b? Its columns are: a, b, a, two"));

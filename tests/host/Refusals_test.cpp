@@ -95,6 +95,9 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
         {effects + "--side top", "--side: 'top' is none of auto, 1, 2"},
         {binary + "--treatment-n year", "Exactly one of --treatment-nonevents and --treatment-n is required"},
         {none + "effects d.csv --effect-size y", "One of --variance, --std-error, --ci-lower with"},
+        {none + "effects d.csv --effect-size y --std-error y",
+         "'y' is given to --effect-size and again to --std-"},
+        {none + "proportion d.csv --events n --n n", "'n' is given to --events and again to --n"},
         {effects + "--std-error year", "Only one of --variance and --std-error"},
         {effects + "--ci-upper year", "--ci-lower and --ci-upper go together"},
         {effects + "--ci-level 0.9", "--ci-level needs --ci-lower"},
@@ -114,7 +117,7 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
         {proportion + "--effect arcsine --zero-delta 1", "--zero-delta has no effect with --effect arcsine"},
         {proportion + "--probability-above 1.5", "1.5 is outside the range of a proportion"},
         {proportion + "--model fixed --null -0.1", "-0.1 is outside the range of a proportion"},
-        {proportion + "--weights mantel-haenszel", "needs a rate ratio or a rate difference of two groups"},
+        {proportion + "--weights mantel-haenszel", "is for 2x2 tables, rate ratios and rate differences"},
     });
 }
 
@@ -129,8 +132,8 @@ TEST(Refusals, OptionsWithoutEffectAreRefused)
                             "--unsorted --key country --effect-size effect --variance variance";
     ExpectRefused({
         {binary + "--weights MH", "--weights mantel-haenszel needs --model fixed"},
-        {effects + "--weights mantel-haenszel --model fixed", "--weights mantel-haenszel needs"},
-        {means + "--weights mantel-haenszel --model fixed", "--weights mantel-haenszel needs"},
+        {effects + "--weights mantel-haenszel --model fixed", "cohens-d has inverse-variance weights"},
+        {means + "--weights mantel-haenszel --model fixed", "mantel-haenszel pools the events of two groups"},
         {effects + "--model fixed --tau2 DL", "--tau2 is for the random-effects model"},
         {regression + "--model fixed --tau2 dl", "--tau2 is for the random-effects model"},
         {batch + "--model fixed --tau2 dl", "--tau2 is for the random-effects model"},
@@ -176,6 +179,9 @@ TEST(Refusals, UnusableColumnsAndFieldsAreRefused)
     expectRefused("effect,variance,effect\n1,2,3\n", "', line 1: column 1 and column 3 are both named");
     ExpectRefused({
         {Effects(data), "t.csv', line 4, column 'effect': 'x' is not a number"},
+        {Effects(data) + "--separator semicolon",
+         "is separated by commas, and its header line has no semicolons"},
+        {Effects(folder.Write("d.csv", "effect,variance\n-,1\n")), "a missing value, --missing NA,- says so"},
         {smoking + "--bubble country --subgroup country", "column 'country': 'USA' is not a number"},
         {smoking + "--bubble year --bubble year", "--bubble: column 'year' is given twice"},
     });
@@ -248,6 +254,10 @@ TEST(Refusals, BatchesWithoutMeaningAreRefused)
          "line 3: a byte of value 0"},
         {batch({folder.Write("long", "key y s\n" + std::string(1 << 25, 'x'))}),
          "line 2: the line is longer than"},
+        {batch({sorted}, "--separator tab"), "sorted' has no column 'key'"},
+        {batch({folder.Write("comma", "key,y,s\na,1,1\n")}, "--separator tab"),
+         "comma' is separated by commas"},
+        {batch({good}, "--effect-allele y --other-allele o"), "'y' is given to --effect-size and again"},
         {batch({sorted, good}, "--sorted"), "good', line 3: the file is not sorted"},
         {batch({good}, "--sorted"), "--sorted has no effect on one file"},
         {batch({good, sorted}, "--unsorted"), "--unsorted has no effect on several"},
