@@ -85,9 +85,10 @@ int AnalyseStudies(const Options& options, OwnedTable table)
     const Analysis analysis = WithProgress("Analysing the studies", [&] { return RunAnalysis(request); });
     const auto makeReport = [&] { return MakeAnalysisReport(options, request, analysis); };
     const auto makeJson = [&] {
-        return RenderJson(options, {request.studyLabels, request.lines, analysis.Records(read),
-                                    analysis.FinalStatus(), WarningsOf(AnalysisData(request, analysis)),
-                                    ResultsOf(analysis), CautionsOf(AnalysisData(request, analysis)).sentences});
+        return RenderJson(options,
+                          {request.studyLabels, request.lines, analysis.Records(read), analysis.FinalStatus(),
+                           WarningsOf(AnalysisData(request, analysis)), ResultsOf(analysis),
+                           CautionsOf(AnalysisData(request, analysis)).sentences});
     };
     const auto makePictures = [&] { return MakePictures(request, analysis); };
     const auto makeTable = [&](TableKind kind) {

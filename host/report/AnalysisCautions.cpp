@@ -1,5 +1,5 @@
-#include "host/report/CautionSubject.h"
 #include "host/report/CautionWording.h"
+#include "host/report/CautionedAnalysis.h"
 #include "host/report/Cautions.h"
 #include "host/text/Wording.h"
 
@@ -23,7 +23,7 @@ std::string CountText(const ModelRow& model)
     return CountOfStudies(model.studies.size());
 }
 
-std::string UnfinishedScoring(const Subject& subject)
+std::string UnfinishedScoring(const CautionedAnalysis& subject)
 {
     return OfModels(
         subject, [](const ModelRow& model) { return !WordingOfDoubtfulEnd(model.tau2Convergence).empty(); },
@@ -35,7 +35,7 @@ std::string UnfinishedScoring(const Subject& subject)
         "estimate");
 }
 
-std::string SingleStudy(const Subject& subject)
+std::string SingleStudy(const CautionedAnalysis& subject)
 {
     return subject.StudyCount() == 1
                ? "There is one study: the pooled effect is its own, and nothing shows how effects vary"
@@ -43,25 +43,25 @@ std::string SingleStudy(const Subject& subject)
 }
 
 /// " (interval up to 1.2)", or nothing without an interval.
-std::string UpperText(const Subject& subject, const ModelRow& model)
+std::string UpperText(const CautionedAnalysis& subject, const ModelRow& model)
 {
     return model.tau2Upper > 0 ? fmt::format(" (interval up to {})", subject.data.numbers(model.tau2Upper))
                                : std::string();
 }
 
-bool HasTau2OfFew(const Subject& subject, const ModelRow& model)
+bool HasTau2OfFew(const CautionedAnalysis& subject, const ModelRow& model)
 {
     return subject.HasOwnTau2(model) && model.tau2 > 0 && model.studies.size() < FEW_FOR_TAU2;
 }
 
-bool HasTau2OfZero(const Subject& subject, const ModelRow& model)
+bool HasTau2OfZero(const CautionedAnalysis& subject, const ModelRow& model)
 {
     return subject.HasOwnTau2(model) && model.tau2 == 0;
 }
 
 /// What the models for which `holds` say of prediction: one of these clauses, or nothing.
 template <class Condition>
-std::string PredictionClause(const Subject& subject, const Condition& holds, const char* ifThere,
+std::string PredictionClause(const CautionedAnalysis& subject, const Condition& holds, const char* ifThere,
                              const char* ifLacking)
 {
     const auto any = [&](const auto& isMeant) {
@@ -76,7 +76,7 @@ std::string PredictionClause(const Subject& subject, const Condition& holds, con
 }
 
 /// What follows for the weights and intervals is said of the intervals.
-std::string FewStudiesForTau2(const Subject& subject)
+std::string FewStudiesForTau2(const CautionedAnalysis& subject)
 {
     return OfModels(
         subject, [&](const ModelRow& model) { return HasTau2OfFew(subject, model); },
@@ -90,7 +90,7 @@ std::string FewStudiesForTau2(const Subject& subject)
 }
 
 /// Models of two studies have such an interval under KNAPP_HARTUNG_IF_HETEROGENEOUS too.
-std::string NormalIntervalOfFew(const Subject& subject)
+std::string NormalIntervalOfFew(const CautionedAnalysis& subject)
 {
     return OfModels(
         subject,
@@ -104,7 +104,7 @@ std::string NormalIntervalOfFew(const Subject& subject)
         "too short on average; see --knapp-hartung");
 }
 
-std::string TwoStudiesByT(const Subject& subject)
+std::string TwoStudiesByT(const CautionedAnalysis& subject)
 {
     return OfModels(
         subject, [](const ModelRow& model) { return model.df == 1; },
@@ -117,7 +117,7 @@ std::string TwoStudiesByT(const Subject& subject)
 }
 
 /// Half of the interval by the normal distribution, with tau² as known.
-double ClassicalHalfWidth(const Subject& subject, const ModelRow& model)
+double ClassicalHalfWidth(const CautionedAnalysis& subject, const ModelRow& model)
 {
     const std::vector<double>& stdErrors = subject.stdErrors;
     double sum = 0;
@@ -126,7 +126,7 @@ double ClassicalHalfWidth(const Subject& subject, const ModelRow& model)
     return subject.normalQuantile / std::sqrt(sum);
 }
 
-std::string ShorterByKnappHartung(const Subject& subject)
+std::string ShorterByKnappHartung(const CautionedAnalysis& subject)
 {
     return OfModels(
         subject,
@@ -145,7 +145,7 @@ std::string ShorterByKnappHartung(const Subject& subject)
         "shortens it");
 }
 
-std::string NoVarianceBetween(const Subject& subject)
+std::string NoVarianceBetween(const CautionedAnalysis& subject)
 {
     return OfModels(
         subject, [&](const ModelRow& model) { return HasTau2OfZero(subject, model); },
@@ -159,7 +159,7 @@ std::string NoVarianceBetween(const Subject& subject)
 }
 
 /// Whether the sentences on tau² say how uncertain the heterogeneity is.
-bool IsTau2InDoubt(const Subject& subject, const ModelRow& model)
+bool IsTau2InDoubt(const CautionedAnalysis& subject, const ModelRow& model)
 {
     return HasTau2OfFew(subject, model) || HasTau2OfZero(subject, model);
 }
@@ -171,7 +171,7 @@ bool IsWideI2(const ModelRow& model)
     return HasValue(model.i2Lower) && model.i2Lower <= 0.4 && model.i2Upper - model.i2Lower >= 0.5;
 }
 
-std::string UncertainI2(const Subject& subject)
+std::string UncertainI2(const CautionedAnalysis& subject)
 {
     return OfModels(
         subject, [&](const ModelRow& model) { return IsWideI2(model) && !IsTau2InDoubt(subject, model); },
@@ -182,7 +182,7 @@ std::string UncertainI2(const Subject& subject)
         "so wide an interval has room for unimportant and for substantial heterogeneity");
 }
 
-std::string I2WithoutInterval(const Subject& subject)
+std::string I2WithoutInterval(const CautionedAnalysis& subject)
 {
     return OfModels(
         subject,
@@ -197,7 +197,7 @@ std::string I2WithoutInterval(const Subject& subject)
         "with fewer than 10 studies I² is biased and varies widely by chance");
 }
 
-std::string FixedEffectOfDifferentStudies(const Subject& subject)
+std::string FixedEffectOfDifferentStudies(const CautionedAnalysis& subject)
 {
     return OfModels(
         subject,
@@ -220,7 +220,7 @@ std::string PredictionText(const AnalysisData& data, const ModelRow& overall)
     return fmt::format("{} to {}", data.PooledText(lower), data.PooledText(upper));
 }
 
-std::string PredictionOfNoEffect(const Subject& subject)
+std::string PredictionOfNoEffect(const CautionedAnalysis& subject)
 {
     const ModelRow& overall = subject.models.back();
     const bool excludes = overall.ciLower > 0 || overall.ciUpper < 0;
@@ -233,12 +233,12 @@ std::string PredictionOfNoEffect(const Subject& subject)
         PredictionText(subject.data, overall));
 }
 
-bool HasTestBetweenGroups(const Subject& subject)
+bool HasTestBetweenGroups(const CautionedAnalysis& subject)
 {
     return subject.data.base.GetGDQbDf() > 0;
 }
 
-std::vector<std::string> SingleStudyGroups(const Subject& subject)
+std::vector<std::string> SingleStudyGroups(const CautionedAnalysis& subject)
 {
     std::vector<std::string> labels;
     for (const ModelRow& model : subject.models)
@@ -248,7 +248,7 @@ std::vector<std::string> SingleStudyGroups(const Subject& subject)
 }
 
 /// Of few studies in groups this is said with their number.
-std::string GroupsOfOneStudy(const Subject& subject)
+std::string GroupsOfOneStudy(const CautionedAnalysis& subject)
 {
     const std::vector<std::string> labels = SingleStudyGroups(subject);
     const bool isWeighedAlone = IsRandom(subject.data.settings) && !subject.data.settings.GetCommonTau2();
@@ -261,7 +261,7 @@ std::string GroupsOfOneStudy(const Subject& subject)
                            : "");
 }
 
-std::string GroupsOfFewStudies(const Subject& subject)
+std::string GroupsOfFewStudies(const CautionedAnalysis& subject)
 {
     if (!HasTestBetweenGroups(subject) || subject.StudyCount() >= FEW_STUDIES)
         return {};
@@ -274,7 +274,7 @@ std::string GroupsOfFewStudies(const Subject& subject)
 }
 
 /// Where trim-and-fill was not run, the tests of asymmetry have the library's warning.
-std::string FillingOfFew(const Subject& subject)
+std::string FillingOfFew(const CautionedAnalysis& subject)
 {
     if (!subject.data.settings.GetIsTRIMFILL() || subject.StudyCount() >= FEW_STUDIES)
         return {};
@@ -285,7 +285,7 @@ std::string FillingOfFew(const Subject& subject)
                        isTested ? "and the tests of small-study effects cannot tell" : "cannot tell");
 }
 
-std::string RepeatedLooks(const Subject& subject)
+std::string RepeatedLooks(const CautionedAnalysis& subject)
 {
     return subject.data.base.GetCumEstES().empty() ? ""
                                                    : "The intervals and p-values of the cumulative steps are "
@@ -294,7 +294,7 @@ std::string RepeatedLooks(const Subject& subject)
 }
 
 /// A fact stands once: what tau² of few studies or of 0 says of heterogeneity is not said of I² again.
-constexpr CautionRule<Subject> RULES[] = {
+constexpr CautionRule<CautionedAnalysis> RULES[] = {
     {UnfinishedScoring, ""},
     {SingleStudy, "", MAStatusCode::ONE_STUDY},
     {FixedEffectOfDifferentStudies, "Borenstein, Hedges, Higgins and Rothstein 2010"},
@@ -323,7 +323,7 @@ Cautions CautionsOf(const AnalysisData& data)
 {
     if (data.base.GetNonMissingStudyID().empty())
         return {};
-    return CautionsBy(RULES, Subject{data, ModelRowsOf(data), data.base.GetStdError()});
+    return CautionsBy(RULES, CautionedAnalysis{data, ModelRowsOf(data), data.base.GetStdError()});
 }
 
 } // namespace host

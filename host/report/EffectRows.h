@@ -2,7 +2,7 @@
 
 #include "host/report/AnalysisData.h"
 #include "host/report/Report.h"
-#include "host/text/NumberText.h"
+#include "host/text/NumberFormat.h"
 
 #include <cstddef>
 #include <string>

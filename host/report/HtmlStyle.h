@@ -36,7 +36,8 @@ th.text, td.text { text-align: left; white-space: normal; max-width: 24rem; }
 th[scope=row] { position: sticky; left: 0; background: #fff; min-width: 5rem; }
 thead th.text:first-child { position: sticky; left: 0; background: #fff; }
 tr.pooled > * { font-weight: 600; }
-#settings th, .option { white-space: nowrap; }
+.option { white-space: nowrap; }
+#settings th { white-space: nowrap; max-width: none; }
 th button { font: inherit; color: inherit; text-align: inherit; white-space: inherit; background: none;
   border: 0; padding: 0 0.1rem; margin: 0; min-height: 1.5rem; cursor: pointer; }
 th button::after { content: '\2195'; color: #666; padding-left: 0.2rem; }

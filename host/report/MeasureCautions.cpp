@@ -1,4 +1,4 @@
-#include "host/report/CautionSubject.h"
+#include "host/report/CautionedAnalysis.h"
 #include "host/report/ZeroCellSentences.h"
 
 #include <algorithm>
@@ -38,7 +38,7 @@ constexpr std::array RANGES{Range{MAConst::PROPORTION_RAW, "proportion", 0, 1},
 
 } // namespace
 
-std::string TestOfOddsRatios(const Subject& subject)
+std::string TestOfOddsRatios(const CautionedAnalysis& subject)
 {
     const AnalysisData& data = subject.data;
     const bool isOnStdError = data.analysis.testStatus &&
@@ -53,7 +53,7 @@ std::string TestOfOddsRatios(const Subject& subject)
         data.numbers(std::exp(overall.estimate)));
 }
 
-std::string FarPetoOddsRatio(const Subject& subject)
+std::string FarPetoOddsRatio(const CautionedAnalysis& subject)
 {
     const bool isPeto = IsBinary(subject.data.settings) &&
                         subject.data.settings.GetInputESType() == MAConst::INPUT_RAW &&
@@ -74,7 +74,7 @@ const char* AlternativeToCorrection(const MAModelSettings& settings)
                : "--weights mantel-haenszel with --model fixed";
 }
 
-std::string CorrectedZeros(const Subject& subject)
+std::string CorrectedZeros(const CautionedAnalysis& subject)
 {
     const int count = CorrectedStudies(subject.data);
     if (PoolsTables(subject.data.settings) || count == 0)
@@ -88,7 +88,7 @@ std::string CorrectedZeros(const Subject& subject)
 }
 
 /// The sizes are those that the variances 1 / (4n + 2) have.
-std::string BackTransformedSizes(const Subject& subject)
+std::string BackTransformedSizes(const CautionedAnalysis& subject)
 {
     const bool isFreemanTukey =
         IsMeasured(subject.data.settings) &&
@@ -106,7 +106,7 @@ std::string BackTransformedSizes(const Subject& subject)
         sizeOf(*most), sizeOf(*least));
 }
 
-std::string ImpossibleLimits(const Subject& subject)
+std::string ImpossibleLimits(const CautionedAnalysis& subject)
 {
     if (!IsMeasured(subject.data.settings))
         return {};

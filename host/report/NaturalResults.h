@@ -2,7 +2,7 @@
 
 #include "host/run/Analysis.h"
 #include "host/text/Measures.h"
-#include "host/text/NumberText.h"
+#include "host/text/NumberFormat.h"
 
 #include <optional>
 #include <vector>

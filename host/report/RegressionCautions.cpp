@@ -28,6 +28,11 @@ std::size_t PredictorCount(const RegressionData& data)
     return estimated - (hasIntercept ? std::min<std::size_t>(estimated, 1) : 0);
 }
 
+bool IsSaturated(const RegressionData& data)
+{
+    return !(data.output.GetResHomoDf() > 0);
+}
+
 std::string PercentOf(const RegressionData& data, double fraction)
 {
     return PercentText(fraction, data.numbers.PercentDecimals(1));
@@ -46,7 +51,7 @@ std::string UnfinishedScoring(const RegressionData& data)
 std::string FewStudiesOfPredictor(const RegressionData& data)
 {
     const std::size_t predictors = PredictorCount(data);
-    if (StudyCount(data) >= FEW_STUDIES * predictors)
+    if (StudyCount(data) >= FEW_STUDIES * predictors || IsSaturated(data))
         return {};
     return fmt::format(
         "{} for {} coefficient{} of predictors: with fewer than 10 studies for each, relations "
@@ -56,7 +61,7 @@ std::string FewStudiesOfPredictor(const RegressionData& data)
 
 std::string NothingLeft(const RegressionData& data)
 {
-    if (data.output.GetResHomoDf() > 0)
+    if (!IsSaturated(data))
         return {};
     return fmt::format(
         "{} and {} coefficients: the fit passes through the studies, and nothing shows how far "
@@ -77,9 +82,14 @@ std::string FixedEffectsOfDifferentStudies(const RegressionData& data)
         EqualsText(data.output.GetResHomoPValue()), PercentOf(data, i2));
 }
 
+bool HasNoVarianceLeft(const RegressionData& data)
+{
+    return data.isRandom && data.output.GetTau() == 0 && !IsSaturated(data);
+}
+
 std::string NoVarianceLeft(const RegressionData& data)
 {
-    if (!data.isRandom || data.output.GetTau() != 0 || !(data.output.GetResHomoDf() > 0))
+    if (!HasNoVarianceLeft(data))
         return {};
     const double upper = data.output.GetTau2CIUpper();
     return fmt::format(
@@ -89,10 +99,11 @@ std::string NoVarianceLeft(const RegressionData& data)
         CountOfStudies(StudyCount(data)));
 }
 
+/// Of tau² 0 the sentence on tau² says how little that shows.
 std::string ResidualI2OfFew(const RegressionData& data)
 {
     const double i2 = data.output.GetIresSquare();
-    if (!HasValue(i2) || !(data.output.GetResHomoDf() > 0) || StudyCount(data) >= FEW_STUDIES)
+    if (!HasValue(i2) || IsSaturated(data) || HasNoVarianceLeft(data) || StudyCount(data) >= FEW_STUDIES)
         return {};
     return fmt::format("Residual I² {} from {}, without an interval: with fewer than 10 studies I² is biased "
                        "and varies widely by chance",

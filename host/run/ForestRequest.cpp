@@ -1,5 +1,6 @@
 #include "host/run/ForestRequest.h"
 
+#include "host/cli/GroupColumns.h"
 #include "host/text/NumberText.h"
 #include "host/text/PlainText.h"
 #include "host/text/TextParsing.h"
@@ -43,19 +44,7 @@ Numbers Combined(const Numbers& one, const Numbers& other, const Combine& combin
     return combined;
 }
 
-/// The columns that a group is reported in.
-struct GroupOptions
-{
-    const ColumnName& events;
-    const ColumnName& nonEvents;
-    const ColumnName& size;
-    const ColumnName& time;
-    const ColumnName& mean;
-    const ColumnName& stdDev;
-    const ColumnName& variance;
-};
-
-GroupFigures FiguresOf(const GroupOptions& columns, const DataTable& table)
+GroupFigures FiguresOf(const GroupColumns& columns, const DataTable& table)
 {
     GroupFigures figures = {.events = NumbersOf(columns.events, table),
                             .sizes = NumbersOf(columns.size, table),
@@ -64,8 +53,8 @@ GroupFigures FiguresOf(const GroupOptions& columns, const DataTable& table)
                             .stdDevs = NumbersOf(columns.stdDev, table)};
     if (figures.sizes.empty())
         figures.sizes = Combined(figures.events, NumbersOf(columns.nonEvents, table), std::plus());
-    if (figures.stdDevs.empty())
-        figures.stdDevs = SquareRoots(NumbersOf(columns.variance, table));
+    if (figures.stdDevs.empty() && columns.variance != nullptr)
+        figures.stdDevs = SquareRoots(NumbersOf(*columns.variance, table));
     return figures;
 }
 
@@ -77,19 +66,10 @@ bool HasFigures(const GroupFigures& figures)
 /// Of two groups, or of the only one.
 std::vector<GroupFigures> GroupsOf(const Options& options, const DataTable& table)
 {
-    const ColumnName none;
-    std::vector<GroupFigures> groups = {
-        FiguresOf({options.treatmentEvents, options.treatmentNonEvents, options.treatmentSize,
-                   options.treatmentTime, options.treatmentMean, options.treatmentStdDev,
-                   options.treatmentVariance},
-                  table),
-        FiguresOf({options.controlEvents, options.controlNonEvents, options.controlSize, options.controlTime,
-                   options.controlMean, options.controlStdDev, options.controlVariance},
-                  table)};
+    const auto& [treatment, control, only] = GroupColumnsOf(options);
+    std::vector<GroupFigures> groups = {FiguresOf(treatment, table), FiguresOf(control, table)};
     if (!HasFigures(groups.front()))
-        groups = {FiguresOf({options.events, options.nonEvents, options.size, options.time, options.mean,
-                             options.stdDev, none},
-                            table)};
+        groups = {FiguresOf(only, table)};
     return HasFigures(groups.front()) ? groups : std::vector<GroupFigures>();
 }
 

@@ -22,37 +22,48 @@ namespace host {
 
 namespace {
 
-/// What a signal handler can read: it must not meet a text that changes.
+/// What a signal handler can read: it must not meet a text or a list that changes. Names are used again, and
+/// never removed.
 struct TemporaryName
 {
     std::array<char, PATH_MAX> path;
     std::atomic<bool> isUsed = false;
+    TemporaryName* next = nullptr;
 };
 
-std::array<TemporaryName, 2> temporaryNames;
+std::atomic<TemporaryName*> temporaryNames = nullptr;
 
+TemporaryName& UnusedName()
+{
+    for (TemporaryName* name = temporaryNames; name != nullptr; name = name->next)
+        if (!name->isUsed)
+            return *name;
+    auto* const added = new TemporaryName;
+    added->next = temporaryNames;
+    temporaryNames = added;
+    return *added;
+}
+
+/// A path of PATH_MAX bytes or more opens no file.
 void Remember(const std::string& path)
 {
-    for (TemporaryName& name : temporaryNames)
-        if (!name.isUsed && path.size() < name.path.size()) {
-            std::memcpy(name.path.data(), path.c_str(), path.size() + 1);
-            name.isUsed = true;
-            return;
-        }
+    TemporaryName& name = UnusedName();
+    std::memcpy(name.path.data(), path.c_str(), path.size() + 1);
+    name.isUsed = true;
 }
 
 void Forget(const std::string& path)
 {
-    for (TemporaryName& name : temporaryNames)
-        if (name.isUsed && path == name.path.data())
-            name.isUsed = false;
+    for (TemporaryName* name = temporaryNames; name != nullptr; name = name->next)
+        if (name->isUsed && path == name->path.data())
+            name->isUsed = false;
 }
 
 extern "C" void RemoveAndEnd(int signal)
 {
-    for (const TemporaryName& name : temporaryNames)
-        if (name.isUsed)
-            unlink(name.path.data());
+    for (const TemporaryName* name = temporaryNames; name != nullptr; name = name->next)
+        if (name->isUsed)
+            unlink(name->path.data());
     std::signal(signal, SIG_DFL);
     std::raise(signal);
 }

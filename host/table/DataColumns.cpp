@@ -1,5 +1,6 @@
 #include "host/table/DataColumns.h"
 
+#include "host/cli/GroupColumns.h"
 #include "host/text/NumberText.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
@@ -12,20 +13,6 @@
 namespace host {
 
 namespace {
-
-/// The columns of a group, by what they hold.
-struct GroupColumns
-{
-    const char* suffix; ///< of the headers
-    const ColumnName& events;
-    const ColumnName& nonEvents;
-    const ColumnName& time;
-    const ColumnName& size;
-    const ColumnName& mean;
-    const ColumnName& stdDev;
-    const ColumnName* variance;
-    const SummaryColumns* summary;
-};
 
 class Reader
 {
@@ -86,14 +73,8 @@ void AddGroup(Reader& reader, const GroupColumns& group)
 std::vector<DataColumn> DataColumnsOf(const Options& options, const DataTable& table)
 {
     Reader reader(table);
-    AddGroup(reader, {" (treatment)", options.treatmentEvents, options.treatmentNonEvents,
-                      options.treatmentTime, options.treatmentSize, options.treatmentMean,
-                      options.treatmentStdDev, &options.treatmentVariance, &options.treatmentSummary});
-    AddGroup(reader, {" (control)", options.controlEvents, options.controlNonEvents, options.controlTime,
-                      options.controlSize, options.controlMean, options.controlStdDev,
-                      &options.controlVariance, &options.controlSummary});
-    AddGroup(reader, {"", options.events, options.nonEvents, options.time, options.size, options.mean,
-                      options.stdDev, nullptr, nullptr});
+    for (const GroupColumns& group : GroupColumnsOf(options))
+        AddGroup(reader, group);
     reader.Add("r", "", options.correlation);
     return std::move(reader.columns);
 }

@@ -23,6 +23,7 @@ void AddHeterogeneity(StudyTable& table, const std::vector<Heterogeneity>& rows,
 {
     const auto cells = [&](double Heterogeneity::*part) {
         std::vector<double> column;
+        column.reserve(rows.size());
         for (const Heterogeneity& row : rows)
             column.push_back(row.*part);
         return column;

@@ -31,7 +31,17 @@ struct NumberFormat
     int PercentDecimals(int usual) const { return digits ? std::max(*digits - 1, 0) : usual; }
 };
 
-/// EstimateTexts() of numbers in this format.
+/// Estimates with their intervals, entry by entry, or intervals alone where there are no estimates.
+struct Estimates
+{
+    std::vector<double> values;
+    std::vector<double> lower;
+    std::vector<double> upper;
+};
+
+/// "0.4746 [0.3296, 0.6835]" for each entry, or "[0.3296, 0.6835]"; each part as wide in all entries. A
+/// missing interval, or a missing estimate with its interval, is shown once.
+CompactTexts EstimateTexts(const Estimates& estimates, int decimals);
 CompactTexts EstimateTexts(const Estimates& estimates, const NumberFormat& format);
 
 } // namespace host

@@ -18,14 +18,14 @@ std::string NameOfPooled(const AnalysisData& data)
 }
 
 /// The last entry of each part, which is of all studies.
-struct Overall
+struct EstimateOfAll
 {
     double value;
     double lower;
     double upper;
 };
 
-Overall OverallOf(const Estimates& estimates)
+EstimateOfAll EstimateOfAllIn(const Estimates& estimates)
 {
     const auto last = [](const std::vector<double>& values) {
         return values.empty() ? KXMV::Missing() : values.back();
@@ -33,7 +33,7 @@ Overall OverallOf(const Estimates& estimates)
     return {last(estimates.values), last(estimates.lower), last(estimates.upper)};
 }
 
-std::string RangeText(const AnalysisData& data, const Overall& overall)
+std::string RangeText(const AnalysisData& data, const EstimateOfAll& overall)
 {
     return fmt::format("{} to {}", data.PooledText(overall.lower), data.PooledText(overall.upper));
 }
@@ -41,7 +41,7 @@ std::string RangeText(const AnalysisData& data, const Overall& overall)
 std::string PooledSentence(const AnalysisData& data)
 {
     const EffectRows rows = PooledRows(data);
-    const Overall overall = OverallOf(data.natural ? rows.naturals : rows.effects);
+    const EstimateOfAll overall = EstimateOfAllIn(data.natural ? rows.naturals : rows.effects);
     const std::string studies = CountOfStudies(data.base.GetNonMissingStudyID().size());
     if (!HasValue(overall.value))
         return fmt::format("{} without a pooled {}.", studies, NameOfPooled(data));
@@ -54,9 +54,9 @@ std::string PooledSentence(const AnalysisData& data)
 
 std::string PredictionSentence(const AnalysisData& data)
 {
-    const Overall overall =
-        OverallOf(data.natural ? data.natural->predictions
-                               : Estimates{{}, data.base.GetPILower(), data.base.GetPIUpper()});
+    const EstimateOfAll overall =
+        EstimateOfAllIn(data.natural ? data.natural->predictions
+                                     : Estimates{{}, data.base.GetPILower(), data.base.GetPIUpper()});
     if (!HasValue(overall.lower))
         return {};
     return fmt::format("{} prediction interval, of the true effect of a new study: {}.", data.level,

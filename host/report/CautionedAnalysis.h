@@ -13,7 +13,7 @@
 namespace host {
 
 /// An analysis, and its models, which most rules go through.
-struct Subject
+struct CautionedAnalysis
 {
     const AnalysisData& data;
     std::vector<ModelRow> models;
@@ -41,7 +41,7 @@ struct Subject
 
 /// What the models of which the condition holds are described by, then the explanation; empty without any.
 template <class Condition, class Description>
-std::string OfModels(const Subject& subject, const Condition& holds, const Description& describe,
+std::string OfModels(const CautionedAnalysis& subject, const Condition& holds, const Description& describe,
                      const std::string& explanation)
 {
     std::vector<std::string> texts;
@@ -53,10 +53,10 @@ std::string OfModels(const Subject& subject, const Condition& holds, const Descr
 
 // The rules that depend on the measure.
 
-std::string TestOfOddsRatios(const Subject& subject);
-std::string FarPetoOddsRatio(const Subject& subject);
-std::string CorrectedZeros(const Subject& subject);
-std::string BackTransformedSizes(const Subject& subject);
-std::string ImpossibleLimits(const Subject& subject);
+std::string TestOfOddsRatios(const CautionedAnalysis& subject);
+std::string FarPetoOddsRatio(const CautionedAnalysis& subject);
+std::string CorrectedZeros(const CautionedAnalysis& subject);
+std::string BackTransformedSizes(const CautionedAnalysis& subject);
+std::string ImpossibleLimits(const CautionedAnalysis& subject);
 
 } // namespace host
