@@ -144,7 +144,7 @@ TEST(Batch, GivesTheSameBytesForAllFormsOfTheData)
 {
     const TemporaryFolder folder;
     const std::string grouped = folder.PathOf("grouped");
-    const Texts forms = {"rs%06d,%.4f,\"%.2f\",\"a, \"\"b\"\"\"\n", "x\trs%06d\t%.4f\t%.2f\r\n",
+    const Texts forms = {"rs%06d,%.4f, \"%.2f\" ,\"a, \"\"b\"\"\"\n", "x\trs%06d\t%.4f\t%.2f\r\n",
                          "  rs%06d    +%.4f %.2f \n"};
     const Texts headers = {"\xEF\xBB\xBFkey,y,s,note\n", "x\tkey\ty\ts\r\n", " key  y s\n"};
     Texts files;
