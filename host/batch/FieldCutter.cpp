@@ -97,6 +97,8 @@ char* FieldCutter::CloseQuotes(char*& read, const char* lineEnd) const
         if (*read == '"' && (++read >= lineEnd || *read != '"'))
             break;
     }
+    while (IsStrict() && read < lineEnd && *read == ' ')
+        ++read;
     return read < lineEnd && !Separates(*read) ? nullptr : end;
 }
 
@@ -110,6 +112,16 @@ char* FieldCutter::EndPlain(char*& read, const char* lineEnd) const
     return read;
 }
 
+/// Behind the blanks that separate, or that stand before a quote.
+char* FieldCutter::SkipBlanks(char* read, const char* lineEnd) const
+{
+    char* next = read;
+    while (next < lineEnd && (*next == ' ' || (separator_ == ' ' && *next == '\t')))
+        ++next;
+    const bool isQuote = next < lineEnd && *next == '"';
+    return separator_ == ' ' || (IsStrict() && isQuote) ? next : read;
+}
+
 /// Where blanks separate, there is no field behind the last ones.
 std::size_t FieldCutter::CutQuoted(char* line, std::size_t size)
 {
@@ -117,8 +129,7 @@ std::size_t FieldCutter::CutQuoted(char* line, std::size_t size)
     char* read = line;
     std::size_t count = 0;
     do {
-        while (separator_ == ' ' && read < lineEnd && Separates(*read))
-            ++read;
+        read = SkipBlanks(read, lineEnd);
         if (separator_ == ' ' && read == lineEnd)
             break;
         const bool isQuoted = read < lineEnd && *read == '"';

@@ -34,6 +34,7 @@ private:
     std::size_t CutAtSeparator(const char* line, std::size_t size);
     std::size_t CutAtBlanks(const char* line, std::size_t size);
     std::size_t CutQuoted(char* line, std::size_t size);
+    char* SkipBlanks(char* read, const char* lineEnd) const;
     char* CloseQuotes(char*& read, const char* lineEnd) const;
     char* EndPlain(char*& read, const char* lineEnd) const;
     bool Separates(char c) const { return c == separator_ || (separator_ == ' ' && c == '\t'); }

@@ -44,7 +44,7 @@ RowNumber SlowNumberOf(std::string_view field, const NumberForm& form)
     case NumberKind::NO_NUMBER:
         break;
     }
-    return {Kind::NO_NUMBER};
+    return {EvidenceOf(field) == DecimalEvidence::NO_NUMBER ? Kind::NO_NUMBER : Kind::OTHER_MARK};
 }
 
 } // namespace

@@ -14,7 +14,8 @@ struct RowNumber
         NUMBER,
         MISSING,
         NO_NUMBER,
-        OUTSIDE ///< infinite, or outside the range of numbers that can be stored
+        OTHER_MARK, ///< a number with the other decimal mark, or with separated thousands
+        OUTSIDE     ///< infinite, or outside the range of numbers that can be stored
     };
 
     Kind kind = Kind::MISSING;

@@ -60,9 +60,11 @@ public:
         const auto isWanted = [column](std::string_view name) { return IsSameName(name, column); };
         const auto found = std::find_if(names_.begin(), names_.end(), isWanted);
         if (found == names_.end())
-            throw UnusableInput(fmt::format("{} has no column '{}'.{} Its columns are: {}.", fileName_,
-                                            column, DidYouMean(column, {names_.begin(), names_.end()}),
-                                            fmt::join(names_, ", ")));
+            throw UnusableInput(fmt::format(
+                "{} has no column '{}'.{} Its columns are: {}.{}", fileName_, column,
+                DidYouMean(column, {names_.begin(), names_.end()}), fmt::join(names_, ", "),
+                Count() == 1 ? " Its header line is read as one column: --separator says what separates them."
+                             : ""));
         if (std::any_of(found + 1, names_.end(), isWanted))
             throw UnusableInput(fmt::format("{}: two columns are named '{}'.", fileName_, column));
         return static_cast<std::size_t>(found - names_.begin());

@@ -60,6 +60,8 @@ RowProblem ProblemOf(Kind kind, RowProblem ifMissing, RowProblem ifNoNumber, Row
         return ifMissing;
     case Kind::NO_NUMBER:
         return ifNoNumber;
+    case Kind::OTHER_MARK:
+        return RowProblem::OTHER_MARK;
     case Kind::OUTSIDE:
         return ifOutside;
     }

@@ -25,12 +25,13 @@ enum class RowProblem : std::uint16_t
     SPREAD_OUTSIDE,
     SPREAD_NOT_POSITIVE,
     VARIANCE_EXTREME,
+    OTHER_MARK,
     OTHER_ALLELES,
     DUPLICATED_KEY
 };
 
 /// The reasons as the file of rejected rows has them, at the positions of their numbers.
-inline constexpr std::array<std::string_view, 17> ROW_PROBLEMS = {
+inline constexpr std::array<std::string_view, 18> ROW_PROBLEMS = {
     "",
     "the row has more or fewer fields than the header",
     "a double quote is misplaced, or not closed in its line",
@@ -46,6 +47,7 @@ inline constexpr std::array<std::string_view, 17> ROW_PROBLEMS = {
     "the variance or standard error is infinite or outside the range of numbers",
     "the variance or standard error is not above 0",
     "the variance is too small or too large to be pooled",
+    "a number has the other decimal mark or separated thousands (see --decimal)",
     "the alleles are not those that the key has first",
     "the key has an earlier row in this file",
 };

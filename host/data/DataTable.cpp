@@ -153,8 +153,11 @@ std::size_t DataTable::PositionOf(std::string_view column) const
         position = i;
     }
     if (position == none)
-        throw UnusableInput(fmt::format("{} has no column '{}'.{} Its columns are: {}.", name_, column,
-                                        DidYouMean(column, ColumnNames()), fmt::join(ColumnNames(), ", ")));
+        throw UnusableInput(fmt::format(
+            "{} has no column '{}'.{} Its columns are: {}.{}", name_, column,
+            DidYouMean(column, ColumnNames()), fmt::join(ColumnNames(), ", "),
+            none == 1 ? " Its header line is read as one column: --separator says what separates them."
+                      : ""));
     return position;
 }
 

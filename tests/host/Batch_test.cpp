@@ -144,7 +144,7 @@ TEST(Batch, GivesTheSameBytesForAllFormsOfTheData)
 {
     const TemporaryFolder folder;
     const std::string grouped = folder.PathOf("grouped");
-    const Texts forms = {"rs%06d,%.4f,\"%.2f\",\"a, \"\"b\"\"\"\n", "x\trs%06d\t%.4f\t%.2f\r\n",
+    const Texts forms = {"rs%06d,%.4f, \"%.2f\" ,\"a, \"\"b\"\"\"\n", "x\trs%06d\t%.4f\t%.2f\r\n",
                          "  rs%06d    +%.4f %.2f \n"};
     const Texts headers = {"\xEF\xBB\xBFkey,y,s,note\n", "x\tkey\ty\ts\r\n", " key  y s\n"};
     Texts files;
@@ -213,6 +213,7 @@ TEST(Batch, RejectsRowsWithTheirReasons)
                                                         {"a\tNA\t1", "effect size is missing"},
                                                         {"a\t-nan\t1", "effect size is missing"},
                                                         {"a\tx\t1", "effect size is not a number"},
+                                                        {"a\t1,5\t1.5", "the other decimal mark"},
                                                         {"a\tinf\t1", "effect size is infinite"},
                                                         {"a\t1e999\t1", "effect size is infinite"},
                                                         {"a\t1\tn/a", "error is missing"},
