@@ -97,7 +97,8 @@ void Sort(Rows& studies, const ForestRequest& request)
     });
 }
 
-/// The rows of each group's studies, then those of studies that are in no group.
+/// The rows of each group's studies, then those of studies without a value of the subgroup variable, and then
+/// those that lack only their place in the order of a cumulative analysis.
 std::vector<Rows> InBlocks(const AnalysisData& data, Rows studies)
 {
     const std::vector<std::vector<int>> groups = data.base.GetSubGroupStudyID();
@@ -105,7 +106,11 @@ std::vector<Rows> InBlocks(const AnalysisData& data, Rows studies)
     for (std::size_t group = 0; group < groups.size(); ++group)
         for (const int record : groups[group])
             blockOfRecord[static_cast<std::size_t>(record)] = group;
-    std::vector<Rows> blocks(groups.size() + 1);
+    std::vector<Rows> blocks(groups.size() + 2);
+    const std::vector<int> withoutGroup = data.base.GetSubgroupMissing();
+    for (const int record : data.base.GetCumulativeMissing())
+        if (!std::binary_search(withoutGroup.begin(), withoutGroup.end(), record))
+            blockOfRecord[static_cast<std::size_t>(record)] = groups.size() + 1;
     for (ForestRow& study : studies) {
         const std::size_t block = blockOfRecord[RecordOf(study)];
         blocks[block].push_back(std::move(study));
@@ -238,11 +243,12 @@ Rows GroupedRows(const AnalysisData& data, const std::vector<Rows>& blocks, cons
     return rows;
 }
 
-Rows RowsWithoutGroup(const AnalysisData& data, const Rows& studies)
+/// Studies without a value of the column.
+Rows RowsWithoutValue(const std::string& column, const Rows& studies)
 {
     if (studies.empty())
         return {};
-    Rows rows = {{Kind::HEADING, LabelText(data.request.subgroup.column) + ": not known"}};
+    Rows rows = {{Kind::HEADING, LabelText(column) + ": not known"}};
     Append(rows, studies);
     rows.push_back({Kind::GAP});
     return rows;
@@ -293,7 +299,9 @@ std::vector<ForestRow> ForestRows(const AnalysisData& data)
         const std::vector<Rows> blocks = InBlocks(data, std::move(studies));
         rows = GroupedRows(data, blocks,
                            [&](std::size_t group) { return models.EndOfGroup(group, blocks[group]); });
-        Append(rows, RowsWithoutGroup(data, blocks.back()));
+        const std::size_t groupCount = data.groupLabels.size();
+        Append(rows, RowsWithoutValue(data.request.subgroup.column, blocks[groupCount]));
+        Append(rows, RowsWithoutValue(data.request.cumulative.column, blocks[groupCount + 1]));
     }
     Append(rows, end);
     Append(rows, PredictionRow(models.Random()));

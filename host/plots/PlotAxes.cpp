@@ -51,11 +51,57 @@ std::vector<double> Multiples(double step, double first, double last)
     return multiples;
 }
 
-/// The number with the digits that distinguish neighbours. Adding 0 makes a negative zero positive.
-std::string TextAt(double number, double step)
+/// The power of ten of the first digit. The margin keeps that of a rounded 0.001 from being one less.
+int FirstPower(double number)
 {
-    const double digits = std::log10(std::max(std::abs(number) / step, 1.0)) + 2;
-    return fmt::format("{:.{}g}", number + 0.0, std::clamp(static_cast<int>(digits), 6, 15));
+    return static_cast<int>(std::floor(std::log10(std::abs(number)) + 1e-9));
+}
+
+using Texts = std::vector<std::string>;
+
+Texts WithDecimals(const std::vector<double>& numbers, int decimals)
+{
+    Texts texts;
+    for (const double number : numbers) // adding 0 makes a negative zero positive
+        texts.push_back(fmt::format("{:.{}f}", number + 0.0, decimals));
+    return texts;
+}
+
+/// Zero is plain.
+Texts WithPower(const std::vector<double>& numbers, int power, int decimals)
+{
+    Texts texts;
+    for (const double number : numbers)
+        texts.push_back(
+            number == 0 ? "0" : fmt::format("{:.{}f}e{}", number / std::pow(10.0, power), decimals, power));
+    return texts;
+}
+
+std::size_t LongestOf(const Texts& texts)
+{
+    std::size_t longest = 0;
+    for (const std::string& text : texts)
+        longest = std::max(longest, text.size());
+    return longest;
+}
+
+/// Multiples of the step with the decimals that it has: 0.5, 1.0, 1.5; with a common power of ten where that
+/// makes long texts shorter.
+Texts TextsOf(const std::vector<double>& numbers, double step)
+{
+    constexpr std::size_t longest = 8;
+    constexpr int mostDigits = 15;
+    if (numbers.empty())
+        return {};
+    const double largest = std::max(std::abs(numbers.front()), std::abs(numbers.back()));
+    const int power = FirstPower(std::max(largest, step));
+    const int digits = std::min(power - FirstPower(step), mostDigits);
+    const Texts withPower = WithPower(numbers, power, digits);
+    if (std::abs(power) > mostDigits)
+        return withPower;
+    Texts texts = WithDecimals(numbers, std::clamp(-FirstPower(step), 0, 2 * mostDigits));
+    const bool areLong = LongestOf(texts) > std::max(longest, LongestOf(withPower));
+    return areLong ? withPower : texts;
 }
 
 bool HaveRoom(const std::vector<Tick>& ticks)
@@ -76,15 +122,21 @@ std::vector<Tick> TicksWithRoom(const Make& makeTicks)
     return makeTicks(most);
 }
 
+std::vector<Tick> TicksAt(const std::vector<double>& numbers, const Texts& texts)
+{
+    std::vector<Tick> ticks;
+    for (std::size_t i = 0; i < numbers.size(); ++i)
+        ticks.push_back({numbers[i], texts[i]});
+    return ticks;
+}
+
 /// Ticks at multiples of a round step of at least `shortest`.
 std::vector<Tick> TicksInSteps(const Extent& numbers, double shortest)
 {
     return TicksWithRoom([&](int most) {
         const double step = RoundStep(std::max(numbers.Length() / most, shortest));
-        std::vector<Tick> ticks;
-        for (const double number : Multiples(step, numbers.First(), numbers.Last()))
-            ticks.push_back({number, TextAt(number, step)});
-        return ticks;
+        const std::vector<double> multiples = Multiples(step, numbers.First(), numbers.Last());
+        return TicksAt(multiples, TextsOf(multiples, step));
     });
 }
 
@@ -112,6 +164,15 @@ std::vector<Tick> ThreeTicksADecade(const Extent& logarithms)
     return ticks;
 }
 
+/// On log axes, 1 stands between 0.5 and 2.
+std::string WithoutLastZeros(const std::string& text)
+{
+    if (text.find('.') == std::string::npos || text.find('e') != std::string::npos)
+        return text;
+    const std::string digits = text.substr(0, text.find_last_not_of('0') + 1);
+    return digits.ends_with('.') ? digits.substr(0, digits.size() - 1) : digits;
+}
+
 std::vector<Tick> EquidistantTicks(const Extent& logarithms)
 {
     Extent ratios;
@@ -120,8 +181,38 @@ std::vector<Tick> EquidistantTicks(const Extent& logarithms)
     std::vector<Tick> ticks = NumberTicks(ratios);
     std::erase_if(ticks, [](const Tick& tick) { return tick.at <= 0; });
     for (Tick& tick : ticks)
-        tick.at = std::log(tick.at);
+        tick = {std::log(tick.at), WithoutLastZeros(tick.text)};
     return ticks;
+}
+
+/// Each different number once, ascending; at most three.
+std::vector<double> FirstDifferent(const std::vector<double>& values)
+{
+    std::vector<double> different;
+    for (const double value : values) {
+        const auto place = std::lower_bound(different.begin(), different.end(), value);
+        if (IsNumber(value) && (place == different.end() || *place != value))
+            different.insert(place, value);
+        if (different.size() > 2)
+            break;
+    }
+    return different;
+}
+
+/// Of two values, such as the codes of two groups, which may be centred: these two, with as few decimals as
+/// they need, but no more than two digits beyond those in which they differ.
+std::vector<Tick> TicksAtBoth(const std::vector<double>& values)
+{
+    constexpr int mostDecimals = 15;
+    const int most = std::clamp(2 - FirstPower(values[1] - values[0]), 0, mostDecimals);
+    int decimals = 0;
+    for (const std::string& text : WithDecimals(values, most)) {
+        const std::string needed = WithoutLastZeros(text);
+        const std::size_t point = needed.find('.');
+        decimals =
+            std::max(decimals, point == std::string::npos ? 0 : static_cast<int>(needed.size() - point - 1));
+    }
+    return TicksAt(values, WithDecimals(values, decimals));
 }
 
 } // namespace
@@ -191,6 +282,9 @@ Axis NumberAxis(std::string title, const Extent& extent)
 
 Axis CovariateAxis(std::string title, const std::vector<double>& values, const Extent& extent)
 {
+    const std::vector<double> different = FirstDifferent(values);
+    if (different.size() == 2)
+        return {std::move(title), extent.First(), extent.Last(), TicksAtBoth(different)};
     const bool areWhole = std::all_of(values.begin(), values.end(), [](double value) {
         return !IsNumber(value) || value == std::floor(value);
     });

@@ -34,7 +34,7 @@ private:
 /// The points whose coordinates can both be drawn.
 std::vector<Point> DrawablePoints(const std::vector<double>& x, const std::vector<double>& y);
 
-/// Ticks at round numbers.
+/// Ticks at round numbers, which have equally many decimals.
 std::vector<Tick> NumberTicks(const Extent& numbers);
 /// Ticks at round whole numbers, for values between which there is nothing: years, counts, 0 and 1.
 std::vector<Tick> WholeNumberTicks(const Extent& numbers);
@@ -43,7 +43,8 @@ std::vector<Tick> RatioTicks(const Extent& logarithms);
 
 Axis NumberAxis(std::string title, const Extent& extent);
 
-/// An axis of these values, with whole numbers alone where the values are whole.
+/// An axis of these values: with ticks at both where there are two, and with whole numbers alone where the
+/// values are whole.
 Axis CovariateAxis(std::string title, const std::vector<double>& values, const Extent& extent);
 
 /// An axis on the scale of the analysis; that of a ratio is labelled on the natural scale. `quantity` is its

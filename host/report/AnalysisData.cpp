@@ -56,7 +56,10 @@ std::vector<std::string> AnalysisData::RowLabels(std::size_t rowCount) const
 {
     std::vector<std::string> labels = {OVERALL};
     if (rowCount > 1 && groupLabels.empty()) // of the studies in a cumulative analysis, and of all
-        labels.insert(labels.begin(), "With " + LabelText(request.cumulative.column));
+        labels.insert(
+            labels.begin(),
+            "With " + (request.subgroup.column.empty() ? "" : LabelText(request.subgroup.column) + " and ") +
+                LabelText(request.cumulative.column));
     else if (rowCount > 1)
         labels.insert(labels.begin(), groupLabels.begin(), groupLabels.end());
     return labels;

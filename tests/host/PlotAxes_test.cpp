@@ -41,12 +41,14 @@ TEST(PlotAxes, LabelsRatioAxesAtRoundNumbers)
     }
 }
 
-TEST(PlotAxes, LabelsWholeCovariatesAtWholeNumbers)
+TEST(PlotAxes, LabelsCovariatesAtWholeNumbersOrAtTheirTwoValues)
 {
     const std::pair<std::vector<double>, Texts> cases[] = {
         {{0, 1, 1, missing}, {"0", "1"}},
-        {{1993, 1996}, {"1993", "1994", "1995", "1996"}},
-        {{0, 0.5, 1}, {"0", "0.2", "0.4", "0.6", "0.8", "1"}},
+        {{1993, 1996, 1995}, {"1993", "1994", "1995", "1996"}},
+        {{0, 0.5, 1}, {"0.0", "0.2", "0.4", "0.6", "0.8", "1.0"}},
+        {{6 / 13.0, -7 / 13.0, 6 / 13.0}, {"-0.54", "0.46"}}, // centred 0 and 1
+        {{2001, 1990}, {"1990", "2001"}},
     };
     for (const auto& [values, expected] : cases) {
         Extent extent;
@@ -70,9 +72,11 @@ TEST(PlotAxes, LabelsNumberAxesAtRoundNumbersWithTheDigitsTheyNeed)
         return found;
     };
     EXPECT_EQ(texts({-0.31, missing, 0.31, infinity, notANumber}),
-              (Texts{"-0.3", "-0.2", "-0.1", "0", "0.1", "0.2", "0.3"}));
-    EXPECT_EQ(texts({1234567.1, 1234569}), (Texts{"1234567.5", "1234568", "1234568.5", "1234569"}));
-    EXPECT_EQ(texts({0, 4e-9}), (Texts{"0", "1e-09", "2e-09", "3e-09", "4e-09"}));
+              (Texts{"-0.3", "-0.2", "-0.1", "0.0", "0.1", "0.2", "0.3"}));
+    EXPECT_EQ(texts({0.3, 1.6}), (Texts{"0.4", "0.6", "0.8", "1.0", "1.2", "1.4", "1.6"}));
+    EXPECT_EQ(texts({1234567.1, 1234569}), (Texts{"1234567.5", "1234568.0", "1234568.5", "1234569.0"}));
+    EXPECT_EQ(texts({0, 4e-9}), (Texts{"0", "1e-9", "2e-9", "3e-9", "4e-9"}));
+    EXPECT_EQ(texts({0, 1.6e8}), (Texts{"0", "0.5e8", "1.0e8", "1.5e8"}));
     // Steps are lost in such large numbers. Any ticks will do, but their number must be bounded.
     EXPECT_LE(texts({1e17, 1e17 + 16}).size(), 15U);
 }

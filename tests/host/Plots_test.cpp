@@ -107,7 +107,7 @@ TEST(Plots, DrawsEachStudyByItsInfluence)
 Numbers SlopesFromTheNull(const SvgPoints& area, const SvgFigure& funnel)
 {
     const PixelScale x = RatioScale(funnel, "0.1", "10");
-    const PixelScale y = UprightScale(funnel, "0", "1.5");
+    const PixelScale y = UprightScale(funnel, "0.0", "1.5");
     Numbers slopes;
     const auto addSide = [&](const SvgPoint& start, const SvgPoint& end) {
         if (std::abs(start.x - x(0)) < 0.1 && start.y < end.y)
@@ -278,7 +278,7 @@ TEST(Plots, CrossesTheLevelOfTheDraperyAtTheLimits)
         const Pictures pictures(Bcg() + Arguments{"--drapery", "--knapp-hartung", test});
         const SvgFigure figure = pictures.Figure("drapery");
         const PixelScale x = RatioScale(figure, "0.1", "1");
-        const PixelScale y = UprightScale(figure, "0", "1");
+        const PixelScale y = UprightScale(figure, "0.0", "1.0");
         const SvgPoints curve = figure.Lines(color::ACCENT).at(0);
         const auto top =
             std::min_element(curve.begin(), curve.end(), [](auto a, auto b) { return a.y < b.y; });

@@ -271,7 +271,7 @@ TEST(Regression, DrawsStudiesAndABubblePlotOfEachCovariate)
 
     const SvgFigure funnel = pictures.Figure("residual-funnel");
     const std::vector<SvgMark> residuals = funnel.Marks("gpPt6", host::color::POOLED);
-    const PixelScale across = LevelScale(funnel, "0", "1");
+    const PixelScale across = LevelScale(funnel, "0.0", "1.0");
     ASSERT_EQ(residuals.size(), 13U);
     for (std::size_t i = 0; i < residuals.size(); ++i)
         EXPECT_NEAR(residuals[i].x, across(pictures.Results()["Score"][i][4]), 2 * halfPixelDigit);

@@ -45,6 +45,13 @@ std::vector<Absence> AbsencesOf(const AnalysisData& data)
     return absences;
 }
 
+/// Of one group beside studies without a group, which the library pools in no model of its own.
+bool LacksGroups(const Absence& absence, const AnalysisData& data)
+{
+    return absence.analysis == "Subgroups" && data.groupLabels.empty() &&
+           absence.records.size() < data.base.GetNonMissingStudyID().size();
+}
+
 ReportSection SectionOf(const Absence& absence, const AnalysisData& data)
 {
     const std::size_t shown = std::min(absence.records.size(), MOST_SHOWN_RECORDS);
@@ -58,6 +65,9 @@ ReportSection SectionOf(const Absence& absence, const AnalysisData& data)
         {{"Study", data.StudyLabelsOf(records), true}, lines},
         {fmt::format("Left out: {} of the {} studies. The model of all studies has every one.",
                      absence.records.size(), data.base.GetNonMissingStudyID().size())}};
+    if (LacksGroups(absence, data))
+        section.sentences.push_back(
+            fmt::format("The others have one value of {}: there are no groups to compare.", absence.column));
     if (const std::string rest = WordingOfRest(absence.records.size()); !rest.empty())
         section.sentences.insert(section.sentences.begin(), rest);
     return section;
