@@ -112,8 +112,11 @@ TEST(AnalysisReport, ShowsContrastsPlotsIntervalsAndPredictions)
 TEST(AnalysisReport, NamesConvertedStudiesAndTheLabelOfTheMeasure)
 {
     const TemporaryFolder folder;
-    const std::string group = "--X-n n --X-mean m --X-sd s --X-median md --X-q1 a --X-q3 b";
-    const std::string medians = folder.Write("m.csv", "who,n,m,s,md,a,b\nA,50,9,4,,,\nB,50,,4,10,7,30\n");
+    const std::string group = "--X-n n --X-mean mX --X-sd sX --X-median dX --X-q1 aX --X-q3 bX";
+    const std::string medians =
+        folder.Write("m.csv", "who,n,mtreatment,streatment,dtreatment,atreatment,btreatment,mcontrol,"
+                              "scontrol,dcontrol,acontrol,bcontrol\n"
+                              "A,50,9,4,,,,8,4,,,\nB,50,,4,10,7,30,,4,10,7,30\n");
     Arguments converted = {"continuous", medians};
     for (const char* const name : {"treatment", "control"})
         converted = converted + std::regex_replace(group, std::regex("X"), name);
