@@ -2,7 +2,7 @@
 
 #include "host/batch/Batch.h"
 #include "host/cli/CommandLine.h"
-#include "host/cli/DataColumns.h"
+#include "host/cli/NamedColumns.h"
 #include "host/data/DataTable.h"
 #include "host/output/OutputPlaces.h"
 #include "host/output/OutputWriting.h"

@@ -1,15 +1,13 @@
 #include "host/batch/RowLayout.h"
 
-#include "host/batch/FieldNumber.h"
 #include "host/batch/LineBlocks.h"
+#include "host/batch/RowNumber.h"
 #include "host/data/ColumnName.h"
 #include "host/data/DecimalMark.h"
 #include "host/data/Separator.h"
-#include "host/text/NearestName.h"
 #include "host/text/UnusableInput.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 
@@ -60,11 +58,7 @@ public:
         const auto isWanted = [column](std::string_view name) { return IsSameName(name, column); };
         const auto found = std::find_if(names_.begin(), names_.end(), isWanted);
         if (found == names_.end())
-            throw UnusableInput(fmt::format(
-                "{} has no column '{}'.{} Its columns are: {}.{}", fileName_, column,
-                DidYouMean(column, {names_.begin(), names_.end()}), fmt::join(names_, ", "),
-                Count() == 1 ? " Its header line is read as one column: --separator says what separates them."
-                             : ""));
+            FailWithoutColumn(fileName_, column, {names_.begin(), names_.end()});
         if (std::any_of(found + 1, names_.end(), isWanted))
             throw UnusableInput(fmt::format("{}: two columns are named '{}'.", fileName_, column));
         return static_cast<std::size_t>(found - names_.begin());

@@ -1,7 +1,7 @@
 #pragma once
 
 #include "host/batch/FieldCutter.h"
-#include "host/batch/FieldNumber.h"
+#include "host/batch/RowNumber.h"
 #include "host/cli/Options.h"
 
 #include <cstddef>

@@ -1,6 +1,6 @@
 #include "host/batch/RowParser.h"
 
-#include "host/batch/FieldNumber.h"
+#include "host/batch/RowNumber.h"
 #include "host/data/Encodings.h"
 #include "host/text/AsciiCase.h"
 

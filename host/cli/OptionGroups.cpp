@@ -1,6 +1,6 @@
 #include "host/cli/OptionGroups.h"
 
-#include "host/cli/DataColumns.h"
+#include "host/cli/NamedColumns.h"
 #include "host/cli/OptionRules.h"
 #include "host/cli/Presets.h"
 #include "host/cli/RawOutcomes.h"

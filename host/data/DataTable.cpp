@@ -153,11 +153,7 @@ std::size_t DataTable::PositionOf(std::string_view column) const
         position = i;
     }
     if (position == none)
-        throw UnusableInput(fmt::format(
-            "{} has no column '{}'.{} Its columns are: {}.{}", name_, column,
-            DidYouMean(column, ColumnNames()), fmt::join(ColumnNames(), ", "),
-            none == 1 ? " Its header line is read as one column: --separator says what separates them."
-                      : ""));
+        FailWithoutColumn(name_, column, ColumnNames());
     return position;
 }
 

@@ -1,5 +1,6 @@
 #include "host/plots/ForestLimit.h"
 
+#include "host/plots/PlotGroups.h"
 #include "host/text/NumberText.h"
 
 #include <fmt/format.h>
@@ -16,7 +17,6 @@ using Kind = ForestRow::Kind;
 using Rows = std::vector<ForestRow>;
 
 constexpr std::size_t MOST_STUDIES = 1000; // twenty pages of paper
-constexpr std::size_t MOST_GROUPS = 100;
 
 /// A row that is larger is kept rather.
 double RankOf(const ForestRow& row, bool hasWeights)
@@ -87,13 +87,13 @@ std::size_t LimitGroups(Forest& forest)
 {
     const std::vector<std::size_t> groups = GroupsOf(forest.rows);
     std::vector<double> weights(1 + *std::max_element(groups.begin(), groups.end()));
-    if (weights.size() <= 1 + MOST_GROUPS)
+    if (weights.size() <= 1 + MOST_SHOWN_GROUPS)
         return 0;
     for (std::size_t i = 0; i < groups.size(); ++i)
         if (groups[i] > 0)
             weights[groups[i]] += RankOf(forest.rows[i], forest.hasWeights);
     weights[0] = -1; // no group
-    const std::vector<bool> largest = Largest(weights, MOST_GROUPS);
+    const std::vector<bool> largest = Largest(weights, MOST_SHOWN_GROUPS);
     return Keep(forest.rows, Kind::HEADING,
                 [&](std::size_t i) { return groups[i] == 0 || largest[groups[i]]; });
 }

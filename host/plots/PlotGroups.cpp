@@ -13,18 +13,16 @@ namespace host {
 
 namespace {
 
-constexpr std::size_t MOST_GROUPS = 100; // with plots of their own, more than which nobody looks at
-
 /// The groups with the most studies, in their order; all of them unless there are very many.
 std::vector<PlotOfGroup> LargestOf(std::vector<PlotOfGroup> plots, const AnalysisData& data)
 {
-    if (plots.size() <= MOST_GROUPS)
+    if (plots.size() <= MOST_SHOWN_GROUPS)
         return plots;
     const std::vector<int> counts = data.base.GetGroupN();
     const auto countOf = [&](const PlotOfGroup& plot) { return counts[plot.number - 1]; };
     std::stable_sort(plots.begin(), plots.end(),
                      [&](const PlotOfGroup& a, const PlotOfGroup& b) { return countOf(a) > countOf(b); });
-    plots.resize(MOST_GROUPS, plots.front());
+    plots.resize(MOST_SHOWN_GROUPS, plots.front());
     std::sort(plots.begin(), plots.end(),
               [](const PlotOfGroup& a, const PlotOfGroup& b) { return a.number < b.number; });
     return plots;
@@ -87,10 +85,10 @@ std::vector<std::size_t> StudiesOf(const AnalysisData& data, const PlotOfGroup& 
 std::string SentenceOfGroupsWithoutPlots(const AnalysisData& data)
 {
     const std::size_t count = data.groupLabels.size();
-    return count <= MOST_GROUPS
+    return count <= MOST_SHOWN_GROUPS
                ? ""
                : fmt::format(" Of {} groups, the {} with the most studies have plots of their own.", count,
-                             MOST_GROUPS);
+                             MOST_SHOWN_GROUPS);
 }
 
 std::string GroupName(const AnalysisData& data, std::size_t group)

@@ -8,6 +8,9 @@
 
 namespace host {
 
+/// Groups that forest plots show and that have plots of their own: nobody looks at more.
+inline constexpr std::size_t MOST_SHOWN_GROUPS = 100;
+
 /// A plot of all studies or of one group; the library has a row of coordinates for each.
 struct PlotOfGroup
 {

@@ -3,6 +3,7 @@
 #include "host/table/StudyTable.h"
 #include "host/text/NumberFormat.h"
 
+#include <optional>
 #include <string>
 #include <vector>
 

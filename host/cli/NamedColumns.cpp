@@ -1,4 +1,4 @@
-#include "host/cli/DataColumns.h"
+#include "host/cli/NamedColumns.h"
 
 #include "host/cli/RawOutcomes.h"
 #include "host/text/UnusableInput.h"
@@ -19,7 +19,7 @@ struct NamedColumn
     std::string column;
 };
 
-std::vector<NamedColumn> DataColumnsOf(Options options)
+std::vector<NamedColumn> NamedColumnsOf(Options options)
 {
     std::vector<NamedColumn> columns;
     for (const OptionDefinition& option : ColumnsOf(options))
@@ -46,7 +46,7 @@ bool MayShareColumn(std::string_view one, std::string_view other)
 std::vector<std::string> NumberColumnsOf(const Options& options)
 {
     std::vector<std::string> names;
-    for (const NamedColumn& one : DataColumnsOf(options))
+    for (const NamedColumn& one : NamedColumnsOf(options))
         names.push_back(one.column);
     for (const std::vector<std::string>* const more :
          {&options.regression.covariates, &options.bubbles, &options.contrasts})
@@ -56,7 +56,7 @@ std::vector<std::string> NumberColumnsOf(const Options& options)
 
 void RefuseSharedColumns(const Options& options)
 {
-    const std::vector<NamedColumn> columns = DataColumnsOf(options);
+    const std::vector<NamedColumn> columns = NamedColumnsOf(options);
     for (auto right = columns.begin(); right != columns.end(); ++right)
         for (auto left = columns.begin(); left != right; ++left)
             if (left->column == right->column && !MayShareColumn(left->option, right->option))

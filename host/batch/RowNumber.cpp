@@ -1,4 +1,4 @@
-#include "host/batch/FieldNumber.h"
+#include "host/batch/RowNumber.h"
 
 #include "host/data/FieldValue.h"
 
@@ -8,25 +8,12 @@ namespace host {
 
 namespace {
 
+using Kind = RowNumber::Kind;
+
 bool IsBlank(char c) noexcept
 {
     return c == ' ' || c == '\t' || c == '\r';
 }
-
-} // namespace
-
-std::string_view TrimmedField(std::string_view field) noexcept
-{
-    while (!field.empty() && IsBlank(field.front()))
-        field.remove_prefix(1);
-    while (!field.empty() && IsBlank(field.back()))
-        field.remove_suffix(1);
-    return field;
-}
-
-namespace {
-
-using Kind = RowNumber::Kind;
 
 /// Of a field that needs a second look.
 RowNumber SlowNumberOf(std::string_view field, const NumberForm& form)
@@ -48,6 +35,15 @@ RowNumber SlowNumberOf(std::string_view field, const NumberForm& form)
 }
 
 } // namespace
+
+std::string_view TrimmedField(std::string_view field) noexcept
+{
+    while (!field.empty() && IsBlank(field.front()))
+        field.remove_prefix(1);
+    while (!field.empty() && IsBlank(field.back()))
+        field.remove_suffix(1);
+    return field;
+}
 
 RowNumber NumberOf(std::string_view field, const NumberForm& form)
 {
