@@ -102,6 +102,8 @@ public:
 
     char Mark(const Options& options, std::vector<std::string>& notes) const
     {
+        if (census_.IsContradictory()) // a few rows that are left out must not turn the others
+            return '.';
         const DecimalCensus::Mark mark = census_.Found();
         if (mark.doubt) {
             const auto [row, column] = *mark.doubt;

@@ -56,6 +56,11 @@ DecimalCensus::Mark DecimalCensus::WithDoubt(char character, std::optional<Place
     return {character, First(doubtful, true), reason};
 }
 
+bool DecimalCensus::IsContradictory() const
+{
+    return First(DecimalEvidence::COMMA, true) && First(DecimalEvidence::POINT, true);
+}
+
 DecimalCensus::Mark DecimalCensus::Found() const
 {
     if (First(DecimalEvidence::COMMA, true))

@@ -49,6 +49,9 @@ public:
 
     Mark Found() const;
 
+    /// Whether the columns that are read have numbers with either mark.
+    bool IsContradictory() const;
+
 private:
     /// Rows of 0 where there is none.
     using FirstPlaces = std::array<Place, DECIMAL_EVIDENCES>;

@@ -213,7 +213,7 @@ TEST(Batch, RejectsRowsWithTheirReasons)
                                                         {"a\tNA\t1", "effect size is missing"},
                                                         {"a\t-nan\t1", "effect size is missing"},
                                                         {"a\tx\t1", "effect size is not a number"},
-                                                        {"a\t1,5\t1.5", "the other decimal mark"},
+                                                        {"a\t1,5\t.5", "the other decimal mark"},
                                                         {"a\tinf\t1", "effect size is infinite"},
                                                         {"a\t1e999\t1", "effect size is infinite"},
                                                         {"a\t1\tn/a", "error is missing"},
