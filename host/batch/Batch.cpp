@@ -89,6 +89,7 @@ public:
             for (const std::string& note : file.Notes())
                 files[note].push_back(file.Name());
         std::vector<std::string> notes;
+        notes.reserve(files.size() + 1);
         for (const auto& [note, names] : files)
             notes.push_back(fmt::format("{}{}: {}", names.front(), OthersThan(names), note));
         if (std::string summary = rejects_.Summary(); !summary.empty())

@@ -11,7 +11,7 @@ namespace host {
 /// What the rules of the cautions of analyses and meta-regressions share.
 
 /// For a normal interval of random effects, for I², groups, and tests of asymmetry.
-constexpr std::size_t FEW_STUDIES = 10;
+inline constexpr std::size_t FEW_STUDIES = 10;
 
 /// A rule: the condition with its sentence, which has no full stop and is empty where the number does not
 /// mislead; who says so; and the code of a warning that the sentence makes superfluous, or 0.

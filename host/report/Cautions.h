@@ -13,7 +13,7 @@ namespace host {
 struct Cautions
 {
     std::vector<std::string> sentences;
-    std::vector<int> saidWarnings; ///< codes of warnings that say the same
+    std::vector<int> saidWarnings; ///< codes of warnings that say the same, one a sentence; 0 for none
 };
 
 Cautions CautionsOf(const AnalysisData& data);
