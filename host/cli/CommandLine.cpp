@@ -253,12 +253,14 @@ std::string SentenceOf(const CLI::ArgumentMismatch& mismatch)
 
 using Arguments = std::vector<std::string>;
 
-/// `help COMMAND` as `COMMAND --help`, and `help` as `--help`.
+/// `help COMMAND` as `COMMAND --help`, and `help` as well as `help help` as `--help`.
 Arguments WithoutHelpCommand(Arguments arguments)
 {
     if (arguments.empty() || arguments.front() != "help")
         return arguments;
     arguments.erase(arguments.begin());
+    if (!arguments.empty() && arguments.front() == "help")
+        arguments.erase(arguments.begin());
     arguments.emplace_back("--help");
     return arguments;
 }

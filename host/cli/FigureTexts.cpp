@@ -39,7 +39,8 @@ double SideOf(std::string_view text, double unit)
     constexpr double MOST = 18900;
     const double pixels = ParseNumber(text) * unit;
     if (!(pixels >= LEAST && pixels <= MOST))
-        throw UnusableInput(fmt::format("'{}' is not from 1 cm to 5 m.", text));
+        throw UnusableInput(fmt::format(
+            "'{}' is not from 1 cm to 5 m; it is in px where no unit follows (px, pt, mm, cm or in).", text));
     return pixels;
 }
 

@@ -59,6 +59,8 @@ constexpr FileKind MARKUPS[] = {
     {"<!doctype html"sv, "a web page (HTML) and no CSV file, whatever its name", FROM_SPREADSHEET},
     {"<html"sv, "a web page (HTML) and no CSV file, whatever its name", FROM_SPREADSHEET},
     {"<table"sv, "a web page (HTML) and no CSV file, whatever its name", FROM_SPREADSHEET},
+    {"{\""sv, "a JSON file", "write its values as CSV by the program that made it"},
+    {"[{\""sv, "a JSON file", "write its values as CSV by the program that made it"},
     {"<?xml"sv, "an XML document, perhaps a workbook", FROM_SPREADSHEET},
 };
 

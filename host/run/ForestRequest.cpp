@@ -100,13 +100,16 @@ WantedColumn ColumnOfFile(const std::string& name, const DataTable& table)
 /// The data's own figures go before a column of the file that has the word as its name.
 WantedColumn ColumnOf(const std::string& name, const ForestRequest& request, const DataTable& table)
 {
-    for (const SummaryWord& summary : SUMMARY_WORDS)
-        if (summary.word == name && !request.groups.empty() && summary.isIn(request.groups.front()))
-            return {summary.kind};
+    const auto* const summary = std::ranges::find(SUMMARY_WORDS, name, &SummaryWord::word);
+    const bool isWord = summary != SUMMARY_WORDS.end();
+    if (isWord && !request.groups.empty() && summary->isIn(request.groups.front()))
+        return {summary->kind};
     try {
         return ColumnOfFile(name, table);
     } catch (const UnusableInput& problem) {
-        throw UnusableInput(fmt::format("--forest-columns: {}", problem.what()));
+        const std::string lack =
+            isWord ? fmt::format("The columns of this analysis give no '{}', and ", name) : "";
+        throw UnusableInput(fmt::format("--forest-columns: {}{}", lack, problem.what()));
     }
 }
 

@@ -104,6 +104,7 @@ TEST(DataTable, NamesTheLineThatCannotBeRead)
         {"PK\x03\x04mimetypeapplication/vnd.oasis.opendocument.spreadsheet",
          "t.csv is an OpenDocument sheet"},
         {"\xd0\xcf\x11\xe0\xa1\xb1\x1a\xe1", "t.csv is an Excel workbook (.xls)"},
+        {"[{\"effect\": 1}]", "t.csv is a JSON file"},
         {"$FL2@(#) SPSS DATA FILE", "t.csv is a data file of SPSS"},
         {"<stata_dta><header>", "t.csv is a data set of Stata"},
         {std::string("r\x02\x01\0", 4), "t.csv is a data set of Stata"},

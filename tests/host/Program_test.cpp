@@ -77,6 +77,7 @@ TEST(Program, ShowsHelpAndVersion)
     for (const char* const arguments : {"-h", "--version", "rates --version", "help", "binary --help"})
         EXPECT_THAT(ReportOf(Arguments() + arguments), HasSubstr("meta-analysis"));
     EXPECT_EQ(ReportOf({"help", "rates"}), ReportOf({"rates", "-h"}));
+    EXPECT_EQ(ReportOf({"help", "help"}), ReportOf({"-h"}));
 }
 
 /// Upper case, the abbreviations of other programs, and a level in percent.

@@ -64,6 +64,7 @@ TEST(Refusals, CommandLinesWithoutMeaningAreRefused)
         {binary + "--null 2", "--null needs --model fixed"},
         {binary + "--pooled-zero-cells none", "--pooled-zero-cells needs --weights mantel-haenszel"},
         {binary + "--contrast year", "--contrast needs --model fixed"},
+        {binary + "--plots new --forest-columns mean-sd", "columns of this analysis give no 'mean-sd', and"},
         {binary + "--drapery", "--drapery needs --plots or --html"},
         {binary + "--bubble year --prediction-band", "--prediction-band needs --plots or --html"},
         {binary + "--prediction-band --html page.html", "--prediction-band needs a bubble plot"},

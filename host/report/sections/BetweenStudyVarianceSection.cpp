@@ -3,9 +3,13 @@
 #include "host/text/NumberText.h"
 #include "host/text/Wording.h"
 
+#include "meta_analysis/platform/common/KXMV.h"
+
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cstddef>
+#include <vector>
 
 using namespace MA_NAMESPACE;
 
@@ -34,12 +38,25 @@ void AppendIntervalSentences(ReportSection& section, const AnalysisData& data)
             section.sentences.push_back(Opening(labels, i) + EMPTY_Q_PROFILE);
 }
 
+/// Without the 0 by which a single study is pooled: nothing shows how effects vary there, unless the groups
+/// share one tau².
+std::vector<double> EstimatedTau2(const AnalysisData& data)
+{
+    std::vector<double> tau2 = data.base.GetTau2Var();
+    const std::vector<double> df = data.base.GetHomoTestdf();
+    if (!data.settings.GetCommonTau2() || data.groupLabels.empty())
+        for (std::size_t i = 0; i < std::min(tau2.size(), df.size()); ++i)
+            if (!(df[i] > 0))
+                tau2[i] = KXMV::Missing();
+    return tau2;
+}
+
 } // namespace
 
 ReportSections BetweenStudyVarianceSection(const AnalysisData& data)
 {
     const MABaseModel& base = data.base;
-    const Estimates tau2 = {base.GetTau2Var(), base.GetTau2CILower(), base.GetTau2CIUpper()};
+    const Estimates tau2 = {EstimatedTau2(data), base.GetTau2CILower(), base.GetTau2CIUpper()};
     if (!HasAnyValue(tau2.values))
         return {};
     ReportSection section = {

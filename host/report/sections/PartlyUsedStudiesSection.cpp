@@ -52,6 +52,12 @@ bool LacksGroups(const Absence& absence, const AnalysisData& data)
            absence.records.size() < data.base.GetNonMissingStudyID().size();
 }
 
+/// The models of the groups have the studies of the cumulative steps.
+bool AlsoLacksInGroups(const Absence& absence, const AnalysisData& data)
+{
+    return absence.analysis == "Cumulative analysis" && !data.groupLabels.empty();
+}
+
 ReportSection SectionOf(const Absence& absence, const AnalysisData& data)
 {
     const std::size_t shown = std::min(absence.records.size(), MOST_SHOWN_RECORDS);
@@ -68,6 +74,9 @@ ReportSection SectionOf(const Absence& absence, const AnalysisData& data)
     if (LacksGroups(absence, data))
         section.sentences.push_back(
             fmt::format("The others have one value of {}: there are no groups to compare.", absence.column));
+    if (AlsoLacksInGroups(absence, data))
+        section.sentences.emplace_back(
+            "They are left out of the pooled effects of the groups and of the test between these, too.");
     if (const std::string rest = WordingOfRest(absence.records.size()); !rest.empty())
         section.sentences.insert(section.sentences.begin(), rest);
     return section;
