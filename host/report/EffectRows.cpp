@@ -113,8 +113,9 @@ void AppendEffects(std::vector<ReportColumn>& table, const EffectRows& rows, con
         table.push_back({data.IntervalHeader(headers.natural), EstimateTexts(rows.naturals, data.numbers)});
     table.push_back({data.IntervalHeader(headers.effect), EstimateTexts(rows.effects, data.decimals)});
     if (!rows.stdErrors.empty())
-        table.push_back(
-            {"SE", TextsOf(rows.stdErrors, [&](double stdError) { return data.EffectText(stdError); })});
+        table.push_back({"SE", TextsOf(rows.stdErrors, [&](double stdError) {
+                             return data.numbers.StdErrorText(stdError, data.decimals);
+                         })});
     if (!rows.statistics.empty())
         table.push_back({WordingOfStatistic(data.settings), TextsOf(rows.statistics, data.numbers)});
     if (!rows.significances.empty())

@@ -52,6 +52,11 @@ ReportColumn RegressionData::EffectColumn(const char* header, const std::vector<
     return {header, TextsOf(values, [this](double value) { return FixedText(value, decimals); })};
 }
 
+ReportColumn RegressionData::StdErrorColumn(const char* header, const std::vector<double>& values) const
+{
+    return {header, TextsOf(values, [this](double value) { return numbers.StdErrorText(value, decimals); })};
+}
+
 const char* RegressionData::Statistic() const
 {
     return IsAdjusted() || request.settings.GetTestDistType() == MAConst::TEST_STUDENT_T ? "t" : "z";

@@ -42,6 +42,7 @@ struct RegressionData
     std::vector<std::string> EffectNames() const;
 
     ReportColumn EffectColumn(const char* header, const std::vector<double>& values) const;
+    ReportColumn StdErrorColumn(const char* header, const std::vector<double>& values) const;
 };
 
 /// A column of a table that has one row.

@@ -25,6 +25,12 @@ struct NumberFormat
         return digits.value_or(DecimalsFor(stdErrors));
     }
 
+    /// A standard error beside effects of so many decimals. Unlike an effect, it is not shown as 0.
+    std::string StdErrorText(double stdError, int decimals) const
+    {
+        return digits ? (*this)(stdError) : FixedText(stdError, decimals);
+    }
+
     /// Decimals of percentages, `usual` unless digits are asked for: one less than those, because a
     /// percentage has two of the digits of its fraction before the point, and readers expect "91.2%" beside
     /// "0.48".

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <limits>
 #include <utility>
 
 namespace MA_NAMESPACE {
@@ -28,6 +29,15 @@ double SmallestOf(const std::vector<double>& values)
     return values.empty() ? 0.0 : *std::min_element(values.begin(), values.end());
 }
 
+/// How far a series reaches whose largest weight is 1 / variance: nowhere where so many powers of it
+/// underflow, since the series would be cut.
+double ReachOf(double variance, std::size_t powers)
+{
+    const bool underflows =
+        std::pow(variance, -static_cast<double>(powers)) < std::numeric_limits<double>::min();
+    return underflows ? -1.0 : seriesReach * variance;
+}
+
 } // namespace
 
 void MAMomentSums::Clear()
@@ -41,7 +51,7 @@ MADeletionSums::MADeletionSums(MADeletionRows rows, const std::vector<double>& c
 {
     const double smallest = SmallestOf(rows_.variances);
     for (const double centre : centres)
-        centres_.push_back({centre, seriesReach * (centre + smallest), Sum<terms>(centre)});
+        centres_.push_back({centre, ReachOf(centre + smallest, terms), Sum<terms>(centre)});
 }
 
 /// The triangles of the first `count` powers at t.

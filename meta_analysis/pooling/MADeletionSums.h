@@ -54,8 +54,8 @@ private:
 ///
 ///     S_n(c + x) = sum over m of (n + m - 1 over m) (-x)^m S_{n+m}(c),
 ///
-/// used within |x| <= (c + min v) / 64, where its first 12 powers leave less than 1e-16 of every term. So
-/// most evaluations cost O(p²), whatever the number of rows.
+/// used within |x| <= (c + min v) / 64, where its first 12 powers leave less than 1e-16 of every term,
+/// unless that of the largest weight underflows. So most evaluations cost O(p²), whatever the number of rows.
 class MADeletionSums
 {
 public:

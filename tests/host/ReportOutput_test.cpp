@@ -29,6 +29,8 @@ TEST(ReportOutput, BeginsWithTheAnswerInTheDigitsAskedFor)
                     "0\\.0001\\)\\.\n95% prediction interval, [^\n]*: 0\\.12 to 1\\.82\\.\n\nPooled .*"
                     " 0\\.19  -4\\.01  < 0\\.0001\n.* 163\\.16  12  < 0\\.0001  92\\.1 \\[81\\.7, 97\\.6\\] "
                     ".*0\\.34 \\[0\\.13, 1\\.18\\].*Aronson +0\\.39 .*\nRecords\n"));
+    EXPECT_THAT(ReportOf(Bcg() + "--digits 0"), ContainsRegex("\nOverall  [^\n]*\\]  0\\.2  -4  < 0"))
+        << "an SE is not 0";
 }
 
 /// Each number that misleads has its sentence, and a large and homogeneous analysis has none.

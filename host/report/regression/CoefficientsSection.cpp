@@ -42,7 +42,7 @@ ReportSections CoefficientsSection(const RegressionData& data)
     ReportSection section = {"Coefficients", {{"Parameter", data.ParameterNames(), true}}, {}};
     for (ReportColumn& column : CoefficientColumns(data))
         section.table.push_back(std::move(column));
-    section.table.push_back(data.EffectColumn("SE", data.output.GetBetaStandErr()));
+    section.table.push_back(data.StdErrorColumn("SE", data.output.GetBetaStandErr()));
     section.table.push_back({data.Statistic(), TextsOf(data.output.GetBetaTest(), data.numbers)});
     section.table.push_back({"p", TextsOf(data.output.GetBetaTestPValue(), PValueText)});
     const KXBitSet estimated = data.output.GetRedundancyInfo();

@@ -31,7 +31,7 @@ ReportSections FittedStudiesSection(const RegressionData& data)
               data.EffectColumn(data.measure.AnalysisSymbol().c_str(), effects),
               {IntervalHeader("Fitted", data.level), EstimateTexts(fitted, data.decimals)},
               data.EffectColumn("Residual", residuals),
-              data.EffectColumn("SE", stdErrors),
+              data.StdErrorColumn("SE", stdErrors),
               {"Leverage", TextsOf(leverages, data.numbers)}},
              {}}};
 }

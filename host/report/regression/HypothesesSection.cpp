@@ -35,7 +35,7 @@ ReportSections HypothesesSection(const RegressionData& data)
     return {{"Hypotheses",
              {{"Weights=value", texts, true},
               data.EffectColumn("Estimate", data.output.GetHypothesisEstimate()),
-              data.EffectColumn("SE", data.output.GetHypothesisStdError()),
+              data.StdErrorColumn("SE", data.output.GetHypothesisStdError()),
               {data.Statistic(), TextsOf(data.output.GetHypothesisVal(), data.numbers)},
               {"p", TextsOf(data.output.GetHypothesisSig(), PValueText)}},
              {JointSentence(data)}}};

@@ -19,7 +19,7 @@ ReportSections PredictionsSection(const RegressionData& data)
          data.EstimateColumns("Predicted", {output.GetPredictedEffect(), output.GetPredictedCILower(),
                                             output.GetPredictedCIUpper()}))
         section.table.push_back(std::move(column));
-    section.table.push_back(data.EffectColumn("SE", output.GetPredictedStdError()));
+    section.table.push_back(data.StdErrorColumn("SE", output.GetPredictedStdError()));
     const bool hasIntervals = HasAnyValue(output.GetPredictedPILower());
     if (hasIntervals)
         for (ReportColumn& column : data.EstimateColumns(

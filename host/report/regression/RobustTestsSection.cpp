@@ -45,7 +45,7 @@ ReportSections RobustTestsSection(const RegressionData& data)
     ReportSection section = {
         "Cluster-robust tests",
         {{"Parameter", data.ParameterNames(), true},
-         data.EffectColumn("Robust SE", output.GetRobustStdError()),
+         data.StdErrorColumn("Robust SE", output.GetRobustStdError()),
          {IntervalHeader("Interval", data.level),
           EstimateTexts({{}, output.GetRobustCILower(), output.GetRobustCIUpper()}, data.decimals)},
          {"t", TextsOf(output.GetRobustVal(), data.numbers)},

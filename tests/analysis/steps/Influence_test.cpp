@@ -151,12 +151,14 @@ TEST(Influence, NeedsTwoStudiesBesideTheDeletedOne)
 namespace {
 
 /// Effects of variances that are equal or span a few or many powers of ten, with outliers, tau² at 0 or not,
-/// in small and large units, and far from 0.
+/// in small and large units, and far from 0. From seed 60 on the outlier is so far that the powers of weights
+/// underflow.
 EffectVectors HostileStudies(unsigned seed)
 {
     constexpr std::array<std::array<double, 2>, 4> unitsAndOffsets = {
         {{1.0, 0.0}, {1.0, 1e8}, {1e150, 0.0}, {1e-150, 0.0}}};
     const auto [unit, offset] = unitsAndOffsets[seed / 3 % 4];
+    const double outlier = seed < 60 ? 6.0 : 1e48;
     std::mt19937 generator(seed);
     std::normal_distribution<double> normal;
     EffectVectors studies;
@@ -164,7 +166,7 @@ EffectVectors HostileStudies(unsigned seed)
         const double variance = std::exp(normal(generator) * (seed % 4));
         studies.variances.push_back(variance * unit * unit);
         studies.effects.push_back(offset + unit * normal(generator) * std::sqrt(variance + seed % 3) *
-                                               (i == 2 ? 6.0 : 1.0));
+                                               (i == 2 ? outlier : 1.0));
     }
     return studies;
 }
@@ -190,7 +192,7 @@ TEST(DeletedModels, EqualPlainRefits)
 {
     int found = 0;
     int foundFixed = 0;
-    for (unsigned seed = 0; seed < 60; ++seed) {
+    for (unsigned seed = 0; seed < 67; ++seed) {
         const EffectVectors studies = HostileStudies(seed);
         const MAFixedEffectChoice fixed = {0.1, 0.05};
         const MADeletedFixedModels fixedModels({studies.effects, studies.variances});
@@ -214,6 +216,6 @@ TEST(DeletedModels, EqualPlainRefits)
                 ExpectPlain(*model, PoolFixedEffect(effects, fixed), scale);
         }
     }
-    EXPECT_GT(found, 1200); // of 1950; the others need a plain refit
-    EXPECT_GT(foundFixed, 1940);
+    EXPECT_GT(found, 1600); // of 2412; the others need a plain refit
+    EXPECT_GT(foundFixed, 2330);
 }
