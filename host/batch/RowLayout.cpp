@@ -5,6 +5,7 @@
 #include "host/data/ColumnName.h"
 #include "host/data/DecimalMark.h"
 #include "host/data/Separator.h"
+#include "host/data/UnknownColumn.h"
 #include "host/text/UnusableInput.h"
 
 #include <fmt/format.h>
@@ -58,7 +59,7 @@ public:
         const auto isWanted = [column](std::string_view name) { return IsSameName(name, column); };
         const auto found = std::find_if(names_.begin(), names_.end(), isWanted);
         if (found == names_.end())
-            FailWithoutColumn(fileName_, column, {names_.begin(), names_.end()});
+            FailForUnknownColumn(fileName_, column, {names_.begin(), names_.end()});
         if (std::any_of(found + 1, names_.end(), isWanted))
             throw UnusableInput(fmt::format("{}: two columns are named '{}'.", fileName_, column));
         return static_cast<std::size_t>(found - names_.begin());

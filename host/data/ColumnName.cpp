@@ -2,11 +2,7 @@
 
 #include "host/data/Encodings.h"
 #include "host/data/FieldValue.h"
-#include "host/text/NearestName.h"
-#include "host/text/UnusableInput.h"
 
-#include <fmt/format.h>
-#include <fmt/ranges.h>
 #include <utf8proc.h>
 
 #include <cstdlib>
@@ -36,16 +32,6 @@ bool IsSameName(std::string_view one, std::string_view other)
     one = WithoutBlanks(one);
     other = WithoutBlanks(other);
     return one == other || (!IsAscii(one) && !IsAscii(other) && Composed(one) == Composed(other));
-}
-
-void FailWithoutColumn(const std::string& fileName, std::string_view column,
-                       const std::vector<std::string>& names)
-{
-    throw UnusableInput(fmt::format(
-        "{} has no column '{}'.{} Its columns are: {}.{}", fileName, column, DidYouMean(column, names),
-        fmt::join(names, ", "),
-        names.size() == 1 ? " Its header line is read as one column: --separator says what separates them."
-                          : ""));
 }
 
 } // namespace host

@@ -3,7 +3,6 @@
 #include <optional>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace host {
 
@@ -13,9 +12,5 @@ using ColumnName = std::optional<std::string>;
 /// Whether two names are the same but for the blanks around them and for how letters with accents are
 /// composed, which a user cannot see: Macs and keyboards differ in that.
 bool IsSameName(std::string_view one, std::string_view other);
-
-/// Throws UnusableInput for a column that a file with the columns `names` lacks.
-[[noreturn]] void FailWithoutColumn(const std::string& fileName, std::string_view column,
-                                    const std::vector<std::string>& names);
 
 } // namespace host

@@ -6,14 +6,13 @@
 #include "host/data/FileKinds.h"
 #include "host/data/Separator.h"
 #include "host/data/TextEncoding.h"
-#include "host/text/NearestName.h"
+#include "host/data/UnknownColumn.h"
 #include "host/text/TextParsing.h"
 #include "host/text/UnusableInput.h"
 
 #include "meta_analysis/platform/common/KXMV.h"
 
 #include <fmt/format.h>
-#include <fmt/ranges.h>
 
 #include <algorithm>
 #include <utility>
@@ -153,7 +152,7 @@ std::size_t DataTable::PositionOf(std::string_view column) const
         position = i;
     }
     if (position == none)
-        FailWithoutColumn(name_, column, ColumnNames());
+        FailForUnknownColumn(name_, column, ColumnNames());
     return position;
 }
 
