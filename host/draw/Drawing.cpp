@@ -2,6 +2,7 @@
 
 #include "host/draw/GnuplotProcess.h"
 #include "host/draw/GnuplotScript.h"
+#include "host/draw/GnuplotTerminal.h"
 #include "host/draw/LettersWithoutFont.h"
 #include "host/draw/PngResolution.h"
 #include "host/draw/SvgDocument.h"

@@ -3,6 +3,7 @@
 #include "host/draw/CutToRectangle.h"
 #include "host/draw/FontCoverage.h"
 #include "host/draw/GnuplotProcess.h"
+#include "host/draw/GnuplotTerminal.h"
 #include "host/draw/PictureFit.h"
 #include "host/text/NumberText.h"
 #include "host/text/PlainText.h"
@@ -12,6 +13,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
+#include <numeric>
 #include <utility>
 #include <vector>
 
@@ -77,47 +79,6 @@ std::string DataColor(const std::string& color, double opacity)
 std::string ColorOf(const Layer& layer)
 {
     return layer.opacity < 1 ? '#' + SeenThrough(layer.color, layer.opacity) : layer.color;
-}
-
-/// The terminals of cairo measure fonts in points of 1/72 inch and count 3 pixels to a point size, that of
-/// SVG measures in pixels and counts 4.5.
-struct Terminal
-{
-    std::string command;
-    double pixelsPerPointSize;
-    bool drawsLetters; ///< with the installed fonts; in an SVG, whoever shows it does
-};
-
-constexpr double PIXELS_AN_INCH = 96; // of a picture
-
-/// The terminal for a picture of `scale` times its size.
-Terminal TerminalOf(const Picture& picture, const DrawingMedium& medium, double scale)
-{
-    constexpr double POINTS = 0.75; // in a pixel
-    const double width = scale * picture.width;
-    const double height = scale * picture.height;
-    switch (medium.format) {
-    case PictureFormat::SVG:
-        return {fmt::format("svg size {:.0f},{:.0f} noenhanced font 'sans-serif,{}' background '#ffffff'",
-                            picture.width, picture.height, FONT_SIZE),
-                4.5, false};
-    case PictureFormat::PNG: {
-        const double sharpness = ResolutionOf(picture, medium) / PIXELS_AN_INCH;
-        return {fmt::format("pngcairo size {0:.0f},{1:.0f} noenhanced font 'sans-serif,{2}' fontscale {3} "
-                            "pointscale {3} linewidth {3}",
-                            sharpness * width, sharpness * height, POINTS * FONT_SIZE, sharpness * scale),
-                3, true};
-    }
-    case PictureFormat::PDF: {
-        const double points = POINTS * scale;
-        return {fmt::format("pdfcairo size {:.4f},{:.4f} noenhanced font 'sans-serif,{}' fontscale {} "
-                            "pointscale {} linewidth {}",
-                            width * POINTS / 72, height * POINTS / 72, POINTS * FONT_SIZE, points, points,
-                            2 * points),
-                3, true};
-    }
-    }
-    return {};
 }
 
 /// Writes one script. All texts are in one block of data, each on a line behind a bar, so that none can end
@@ -255,12 +216,18 @@ void ScriptWriter::AddData(const Layer& layer, std::size_t number)
 {
     commands_ += fmt::format("$layer{} << END_OF_DATA\n", number);
     std::size_t mark = 0;
+    const auto add = [&](const Point& point) {
+        commands_ += fmt::format("{:.15g} {:.15g}\n", point.x, point.y);
+    };
     for (const std::vector<Point>& piece : layer.pieces) {
+        // From its middle to one end and back to the other, a line starts where that is not to be seen.
+        if (terminal_.slantsStarts && layer.kind == Kind::LINE && piece.size() == 2)
+            add({std::midpoint(piece[0].x, piece[1].x), std::midpoint(piece[0].y, piece[1].y)});
         for (const Point& point : piece) {
             if (IsMarks(layer.kind))
                 AddMark(layer, point, layer.radii[mark++]);
             else
-                commands_ += fmt::format("{:.15g} {:.15g}\n", point.x, point.y);
+                add(point);
         }
         commands_ += '\n';
     }
@@ -372,19 +339,6 @@ std::string ScriptWriter::Write()
 }
 
 } // namespace
-
-double ResolutionOf(const Picture& picture, const DrawingMedium& medium)
-{
-    constexpr double DEFAULT = 2 * PIXELS_AN_INCH;
-    constexpr double MOST_PIXELS = 32767; // in a row or a column, for Cairo
-    const auto [fitted, scale] = FittedTo(medium, picture);
-    const double most = MOST_PIXELS * PIXELS_AN_INCH / (scale * std::max(fitted.width, fitted.height));
-    // With less the letters could not be read.
-    const double least = medium.resolution ? *medium.resolution : PIXELS_AN_INCH;
-    if (most < least)
-        throw DrawingFailure("it is too large for a PNG file; SVG and PDF files may be of any size");
-    return medium.resolution ? least : std::floor(std::min(DEFAULT, most));
-}
 
 std::string GnuplotScript(const Picture& picture, const DrawingMedium& medium)
 {

@@ -11,8 +11,4 @@ namespace host {
 /// commands and never markup. Throws DrawingFailure when no file of the format can hold it.
 std::string GnuplotScript(const Picture& picture, const DrawingMedium& medium);
 
-/// The resolution of the picture's PNG file: that which is asked for, else 192, or as much as the format
-/// allows. Throws DrawingFailure when no file of the format can hold it.
-double ResolutionOf(const Picture& picture, const DrawingMedium& medium);
-
 } // namespace host
