@@ -1,5 +1,6 @@
 #include "host/plots/ForestColumns.h"
 
+#include "host/plots/ForestNumbers.h"
 #include "host/text/PlainText.h"
 
 #include <fmt/format.h>
@@ -34,44 +35,6 @@ std::vector<std::string> TextsOfRows(const Forest& forest, const ToText& toText)
 
 // Estimates.
 
-/// Decimals of all numbers of the column: those that suit the standard errors, and for ratios as many as show
-/// two digits of the median one.
-int DecimalsOf(const ForestScale& scale, const Forest& forest)
-{
-    constexpr int MOST_DECIMALS = 6;
-    if (scale.request.digits)
-        return *scale.request.digits;
-    const int decimals = scale.decimals - 2;
-    std::vector<double> ratios;
-    for (const ForestRow& row : forest.rows)
-        if (row.HasInterval() && IsNumber(row.shown.estimate) && row.shown.estimate > 0)
-            ratios.push_back(row.shown.estimate);
-    if (!scale.showsRatios || ratios.empty())
-        return decimals;
-    const auto middle = ratios.begin() + static_cast<std::ptrdiff_t>(ratios.size() / 2);
-    std::nth_element(ratios.begin(), middle, ratios.end());
-    const auto needed = static_cast<int>(1 - std::floor(std::log10(*middle)));
-    return std::clamp(needed, decimals, std::max(decimals, MOST_DECIMALS));
-}
-
-/// The numbers of a column of estimates.
-struct NumberStyle
-{
-    int decimals;
-    bool areRatios;
-};
-
-/// A ratio too small for the decimals is shown as below the smallest that they show, because 0.00 is none.
-std::string NumberInStyle(double value, const NumberStyle& style)
-{
-    constexpr double LARGE = 1e6;
-    const double least = std::pow(10.0, -style.decimals);
-    if (style.areRatios && IsNumber(value) && value > 0 && value < least / 2)
-        return "<" + FixedText(least, style.decimals);
-    const bool isLarge = IsNumber(value) && std::abs(value) >= LARGE;
-    return WithMinusSign(isLarge ? fmt::format("{:.2g}", value) : FixedText(value, style.decimals));
-}
-
 bool HasNegative(const Forest& forest)
 {
     return std::any_of(forest.rows.begin(), forest.rows.end(), [](const ForestRow& row) {
@@ -79,16 +42,16 @@ bool HasNegative(const Forest& forest)
     });
 }
 
-std::string EffectText(const ForestRow& row, const NumberStyle& numbers, const char* format,
+std::string EffectText(const ForestRow& row, const ForestNumbers& numbers, const char* format,
                        const char* limits)
 {
     if (!row.HasInterval())
         return {};
-    const std::string lower = NumberInStyle(row.shown.lower, numbers);
-    const std::string upper = NumberInStyle(row.shown.upper, numbers);
+    const std::string lower = NumberText(row.shown.lower, numbers);
+    const std::string upper = NumberText(row.shown.upper, numbers);
     if (row.kind == RowKind::PREDICTION)
         return fmt::format(fmt::runtime(limits), lower, upper);
-    const std::string estimate = NumberInStyle(row.shown.estimate, numbers);
+    const std::string estimate = NumberText(row.shown.estimate, numbers);
     return HasValue(row.shown.lower) || HasValue(row.shown.upper)
                ? fmt::format(fmt::runtime(format), estimate, lower, upper)
                : estimate;
@@ -103,7 +66,7 @@ std::string LimitsOf(const char* format)
 ForestColumn EffectColumn(const ForestScale& scale, const Forest& forest)
 {
     const ForestStyle& style = *scale.style;
-    const NumberStyle numbers = {DecimalsOf(scale, forest), scale.showsRatios};
+    const ForestNumbers numbers = NumbersOf(scale, forest);
     const char* const format = HasNegative(forest) ? style.signedEstimate : style.estimate;
     const std::string limits = LimitsOf(format);
     ForestColumn column = {.header = WithNames(style.effectHeader, scale.names)};

@@ -41,6 +41,15 @@ TEST(Forest, HasTheFiguresAndTestsThatItsLayoutPrints)
     }
 }
 
+TEST(Forest, WritesOutDifferencesThatAreLargeAsARule)
+{
+    const TemporaryFolder folder;
+    const std::string file = folder.Write("data.csv", "effect,variance\n3e6,1e12\n5e5,1e12\n");
+    const Pictures pictures(Effects(file) + "--outcome continuous");
+    EXPECT_THAT(pictures.Figure("forest").Words(),
+                IsSupersetOf(Texts{"3000000 [1040036, 4959964]", "500000 [\u22121459964, 2459964]"}));
+}
+
 /// Labels from top to bottom.
 Texts LabelsOf(const SvgFigure& figure)
 {
