@@ -105,8 +105,9 @@ std::vector<LabelledPoint> LabelledPointsOf(const InfluenceTable& table, const D
         const double value = diagnostic.values[i];
         if (!IsNumber(value))
             continue;
-        const LabelledPoint point = {{static_cast<double>(i + 1), value}, table.labels[i]};
-        if (IsBeyondCutoff(diagnostic, value))
+        const bool isBeyond = IsBeyondCutoff(diagnostic, value);
+        const LabelledPoint point = {{static_cast<double>(i + 1), value}, table.labels[i], isBeyond};
+        if (isBeyond)
             points.insert(points.begin(), point);
         else if (table.IsInfluential(i))
             points.push_back(point);
