@@ -9,7 +9,10 @@
 
 #include <fmt/format.h>
 
+#include <algorithm>
 #include <cmath>
+#include <cstddef>
+#include <optional>
 #include <utility>
 
 using namespace MA_NAMESPACE;
@@ -18,13 +21,15 @@ namespace host {
 
 namespace {
 
-/// A study's effect less its fitted value, its standard error, and its standard deviation about the line, the
-/// root of 1 / weight: under random effects tau² is part of that.
+/// A study's effect less its fitted value; its standard deviation about the line, the root of 1 / weight, of
+/// which tau² is part under random effects; and its standard error, that deviation times √(1 - leverage),
+/// because the line comes nearer to the study (Cook and Weisberg 1982, Residuals and Influence in
+/// Regression).
 struct Residual
 {
     double value;
-    double stdError;
     double stdDev;
+    double stdError;
 };
 
 double CriticalValue(const RegressionData& data)
@@ -34,11 +39,13 @@ double CriticalValue(const RegressionData& data)
 
 std::vector<Residual> ResidualsOf(const RegressionData& data)
 {
-    const double critical = CriticalValue(data);
     std::vector<Residual> residuals;
     for (const MARegForestRow& study : data.analysis.forest) {
-        const Residual residual = {study.effect - study.fit, (study.ciUpper - study.ciLower) / (2 * critical),
-                                   1 / std::sqrt(study.weight)};
+        const std::optional<Score>& score = data.analysis.scores[static_cast<std::size_t>(study.record)];
+        const double leverage = score && IsNumber(score->leverage) ? score->leverage : 0;
+        const double stdDev = 1 / std::sqrt(study.weight);
+        const Residual residual = {study.effect - study.fit, stdDev,
+                                   stdDev * std::sqrt(std::max(0.0, 1 - leverage))};
         if (IsNumber(study.fit) && IsNumber(residual.value) && IsNumber(residual.stdDev))
             residuals.push_back(residual);
     }
@@ -68,19 +75,19 @@ Picture FunnelPicture(const RegressionData& data, const std::vector<Residual>& r
 
     Picture picture = NewScatterPlot({"residual-funnel", "Funnel plot of residuals", ""});
     picture.x = NumberAxis(NameOfResidual(data), x);
-    picture.y = NumberAxis("Standard error", y);
+    picture.y = NumberAxis("Standard error of the residual", y);
     std::swap(picture.y.first, picture.y.last);
     picture.layers = {{Layer::Kind::DASHED_LINE,
                        color::INK,
                        {{{0, 0}, {reach, y.Last()}}, {{0, 0}, {-reach, y.Last()}}},
                        {},
                        1.2,
-                       data.level + " limits"},
+                       data.level + " limits of a study"},
                       LineBetween({0, 0}, {0, y.Last()}, Layer::Kind::LINE, color::ACCENT, "Fitted value"),
                       StudyDots(studies)};
-    picture.description = fmt::format(
-        "{}: {} by residual and standard error; {} limits of sampling error about the fitted value.",
-        picture.title, CountOfStudies(studies.size()), data.level);
+    picture.description =
+        fmt::format("{}: {} by residual and its standard error; {} limits of a study about its fitted value.",
+                    picture.title, CountOfStudies(studies.size()), data.level);
     return Finished(std::move(picture));
 }
 

@@ -272,9 +272,14 @@ TEST(Regression, DrawsStudiesAndABubblePlotOfEachCovariate)
     const SvgFigure funnel = pictures.Figure("residual-funnel");
     const std::vector<SvgMark> residuals = funnel.Marks("gpPt6", host::color::POOLED);
     const PixelScale across = LevelScale(funnel, "0.0", "1.0");
+    const PixelScale down = UprightScale(funnel, "0.2", "0.6");
     ASSERT_EQ(residuals.size(), 13U);
-    for (std::size_t i = 0; i < residuals.size(); ++i)
-        EXPECT_NEAR(residuals[i].x, across(pictures.Results()["Score"][i][4]), 2 * halfPixelDigit);
+    for (std::size_t i = 0; i < residuals.size(); ++i) {
+        const json& score = pictures.Results()["Score"][i];
+        EXPECT_NEAR(residuals[i].x, across(score[4]), 2 * halfPixelDigit);
+        EXPECT_NEAR(residuals[i].y - residuals[0].y, down(score[5]) - down(pictures.Results()["Score"][0][5]),
+                    4 * halfPixelDigit);
+    }
 }
 
 } // namespace
