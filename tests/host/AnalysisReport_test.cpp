@@ -60,6 +60,7 @@ TEST(AnalysisReport, OrdersGroupsByTextAndExplainsUnusualData)
     const TemporaryFolder folder;
     const std::string even =
         folder.Write("e.csv", "effect,variance\n1,1\n1.1,1\n0.9,1\n1,1\n1.1,1\n0.9,1\n1,1\n1,1\n");
+    const std::string alone = folder.Write("alone.csv", "effect,variance,g\n1,1,a\n2,1,\n3,1,a\n");
     const std::string gaps = folder.Write("t.csv", "effect,variance,g\n1,1,b\n2,1,NA\n3,1,a\n4,1,\n");
     const std::string proportions = folder.Write("p.csv", "x,n\n3,10\n12,10\nNA,5\n0,8\n-1,4\n4,0\n5,5\n");
     const std::string unusable = folder.Write("u.csv", "effect,variance\nNA,1\n1,0\n");
@@ -74,6 +75,8 @@ TEST(AnalysisReport, OrdersGroupsByTextAndExplainsUnusualData)
         {Effects(gaps) + "--subgroup g",
          "\na +3.0000 .*\nb +1.0000 .*\nOverall +2.5000.*460148: [^\n]*Studies: 2, 4\\..*\n2 +- +2.0000.*"
          "Subgroups: studies without a value of g\nStudy +Line\n2 +3\n4 +5\nLeft out: 2 of the 4 studies"},
+        {Effects(alone) + "--subgroup g",
+         "Left out: 1 of the 3 studies[^\n]*\nThe others have one value of g: "},
         {Effects(gaps) + "--cumulative g", "\nOverall +2.5000 .*460149: .*With g +2.0000"},
         {Effects(unusable),
          "Excluded records\nStudy +Line +Reason\n1 +2 +missing value\n2 +3 +variance, [^\n]*\n2 read, 2 "
