@@ -60,6 +60,7 @@ TEST(AnalysisReport, OrdersGroupsByTextAndExplainsUnusualData)
     const TemporaryFolder folder;
     const std::string even =
         folder.Write("e.csv", "effect,variance\n1,1\n1.1,1\n0.9,1\n1,1\n1.1,1\n0.9,1\n1,1\n1,1\n");
+    const std::string alone = folder.Write("alone.csv", "effect,variance,g\n1,1,a\n2,1,\n3,1,a\n");
     const std::string gaps = folder.Write("t.csv", "effect,variance,g\n1,1,b\n2,1,NA\n3,1,a\n4,1,\n");
     const std::string steps = folder.Write("s.csv", "effect,variance,g,c\n1,1,a,1\n2,1,a,\n5,1,b,2\n");
     const std::string proportions = folder.Write("p.csv", "x,n\n3,10\n12,10\nNA,5\n0,8\n-1,4\n4,0\n5,5\n");
@@ -78,6 +79,8 @@ TEST(AnalysisReport, OrdersGroupsByTextAndExplainsUnusualData)
         {Effects(steps) + "--subgroup g --cumulative c",
          "Variance between studies\n[^\n]*\na +- .*\nOverall +[0-9.]+ .*Left out: 1 of the 3 studies\\."
          "[^\n]*\nThey are left out of the pooled effects of the groups"},
+        {Effects(alone) + "--subgroup g",
+         "Left out: 1 of the 3 studies[^\n]*\nThe others have one value of g: "},
         {Effects(gaps) + "--cumulative g", "\nOverall +2.5000 .*460149: .*With g +2.0000"},
         {Effects(unusable),
          "Excluded records\nStudy +Line +Reason\n1 +2 +missing value\n2 +3 +variance, [^\n]*\n2 read, 2 "

@@ -108,6 +108,19 @@ std::uint32_t NumberAt(const std::string& png, std::size_t place)
     return number;
 }
 
+TEST(Forest, HeadsStudiesOutsideTheGroupsByWhatTheyLack)
+{
+    const TemporaryFolder folder;
+    const std::string data = folder.Write("t.csv", "e,v,g,year\n1,1,,1\n2,1,x,2\n3,1,x,\n4,1,y,4\n");
+    ReportOf({"effects", data, "--outcome", "continuous", "--effect-size", "e", "--variance", "v",
+              "--subgroup", "g", "--cumulative", "year", "--plots", folder.PathOf("p")});
+    std::vector<std::string> headings;
+    for (const SvgText& text : SvgFigure(folder.Read("p/forest.svg")).Texts())
+        if (text.text.ends_with(": not known"))
+            headings.push_back(text.text);
+    EXPECT_EQ(headings, (std::vector<std::string>{"g: not known", "year: not known"}));
+}
+
 /// 170 mm at 300 dpi are 2008 pixels, and 300 dpi are 11811 pixels a metre.
 TEST(Forest, HasTheSizeAndTheResolutionThatAreAskedFor)
 {
