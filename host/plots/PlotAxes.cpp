@@ -96,7 +96,7 @@ Texts TextsOf(const std::vector<double>& numbers, double step)
     const double largest = std::max(std::abs(numbers.front()), std::abs(numbers.back()));
     const int power = FirstPower(std::max(largest, step));
     const int digits = std::min(power - FirstPower(step), mostDigits);
-    const Texts withPower = WithPower(numbers, power, digits);
+    Texts withPower = WithPower(numbers, power, digits);
     if (std::abs(power) > mostDigits)
         return withPower;
     Texts texts = WithDecimals(numbers, std::clamp(-FirstPower(step), 0, 2 * mostDigits));
