@@ -87,7 +87,7 @@ std::string LatexSentence(const std::vector<ReportColumn>& columns, std::size_t 
     std::string sentence = columns.front().cells[row];
     for (std::size_t i = 1; i < columns.size(); ++i)
         if (columns[i].isText && !columns[i].cells.View(row).empty())
-            sentence = columns[i].cells[row] + ": " + sentence;
+            sentence = fmt::format("{}: {}", columns[i].cells.View(row), sentence);
     return fmt::format("\\multicolumn{{{}}}{{@{{}}p{{\\linewidth}}@{{}}}}{{{}}}", columns.size(),
                        LatexText(sentence));
 }
