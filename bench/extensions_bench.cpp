@@ -39,17 +39,26 @@ MAModelSettings ReadyMadeSettings(MAConst::MODELTYPE model)
     return settings;
 }
 
+/// `count` records, of which `valuesOf(i)` gives the values.
+template <class ValuesOf>
+VectorRecordIter RecordsOf(std::size_t count, ValuesOf valuesOf)
+{
+    std::vector<Record> records;
+    records.reserve(count);
+    for (std::size_t i = 0; i < count; ++i)
+        records.emplace_back(valuesOf(i));
+    return VectorRecordIter(std::move(records));
+}
+
 /// Studies in subgroups of 100, in a mixed order.
 VectorRecordIter GroupedStudies(std::size_t count)
 {
     const SimulatedStudies studies = SimulateStudies(count);
-    std::vector<Record> records;
-    records.reserve(count);
-    for (std::size_t i = 0; i < count; ++i)
-        records.emplace_back(std::vector<double>{studies.effectSizes[i], studies.variances[i],
-                                                 static_cast<double>(i % (count / 100 + 1)),
-                                                 static_cast<double>(i * 7919 % count)});
-    return VectorRecordIter(std::move(records));
+    return RecordsOf(count, [&](std::size_t i) {
+        return std::vector<double>{studies.effectSizes[i], studies.variances[i],
+                                   static_cast<double>(i % (count / 100 + 1)),
+                                   static_cast<double>(i * 7919 % count)};
+    });
 }
 
 template <class Analysis = MAContModel>
@@ -116,21 +125,19 @@ void ConvertedIntervals(benchmark::State& state)
 {
     const auto count = static_cast<std::size_t>(state.range(0));
     const SimulatedStudies studies = SimulateStudies(count);
-    std::vector<Record> records;
-    records.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) {
+    VectorRecordIter records = RecordsOf(count, [&](std::size_t i) {
         const double half = 1.96 * std::sqrt(studies.variances[i]);
         const double shift = i % 10 == 0 ? 0.2 * half : 0.0;
-        records.emplace_back(std::vector<double>{std::exp(studies.effectSizes[i] + shift),
-                                                 std::exp(studies.effectSizes[i] - half),
-                                                 std::exp(studies.effectSizes[i] + half)});
-    }
+        return std::vector<double>{std::exp(studies.effectSizes[i] + shift),
+                                   std::exp(studies.effectSizes[i] - half),
+                                   std::exp(studies.effectSizes[i] + half)};
+    });
     MAModelSettings settings = ReadyMadeSettings(MAConst::MODEL_FIXED);
     settings.SetInputVarianceIndex(-1);
     settings.SetInputCILowerIndex(1);
     settings.SetInputCIUpperIndex(2);
     settings.SetInputIsRatio(true);
-    TimeRuns(state, settings, VectorRecordIter(std::move(records)));
+    TimeRuns(state, settings, std::move(records));
 }
 BENCHMARK(ConvertedIntervals)->Arg(100000)->Unit(benchmark::kMillisecond);
 
@@ -139,13 +146,15 @@ void ConvertedMedians(benchmark::State& state)
 {
     const auto count = static_cast<std::size_t>(state.range(0));
     const SimulatedStudies studies = SimulateStudies(count);
-    std::vector<Record> records;
-    records.reserve(count);
-    for (std::size_t i = 0; i < count; ++i) {
+    VectorRecordIter records = RecordsOf(count, [&](std::size_t i) {
         const double centre = studies.effectSizes[i];
-        records.emplace_back(std::vector<double>{20.0 + static_cast<double>(i % 100), centre, centre - 0.7,
-                                                 centre + 0.6, centre - 2.4, centre + 2.2});
-    }
+        return std::vector<double>{20.0 + static_cast<double>(i % 100),
+                                   centre,
+                                   centre - 0.7,
+                                   centre + 0.6,
+                                   centre - 2.4,
+                                   centre + 2.2};
+    });
     MAModelSettings settings;
     settings.SetOutcomesType(MAConst::OUTCOME_CONTINUOUS);
     settings.SetModelType(MAConst::MODEL_FIXED);
@@ -159,7 +168,7 @@ void ConvertedMedians(benchmark::State& state)
     settings.SetControlMedianIndex(1);
     settings.SetControlMinIndex(4);
     settings.SetControlMaxIndex(5);
-    TimeRuns(state, settings, VectorRecordIter(std::move(records)));
+    TimeRuns(state, settings, std::move(records));
 }
 BENCHMARK(ConvertedMedians)->Arg(100000)->Unit(benchmark::kMillisecond);
 
@@ -218,11 +227,11 @@ void LeaveOneOutTables(benchmark::State& state)
     settings.SetControlSuccessIndex(2);
     settings.SetControlFailureIndex(3);
     settings.SetLeaveOneOut(true);
-    std::vector<Record> records;
-    records.reserve(static_cast<std::size_t>(state.range(0)));
-    for (int i = 0; i < state.range(0); ++i)
-        records.emplace_back(std::vector<double>{i % 20 * 1.0, 20.0 + i % 101, i % 23 * 1.0, 20.0 + i % 97});
-    TimeRuns<MABinModel>(state, settings, VectorRecordIter(std::move(records)));
+    TimeRuns<MABinModel>(state, settings,
+                         RecordsOf(static_cast<std::size_t>(state.range(0)), [](std::size_t i) {
+                             const auto of = [i](std::size_t most) { return static_cast<double>(i % most); };
+                             return std::vector<double>{of(20), 20.0 + of(101), of(23), 20.0 + of(97)};
+                         }));
 }
 BENCHMARK(LeaveOneOutTables)->Arg(10000)->Unit(benchmark::kMillisecond);
 
@@ -236,13 +245,9 @@ void FreemanTukeyRun(benchmark::State& state)
     settings.SetEventsIndex(0);
     settings.SetSizeIndex(1);
     settings.SetCommulativeIndex(0);
-    const auto count = static_cast<std::size_t>(state.range(0));
-    std::vector<Record> rows;
-    rows.reserve(count);
-    for (std::size_t i = 0; i < count; ++i)
-        rows.emplace_back(
-            std::vector<double>{static_cast<double>(i % 20), static_cast<double>(20 + i * 7919 % 500)});
-    VectorRecordIter records(std::move(rows));
+    VectorRecordIter records = RecordsOf(static_cast<std::size_t>(state.range(0)), [](std::size_t i) {
+        return std::vector<double>{static_cast<double>(i % 20), static_cast<double>(20 + i * 7919 % 500)};
+    });
     while (state.KeepRunning()) {
         MAOutcomeModel analysis(settings);
         if (analysis.RUN(records, KXVarList()).IsError()) {

@@ -41,7 +41,7 @@ std::vector<MATableEstimate> PoolTablePrefixes(std::span<const MATable> tables,
                                                const MATablePoolingChoice& choice);
 
 /// The models of all tables but one, for each in turn, in O(1) each. They equal those of `PoolTables` but for
-/// rounding, with the correction resolved for all tables.
+/// rounding, with the correction resolved for all tables, and are empty of a measure that has no pooling.
 std::vector<MAPooledModel> PoolTablesWithoutEach(std::span<const MATable> tables,
                                                  const MATablePoolingChoice& choice);
 
